@@ -1,0 +1,86 @@
+#include "link/register_write.h"
+
+#include <iterator>
+
+namespace qv5123 {
+namespace {
+
+constexpr char kHexDigits[] = "0123456789abcdef";
+
+void append_hex(std::string& text, std::uint8_t byte) {
+  text += kHexDigits[byte >> 4];
+  text += kHexDigits[byte & 0x0F];
+}
+
+Batch address_pair(std::uint8_t port, int address) {
+  return {{port, high_byte(address)}, {port, low_byte(address)}};
+}
+
+Batch address_and_word(std::uint8_t address_port, int address, std::uint8_t data_port, int value) {
+  Batch batch = address_pair(address_port, address);
+  batch.push_back({data_port, high_byte(value)});
+  batch.push_back({data_port, low_byte(value)});
+  return batch;
+}
+
+}  // namespace
+
+Batch word_write(std::uint8_t address, int value) {
+  return {{address, high_byte(value)}, {address, low_byte(value)}};
+}
+
+Traffic flushed_singly(const Batch& writes) {
+  Traffic traffic;
+  traffic.reserve(writes.size());
+  for (const RegisterWrite& write : writes) traffic.push_back({write});
+  return traffic;
+}
+
+void append(Traffic& traffic, Traffic more) {
+  traffic.insert(traffic.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
+}
+
+void append(Traffic& traffic, RegisterWrite write) { traffic.push_back({write}); }
+
+std::string frame(RegisterWrite write) {
+  std::string text = "@";
+  append_hex(text, write.address);
+  append_hex(text, write.value);
+  text += '*';
+  return text;
+}
+
+std::string frames(const Batch& batch) {
+  std::string text;
+  text.reserve(batch.size() * 6);
+  for (const RegisterWrite& write : batch) text += frame(write);
+  return text;
+}
+
+Batch isp_write(int address, int value) {
+  Batch batch = address_pair(reg::kIspWriteAddress, address & 0xFFF);
+  batch.push_back({reg::kIspWriteData, low_byte(value)});
+  return batch;
+}
+
+Batch isp_read_request(int address) { return address_pair(reg::kIspReadAddress, address & 0xFFF); }
+
+Batch isp_wide_write(int address, int value) {
+  return address_and_word(reg::kIspWideWriteAddress, address, reg::kIspWideWriteData, value);
+}
+
+Batch isp_wide_read_request(int address) { return address_pair(reg::kIspWideReadAddress, address); }
+
+Batch sensor_write(int address, int value) {
+  return address_and_word(reg::kSensorWriteAddress, address, reg::kSensorWriteData, value);
+}
+
+Batch sensor_read_request(int address) { return address_pair(reg::kSensorReadAddress, address); }
+
+Batch dump_request(int start, int end) {
+  Batch batch = address_pair(reg::kDump, start);
+  for (const RegisterWrite& write : address_pair(reg::kDump, end)) batch.push_back(write);
+  return batch;
+}
+
+}  // namespace qv5123
