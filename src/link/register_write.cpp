@@ -40,7 +40,9 @@ void append(Traffic& traffic, Traffic more) {
   traffic.insert(traffic.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
 }
 
-void append(Traffic& traffic, RegisterWrite write) { traffic.push_back({write}); }
+void append(Traffic& traffic, RegisterWrite write) {
+  traffic.push_back({write});
+}
 
 std::string frame(RegisterWrite write) {
   std::string text = "@";
@@ -63,19 +65,25 @@ Batch isp_write(int address, int value) {
   return batch;
 }
 
-Batch isp_read_request(int address) { return address_pair(reg::kIspReadAddress, address & 0xFFF); }
+Batch isp_read_request(int address) {
+  return address_pair(reg::kIspReadAddress, address & 0xFFF);
+}
 
 Batch isp_wide_write(int address, int value) {
   return address_and_word(reg::kIspWideWriteAddress, address, reg::kIspWideWriteData, value);
 }
 
-Batch isp_wide_read_request(int address) { return address_pair(reg::kIspWideReadAddress, address); }
+Batch isp_wide_read_request(int address) {
+  return address_pair(reg::kIspWideReadAddress, address);
+}
 
 Batch sensor_write(int address, int value) {
   return address_and_word(reg::kSensorWriteAddress, address, reg::kSensorWriteData, value);
 }
 
-Batch sensor_read_request(int address) { return address_pair(reg::kSensorReadAddress, address); }
+Batch sensor_read_request(int address) {
+  return address_pair(reg::kSensorReadAddress, address);
+}
 
 Batch dump_request(int start, int end) {
   Batch batch = address_pair(reg::kDump, start);

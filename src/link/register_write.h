@@ -20,9 +20,13 @@ using Batch = std::vector<RegisterWrite>;
 using Traffic = std::vector<Batch>;
 
 /// High byte of a 16-bit quantity. Takes int so that signed values split as two's complement.
-constexpr std::uint8_t high_byte(int value) { return static_cast<std::uint8_t>((value >> 8) & 0xFF); }
+constexpr std::uint8_t high_byte(int value) {
+  return static_cast<std::uint8_t>((value >> 8) & 0xFF);
+}
 /// Low byte of a 16-bit quantity.
-constexpr std::uint8_t low_byte(int value) { return static_cast<std::uint8_t>(value & 0xFF); }
+constexpr std::uint8_t low_byte(int value) {
+  return static_cast<std::uint8_t>(value & 0xFF);
+}
 
 /// A 16-bit quantity sent through one register: high byte first, the chip latches the pair.
 Batch word_write(std::uint8_t address, int value);
