@@ -1,0 +1,54 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "console/document.h"
+#include "console/prompts.h"
+#include "link/command_link.h"
+#include "link/scheduler.h"
+
+namespace qv5123 {
+
+/// What a page may use of the main form. Everything belongs to the user-interface thread and outlives the
+/// pages.
+class PageHost {
+ public:
+  virtual ~PageHost() = default;
+
+  virtual CommandLink& link() = 0;
+  virtual CQV5123Doc& document() = 0;
+  virtual Prompts& prompts() = 0;
+  Scheduler& scheduler() { return link().scheduler(); }
+
+  /// Shows a message of at most 256 characters in the status bar's message pane.
+  virtual void show_status(const std::string& text) = 0;
+  /// Shows how far a long operation is, 0..100, beside the status message; nothing takes it away again.
+  virtual void show_progress(std::optional<int> percent) = 0;
+  /// Appends to the main console and scrolls to its end.
+  virtual void append_console(const std::string& text) = 0;
+
+  /// Writes the user data image to the remembered setting file, asking for one where none was ever chosen.
+  /// Says "File open error !!" itself. False when nothing was written.
+  virtual Task<bool> write_user_data_file() = 0;
+  /// Every page's SaveToUserData in its fixed order, then write_user_data_file().
+  virtual Task<bool> save_everything() = 0;
+  /// Work that closing the window should ask about first, such as a full save, while it lasts.
+  virtual void set_busy(bool busy) = 0;
+};
+
+/// What the main form knows of a page.
+class Page {
+ public:
+  virtual ~Page() = default;
+  /// Copies the page's values into the user data image. The main form writes the file afterwards.
+  virtual void save_to_user_data() {}
+  /// Takes the page's values from the user data image.
+  virtual void reload_from_user_data() {}
+  /// Chosen from the menu while it exists already.
+  virtual void chosen_again() {}
+  /// True while what the page asked the chip for at its opening is still under way. The tour waits for it.
+  virtual bool loading() const { return false; }
+};
+
+}  // namespace qv5123

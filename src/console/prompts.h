@@ -1,0 +1,50 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "link/task.h"
+
+namespace qv5123 {
+
+/// A message that the user must acknowledge.
+struct Message {
+  enum class Icon { information, warning, stop };
+  std::string text;
+  std::string title = "QV5123";
+  Icon icon = Icon::information;
+};
+
+/// A question with a fixed set of answers.
+struct Question {
+  enum class Buttons { ok_cancel, yes_no, yes_no_cancel };
+  std::string text;
+  std::string title = "QV5123";
+  Buttons buttons = Buttons::ok_cancel;
+};
+
+enum class Answer { yes, no, cancel };  // OK counts as yes
+
+/// What a file chooser offers.
+struct FileChoice {
+  /// Pairs of name and pattern, as "Setting Files (*.dat)|*.dat|All Files (*.*)|*.*||".
+  std::string filter;
+  std::string default_extension;  ///< without the point; added to a name typed without one
+  std::string initial_name;       ///< may be empty
+};
+
+/// The user, asked. Every call resumes when the user has answered; nothing blocks meanwhile. Texts are plain:
+/// no markup in them is interpreted.
+class Prompts {
+ public:
+  virtual ~Prompts() = default;
+  virtual Task<> message(Message message) = 0;
+  virtual Task<Answer> ask(Question question) = 0;
+  /// An existing file to read; nothing when the user cancels.
+  virtual Task<std::optional<std::filesystem::path>> choose_open(FileChoice choice) = 0;
+  /// A file to write, asked before an existing one is overwritten; nothing when the user cancels.
+  virtual Task<std::optional<std::filesystem::path>> choose_save(FileChoice choice) = 0;
+};
+
+}  // namespace qv5123

@@ -1,0 +1,171 @@
+#include "link/command_link.h"
+
+#include <utility>
+
+namespace qv5123 {
+namespace {
+
+Chunk chunk_of(Batch batch) {
+  Chunk chunk;
+  chunk.writes = std::move(batch);
+  return chunk;
+}
+
+}  // namespace
+
+CommandLink::Turn::~Turn() {
+  if (link_) link_->release_turn();
+}
+
+CommandLink::Hold::~Hold() {
+  if (link_) link_->release_hold();
+}
+
+Pending<JobResult> CommandLink::Hold::send(Job job) {
+  return link_->enqueue(link_->held_queue_, std::move(job));
+}
+
+CommandLink::~CommandLink() {
+  *alive_ = false;
+}
+
+Pending<JobResult> CommandLink::send(Batch batch) {
+  Job job;
+  job.chunks.push_back(chunk_of(std::move(batch)));
+  return send(std::move(job));
+}
+
+Pending<JobResult> CommandLink::send(Traffic traffic, std::function<void(std::size_t)> on_progress) {
+  Job job;
+  job.on_progress = std::move(on_progress);
+  for (Batch& batch : traffic) job.chunks.push_back(chunk_of(std::move(batch)));
+  return send(std::move(job));
+}
+
+Pending<JobResult> CommandLink::send_letter(char letter) {
+  Job job;
+  job.chunks.emplace_back().bytes = {static_cast<std::uint8_t>(letter)};
+  return send(std::move(job));
+}
+
+Pending<JobResult> CommandLink::send(Job job) {
+  return enqueue(queue_, std::move(job));
+}
+
+Pending<JobResult> CommandLink::enqueue(std::deque<Queued>& queue, Job job) {
+  Resolver<JobResult> done;
+  queue.push_back({std::move(job), done, nullptr});
+  start_next();
+  return done.pending();
+}
+
+void CommandLink::start_next() {
+  while (!running_) {
+    std::deque<Queued>& queue = held_ ? held_queue_ : queue_;
+    if (queue.empty()) return;
+    Queued next = std::move(queue.front());
+    queue.pop_front();
+    if (!next.hold) {
+      running_ = next.done;
+      sender_.start(std::move(next.job), [this, alive = alive_](JobResult result) {
+        if (*alive) job_over(result);
+      });
+    } else if (!next.hold->abandoned) {
+      held_ = true;
+      grant(next.hold);
+      return;
+    }
+  }
+}
+
+void CommandLink::job_over(const JobResult& result) {
+  const Resolver<JobResult> done = *std::exchange(running_, std::nullopt);
+  start_next();
+  // Last, since whoever waited may do anything, even end this link.
+  done.resolve(result);
+}
+
+void CommandLink::grant(const std::shared_ptr<Request>& request) {
+  request->granted = true;
+  if (auto waiter = std::exchange(request->waiter, {})) waiter.resume();
+}
+
+CommandLink::Admission<CommandLink::Turn> CommandLink::turn() {
+  auto request = std::make_shared<Request>();
+  if (turn_taken_) {
+    turn_waiters_.push_back(request);
+  } else {
+    turn_taken_ = true;
+    request->granted = true;
+  }
+  return {*this, request};
+}
+
+void CommandLink::release_turn() {
+  // Posted, not resumed: the flow that releases may be in the middle of its own end.
+  scheduler_.post([this, alive = alive_] {
+    if (*alive) hand_over_turn();
+  });
+}
+
+void CommandLink::hand_over_turn() {
+  while (!turn_waiters_.empty()) {
+    const std::shared_ptr<Request> next = turn_waiters_.front();
+    turn_waiters_.pop_front();
+    if (next->abandoned) continue;
+    grant(next);
+    return;
+  }
+  turn_taken_ = false;
+}
+
+CommandLink::Admission<CommandLink::Hold> CommandLink::hold() {
+  auto request = std::make_shared<Request>();
+  queue_.push_back({Job{}, {}, request});
+  start_next();
+  return {*this, request};
+}
+
+void CommandLink::release_hold() {
+  scheduler_.post([this, alive = alive_] {
+    if (!*alive) return;
+    // What the holder sent without waiting for it still belongs before everything else.
+    while (!held_queue_.empty()) {
+      queue_.push_front(std::move(held_queue_.back()));
+      held_queue_.pop_back();
+    }
+    held_ = false;
+    start_next();
+  });
+}
+
+Task<> CommandLink::delay(std::chrono::milliseconds delay) {
+  co_await Delay(scheduler_, delay);
+}
+
+Task<std::optional<std::string>> CommandLink::query(std::uint8_t trigger) {
+  const Turn turn = co_await this->turn();
+  reply_.forget();
+  Batch request = {{trigger, 0}};
+  co_await send(std::move(request));
+  for (int retries = 0;; ++retries) {
+    co_await Delay(scheduler_, kQueryTick);
+    if (auto block = reply_.take_block()) co_return block;
+    if (retries == kQueryRetries) co_return std::nullopt;
+  }
+}
+
+Task<int> CommandLink::wide_read(int address) {
+  const Turn turn = co_await this->turn();
+  reply_.forget();
+  co_await send(isp_read_request(address));
+  co_await Delay(scheduler_, kWideWait);
+  co_return reply_.take_last_pair().value_or(-1);
+}
+
+Task<> CommandLink::wide_write(int address, int value) {
+  co_await send(isp_write(address, value));
+  co_await Delay(scheduler_, kWideWait);
+}
+
+}  // namespace qv5123

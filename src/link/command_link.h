@@ -1,0 +1,183 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "link/register_write.h"
+#include "link/reply_buffer.h"
+#include "link/scheduler.h"
+#include "link/sender.h"
+#include "link/task.h"
+
+namespace qv5123 {
+
+/// How pages talk to the chip. Everything handed over reaches the wire, in order, on a sending thread; the
+/// caller goes on at once and may wait for it. What comes back is collected in reply().
+///
+/// All calls belong to the scheduler's thread.
+class CommandLink {
+ public:
+  /// How often a query looks for its reply, and after how many looks in vain it gives up: the sixth fails it.
+  static constexpr std::chrono::milliseconds kQueryTick{300};
+  static constexpr int kQueryRetries = 5;
+  /// The wait after every wide access.
+  static constexpr std::chrono::milliseconds kWideWait{60};
+
+  /// While a Turn is held nobody else's request and reply come between. Released when it goes.
+  class Turn {
+   public:
+    explicit Turn(CommandLink& link) : link_(&link) {}
+    Turn(Turn&& other) noexcept : link_(std::exchange(other.link_, nullptr)) {}
+    Turn& operator=(Turn&&) = delete;
+    ~Turn();
+
+   private:
+    CommandLink* link_;
+  };
+
+  /// While a Hold exists only jobs that are sent through it leave; all others wait their turn behind it. For
+  /// transfers of several jobs with the user or a pause between them.
+  class Hold {
+   public:
+    explicit Hold(CommandLink& link) : link_(&link) {}
+    Hold(Hold&& other) noexcept : link_(std::exchange(other.link_, nullptr)) {}
+    Hold& operator=(Hold&&) = delete;
+    ~Hold();
+    Pending<JobResult> send(Job job);
+
+   private:
+    CommandLink* link_;
+  };
+
+  /// Awaited for a Turn or a Hold. Dropping it gives up the place in the queue.
+  template <class Guard>
+  class Admission;
+
+  CommandLink(Scheduler& scheduler, Sender& sender) : scheduler_(scheduler), sender_(sender) {}
+  CommandLink(const CommandLink&) = delete;
+  CommandLink& operator=(const CommandLink&) = delete;
+  ~CommandLink();
+
+  Scheduler& scheduler() { return scheduler_; }
+  ReplyBuffer& reply() { return reply_; }
+
+  /// Sends one flush. The result may be dropped: the batch leaves all the same.
+  Pending<JobResult> send(Batch batch);
+  /// Sends flushes that nothing may come between.
+  Pending<JobResult> send(Traffic traffic, std::function<void(std::size_t)> on_progress = {});
+  /// Sends a single command letter, unframed.
+  Pending<JobResult> send_letter(char letter);
+  Pending<JobResult> send(Job job);
+  /// Asks the running job to end at the next boundary between its chunks.
+  void cancel_running_job() { sender_.cancel(); }
+  /// Jobs not yet over, the running one included.
+  std::size_t jobs_waiting() const { return queue_.size() + held_queue_.size() + (running_ ? 1 : 0); }
+
+  /// Resumes after `delay` on the scheduler's clock.
+  Task<> delay(std::chrono::milliseconds delay);
+
+  /// Waits until nobody holds a turn, in the order of asking.
+  Admission<Turn> turn();
+  /// Waits until no other hold exists and what was sent before has left.
+  Admission<Hold> hold();
+  bool held() const { return held_; }
+
+  /// Writes 0 to `trigger` and looks for the reply block every 300 ms. Nothing when the sixth look is in
+  /// vain.
+  Task<std::optional<std::string>> query(std::uint8_t trigger);
+
+  /// Reads an ISP register: the request, 60 ms, then the last two reply characters. -1 without an answer.
+  Task<int> wide_read(int address);
+  /// Writes an ISP register and waits 60 ms.
+  Task<> wide_write(int address, int value);
+
+ private:
+  struct Request {
+    std::coroutine_handle<> waiter;
+    bool granted = false;
+    bool abandoned = false;
+  };
+  struct Queued {
+    Job job;
+    Resolver<JobResult> done;
+    std::shared_ptr<Request> hold;  // set where the queue stops for a holder instead of sending
+  };
+
+  Pending<JobResult> enqueue(std::deque<Queued>& queue, Job job);
+  void start_next();
+  void job_over(const JobResult& result);
+  void release_turn();
+  void hand_over_turn();
+  void release_hold();
+  static void grant(const std::shared_ptr<Request>& request);
+
+  Scheduler& scheduler_;
+  Sender& sender_;
+  ReplyBuffer reply_;
+  std::deque<Queued> queue_;
+  std::deque<Queued> held_queue_;  // what the holder sends
+  std::optional<Resolver<JobResult>> running_;
+  bool held_ = false;
+  bool turn_taken_ = false;
+  std::deque<std::shared_ptr<Request>> turn_waiters_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+};
+
+template <class Guard>
+class CommandLink::Admission {
+ public:
+  Admission(CommandLink& link, std::shared_ptr<Request> request)
+      : link_(link), request_(std::move(request)) {}
+  Admission(const Admission&) = delete;
+  Admission& operator=(const Admission&) = delete;
+  ~Admission() {
+    if (consumed_) return;
+    request_->waiter = {};
+    request_->abandoned = true;
+    if (request_->granted) Guard{link_};
+  }
+  bool await_ready() const { return request_->granted; }
+  void await_suspend(std::coroutine_handle<> waiter) { request_->waiter = waiter; }
+  Guard await_resume() {
+    consumed_ = true;
+    return Guard(link_);
+  }
+
+ private:
+  CommandLink& link_;
+  std::shared_ptr<Request> request_;
+  bool consumed_ = false;
+};
+
+/// Resumes its awaiter after a delay; dropping it cancels the timer.
+class Delay {
+ public:
+  Delay(Scheduler& scheduler, std::chrono::milliseconds delay) : scheduler_(scheduler), delay_(delay) {}
+  Delay(const Delay&) = delete;
+  Delay& operator=(const Delay&) = delete;
+  ~Delay() {
+    if (waiting_) scheduler_.cancel(timer_);
+  }
+  bool await_ready() const { return false; }
+  void await_suspend(std::coroutine_handle<> waiter) {
+    waiting_ = true;
+    timer_ = scheduler_.call_after(delay_, [this, waiter] {
+      waiting_ = false;
+      waiter.resume();
+    });
+  }
+  void await_resume() const {}
+
+ private:
+  Scheduler& scheduler_;
+  std::chrono::milliseconds delay_;
+  Scheduler::TimerId timer_ = 0;
+  bool waiting_ = false;
+};
+
+}  // namespace qv5123

@@ -1,0 +1,65 @@
+#include "link/reply_buffer.h"
+
+#include "link/reply_text.h"
+
+namespace qv5123 {
+
+std::string ReplyBuffer::decode(std::span<const std::uint8_t> received) {
+  std::string console;
+  for (const std::uint8_t byte : received) {
+    switch (byte) {
+      case 0x00:
+        break;
+      case '~':
+        state_ = State::in_block;
+        index_ = 0;
+        wrapped_ = false;
+        break;
+      case '^':
+        if (state_ == State::in_block) state_ = State::complete;
+        break;
+      case '$':
+        state_ = State::abandoned;
+        break;
+      default:
+        if (state_ == State::in_block) {
+          store(static_cast<char>(byte));
+        } else {
+          console += static_cast<char>(byte);
+        }
+    }
+  }
+  return console;
+}
+
+void ReplyBuffer::store(char c) {
+  text_[index_] = c;
+  index_ = (index_ + 1) % kSize;
+  if (index_ == 0) wrapped_ = true;
+}
+
+std::optional<std::string> ReplyBuffer::take_block() {
+  if (state_ != State::complete) return std::nullopt;
+  state_ = State::idle;
+  return std::string(text_.data(), wrapped_ ? kSize : index_);
+}
+
+std::optional<int> ReplyBuffer::take_last_pair() {
+  if (index_ < 2) return std::nullopt;
+  const int value = reply_byte_at({text_.data(), kSize}, index_ - 2);
+  index_ -= 2;
+  return value;
+}
+
+void ReplyBuffer::forget() {
+  state_ = State::idle;
+  index_ = 0;
+  wrapped_ = false;
+}
+
+void ReplyBuffer::clear() {
+  text_.fill(0);
+  forget();
+}
+
+}  // namespace qv5123

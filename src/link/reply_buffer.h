@@ -1,0 +1,55 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace qv5123 {
+
+/// Tells the chip's reply blocks ("~" hex pairs "^") from the console text around them, and keeps the block
+/// that was received last.
+class ReplyBuffer {
+ public:
+  static constexpr std::size_t kSize = 500;
+
+  enum class State {
+    idle = 0,
+    in_block = 1,   ///< between "~" and "^"
+    abandoned = 5,  ///< the chip sent "$"; no consumer accepts it
+    complete = 10,  ///< a block waits for its consumer
+  };
+
+  /// Classifies the received bytes and returns those that are console text, as 8-bit characters. NULs
+  /// vanish. A block longer than 500 characters wraps and overwrites its own start.
+  std::string decode(std::span<const std::uint8_t> received);
+
+  State state() const { return state_; }
+  /// The next write position, which is how many characters the block holds unless it wrapped.
+  std::size_t index() const { return index_; }
+
+  /// The complete block's characters, at most 500, and back to idle; nothing when none is complete.
+  std::optional<std::string> take_block();
+
+  /// The value of the last two characters stored, 0..255; nothing when fewer than two are there. Lowers the
+  /// index by two, so that the same pair is not taken twice.
+  std::optional<int> take_last_pair();
+
+  /// Drops what was received. Called before a request, so that a late answer to an earlier one is not taken
+  /// for its reply. A block that is just arriving is dropped with it.
+  void forget();
+  /// Zeroes the whole buffer and goes idle.
+  void clear();
+
+ private:
+  void store(char c);
+
+  std::array<char, kSize> text_{};
+  std::size_t index_ = 0;
+  bool wrapped_ = false;
+  State state_ = State::idle;
+};
+
+}  // namespace qv5123

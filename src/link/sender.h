@@ -1,0 +1,51 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "link/register_write.h"
+
+namespace qv5123 {
+
+/// The delay that the port pays before each write.
+enum class Pacing {
+  normal,  ///< 50 ms: the program's only pacing between command batches
+  bulk,    ///< 1 ms: the data phase of a firmware download
+};
+
+/// What leaves in one write: the frames of `writes` if there are any, else `bytes` as they are.
+struct Chunk {
+  Batch writes;
+  std::vector<std::uint8_t> bytes;
+  Pacing pacing = Pacing::normal;
+  std::chrono::milliseconds pause_before{0};  ///< on top of the pacing
+};
+
+/// Writes that nothing may come between.
+struct Job {
+  std::vector<Chunk> chunks;
+  /// Called on the scheduler's thread after each chunk with how many of the chunks have left. May be empty.
+  std::function<void(std::size_t chunks_sent)> on_progress;
+};
+
+struct JobResult {
+  std::size_t chunks_sent = 0;  ///< chunks written completely
+  std::size_t bytes_sent = 0;
+  bool cancelled = false;  ///< ended early by cancel()
+  bool failed = false;     ///< a write came up short: the port is closed or lost
+};
+
+/// Puts one job at a time on the wire.
+class Sender {
+ public:
+  virtual ~Sender() = default;
+  /// Starts `job`; `done` is called on the scheduler's thread when it is over. Not while another one runs.
+  virtual void start(Job job, std::function<void(JobResult)> done) = 0;
+  /// Ends the running job at the next boundary between chunks.
+  virtual void cancel() = 0;
+};
+
+}  // namespace qv5123

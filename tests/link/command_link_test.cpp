@@ -1,0 +1,145 @@
+#include "link/command_link.h"
+
+#include <gtest/gtest.h>
+
+#include "support/fake_wire.h"
+
+namespace qv5123 {
+namespace {
+
+using test::FakeWire;
+
+TEST(CommandLink, SendsBatchesInOrderEachPaced) {
+  FakeWire wire;
+  wire.link.send(Batch{{0x01, 0x00}});
+  wire.link.send(Traffic{{{0xFA, 1}}, {{0x6F, 2}, {0x6E, 3}}});
+  wire.link.send_letter('A');
+  wire.advance(49);
+  EXPECT_TRUE(wire.sender.writes.empty());
+  wire.advance(150);
+  EXPECT_EQ(wire.sender.writes, (std::vector<std::string>{"@0100*", "@fa01*", "@6f02*@6e03*"}));
+  wire.advance(1);
+  EXPECT_EQ(wire.sender.writes.back(), "A");
+}
+
+Task<> ask(CommandLink& link, std::uint8_t trigger, std::vector<std::string>& answers) {
+  const auto reply = co_await link.query(trigger);
+  answers.push_back(reply.value_or("none"));
+}
+
+TEST(CommandLink, QueryTakesTheReplyAtItsNextLookAndFailsAtTheSixth) {
+  FakeWire wire;
+  std::vector<std::string> answers;
+  Flow flow(ask(wire.link, 0x36, answers));
+  wire.advance(50);
+  EXPECT_EQ(wire.sender.wire(), "@3600*");
+  wire.receive("text~12aB^more");
+  wire.advance(299);
+  EXPECT_TRUE(answers.empty());
+  wire.advance(1);
+  EXPECT_EQ(answers, std::vector<std::string>{"12aB"});
+  EXPECT_EQ(wire.console, "textmore");
+
+  flow.start(ask(wire.link, 0x36, answers));
+  wire.advance(50 + 6 * 300 - 1);
+  EXPECT_TRUE(flow.running());
+  wire.advance(1);
+  EXPECT_EQ(answers.back(), "none");
+}
+
+TEST(CommandLink, ALateAnswerToAnEarlierRequestIsNoReply) {
+  FakeWire wire;
+  wire.receive("~99^");
+  std::vector<std::string> answers;
+  Flow flow(ask(wire.link, 0x07, answers));
+  wire.advance(5000);
+  EXPECT_EQ(answers, std::vector<std::string>{"none"});
+}
+
+TEST(CommandLink, QueriesTakeTurnsAndACancelledOneGivesUpItsPlace) {
+  FakeWire wire;
+  std::vector<std::string> answers;
+  Flow first(ask(wire.link, 0x07, answers));
+  Flow second(ask(wire.link, 0x36, answers));
+  Flow third(ask(wire.link, 0x69, answers));
+  wire.advance(60);
+  EXPECT_EQ(wire.sender.wire(), "@0700*");
+  second.cancel();
+  first.cancel();
+  wire.advance(60);
+  EXPECT_EQ(wire.sender.wire(), "@0700*@6900*");
+  wire.receive("~77^");
+  wire.advance(300);
+  EXPECT_EQ(answers, std::vector<std::string>{"77"});
+}
+
+Task<> read(CommandLink& link, int address, int& value) {
+  value = co_await link.wide_read(address);
+}
+
+TEST(CommandLink, WideReadTakesTheLastPairOrSaysMinusOne) {
+  FakeWire wire;
+  int value = 0;
+  Flow flow(read(wire.link, 0xA29, value));
+  wire.advance(50);
+  EXPECT_EQ(wire.sender.wire(), "@940a*@9429*");
+  wire.receive("~7f^");
+  wire.advance(60);
+  EXPECT_EQ(value, 0x7F);
+  flow.start(read(wire.link, 0xA29, value));
+  wire.advance(110);
+  EXPECT_EQ(value, -1);
+}
+
+Job bytes_job(std::initializer_list<const char*> chunks) {
+  Job job;
+  for (const char* text : chunks) {
+    job.chunks.emplace_back().bytes = {text, text + std::char_traits<char>::length(text)};
+  }
+  return job;
+}
+
+Task<> transfer(CommandLink& link) {
+  CommandLink::Hold hold = co_await link.hold();
+  Job letter = bytes_job({"U"});
+  co_await hold.send(std::move(letter));
+  co_await Delay(link.scheduler(), std::chrono::milliseconds(1000));
+  Job blocks = bytes_job({"HEAD", "BLOCK"});
+  co_await hold.send(std::move(blocks));
+}
+
+TEST(CommandLink, AHoldKeepsEverythingElseWaitingAndLosesNothing) {
+  FakeWire wire;
+  wire.link.send(Batch{{0x01, 0x00}});
+  Flow flow(transfer(wire.link));
+  wire.link.send(Batch{{0x01, 0x01}});
+  wire.advance(500);
+  EXPECT_EQ(wire.sender.wire(), "@0100*U");
+  wire.link.send(Batch{{0x01, 0x02}});
+  wire.advance(2000);
+  EXPECT_EQ(wire.sender.wire(), "@0100*UHEADBLOCK@0101*@0102*");
+
+  flow.start(transfer(wire.link));
+  wire.link.send(Batch{{0x01, 0x03}});
+  wire.advance(500);
+  flow.cancel();
+  wire.advance(500);
+  EXPECT_EQ(wire.sender.wire(), "@0100*UHEADBLOCK@0101*@0102*U@0103*") << "a hold that is dropped lets go";
+}
+
+TEST(CommandLink, CancelEndsAJobBetweenItsChunks) {
+  FakeWire wire;
+  std::vector<std::size_t> progress;
+  Job job = bytes_job({"1", "2", "3"});
+  job.on_progress = [&](std::size_t sent) { progress.push_back(sent); };
+  const auto result = wire.link.send(std::move(job));
+  wire.advance(60);
+  wire.link.cancel_running_job();
+  wire.advance(500);
+  ASSERT_TRUE(result.await_ready());
+  EXPECT_EQ(wire.sender.wire(), "12");
+  EXPECT_EQ(progress, (std::vector<std::size_t>{1, 2}));
+}
+
+}  // namespace
+}  // namespace qv5123
