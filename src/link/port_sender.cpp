@@ -8,12 +8,16 @@ PortSender::PortSender(CCommPort& port, CommandBuffer& command_buffer, Scheduler
     : port_(port), command_buffer_(command_buffer), scheduler_(scheduler), thread_([this] { serve(); }) {}
 
 PortSender::~PortSender() {
+  end();
+  thread_.join();
+}
+
+void PortSender::end() {
   {
     const std::lock_guard lock(mutex_);
     ending_ = true;
   }
   wake_.notify_all();
-  thread_.join();
 }
 
 void PortSender::start(Job job, std::function<void(JobResult)> done) {

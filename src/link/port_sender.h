@@ -26,6 +26,8 @@ class PortSender : public Sender {
   void cancel() override { cancelled_ = true; }
   /// Runs `work` on the sending thread after what it is doing, for calls on the port that may take long.
   void run(std::function<void()> work);
+  /// Nothing more is started from now on; what runs ends at its next chunk.
+  void end();
 
  private:
   void serve();

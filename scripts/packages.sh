@@ -1,0 +1,37 @@
+# Sourced by the other scripts: installs Debian packages that are missing.
+
+# need_packages NAME...: makes sure that every package is installed, with sudo where we are not root.
+need_packages() {
+  local missing=() name
+  for name in "$@"; do
+    dpkg-query -W -f='${db:Status-Status}' "$name" 2>/dev/null | grep -qx installed || missing+=("$name")
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+  local as_root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || {
+      echo "These Debian packages are missing and there is no sudo to install them: ${missing[*]}" >&2
+      return 1
+    }
+    as_root=(sudo)
+  fi
+  echo "Installing: ${missing[*]}" >&2
+  "${as_root[@]}" apt-get update -qq >&2 &&
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
+      "${missing[@]}" >&2
+}
+
+# What building and running the program takes, and what the tests take on top.
+program_packages=(g++ cmake ninja-build ccache qt6-base-dev libcli11-dev nlohmann-json3-dev fonts-dejavu-core)
+test_packages=(libgtest-dev libgmock-dev)
+
+# build_program FOLDER [CMAKE OPTIONS...]: configures where needed and builds.
+build_program() {
+  local folder=$1
+  shift
+  cmake -S "$root" -B "$folder" -G Ninja "$@" >"$folder.log" 2>&1 || {
+    cat "$folder.log" >&2
+    return 1
+  }
+  cmake --build "$folder"
+}

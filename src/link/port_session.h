@@ -1,0 +1,74 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "link/comm_port.h"
+#include "link/command_link.h"
+#include "link/port_sender.h"
+#include "link/scheduler.h"
+#include "link/task.h"
+
+namespace qv5123 {
+
+/// What a session tells, on the scheduler's thread. Any of them may be empty.
+struct PortSessionEvents {
+  std::function<void(const std::string&)> console;  ///< text from the chip, 8-bit characters
+  std::function<void(const std::string&)> status;   ///< a line for the status bar, UTF-8
+  std::function<void(const std::string&)> trouble;  ///< a message the user must acknowledge, UTF-8
+  std::function<void(bool)> connected;              ///< the port was opened, or closed or lost
+};
+
+/// A port in use: the device, its watcher and sending threads, the command link and the reply decoder, put
+/// together. Notices when the port goes away and opens it again when it comes back.
+class PortSession {
+ public:
+  /// How often a lost port is tried: with what opening takes, it is back within a second.
+  static constexpr std::chrono::milliseconds kReopenEvery{500};
+
+  PortSession(Scheduler& scheduler, std::unique_ptr<SerialDevice> device, PortSessionEvents events,
+              CCommPort::Options options = {});
+  ~PortSession();
+  PortSession(const PortSession&) = delete;
+  PortSession& operator=(const PortSession&) = delete;
+
+  /// Closes what is open and opens `name`, on the sending thread; the caller goes on meanwhile.
+  Task<OpenResult> open(std::string name, LineSettings settings);
+  /// Closes the port and gives up one that was lost.
+  void close();
+  bool connected() const { return connected_; }
+  /// The name last given to open().
+  const std::string& name() const { return name_; }
+
+  CommandLink& link() { return link_; }
+  RingQueue& receive_queue() { return port_.receive_queue(); }
+
+ private:
+  CommPortEvents port_events();
+  void post_if_alive(std::function<void()> callback);
+  void drain();
+  void lost();
+  void set_connected(bool connected);
+  Task<OpenResult> open_on_sending_thread();
+  Task<> reopen();
+
+  Scheduler& scheduler_;
+  PortSessionEvents events_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+  std::atomic<bool> drain_posted_{false};
+  std::string name_;
+  LineSettings settings_;
+  bool connected_ = false;
+  int opening_ = 0;     // opens that the sending thread has not reported back yet
+  unsigned epoch_ = 0;  // counts open() and close(), to tell what a late result belongs to
+  CommandBuffer command_buffer_;
+  CCommPort port_;
+  PortSender sender_;
+  CommandLink link_;
+  Flow reopen_;
+};
+
+}  // namespace qv5123
