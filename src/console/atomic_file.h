@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace qv5123 {
+
+/// What came of reading or writing a file. `text` says it in words and names the file; empty on success.
+struct FileResult {
+  std::string text;
+  bool ok() const { return text.empty(); }
+};
+
+/// The path as UTF-8, for messages.
+std::string path_text(const std::filesystem::path& path);
+
+/// Replaces the content of `path` (or makes the file) in one step: the bytes go to a temporary file beside
+/// it, reach the disk, and only then take the old file's place. Whatever fails, the old file stays whole and
+/// no temporary stays behind. A symbolic link keeps pointing to the file that is replaced; only regular files
+/// are replaced, never directories or devices.
+FileResult write_file_atomically(const std::filesystem::path& path, std::string_view bytes);
+
+/// Reads all of a regular file into `bytes`, which is left empty on failure. A file larger than `limit` bytes
+/// is refused, so that a wrong choice cannot fill the memory.
+FileResult read_whole_file(const std::filesystem::path& path, std::string& bytes,
+                           std::uintmax_t limit = std::uintmax_t{64} << 20);
+
+namespace detail {
+
+/// What each system does by itself: makes `temporary`, which must not exist yet, with `bytes` in it, on the
+/// disk, and with the permissions of `like` if that exists; then renames it to `target`. The error is in the
+/// system's words, empty on success.
+std::string write_new_file(const std::filesystem::path& temporary, std::string_view bytes,
+                           const std::filesystem::path& like);
+std::string rename_over(const std::filesystem::path& temporary, const std::filesystem::path& target);
+/// A number that no other running process shares.
+unsigned long process_number();
+
+}  // namespace detail
+}  // namespace qv5123

@@ -1,0 +1,62 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "console/atomic_file.h"
+
+namespace qv5123::detail {
+namespace {
+
+std::string last_error() {
+  return std::generic_category().message(errno);
+}
+
+bool write_all(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(file, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+// A file that is replaced keeps its permissions; a new one takes those of the user's mask.
+bool take_permissions(int file, const std::filesystem::path& like) {
+  struct stat status;
+  if (::stat(like.c_str(), &status) != 0) return true;
+  return ::fchmod(file, status.st_mode & 07777) == 0;
+}
+
+}  // namespace
+
+std::string write_new_file(const std::filesystem::path& temporary, std::string_view bytes,
+                           const std::filesystem::path& like) {
+  const int file = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  if (file < 0) return last_error();
+  std::string why;
+  if (!write_all(file, bytes) || !take_permissions(file, like) || ::fsync(file) != 0) why = last_error();
+  if (::close(file) != 0 && why.empty()) why = last_error();
+  return why;
+}
+
+std::string rename_over(const std::filesystem::path& temporary, const std::filesystem::path& target) {
+  if (::rename(temporary.c_str(), target.c_str()) != 0) return last_error();
+  // The new name survives a power cut only once the folder itself is on the disk. Some file systems cannot
+  // do that; the file is in its place all the same.
+  const std::filesystem::path folder = target.has_parent_path() ? target.parent_path() : ".";
+  const int handle = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (handle < 0) return {};
+  ::fsync(handle);
+  ::close(handle);
+  return {};
+}
+
+unsigned long process_number() {
+  return static_cast<unsigned long>(::getpid());
+}
+
+}  // namespace qv5123::detail
