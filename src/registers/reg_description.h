@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qv5123 {
+
+/// The number in an address or value text: up to four hexadecimal digits behind the first "0x" (or, if there
+/// is none, the first "0X"), 0..65535. Of the four characters, one below 'z' that is no hex digit counts as
+/// the digit 0; 'z' and above are skipped. Nothing behind the prefix gives 0, no prefix gives -1.
+int ParseRegAddress(std::u16string_view text);
+
+/// A register of the description. Texts whose attribute was missing are empty.
+struct RegEntry {
+  int category = 0;           ///< index of the category that holds it
+  int index_in_category = 0;  ///< its row in the page's list
+  std::u16string name;
+  std::u16string address_text;  ///< as written
+  std::u16string reset_text;
+  char write = 0;    ///< low byte of the attribute's first character; 'W' marks a register that is saved
+  int value = -1;    ///< last value known, 0..255; -1 not yet read
+  int address = -1;  ///< of the address text, 0..65535; -1 when that holds no "0x"
+
+  bool saved() const { return write == 'W'; }
+};
+
+/// A group of bits of a register. Description and sample may hold CR LF line breaks.
+struct RegBitField {
+  int reg = 0;  ///< position of its register in the table
+  std::u16string name;
+  std::u16string range;  ///< "[7:4]" or "[3]"
+  std::u16string description;
+  std::u16string sample;
+};
+
+/// What the register page knows of the chip's registers, from the description file "regu.xml".
+///
+/// The file is UTF-16 little-endian and looks like XML, but is read line by line: a line counts when it
+/// begins, without blanks before it, with a tag below, and its attributes must come in this order.
+///
+///     first line        chip
+///     <category         catname
+///     <reg              regname addr write reset
+///     <bit              bitname range desc sample     (zero or more, of the register above)
+///     </reg>
+///     </category>
+///
+/// An attribute is its name, two characters that are not looked at, and everything up to the next double
+/// quote. "#$" inside one is a line break; a lone '#' takes the character behind it along, a lone '$' the
+/// one before it. A register without "</reg>" is overwritten by the next one, which inherits its bit fields.
+/// The first line that fits nowhere ends the description.
+struct RegDescription {
+  static constexpr std::size_t kMaxCategories = 32;
+  static constexpr std::size_t kMaxRegisters = 2048;
+  static constexpr std::size_t kMaxBitFields = 4096;
+  /// What problem says when there is no file, or one of less than two bytes.
+  static constexpr std::string_view kNotFound = "Can't find regu.xml!";
+
+  /// Reads the file. `path` is relative to the current directory.
+  static RegDescription load(const std::filesystem::path& path = "regu.xml");
+  /// Reads a file's text. A description beyond the capacities, or a register without `write`, ends it with a
+  /// problem that names the line; the registers before it are kept.
+  static RegDescription parse(std::u16string text);
+
+  /// The bit fields of register `reg`, in file order, as a range of indexes [first, last).
+  struct FieldRange {
+    std::size_t first = 0;
+    std::size_t last = 0;
+  };
+  FieldRange fields_of(std::size_t reg) const;
+  /// The registers of a category as a range of indexes: the table holds each category's registers together.
+  FieldRange registers_of(int category) const;
+  /// The first register at `address`; the number of registers, meaning none, if there is none.
+  std::size_t find_address(int address) const;
+
+  std::size_t length = 0;  ///< characters in the file
+  std::u16string chip;
+  std::vector<std::u16string> categories;
+  std::vector<RegEntry> registers;
+  std::vector<RegBitField> bit_fields;
+  std::string problem;  ///< what went wrong, in words; empty when all of the file was read
+};
+
+}  // namespace qv5123
