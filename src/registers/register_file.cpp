@@ -1,0 +1,121 @@
+#include "registers/register_file.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <optional>
+
+#include "link/register_write.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr std::size_t kNameLimit = 256;
+
+// The name as a narrow text: it ends at the first character whose low byte is 0.
+void append_name(std::string& text, std::u16string_view name) {
+  for (const char16_t c : name.substr(0, kNameLimit)) {
+    const char narrow = static_cast<char>(c & 0xFF);
+    if (narrow == 0) return;
+    if (narrow == '\n') text += '\r';
+    text += narrow;
+  }
+}
+
+bool is_hex_digit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
+}
+
+bool is_blank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f';
+}
+
+void skip_blanks(std::string_view& line) {
+  while (!line.empty() && is_blank(line.front())) line.remove_prefix(1);
+}
+
+bool take_literal(std::string_view& line, std::string_view literal) {
+  if (!line.starts_with(literal)) return false;
+  line.remove_prefix(literal.size());
+  return true;
+}
+
+std::optional<int> take_hex(std::string_view& line, std::size_t most) {
+  int value = 0;
+  std::size_t digits = 0;
+  for (; digits < most && digits < line.size() && is_hex_digit(line[digits]); ++digits) {
+    value = value * 16 + hex_value(static_cast<unsigned char>(line[digits]));
+  }
+  line.remove_prefix(digits);
+  return digits ? std::optional(value) : std::nullopt;
+}
+
+std::optional<RegisterFile::Line> parse_line(std::string_view line) {
+  if (!take_literal(line, "0x")) return std::nullopt;
+  const auto address = take_hex(line, 4);
+  if (!address || !take_literal(line, "=0x")) return std::nullopt;
+  const auto value = take_hex(line, 2);
+  skip_blanks(line);
+  if (!value || !take_literal(line, "//")) return std::nullopt;
+  return RegisterFile::Line{*address, *value};
+}
+
+}  // namespace
+
+RegisterFile RegisterFile::parse(std::string_view text) {
+  RegisterFile file;
+  for (std::size_t number = 1; !text.empty(); ++number) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    skip_blanks(line);
+    if (line.empty()) continue;
+    if (const auto parsed = parse_line(line)) {
+      file.lines.push_back(*parsed);
+    } else if (++file.skipped == 1) {
+      file.first_skipped = number;
+    }
+  }
+  return file;
+}
+
+std::string register_file_text(const RegDescription& description) {
+  std::string text;
+  for (const RegEntry& entry : description.registers) {
+    if (!entry.saved() || entry.value < 0) continue;
+    char head[32];
+    std::snprintf(head, sizeof head, "0x%04X=0x%02X //", static_cast<unsigned>(entry.address),
+                  static_cast<unsigned>(entry.value));
+    text += head;
+    append_name(text, entry.name);
+    text += "\r\n";
+  }
+  return text;
+}
+
+FileResult save_register_file(const std::filesystem::path& path, const RegDescription& description) {
+  return write_file_atomically(path, register_file_text(description));
+}
+
+FileResult load_register_file(const std::filesystem::path& path, RegisterFile& file) {
+  std::string bytes;
+  const FileResult result = read_whole_file(path, bytes);
+  file = RegisterFile::parse(bytes);
+  return result;
+}
+
+std::size_t apply_register_file(const RegisterFile& file, RegDescription& description) {
+  std::multimap<int, RegEntry*> by_address;
+  for (RegEntry& entry : description.registers) {
+    entry.value = -1;
+    by_address.emplace(entry.address, &entry);
+  }
+  std::size_t matches = 0;
+  for (const RegisterFile::Line& line : file.lines) {
+    const auto [first, last] = by_address.equal_range(line.address);
+    for (auto it = first; it != last; ++it, ++matches) it->second->value = line.value;
+  }
+  return matches;
+}
+
+}  // namespace qv5123

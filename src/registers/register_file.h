@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "console/atomic_file.h"
+#include "registers/reg_description.h"
+
+namespace qv5123 {
+
+/// A register text file: one line for each register,
+///
+///     0xF800=0x1A //NAME
+///
+/// four upper-case hex digits of the address, two of the value, CR LF. The name is a comment.
+struct RegisterFile {
+  struct Line {
+    int address = 0;  ///< 0..0xFFFF
+    int value = 0;    ///< 0..0xFF
+    friend bool operator==(const Line&, const Line&) = default;
+  };
+  std::vector<Line> lines;
+  std::size_t skipped = 0;        ///< lines that are not of this form; blank ones do not count
+  std::size_t first_skipped = 0;  ///< number of the first of them, from 1; 0 if there is none
+
+  /// Reads a file's text. A line may have fewer digits and anything behind "//"; others are skipped.
+  static RegisterFile parse(std::string_view text);
+};
+
+/// The file's text for the registers that are marked as saved and were read at least once. Names keep the low
+/// byte of each of their first 256 characters.
+std::string register_file_text(const RegDescription& description);
+
+FileResult save_register_file(const std::filesystem::path& path, const RegDescription& description);
+FileResult load_register_file(const std::filesystem::path& path, RegisterFile& file);
+
+/// Forgets all values, then gives every register the last value that the file has for its address. Returns
+/// how often a line met a register.
+std::size_t apply_register_file(const RegisterFile& file, RegDescription& description);
+
+}  // namespace qv5123
