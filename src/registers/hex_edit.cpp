@@ -1,0 +1,124 @@
+#include "registers/hex_edit.h"
+
+#include <algorithm>
+
+#include "link/register_write.h"
+#include "registers/reg_description.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr std::u16string_view kDigits = u"0123456789ABCDEF";
+constexpr int kLowestCode = 8;
+constexpr int kHighestCode = 120;
+constexpr std::size_t kRangeLength = 7;
+
+bool is_hex_digit(int code) {
+  return (code >= '0' && code <= '9') || (code >= 'A' && code <= 'F') || (code >= 'a' && code <= 'f');
+}
+
+char16_t upper_digit(int code) {
+  return kDigits[static_cast<std::size_t>(hex_value(static_cast<char32_t>(code)))];
+}
+
+// The decimal number a text starts with, at most three digits of it: no register has bits beyond that.
+int leading_number(std::u16string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(u' '), text.size()));
+  int number = 0;
+  for (const char16_t c : text.substr(0, 3)) {
+    if (c < u'0' || c > u'9') break;
+    number = number * 10 + (c - u'0');
+  }
+  return number;
+}
+
+}  // namespace
+
+std::u16string hex_text(int number, int digits) {
+  std::u16string text = u"0x";
+  for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) text += kDigits[(number >> shift) & 0xF];
+  return text;
+}
+
+void HexEdit::set_text(std::u16string_view text) {
+  text_ = text;
+  number_ = ParseRegAddress(text);
+}
+
+HexEdit::KeyResult HexEdit::press(int code, int caret) {
+  if (code < kLowestCode || code > kHighestCode) return KeyResult::ignored;
+  if (code == key::kTab || code == key::kClear || (code >= key::kPageDown && code <= key::kLeft) ||
+      code == key::kRight || (code == key::kEnter && !takes_enter_)) {
+    return KeyResult::standard;
+  }
+  int position = caret;
+  if (code != key::kEnter && !edit(code, position)) return KeyResult::ignored;
+  caret_ = std::clamp(position + 1, 0, static_cast<int>(text_.size()));
+  return code == key::kEnter ? KeyResult::enter : KeyResult::handled;
+}
+
+// Moves `position` to one before where the caret goes. False for a key that means nothing there.
+bool HexEdit::edit(int code, int& position) {
+  switch (code) {
+    case key::kUp:
+      step(1);
+      return true;
+    case key::kDown:
+      step(-1);
+      return true;
+    case key::kBackspace:
+      if (position > 1) --position;
+      if (at_digit(position)) put_digit(position--, u'0');
+      return true;
+    case key::kDelete:
+      if (at_digit(position)) put_digit(position, u'0');
+      --position;
+      return true;
+    case 'x':
+    case 'X':
+      if (position == 1) normalise();
+      return position == 1;
+    default:
+      if (!is_hex_digit(code) || !at_digit(position)) return false;
+      put_digit(position, upper_digit(code));
+      return true;
+  }
+}
+
+void HexEdit::step(int direction) {
+  number_ = std::clamp(number_ + direction, lowest_, highest_);
+  show_number();
+}
+
+void HexEdit::normalise() {
+  for (int i = 2; i < 2 + digits_; ++i) {
+    const int c = i < static_cast<int>(text_.size()) ? text_[static_cast<std::size_t>(i)] : u'0';
+    number_ = i == 2 ? 0 : number_ * 16;
+    number_ += hex_value(static_cast<char32_t>(c));
+  }
+  show_number();
+}
+
+void HexEdit::put_digit(int position, char16_t digit) {
+  normalise();
+  text_[static_cast<std::size_t>(position)] = digit;
+  number_ = ParseRegAddress(text_);
+}
+
+void HexEdit::show_number() {
+  text_ = hex_text(number_, digits_);
+}
+
+std::string bit_field_data(std::u16string_view range, int value) {
+  range = range.substr(0, kRangeLength);
+  const std::size_t bracket = range.find(u'[');
+  if (bracket == range.npos) return {};
+  const int high = leading_number(range.substr(bracket + 1));
+  const std::size_t colon = range.find(u':');
+  const int low = colon == range.npos ? high : leading_number(range.substr(colon + 1));
+  if (low > 7 || high < low) return " 0";
+  const int width = std::min(high - low + 1, 8);
+  return " " + std::to_string((value >> low) & ((1 << width) - 1));
+}
+
+}  // namespace qv5123
