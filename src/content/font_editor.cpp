@@ -1,0 +1,150 @@
+#include "content/font_editor.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "content/font_text.h"
+
+namespace qv5123 {
+
+void FontEditor::choose_page(int page) {
+  if (page < 0 || page >= FontLibrary::kPages) return;
+  end_stroke();
+  page_ = page;
+  select(0);
+}
+
+void FontEditor::select(int index) {
+  if (index < 0 || index >= FontLibrary::kPageGlyphs) return;
+  end_stroke();
+  selected_ = index;
+  buffer_ = library_.glyph(selected_glyph());
+}
+
+void FontEditor::import_text(std::string_view text) {
+  import_font_text(text, library_);
+  select(selected_);
+}
+
+void FontEditor::open_binary(std::span<const std::uint8_t> bytes) {
+  end_stroke();
+  auto edit = start_edit();
+  edit.library_before = glyphs(0, FontLibrary::kGlyphs);
+  library_.read_binary(bytes);
+  select(0);
+  edit.library_after = glyphs(0, FontLibrary::kGlyphs);
+  record(std::move(edit));
+}
+
+void FontEditor::toggle_pixel(GlyphPixel pixel) {
+  change_buffer([pixel](Glyph& glyph) { glyph.toggle_pixel(pixel); });
+}
+
+void FontEditor::clear() {
+  change_buffer([](Glyph& glyph) { glyph.clear(); });
+}
+
+void FontEditor::invert() {
+  change_buffer([](Glyph& glyph) { glyph.invert(); });
+}
+
+void FontEditor::shift(ShiftDirection direction) {
+  change_buffer([direction](Glyph& glyph) { glyph.shift(direction); });
+}
+
+void FontEditor::paste(const Glyph& pasted) {
+  change_buffer([&pasted](Glyph& glyph) { glyph = pasted; });
+}
+
+void FontEditor::begin_stroke(GlyphPixel pixel) {
+  end_stroke();
+  stroke_ = Stroke{start_edit(), pixel, !buffer_.pixel(pixel)};
+  buffer_.set_pixel(pixel, stroke_->drawn);
+}
+
+void FontEditor::continue_stroke(GlyphPixel pixel) {
+  if (!stroke_) return;
+  buffer_.draw_line(stroke_->last, pixel, stroke_->drawn);
+  stroke_->last = pixel;
+}
+
+void FontEditor::end_stroke() {
+  if (!stroke_) return;
+  record(std::move(stroke_->edit));
+  stroke_.reset();
+}
+
+void FontEditor::store() {
+  end_stroke();
+  fill(selected_glyph(), {buffer_});
+}
+
+void FontEditor::fill(int first, std::vector<Glyph> glyphs) {
+  end_stroke();
+  if (first < 0 || first >= FontLibrary::kGlyphs) return;
+  glyphs.resize(std::min(glyphs.size(), static_cast<std::size_t>(FontLibrary::kGlyphs - first)));
+  auto edit = start_edit();
+  edit.first = first;
+  edit.library_before = this->glyphs(first, glyphs.size());
+  put_glyphs(first, glyphs);
+  edit.library_after = std::move(glyphs);
+  const bool covers_selected =
+      selected_glyph() >= first && selected_glyph() < first + static_cast<int>(edit.library_after.size());
+  if (covers_selected) buffer_ = library_.glyph(selected_glyph());
+  record(std::move(edit));
+}
+
+void FontEditor::undo() {
+  end_stroke();
+  const auto* edit = history_.undo();
+  if (edit == nullptr) return;
+  put_glyphs(edit->first, edit->library_before);
+  go_to(edit->selected_before);
+  buffer_ = edit->buffer_before;
+}
+
+void FontEditor::redo() {
+  end_stroke();
+  const auto* edit = history_.redo();
+  if (edit == nullptr) return;
+  put_glyphs(edit->first, edit->library_after);
+  go_to(edit->selected_after);
+  buffer_ = edit->buffer_after;
+}
+
+void FontEditor::change_buffer(const std::function<void(Glyph&)>& change) {
+  end_stroke();
+  auto edit = start_edit();
+  change(buffer_);
+  record(std::move(edit));
+}
+
+GlyphEdit FontEditor::start_edit() const {
+  GlyphEdit edit;
+  edit.selected_before = selected_glyph();
+  edit.buffer_before = buffer_;
+  return edit;
+}
+
+void FontEditor::record(GlyphEdit edit) {
+  edit.selected_after = selected_glyph();
+  edit.buffer_after = buffer_;
+  history_.record(std::move(edit));
+}
+
+std::vector<Glyph> FontEditor::glyphs(int first, std::size_t count) const {
+  std::vector<Glyph> glyphs(count);
+  for (auto& glyph : glyphs) glyph = library_.glyph(first++);
+  return glyphs;
+}
+
+void FontEditor::put_glyphs(int first, const std::vector<Glyph>& glyphs) {
+  for (const auto& glyph : glyphs) library_.set_glyph(first++, glyph);
+}
+
+void FontEditor::go_to(int glyph) {
+  page_ = glyph / FontLibrary::kPageGlyphs;
+  selected_ = glyph % FontLibrary::kPageGlyphs;
+}
+
+}  // namespace qv5123

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "content/font_library.h"
+#include "content/glyph.h"
+#include "content/glyph_history.h"
+
+namespace qv5123 {
+
+/// The font editor without its window: the library, the glyph picked in it, the edit buffer that is apart
+/// from the library until `store`, and the way back.
+class FontEditor {
+ public:
+  const FontLibrary& library() const { return library_; }
+  /// The glyph being edited.
+  const Glyph& buffer() const { return buffer_; }
+  /// Page shown, 0..3.
+  int page() const { return page_; }
+  /// Glyph selected within the page, 0..255.
+  int selected() const { return selected_; }
+  /// Glyph selected within the library, 0..1023.
+  int selected_glyph() const { return page_ * FontLibrary::kPageGlyphs + selected_; }
+
+  /// Shows a page, 0..3, and starts at its first glyph. Another page is ignored.
+  void choose_page(int page);
+  /// Copies glyph `index`, 0..255, of the page into the edit buffer. Another index is ignored.
+  void select(int index);
+
+  /// Fills the library from a text export, before anything was edited: there is no way back.
+  void import_text(std::string_view text);
+  /// Fills the library from a binary font file and goes to the page's first glyph.
+  void open_binary(std::span<const std::uint8_t> bytes);
+
+  /// Each a step of its own on the edit buffer.
+  void toggle_pixel(GlyphPixel pixel);
+  void clear();
+  void invert();
+  void shift(ShiftDirection direction);
+  void paste(const Glyph& glyph);
+
+  /// A stroke paints the edit buffer from pixel to pixel; however long, it is one step. It starts with the
+  /// inverse of the pixel it starts on.
+  void begin_stroke(GlyphPixel pixel);
+  void continue_stroke(GlyphPixel pixel);
+  void end_stroke();
+  bool in_stroke() const { return stroke_.has_value(); }
+
+  /// Copies the edit buffer into the selected glyph of the library.
+  void store();
+  /// Replaces the library's glyphs from `first` (0..1023) on; what goes beyond 1023 is dropped. If the
+  /// selected glyph is among them the edit buffer follows.
+  void fill(int first, std::vector<Glyph> glyphs);
+
+  void undo();
+  void redo();
+  bool can_undo() const { return history_.can_undo(); }
+  bool can_redo() const { return history_.can_redo(); }
+
+ private:
+  struct Stroke {
+    GlyphEdit edit;
+    GlyphPixel last;
+    bool drawn = false;
+  };
+
+  void change_buffer(const std::function<void(Glyph&)>& change);
+  GlyphEdit start_edit() const;
+  void record(GlyphEdit edit);
+  std::vector<Glyph> glyphs(int first, std::size_t count) const;
+  void put_glyphs(int first, const std::vector<Glyph>& glyphs);
+  void go_to(int glyph);
+
+  FontLibrary library_;
+  GlyphHistory history_;
+  Glyph buffer_;
+  int page_ = 0;
+  int selected_ = 0;
+  std::optional<Stroke> stroke_;
+};
+
+}  // namespace qv5123

@@ -1,0 +1,104 @@
+#include "content/glyph.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "content/font_geometry.h"
+
+namespace qv5123 {
+namespace {
+
+Glyph glyph_with(std::initializer_list<GlyphPixel> pixels) {
+  Glyph glyph;
+  for (const auto pixel : pixels) glyph.set_pixel(pixel, true);
+  return glyph;
+}
+
+TEST(Glyph, BitFifteenIsLeftmostAndOutsideIsIgnored) {
+  const auto glyph = glyph_with({{0, 0}, {15, 23}, {-1, 0}, {16, 0}, {0, -1}, {0, 24}});
+  EXPECT_EQ(glyph.rows()[0], 0x8000);
+  EXPECT_EQ(glyph.rows()[23], 0x0001);
+  EXPECT_FALSE(glyph.pixel({16, 0}));
+  auto back = glyph;
+  back.toggle_pixel({0, 0});
+  back.toggle_pixel({15, 23});
+  EXPECT_EQ(back, Glyph());
+}
+
+TEST(Glyph, ShiftsLoseWhatLeavesAndBringClearPixelsIn) {
+  const auto corners = glyph_with({{0, 0}, {15, 0}, {0, 23}, {15, 23}});
+  const auto shifted = [&corners](ShiftDirection direction) {
+    auto glyph = corners;
+    glyph.shift(direction);
+    return glyph;
+  };
+  EXPECT_EQ(shifted(ShiftDirection::kLeft), glyph_with({{14, 0}, {14, 23}}));
+  EXPECT_EQ(shifted(ShiftDirection::kRight), glyph_with({{1, 0}, {1, 23}}));
+  EXPECT_EQ(shifted(ShiftDirection::kUp), glyph_with({{0, 22}, {15, 22}}));
+  EXPECT_EQ(shifted(ShiftDirection::kDown), glyph_with({{0, 1}, {15, 1}}));
+}
+
+TEST(Glyph, LinesHaveNoGapsAndMayLeaveTheGlyph) {
+  Glyph glyph;
+  glyph.draw_line({2, 3}, {2, 3}, true);
+  EXPECT_EQ(glyph, glyph_with({{2, 3}}));
+  glyph.draw_line({2, 3}, {4, 7}, true);
+  EXPECT_EQ(glyph, glyph_with({{2, 3}, {2, 4}, {3, 5}, {3, 6}, {4, 7}}));
+  glyph.draw_line({-5, 5}, {20, 5}, false);
+  EXPECT_EQ(glyph, glyph_with({{2, 3}, {2, 4}, {3, 6}, {4, 7}}));
+  const auto before = glyph;
+  constexpr int kFar = std::numeric_limits<int>::max();
+  glyph.draw_line({-kFar, -kFar}, {kFar, kFar}, true);
+  EXPECT_EQ(glyph, before);
+}
+
+TEST(Glyph, PictureGoesToTheClipboardAndBack) {
+  auto glyph = glyph_with({{0, 0}, {15, 0}, {8, 23}});
+  const auto picture = glyph_picture(glyph);
+  EXPECT_EQ(picture.substr(0, 34), "#--------------#\n----------------\n");
+  EXPECT_EQ(parse_glyph_picture(picture), glyph);
+  EXPECT_FALSE(parse_glyph_picture(picture + "#"));
+  EXPECT_FALSE(parse_glyph_picture(picture.substr(17)));
+  EXPECT_FALSE(parse_glyph_picture("o" + picture.substr(1)));
+  EXPECT_FALSE(parse_glyph_picture(""));
+}
+
+TEST(FontGeometry, PreviewHitsAreCellsOfSeventeenByTwentyFive) {
+  EXPECT_EQ(preview::glyph_at(10, 10), 0);
+  EXPECT_EQ(preview::glyph_at(26, 34), 0);
+  EXPECT_EQ(preview::glyph_at(27, 34), 1);
+  EXPECT_EQ(preview::glyph_at(26, 35), 16);
+  EXPECT_EQ(preview::glyph_at(281, 409), 255);
+  EXPECT_FALSE(preview::glyph_at(282, 409));
+  EXPECT_FALSE(preview::glyph_at(281, 410));
+  EXPECT_FALSE(preview::glyph_at(9, 10)) << "truncating division must not let the left margin in";
+  EXPECT_FALSE(preview::glyph_at(10, 9));
+}
+
+TEST(FontGeometry, EditorBorderLinesBelongToNoPixel) {
+  EXPECT_EQ(editor::pixel_at(40, 10), (GlyphPixel{0, 0}));
+  EXPECT_EQ(editor::pixel_at(47, 17), (GlyphPixel{0, 0}));
+  EXPECT_EQ(editor::pixel_at(48, 18), (GlyphPixel{1, 1}));
+  EXPECT_EQ(editor::pixel_at(167, 201), (GlyphPixel{15, 23}));
+  EXPECT_FALSE(editor::pixel_at(168, 201));
+  EXPECT_FALSE(editor::pixel_at(167, 202));
+  EXPECT_FALSE(editor::pixel_at(39, 10));
+  EXPECT_FALSE(editor::pixel_at(40, 9));
+}
+
+TEST(FontGeometry, PreviewShowsThePagesGlyphsBetweenBlackLines) {
+  FontLibrary library;
+  library.set_glyph(512 + 16 * 15 + 15, glyph_with({{0, 0}, {15, 23}}));
+  const auto image = draw_preview(library, 2, 200);
+  EXPECT_EQ(image.at(11 + 17 * 15, 11 + 25 * 15), 0);
+  EXPECT_EQ(image.at(12 + 17 * 15, 11 + 25 * 15), 255);
+  EXPECT_EQ(image.at(281, 409), 0);
+  EXPECT_EQ(image.at(10, 200), 0) << "first vertical line";
+  EXPECT_EQ(image.at(282, 410), 0) << "last crossing";
+  EXPECT_EQ(image.at(283, 411), 200) << "outside the white area";
+  EXPECT_EQ(draw_preview(library, 1, 200).at(281, 409), 255);
+}
+
+}  // namespace
+}  // namespace qv5123
