@@ -1,7 +1,6 @@
 #include "tuning/gamma.h"
 
 #include <algorithm>
-#include <cstdint>
 
 #include "tuning/full_save.h"
 
@@ -9,7 +8,6 @@ namespace qv5123 {
 namespace {
 
 constexpr std::uint8_t kChannelRegister = 0x06;
-constexpr std::uint8_t kLoadTrigger = 0x07;
 
 constexpr std::uint8_t curve_register(GammaCurveId id) {
   constexpr std::uint8_t kRegisters[] = {0x03, 0x04, 0x05};
@@ -84,10 +82,6 @@ std::string encode_gamma_reply(const GammaValues& values) {
 
 Traffic gamma_apply(const GammaValues& values) {
   return curves_traffic(values, selected_curves(values.channel));
-}
-
-Batch gamma_load_request() {
-  return {{kLoadTrigger, 0}};
 }
 
 Traffic gamma_full_save(const GammaValues& values) {

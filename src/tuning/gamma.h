@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -87,7 +88,7 @@ void gamma_front_image_layout(Values& values, Visitor& visit) {
   }
 }
 
-/// The reply to a read of register 0x07: four characters to a point, 352 in all.
+/// The reply to kGammaLoadTrigger: four characters to a point, 352 in all.
 template <class Values, class Visitor>
 void gamma_reply_layout(Values& values, Visitor& visit) {
   for (std::size_t i = 0; i < kGammaPoints; ++i) {
@@ -108,8 +109,8 @@ std::string encode_gamma_reply(const GammaValues& values);
 
 /// "Apply": the selected curves, one flush per point. The front curve has no register here.
 Traffic gamma_apply(const GammaValues& values);
-/// "Load <- ISP".
-Batch gamma_load_request();
+/// A write of 0 to it asks for the reply of "Load <- ISP".
+inline constexpr std::uint8_t kGammaLoadTrigger = 0x07;
 /// "File/Flash Save".
 Traffic gamma_full_save(const GammaValues& values);
 
