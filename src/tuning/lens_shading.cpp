@@ -1,0 +1,80 @@
+#include "tuning/lens_shading.h"
+
+#include "tuning/full_save.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr std::uint8_t kParameter1 = 0x64;
+constexpr std::uint8_t kParameter2 = 0x65;
+constexpr std::uint8_t kFlickerMode = 0xBD;
+
+Batch row_batch(std::uint8_t address, const PerColour& row) {
+  Batch batch;
+  for (int value : row) {
+    for (const RegisterWrite& write : word_write(address, value)) batch.push_back(write);
+  }
+  return batch;
+}
+
+Traffic row_traffic(std::uint8_t address, const PerColour& row) {
+  Traffic traffic;
+  for (int value : row) traffic.push_back(word_write(address, value));
+  return traffic;
+}
+
+}  // namespace
+
+void save_to_user_data(const LensValues& values, UserDataImage& image) {
+  ImageWriter writer(image);
+  lens_image_layout(values, writer);
+}
+
+void reload_from_user_data(LensValues& values, const UserDataImage& image) {
+  ImageReader reader(image);
+  lens_image_layout(values, reader);
+}
+
+std::optional<LensValues> decode_lens_reply(std::string_view reply, LensValues current) {
+  ReplyReader reader(reply);
+  lens_reply_layout(current, reader);
+  if (reader.short_of()) return std::nullopt;
+  return current;
+}
+
+std::string encode_lens_reply(const LensValues& values) {
+  ReplyWriter writer;
+  lens_reply_layout(values, writer);
+  return writer.text();
+}
+
+Batch lens_send_parameter1(const LensValues& values) {
+  return row_batch(kParameter1, values.parameter1);
+}
+
+Batch lens_send_parameter2(const LensValues& values) {
+  return row_batch(kParameter2, values.parameter2);
+}
+
+Traffic lens_send_parameters(const LensValues& values) {
+  return {lens_send_parameter1(values), lens_send_parameter2(values)};
+}
+
+Traffic lens_full_save(const LensValues& values) {
+  Traffic body = row_traffic(kParameter1, values.parameter1);
+  append(body, row_traffic(kParameter2, values.parameter2));
+  return full_save(std::move(body));
+}
+
+Batch flicker_mode_write(int mode) {
+  return {{kFlickerMode, low_byte(mode)}};
+}
+
+IspBytes lens_picker_switch_bytes(bool on, int enable, int correction) {
+  const int byte = on ? correction & 0xEF : (correction | 0x10) & 0xFF;
+  IspBytes bytes{{picker_register::kCorrection, byte}};
+  for (const IspByte& next : picker_switch_bytes(on, enable)) bytes.push_back(next);
+  return bytes;
+}
+
+}  // namespace qv5123
