@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include "console/atomic_file.h"
+#include "console/user_data_image.h"
+
+namespace qv5123 {
+
+/// The setting file: text, line i holds entry i of the user data image as a decimal number and CR LF.
+///
+/// Read, it is 1024 numbers in white space, of which the low 8 bits count. Where a number is missing or is
+/// none, the one before it (0 before the first) stands for it and for all that follow.
+
+/// The reload of the ISP tune page reads this file of the current directory, never the remembered one.
+inline constexpr const char* kUserDataFile = "QV512xUser.dat";
+
+/// 1024 lines of at most 13 characters fit many times; a larger file was chosen by mistake.
+inline constexpr std::uintmax_t kSettingFileLimit = 1u << 20;
+
+/// The image as the content of a setting file.
+std::string setting_text(const UserDataImage& image);
+
+/// Reads the file into the image and marks the image as loaded. On failure the image stays as it is.
+FileResult read_setting_file(const std::filesystem::path& path, UserDataImage& image);
+
+/// Replaces the file in one step; on failure the old one stays whole.
+FileResult write_setting_file(const std::filesystem::path& path, const UserDataImage& image);
+
+/// ReloadUserDataFile: reads kUserDataFile of `folder` into the image. A file that does not exist is no
+/// failure and changes nothing.
+FileResult reload_user_data_file(UserDataImage& image, const std::filesystem::path& folder = ".");
+
+}  // namespace qv5123

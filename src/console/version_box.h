@@ -1,0 +1,26 @@
+#pragma once
+
+#include <array>
+
+#include "console/user_data_image.h"
+#include "link/register_write.h"
+
+namespace qv5123 {
+
+/// The version box: three slots of three numbers, kept in the user data as tens and units digits.
+inline constexpr int kVersionSlots = 3;
+inline constexpr const char* kVersionSlotNames[kVersionSlots] = {"HW", "SW", "ISP"};
+inline constexpr int kVersionNumberMax = 99;
+
+using VersionNumbers = std::array<int, 3>;
+
+/// The numbers of slot 0..2; zeros for any other slot.
+VersionNumbers load_version(const UserDataImage& image, int slot);
+
+/// Stores the numbers, each held within 0..99. A slot outside 0..2 stores nothing.
+void store_version(UserDataImage& image, int slot, const VersionNumbers& numbers);
+
+/// What "S" sends: per number a flush of its tens digit and its units digit. Nothing for a slot outside 0..2.
+Traffic version_traffic(int slot, const VersionNumbers& numbers);
+
+}  // namespace qv5123

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "console/page_host.h"
+#include "support/fake_prompts.h"
+#include "support/fake_wire.h"
+
+namespace qv5123::test {
+
+/// The main form as a page sees it, over a fake wire. Nothing is written to any file.
+class FakePageHost : public PageHost {
+ public:
+  explicit FakePageHost(FakeWire& wire) : wire_(wire) {}
+
+  CQV5123Doc doc;
+  FakePrompts user;
+  std::vector<std::string> statuses;
+  std::vector<std::optional<int>> progress;
+  std::string console;  ///< what the page appended; the chip's text is in the wire's
+  std::vector<bool> busy;
+
+  int user_data_writes = 0;  ///< of both kinds of save
+  int full_saves = 0;
+  UserDataImage written;       ///< the image as last written
+  bool write_succeeds = true;  ///< what the saves tell
+  /// The page's own part in a full save; may be null.
+  Page* page = nullptr;
+
+  std::string last_status() const { return statuses.empty() ? std::string() : statuses.back(); }
+
+  CommandLink& link() override { return wire_.link; }
+  CQV5123Doc& document() override { return doc; }
+  Prompts& prompts() override { return user; }
+  void show_status(const std::string& text) override { statuses.push_back(text); }
+  void show_progress(std::optional<int> percent) override { progress.push_back(percent); }
+  void append_console(const std::string& text) override { console += text; }
+  Task<bool> write_user_data_file() override {
+    if (write_succeeds) {
+      ++user_data_writes;
+      written = doc.user_data;
+    }
+    co_return write_succeeds;
+  }
+  Task<bool> save_everything() override {
+    ++full_saves;
+    if (page) page->save_to_user_data();
+    co_return co_await write_user_data_file();
+  }
+  void set_busy(bool on) override { busy.push_back(on); }
+
+ private:
+  FakeWire& wire_;
+};
+
+}  // namespace qv5123::test
