@@ -19,9 +19,6 @@ inline constexpr int kFlickerOff = 0;
 inline constexpr int kFlickerPal = 1;
 inline constexpr int kFlickerNtsc = 2;
 
-/// A number for red, green and blue.
-using PerColour = std::array<int, 3>;
-
 /// What the lens shading page shows and edits.
 struct LensValues {
   bool picker_on = false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <vector>
 
 #include "link/register_write.h"
@@ -9,6 +10,9 @@ namespace qv5123 {
 
 inline constexpr int kPickerMaximumX = 2303;
 inline constexpr int kPickerMaximumY = 1535;
+
+/// A number for red, green and blue.
+using PerColour = std::array<int, 3>;
 
 /// Addresses in the ISP space.
 namespace picker_register {

@@ -1,0 +1,66 @@
+#include "tuning/lens_calibration.h"
+
+#include <utility>
+
+#include "tuning/picker_flow.h"
+
+namespace qv5123 {
+namespace {
+
+Task<PerColour> measure_at(CommandLink& link, int x) {
+  co_await write_isp_bytes(link, picker_x_bytes(x));
+  co_return co_await read_picker(link);
+}
+
+/// What is wrong with the reading at `x`; empty when nothing is.
+std::string complaint(int x, const PerColour& rgb) {
+  static constexpr const char* kNames[] = {"red", "green", "blue"};
+  const std::string at = " at X pos " + std::to_string(x);
+  for (std::size_t c = 0; c < 3; ++c) {
+    if (rgb[c] < 0) return std::string("Calibration stopped: no reading of ") + kNames[c] + at + ".";
+    if (rgb[c] == 0) return std::string("Calibration stopped: ") + kNames[c] + " reads 0" + at + ".";
+  }
+  return {};
+}
+
+LensCalibrationResult ended(CalibrationEnd end, std::string message = {}) {
+  LensCalibrationResult result;
+  result.end = end;
+  result.message = std::move(message);
+  return result;
+}
+
+}  // namespace
+
+Task<> switch_lens_picker(CommandLink& link, LensValues& values, bool on) {
+  values.picker_on = on;
+  const int enable = co_await link.wide_read(picker_register::kEnable);
+  const int correction = co_await link.wide_read(picker_register::kCorrection);
+  co_await switch_picker(link, on, lens_picker_switch_bytes(on, enable, correction), values.picker);
+}
+
+Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values,
+                                           std::function<void(const LensSample&)> on_sample) {
+  LensCalibrationResult result;
+  LensCalibration& calibration = result.calibration;
+  calibration.width = lens_line_width(values.screen_index);
+
+  for (int x : lens_positions(calibration.width)) {
+    if (!values.picker_on) co_return ended(CalibrationEnd::aborted);
+    const PerColour rgb = co_await measure_at(link, x);
+    if (std::string message = complaint(x, rgb); !message.empty()) {
+      if (values.picker_on) co_await switch_lens_picker(link, values, false);
+      co_return ended(CalibrationEnd::bad_reading, std::move(message));
+    }
+    calibration.samples.push_back(lens_sample(x, rgb));
+    on_sample(calibration.samples.back());
+  }
+
+  calibration.centre = fit_lens_centre(calibration.samples, calibration.width);
+  result.log = recompute_lens(calibration, values);
+  co_await link.send(lens_send_parameters(values));
+  if (values.picker_on) co_await switch_lens_picker(link, values, false);
+  co_return result;
+}
+
+}  // namespace qv5123

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "link/command_link.h"
+#include "link/task.h"
+#include "tuning/lens_fit.h"
+
+namespace qv5123 {
+
+/// Sets `values.picker_on` and brings the chip to it. The values must outlive the flow.
+Task<> switch_lens_picker(CommandLink& link, LensValues& values, bool on);
+
+enum class CalibrationEnd {
+  done,
+  aborted,      ///< the picker was switched off meanwhile
+  bad_reading,  ///< a reading failed or was 0
+};
+
+struct LensCalibrationResult {
+  CalibrationEnd end = CalibrationEnd::done;
+  LensCalibration calibration;  ///< without samples unless done
+  std::string log;              ///< what the fit adds to the log
+  std::string message;          ///< of a bad reading: its position and colour; else empty
+};
+
+/// Sweeps the picker along the line, fits the parameters, puts them into `values`, sends them and switches
+/// the picker off. Unless it gets that far, nothing is sent and the old parameters stay.
+///
+/// `values` are the page's own, kept up to date by its controls and looked at before each position;
+/// `on_sample` gets each sample as it comes.
+Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values,
+                                           std::function<void(const LensSample&)> on_sample);
+
+}  // namespace qv5123
