@@ -78,6 +78,11 @@ class ReplyReader {
     value = static_cast<T>(as.decode(reply_word_at(reply_, position)));
     reach(position + 4);
   }
+  /// One bit, 0..7, of the byte at `position`.
+  void bit(std::size_t position, int number, bool& value) {
+    value = (reply_byte_at(reply_, position) >> number & 1) != 0;
+    reach(position + 2);
+  }
   bool short_of() const { return needed_ > reply_.size(); }
 
  private:
@@ -94,6 +99,11 @@ class ReplyWriter {
   }
   void word(std::size_t position, int value, const Encoding& as = kPlain) {
     put(position, as.encode(value), 4);
+  }
+  /// Leaves the other bits of the byte as they are.
+  void bit(std::size_t position, int number, bool value) {
+    const int others = reply_byte_at(text_, position) & ~(1 << number);
+    put(position, others | (value ? 1 << number : 0), 2);
   }
   const std::string& text() const { return text_; }
 
