@@ -4,6 +4,7 @@
 
 #include <random>
 
+#include "support/traffic_text.h"
 #include "tuning/awb_chart.h"
 
 namespace qv5123 {
@@ -15,12 +16,6 @@ AwbValues example() {
   values.words = {0x0102, 0x0203, -2, -800, 800, 0x0105, 0x0106, 0x0107, 0x0409, -32768};
   for (int k = 0; k < 24; ++k) values.patches[k] = {k, 100 + k, 200 + k};
   return values;
-}
-
-std::string on_wire(const Traffic& traffic) {
-  std::string text;
-  for (const Batch& batch : traffic) text += frames(batch) + "|";
-  return text;
 }
 
 TEST(Awb, FullSaveOnTheWire) {

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "link/register_write.h"
+
+/// The raw access tools of the ISP tune page: hex fields, single registers, the bit editor, dumps, and the
+/// way into the service area. Texts are UTF-8; every character that is no hex digit counts as 0.
+namespace qv5123 {
+
+/// The first two characters of a field, high digit first; missing ones count as 0.
+int byte_of_field(std::string_view text);
+/// The first three characters as a 12-bit address; missing ones count as 0.
+int address_of_field(std::string_view text);
+/// A field of 2, 3 or 4 characters as that many digits; 0 for every other length.
+int word_of_field(std::string_view text);
+/// A byte as its field shows it, "%02X".
+std::string field_of_byte(int value);
+
+/// Address that is not the chip's: writing it sets the front gamma level.
+inline constexpr int kFrontGammaAddress = 0xFFF;
+/// "Write(1Byte)": either frames to send, or a front gamma level to set.
+struct OneByteWrite {
+  Batch batch;
+  std::optional<double> front_gamma_level;
+};
+OneByteWrite write_one_byte(int address, int value);
+
+/// A click on a radio of the bit editor: changes bit `number` (0..7) of `byte`. At address 0 nothing is
+/// changed and nothing sent.
+Traffic edit_bit(int address, std::uint8_t& byte, int number, bool set);
+/// What "Get Info" appends to the page's console for a byte, "%x ".
+std::string bit_editor_text(std::uint8_t byte);
+/// What a sensor "Write" appends.
+std::string sensor_write_text(int address, int value);
+
+enum class Access { IspByte, IspWord, Sensor, Dump };
+/// Lines "0xF922 = 0x12" for the answer to a read or a dump from `address` on; ISP addresses are shown
+/// with the F that their captions have. Empty when the reply is too short for a value.
+std::string answer_text(Access access, int address, std::string_view reply);
+/// The answer to a read as the data field shows it. Nothing for a reply that is too short, and for a dump.
+std::optional<std::string> answer_field(Access access, std::string_view reply);
+
+/// The way into the service area: clicks on the bit radios, then "Get Info" at one address. The clicks are
+/// made with address 000, where they send nothing.
+class ServiceGesture {
+ public:
+  void click(int number, bool set);
+  /// True when the area is to be revealed. Every "Get Info" starts the gesture anew.
+  bool get_info(int address);
+
+ private:
+  std::size_t matched_ = 0;
+};
+
+}  // namespace qv5123

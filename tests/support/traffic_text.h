@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+#include "link/register_write.h"
+
+namespace qv5123 {
+
+/// Traffic as it looks on the wire, with "|" after each flush.
+inline std::string on_wire(const Traffic& traffic) {
+  std::string text;
+  for (const Batch& batch : traffic) text += frames(batch) + "|";
+  return text;
+}
+
+}  // namespace qv5123

@@ -1,0 +1,114 @@
+#include "tuning/raw_access.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "tuning/register_script.h"
+
+namespace qv5123 {
+namespace {
+
+TEST(RawAccess, FieldsAreReadByTheirLength) {
+  EXPECT_EQ(byte_of_field("a5f"), 0xA5);
+  EXPECT_EQ(byte_of_field("7"), 0x70);
+  EXPECT_EQ(byte_of_field(""), 0);
+  EXPECT_EQ(address_of_field("9G2"), 0x902);
+  EXPECT_EQ(address_of_field("F9225"), 0xF92);
+  EXPECT_EQ(word_of_field("1"), 0);
+  EXPECT_EQ(word_of_field("12"), 0x12);
+  EXPECT_EQ(word_of_field("123"), 0x123);
+  EXPECT_EQ(word_of_field("bEeF"), 0xBEEF);
+  EXPECT_EQ(word_of_field("12345"), 0);
+  EXPECT_EQ(word_of_field("\xC3\xA9"
+                          "12\xE2\x82\xAC"),
+            0x0120)
+      << "a character counts once, however it is coded";
+}
+
+TEST(RawAccess, TheReservedAddressSetsTheFrontGammaLevel) {
+  EXPECT_EQ(write_one_byte(0xFFF, 0x12).front_gamma_level, 18.0);
+  EXPECT_TRUE(write_one_byte(0xFFF, 0x12).batch.empty());
+  EXPECT_EQ(frames(write_one_byte(0xFFE, 0x12).batch), "@920f*@92fe*@9312*");
+}
+
+TEST(RawAccess, BitEditorSendsTheAddressAhead) {
+  std::uint8_t byte = 0x81;
+  EXPECT_EQ(edit_bit(0x3A5, byte, 6, true), (Traffic{{{0x92, 3}, {0x92, 0xA5}}, {{0x93, 0xC1}}}));
+  EXPECT_EQ(edit_bit(0x3A5, byte, 7, false), (Traffic{{{0x92, 3}, {0x92, 0xA5}}, {{0x93, 0x41}}}));
+  EXPECT_TRUE(edit_bit(0, byte, 7, true).empty());
+  EXPECT_EQ(byte, 0x41);
+  EXPECT_EQ(bit_editor_text(0x0F), "f ");
+}
+
+TEST(RawAccess, AnswersAreShownAsLines) {
+  EXPECT_EQ(answer_text(Access::IspByte, 0x922, "12"), "0xF922 = 0x12\r\n");
+  EXPECT_EQ(answer_text(Access::IspWord, 0x922, "0aBc"), "0xF922 = 0x0ABC\r\n");
+  EXPECT_EQ(answer_text(Access::Sensor, 0x3012, "00ff"), "0x3012 = 0x00FF\r\n");
+  EXPECT_EQ(answer_text(Access::Dump, 0x0FE, "010203a"),
+            "0xF0FE = 0x01\r\n0xF0FF = 0x02\r\n0xF100 = 0x03\r\n");
+  EXPECT_EQ(answer_text(Access::IspWord, 0x922, "123"), "");
+  EXPECT_EQ(answer_field(Access::IspByte, "00ff0c"), "0C");
+  EXPECT_EQ(sensor_write_text(0x30, 7), "\r\nSensor Write :\r\n0x0030, 0007 (0x0030, 0x0007)");
+}
+
+TEST(ServiceGesture, OnlyTheWholeSequenceAtItsAddressReveals) {
+  const auto play = [](ServiceGesture& gesture) {
+    gesture.click(7, true);
+    gesture.click(0, true);
+    gesture.click(7, false);
+    gesture.click(3, true);
+    gesture.click(0, false);
+    gesture.click(3, false);
+  };
+  ServiceGesture gesture;
+  gesture.click(7, true);
+  play(gesture);
+  EXPECT_TRUE(gesture.get_info(0x5C1)) << "its first click may come twice";
+  EXPECT_FALSE(gesture.get_info(0x5C1));
+  play(gesture);
+  EXPECT_FALSE(gesture.get_info(0x5C0));
+  play(gesture);
+  gesture.click(1, true);
+  EXPECT_FALSE(gesture.get_info(0x5C1));
+}
+
+/// What a script sends, tick by tick; "-" for a tick that sends nothing.
+std::string played(const std::string& text) {
+  RegisterScript script(std::make_unique<std::istringstream>(text));
+  std::string sent;
+  for (int tick = 0; tick < 20; ++tick) {
+    const RegisterScript::Step step = script.tick();
+    if (step.finished) return sent;
+    sent += step.batch.empty() ? "-" : frames(step.batch);
+  }
+  return sent + " and no end";
+}
+
+TEST(RegisterScript, WritesALineATick) {
+  EXPECT_EQ(played("1A2,3F"), "@9201*@92a2*@933f*");
+  EXPECT_EQ(played("1A2 3F remark\n\r\n\n0bc=0D"), "@9201*@92a2*@933f*--@9200*@92bc*@930d*");
+  EXPECT_EQ(played(std::string("1\0"
+                               "2?zF",
+                               6)),
+            "@9201*@9202*@930f*");
+}
+
+TEST(RegisterScript, ALastLineBreakRepeatsTheDataAtAddress0) {
+  const std::string once = "@9201*@92a2*@933f*", repeated = "@9200*@9200*@933f*";
+  EXPECT_EQ(played("1A2,3F\n"), once + repeated);
+  EXPECT_EQ(played("1A2,3F\r\n"), once + repeated);
+  EXPECT_EQ(played("1A2,3F\n\n"), once + "--")
+      << "a blank last line is skipped instead, once more at the end";
+}
+
+TEST(RegisterScript, LinesLeaveTheirRestBehind) {
+  EXPECT_EQ(played("1A2,3F\n456"), "@9201*@92a2*@933f*@9204*@9256*@933f*");
+  const std::string longest = "001,11" + std::string(93, ' ');
+  EXPECT_EQ(played(longest + "002,22"), "@9200*@9201*@9311*@9200*@9202*@9322*");
+  EXPECT_EQ(played(longest + "\n"), "@9200*@9201*@9311*--");
+  EXPECT_EQ(played(""), "");
+}
+
+}  // namespace
+}  // namespace qv5123
