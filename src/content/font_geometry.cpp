@@ -41,8 +41,13 @@ std::optional<int> preview::glyph_at(int x, int y) {
 }
 
 std::optional<GlyphPixel> editor::pixel_at(int x, int y) {
-  if (x < kGridLeft || y < kGridTop || x >= kGridRight || y >= kGridBottom) return std::nullopt;
-  return GlyphPixel{(x - kGridLeft) / kCell, (y - kGridTop) / kCell};
+  const auto cell = cell_at(x, y);
+  return Glyph::contains(cell) ? std::optional(cell) : std::nullopt;
+}
+
+GlyphPixel editor::cell_at(int x, int y) {
+  const auto floored = [](int distance) { return (distance < 0 ? distance - kCell + 1 : distance) / kCell; };
+  return {floored(x - kGridLeft), floored(y - kGridTop)};
 }
 
 GreyImage draw_preview(const FontLibrary& library, int page, std::uint8_t background) {

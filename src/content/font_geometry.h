@@ -48,6 +48,8 @@ inline constexpr int kHeight = kGridBottom + 1 + 10;
 /// The pixel under the point; nothing beside the grid and on its right and bottom border lines, which are no
 /// part of any cell.
 std::optional<GlyphPixel> pixel_at(int x, int y);
+/// The cell of the grid, thought of as going on beyond its borders: a stroke may leave it and come back.
+GlyphPixel cell_at(int x, int y);
 }  // namespace editor
 
 /// A drawing in shades of grey.

@@ -1,0 +1,247 @@
+#include "content/ui/dlg_font_maker.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QComboBox>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "console/atomic_file.h"
+#include "content/font_text.h"
+#include "content/ui/fill_range_box.h"
+#include "content/ui/font_preview_area.h"
+#include "content/ui/glyph_editor_area.h"
+#include "content/ui/glyph_rasterizer.h"
+
+namespace qv5123 {
+
+namespace {
+
+/// Characters drawn between two looks at the event loop: some two milliseconds' worth.
+constexpr std::size_t kFillStep = 32;
+
+FileChoice font_file_choice(const char* initial_name) {
+  return {"FONT Files (*.bin)|*.bin|All Files (*.*)|*.*||", "bin", initial_name};
+}
+
+std::filesystem::path export_path_here() {
+  std::error_code error;
+  return std::filesystem::current_path(error) / kFontTextName;
+}
+
+QPushButton* make_button(const QString& caption, const QString& tip) {
+  auto* button = new QPushButton(caption);
+  button->setAccessibleName(caption);
+  button->setToolTip(tip);
+  return button;
+}
+
+QToolButton* make_tool(QAction* action) {
+  auto* button = new QToolButton;
+  button->setDefaultAction(action);
+  button->setAccessibleName(action->text());
+  button->setFocusPolicy(Qt::TabFocus);
+  button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  return button;
+}
+
+QBoxLayout* make_tool_row(const QList<QAction*>& actions) {
+  auto* row = new QHBoxLayout;
+  for (auto* action : actions) row->addWidget(make_tool(action), 1);
+  return row;
+}
+
+}  // namespace
+
+CDlgFontMaker::CDlgFontMaker(PageHost& host, QWidget* parent)
+    : QWidget(parent), host_(host), export_path_(export_path_here()) {
+  setContextMenuPolicy(Qt::ActionsContextMenu);
+  preview_ = new FontPreviewArea(editor_);
+  editor_area_ = new GlyphEditorArea(editor_);
+  fill_ = new FillRangeBox;
+
+  auto* layout = new QVBoxLayout(this);
+  layout->addLayout(make_file_row());
+  auto* areas = new QHBoxLayout;
+  layout->addLayout(areas, 1);
+  areas->addWidget(preview_, 5);
+  auto* editing = new QVBoxLayout;
+  areas->addLayout(editing, 4);
+  editing->addWidget(editor_area_, 1);
+  editing->addLayout(make_buffer_row());
+  editing->addLayout(make_edit_rows());
+  editing->addWidget(fill_);
+  add_action("Close", QKeySequence("Ctrl+W"), "Close the font editor", [this] { close_page(); });
+
+  connect(preview_, &FontPreviewArea::glyph_picked, this,
+          [this](int index) { edit([this, index] { editor_.select(index); }); });
+  connect(editor_area_, &GlyphEditorArea::edited, this, &CDlgFontMaker::refresh_buffer);
+  connect(fill_, &FillRangeBox::fill_requested, this, [this] { flows_.spawn(fill_range()); });
+  import_export();
+  refresh_all();
+}
+
+CDlgFontMaker::~CDlgFontMaker() = default;
+
+QBoxLayout* CDlgFontMaker::make_file_row() {
+  page_selector_ = new QComboBox;
+  for (int page = 0; page < FontLibrary::kPages; ++page) page_selector_->addItem(QString::number(page));
+  page_selector_->setAccessibleName("FontPage");
+  page_selector_->setToolTip("Page of 256 glyphs to show");
+  connect(page_selector_, &QComboBox::activated, this, [this](int page) {
+    editor_.choose_page(page);
+    refresh_all();
+  });
+  auto* caption = new QLabel("FontPage:");
+  caption->setBuddy(page_selector_);
+  auto* open = make_button("Open font file...", "Read the glyphs from a binary font file");
+  connect(open, &QPushButton::clicked, this, [this] { flows_.spawn(open_font_file()); });
+  auto* save = make_button("Save font file...", "Write the text export and a binary font file");
+  connect(save, &QPushButton::clicked, this, [this] { flows_.spawn(save_font_file()); });
+  number_ = new QLabel;
+  number_->setAccessibleName("Glyph number");
+  number_->setToolTip("Number of the glyph being edited, in the whole library");
+
+  auto* row = new QHBoxLayout;
+  row->addWidget(caption);
+  row->addWidget(page_selector_);
+  row->addWidget(open);
+  row->addWidget(save);
+  row->addStretch(1);
+  row->addWidget(number_);
+  return row;
+}
+
+QBoxLayout* CDlgFontMaker::make_buffer_row() {
+  auto* clear = make_button("Clear", "Clear all pixels being edited; the library stays as it is");
+  connect(clear, &QPushButton::clicked, this, [this] {
+    editor_.clear();
+    refresh_buffer();
+  });
+  auto* set = make_button("Set", "Put the edited pixels into the library");
+  connect(set, &QPushButton::clicked, this, [this] { edit([this] { editor_.store(); }); });
+  auto* row = new QHBoxLayout;
+  row->addWidget(clear);
+  row->addWidget(set);
+  return row;
+}
+
+QBoxLayout* CDlgFontMaker::make_edit_rows() {
+  const auto action = [this](const char* text, const QKeySequence& keys, const char* tip,
+                             const std::function<void()>& change) {
+    return add_action(text, keys, tip, [this, change] { edit(change); });
+  };
+  const auto shift = [this, &action](const char* text, const char* keys, ShiftDirection direction) {
+    return action(text, QKeySequence(keys), "Move the pixels by one",
+                  [this, direction] { editor_.shift(direction); });
+  };
+  undo_ = action("Undo", QKeySequence::Undo, "Take the last change back", [this] { editor_.undo(); });
+  redo_ = action("Redo", QKeySequence::Redo, "Do it again", [this] { editor_.redo(); });
+  auto* copy = action("Copy", QKeySequence::Copy, "Copy the edited glyph", [this] { copy_glyph(); });
+  auto* paste = action("Paste", QKeySequence::Paste, "Edit the copied glyph here", [this] { paste_glyph(); });
+  auto* invert =
+      action("Invert", QKeySequence("Ctrl+I"), "Swap drawn and clear pixels", [this] { editor_.invert(); });
+
+  auto* rows = new QVBoxLayout;
+  rows->addLayout(make_tool_row({undo_, redo_, copy, paste}));
+  rows->addLayout(make_tool_row({shift("Shift left", "Ctrl+Left", ShiftDirection::kLeft),
+                                 shift("Shift right", "Ctrl+Right", ShiftDirection::kRight),
+                                 shift("Shift up", "Ctrl+Up", ShiftDirection::kUp),
+                                 shift("Shift down", "Ctrl+Down", ShiftDirection::kDown), invert}));
+  return rows;
+}
+
+QAction* CDlgFontMaker::add_action(const QString& text, const QKeySequence& keys, const QString& tip,
+                                   const std::function<void()>& act) {
+  auto* action = new QAction(text, this);
+  action->setShortcut(keys);
+  action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+  action->setToolTip(tip + " (" + keys.toString(QKeySequence::NativeText) + ")");
+  connect(action, &QAction::triggered, this, act);
+  addAction(action);
+  return action;
+}
+
+void CDlgFontMaker::refresh_buffer() {
+  const int glyph = editor_.selected_glyph();
+  number_->setText(QString("Glyph: 0x%1 / %2").arg(glyph, 3, 16, QChar('0')).arg(glyph));
+  undo_->setEnabled(editor_.can_undo());
+  redo_->setEnabled(editor_.can_redo());
+  editor_area_->update();
+}
+
+void CDlgFontMaker::refresh_all() {
+  page_selector_->setCurrentIndex(editor_.page());
+  preview_->refresh_page();
+  refresh_buffer();
+}
+
+void CDlgFontMaker::edit(const std::function<void()>& change) {
+  change();
+  refresh_all();
+}
+
+void CDlgFontMaker::copy_glyph() {
+  QGuiApplication::clipboard()->setText(QString::fromStdString(glyph_picture(editor_.buffer())));
+}
+
+void CDlgFontMaker::paste_glyph() {
+  const auto glyph = parse_glyph_picture(QGuiApplication::clipboard()->text().toStdString());
+  if (glyph) editor_.paste(*glyph);
+  if (!glyph) host_.show_status("The clipboard holds no glyph");
+}
+
+void CDlgFontMaker::close_page() {
+  flows_.spawn(ask_and_close());
+}
+
+void CDlgFontMaker::import_export() {
+  std::string text;
+  if (read_whole_file(export_path_, text).ok()) editor_.import_text(text);
+}
+
+// An export that cannot be written is no reason to disturb the user: the binary file is the font's own form.
+void CDlgFontMaker::write_export() const {
+  write_file_atomically(export_path_, export_font_text(editor_.library()));
+}
+
+Task<> CDlgFontMaker::open_font_file() {
+  const auto path = co_await host_.prompts().choose_open(font_file_choice("*.bin"));
+  std::string bytes;
+  if (!path || !read_whole_file(*path, bytes).ok()) co_return;
+  editor_.open_binary({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+  refresh_all();
+}
+
+Task<> CDlgFontMaker::save_font_file() {
+  write_export();
+  const auto path = co_await host_.prompts().choose_save(font_file_choice("fontT_16x24_.bin"));
+  if (!path) co_return;
+  const auto bytes = editor_.library().to_binary();
+  write_file_atomically(*path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+}
+
+Task<> CDlgFontMaker::fill_range() {
+  const auto choice = fill_->choice();
+  const QFont font = font_for_glyphs(choice.font);
+  const int room = std::min(choice.count, FontLibrary::kGlyphs - choice.first_glyph);
+  std::vector<Glyph> glyphs;
+  for (char32_t character = choice.first_character; static_cast<int>(glyphs.size()) < room; ++character) {
+    glyphs.push_back(rasterize(font, character));
+    if (glyphs.size() % kFillStep == 0) co_await Delay(host_.scheduler(), std::chrono::milliseconds(0));
+  }
+  editor_.fill(choice.first_glyph, std::move(glyphs));
+  refresh_all();
+}
+
+Task<> CDlgFontMaker::ask_and_close() {
+  const Question question{"Do you want to save before exit?", "Save data", Question::Buttons::yes_no};
+  if (co_await host_.prompts().ask(question) == Answer::yes) write_export();
+  hide();
+}
+
+}  // namespace qv5123
