@@ -1,0 +1,48 @@
+#include "tuning/page_flows.h"
+
+#include <utility>
+
+namespace qv5123 {
+namespace {
+
+constexpr std::chrono::milliseconds kSettlingStep{100};
+
+int percent(std::size_t done, std::size_t of) {
+  return of == 0 ? 100 : static_cast<int>(done * 100 / of);
+}
+
+Task<> wait_while_chip_stores(PageHost& host, std::chrono::milliseconds time) {
+  for (std::chrono::milliseconds waited{0}; waited < time; waited += kSettlingStep) {
+    host.show_progress(
+        percent(static_cast<std::size_t>(waited.count()), static_cast<std::size_t>(time.count())));
+    co_await Delay(host.scheduler(), kSettlingStep);
+  }
+}
+
+}  // namespace
+
+Task<bool> load_from_chip(PageHost& host, PageLoad load) {
+  const auto reply = co_await host.link().query(load.trigger);
+  const bool taken = reply && load.take(*reply);
+  const std::string& text = taken ? load.loaded : load.failed;
+  if (!text.empty()) host.show_status(text);
+  co_return taken;
+}
+
+Task<bool> save_on_chip(PageHost& host, PageSave save) {
+  const BusyScope busy(host);
+  const std::size_t flushes = save.traffic.size();
+  const JobResult result = co_await host.link().send(
+      std::move(save.traffic),
+      [&host, flushes](std::size_t sent) { host.show_progress(percent(sent, flushes)); });
+  if (result.chunks_sent < flushes) {
+    host.show_status("Nothing more was saved on the chip: the port failed after " +
+                     std::to_string(percent(result.chunks_sent, flushes)) + " % of the data.");
+    co_return false;
+  }
+  co_await wait_while_chip_stores(host, save.settling);
+  host.show_status(save.done);
+  co_return true;
+}
+
+}  // namespace qv5123

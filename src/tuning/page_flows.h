@@ -1,0 +1,54 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "console/page_host.h"
+#include "link/register_write.h"
+#include "link/task.h"
+
+/// What the tuning pages do alike: read their settings back from the chip, and save them on it.
+namespace qv5123 {
+
+/// A page's read-back.
+struct PageLoad {
+  std::uint8_t trigger = 0;  ///< a write of 0 to it asks for the reply
+  std::string failed;        ///< status text when no reply came, or one that ended too early
+  std::string loaded;        ///< status text otherwise; none when empty
+  /// Takes the reply's characters; false when they end too early, and then nothing may have changed.
+  std::function<bool(std::string_view reply)> take;
+};
+
+/// Asks the chip and hands the reply to the page. True when the page took it.
+Task<bool> load_from_chip(PageHost& host, PageLoad load);
+
+/// A page's full save.
+struct PageSave {
+  Traffic traffic;
+  std::string done;                       ///< status text at the end
+  std::chrono::milliseconds settling{0};  ///< how long the chip stores afterwards
+};
+
+/// Sends the traffic as one job with progress in the status bar, and waits while the chip stores. Closing the
+/// window asks meanwhile. False, and said in the status bar, when the port failed.
+Task<bool> save_on_chip(PageHost& host, PageSave save);
+
+/// Tells the host that something lasts which closing the window should ask about.
+class BusyScope {
+ public:
+  explicit BusyScope(PageHost& host) : host_(host) { host_.set_busy(true); }
+  BusyScope(const BusyScope&) = delete;
+  BusyScope& operator=(const BusyScope&) = delete;
+  ~BusyScope() {
+    host_.show_progress(std::nullopt);
+    host_.set_busy(false);
+  }
+
+ private:
+  PageHost& host_;
+};
+
+}  // namespace qv5123

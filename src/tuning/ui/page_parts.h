@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QString>
+
+#include <functional>
+
+/// The controls that the pages are put together from, each with its accessible name, which is unique on its
+/// page, and a tooltip that tells range, unit and register.
+namespace qv5123 {
+
+/// Gives `widget` its accessible name and tooltip.
+template <class Widget>
+Widget* named(Widget* widget, const QString& name, const QString& tooltip) {
+  widget->setAccessibleName(name);
+  widget->setToolTip(tooltip);
+  return widget;
+}
+
+/// A push button. `name` is its accessible name where the caption repeats on the page; empty takes the
+/// caption.
+QPushButton* make_button(const QString& caption, const QString& name, const QString& tooltip,
+                         std::function<void()> clicked);
+
+/// A narrow "S" or "Set" beside the value called `value`.
+QPushButton* make_set_button(const QString& caption, const QString& value, const QString& tooltip,
+                             std::function<void()> clicked);
+
+/// An edit with a spin for numbers of `minimum`..`maximum`. It tells its value while it is being typed only
+/// when Enter is pressed or the focus leaves.
+QSpinBox* make_number(int minimum, int maximum, const QString& name, const QString& tooltip);
+
+/// Sets a value without the widget telling that it changed.
+void show_value(QSpinBox* box, int value);
+void show_checked(QAbstractButton* button, bool checked);
+
+/// A horizontal slider, its edit, both showing the same value, and a "Set" button.
+struct SliderRow {
+  class QSlider* slider = nullptr;
+  QSpinBox* edit = nullptr;
+  QPushButton* set = nullptr;  ///< null where nothing is sent on its own
+
+  int value() const { return edit->value(); }
+  void show(int value);
+};
+
+/// Adds a row of label, slider, edit and "Set" to `grid`. `caption` names all of them; without `set` no
+/// button is made. `changed` is told every change by the user and may be empty.
+SliderRow add_slider_row(QGridLayout* grid, int row, const QString& caption, int minimum, int maximum,
+                         const QString& tooltip, std::function<void()> set,
+                         std::function<void(int)> changed = {});
+
+}  // namespace qv5123

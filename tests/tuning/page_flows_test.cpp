@@ -1,0 +1,83 @@
+#include "tuning/page_flows.h"
+
+#include <gtest/gtest.h>
+
+#include "support/fake_page_host.h"
+
+namespace qv5123 {
+namespace {
+
+using test::FakePageHost;
+using test::FakeWire;
+
+Task<> load(PageHost& host, std::string& taken) {
+  PageLoad load;
+  load.trigger = 0x07;
+  load.failed = "ISP Load Fail...";
+  load.loaded = "Load Isp ok..";
+  load.take = [&taken](std::string_view reply) {
+    if (reply.size() < 4) return false;
+    taken = reply;
+    return true;
+  };
+  co_await load_from_chip(host, std::move(load));
+}
+
+TEST(LoadFromChip, SaysWhetherThePageTookTheReply) {
+  FakeWire wire;
+  FakePageHost host(wire);
+  std::string taken;
+  Flow flow(load(host, taken));
+  wire.advance(50);
+  wire.receive("~1234^");
+  wire.advance(300);
+  EXPECT_EQ(taken, "1234");
+  EXPECT_EQ(host.last_status(), "Load Isp ok..");
+  flow.start(load(host, taken));
+  wire.advance(50);
+  wire.receive("~12^");
+  wire.advance(300);
+  EXPECT_EQ(host.last_status(), "ISP Load Fail...") << "a reply that ends too early";
+}
+
+Task<> save(PageHost& host) {
+  PageSave save;
+  save.traffic = flushed_singly({{0xFA, 1}, {0x37, 5}, {0x38, 6}, {0xFA, 0}});
+  save.done = "Data Save Done...";
+  save.settling = std::chrono::seconds(10);
+  co_await save_on_chip(host, std::move(save));
+}
+
+TEST(SaveOnChip, ShowsItsProgressAndWaitsWhileTheChipStores) {
+  FakeWire wire;
+  FakePageHost host(wire);
+  Flow flow(save(host));
+  wire.advance(200);
+  EXPECT_EQ(wire.sender.writes, (std::vector<std::string>{"@fa01*", "@3705*", "@3806*", "@fa00*"}));
+  EXPECT_EQ(host.progress.at(1), 50);
+  EXPECT_TRUE(host.statuses.empty());
+  wire.advance(9999);
+  EXPECT_TRUE(flow.running());
+  EXPECT_EQ(host.progress.back(), 99);
+  wire.advance(1);
+  EXPECT_EQ(host.statuses, std::vector<std::string>{"Data Save Done..."});
+  EXPECT_EQ(host.progress.back(), std::nullopt);
+  EXPECT_EQ(host.busy, (std::vector<bool>{true, false}));
+}
+
+TEST(SaveOnChip, APortThatFailsIsNoSuccess) {
+  FakeWire wire;
+  FakePageHost host(wire);
+  Flow flow(save(host));
+  wire.advance(110);
+  wire.sender.connected = false;
+  wire.advance(200);
+  EXPECT_FALSE(flow.running());
+  EXPECT_EQ(host.statuses,
+            std::vector<std::string>{
+                "Nothing more was saved on the chip: the port failed after 50 % of the data."});
+  EXPECT_EQ(host.busy.back(), false);
+}
+
+}  // namespace
+}  // namespace qv5123
