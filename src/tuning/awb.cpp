@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tuning/brackets.h"
+#include "tuning/full_save.h"
 #include "tuning/layout.h"
 
 namespace qv5123 {
@@ -98,7 +99,7 @@ Traffic awb_row_traffic(const AwbValues& values, const AwbRow& row) {
 Traffic awb_save_traffic(const AwbValues& values) {
   Traffic words;
   for (std::size_t i = 0; i < kAwbWordCount; ++i) words.push_back(word_batch(values, i));
-  return saved(std::move(words));
+  return full_save(std::move(words));
 }
 
 Traffic awb_colour_requests() {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tuning/brackets.h"
+#include "tuning/full_save.h"
 #include "tuning/layout.h"
 
 namespace qv5123 {
@@ -280,7 +281,7 @@ DynamicSave dynamic_save(DynamicValues values, const StepGrid& grid, const UserD
   append(block, rewrite_grid(save, grid));
   append(block, flushed_singly(bank_writes_of_save(save.values)));
   append(block, flushed_singly(colour_writes_of_save(save.values, image)));
-  save.traffic = saved(std::move(block));
+  save.traffic = full_save(std::move(block));
   return save;
 }
 
