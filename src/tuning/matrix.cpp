@@ -1,0 +1,156 @@
+#include "tuning/matrix.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "link/saturate.h"
+#include "tuning/full_save.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr std::uint8_t kLightSelect = 0x4E;
+constexpr std::uint8_t kModeSelect = 0xCA;
+constexpr std::uint8_t kFirstRow = 0x52;
+constexpr float kCodeUnit = 1024;
+
+bool has_table(const MatrixValues& values) {
+  return values.mode >= 0 && values.mode < kVideoModes && values.light >= 0 && values.light < kMatrixLights;
+}
+
+MatrixRowBytes row_bytes(const std::array<float, 3>& row) {
+  MatrixRowBytes bytes{};
+  for (std::size_t j = 0; j < 3; ++j) {
+    bytes[2 * j] = high_byte(matrix_code(row[j]));
+    bytes[2 * j + 1] = low_byte(matrix_code(row[j]));
+  }
+  return bytes;
+}
+
+Traffic row_traffic(const ModeTable& table, int light, int row) {
+  const auto address = static_cast<std::uint8_t>(kFirstRow + 3 * light + row);
+  Traffic traffic;
+  for (std::uint8_t byte : table[row][light]) append(traffic, RegisterWrite{address, byte});
+  return traffic;
+}
+
+Traffic mode_traffic(const MatrixValues& values, int mode) {
+  Traffic traffic{{{kModeSelect, low_byte(mode)}}};
+  for (int row = 0; row < kMatrixRows; ++row) {
+    for (int light = 0; light < kMatrixLights; ++light) {
+      append(traffic, row_traffic(values.tables[mode], light, row));
+    }
+  }
+  return traffic;
+}
+
+}  // namespace
+
+void save_to_user_data(const MatrixValues& values, UserDataImage& image) {
+  ImageWriter writer(image);
+  matrix_image_layout(values, writer);
+}
+
+void reload_from_user_data(MatrixValues& values, const UserDataImage& image) {
+  ImageReader reader(image);
+  matrix_image_layout(values, reader);
+  show_matrix(values);
+}
+
+std::optional<MatrixValues> decode_matrix_reply(std::string_view reply, MatrixValues current) {
+  ReplyReader reader(reply);
+  matrix_reply_layout(current, reader);
+  if (reader.short_of()) return std::nullopt;
+  show_matrix(current);
+  return current;
+}
+
+std::string encode_matrix_reply(const MatrixValues& values) {
+  ReplyWriter writer;
+  matrix_reply_layout(values, writer);
+  return writer.text();
+}
+
+int matrix_code(float coefficient) {
+  return saturate_to_int(coefficient * kCodeUnit);
+}
+
+float matrix_coefficient(int code) {
+  return static_cast<float>(kSigned16.decode(code & 0xFFFF)) / kCodeUnit;
+}
+
+std::string matrix_code_text(float coefficient) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%04X", static_cast<unsigned>(matrix_code(coefficient)) & 0x1FFFu);
+  return text;
+}
+
+Coefficients as_registers_hold(const Coefficients& coefficients) {
+  Coefficients held{};
+  for (std::size_t r = 0; r < kMatrixRows; ++r) {
+    for (std::size_t j = 0; j < 3; ++j) held[r][j] = matrix_coefficient(matrix_code(coefficients[r][j]));
+  }
+  return held;
+}
+
+void show_matrix(MatrixValues& values) {
+  if (!has_table(values)) return;
+  for (std::size_t r = 0; r < kMatrixRows; ++r) {
+    const MatrixRowBytes& bytes = values.tables[values.mode][r][values.light];
+    for (std::size_t j = 0; j < 3; ++j) {
+      values.coefficients[r][j] = matrix_coefficient(bytes[2 * j] * 256 + bytes[2 * j + 1]);
+    }
+  }
+}
+
+void store_matrix(MatrixValues& values) {
+  if (!has_table(values)) return;
+  for (std::size_t r = 0; r < kMatrixRows; ++r) {
+    values.tables[values.mode][r][values.light] = row_bytes(values.coefficients[r]);
+  }
+}
+
+void set_matrix_rows(MatrixValues& values) {
+  auto& [red, green, blue] = values.coefficients;
+  red[1] = 1 - red[0] - red[2];
+  green[2] = 1 - green[0] - green[1];
+  blue[1] = 1 - blue[0] - blue[2];
+  store_matrix(values);
+}
+
+void clear_matrix(MatrixValues& values) {
+  values.measured = {};
+  values.coefficients = {};
+}
+
+void go_to_next_patch(MatrixValues& values) {
+  if (values.patch_step <= 0) return;
+  // A step beyond the picture only ever means its edge.
+  const int step = std::min(values.patch_step, kPickerMaximumX);
+  values.patch = (values.patch + 1) % kPatches;
+  PickerPosition& picker = values.picker;
+  picker = clamped(picker);
+  if (values.patch % kPatchesInRow != 0) {
+    picker.x += step;
+  } else {
+    picker.x -= (kPatchesInRow - 1) * step;
+    picker.y += values.patch == 0 ? -3 * step : step;
+  }
+  picker = clamped(picker);
+}
+
+Traffic matrix_send_row(const MatrixValues& values, int row) {
+  Traffic traffic =
+      flushed_singly({{kLightSelect, low_byte(values.light)}, {kModeSelect, low_byte(values.mode)}});
+  if (!has_table(values) || row < 0 || row >= kMatrixRows) return traffic;
+  append(traffic, row_traffic(values.tables[values.mode], values.light, row));
+  return traffic;
+}
+
+Traffic matrix_full_save(const MatrixValues& values) {
+  Traffic body;
+  for (int mode = 0; mode < kVideoModes; ++mode) append(body, mode_traffic(values, mode));
+  return full_save(std::move(body));
+}
+
+}  // namespace qv5123

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "link/command_link.h"
+#include "link/task.h"
+#include "tuning/matrix.h"
+
+namespace qv5123 {
+
+/// Sets `values.picker_on` and brings the chip to it; switching on ends manual input. The values are the
+/// page's own and must outlive the flow.
+Task<> switch_matrix_picker(CommandLink& link, MatrixValues& values, bool on);
+
+/// "GET COLOR": what the picker reads becomes the patch that was selected at the start, then the picker goes
+/// on by the patch step. False when the chip did not answer; the patch then keeps its values and the picker
+/// its place.
+Task<bool> get_patch_color(CommandLink& link, MatrixValues& values);
+
+}  // namespace qv5123
