@@ -1,6 +1,5 @@
 #pragma once
 
-#include <bitset>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -113,30 +112,6 @@ class ReplyWriter {
     for (std::size_t i = digits; i-- > 0; value >>= 4) text_[position + i] = "0123456789abcdef"[value & 0xF];
   }
   std::string text_;
-};
-
-/// Records which image entries a layout touches, to check that layouts stay inside the image and apart.
-class EntryRecorder {
- public:
-  void byte(std::size_t index, int, const Encoding& = kPlain) { mark(index); }
-  void word(std::size_t index, int, const Encoding& = kPlain) {
-    mark(index);
-    mark(index + 1);
-  }
-  const std::bitset<UserDataImage::kSize>& entries() const { return entries_; }
-  /// True when a place was named twice or lies outside the image.
-  bool clash() const { return clash_; }
-
- private:
-  void mark(std::size_t index) {
-    if (index >= UserDataImage::kSize || entries_[index]) {
-      clash_ = true;
-      return;
-    }
-    entries_.set(index);
-  }
-  std::bitset<UserDataImage::kSize> entries_;
-  bool clash_ = false;
 };
 
 }  // namespace qv5123

@@ -5,6 +5,9 @@
 #include "tuning/awb.h"
 #include "tuning/dynamic.h"
 #include "tuning/front.h"
+#include "tuning/gamma.h"
+#include "tuning/lens_shading.h"
+#include "tuning/matrix.h"
 #include "tuning/userdata_parameters.h"
 
 namespace qv5123 {
@@ -40,6 +43,9 @@ TEST(ImageEntries, EachPageKeepsToItsOwn) {
           {{201, 212}, {285, 381}, {436, 439}, {478, 478}, {583, 583}, {592, 633}, {707, 748}, {803, 844}}));
   EXPECT_EQ(entries_of<FrontValues>(),
             ranges({{454, 454}, {456, 458}, {462, 462}, {464, 472}, {549, 549}, {551, 551}, {582, 582}}));
+  EXPECT_EQ(entries_of<GammaValues>(), ranges({{44, 176}}));
+  EXPECT_EQ(entries_of<MatrixValues>(), ranges({{382, 435}, {635, 688}, {749, 802}, {845, 898}}));
+  EXPECT_EQ(entries_of<LensValues>(), ranges({{440, 451}}));
   Entries parameters;
   for (const UserdataParameter& parameter : userdata_parameters()) parameters.insert(parameter.entry);
   EXPECT_EQ(parameters, ranges({{452, 453}, {475, 477}, {553, 581}}));

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <bitset>
 #include <cstddef>
 #include <string>
 
-#include "console/user_data_image.h"
 #include "link/register_write.h"
 
 namespace qv5123 {
@@ -20,13 +18,6 @@ inline std::string traffic_text(const Traffic& traffic) {
     }
   }
   return text;
-}
-
-/// The entries from..to, both included.
-inline std::bitset<UserDataImage::kSize> entry_range(std::size_t from, std::size_t to) {
-  std::bitset<UserDataImage::kSize> entries;
-  for (std::size_t i = from; i <= to; ++i) entries.set(i);
-  return entries;
 }
 
 }  // namespace qv5123
