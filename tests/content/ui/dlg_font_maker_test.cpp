@@ -1,0 +1,249 @@
+#include "content/ui/dlg_font_maker.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "console/atomic_file.h"
+#include "content/font_geometry.h"
+#include "content/font_text.h"
+#include "content/ui/font_preview_area.h"
+#include "content/ui/glyph_editor_area.h"
+#include "content/ui/glyph_rasterizer.h"
+#include "page_test.h"
+#include "support/fake_page_host.h"
+
+namespace qv5123 {
+namespace {
+
+using test::find;
+
+std::string bytes_of(const std::filesystem::path& path) {
+  std::string bytes;
+  read_whole_file(path, bytes);
+  return bytes;
+}
+
+class FontMakerPage : public testing::Test {
+ protected:
+  CDlgFontMaker& open() {
+    page_ = std::make_unique<CDlgFontMaker>(host_);
+    page_->resize(880, 640);
+    page_->show();
+    preview_ = find<FontPreviewArea>(*page_, "Font page preview");
+    area_ = find<GlyphEditorArea>(*page_, "Glyph editor");
+    return *page_;
+  }
+
+  void mouse(QWidget* widget, QEvent::Type type, QPointF at) {
+    const bool up = type == QEvent::MouseButtonRelease;
+    QMouseEvent event(type, at, widget->mapToGlobal(at),
+                      type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                      up ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(widget, &event);
+  }
+  void click(QWidget* widget, QPointF at) {
+    mouse(widget, QEvent::MouseButtonPress, at);
+    mouse(widget, QEvent::MouseButtonRelease, at);
+  }
+  /// The middle of an editor cell, which may be beyond the grid's borders.
+  QPointF cell(int column, int row) const {
+    return QRectF(area_->to_widget(QRectF(editor::kGridLeft + 8 * column, editor::kGridTop + 8 * row, 8, 8)))
+        .center();
+  }
+  void pick(int column, int row) {
+    click(preview_, QRectF(preview_->to_widget(QRectF(10 + 17 * column, 10 + 25 * row, 17, 25))).center());
+  }
+  void press(const QString& name) { find<QAbstractButton>(*page_, name)->click(); }
+  void choose_page(int page) {
+    auto* selector = find<QComboBox>(*page_, "FontPage");
+    selector->setCurrentIndex(page);
+    emit selector->activated(page);
+  }
+  QString number() const { return find<QLabel>(*page_, "Glyph number")->text(); }
+  const Glyph& buffer() const { return page_->editor().buffer(); }
+  Glyph glyph(int index) const { return page_->editor().library().glyph(index); }
+
+  test::CurrentFolder folder_;
+  test::FakeWire wire_;
+  test::FakePageHost host_{wire_};
+  std::unique_ptr<CDlgFontMaker> page_;
+  FontPreviewArea* preview_ = nullptr;
+  GlyphEditorArea* area_ = nullptr;
+};
+
+TEST_F(FontMakerPage, AGlyphIsPickedPaintedSetAndTakenBack) {
+  open();
+  choose_page(2);
+  pick(3, 4);
+  EXPECT_EQ(number(), "Glyph: 0x243 / 579");
+  click(area_, cell(15, 23));
+  EXPECT_EQ(buffer().rows()[23], 0x0001);
+  click(area_, cell(16, 5));
+  click(area_, cell(5, 24));
+  EXPECT_EQ(buffer().rows()[5], 0) << "the grid ends at its borders";
+  EXPECT_EQ(glyph(579), Glyph());
+  press("Set");
+  EXPECT_EQ(glyph(579), buffer());
+  press("Clear");
+  choose_page(2);
+  EXPECT_EQ(number(), "Glyph: 0x200 / 512");
+  EXPECT_NE(glyph(579), Glyph());
+  press("Undo");
+  press("Undo");
+  EXPECT_EQ(number(), "Glyph: 0x243 / 579");
+  EXPECT_EQ(glyph(579), Glyph());
+  press("Redo");
+  EXPECT_NE(glyph(579), Glyph());
+}
+
+TEST_F(FontMakerPage, ClicksActOnReleaseAndDragsPaintOneStroke) {
+  open();
+  mouse(area_, QEvent::MouseButtonPress, cell(2, 2));
+  EXPECT_EQ(buffer(), Glyph());
+  mouse(area_, QEvent::MouseMove, cell(2, 2) + QPointF(1, 1));
+  EXPECT_EQ(buffer(), Glyph()) << "a hand that trembles within a pixel draws nothing";
+  mouse(area_, QEvent::MouseMove, cell(6, 2));
+  EXPECT_EQ(buffer().rows()[2], 0x3E00);
+  mouse(area_, QEvent::MouseMove, cell(20, 2));
+  mouse(area_, QEvent::MouseButtonRelease, cell(20, 2));
+  EXPECT_EQ(buffer().rows()[2], 0x3FFF);
+  press("Undo");
+  EXPECT_EQ(buffer(), Glyph());
+  mouse(area_, QEvent::MouseButtonPress, QPointF(0, 0));
+  mouse(area_, QEvent::MouseButtonRelease, cell(0, 0));
+  EXPECT_EQ(buffer().rows()[0], 0x8000);
+}
+
+TEST_F(FontMakerPage, WhatIsDrawnStandsWhereThePointerFindsIt) {
+  open();
+  click(area_, cell(7, 11));
+  press("Set");
+  QImage editor_shot = area_->grab().toImage();
+  EXPECT_EQ(QColor(editor_shot.pixel(cell(7, 11).toPoint())), QColor(Qt::black));
+  EXPECT_EQ(QColor(editor_shot.pixel(cell(8, 11).toPoint())), QColor(Qt::white));
+  const auto actual = area_->to_widget(QRectF(10 + 7, 100 + 11, 1, 1));
+  EXPECT_EQ(QColor(editor_shot.pixel(actual.center())), QColor(Qt::black));
+  page_->resize(1500, 1100);
+  QApplication::sendPostedEvents();
+  const auto preview_shot = preview_->grab().toImage();
+  const auto pixel = preview_->to_widget(QRectF(11 + 7, 11 + 11, 1, 1));
+  EXPECT_LT(qGray(preview_shot.pixel(pixel.center())), 160) << "a lone pixel, smoothed";
+  click(area_, cell(7, 11));
+  EXPECT_EQ(buffer(), Glyph()) << "the hit test scales with the window";
+}
+
+TEST_F(FontMakerPage, KeysDoWhatTheMouseDoes) {
+  open();
+  const auto key = [](QWidget* widget, int key) {
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    QApplication::sendEvent(widget, &event);
+  };
+  for (const int k :
+       {Qt::Key_Right, Qt::Key_Down, Qt::Key_Up, Qt::Key_Up, Qt::Key_Left, Qt::Key_Left, Qt::Key_Down}) {
+    key(preview_, k);
+  }
+  EXPECT_EQ(page_->editor().selected(), 16);
+  key(area_, Qt::Key_Down);
+  key(area_, Qt::Key_Space);
+  EXPECT_EQ(buffer().rows()[1], 0x8000);
+}
+
+TEST_F(FontMakerPage, GlyphsAreShiftedInvertedAndCarriedOver) {
+  open();
+  click(area_, cell(4, 4));
+  press("Shift right");
+  press("Shift right");
+  press("Shift left");
+  press("Shift down");
+  press("Shift down");
+  press("Shift up");
+  EXPECT_EQ(buffer().rows()[5], 0x0400);
+  press("Invert");
+  press("Copy");
+  pick(1, 0);
+  press("Paste");
+  EXPECT_EQ(buffer().rows()[5], 0xFBFF);
+  QGuiApplication::clipboard()->setText("no glyph");
+  press("Paste");
+  EXPECT_EQ(buffer().rows()[5], 0xFBFF);
+  EXPECT_EQ(host_.statuses, std::vector<std::string>{"The clipboard holds no glyph"});
+}
+
+TEST_F(FontMakerPage, SavingWritesTheExportThenAsksForTheBinaryWhichReopensBitForBit) {
+  open();
+  press("Invert");
+  press("Set");
+  press("Save font file...");
+  EXPECT_EQ(bytes_of(folder_ / "fntmkr.txt"), export_font_text(page_->editor().library()));
+  ASSERT_EQ(host_.user.saves.size(), 1u);
+  EXPECT_EQ(host_.user.saves[0].filter, "FONT Files (*.bin)|*.bin|All Files (*.*)|*.*||");
+  EXPECT_EQ(host_.user.saves[0].initial_name, "fontT_16x24_.bin");
+  EXPECT_EQ(host_.user.saves[0].default_extension, "bin");
+  host_.user.paths = {folder_ / "saved.bin"};
+  press("Save font file...");
+  const auto saved = bytes_of(folder_ / "saved.bin");
+  ASSERT_EQ(saved.size(), 49152u);
+
+  std::filesystem::remove(folder_ / "fntmkr.txt");
+  open();
+  EXPECT_EQ(glyph(0), Glyph());
+  host_.user.paths = {folder_ / "saved.bin"};
+  press("Open font file...");
+  EXPECT_EQ(host_.user.opens.back().initial_name, "*.bin");
+  const auto reopened = page_->editor().library().to_binary();
+  EXPECT_EQ(std::string(reopened.begin(), reopened.end()), saved);
+  host_.user.paths = {folder_ / "none.bin"};
+  press("Open font file...");
+  EXPECT_EQ(page_->editor().library().to_binary(), reopened);
+  EXPECT_TRUE(host_.user.messages.empty()) << "files that cannot be read or written are no message";
+}
+
+TEST_F(FontMakerPage, ClosingAsksAndTheExportIsReadAtTheNextOpening) {
+  open();
+  press("Invert");
+  press("Set");
+  pick(1, 0);
+  press("Invert");
+  press("Set");
+  host_.user.answers = {Answer::no};
+  page_->close_page();
+  EXPECT_TRUE(page_->isHidden());
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "fntmkr.txt"));
+  ASSERT_EQ(host_.user.questions.size(), 1u);
+  EXPECT_EQ(host_.user.questions[0].text, "Do you want to save before exit?");
+  EXPECT_EQ(host_.user.questions[0].title, "Save data");
+  EXPECT_EQ(host_.user.questions[0].buttons, Question::Buttons::yes_no);
+  host_.user.answers = {Answer::yes};
+  page_->close_page();
+  open();
+  EXPECT_EQ(glyph(0).rows()[0], 0xFFFF);
+  EXPECT_EQ(buffer(), glyph(0));
+  EXPECT_EQ(glyph(1).rows()[0], 0) << "the import lags one line behind";
+  EXPECT_EQ(glyph(1).rows()[1], 0xFFFF);
+  const auto user_data = host_.doc.user_data.bytes();
+  std::filesystem::remove(folder_ / "fntmkr.txt");
+  page_->save_to_user_data();
+  EXPECT_TRUE(std::filesystem::exists(folder_ / "fntmkr.txt"));
+  EXPECT_EQ(host_.doc.user_data.bytes(), user_data);
+}
+
+TEST_F(FontMakerPage, ARangeIsFilledFromAnInstalledFontInOneStep) {
+  open();
+  find<QSpinBox>(*page_, "Fill: First character")->setValue('A');
+  find<QSpinBox>(*page_, "Fill: First glyph")->setValue(1000);
+  find<QSpinBox>(*page_, "Fill: Glyphs")->setValue(100);
+  press("Fill glyphs");
+  wire_.advance(1);
+  const auto font = font_for_glyphs(find<QFontComboBox>(*page_, "Fill: Font")->currentFont());
+  EXPECT_EQ(glyph(1000), rasterize(font, U'A'));
+  EXPECT_EQ(glyph(1023), rasterize(font, U'A' + 23));
+  EXPECT_NE(glyph(1000), Glyph());
+  EXPECT_NE(glyph(1000), glyph(1001));
+  EXPECT_EQ(glyph(999), Glyph());
+  press("Undo");
+  EXPECT_EQ(page_->editor().library(), FontLibrary());
+}
+
+}  // namespace
+}  // namespace qv5123
