@@ -33,6 +33,12 @@ std::filesystem::path export_path_here() {
   return std::filesystem::current_path(error) / kFontTextName;
 }
 
+QString number_text(int glyph) {
+  return QString("Glyph: 0x%1 / %2")
+      .arg(QString::number(glyph, 16).toUpper().rightJustified(3, '0'))
+      .arg(glyph);
+}
+
 QPushButton* make_button(const QString& caption, const QString& tip) {
   auto* button = new QPushButton(caption);
   button->setAccessibleName(caption);
@@ -104,6 +110,7 @@ QBoxLayout* CDlgFontMaker::make_file_row() {
   connect(save, &QPushButton::clicked, this, [this] { flows_.spawn(save_font_file()); });
   number_ = new QLabel;
   number_->setAccessibleName("Glyph number");
+  number_->setMinimumWidth(number_->fontMetrics().horizontalAdvance(number_text(FontLibrary::kGlyphs)));
   number_->setToolTip("Number of the glyph being edited, in the whole library");
 
   auto* row = new QHBoxLayout;
@@ -168,7 +175,7 @@ QAction* CDlgFontMaker::add_action(const QString& text, const QKeySequence& keys
 
 void CDlgFontMaker::refresh_buffer() {
   const int glyph = editor_.selected_glyph();
-  number_->setText(QString("Glyph: 0x%1 / %2").arg(glyph, 3, 16, QChar('0')).arg(glyph));
+  number_->setText(number_text(glyph));
   undo_->setEnabled(editor_.can_undo());
   redo_->setEnabled(editor_.can_redo());
   editor_area_->update();

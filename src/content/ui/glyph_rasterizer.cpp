@@ -4,6 +4,7 @@
 #include <QImage>
 #include <QPainter>
 #include <algorithm>
+#include <cmath>
 
 namespace qv5123 {
 
@@ -18,18 +19,29 @@ QFont font_for_glyphs(QFont font) {
   return font;
 }
 
+namespace {
+
+/// The font, condensed if the text is wider than a glyph. Scaling the drawing instead would drop columns of
+/// pixels.
+QFont squeezed(QFont font, const QString& text) {
+  const double advance = QFontMetricsF(font).horizontalAdvance(text);
+  if (advance > Glyph::kWidth) font.setStretch(std::max(1, static_cast<int>(100 * Glyph::kWidth / advance)));
+  return font;
+}
+
+}  // namespace
+
 Glyph rasterize(const QFont& font, char32_t character) {
+  const QString text = QString::fromUcs4(&character, 1);
+  const QFont fitting = squeezed(font, text);
+  const QFontMetricsF metrics(fitting);
+  const double room = Glyph::kWidth - metrics.horizontalAdvance(text);
   QImage image(Glyph::kWidth, Glyph::kHeight, QImage::Format_RGB32);
   image.fill(Qt::white);
-  const QString text = QString::fromUcs4(&character, 1);
-  const QFontMetricsF metrics(font);
-  const double advance = std::max(metrics.horizontalAdvance(text), 1.0);
   QPainter painter(&image);
-  painter.setFont(font);
+  painter.setFont(fitting);
   painter.setPen(Qt::black);
-  if (advance > Glyph::kWidth) painter.scale(Glyph::kWidth / advance, 1);
-  const int left = static_cast<int>(std::max(Glyph::kWidth - advance, 0.0) / 2);
-  painter.drawText(QPointF(left, std::min<double>(qRound(metrics.ascent()), Glyph::kHeight)), text);
+  painter.drawText(QPointF(std::floor(std::max(room, 0.0) / 2), std::round(metrics.ascent())), text);
   painter.end();
 
   Glyph glyph;
