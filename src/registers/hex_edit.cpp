@@ -52,6 +52,8 @@ HexEdit::KeyResult HexEdit::press(int code, int caret) {
     return KeyResult::standard;
   }
   int position = caret;
+  // In a text without its digits, such as the empty one, typing begins at the first of them.
+  if (is_hex_digit(code) && text_.size() <= 2) position = std::max(position, 2);
   if (code != key::kEnter && !edit(code, position)) return KeyResult::ignored;
   caret_ = std::clamp(position + 1, 0, static_cast<int>(text_.size()));
   return code == key::kEnter ? KeyResult::enter : KeyResult::handled;

@@ -101,7 +101,7 @@ class Parser {
 
 // Both tables are filled in the order of their key, so a key's entries stand together.
 template <class Table, class Key>
-RegDescription::FieldRange range_of(const Table& table, int key, Key key_of) {
+RegDescription::Range range_of(const Table& table, int key, Key key_of) {
   const auto [first, last] = std::ranges::equal_range(table, key, {}, key_of);
   return {static_cast<std::size_t>(first - table.begin()), static_cast<std::size_t>(last - table.begin())};
 }
@@ -138,11 +138,11 @@ RegDescription RegDescription::parse(std::u16string text) {
   return description;
 }
 
-RegDescription::FieldRange RegDescription::fields_of(std::size_t reg) const {
+RegDescription::Range RegDescription::fields_of(std::size_t reg) const {
   return range_of(bit_fields, static_cast<int>(reg), &RegBitField::reg);
 }
 
-RegDescription::FieldRange RegDescription::registers_of(int category) const {
+RegDescription::Range RegDescription::registers_of(int category) const {
   return range_of(registers, category, &RegEntry::category);
 }
 

@@ -65,14 +65,15 @@ struct RegDescription {
   /// problem that names the line; the registers before it are kept.
   static RegDescription parse(std::u16string text);
 
-  /// The bit fields of register `reg`, in file order, as a range of indexes [first, last).
-  struct FieldRange {
+  /// Indexes into a table, [first, last).
+  struct Range {
     std::size_t first = 0;
     std::size_t last = 0;
   };
-  FieldRange fields_of(std::size_t reg) const;
-  /// The registers of a category as a range of indexes: the table holds each category's registers together.
-  FieldRange registers_of(int category) const;
+  /// The bit fields of register `reg`, in file order.
+  Range fields_of(std::size_t reg) const;
+  /// The registers of a category, which stand together in the table.
+  Range registers_of(int category) const;
   /// The first register at `address`; the number of registers, meaning none, if there is none.
   std::size_t find_address(int address) const;
 

@@ -106,6 +106,9 @@ TEST(HexEdit, AForeignTextTakesTheEditsFormWithTheNextKey) {
   EXPECT_EQ(edit.number(), -1);
   edit.press('2', 3);
   EXPECT_EQ(edit.text(), u"0x0200");
+  edit.set_text(u"");
+  type(edit, 0, "fa");
+  EXPECT_EQ(edit.text(), u"0xFA00") << "an emptied edit can be typed into";
 }
 
 TEST(BitFieldData, ShowsTheBitsOfTheRange) {

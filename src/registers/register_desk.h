@@ -1,0 +1,64 @@
+#pragma once
+
+#include <chrono>
+#include <string_view>
+
+#include "console/page_host.h"
+#include "registers/flash_image.h"
+#include "registers/register_loader.h"
+#include "registers/register_sheet.h"
+#include "registers/register_view.h"
+
+namespace qv5123 {
+
+/// What the register page does: every operation of the user's, carried out on the sheet and on the wire. The
+/// view is told what changed.
+class RegisterDesk {
+ public:
+  /// From the request of a single read to the look for its reply.
+  static constexpr std::chrono::milliseconds kReadWait{150};
+
+  RegisterDesk(PageHost& host, RegDescription description, RegisterView& view);
+
+  const RegisterSheet& sheet() const { return sheet_; }
+
+  /// Says what was wrong with the description, if anything, and shows the first category.
+  void open();
+
+  void choose_category(int category);
+  void select_row(int row);
+  /// Reads the register at the address, which must be above 0; otherwise nothing happens.
+  void read();
+  bool reading() const { return read_.running(); }
+  /// Writes the value to the address, which must be above 0; otherwise nothing happens.
+  void write();
+  void type_address(std::u16string_view text);
+  void type_value(std::u16string_view text);
+  void set_bits(int bits);
+
+  void load_category() { loader_.load_category(); }
+  void load_all() { loader_.load_all(); }
+  void save_file();
+  void load_file();
+  /// Stores the registers 0xF800..0xFFFF in the chip's flash. The page's button for it is disabled.
+  void write_flash();
+
+ private:
+  Task<> single_read(int address);
+  Task<> save_file_flow();
+  Task<> load_file_flow();
+  void show_current();
+  void say(const std::string& text);
+
+  PageHost& host_;
+  RegisterView& view_;
+  RegisterSheet sheet_;
+  RegisterLoader loader_;
+  FlashImage flash_;
+  Flow read_;
+  Flow save_;
+  Flow load_;
+  FlowSet messages_;
+};
+
+}  // namespace qv5123

@@ -1,0 +1,123 @@
+#include "registers/register_sheet.h"
+
+#include <utility>
+
+#include "registers/hex_edit.h"
+#include "registers/register_file.h"
+
+namespace qv5123 {
+
+RegisterSheet::RegisterSheet(RegDescription description)
+    : description_(std::move(description)), current_(description_.registers.size()) {
+  clear_data();
+}
+
+void RegisterSheet::show_category(int category) {
+  category_ = category;
+  range_ = description_.registers_of(category);
+  value_cells_.assign(rows(), {});
+  for (std::size_t i = 0; i < rows(); ++i) {
+    if (row(i).value >= 0) value_cells_[i] = hex_text(row(i).value, 2);
+  }
+  clear_data();
+  if (rows() == 0) {
+    make_current(description_.registers.size(), -1);
+    name_text_.clear();
+    return;
+  }
+  make_current(range_.first, 0);
+  show_entry(row(0));
+}
+
+int RegisterSheet::row_address(std::size_t row) const {
+  return ParseRegAddress(std::u16string_view(this->row(row).address_text).substr(0, kAddressCell));
+}
+
+void RegisterSheet::make_current(std::size_t reg, int row) {
+  current_ = reg;
+  current_row_ = row;
+  selected_rows_.clear();
+  if (row >= 0) selected_rows_.push_back(row);
+}
+
+void RegisterSheet::show_entry(const RegEntry& entry) {
+  address_text_ = entry.address_text;
+  name_text_ = entry.name;
+}
+
+bool RegisterSheet::select_row(int row) {
+  if (row < 0 || static_cast<std::size_t>(row) >= rows()) return false;
+  const std::size_t before = current_;
+  make_current(register_of(static_cast<std::size_t>(row)), row);
+  if (current_ == before) return false;
+  show_entry(description_.registers[current_]);
+  clear_data();
+  return true;
+}
+
+bool RegisterSheet::type_address(std::u16string_view text) {
+  const int address = ParseRegAddress(text);
+  address_text_ = text;
+  name_text_.clear();
+  value_text_.clear();
+  clear_data();
+  make_current(description_.find_address(address), -1);
+  if (current_ < description_.registers.size()) name_text_ = description_.registers[current_].name;
+
+  bool taken_over = false;
+  std::vector<int> matches;
+  for (std::size_t i = 0; i < rows(); ++i) {
+    if (row_address(i) != address) continue;
+    matches.push_back(static_cast<int>(i));
+    taken_over |= select_row(matches.back());
+  }
+  selected_rows_ = std::move(matches);
+  return taken_over;
+}
+
+int RegisterSheet::value_bits() const {
+  const int number = ParseRegAddress(value_text_);
+  return number < 0 ? 0 : number & 0xFF;
+}
+
+void RegisterSheet::set_bits(int bits) {
+  value_text_ = hex_text(bits, 2);
+}
+
+void RegisterSheet::show_read(int value) {
+  set_bits(value);
+  if (current_ < description_.registers.size()) description_.registers[current_].value = value;
+  show_data(value);
+  if (current_row_ >= 0) value_cells_[static_cast<std::size_t>(current_row_)] = value_text_;
+}
+
+void RegisterSheet::show_written() {
+  if (current_row_ >= 0) value_cells_[static_cast<std::size_t>(current_row_)] = value_text_;
+  show_data(ParseRegAddress(value_text_) & 0xFF);
+}
+
+void RegisterSheet::store(std::size_t reg, int value) {
+  RegEntry& entry = description_.registers[reg];
+  entry.value = value;
+  if (entry.category == category_) {
+    value_cells_[static_cast<std::size_t>(entry.index_in_category)] = hex_text(value, 2);
+  }
+}
+
+std::size_t RegisterSheet::apply(const RegisterFile& file) {
+  return apply_register_file(file, description_);
+}
+
+const RegBitField* RegisterSheet::field(std::size_t row) const {
+  const auto fields = description_.fields_of(current_);
+  return row < fields.last - fields.first ? &description_.bit_fields[fields.first + row] : nullptr;
+}
+
+void RegisterSheet::show_data(int value) {
+  for (std::size_t i = 0; i < kFieldRows; ++i) {
+    const RegBitField* bits = field(i);
+    data_[i] = bits ? bit_field_data(bits->range, value) : std::string();
+  }
+}
+
+}  // namespace qv5123

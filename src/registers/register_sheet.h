@@ -1,0 +1,97 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "registers/reg_description.h"
+
+namespace qv5123 {
+
+struct RegisterFile;
+
+/// What the register page shows: the registers of one category, the register whose address is in the address
+/// edit, and its bit fields. Knows no widgets and no wire.
+class RegisterSheet {
+ public:
+  /// Rows of the bit-field table. Further fields of a register are not shown.
+  static constexpr std::size_t kFieldRows = 8;
+  /// Characters of an "Addr" cell that count.
+  static constexpr std::size_t kAddressCell = 9;
+
+  explicit RegisterSheet(RegDescription description);
+
+  const RegDescription& description() const { return description_; }
+
+  /// Lists the registers of a category; its first one becomes the current register.
+  void show_category(int category);
+  /// -1 while the description has none.
+  int category() const { return category_; }
+
+  std::size_t rows() const { return range_.last - range_.first; }
+  const RegEntry& row(std::size_t row) const { return description_.registers[range_.first + row]; }
+  /// The "Value" cell, which after a write shows more than the register's stored value knows.
+  const std::u16string& value_cell(std::size_t row) const { return value_cells_[row]; }
+  /// The number that a row's "Addr" cell stands for.
+  int row_address(std::size_t row) const;
+
+  /// The register in the address edit; the number of registers, meaning none, for an unknown address.
+  std::size_t current() const { return current_; }
+  /// Its row, -1 when it is not listed.
+  int current_row() const { return current_row_; }
+  /// The current row; more than one when several rows have the address that was typed.
+  const std::vector<int>& selected_rows() const { return selected_rows_; }
+  const std::u16string& address_text() const { return address_text_; }
+  const std::u16string& name_text() const { return name_text_; }
+  const std::u16string& value_text() const { return value_text_; }
+  /// The eight bits of the value text.
+  int value_bits() const;
+
+  /// Makes a row's register the current one. True if it was not before.
+  bool select_row(int row);
+  /// Takes an address from the address edit, listed, described or neither. True if that made another row's
+  /// register the current one than the first that has this address.
+  bool type_address(std::u16string_view text);
+  void type_value(std::u16string_view text) { value_text_ = text; }
+  void set_bits(int bits);
+
+  /// A value that was read from the current register's address.
+  void show_read(int value);
+  /// The value text was written to the address: what is shown changes, what is known of the register does
+  /// not.
+  void show_written();
+  /// A value that was read from register `reg` by a loading sequence.
+  void store(std::size_t reg, int value);
+  /// Takes the values of a register file, forgetting all others. See apply_register_file().
+  std::size_t apply(const RegisterFile& file);
+
+  /// Position of a listed row in the register table.
+  std::size_t register_of(std::size_t row) const { return range_.first + row; }
+
+  /// The current register's bit field in a row of the table, or null.
+  const RegBitField* field(std::size_t row) const;
+  /// The "Data" column of the bit-field table.
+  const std::string& data(std::size_t row) const { return data_[row]; }
+
+ private:
+  void make_current(std::size_t reg, int row);
+  void show_entry(const RegEntry& entry);
+  void clear_data() { data_.fill(" "); }
+  void show_data(int value);
+
+  RegDescription description_;
+  int category_ = -1;
+  RegDescription::Range range_;
+  std::vector<std::u16string> value_cells_;
+  std::size_t current_;
+  int current_row_ = -1;
+  std::vector<int> selected_rows_;
+  std::u16string address_text_ = u"0xF800";
+  std::u16string name_text_;
+  std::u16string value_text_ = u"0x00";
+  std::array<std::string, kFieldRows> data_;
+};
+
+}  // namespace qv5123

@@ -1,0 +1,321 @@
+#include "registers/register_desk.h"
+
+#include <gtest/gtest.h>
+
+#include "registers/answering_chip.h"
+#include "registers/register_file.h"
+#include "support/fake_page_host.h"
+
+namespace qv5123 {
+namespace {
+
+class NoView : public RegisterView {
+ public:
+  RegisterButtons buttons;
+  int categories_shown = 0;
+
+  void show_category() override { ++categories_shown; }
+  void show_selection() override {}
+  void show_value_cell(int) override {}
+  void show_register() override {}
+  void show_value() override {}
+  void show_fields() override {}
+  void show_data() override {}
+  void show_buttons(const RegisterButtons& now) override { buttons = now; }
+};
+
+class RegisterDeskTest : public testing::Test {
+ protected:
+  RegisterDeskTest() {
+    chip_.values = {{0x800, 0xA5}, {0x801, 0x3C}, {0x0A5, 0x51}, {0xA20, 0x07}};
+    std::filesystem::create_directories(folder_);
+  }
+  ~RegisterDeskTest() override { std::filesystem::remove_all(folder_); }
+
+  void open(std::u16string_view description = test::kSampleDescription) {
+    desk_.emplace(host_, RegDescription::parse(std::u16string(description)), view_);
+    desk_->open();
+  }
+  const RegisterSheet& sheet() const { return desk_->sheet(); }
+  int stored(std::size_t reg) const { return sheet().description().registers[reg].value; }
+  std::size_t none() const { return sheet().description().registers.size(); }
+
+  std::filesystem::path file(const std::string& bytes) {
+    EXPECT_TRUE(write_file_atomically(folder_ / "r.txt", bytes).ok());
+    host_.user.paths.push_back(folder_ / "r.txt");
+    return folder_ / "r.txt";
+  }
+
+  const std::filesystem::path folder_ =
+      std::filesystem::temp_directory_path() / ("qv5123_desk_" + std::to_string(detail::process_number()));
+  test::FakeWire wire_;
+  test::AnsweringChip chip_{wire_};
+  test::FakePageHost host_{wire_};
+  NoView view_;
+  std::optional<RegisterDesk> desk_;
+};
+
+TEST_F(RegisterDeskTest, OpensOnTheFirstRegisterAndReadsIt) {
+  open();
+  EXPECT_EQ(sheet().rows(), 3u);
+  EXPECT_EQ(sheet().address_text(), u"0xF800");
+  EXPECT_EQ(sheet().name_text(), u"MODE");
+  EXPECT_EQ(sheet().value_cell(0), u"");
+  wire_.advance(50);
+  EXPECT_EQ(wire_.sender.wire(), "@9408*@9400*");
+  wire_.advance(149);
+  EXPECT_EQ(stored(0), -1);
+  EXPECT_TRUE(desk_->reading());
+  wire_.advance(1);
+  EXPECT_FALSE(desk_->reading());
+  EXPECT_EQ(stored(0), 0xA5);
+  EXPECT_EQ(sheet().value_text(), u"0xA5");
+  EXPECT_EQ(sheet().value_cell(0), u"0xA5");
+  EXPECT_EQ(sheet().data(0), " 10");
+  EXPECT_EQ(sheet().data(1), " 1");
+  EXPECT_EQ(sheet().data(2), "");
+  EXPECT_EQ(sheet().field(0)->description, u"upper\r\nhalf");
+  EXPECT_EQ(sheet().field(2), nullptr);
+}
+
+TEST_F(RegisterDeskTest, SelectingAnotherRowReadsIt) {
+  open();
+  wire_.advance(200);
+  desk_->select_row(0);
+  wire_.advance(200);
+  EXPECT_EQ(chip_.requests, std::vector<int>{0x800}) << "it was current already";
+  desk_->select_row(1);
+  EXPECT_EQ(sheet().address_text(), u"0xf801") << "as written";
+  EXPECT_EQ(sheet().data(0), " ");
+  desk_->select_row(2);
+  wire_.advance(500);
+  EXPECT_EQ(chip_.requests, (std::vector<int>{0x800, 0x801, 0x0A5}));
+  EXPECT_EQ(stored(1), -1) << "its read was overtaken";
+  EXPECT_EQ(stored(2), 0x51);
+}
+
+TEST_F(RegisterDeskTest, AddressZeroOrNoneIsNeitherReadNorWritten) {
+  open();
+  wire_.advance(200);
+  wire_.sender.writes.clear();
+  for (const auto address : {u"0x0000", u"F800", u""}) {
+    desk_->type_address(address);
+    desk_->read();
+    desk_->write();
+  }
+  wire_.advance(500);
+  EXPECT_TRUE(wire_.sender.writes.empty());
+}
+
+TEST_F(RegisterDeskTest, WriteShowsTheValueButDoesNotKnowIt) {
+  open();
+  wire_.advance(200);
+  desk_->type_value(u"0x1F");
+  EXPECT_EQ(sheet().value_bits(), 0x1F);
+  desk_->set_bits(0x91);
+  EXPECT_EQ(sheet().value_text(), u"0x91");
+  desk_->write();
+  wire_.advance(50);
+  EXPECT_EQ(wire_.sender.writes.back(), "@9208*@9200*@9391*");
+  EXPECT_EQ(sheet().value_cell(0), u"0x91");
+  EXPECT_EQ(sheet().data(0), " 9");
+  EXPECT_EQ(stored(0), 0xA5);
+}
+
+TEST_F(RegisterDeskTest, ATypedAddressFindsItsRegisterAndRow) {
+  open();
+  wire_.advance(200);
+  desk_->type_address(u"0xFA20");
+  EXPECT_EQ(sheet().current(), 3u);
+  EXPECT_EQ(sheet().name_text(), u"K1");
+  EXPECT_EQ(sheet().value_text(), u"");
+  EXPECT_EQ(sheet().current_row(), -1) << "of another category";
+  EXPECT_NE(sheet().field(0), nullptr);
+
+  desk_->type_address(u"0xF801");
+  EXPECT_EQ(sheet().name_text(), u"GAIN");
+  EXPECT_EQ(sheet().current_row(), 1);
+  desk_->type_address(u"0x1234");
+  EXPECT_EQ(sheet().current(), none());
+  EXPECT_TRUE(sheet().selected_rows().empty());
+  chip_.values[0x234] = 0x42;
+  desk_->read();
+  wire_.advance(300);
+  EXPECT_EQ(sheet().value_text(), u"0x42");
+  EXPECT_EQ(sheet().value_cell(1), u"") << "the row before is not touched";
+
+  desk_->choose_category(1);
+  desk_->type_address(u"0xF801");
+  EXPECT_EQ(sheet().current(), 4u) << "the listed register takes over from the first with this address";
+  wire_.advance(300);
+  EXPECT_EQ(stored(4), 0x3C);
+}
+
+TEST_F(RegisterDeskTest, ACategoryIsReadRowByRowAndUnansweredRowsAgain) {
+  open();
+  wire_.advance(200);
+  chip_.requests.clear();
+  chip_.silent = true;
+  desk_->load_category();
+  EXPECT_FALSE(view_.buttons.load_category);
+  wire_.advance(99 + 50);
+  EXPECT_TRUE(chip_.requests.empty());
+  wire_.advance(1 + 150);
+  EXPECT_EQ(chip_.requests, (std::vector<int>{0x800, 0x800}));
+  chip_.silent = false;
+  wire_.advance(150);
+  chip_.latency = 80;  // too late for the look after 60 ms, in time for the one before the next request
+  wire_.advance(1000);
+  EXPECT_EQ(chip_.requests, (std::vector<int>{0x800, 0x800, 0x800, 0x801, 0x0A5}));
+  EXPECT_EQ(stored(0), 0xA5);
+  EXPECT_EQ(stored(1), 0x3C);
+  EXPECT_EQ(sheet().value_cell(2), u"0x51");
+  EXPECT_TRUE(view_.buttons.load_category);
+}
+
+TEST_F(RegisterDeskTest, ACategoryChangeStopsTheCategorysSequence) {
+  open();
+  desk_->load_category();
+  wire_.advance(400);
+  desk_->choose_category(1);
+  EXPECT_TRUE(view_.buttons.load_category);
+  chip_.requests.clear();
+  wire_.advance(1000);
+  EXPECT_EQ(chip_.requests, std::vector<int>{0xA20});
+  EXPECT_EQ(sheet().value_cell(0), u"0x07");
+  EXPECT_EQ(stored(1), -1);
+}
+
+TEST_F(RegisterDeskTest, LoadAllShowsItsProgressAndLetsOthersIn) {
+  open();
+  wire_.advance(200);
+  chip_.requests.clear();
+  desk_->load_all();
+  EXPECT_FALSE(view_.buttons.load_all);
+  wire_.advance(100 + 150 + 1);
+  EXPECT_EQ(view_.buttons.load_all_caption, "Load All From ISP(20%)");
+  desk_->select_row(2);
+  wire_.advance(1200);
+  EXPECT_EQ(chip_.requests, (std::vector<int>{0x800, 0x801, 0x0A5, 0x0A5, 0xA20, 0x801}));
+  for (std::size_t i = 0; i < 5; ++i)
+    EXPECT_EQ(stored(i), (std::vector{0xA5, 0x3C, 0x51, 0x07, 0x3C})[i]) << i;
+  EXPECT_EQ(sheet().value_cell(1), u"0x3C");
+  EXPECT_TRUE(view_.buttons.load_all);
+  EXPECT_EQ(view_.buttons.load_all_caption, "Load All From ISP");
+}
+
+TEST_F(RegisterDeskTest, SequencesHaltAtAnAddressThatCannotBeRead) {
+  open(
+      u"x\n<category catname=\"C\">\n<reg regname=\"a\" addr=\"0x801\" write=\"W\">\n</reg>\n"
+      u"<reg regname=\"b\" addr=\"12\" write=\"W\">\n</reg>\n<category catname=\"Empty\">\n");
+  wire_.advance(200);
+  desk_->load_category();
+  desk_->load_all();
+  wire_.advance(2000);
+  EXPECT_FALSE(view_.buttons.load_category);
+  EXPECT_FALSE(view_.buttons.load_all);
+  EXPECT_EQ(view_.buttons.load_all_caption, "Load All From ISP(0%)");
+  EXPECT_EQ(chip_.requests, (std::vector<int>{0x801, 0x801, 0x801}));
+  desk_->choose_category(1);
+  EXPECT_TRUE(view_.buttons.load_category) << "the next category change brings it back";
+  EXPECT_FALSE(view_.buttons.load_all);
+  EXPECT_EQ(sheet().current(), none());
+  desk_->load_category();
+  wire_.advance(100);
+  EXPECT_TRUE(view_.buttons.load_category) << "no rows to read";
+}
+
+TEST_F(RegisterDeskTest, SavesTheRegistersThatWereRead) {
+  open();
+  wire_.advance(200);
+  desk_->save_file();
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "r.txt")) << "cancelled";
+  host_.user.paths.push_back(folder_ / "r.txt");
+  desk_->save_file();
+  std::string bytes;
+  EXPECT_TRUE(read_whole_file(folder_ / "r.txt", bytes).ok());
+  EXPECT_EQ(bytes, "0xF800=0xA5 //MODE\r\n");
+  EXPECT_EQ(host_.user.saves.back().filter, "REG Files (*.txt)|*.txt|All Files (*.*)|*.*||");
+  EXPECT_EQ(host_.user.saves.back().default_extension, "txt");
+  EXPECT_EQ(host_.user.saves.back().initial_name, "*.txt");
+  host_.user.paths.push_back(folder_ / "none" / "r.txt");
+  desk_->save_file();
+  EXPECT_NE(host_.user.messages.at(0).text.find("r.txt"), std::string::npos);
+}
+
+TEST_F(RegisterDeskTest, WritesARegisterFileToTheChip) {
+  open();
+  wire_.advance(200);
+  wire_.sender.writes.clear();
+  file("0xF801=0x11 //a\r\nnonsense\r\n0xF801=0x22 //b\r\n0xF800=0x33 //c\r\n0xFFFF=0x44 //d\r\n");
+  desk_->load_file();
+  EXPECT_EQ(host_.last_status(), "r.txt: 1 line skipped, the first is line 2");
+  EXPECT_FALSE(view_.buttons.load_file);
+  wire_.advance(50);
+  EXPECT_EQ(view_.buttons.load_file_caption, "Load REG to ISP(20%)") << "one of five matches";
+  wire_.advance(90 + 90);
+  EXPECT_EQ(view_.buttons.load_file_caption, "Load REG to ISP(60%)")
+      << "an address given twice ends it early";
+  EXPECT_EQ(wire_.sender.writes,
+            (std::vector<std::string>{"@9208*@9200*@9333*", "@9208*@9201*@9322*", "@9208*@9201*@9322*"}));
+  const int shown = view_.categories_shown;
+  wire_.advance(40);
+  EXPECT_EQ(view_.categories_shown, shown + 1);
+  EXPECT_EQ(sheet().value_cell(1), u"0x22");
+  EXPECT_EQ(sheet().value_cell(2), u"") << "the file has no value for it";
+  EXPECT_TRUE(view_.buttons.load_file);
+  EXPECT_EQ(view_.buttons.load_file_caption, "Load REG from File to ISP...");
+}
+
+TEST_F(RegisterDeskTest, AFileThatCannotBeOpenedChangesNothing) {
+  open();
+  wire_.advance(200);
+  desk_->load_file();
+  host_.user.paths.push_back(folder_ / "missing.txt");
+  desk_->load_file();
+  EXPECT_NE(host_.user.messages.at(0).text.find("missing.txt"), std::string::npos);
+  EXPECT_EQ(stored(0), 0xA5);
+  EXPECT_TRUE(view_.buttons.load_file);
+  file("");
+  desk_->load_file();
+  wire_.advance(1000);
+  EXPECT_EQ(sheet().value_cell(0), u"0xA5") << "nothing in the file; the first register was read again";
+  EXPECT_TRUE(view_.buttons.load_file);
+}
+
+TEST_F(RegisterDeskTest, WithoutADescriptionSingleAccessesStillWork) {
+  desk_.emplace(host_, RegDescription::load(folder_ / "regu.xml"), view_);
+  desk_->open();
+  EXPECT_EQ(host_.user.messages.at(0).text, "Can't find regu.xml!");
+  wire_.advance(500);
+  EXPECT_TRUE(wire_.sender.writes.empty());
+  desk_->read();
+  wire_.advance(300);
+  EXPECT_EQ(sheet().value_text(), u"0xA5");
+  desk_->load_all();
+  wire_.advance(100);
+  EXPECT_TRUE(view_.buttons.load_all);
+}
+
+TEST_F(RegisterDeskTest, FlashTakesTheMaskAndEightBlocks) {
+  open();
+  wire_.advance(200);
+  wire_.sender.writes.clear();
+  desk_->write_flash();
+  wire_.advance(50 + 8 * 99);
+  EXPECT_EQ(wire_.sender.writes.size(), 8u) << "each block waits 50 ms on top of the pacing";
+  wire_.advance(8);
+  ASSERT_EQ(wire_.sender.writes.size(), 9u);
+  std::string mask = "@dc00*@dd00*@de01*";
+  for (int i = 1; i < 256; ++i) mask += "@de00*";
+  EXPECT_EQ(wire_.sender.writes[0], mask + "@df00*") << "only 0xF800 was read";
+  std::string block = "@dc00*@dd00*@dea5*@deff*";
+  for (int i = 2; i < 256; ++i) block += "@de00*";
+  EXPECT_EQ(wire_.sender.writes[1], block + "@e000*") << "0xF801 is not known: 0xFF";
+  EXPECT_TRUE(wire_.sender.writes[3].starts_with("@dc02*@dd00*@de00*"));
+  EXPECT_EQ(wire_.sender.writes[3].substr(6 * (2 + 0x20), 6), "@deff*") << "0xFA20";
+  EXPECT_TRUE(wire_.sender.writes[8].ends_with("@e007*"));
+}
+
+}  // namespace
+}  // namespace qv5123
