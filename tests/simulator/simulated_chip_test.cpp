@@ -1,0 +1,298 @@
+#include "simulator/simulated_chip.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "link/reply_text.h"
+
+using namespace qv5123;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// A chip that is spoken to in text and whose announcement has been heard out.
+class Chip : public testing::Test {
+ protected:
+  Chip() {
+    chip.power_on();
+    chip.take_output();
+  }
+  std::string ask(std::string_view bytes) {
+    chip.receive({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+    const auto output = chip.take_output();
+    return {output.begin(), output.end()};
+  }
+  std::string ask(const Batch& batch) { return ask(frames(batch)); }
+  int entry(std::size_t index) const { return chip.state().user_data.entry(index); }
+  int word(std::size_t index) const { return chip.state().user_data.word(index); }
+
+  SimulatedChip chip;
+};
+
+std::string repeated(std::string_view part, std::size_t count) {
+  std::string text;
+  for (std::size_t i = 0; i < count; ++i) text += part;
+  return text;
+}
+
+}  // namespace
+
+TEST(ChipStart, AnnouncesItselfWithVersionAndSerialNumber) {
+  SimulatedChip chip;
+  EXPECT_TRUE(chip.take_output().empty());
+  chip.power_on();
+  const auto bytes = chip.take_output();
+  const std::string output(bytes.begin(), bytes.end());
+  EXPECT_NE(output.find("HW 1.0.2, SW 2.3.2, ISP: 5.12.23"), std::string::npos) << output;
+  // Version digits HW 01 00 02, SW 02 03 02, ISP 05 12 23, then "QV5120042".
+  EXPECT_NE(output.find("~000100000002000200030002000501020203515635313230303432^"), std::string::npos)
+      << output;
+}
+
+TEST_F(Chip, ReadsBackWhatWasWrittenThroughThePorts) {
+  EXPECT_EQ(ask("@920a*@9229*@935c*"), "");
+  EXPECT_EQ(ask("@940a*@9429*"), "~5c^");
+  EXPECT_EQ(ask("@950c*@9538*@961f*@96a0*"), "");
+  EXPECT_EQ(ask("@970c*@9738*"), "~1fa0^");
+  EXPECT_EQ(ask("@940c*@9439*"), "~a0^");
+  EXPECT_EQ(ask("@98be*@98ef*@9912*@9934*"), "");
+  EXPECT_EQ(ask("@9abe*@9aef*"), "~1234^");
+  EXPECT_EQ(chip.sensor(0xBEEF), 0x1234);
+}
+
+TEST_F(Chip, WideAccessWrapsAtTheEndOfTheIspSpace) {
+  ask("@950f*@95ff*@96aa*@96bb*");
+  EXPECT_EQ(chip.isp(0xFFF), 0xAA);
+  EXPECT_EQ(chip.isp(0x000), 0xBB);
+  EXPECT_EQ(ask("@97ff*@97ff*"), "~aabb^") << "only the low 12 bits of an address count";
+}
+
+TEST_F(Chip, DumpsInLinesAndRefusesBackwardRanges) {
+  ask("@9209*@9222*@9312*");
+  ask("@9209*@9223*@93ab*");
+  EXPECT_EQ(ask("@9b09*@9b22*@9b09*@9b23*"), "\r\n0xF922 = 0x12\r\n0xF923 = 0xAB\r\n");
+  EXPECT_EQ(ask("@9b09*@9b23*@9b09*@9b22*"), "\r\ndump: 0xF922 lies before 0xF923\r\n");
+  EXPECT_EQ(ask("@9b00*@9b00*@9bff*@9bff*").size(), 2u + 4096u * 15u);
+}
+
+TEST_F(Chip, HalfAnAddressReachesNothing) {
+  ask("@9201*@9200*@9355*");
+  ask("@9202*@9377*");  // the low byte was lost on the line
+  EXPECT_EQ(chip.isp(0x100), 0x55);
+  EXPECT_EQ(ask("@9401*"), "");
+  chip.line_quiet(29ms);
+  EXPECT_EQ(ask("@9400*"), "~55^");
+  EXPECT_EQ(ask("@9402*"), "");
+  chip.line_quiet(30ms);
+  EXPECT_EQ(ask("@9401*@9400*"), "~55^") << "after silence a request stands on its own";
+}
+
+TEST_F(Chip, FindsFramesAmongAnything) {
+  EXPECT_EQ(ask("\x01hello@@37\xff@374x*@3@3711*zz"), "");
+  EXPECT_EQ(chip.state().frames, 1u);
+  EXPECT_EQ(chip.direct(0x37), 0x11);
+  EXPECT_EQ(ask("@37"), "");
+  EXPECT_EQ(ask("2A*"), "");
+  EXPECT_EQ(chip.direct(0x37), 0x2A) << "a frame may come in pieces and in uppercase";
+  EXPECT_FALSE(chip.transfer_open());
+}
+
+TEST_F(Chip, LatchesWordsPointByPoint) {
+  const int before = word(133);
+  ask("@0501*");
+  EXPECT_EQ(word(133), before) << "half a point changes nothing";
+  ask("@0523*@0502*@0534*");
+  EXPECT_EQ(word(133), 0x123);
+  EXPECT_EQ(word(135), 0x234);
+  ask("@0600*@0503*@0545*");
+  EXPECT_EQ(word(133), 0x345) << "another register starts the curve anew";
+  ask("@0600*" + repeated("@0300*@0307*", 22) + "@0301*@0300*");
+  EXPECT_EQ(word(45), 0x100) << "the 23rd point is the first again";
+  EXPECT_EQ(word(45 + 2 * 21), 7);
+}
+
+TEST_F(Chip, SelectsStepLightSourceAndVideoMode) {
+  ask("@4103*@4511*@c822*");
+  EXPECT_EQ(entry(292 + 7 * 3 + 3), 0x11);
+  EXPECT_EQ(entry(592 + 7 * 5 + 3), 0x22);
+  ask("@4e02*@5177*@5b50*@3100*@3110*@31ff*@31f0*");
+  EXPECT_EQ(entry(380), 2) << "the register says the kind of the record";
+  EXPECT_EQ(entry(381), 0x77);
+  EXPECT_EQ(entry(438), 0x50);
+  EXPECT_EQ(word(209), 0x10);
+  EXPECT_EQ(word(211), 0xFFF0);
+  ask("@ca03*@5901*@5902*@59ff*@5904*@5905*@5906*");
+  EXPECT_EQ(word(635 + 36 + 6 + 2), 0xFF04);
+  const UserDataImage before = chip.state().user_data;
+  ask("@ca04*@5901*@5901*@4e03*@5b01*@4f01*@4107*@4201*");
+  EXPECT_EQ(chip.state().user_data, before) << "selections that do not exist select nothing";
+}
+
+TEST_F(Chip, KeepsOnlyWhatIsBracketed) {
+  ask("@3750*@fa01*@3851*@fa00*@3952*");
+  EXPECT_EQ(entry(285), 0x50);
+  EXPECT_EQ(entry(286), 0x51);
+  ask("@f901*@fa01*");
+  EXPECT_EQ(bracket_depth(chip.state()), 2);
+  chip.power_on();
+  EXPECT_EQ(bracket_depth(chip.state()), 0);
+  EXPECT_EQ(entry(285), 40);
+  EXPECT_EQ(entry(286), 0x51);
+  EXPECT_EQ(chip.direct(0x38), 0x51);
+  EXPECT_EQ(entry(287), 32);
+}
+
+TEST_F(Chip, FactoryResetBringsBackWhatWasCopied) {
+  ask("@fa01*@37aa*@fa00*");
+  EXPECT_EQ(ask("@bf00*"), "\r\nuser data copied to factory data\r\n");
+  ask("@3711*");
+  EXPECT_EQ(ask("@9209*@9222*@93cc*"), "\r\nfactory data restored\r\n");
+  EXPECT_EQ(entry(285), 0xAA);
+  EXPECT_EQ(chip.direct(0x37), 0xAA);
+  EXPECT_EQ(ask("@9209*@9222*@9300*"), "");
+}
+
+TEST_F(Chip, AnswersTheShortTriggersWithWhatWasWritten) {
+  ask("@0dff*@0d38*@1600*@1640*");
+  const std::string awb = ask("@3600*");
+  EXPECT_EQ(awb.size(), 42u);
+  EXPECT_EQ(awb.substr(0, 5), "~ff38");
+  EXPECT_EQ(awb.substr(37), "0040^");
+  ask("@6401*@6402*@6403*@6404*@6405*@6406*@6507*@6508*@6509*@650a*@650b*@650c*");
+  EXPECT_EQ(ask("@6b00*"), "~0102030405060708090a0b0c^");
+}
+
+TEST_F(Chip, AnswersTheFrontPage) {
+  ask("@6e0d*@6f03*@7004*@aa01*@780f*@78ff*@7900*@7901*@7a00*@7a02*@7b00*@7b03*");
+  ask("@8201*@8301*@8401*@8501*@8601*@8701*@8801*@8b01*@ab80*@8d58*@8901*");
+  EXPECT_EQ(ask("@be00*"),
+            "~0d0304010fff00010002000308021320488058"
+            "01^");
+  ask("@8200*@8300*@8400*@8500*@8600*@8700*@8800*@8b00*");
+  EXPECT_EQ(ask("@be00*").substr(25, 10), "0000000000");
+}
+
+TEST_F(Chip, AnswersTheDynamicPageInItsOrder) {
+  ask("@5f02*@3701*@3802*@3903*@3a04*@3b05*@3c06*@4100*@4211*@4812*@c313*@ce14*@d415*@4106*@d97f*@8c00*@8c00*"
+      "@8c00*"
+      "@8c09*@602e*@6703*@7002*@6e0c*");
+  const std::string reply = ask("@6900*");
+  ASSERT_EQ(reply.size(), 2u + 2 * 243);
+  EXPECT_EQ(reply.substr(1, 24), "020102030405061112131415");
+  const std::string_view digits = std::string_view(reply).substr(1);
+  EXPECT_EQ(reply_byte(digits, 216), 0x7F);
+  EXPECT_EQ(reply_byte(digits, 226), 9);
+  EXPECT_EQ(reply_byte(digits, 227), 0x2E);
+  EXPECT_EQ(digits.substr(480, 6), "03010c") << "Smart IR, IR-LED in black and white, video format";
+}
+
+TEST_F(Chip, AnswersGammaAndMatrixInTheirOrder) {
+  ask("@0301*@0302*@0403*@0404*@0503*@0505*");
+  const std::string gamma = ask("@0700*");
+  ASSERT_EQ(gamma.size(), 2u + 352);
+  EXPECT_EQ(gamma.substr(1 + 88, 4), "0102");
+  EXPECT_EQ(gamma.substr(1 + 176, 4), "0304");
+  EXPECT_EQ(gamma.substr(1 + 264, 4), "0305");
+  // CVBS comes second; its bytes go through the rows, each for the three light sources.
+  ask("@ca03*@52a0*@52a1*@55b0*@55b1*@58c0*@58c1*");
+  const std::string matrix = ask("@6a00*");
+  ASSERT_EQ(matrix.size(), 2u + 432);
+  EXPECT_EQ(matrix.substr(1 + 108, 12), "a0b0c0a1b1c1");
+}
+
+TEST_F(Chip, InfoIsTextAndABlockThatNobodyFindsWaiting) {
+  ask("@a000*@3a21*");
+  const std::string ae = ask("@a201*");
+  EXPECT_NE(ae.find("task: stopped\r\n target: 33\r\n"), std::string::npos) << ae;
+  EXPECT_EQ(ae.substr(ae.find('~')), "~00212104281020^$");
+  const std::string awb = ask("@4e01*@a501*");
+  EXPECT_NE(awb.find("light source: Light-1\r\n R weight: 4\r\n B weight: -6\r\n"), std::string::npos) << awb;
+  EXPECT_EQ(awb.substr(awb.find('~')), "~01010004fffa^$");
+}
+
+TEST_F(Chip, KeepsAnImageWhoseChecksumFits) {
+  // One block of 0x01 .. 0x00: the XOR over all byte values is 0, the header's 1 remains.
+  std::string block;
+  for (int i = 1; i <= 256; ++i) block += static_cast<char>(i & 0xFF);
+  using namespace std::string_literals;
+  EXPECT_EQ(ask("A"), "");
+  EXPECT_EQ(ask("\x01\0"s + block + "\x01"), "\r\nFirmware: 1 block received, checksum ok\r\n");
+  ASSERT_EQ(chip.state().firmware.size(), 256u);
+  EXPECT_EQ(chip.state().firmware[2], 3);
+
+  EXPECT_EQ(ask("A\x02\0"s + block + block + "\x03"),
+            "\r\nFirmware: 2 blocks received, checksum wrong (0x03, expected 0x02), old image kept\r\n");
+  EXPECT_EQ(chip.state().firmware.size(), 256u);
+  EXPECT_EQ(ask("C\0\0\0"s), "\r\nFont: 0 blocks received, checksum ok, old image kept\r\n");
+  const std::string big = repeated(block, 255);
+  EXPECT_EQ(ask("C\xff\0"s + big + "\xff"), "\r\nFont: 255 blocks received, checksum ok\r\n");
+  EXPECT_EQ(chip.state().font.size(), 65280u);
+  EXPECT_EQ(ask("@940a*@9420*"), "~90^") << "frames are frames again";
+}
+
+TEST_F(Chip, TakesUserDataAsItsSettings) {
+  using namespace std::string_literals;
+  std::string image(1024, '\0');
+  image[285] = 'x';
+  EXPECT_EQ(ask("U\x04\0"s + image + static_cast<char>(4 ^ 'x')),
+            "\r\nUser data: 4 blocks received, checksum ok\r\n");
+  EXPECT_EQ(entry(285), 'x');
+  EXPECT_EQ(entry(288), 0);
+  EXPECT_EQ(chip.direct(0x37), 'x');
+  EXPECT_EQ(ask("U\x01\0"s + std::string(256, '\0') + "\x01"),
+            "\r\nUser data: 1 block received, checksum ok, old image kept\r\n");
+  EXPECT_EQ(chip.state().kept_data.entry(285), 'x');
+}
+
+TEST_F(Chip, GivesUpATransferThatDoesNotCome) {
+  using namespace std::string_literals;
+  EXPECT_EQ(ask("A@3712*"), "\r\nFirmware: no image came\r\n");
+  EXPECT_EQ(chip.direct(0x37), 0x12) << "the frame that came instead counts";
+  ask("A");
+  chip.line_quiet(1h);
+  EXPECT_TRUE(chip.transfer_open()) << "somebody is still choosing a file";
+  ask("\x03\0"s + std::string(600, 'x'));
+  chip.line_quiet(1999ms);
+  EXPECT_TRUE(chip.transfer_open());
+  chip.line_quiet(2s);
+  EXPECT_EQ(ask(""), "\r\nFirmware: given up after 2 of 3 blocks, old image kept\r\n");
+  EXPECT_EQ(ask("@940a*@9420*"), "~90^");
+}
+
+TEST_F(Chip, StartsWithTheRegistersStoredInFlash) {
+  const auto page = [](int command, int first) {
+    std::string text = "@dc00*@dd00*";
+    for (int i = 0; i < 256; ++i)
+      text += frame({0xDE, i == 0 ? static_cast<std::uint8_t>(first) : std::uint8_t{}});
+    return text + frame({static_cast<std::uint8_t>(command), 0});
+  };
+  ask(page(0xDF, 0x01));  // only the first address is valid
+  ask(page(0xE0, 0x5A));
+  const int next = chip.isp(0x801);
+  chip.power_on();
+  EXPECT_EQ(chip.isp(0x800), 0x5A);
+  EXPECT_EQ(chip.isp(0x801), next);
+}
+
+TEST_F(Chip, SurvivesEverything) {
+  for (unsigned seed = 0; seed < 20; ++seed) {
+    std::mt19937 random(seed);
+    std::string noise;
+    for (int i = 0; i < 20000; ++i) {
+      const auto value = static_cast<std::uint8_t>(random());
+      noise += random() % 4 != 0 ? frame({static_cast<std::uint8_t>(random()), value})
+                                 : std::string(1, static_cast<char>(value));
+      if (random() % 64 == 0) chip.line_quiet(std::chrono::milliseconds(random() % 3000));
+    }
+    ask(noise);
+  }
+  chip.line_quiet(10s);
+  // Whatever the noise left open, a chip that hears an empty transfer and silence listens again.
+  using namespace std::string_literals;
+  ask("\0\0\0"s);
+  chip.line_quiet(10s);
+  ask("@9201*@9200*@9366*");
+  EXPECT_EQ(ask("@9401*@9400*"), "~66^");
+}
