@@ -1,0 +1,22 @@
+#include "link/port_name.h"
+
+#include <charconv>
+
+namespace qv5123 {
+
+std::string comm_device_name(int port) {
+  return (port < 10 ? "COM" : "\\\\.\\COM") + std::to_string(port);
+}
+
+std::optional<int> port_number_from_name(std::string_view name) {
+  constexpr std::string_view kPrefix = "COM";
+  const std::size_t at = name.find(kPrefix);
+  if (at == std::string_view::npos) return std::nullopt;
+  const std::string_view digits = name.substr(at + kPrefix.size());
+  int number = 0;
+  const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  if (parsed.ec != std::errc() || number < 0) return std::nullopt;
+  return number;
+}
+
+}  // namespace qv5123
