@@ -38,7 +38,7 @@ class ConsoleText {
 
  private:
   ConsoleChange take(std::string added);
-  std::size_t shorten();
+  std::size_t drop(std::size_t units);
 
   std::string text_;
   std::size_t start_ = 0;  // what is before it has been dropped

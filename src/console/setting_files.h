@@ -15,6 +15,9 @@ namespace qv5123 {
 inline constexpr const char* kSettingFileFilter = "Setting Files (*.dat)|*.dat|All Files (*.*)|*.*||";
 inline constexpr const char* kSettingFileExtension = "dat";
 inline constexpr const char* kFileOpenError = "File open error !!";
+/// The remembered path stands before it.
+inline constexpr const char* kSaveQuestion = "Do you want to save settings to file?\r\n";
+inline constexpr const char* kSaveQuestionTitle = "Save setting";
 
 /// Loading and saving the user data image, with what the user is asked and the pages on the way.
 class SettingFiles {
@@ -35,7 +38,7 @@ class SettingFiles {
   Task<> load();
   /// Remembers `path`, reads it and lets the pages reload. A message names a file that cannot be read.
   Task<> load_from(std::filesystem::path path);
-  /// "Save File...".
+  /// "Save File...". The file is remembered only where none was.
   Task<> save();
   /// WriteUserDataFile: writes the image to the remembered path; where none was ever chosen asks for one and
   /// remembers it. False when nothing was written.
@@ -48,7 +51,6 @@ class SettingFiles {
 
  private:
   Task<bool> write_to(std::filesystem::path path);
-  std::vector<Page*> pages() const;
 
   CQV5123Doc& document_;
   Prompts& prompts_;

@@ -55,10 +55,11 @@ class FakePrompts : public Prompts {
 
  private:
   Pending<bool> opened() {
-    open_ = {};
+    const Resolver<bool> open;
+    open_ = open;
     if (on_prompt) on_prompt();
-    if (!hesitates) open_.resolve(true);
-    return open_.pending();
+    if (!hesitates) open.resolve(true);
+    return open.pending();
   }
   template <class T>
   static T take(std::deque<T>& queue, std::type_identity_t<T> otherwise) {
