@@ -1,21 +1,18 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "console/document.h"
+#include "console/image_blocks.h"
 #include "console/prompts.h"
 #include "link/command_link.h"
 
 namespace qv5123 {
-
-enum class TransferKind {
-  firmware,  ///< "FW"
-  font,      ///< "FONT"
-  user_data  ///< "System"
-};
 
 /// What a transfer shows while it goes on. All are called on the scheduler's thread; none may be empty.
 struct TransferView {
@@ -28,10 +25,7 @@ struct TransferView {
 /// to the end nothing else reaches the wire; what others send meanwhile waits its turn.
 class ImageTransfer {
  public:
-  static constexpr std::size_t kImageLimit = 65536;
-
   ImageTransfer(CommandLink& link, CQV5123Doc& document, Prompts& prompts, TransferView view);
-  ~ImageTransfer();
   ImageTransfer(const ImageTransfer&) = delete;
   ImageTransfer& operator=(const ImageTransfer&) = delete;
 
@@ -44,15 +38,24 @@ class ImageTransfer {
   void cancel();
 
   /// From the command letter to the end.
-  bool running() const;
+  bool running() const { return !current_.expired(); }
 
  private:
   class Transfer;
+
+  Task<std::optional<BlockImage>> choose_image(TransferKind kind);
+  Task<std::optional<BlockImage>> read_binary(std::filesystem::path path);
+  Task<std::optional<BlockImage>> read_user_data(std::filesystem::path path);
+  Task<> warn(std::string text);
+  Task<> send_image(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image);
+  Task<> end_cancelled(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image,
+                       std::size_t chunks_sent);
+
   CommandLink& link_;
   CQV5123Doc& document_;
   Prompts& prompts_;
   TransferView view_;
-  std::shared_ptr<Transfer> current_;
+  std::weak_ptr<Transfer> current_;
 };
 
 }  // namespace qv5123

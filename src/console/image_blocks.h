@@ -1,0 +1,61 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "link/sender.h"
+
+namespace qv5123 {
+
+enum class TransferKind {
+  firmware,  ///< "FW"
+  font,      ///< "FONT"
+  user_data  ///< "System"
+};
+
+/// How the kinds of transfer differ.
+struct TransferStyle {
+  char letter;             ///< announces the transfer to the chip
+  const char* name;        ///< in texts
+  const char* ready_text;  ///< on the console after the letter
+  const char* filter;      ///< of the file chooser
+  const char* extension;
+  Pacing block_pacing;
+  std::chrono::milliseconds pause_before_checksum;
+};
+
+const TransferStyle& style_of(TransferKind kind);
+
+inline constexpr std::size_t kBlockSize = 256;
+/// The block count is one byte. A file of exactly this size wraps it to 0, and no block is sent.
+inline constexpr std::size_t kImageLimit = 65536;
+
+/// What a block transfer carries: `count` blocks of 256 bytes.
+struct BlockImage {
+  std::uint8_t count = 0;
+  std::vector<std::uint8_t> bytes;  ///< count * 256
+
+  /// XOR of the header (count, 0) and all bytes.
+  std::uint8_t checksum() const;
+};
+
+/// `file` in blocks, the last one filled up with 0xFF. At most kImageLimit bytes.
+BlockImage blocks_of(std::span<const std::uint8_t> file);
+
+/// The transfer after its letter, one chunk each: header, the blocks, checksum.
+std::vector<Chunk> image_chunks(const BlockImage& image, const TransferStyle& style);
+
+/// What ends a transfer of which only the first `chunks_sent` chunks left: blocks of 0xFF up to the announced
+/// number and a checksum that is wrong. A chip that still waits for the header is told of no blocks.
+std::vector<Chunk> rejecting_chunks(const BlockImage& image, std::size_t chunks_sent,
+                                    const TransferStyle& style);
+
+/// The progress bar, 0..100, after `blocks_sent` of `count` blocks; both at least 1.
+int bar_position(TransferKind kind, std::size_t blocks_sent, std::size_t count);
+/// The progress bar after the checksum. For firmware 100 / count: a large image ends with a nearly empty bar.
+int final_bar_position(TransferKind kind, std::size_t count);
+
+}  // namespace qv5123

@@ -1,0 +1,239 @@
+#include "console/image_transfer.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <system_error>
+#include <utility>
+
+#include "console/atomic_file.h"
+#include "console/setting_file.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr std::size_t kHeader = 1;  // chunks before the first block
+
+std::string kibibytes(double bytes) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f", bytes / 1024);
+  return text;
+}
+
+// "12.5 of 64.0 KiB, 1.8 KiB/s, 29 s left". Without a speed as long as no time has passed.
+std::string progress_text(std::size_t sent, std::size_t total, std::chrono::milliseconds time) {
+  std::string text =
+      kibibytes(static_cast<double>(sent)) + " of " + kibibytes(static_cast<double>(total)) + " KiB";
+  if (time.count() <= 0 || sent == 0) return text;
+  const double speed = static_cast<double>(sent) * 1000 / static_cast<double>(time.count());
+  const auto left = static_cast<long long>(static_cast<double>(total - sent) / speed + 0.5);
+  return text + ", " + kibibytes(speed) + " KiB/s, " + std::to_string(left) + " s left";
+}
+
+// "64.0 KiB in 35 s".
+std::string summary(std::size_t bytes, std::chrono::milliseconds time) {
+  return kibibytes(static_cast<double>(bytes)) + " KiB in " + std::to_string((time.count() + 500) / 1000) +
+         " s";
+}
+
+std::string bracketed(const std::string& text) {
+  return "\r\n< " + text + " >";
+}
+
+}  // namespace
+
+/// One transfer while it lasts. Jobs on the link may outlive it, and then find it gone.
+class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
+ public:
+  Transfer(TransferKind kind, CommandLink& link, const TransferView& view)
+      : kind_(kind), link_(link), view_(view) {}
+
+  TransferKind kind() const { return kind_; }
+  const TransferStyle& style() const { return style_of(kind_); }
+  /// "FIRMWARE" and what came of it, on the console.
+  void say(const std::string& what) const { view_.append_console(bracketed(style().name + (" " + what))); }
+
+  void say_lost(std::size_t chunks_sent) const {
+    const std::size_t blocks = std::min(chunks_sent > kHeader ? chunks_sent - kHeader : 0, block_count_);
+    say("broken off after " + std::to_string(blocks) + " of " + std::to_string(block_count_) +
+        " blocks: the port is closed or lost");
+  }
+  /// What the chip waits for after a transfer that was left where it stood: after `image_chunks` of the image
+  /// and `rejecting_chunks` of what was to make the chip reject it.
+  void say_expected(const BlockImage& image, std::size_t image_chunks, std::size_t rejecting_chunks) const {
+    const std::size_t sent = image_chunks + rejecting_chunks;
+    if (sent == 0) return say("stopped: the chip still waits for it");
+    const std::size_t announced = image_chunks == 0 ? 0 : image.count;
+    say("stopped: the chip still expects " + std::to_string(announced - (sent - kHeader)) +
+        " blocks of 256 bytes and a checksum");
+  }
+
+  void cancel() {
+    ++cancels_;
+    if (sending_) link_.cancel_running_job();
+  }
+  bool cancelled() const { return cancels_ > 0; }
+  bool cancelled_twice() const { return cancels_ > 1; }
+
+  /// Speed and time left count from here.
+  void begin(std::size_t block_count) {
+    block_count_ = block_count;
+    started_ = link_.scheduler().now();
+  }
+
+  /// All has left.
+  void finish(const BlockImage& image) const {
+    view_.set_progress(final_bar_position(kind_, image.count));
+    view_.show_progress_text(summary(image.bytes.size(), link_.scheduler().now() - started_));
+    if (kind_ == TransferKind::user_data) return view_.append_console("\r\n User data sent..");
+    char checksum[8];
+    std::snprintf(checksum, sizeof checksum, "0x%02X", static_cast<unsigned>(image.checksum()));
+    say("sent: " + std::to_string(image.count) + " blocks, checksum " + checksum);
+  }
+
+  /// Sends `other_chunks` chunks and then blocks, before which `blocks_before` have left already.
+  Task<JobResult> send(CommandLink::Hold& hold, std::vector<Chunk> chunks, std::size_t other_chunks,
+                       std::size_t blocks_before) {
+    Job job;
+    job.chunks = std::move(chunks);
+    job.on_progress = [weak = weak_from_this(), other_chunks, blocks_before](std::size_t sent) {
+      const auto self = weak.lock();
+      if (self && sent > other_chunks) self->show(blocks_before + sent - other_chunks);
+    };
+    sending_ = true;
+    const JobResult result = co_await hold.send(std::move(job));
+    sending_ = false;
+    co_return result;
+  }
+
+ private:
+  void show(std::size_t blocks_sent) const {
+    if (blocks_sent > block_count_) return;  // the checksum
+    view_.set_progress(bar_position(kind_, blocks_sent, block_count_));
+    const auto time = link_.scheduler().now() - started_;
+    view_.show_progress_text(progress_text(blocks_sent * kBlockSize, block_count_ * kBlockSize, time));
+  }
+
+  TransferKind kind_;
+  CommandLink& link_;
+  const TransferView view_;
+  std::size_t block_count_ = 0;
+  std::chrono::milliseconds started_{0};
+  int cancels_ = 0;
+  bool sending_ = false;
+};
+
+ImageTransfer::ImageTransfer(CommandLink& link, CQV5123Doc& document, Prompts& prompts, TransferView view)
+    : link_(link), document_(document), prompts_(prompts), view_(std::move(view)) {}
+
+void ImageTransfer::cancel() {
+  if (const auto transfer = current_.lock()) transfer->cancel();
+}
+
+Task<> ImageTransfer::run(TransferKind kind) {
+  // The chip takes whatever follows the letter as part of the image, so the wire is held from there on.
+  CommandLink::Hold hold = co_await link_.hold();
+  const auto transfer = std::make_shared<Transfer>(kind, link_, view_);
+  current_ = transfer;
+  view_.set_progress(0);
+  view_.show_progress_text("");
+  std::vector<Chunk> letter(1);
+  letter[0].bytes.push_back(static_cast<std::uint8_t>(transfer->style().letter));
+  const JobResult sent = co_await transfer->send(hold, std::move(letter), 1, 0);
+  if (sent.chunks_sent == 0) {
+    transfer->say(sent.failed ? "not sent: the port is closed or lost" : "not sent");
+    co_return;
+  }
+  if (*transfer->style().ready_text) view_.append_console(transfer->style().ready_text);
+  std::optional<BlockImage> image;
+  if (!transfer->cancelled()) image = co_await choose_image(kind);
+  if (transfer->cancelled()) {
+    co_await end_cancelled(hold, *transfer, BlockImage(), 0);
+  } else if (image) {
+    co_await send_image(hold, *transfer, *image);
+  } else {
+    transfer->say("not sent: the chip still waits for it");
+  }
+}
+
+Task<std::optional<BlockImage>> ImageTransfer::choose_image(TransferKind kind) {
+  FileChoice choice;
+  choice.filter = style_of(kind).filter;
+  choice.default_extension = style_of(kind).extension;
+  std::optional<std::filesystem::path> path = co_await prompts_.choose_open(std::move(choice));
+  if (!path) co_return std::nullopt;
+  if (kind == TransferKind::user_data) co_return co_await read_user_data(std::move(*path));
+  co_return co_await read_binary(std::move(*path));
+}
+
+Task<std::optional<BlockImage>> ImageTransfer::read_binary(std::filesystem::path path) {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  if (!error && size > kImageLimit) {
+    co_await warn(path_text(path) + " has " + std::to_string(size) + " bytes. An image has at most " +
+                  std::to_string(kImageLimit) + " bytes.");
+    co_return std::nullopt;
+  }
+  std::string bytes;
+  const FileResult result = read_whole_file(path, bytes, kImageLimit);
+  if (!result.ok()) {
+    view_.append_console("\r\n" + result.text);
+    co_await warn("file open error");
+    co_return std::nullopt;
+  }
+  co_return blocks_of({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+}
+
+Task<std::optional<BlockImage>> ImageTransfer::read_user_data(std::filesystem::path path) {
+  const FileResult result = read_setting_file(path, document_.user_data);
+  if (!result.ok()) {
+    co_await warn(result.text);
+    co_return std::nullopt;
+  }
+  co_return blocks_of(document_.user_data.bytes());
+}
+
+Task<> ImageTransfer::warn(std::string text) {
+  Message message;
+  message.text = std::move(text);
+  message.icon = Message::Icon::warning;
+  co_await prompts_.message(std::move(message));
+}
+
+Task<> ImageTransfer::send_image(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image) {
+  transfer.begin(image.count);
+  std::vector<Chunk> chunks = image_chunks(image, transfer.style());
+  const JobResult result = co_await transfer.send(hold, std::move(chunks), kHeader, 0);
+  if (result.failed) {
+    transfer.say_lost(result.chunks_sent);
+  } else if (result.cancelled) {
+    co_await end_cancelled(hold, transfer, image, result.chunks_sent);
+  } else {
+    transfer.finish(image);
+  }
+}
+
+Task<> ImageTransfer::end_cancelled(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image,
+                                    std::size_t chunks_sent) {
+  // Without a header the chip is told of no blocks, else the announced number is filled up.
+  const std::size_t other_chunks = chunks_sent == 0 ? kHeader : 0;
+  const std::size_t blocks_sent = chunks_sent == 0 ? 0 : chunks_sent - kHeader;
+  transfer.say("cancelled: sending what makes the chip reject it");
+  JobResult result;
+  result.cancelled = transfer.cancelled_twice();
+  if (!result.cancelled) {
+    std::vector<Chunk> chunks = rejecting_chunks(image, chunks_sent, transfer.style());
+    result = co_await transfer.send(hold, std::move(chunks), other_chunks, blocks_sent);
+  }
+  view_.set_progress(0);
+  view_.show_progress_text("");
+  if (result.failed) {
+    transfer.say_lost(chunks_sent + result.chunks_sent);
+  } else if (result.cancelled) {
+    transfer.say_expected(image, chunks_sent, result.chunks_sent);
+  } else {
+    transfer.say("ended with a wrong checksum: the chip expects commands again");
+  }
+}
+
+}  // namespace qv5123
