@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "console/atomic_file.h"
 #include "content/font_text.h"
 
 namespace qv5123 {
@@ -111,6 +112,20 @@ TEST(FontText, ImportOfBrokenTextStoresWhatFitsAndEnds) {
   std::string endless;
   for (int n = 0; n < 24 * 1024 + 100; ++n) endless += "0xFF, 0xFF, // #\r\n";
   EXPECT_EQ(imported(endless).record(1023).rows[24], 0xFFFF);
+}
+
+TEST(SampleFont, IsAWholeLibraryWithItsCharactersAtTheirCodes) {
+  std::string bytes;
+  const auto read = read_whole_file(QV5123_SOURCE_DIR "/resources/fontT_16x24_.bin", bytes);
+  ASSERT_TRUE(read.ok()) << read.text;
+  ASSERT_EQ(bytes.size(), FontLibrary::kBinarySize);
+  FontLibrary library;
+  library.read_binary({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+  EXPECT_EQ(library.glyph(' '), Glyph());
+  for (int code = '!'; code <= '~'; ++code) EXPECT_NE(library.glyph(code), Glyph()) << code;
+  auto inverse = library.glyph('A');
+  inverse.invert();
+  EXPECT_EQ(library.glyph(256 + 'A'), inverse);
 }
 
 }  // namespace
