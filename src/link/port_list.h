@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "link/serial_device.h"
+
+namespace qv5123 {
+
+struct PortInfo {
+  int number = 0;      ///< the COM port's number; on other systems the number at the end of the device's name
+  std::string device;  ///< what SerialDevice::open() takes
+  std::string name;    ///< what to show, in words
+  friend bool operator==(const PortInfo&, const PortInfo&) = default;
+};
+
+/// The serial ports that are there now, real ones only.
+std::vector<PortInfo> list_ports();
+
+/// Tells whether `device` can be opened, without changing its line. On Linux a port that this program itself
+/// holds counts as free, because it will be closed before it is opened anew; Windows refuses it as busy.
+OpenResult probe_port(const std::string& device);
+
+/// What Windows knows about one device of its ports class.
+struct PortProperties {
+  std::string class_name;
+  unsigned long problem = 0;  ///< the device node's problem code, 0 none, 22 disabled
+  std::string friendly_name;
+  std::string port_name;
+};
+
+/// The list entry for a Windows device; none unless it is an enabled COM port.
+std::optional<PortInfo> port_from_properties(const PortProperties& properties);
+
+}  // namespace qv5123
