@@ -61,9 +61,9 @@ std::size_t awb_weights(const ChipState& chip) {
 }  // namespace
 
 std::string boot_banner(const ChipState& chip) {
-  return "\r\nQV5123 camera ISP, serial number " + std::string(kSerialNumber) + "\r\n" +
-         line("HW " + version(chip, 0) + ", SW " + version(chip, 1) + ", ISP", version(chip, 2)) +
-         line("video", name_of(kVideoModes, chip.user_data.entry(454))) + " ready\r\n";
+  return "\r\nQV5123 camera ISP, serial number " + std::string(kSerialNumber) + "\r\n HW " +
+         version(chip, 0) + ", SW " + version(chip, 1) + ", ISP " + version(chip, 2) + ", video " +
+         name_of(kVideoModes, chip.user_data.entry(454)) + "\r\n";
 }
 
 std::string version_reply(const ChipState& chip) {

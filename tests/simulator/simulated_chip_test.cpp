@@ -45,7 +45,7 @@ TEST(ChipStart, AnnouncesItselfWithVersionAndSerialNumber) {
   chip.power_on();
   const auto bytes = chip.take_output();
   const std::string output(bytes.begin(), bytes.end());
-  EXPECT_NE(output.find("HW 1.0.2, SW 2.3.2, ISP: 5.12.23"), std::string::npos) << output;
+  EXPECT_NE(output.find("HW 1.0.2, SW 2.3.2, ISP 5.12.23"), std::string::npos) << output;
   // Version digits HW 01 00 02, SW 02 03 02, ISP 05 12 23, then "QV5120042".
   EXPECT_NE(output.find("~000100000002000200030002000501020203515635313230303432^"), std::string::npos)
       << output;
