@@ -1,0 +1,120 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdint>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "link/system_serial_device.h"
+#include "simulator/board_server.h"
+#include "simulator/pty.h"
+#include "simulator/stop_signal.h"
+
+namespace {
+
+using namespace qv5123;
+
+constexpr char kProgram[] = "qv5123sim";
+constexpr int kBadUsage = 2;
+constexpr int kPortFailed = 3;
+
+struct Options {
+  std::string link;
+  std::string port;
+  bool trace = false;
+  LineOptions line;
+  std::vector<std::string> faults;
+};
+
+void declare(CLI::App& app, Options& options) {
+  app.set_version_flag("--version", std::string(kProgram) + " " + QV5123_VERSION,
+                       "Print the version and exit");
+  app.set_help_flag("--help", "Print this help and exit");
+  auto* link = app.add_option("--link", options.link, "Put a symbolic link to the pseudo-terminal here");
+  link->type_name("PATH");
+  app.add_option("--port", options.port, "Answer on this serial port instead of a pseudo-terminal")
+      ->type_name("DEVICE")
+      ->excludes(link);
+  app.add_option("--line-rate", options.line.line_rate,
+                 "Let bytes through no faster than a line of this baud rate")
+      ->type_name("BAUD")
+      ->check(CLI::Range(1u, 100'000'000u));
+  app.add_flag("--trace", options.trace, "Print every frame that the chip understands");
+  app.add_option("--seed", options.line.seed, "Seed of everything random (default 1)");
+  app.add_option(
+         "--fault", options.faults,
+         "Spoil the line: KIND is drop, corrupt, duplicate, delay or hangup, RATE (0 to 1) how likely\n"
+         "each byte is to suffer; may be given several times")
+      ->type_name("KIND=RATE")
+      ->expected(1)
+      ->take_all();
+}
+
+int complain(std::string text, int code) {
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  std::cerr << kProgram << ": " << text << std::endl;
+  return code;
+}
+
+/// What is wrong with the faults asked for; empty when nothing is.
+std::string take_faults(Options& options) {
+  for (const std::string& text : options.faults) {
+    const std::string fault = parse_fault(text, options.line.faults);
+    if (!fault.empty()) return "--fault " + fault;
+  }
+  return {};
+}
+
+int serve(SerialDevice& device, BoardServer& server, const Options& options) {
+  LineSettings settings;
+  if (options.line.line_rate != 0) settings.baud_rate = options.line.line_rate;
+  const OpenResult opened = server.start(options.port, settings);
+  if (!opened.ok()) return complain(opened.text, options.port.empty() ? kBadUsage : kPortFailed);
+  wait_for_stop_signal();
+  server.stop();
+  device.close();
+  return 0;
+}
+
+int serve_on_port(SimulatedChip& chip, const Options& options) {
+  const std::unique_ptr<SerialDevice> device = make_serial_device();
+  BoardServer server(*device, chip, options.line);
+  server.on_open([&] { std::cout << options.port << std::endl; });
+  return serve(*device, server, options);
+}
+
+int serve_on_pseudo_terminal(SimulatedChip& chip, const Options& options) {
+  BoardServer* listener = nullptr;
+  const auto device = make_pseudo_terminal({options.link, [&] { listener->host_opened(); }});
+  if (!device) return complain("this system has no pseudo-terminals; --port says where to answer", kBadUsage);
+  BoardServer server(*device, chip, options.line);
+  listener = &server;
+  server.on_open([&] { std::cout << device->path() << std::endl; });
+  return serve(*device, server, options);
+}
+
+int run(const Options& options) {
+  hold_stop_signals();
+  SimulatedChip chip;
+  if (options.trace) {
+    chip.set_trace([](const std::string& line) { std::cout << line << std::endl; });
+  }
+  return options.port.empty() ? serve_on_pseudo_terminal(chip, options) : serve_on_port(chip, options);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app("The simulated QV512x camera chip, on a pseudo-terminal or a serial port.", kProgram);
+  Options options;
+  declare(app, options);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return error.get_exit_code() == 0 ? app.exit(error) : complain(error.what(), kBadUsage);
+  }
+  const std::string fault = take_faults(options);
+  if (!fault.empty()) return complain(fault, kBadUsage);
+  return run(options);
+}
