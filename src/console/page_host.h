@@ -33,6 +33,9 @@ class PageHost {
   virtual Task<bool> write_user_data_file() = 0;
   /// Every page's SaveToUserData in its fixed order, then write_user_data_file().
   virtual Task<bool> save_everything() = 0;
+  /// Reads "QV512xUser.dat" of the current directory into the image, whatever setting file is remembered. A
+  /// file that does not exist changes nothing; one that cannot be read is named in the status bar.
+  virtual void reload_user_data_file() = 0;
   /// Work that closing the window should ask about first, such as a full save, while it lasts.
   virtual void set_busy(bool busy) = 0;
 };

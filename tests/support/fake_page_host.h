@@ -26,6 +26,9 @@ class FakePageHost : public PageHost {
   int full_saves = 0;
   UserDataImage written;       ///< the image as last written
   bool write_succeeds = true;  ///< what the saves tell
+  /// What "QV512xUser.dat" holds; nothing while there is no such file.
+  std::optional<UserDataImage> current_directory;
+  int reloads = 0;
   /// The page's own part in a full save; may be null.
   Page* page = nullptr;
 
@@ -48,6 +51,12 @@ class FakePageHost : public PageHost {
     ++full_saves;
     if (page) page->save_to_user_data();
     co_return co_await write_user_data_file();
+  }
+  void reload_user_data_file() override {
+    ++reloads;
+    if (!current_directory) return;
+    doc.user_data.assign(current_directory->bytes());
+    doc.user_data.mark_loaded();
   }
   void set_busy(bool on) override { busy.push_back(on); }
 
