@@ -1,0 +1,133 @@
+#include "link/port_session.h"
+
+#include <gtest/gtest.h>
+
+#include "link/in_process_device.h"
+#include "link/loop_scheduler.h"
+
+namespace qv5123 {
+namespace {
+
+/// A session on a line whose far end answers every read request with "~5a^".
+struct SessionOnLine {
+  SessionOnLine() : session(scheduler, take_device(), events()) {}
+
+  std::unique_ptr<SerialDevice> take_device() {
+    auto owned = std::make_unique<InProcessDevice>([this](std::span<const std::uint8_t> bytes) {
+      const std::string text(bytes.begin(), bytes.end());
+      {
+        const std::lock_guard lock(mutex);
+        sent += text;
+      }
+      const std::string answer = "ok ~5a^";
+      if (text.starts_with("@94"))
+        line->deliver(std::span(reinterpret_cast<const std::uint8_t*>(answer.data()), 7));
+    });
+    line = owned.get();
+    return owned;
+  }
+
+  PortSessionEvents events() {
+    PortSessionEvents events;
+    events.console = [this](const std::string& text) { console += text; };
+    events.status = [this](const std::string& text) { statuses.push_back(text); };
+    events.connected = [this](bool now) { connected.push_back(now); };
+    return events;
+  }
+
+  /// Runs `task` to its end, at most ten seconds.
+  void run(Task<> task) {
+    Flow flow(std::move(task));
+    run_until([&] { return !flow.running(); });
+  }
+  void run_until(std::function<bool()> done) {
+    bool late = false;
+    const auto timer = scheduler.call_after(std::chrono::seconds(10), [&] { late = true; });
+    scheduler.run_until([&] { return late || done(); });
+    scheduler.cancel(timer);
+    EXPECT_FALSE(late);
+  }
+  std::string wire() {
+    const std::lock_guard lock(mutex);
+    return sent;
+  }
+
+  LoopScheduler scheduler;
+  std::mutex mutex;
+  std::string sent;
+  InProcessDevice* line = nullptr;
+  std::string console;
+  std::vector<std::string> statuses;
+  std::vector<bool> connected;
+  PortSession session;
+};
+
+Task<> open(PortSession& session, OpenResult& result) {
+  result = co_await session.open("line", {});
+}
+Task<> read(CommandLink& link, int& value) {
+  value = co_await link.wide_read(0x123);
+}
+
+TEST(PortSession, CarriesARequestAndItsReply) {
+  SessionOnLine on;
+  OpenResult opened{OpenError::failed, ""};
+  on.run(open(on.session, opened));
+  EXPECT_TRUE(opened.ok());
+  int value = 0;
+  on.run(read(on.session.link(), value));
+  EXPECT_EQ(value, 0x5A);
+  EXPECT_EQ(on.console, "ok ");
+  EXPECT_EQ(on.wire(), "@9401*@9423*");
+}
+
+TEST(PortSession, AnUnpluggedPortIsBackWithinASecondAndNothingIsSentTwice) {
+  SessionOnLine on;
+  OpenResult opened;
+  on.run(open(on.session, opened));
+  on.line->hang_up();
+  on.run_until([&] { return !on.session.connected(); });
+  EXPECT_EQ(on.statuses, std::vector<std::string>{"line is gone. It is opened again when it comes back."});
+  on.session.link().send(Batch{{0x01, 0x00}});
+  on.run_until([&] { return on.session.link().jobs_waiting() == 0; });
+
+  on.line->plug_in();
+  const auto since = on.scheduler.now();
+  on.run_until([&] { return on.session.connected(); });
+  EXPECT_LT(on.scheduler.now() - since, std::chrono::seconds(1));
+  EXPECT_EQ(on.statuses.back(), "line is back.");
+  on.session.link().send(Batch{{0x01, 0x04}});
+  on.run_until([&] { return on.session.link().jobs_waiting() == 0; });
+  EXPECT_EQ(on.wire(), "@0104*") << "what was sent while the line was gone is gone";
+}
+
+TEST(PortSession, ClosingGivesUpALostPortAndAnOpenUnderWay) {
+  SessionOnLine on;
+  OpenResult opened;
+  on.run(open(on.session, opened));
+  on.line->hang_up();
+  on.run_until([&] { return !on.session.connected(); });
+  on.session.close();
+  on.line->plug_in();
+  Flow opening(open(on.session, opened));
+  on.session.close();
+  on.run_until([&] { return !opening.running(); });
+  EXPECT_FALSE(opened.ok());
+  EXPECT_FALSE(on.session.connected());
+  EXPECT_EQ(on.connected, (std::vector<bool>{true, false}));
+}
+
+TEST(PortSession, EndsInTheMiddleOfAnything) {
+  for (int round = 0; round < 20; ++round) {
+    SessionOnLine on;
+    OpenResult opened;
+    Flow opening(open(on.session, opened));
+    if (round % 2) on.run_until([&] { return !opening.running(); });
+    on.session.link().send(Traffic(50, Batch{{0x01, 0x00}}));
+    if (round % 4 == 3) on.line->hang_up();
+    opening.cancel();
+  }
+}
+
+}  // namespace
+}  // namespace qv5123
