@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 #include "console/user_data_image.h"
 #include "link/register_write.h"
@@ -12,26 +13,45 @@ namespace qv5123 {
 
 enum class OsdKey : std::uint8_t { up = 0, down = 1, left = 2, right = 3, set = 4 };
 
-Batch osd_key(OsdKey key);
-Batch factory_reset();
+inline Batch osd_key(OsdKey key) {
+  return {{reg::kOsdKey, static_cast<std::uint8_t>(key)}};
+}
+
+inline Batch factory_reset() {
+  return isp_write(0x922, 0xCC);
+}
+
 /// Sent only after OK to kCopyToFactoryQuestion.
-Batch copy_to_factory();
+inline Batch copy_to_factory() {
+  return {{0xBF, 0x00}};
+}
 inline constexpr const char* kCopyToFactoryQuestion =
     "would you really want to rewrite factorydata by current userdata?";
 /// The chip answers both with text for the console.
-Batch ae_info();
-Batch awb_info();
+inline Batch ae_info() {
+  return {{0xA2, 0x01}};
+}
+inline Batch awb_info() {
+  return {{0xA5, 0x01}};
+}
 
 /// The selection of the "OSD Pattern Choice" list, kept in the user data.
 inline constexpr std::size_t kOsdPatternEntry = 634;
 inline constexpr const char* kOsdPatterns[] = {"OSD Pattern 1", "OSD Pattern 2"};
 /// Sent after the selection has been stored and the user data file has been written.
-Batch osd_pattern(int selection);
+inline Batch osd_pattern(int selection) {
+  return {{0xC9, low_byte(selection)}};
+}
 /// What the list shows for the image: its selection, or -1 for an entry that the list does not have.
-int osd_pattern_selection(const UserDataImage& image);
+inline int osd_pattern_selection(const UserDataImage& image) {
+  const int selection = image.entry(kOsdPatternEntry);
+  return selection < static_cast<int>(std::size(kOsdPatterns)) ? selection : -1;
+}
 
 /// Makes the chip report the ISP tune page's values.
 inline constexpr std::uint8_t kIspTuneTrigger = 0xBE;
-Batch isp_tune_request();
+inline Batch isp_tune_request() {
+  return {{kIspTuneTrigger, 0x00}};
+}
 
 }  // namespace qv5123
