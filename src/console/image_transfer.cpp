@@ -215,8 +215,9 @@ Task<> ImageTransfer::send_image(CommandLink::Hold& hold, Transfer& transfer, co
 
 Task<> ImageTransfer::end_cancelled(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image,
                                     std::size_t chunks_sent) {
-  // Without a header the chip is told of no blocks, else the announced number is filled up.
-  const std::size_t other_chunks = chunks_sent == 0 ? kHeader : 0;
+  // Without a header the chip is told of no blocks, and what leaves is header and checksum. Else the
+  // announced number is filled up.
+  const std::size_t other_chunks = chunks_sent == 0 ? 2 : 0;
   const std::size_t blocks_sent = chunks_sent == 0 ? 0 : chunks_sent - kHeader;
   transfer.say("cancelled: sending what makes the chip reject it");
   JobResult result;
