@@ -1,0 +1,89 @@
+#include "console/image_blocks.h"
+
+namespace qv5123 {
+namespace {
+
+using testing::ElementsAre;
+
+// What goes over the wire, a string for each write.
+std::vector<std::string> writes(const std::vector<Chunk>& chunks) {
+  std::vector<std::string> all;
+  for (const Chunk& chunk : chunks) all.emplace_back(chunk.bytes.begin(), chunk.bytes.end());
+  return all;
+}
+
+std::vector<std::string> image_of(const std::string& file) {
+  const BlockImage image = blocks_of({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
+  return writes(image_chunks(image, style_of(TransferKind::font)));
+}
+
+std::string bytes(std::initializer_list<int> values) {
+  std::string text;
+  for (const int value : values) text += static_cast<char>(value);
+  return text;
+}
+
+TEST(ImageBlocks, AreHeaderBlocksAndChecksum) {
+  EXPECT_THAT(image_of(""), ElementsAre(bytes({0, 0}), bytes({0})));
+  // An odd number of 'B' counts once.
+  EXPECT_THAT(image_of("A" + std::string(255, 'B')),
+              ElementsAre(bytes({1, 0}), "A" + std::string(255, 'B'), bytes({1 ^ 0x41 ^ 0x42})));
+  // The 255 bytes that fill the second block count: an odd number of 0xFF.
+  EXPECT_THAT(image_of(std::string(256, '\0') + "\x21"),
+              ElementsAre(bytes({2, 0}), std::string(256, '\0'), "\x21" + std::string(255, '\xFF'),
+                          bytes({2 ^ 0x21 ^ 0xFF})));
+}
+
+TEST(ImageBlocks, CountWrapsAt65536Bytes) {
+  const std::vector<std::string> largest = image_of(std::string(65280, '\x10'));
+  ASSERT_EQ(largest.size(), 257u);
+  EXPECT_EQ(largest.front(), bytes({255, 0}));
+  EXPECT_EQ(largest.back(), bytes({255}));
+  EXPECT_THAT(image_of(std::string(65281, '\x10')), ElementsAre(bytes({0, 0}), bytes({0})));
+  EXPECT_THAT(image_of(std::string(65536, '\x10')), ElementsAre(bytes({0, 0}), bytes({0})));
+}
+
+TEST(ImageBlocks, OnlyFirmwareBlocksHurryAndWaitBeforeTheChecksum) {
+  const std::string file(512, 'x');
+  const BlockImage image = blocks_of({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
+  for (const TransferKind kind : {TransferKind::firmware, TransferKind::font, TransferKind::user_data}) {
+    const bool hurries = kind == TransferKind::firmware;
+    const std::vector<Chunk> chunks = image_chunks(image, style_of(kind));
+    ASSERT_EQ(chunks.size(), 4u);
+    EXPECT_EQ(chunks[0].pacing, Pacing::normal);
+    EXPECT_EQ(chunks[1].pacing, hurries ? Pacing::bulk : Pacing::normal);
+    EXPECT_EQ(chunks[2].pacing, hurries ? Pacing::bulk : Pacing::normal);
+    EXPECT_EQ(chunks[3].pacing, Pacing::normal);
+    EXPECT_EQ(chunks[2].pause_before.count(), 0);
+    EXPECT_EQ(chunks[3].pause_before.count(), hurries ? 500 : 0);
+  }
+}
+
+TEST(ImageBlocks, RejectionFillsUpAndSpoilsTheChecksum) {
+  const std::string file = std::string(256, '\x01') + std::string(256, '\x02') + std::string(255, '\x03');
+  const BlockImage image = blocks_of({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
+  const TransferStyle& style = style_of(TransferKind::font);
+  const std::string filler(256, '\xFF');
+  // All blocks cancel out in themselves, so that the right checksum is the header's 3.
+  EXPECT_THAT(writes(rejecting_chunks(image, 2, style)), ElementsAre(filler, filler, bytes({0xFC})));
+  EXPECT_THAT(writes(rejecting_chunks(image, 1, style)), ElementsAre(filler, filler, filler, bytes({0xFC})));
+  // The last block holds 255 times 3 and one 0xFF.
+  EXPECT_THAT(writes(rejecting_chunks(image, 4, style)), ElementsAre(bytes({0xFF & ~(3 ^ 3 ^ 0xFF)})));
+  EXPECT_THAT(writes(rejecting_chunks(image, 0, style)), ElementsAre(bytes({0, 0}), bytes({0xFF})));
+}
+
+TEST(ImageBlocks, BarPositions) {
+  EXPECT_EQ(bar_position(TransferKind::firmware, 1, 3), 33);
+  EXPECT_EQ(bar_position(TransferKind::font, 255, 255), 100);
+  EXPECT_EQ(bar_position(TransferKind::user_data, 1, 4), 0);
+  EXPECT_EQ(bar_position(TransferKind::user_data, 4, 4), 75);
+  EXPECT_EQ(final_bar_position(TransferKind::firmware, 1), 100);
+  EXPECT_EQ(final_bar_position(TransferKind::firmware, 3), 33);
+  EXPECT_EQ(final_bar_position(TransferKind::firmware, 255), 0);
+  EXPECT_EQ(final_bar_position(TransferKind::firmware, 0), 100);
+  EXPECT_EQ(final_bar_position(TransferKind::font, 255), 100);
+  EXPECT_EQ(final_bar_position(TransferKind::user_data, 4), 100);
+}
+
+}  // namespace
+}  // namespace qv5123

@@ -1,0 +1,201 @@
+#include "console/image_transfer.h"
+
+#include "console/setting_file.h"
+#include "support/fake_prompts.h"
+#include "support/fake_wire.h"
+#include "support/temporary_folder.h"
+
+namespace qv5123 {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class ImageTransferTest : public testing::Test {
+ protected:
+  test::FakeWire wire;
+  test::TemporaryFolder folder;
+  test::FakePrompts user;
+  CQV5123Doc doc;
+  std::vector<int> bar;
+  std::string text;
+  std::string console;
+  ImageTransfer transfer{wire.link,
+                         doc,
+                         user,
+                         {[this](int position) { bar.push_back(position); },
+                          [this](const std::string& progress) { text = progress; },
+                          [this](const std::string& added) { console += added; }}};
+  FlowSet flows;
+
+  void press(TransferKind kind) {
+    flows.spawn(transfer.run(kind));
+    wire.advance(0);
+  }
+  void run_to_end() {
+    for (int i = 0; i < 1000 && flows.running(); ++i) wire.advance(50);
+    ASSERT_FALSE(flows.running());
+    EXPECT_FALSE(transfer.running());
+    // Whatever came of it, the wire is free again.
+    wire.sender.writes.push_back("|");
+    wire.link.send_letter('?');
+    wire.advance(100);
+    EXPECT_EQ(wire.sender.writes.back(), wire.sender.connected ? "?" : "|");
+  }
+  // The writes of the transfer.
+  std::vector<std::string> sent() const {
+    const auto end = std::find(wire.sender.writes.begin(), wire.sender.writes.end(), "|");
+    return {wire.sender.writes.begin(), end};
+  }
+};
+
+TEST_F(ImageTransferTest, FirmwareFromButtonToChecksum) {
+  user.paths = {folder.write("fw.bin", std::string(256, '\x01') + std::string(256, '\x02') + "\x04")};
+  press(TransferKind::firmware);
+  run_to_end();
+  EXPECT_THAT(sent(), ElementsAre("A", std::string("\x03\0", 2), std::string(256, '\x01'),
+                                  std::string(256, '\x02'), "\x04" + std::string(255, '\xFF'),
+                                  std::string(1, static_cast<char>(3 ^ 4 ^ 0xFF))));
+  EXPECT_THAT(bar, ElementsAre(0, 33, 66, 100, 33));
+  EXPECT_EQ(user.opens.at(0).filter, "Binary file(*.bin)|*.bin");
+  EXPECT_EQ(user.opens.at(0).default_extension, "bin");
+  EXPECT_EQ(console, "\r\n< Ready to FIRMWARE >\r\n< FIRMWARE sent: 3 blocks, checksum 0xF8 >");
+}
+
+TEST_F(ImageTransferTest, FontEndsWithAFullBarAndTellsSpeed) {
+  user.paths = {folder.write("font.bin", std::string(1024, 'f'))};
+  press(TransferKind::font);
+  wire.advance(50 + 50 + 50 + 50);  // letter, header, two blocks
+  EXPECT_EQ(text, "0.5 of 1.0 KiB, 3.3 KiB/s, 0 s left");
+  run_to_end();
+  EXPECT_EQ(sent().front(), "C");
+  EXPECT_THAT(bar, ElementsAre(0, 25, 50, 75, 100, 100));
+  EXPECT_EQ(console.substr(0, 21), "\r\n< Ready to FONT >\r\n");
+}
+
+TEST_F(ImageTransferTest, SystemSendsTheChosenSettingFile) {
+  doc.setting_file = "remembered.dat";
+  user.paths = {folder.write("set.dat", "7 5")};
+  press(TransferKind::user_data);
+  run_to_end();
+  const std::vector<std::string> writes = sent();
+  ASSERT_EQ(writes.size(), 7u);
+  EXPECT_EQ(writes[0], "U");
+  EXPECT_EQ(writes[1], std::string("\x04\0", 2));
+  EXPECT_EQ(writes[2], "\x07" + std::string(255, '\x05'));
+  EXPECT_EQ(writes[5], std::string(256, '\x05'));
+  EXPECT_EQ(writes[6], std::string(1, 4 ^ 7 ^ 5));
+  EXPECT_THAT(bar, ElementsAre(0, 0, 25, 50, 75, 100));
+  EXPECT_EQ(console, "\r\n User data sent..");
+  EXPECT_EQ(doc.user_data.entry(1023), 5);
+  EXPECT_EQ(doc.setting_file, "remembered.dat");
+}
+
+TEST_F(ImageTransferTest, NothingFollowsTheLetterWithoutAGoodFile) {
+  std::ofstream(folder.path() / "large.bin") << std::string(65537, 'x');
+  user.paths = {std::nullopt, folder.path(), folder.path() / "large.bin", folder.path() / "gone.dat"};
+  press(TransferKind::font);
+  press(TransferKind::font);
+  press(TransferKind::firmware);
+  press(TransferKind::user_data);
+  run_to_end();
+  EXPECT_THAT(sent(), ElementsAre("C", "C", "A", "U"));
+  ASSERT_EQ(user.messages.size(), 3u);
+  EXPECT_EQ(user.messages[0].text, "file open error");
+  EXPECT_EQ(user.messages[1].text,
+            path_text(folder.path() / "large.bin") + " has 65537 bytes. An image has at most 65536 bytes.");
+  EXPECT_THAT(user.messages[2].text, HasSubstr("gone.dat"));
+  EXPECT_THAT(console, HasSubstr("< FONT not sent: the chip still waits for it >"));
+  EXPECT_THAT(console, HasSubstr(path_text(folder.path())));
+  EXPECT_FALSE(doc.user_data.loaded());
+}
+
+TEST_F(ImageTransferTest, OthersWaitUntilItIsOver) {
+  user.paths = {folder.write("font.bin", std::string(512, 'f'))};
+  user.hesitates = true;
+  press(TransferKind::font);
+  wire.advance(50);
+  const Batch key = {{0x01, 0x04}};
+  wire.link.send(key);
+  wire.advance(5000);
+  EXPECT_THAT(wire.sender.writes, ElementsAre("C"));
+  user.answer_now();
+  run_to_end();
+  EXPECT_EQ(sent().size(), 5u);
+  EXPECT_THAT(wire.sender.writes, testing::Contains("@0104*"));
+}
+
+TEST_F(ImageTransferTest, CancelEndsAsTheChipCanTake) {
+  user.paths = {folder.write("font.bin", std::string(1024, 'f'))};
+  press(TransferKind::font);
+  wire.advance(50 + 50 + 50);
+  transfer.cancel();
+  run_to_end();
+  const std::string filler(256, '\xFF');
+  EXPECT_EQ(sent()[2], std::string(256, 'f'));
+  EXPECT_EQ(sent().size(), 7u) << "the announced four blocks";
+  EXPECT_EQ(sent()[5], filler);
+  EXPECT_EQ(sent()[6], std::string(1, static_cast<char>(~4)));
+  EXPECT_EQ(bar.back(), 0);
+  EXPECT_THAT(console, testing::EndsWith("checksum: the chip expects commands again >"));
+  transfer.cancel();  // nothing runs
+}
+
+TEST_F(ImageTransferTest, CancelTwiceStopsAndSaysWhatTheChipExpects) {
+  user.paths = {folder.write("font.bin", std::string(1024, 'f'))};
+  press(TransferKind::font);
+  wire.advance(50 + 50 + 50);
+  transfer.cancel();
+  wire.advance(100);
+  const std::size_t so_far = wire.sender.writes.size();
+  ASSERT_LT(so_far, 6u);
+  transfer.cancel();
+  run_to_end();
+  const std::size_t blocks = sent().size() - 2;
+  EXPECT_THAT(console, testing::EndsWith("still expects " + std::to_string(4 - blocks) +
+                                         " blocks of 256 bytes and a checksum >"));
+}
+
+TEST_F(ImageTransferTest, CancelWhileTheUserChooses) {
+  user.paths = {folder.write("font.bin", std::string(1024, 'f'))};
+  user.hesitates = true;
+  press(TransferKind::font);
+  wire.advance(50);
+  transfer.cancel();
+  user.answer_now();
+  run_to_end();
+  EXPECT_THAT(sent(), ElementsAre("C", std::string("\0\0", 2), "\xFF"));
+}
+
+TEST_F(ImageTransferTest, ALostPortEndsItAtOnce) {
+  wire.sender.connected = false;
+  press(TransferKind::firmware);
+  run_to_end();
+  EXPECT_EQ(console, "\r\n< FIRMWARE not sent: the port is closed or lost >");
+  EXPECT_TRUE(user.opens.empty());
+
+  wire.sender.connected = true;
+  wire.sender.writes.clear();
+  user.paths = {folder.write("font.bin", std::string(1024, 'f'))};
+  press(TransferKind::font);
+  wire.advance(50 + 50 + 50 + 50);
+  wire.sender.connected = false;
+  run_to_end();
+  EXPECT_EQ(sent().size(), 4u);
+  EXPECT_THAT(console,
+              testing::EndsWith("< FONT broken off after 2 of 4 blocks: the port is closed or lost >"));
+}
+
+TEST_F(ImageTransferTest, ProgressOfAnAbandonedTransferReachesNobody) {
+  user.paths = {folder.write("font.bin", std::string(1024, 'f'))};
+  press(TransferKind::font);
+  wire.advance(50 + 50 + 50);
+  flows.cancel();
+  const std::size_t shown = bar.size();
+  wire.advance(1000);
+  EXPECT_EQ(bar.size(), shown);
+  EXPECT_FALSE(transfer.running());
+}
+
+}  // namespace
+}  // namespace qv5123

@@ -1,0 +1,199 @@
+#include "console/setting_files.h"
+
+#include "console/setting_file.h"
+#include "support/fake_prompts.h"
+#include "support/temporary_folder.h"
+
+namespace qv5123 {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+
+std::string lines(const std::string& line, int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i) text += line + "\r\n";
+  return text;
+}
+
+TEST(SettingFile, IsALinePerEntryAndComesBackAsItWas) {
+  const test::TemporaryFolder folder;
+  UserDataImage image;
+  for (std::size_t i = 0; i < UserDataImage::kSize; ++i) image.set_entry(i, static_cast<int>(i * 7));
+  ASSERT_EQ(write_setting_file(folder.path() / "a.dat", image).text, "");
+  const std::string text = folder.read("a.dat");
+  EXPECT_EQ(text.substr(0, 14), "0\r\n7\r\n14\r\n21\r\n");
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1024);
+  UserDataImage again;
+  ASSERT_TRUE(read_setting_file(folder.path() / "a.dat", again).ok());
+  EXPECT_EQ(again, image);
+  EXPECT_TRUE(again.loaded());
+}
+
+TEST(SettingFile, ReadsWhateverNumbersThereAre) {
+  const test::TemporaryFolder folder;
+  UserDataImage image;
+  ASSERT_TRUE(read_setting_file(folder.write("short.dat", "1 256\n-1\t511 9"), image).ok());
+  EXPECT_THAT(std::vector<int>({image.entry(0), image.entry(1), image.entry(2), image.entry(3)}),
+              ElementsAre(1, 0, 255, 255));
+  EXPECT_EQ(image.entry(4), 9);
+  EXPECT_EQ(image.entry(1023), 9) << "the last number stands for the missing ones";
+  ASSERT_TRUE(read_setting_file(folder.write("letters.dat", "5 six 7"), image).ok());
+  EXPECT_EQ(image.entry(1), 5);
+  EXPECT_EQ(image.entry(1023), 5) << "a letter is never passed";
+  ASSERT_TRUE(read_setting_file(folder.write("long.dat", lines("3", 1024) + "77\r\n"), image).ok());
+  EXPECT_EQ(image.entry(1023), 3);
+}
+
+TEST(SettingFile, FailuresNameTheFileAndChangeNothing) {
+  const test::TemporaryFolder folder;
+  UserDataImage image;
+  image.set_entry(0, 42);
+  const fs::path large = folder.write("large.dat", std::string((1 << 20) + 1, ' '));
+  for (const fs::path& path : {folder.path(), folder.path() / "missing.dat", large}) {
+    EXPECT_THAT(read_setting_file(path, image).text, testing::HasSubstr(path_text(path)));
+  }
+  EXPECT_THAT(write_setting_file(folder.path(), image).text, testing::HasSubstr(path_text(folder.path())));
+  EXPECT_EQ(image.entry(0), 42);
+  EXPECT_FALSE(image.loaded());
+}
+
+TEST(SettingFile, ReloadTakesTheFixedFileIfThereIsOne) {
+  const test::TemporaryFolder folder;
+  UserDataImage image;
+  EXPECT_TRUE(reload_user_data_file(image, folder.path()).ok());
+  EXPECT_FALSE(image.loaded());
+  folder.write("QV512xUser.dat", "12");
+  EXPECT_TRUE(reload_user_data_file(image, folder.path()).ok());
+  EXPECT_TRUE(image.loaded());
+  EXPECT_EQ(image.entry(500), 12);
+}
+
+// Writes its number to an entry of its own and notes in which order the pages were asked.
+class NumberedPage : public Page {
+ public:
+  NumberedPage(int number, UserDataImage& image, std::vector<std::string>& calls)
+      : number_(number), image_(image), calls_(calls) {}
+  void save_to_user_data() override {
+    calls_.push_back("save " + std::to_string(number_));
+    image_.set_entry(static_cast<std::size_t>(number_), number_);
+  }
+  void reload_from_user_data() override {
+    calls_.push_back("reload " + std::to_string(number_) + " " + std::to_string(image_.entry(0)));
+  }
+
+ private:
+  int number_;
+  UserDataImage& image_;
+  std::vector<std::string>& calls_;
+};
+
+class SettingFilesTest : public testing::Test {
+ protected:
+  test::TemporaryFolder folder;
+  CQV5123Doc doc;
+  test::FakePrompts user;
+  std::vector<std::string> calls;
+  std::vector<std::string> statuses;
+  NumberedPage gamma{1, doc.user_data, calls};
+  NumberedPage lens{5, doc.user_data, calls};
+  NumberedPage font{6, doc.user_data, calls};
+  std::vector<Page*> pages{&gamma, &lens};
+  SettingFiles files{doc,
+                     user,
+                     {[this] { return pages; }, [this]() -> Page* { return &font; },
+                      [this](const std::string& text) { statuses.push_back(text); }}};
+
+  void load() { const Flow flow(files.load()); }
+  void save() { const Flow flow(files.save()); }
+  bool done(Task<bool> task) {
+    bool result = false;
+    const Flow flow([](Task<bool> task, bool& result) -> Task<> { result = co_await std::move(task); }(
+                                                          std::move(task), result));
+    EXPECT_FALSE(flow.running());
+    return result;
+  }
+};
+
+TEST_F(SettingFilesTest, LoadRemembersReadsAndReloadsInOrder) {
+  load();
+  EXPECT_THAT(calls, ElementsAre()) << "cancelled";
+  EXPECT_TRUE(doc.setting_file.empty());
+  ASSERT_EQ(user.opens.size(), 1u);
+  EXPECT_EQ(user.opens[0].filter, "Setting Files (*.dat)|*.dat|All Files (*.*)|*.*||");
+  EXPECT_EQ(user.opens[0].default_extension, "dat");
+
+  const fs::path path = folder.write("set.dat", lines("9", 1024));
+  user.paths = {path};
+  load();
+  EXPECT_EQ(doc.setting_file, path);
+  EXPECT_THAT(calls, ElementsAre("reload 1 9", "reload 5 9"));
+  EXPECT_TRUE(user.messages.empty());
+
+  user.paths = {folder.path() / "gone.dat"};
+  load();
+  EXPECT_EQ(doc.setting_file, folder.path() / "gone.dat");
+  ASSERT_EQ(user.messages.size(), 1u);
+  EXPECT_THAT(user.messages[0].text, testing::HasSubstr("gone.dat"));
+  EXPECT_EQ(doc.user_data.entry(0), 9);
+}
+
+TEST_F(SettingFilesTest, SaveWritesTheRememberedFileOnceAndThenTheChosenOne) {
+  doc.setting_file = folder.path() / "remembered.dat";
+  user.paths = {folder.path() / "chosen.dat"};
+  save();
+  EXPECT_THAT(calls, ElementsAre("save 1", "save 5"));
+  EXPECT_EQ(folder.read("chosen.dat").substr(0, 18), "0\r\n1\r\n0\r\n0\r\n0\r\n5\r\n");
+  EXPECT_EQ(folder.read("remembered.dat"), folder.read("chosen.dat"));
+  EXPECT_EQ(doc.setting_file, folder.path() / "remembered.dat");
+
+  user.paths = {folder.path()};
+  save();
+  ASSERT_EQ(user.messages.size(), 1u);
+  EXPECT_EQ(user.messages[0].text, "File open error !!");
+  ASSERT_EQ(statuses.size(), 1u);
+  EXPECT_THAT(statuses[0], testing::HasSubstr(path_text(folder.path())));
+}
+
+TEST_F(SettingFilesTest, SaveAsksOnceWhereNoFileIsRemembered) {
+  user.paths = {folder.path() / "first.dat"};
+  save();
+  EXPECT_EQ(user.saves.size(), 1u);
+  EXPECT_EQ(doc.setting_file, folder.path() / "first.dat");
+}
+
+TEST_F(SettingFilesTest, WriteUserDataFileAsksForAFileAndRemembersIt) {
+  EXPECT_FALSE(done(files.write_user_data_file()));
+  EXPECT_TRUE(doc.setting_file.empty());
+  user.paths = {folder.path() / "user.dat"};
+  EXPECT_TRUE(done(files.write_user_data_file()));
+  EXPECT_TRUE(done(files.write_user_data_file()));
+  EXPECT_EQ(user.saves.size(), 2u) << "not asked again";
+  EXPECT_EQ(folder.read("user.dat"), lines("0", 1024));
+}
+
+TEST_F(SettingFilesTest, ExitAsksAndEndsOnlyWhenNothingIsLost) {
+  doc.setting_file = folder.path() / "user.dat";
+  EXPECT_FALSE(done(files.may_exit())) << "cancelled";
+  ASSERT_EQ(user.questions.size(), 1u);
+  EXPECT_EQ(user.questions[0].text,
+            path_text(folder.path() / "user.dat") + "Do you want to save settings to file?\r\n");
+  EXPECT_EQ(user.questions[0].title, "Save setting");
+  EXPECT_EQ(user.questions[0].buttons, Question::Buttons::yes_no_cancel);
+
+  user.answers = {Answer::no};
+  EXPECT_TRUE(done(files.may_exit()));
+  EXPECT_FALSE(fs::exists(doc.setting_file));
+  user.answers = {Answer::yes};
+  EXPECT_TRUE(done(files.may_exit()));
+  EXPECT_THAT(calls, ElementsAre("save 1", "save 5", "save 6"));
+  EXPECT_EQ(folder.read("user.dat").substr(15, 6), "5\r\n6\r\n");
+
+  doc.setting_file = folder.path() / "no" / "such" / "folder.dat";
+  user.answers = {Answer::yes};
+  EXPECT_FALSE(done(files.may_exit()));
+  EXPECT_EQ(user.messages.back().text, "File open error !!");
+}
+
+}  // namespace
+}  // namespace qv5123
