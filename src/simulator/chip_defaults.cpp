@@ -1,5 +1,6 @@
 #include "simulator/chip_defaults.h"
 
+#include <algorithm>
 #include <cmath>
 #include <initializer_list>
 
@@ -116,19 +117,50 @@ void put_versions(UserDataImage& image) {
   put(image, 701, {0, 5, 1, 2, 2, 3});
 }
 
+/// Values from `address` on.
 struct Preset {
   std::uint16_t address;
-  std::uint8_t value;
+  std::initializer_list<std::uint8_t> values;
 };
 
-/// ISP registers with a meaning to the tool.
-constexpr Preset kIspPresets[] = {
-    {0x922, 0x12},                                               // command register
-    {0xA10, 0x10}, {0xA20, 0x90}, {0xA29, 0x00},                 // colour picker off
-    {0xC38, 0x03}, {0xC39, 0xC0}, {0xC3A, 0x02}, {0xC3B, 0x1C},  // cursor in the middle of 1920x1080
-    {0xC3D, 118},  {0xC3E, 121},  {0xC3F, 116},                  // measured colour
-    {0xC92, 118},  {0xC96, 121},  {0xC9A, 116},                  // the same, for the white lines
+/// The ISP registers as they are after a reset, and with a picture running where they tell about it. All
+/// others read 0.
+const Preset kIspPresets[] = {
+    // System: chip number, revision, clocks, pins.
+    {0x800, {0x51, 0x2C, 0x23, 0x00, 0x12, 0x24, 0x81, 0x01, 0xFF, 0x00, 0xA5, 0x00, 0x00}},
+    // Sensor interface.
+    {0x820, {0x01, 0x00, 0x00, 0x00, 0x00, 0x08, 0x00, 0x0C, 0x03, 0xD0, 0x02, 0x46, 0x10, 0x30, 0x00}},
+    // Auto exposure; shutter, gain and luma are live.
+    {0xA00, {0x03, 0x60, 0x24, 0x04, 0x02, 0x71, 0x01, 0x38, 0x01, 0x80, 0x20, 0x00, 0x5E, 0x00}},
+    // Statistics and picker: the picker is off, its cursor in the middle, its colour that of a grey wall.
+    {0xA10, {0x10}},
+    {0xA20, {0x90}},
+    {0xC38, {0x01, 0xE0, 0x01, 0x20, 0x00, 118, 121, 116}},
+    // White balance; the colour under the cursor once more.
+    {0xC80, {0x01, 0x08, 0x01, 0xA0, 0x01, 0x00, 0x01, 0x84, 0x20, 0xD0}},
+    {0xC92, {118}},
+    {0xC96, {121}},
+    {0xC9A, {116}},
+    // Colour: the unit matrix, saturation, hue, gamma.
+    {0xB00, {0x01}},
+    {0xB08, {0x01}},
+    {0xB10, {0x01}},
+    {0xB14, {0x80, 0x80, 0x01}},
+    // Noise and edges, lens shading.
+    {0xD00, {0x01, 0x30, 0x11, 0x21, 0x18, 0x40, 0x06, 0x50}},
+    {0xD12, {0x01, 0xE8, 0x01, 0x23}},
+    // Output and on-screen display.
+    {0xE00, {0x00, 0x01, 0x80, 0x80, 0x10, 0xEB}},
+    {0xE20, {0x01, 0x08, 0x06, 0x70}},
 };
+
+struct SensorPreset {
+  std::uint16_t address;
+  std::uint16_t value;
+};
+/// Sensor number and revision, streaming, exposure lines, gain.
+constexpr SensorPreset kSensorPresets[] = {
+    {0x0000, 0x5120}, {0x0002, 0x0003}, {0x0100, 1}, {0x0202, 312}, {0x0204, 384}};
 
 /// Blocks that are switched on at power on.
 constexpr std::uint8_t kEnabledBlocks[] = {0x84, 0x85, 0x86, 0x87, 0x8B, reg::kAeTask, reg::kAwbTask};
@@ -150,12 +182,12 @@ UserDataImage factory_user_data() {
 void reset_registers(ChipState& chip) {
   chip.direct.fill(0);
   for (const std::uint8_t address : kEnabledBlocks) chip.direct[address] = 1;
-  // Registers without a meaning of their own differ from each other, so that a mixed up address shows.
-  for (std::size_t i = 0; i < chip.isp.size(); ++i)
-    chip.isp[i] = static_cast<std::uint8_t>(i * 37 + (i >> 8));
-  for (const Preset& preset : kIspPresets) chip.isp[preset.address] = preset.value;
-  for (std::size_t i = 0; i < chip.sensor.size(); ++i)
-    chip.sensor[i] = static_cast<std::uint16_t>(i ^ 0x5120);
+  chip.isp.fill(0);
+  for (const Preset& preset : kIspPresets) {
+    std::copy(preset.values.begin(), preset.values.end(), chip.isp.begin() + preset.address);
+  }
+  std::fill(chip.sensor.begin(), chip.sensor.end(), std::uint16_t{0});
+  for (const SensorPreset& preset : kSensorPresets) chip.sensor[preset.address] = preset.value;
 }
 
 }  // namespace qv5123

@@ -120,7 +120,7 @@ TEST(BoardLine, AnnouncesTheChipToAHostThatListens) {
   EXPECT_NE(board.take().find("QV5123 camera ISP"), std::string::npos);
 
   board.line.host_opened(board.now);
-  EXPECT_EQ(board.ask("@9409*@9422*"), "~12^");
+  EXPECT_EQ(board.ask("@9408*@9404*"), "~12^");
   board.now += 60ms;
   EXPECT_EQ(board.take(), "") << "a host that speaks first must not take the announcement for its answer";
 }
@@ -130,7 +130,7 @@ TEST(BoardLine, PassesBytesNoFasterThanTheLine) {
   options.line_rate = 19200;
   Board board(options);
   const TimePoint start = board.now;
-  const std::string request = "@9409*@9422*";
+  const std::string request = "@9408*@9404*";
   EXPECT_EQ(board.ask(request), "");
   EXPECT_EQ(board.take_all(), "~12^");
   const std::chrono::duration<double> taken = board.now - start;
@@ -153,7 +153,7 @@ TEST(BoardLine, SlowLinesAreNotSilent) {
   LineOptions options;
   options.line_rate = 300;
   Board board(options);
-  board.ask("@9409*@9422*");
+  board.ask("@9408*@9404*");
   EXPECT_EQ(board.take_all(), "~12^");
 }
 
@@ -161,8 +161,8 @@ TEST(BoardLine, ForgetsHalfARequestAfterSilence) {
   Board board;
   board.ask("@9401*");
   board.now += 31ms;
-  EXPECT_EQ(board.ask("@9409*@9422*"), "~12^");
+  EXPECT_EQ(board.ask("@9408*@9404*"), "~12^");
   board.ask(std::string("A\x01\0xyz", 6));
   EXPECT_EQ(board.take_all(), "\r\nFirmware: given up after 0 of 1 block, old image kept\r\n");
-  EXPECT_EQ(board.ask("@9409*@9422*"), "~12^");
+  EXPECT_EQ(board.ask("@9408*@9404*"), "~12^");
 }

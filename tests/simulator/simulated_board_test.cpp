@@ -26,7 +26,7 @@ TEST(SimulatedBoard, AnswersLikeADeviceAndAnnouncesItselfOnEachOpen) {
   for (int i = 0; i < 2; ++i) {
     ASSERT_TRUE(board.open("simulated", {}).ok());
     EXPECT_NE(received(board).find("QV5123 camera ISP"), std::string::npos);
-    EXPECT_EQ(send(board, "@9409*@9422*"), 12u);
+    EXPECT_EQ(send(board, "@9408*@9404*"), 12u);
     EXPECT_EQ(board.wait(), SerialDevice::Wait::received);
     EXPECT_EQ(received(board), "~12^");
     board.close();
