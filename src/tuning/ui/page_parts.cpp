@@ -1,11 +1,26 @@
 #include "tuning/ui/page_parts.h"
 
+#include <QEvent>
 #include <QFontMetrics>
 #include <QLabel>
 #include <QSignalBlocker>
 #include <QSlider>
 
 namespace qv5123 {
+namespace {
+
+class WheelGuard : public QObject {
+ public:
+  using QObject::QObject;
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    const auto* widget = qobject_cast<QWidget*>(watched);
+    if (event->type() != QEvent::Wheel || !widget || widget->hasFocus()) return false;
+    event->ignore();
+    return true;
+  }
+};
+
+}  // namespace
 
 QPushButton* make_button(const QString& caption, const QString& name, const QString& tooltip,
                          std::function<void()> clicked) {
@@ -25,7 +40,42 @@ QSpinBox* make_number(int minimum, int maximum, const QString& name, const QStri
   auto* box = named(new QSpinBox, name, tooltip);
   box->setRange(minimum, maximum);
   box->setKeyboardTracking(false);
+  keep_wheel_from(box);
   return box;
+}
+
+int typed_value(QSpinBox* box) {
+  box->interpretText();
+  return box->value();
+}
+
+QCheckBox* make_check(const QString& caption, const QString& name, const QString& tooltip,
+                      std::function<void(bool)> clicked) {
+  auto* box = named(new QCheckBox(caption), name.isEmpty() ? caption : name, tooltip);
+  QObject::connect(box, &QCheckBox::clicked, box, std::move(clicked));
+  return box;
+}
+
+QComboBox* make_combo(const QStringList& items, const QString& name, const QString& tooltip,
+                      std::function<void(int)> chosen) {
+  auto* combo = named(new QComboBox, name, tooltip);
+  combo->addItems(items);
+  QObject::connect(combo, &QComboBox::currentIndexChanged, combo, std::move(chosen));
+  keep_wheel_from(combo);
+  return combo;
+}
+
+QString register_text(std::uint8_t address) {
+  return QString("register 0x%1").arg(QString::number(address, 16).toUpper().rightJustified(2, '0'));
+}
+
+QString range_text(int minimum, int maximum, std::uint8_t address) {
+  return QString("%1..%2, %3").arg(minimum).arg(maximum).arg(register_text(address));
+}
+
+void keep_wheel_from(QWidget* widget) {
+  widget->setFocusPolicy(Qt::StrongFocus);
+  widget->installEventFilter(new WheelGuard(widget));
 }
 
 void show_value(QSpinBox* box, int value) {
@@ -36,6 +86,11 @@ void show_value(QSpinBox* box, int value) {
 void show_checked(QAbstractButton* button, bool checked) {
   const QSignalBlocker quiet(button);
   button->setChecked(checked);
+}
+
+void show_index(QComboBox* combo, int index) {
+  const QSignalBlocker quiet(combo);
+  combo->setCurrentIndex(index >= 0 && index < combo->count() ? index : -1);
 }
 
 void SliderRow::show(int value) {
@@ -51,6 +106,7 @@ SliderRow add_slider_row(QGridLayout* grid, int row, const QString& caption, int
   auto* label = new QLabel(caption);
   parts.slider = named(new QSlider(Qt::Horizontal), caption + " bar", tooltip);
   parts.slider->setRange(minimum, maximum);
+  keep_wheel_from(parts.slider);
   parts.edit = make_number(minimum, maximum, caption, tooltip);
   label->setBuddy(parts.edit);
   QObject::connect(parts.slider, &QSlider::valueChanged, parts.edit, &QSpinBox::setValue);

@@ -2,12 +2,14 @@
 
 #include <QAbstractButton>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QString>
 
+#include <cstdint>
 #include <functional>
 
 /// The controls that the pages are put together from, each with its accessible name, which is unique on its
@@ -35,9 +37,39 @@ QPushButton* make_set_button(const QString& caption, const QString& value, const
 /// when Enter is pressed or the focus leaves.
 QSpinBox* make_number(int minimum, int maximum, const QString& name, const QString& tooltip);
 
+/// What stands in the edit, typed text that was not confirmed included.
+int typed_value(QSpinBox* box);
+
+/// A check box that tells the user's clicks.
+QCheckBox* make_check(const QString& caption, const QString& name, const QString& tooltip,
+                      std::function<void(bool checked)> clicked);
+
+/// A drop-down list that tells the user's choices.
+QComboBox* make_combo(const QStringList& items, const QString& name, const QString& tooltip,
+                      std::function<void(int index)> chosen);
+
+/// The captions of a table as list items.
+template <class Captions>
+QStringList items_of(const Captions& captions) {
+  QStringList items;
+  for (const char* caption : captions) items << QString::fromUtf8(caption);
+  return items;
+}
+
+/// "register 0x3A", as tooltips call it.
+QString register_text(std::uint8_t address);
+/// "<minimum>..<maximum>, register 0x3A".
+QString range_text(int minimum, int maximum, std::uint8_t address);
+
+/// Lets `widget` take the mouse wheel only while it has the focus, so that rolling the page changes nothing
+/// on the chip.
+void keep_wheel_from(QWidget* widget);
+
 /// Sets a value without the widget telling that it changed.
 void show_value(QSpinBox* box, int value);
 void show_checked(QAbstractButton* button, bool checked);
+/// Nothing is selected where the list has no such index.
+void show_index(QComboBox* combo, int index);
 
 /// A horizontal slider, its edit, both showing the same value, and a "Set" button.
 struct SliderRow {

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QSet>
+#include <QSlider>
+#include <QSpinBox>
+#include <QWidget>
+
+namespace qv5123::test {
+
+/// A page used as a user does, who finds controls by the names that assistive tools read out.
+class PageDriver {
+ public:
+  explicit PageDriver(QWidget& page) : page_(page) {}
+
+  template <class Widget>
+  Widget* find(const QString& name) const {
+    for (auto* widget : page_.findChildren<Widget*>())
+      if (widget->accessibleName() == name) return widget;
+    ADD_FAILURE() << "no such control: " << name.toStdString();
+    return nullptr;
+  }
+  void click(const QString& name) const { find<QAbstractButton>(name)->click(); }
+  void type(const QString& name, int value) const { find<QSpinBox>(name)->setValue(value); }
+  void type(const QString& name, const QString& text) const {
+    auto* edit = find<QLineEdit>(name);
+    edit->setText(text);
+    emit edit->textEdited(text);
+  }
+  void choose(const QString& name, int index) const { find<QComboBox>(name)->setCurrentIndex(index); }
+  int number(const QString& name) const { return find<QSpinBox>(name)->value(); }
+  int index(const QString& name) const { return find<QComboBox>(name)->currentIndex(); }
+  QString text(const QString& name) const { return find<QLineEdit>(name)->text(); }
+  bool checked(const QString& name) const { return find<QAbstractButton>(name)->isChecked(); }
+
+  /// Every control that takes the keyboard has a name of its own and a tooltip.
+  void expect_named_controls() const {
+    QSet<QString> names;
+    for (const QWidget* widget : page_.findChildren<QWidget*>()) {
+      const bool is_inner_part = widget->objectName().startsWith("qt_");
+      if (is_inner_part || !(widget->focusPolicy() & Qt::TabFocus)) continue;
+      const QString name = widget->accessibleName();
+      EXPECT_FALSE(name.isEmpty()) << widget->metaObject()->className();
+      EXPECT_FALSE(names.contains(name)) << name.toStdString();
+      EXPECT_FALSE(widget->toolTip().isEmpty()) << name.toStdString();
+      names.insert(name);
+    }
+  }
+
+ private:
+  QWidget& page_;
+};
+
+}  // namespace qv5123::test
