@@ -102,10 +102,4 @@ Traffic awb_save_traffic(const AwbValues& values) {
   return full_save(std::move(words));
 }
 
-Traffic awb_colour_requests() {
-  Traffic traffic;
-  for (int address : kAwbColourRegisters) traffic.push_back(isp_read_request(address));
-  return traffic;
-}
-
 }  // namespace qv5123

@@ -113,7 +113,4 @@ inline constexpr RegisterWrite kAwbRight{reg::kOsdKey, 3};
 
 /// ISP registers whose bytes are red, green and blue under the cursor, as "GET COLOR" asks for them.
 inline constexpr std::array<int, 3> kAwbColourRegisters{0xC92, 0xC96, 0xC9A};
-/// "GET COLOR": one request per colour, each a flush.
-Traffic awb_colour_requests();
-
 }  // namespace qv5123

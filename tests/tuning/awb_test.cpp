@@ -35,10 +35,6 @@ TEST(Awb, RowsAreLimitedWhenSetButEAndFAreNot) {
   EXPECT_EQ(on_wire(awb_row_traffic(values, kAwbRows[5])), "@fa01*|@1603*@1684*|@fa00*|");
 }
 
-TEST(Awb, ColourRequestsAreThreeFlushes) {
-  EXPECT_EQ(on_wire(awb_colour_requests()), "@940c*@9492*|@940c*@9496*|@940c*@949a*|");
-}
-
 TEST(Awb, ReplyOfTenWords) {
   const std::string reply = "01020203fffefce0032001050106010704098000";
   const auto values = decode_awb_reply(reply, AwbValues{});

@@ -1,0 +1,137 @@
+#include "tuning/ui/dlg_isp_awb.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "support/fake_page_host.h"
+#include "support/page_driver.h"
+
+namespace qv5123 {
+namespace {
+
+class AwbPage : public testing::Test {
+ protected:
+  const std::string& wire() {
+    fake_.advance(2000);
+    return sent_ = fake_.sender.wire();
+  }
+  const AwbChartView& chart() { return *page_.findChild<AwbChartView*>(); }
+
+  test::FakeWire fake_;
+  test::FakePageHost host_{fake_};
+  CDlgIspAwb page_{host_};
+  test::PageDriver user_{page_};
+  std::string sent_;
+};
+
+TEST_F(AwbPage, SetLimitsTheRowAndSendsItKept) {
+  user_.expect_named_controls();
+  user_.type("A Slope", 900);
+  user_.type("A Intercept", -2);
+  user_.click("A S");
+  EXPECT_EQ(user_.number("A Slope"), 800);
+  user_.type("E Intercept", 900);
+  user_.click("E S");
+  EXPECT_EQ(wire(), "@fa01*@0d03*@0d20*@0eff*@0efe*@fa00*@fa01*@1503*@1584*@fa00*");
+}
+
+TEST_F(AwbPage, KeysSendOneWriteEach) {
+  for (const char* key : {"None", "Set", "Check", "UP", "DOWN", "LEFT", "RIGHT"}) user_.click(key);
+  EXPECT_EQ(wire(), "@3200*@3300*@3400*@0100*@0101*@0102*@0103*");
+}
+
+TEST_F(AwbPage, TheChipsLinesFillThePage) {
+  user_.type("A Slope", 7);
+  user_.click("Load <- ISP");
+  EXPECT_TRUE(page_.loading());
+  fake_.advance(100);
+  fake_.receive("~0102020303200321ffff0005000600078000ffff^");
+  fake_.advance(300);
+  EXPECT_FALSE(page_.loading());
+  EXPECT_EQ(fake_.sender.wire(), "@3600*");
+  EXPECT_EQ(host_.last_status(), "Load Isp Ok.");
+  EXPECT_EQ(user_.number("A Slope"), 0x102);
+  EXPECT_EQ(user_.number("B Slope"), 800);
+  EXPECT_EQ(user_.number("B Intercept"), 801 - 65536);
+  EXPECT_EQ(user_.number("C Slope"), -1);
+  EXPECT_EQ(user_.number("E Intercept"), -32768);
+  EXPECT_EQ(user_.number("F Intercept"), -1);
+
+  user_.click("Load <- ISP");
+  fake_.advance(2000);
+  EXPECT_EQ(host_.last_status(), "AWB Data Load Fail...");
+  EXPECT_EQ(user_.number("A Slope"), 0x102);
+}
+
+TEST_F(AwbPage, FullSave) {
+  user_.type("A Slope", 0x102);
+  user_.type("F Intercept", -1);
+  user_.click("File/Flash Save");
+  user_.click("File/Flash Save");
+  EXPECT_EQ(host_.last_status(), "AWB Data Saving...");
+  fake_.advance(300);
+  EXPECT_EQ(host_.busy, std::vector<bool>{true});
+  EXPECT_EQ(wire(),
+            "@f901*@fa01*@0d01*@0d02*@0e00*@0e00*@0f00*@0f00*@1000*@1000*@1100*@1100*@1200*@1200*@1300*@1300*"
+            "@1400*@1400*@1500*@1500*@16ff*@16ff*@fa00*@f900*");
+  EXPECT_EQ(fake_.sender.writes.size(), 14u);
+  EXPECT_EQ(host_.last_status(), "AWB Data Save Done.");
+}
+
+TEST_F(AwbPage, MeasuredColourBecomesTheSelectedPatch) {
+  fake_.sender.chip = [this](const std::string& bytes) {
+    if (bytes == "@940c*@9492*") fake_.receive("~a0^");
+    if (bytes == "@940c*@9496*") fake_.receive("~B1^");
+    if (bytes == "@940c*@949a*") fake_.receive("~c2^");
+  };
+  user_.click("4100K");
+  user_.click("GET COLOR");
+  EXPECT_EQ(wire(), "@940c*@9492*@940c*@9496*@940c*@949a*");
+  EXPECT_EQ(user_.number("4100K R"), 0xA0);
+  EXPECT_EQ(user_.number("4100K G"), 0xB1);
+  EXPECT_EQ(user_.number("4100K B"), 0xC2);
+
+  fake_.sender.chip = [this](const std::string& bytes) {
+    if (bytes == "@940c*@9492*") fake_.receive("~11^");
+  };
+  user_.click("GET COLOR");
+  wire();
+  EXPECT_EQ(user_.number("4100K R"), 0xA0) << "a patch is never half measured";
+  EXPECT_EQ(host_.last_status(), "GET COLOR: no answer from 0xFC96");
+}
+
+TEST_F(AwbPage, WhatIsSavedComesBackFromTheFile) {
+  std::mt19937 random(3);
+  std::uniform_int_distribution<int> word(-800, 800), byte(0, 255);
+  AwbValues values;
+  for (int& w : values.words) w = word(random);
+  for (PatchColour& p : values.patches) p = {byte(random), byte(random), byte(random)};
+  save_to_user_data(values, host_.doc.user_data);
+  user_.click("Load <- File");
+  EXPECT_EQ(host_.last_status(), "Load File Ok.");
+  EXPECT_EQ(user_.number("2400K or Under B"), values.patches[23].b);
+  const UserDataImage before = host_.doc.user_data;
+  host_.doc.user_data.assign({});
+  page_.save_to_user_data();
+  EXPECT_TRUE(host_.doc.user_data == before);
+}
+
+TEST_F(AwbPage, TheChartFollowsTheEditsAndNamesItsPatches) {
+  page_.resize(900, 650);
+  page_.show();
+  user_.type("Green R", 300);
+  const auto place = chroma_over_luma({255, 0, 0});
+  const QPointF at = chart().to_widget({200 * place->x, -200 * place->y});
+  EXPECT_EQ(chart().text_at(at), "Green: R 300, G 0, B 0\nCb/Y = -0.566, Cr/Y = 1.684");
+  EXPECT_EQ(chart().text_at(at + QPointF(40, 0)), "");
+  user_.type("Green R", 128);
+  user_.type("Green G", 128);
+  user_.type("Green B", 200);
+  const auto green = chroma_over_luma({128, 128, 200});
+  const QPoint centre = chart().to_widget({200 * green->x, -200 * green->y}).toPoint();
+  EXPECT_EQ(page_.findChild<AwbChartView*>()->grab().toImage().pixelColor(centre), QColor(70, 148, 73));
+}
+
+}  // namespace
+}  // namespace qv5123
