@@ -206,6 +206,29 @@ TEST(SimulatorProgram, ComesBackAfterAHangup) {
   EXPECT_EQ(simulator.end(SIGTERM), 0);
 }
 
+TEST(SimulatorProgram, AnswersOnAPortThatItIsGiven) {
+  const int near_end = ::posix_openpt(O_RDWR | O_NOCTTY);
+  ASSERT_TRUE(near_end >= 0 && ::grantpt(near_end) == 0 && ::unlockpt(near_end) == 0);
+  const std::string port = ::ptsname(near_end);
+  Program simulator({"--port", port});
+  EXPECT_EQ(simulator.line(), port);
+  std::string text;
+  read_until(near_end, text, "^");
+  EXPECT_TRUE(ends_with(text, "303432^"));
+  const std::string_view request = "@9408*@9404*";
+  ASSERT_EQ(::write(near_end, request.data(), request.size()), static_cast<ssize_t>(request.size()));
+  text.clear();
+  read_until(near_end, text, "^");
+  EXPECT_EQ(text, "~12^");
+  // A port that is gone is looked for again, but a program that is to end does so.
+  ::close(near_end);
+  EXPECT_EQ(simulator.end(SIGTERM), 0);
+
+  Program without({"--port", "/dev/no-such-port"});
+  EXPECT_NE(without.errors().find("/dev/no-such-port"), std::string::npos);
+  EXPECT_EQ(without.end(), 3);
+}
+
 TEST(SimulatorProgram, NamesABadOptionInOneLine) {
   const fs::path file = fresh_path("qv5123sim-file");
   std::ofstream(file) << "mine";
