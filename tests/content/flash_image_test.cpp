@@ -9,10 +9,10 @@ namespace qv5123 {
 namespace {
 
 /// A folder of its own for a test, gone afterwards.
-class FlashFilesTest : public testing::Test {
+class SerialFlashFiles : public testing::Test {
  protected:
-  FlashFilesTest() { std::filesystem::create_directories(folder_); }
-  ~FlashFilesTest() override { std::filesystem::remove_all(folder_); }
+  SerialFlashFiles() { std::filesystem::create_directories(folder_); }
+  ~SerialFlashFiles() override { std::filesystem::remove_all(folder_); }
 
   std::filesystem::path file(const std::string& name, const std::string& bytes) const {
     std::ofstream(folder_ / name, std::ios::binary) << bytes;
@@ -40,7 +40,7 @@ std::string erased(std::size_t size) {
   return std::string(size, '\xFF');
 }
 
-TEST(FlashImage, EveryRegionStandsInItsPlaceAndTheRestIsErased) {
+TEST(SerialFlashImage, EveryRegionStandsInItsPlaceAndTheRestIsErased) {
   // 2048 numbers, each the low 8 bits of 3 x its index: no piece looks like another.
   std::string user_text;
   std::string user;
@@ -64,7 +64,7 @@ TEST(FlashImage, EveryRegionStandsInItsPlaceAndTheRestIsErased) {
   EXPECT_EQ(region(0x30000, 0x40000), firmware + erased(0x10000 - 1000));
 }
 
-TEST(FlashImage, ShortUserDataRepeatsItsLastNumber) {
+TEST(SerialFlashImage, ShortUserDataRepeatsItsLastNumber) {
   const auto image = lay_out_flash({{}, {}, numbers(1024)});
   EXPECT_EQ(image[0x10000 + 300], '\x2C');
   EXPECT_EQ(image.substr(0x10000 + 1024, 1024), erased(1024)) << "1023 mod 256";
@@ -74,11 +74,11 @@ TEST(FlashImage, ShortUserDataRepeatsItsLastNumber) {
   EXPECT_EQ(lay_out_flash({{}, {}, std::string()}).substr(0x10000, 2048), std::string(2048, '\0'));
 }
 
-TEST(FlashImage, WithoutContentEverythingIsErased) {
+TEST(SerialFlashImage, WithoutContentEverythingIsErased) {
   EXPECT_EQ(lay_out_flash({}), erased(262144));
 }
 
-TEST_F(FlashFilesTest, FullRegionsFitAndUnreadableFilesStayErased) {
+TEST_F(SerialFlashFiles, FullRegionsFitAndUnreadableFilesStayErased) {
   const auto whole = counted(0x10000);
   const auto built =
       build_flash_image({file("fw.bin", whole), file("font.bin", whole), folder_ / "none.dat"});
@@ -89,7 +89,7 @@ TEST_F(FlashFilesTest, FullRegionsFitAndUnreadableFilesStayErased) {
   EXPECT_EQ(nothing.image, erased(262144));
 }
 
-TEST_F(FlashFilesTest, AFileBeyondSixtyFourKibibytesIsRefusedWithSizeAndLimit) {
+TEST_F(SerialFlashFiles, AFileBeyondSixtyFourKibibytesIsRefusedWithSizeAndLimit) {
   const auto large = file("large.bin", counted(0x10001));
   const auto small = file("small.bin", "x");
   const auto text = large.u8string();
