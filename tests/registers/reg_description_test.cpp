@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "console/atomic_file.h"
 
 namespace qv5123 {
@@ -206,6 +208,25 @@ TEST(RegDescription, LoadsUtf16AndSaysWhenThereIsNoFile) {
   EXPECT_EQ(utf8.problem, "");
   EXPECT_TRUE(utf8.categories.empty());
   std::filesystem::remove_all(folder);
+}
+
+TEST(RegDescription, TheSampleDescriptionIsWhole) {
+  const RegDescription d =
+      RegDescription::load(std::filesystem::path(QV5123_SOURCE_DIR) / "resources" / "regu.xml");
+  EXPECT_EQ(d.problem, "");
+  EXPECT_EQ(d.chip, u"QV512x");
+  EXPECT_EQ(d.categories.size(), 8u);
+  EXPECT_GE(d.registers.size(), 100u);
+  for (std::size_t i = 0; i < d.registers.size(); ++i) {
+    EXPECT_GE(d.registers[i].address, 0xF800) << i;
+    const auto fields = d.fields_of(i);
+    EXPECT_GE(fields.last - fields.first, 1u) << i;
+    EXPECT_LE(fields.last - fields.first, 8u) << i;
+  }
+  for (const char access : {'W', 'R', 'V', 'C'}) {
+    EXPECT_TRUE(std::ranges::any_of(d.registers, [&](const RegEntry& r) { return r.write == access; }))
+        << access;
+  }
 }
 
 TEST(ParseRegAddress, TakesFourDigitsBehindThePrefix) {
