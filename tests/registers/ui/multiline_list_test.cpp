@@ -1,0 +1,162 @@
+#include "registers/ui/multiline_list.h"
+
+#include <gtest/gtest.h>
+
+#include <QtTest>
+#include <QtWidgets>
+
+namespace qv5123 {
+namespace {
+
+class MultilineListTest : public testing::Test {
+ protected:
+  MultilineListTest() {
+    list_.set_size(3, 5);
+    list_.resize(400, 400);
+    list_.show();
+    lay_out();
+  }
+  // The layout is put off once, and so is what the scroll bars make of it.
+  static void lay_out() {
+    for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
+  }
+  int line() const { return list_.fontMetrics().height(); }
+  void press(int y) {
+    QTest::mouseClick(list_.viewport(), Qt::LeftButton, {}, QPoint(5, y));
+    lay_out();
+  }
+  int header_width(int column) { return list_.findChild<QHeaderView*>()->sectionSize(column); }
+  QString header_text(int column) {
+    return list_.findChild<QHeaderView*>()->model()->headerData(column, Qt::Horizontal).toString();
+  }
+
+  CMultilineList list_;
+};
+
+TEST_F(MultilineListTest, WhatWasNeverSetHasItsDefaults) {
+  EXPECT_EQ(list_.cell_text(1, 1), " ");
+  EXPECT_EQ(list_.column_width(1), 100);
+  EXPECT_EQ(list_.column_heading(1), " ");
+  EXPECT_EQ(header_width(1), 100);
+  EXPECT_EQ(list_.selected_row(), -1);
+  EXPECT_EQ(list_.row_height(0), line() + 5);
+}
+
+TEST_F(MultilineListTest, ARowIsAsTallAsItsTallestCell) {
+  list_.set_cell_text(0, 1, "one\r\ntwo");
+  EXPECT_EQ(list_.row_height(1), 2 * line() + 5);
+  EXPECT_EQ(list_.cell_text(0, 1), "one\r\ntwo");
+  list_.set_cell_text(1, 2, "words that are wrapped where their column ends & go on");
+  const int wrapped = list_.row_height(2);
+  EXPECT_GT(wrapped, 2 * line());
+  list_.set_column_width(1, 1000);
+  EXPECT_EQ(list_.row_height(2), line() + 5);
+  lay_out();
+  EXPECT_EQ(header_width(1), 1000);
+}
+
+TEST_F(MultilineListTest, ShrinkingForgetsWhatIsBeyond) {
+  list_.set_cell_text(2, 4, "x");
+  list_.set_cell_text(0, 0, "kept");
+  list_.set_column_width(2, 30);
+  list_.set_column_heading(2, "Third");
+  lay_out();
+  EXPECT_EQ(header_text(2), "Third");
+  list_.set_size(3, 5);
+  EXPECT_EQ(list_.cell_text(2, 4), "x") << "the same size changes nothing";
+  list_.set_size(2, 4);
+  list_.set_size(3, 5);
+  EXPECT_EQ(list_.cell_text(2, 4), " ");
+  EXPECT_EQ(list_.column_width(2), 100);
+  EXPECT_EQ(list_.column_heading(2), " ");
+  EXPECT_EQ(list_.cell_text(0, 0), "kept");
+  list_.set_cell_text(7, 7, "nowhere");
+  list_.set_cell_text(-1, 0, "nowhere");
+  EXPECT_EQ(list_.cell_text(7, 7), " ");
+}
+
+TEST_F(MultilineListTest, ScrollBarsAppearWhereTheRowsDoNotFit) {
+  EXPECT_FALSE(list_.verticalScrollBar()->isVisible());
+  EXPECT_FALSE(list_.horizontalScrollBar()->isVisible());
+  list_.set_size(3, 50);
+  lay_out();
+  EXPECT_TRUE(list_.verticalScrollBar()->isVisible());
+  EXPECT_FALSE(list_.horizontalScrollBar()->isVisible());
+  EXPECT_EQ(list_.verticalScrollBar()->pageStep(), list_.viewport()->height());
+  EXPECT_EQ(list_.verticalScrollBar()->maximum(), 50 * (line() + 5) - list_.viewport()->height());
+  list_.set_column_width(0, 300);
+  lay_out();
+  EXPECT_TRUE(list_.horizontalScrollBar()->isVisible());
+  list_.horizontalScrollBar()->setValue(50);
+  EXPECT_EQ(list_.findChild<QHeaderView*>()->offset(), 50);
+}
+
+TEST_F(MultilineListTest, LinesScrollToRowBoundaries) {
+  list_.set_size(3, 50);
+  list_.set_cell_text(0, 1, "a\r\nb\r\nc");
+  lay_out();
+  QScrollBar* bar = list_.verticalScrollBar();
+  const int row = line() + 5;
+  bar->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+  EXPECT_EQ(bar->value(), row);
+  bar->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+  EXPECT_EQ(bar->value(), row + 3 * line() + 5);
+  bar->setValue(row + 7);
+  bar->triggerAction(QAbstractSlider::SliderSingleStepSub);
+  EXPECT_EQ(bar->value(), row);
+  const auto turn = [this](int delta) {
+    QWheelEvent event(QPointF(5, 5), list_.mapToGlobal(QPointF(5, 5)), {}, {0, delta}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(list_.viewport(), &event);
+  };
+  turn(120);
+  EXPECT_EQ(bar->value(), 0);
+  turn(-60);
+  EXPECT_EQ(bar->value(), 0);
+  turn(-60);
+  EXPECT_EQ(bar->value(), row);
+  bar->setValue(bar->maximum());
+  turn(-120);
+  EXPECT_EQ(bar->value(), bar->maximum());
+}
+
+TEST_F(MultilineListTest, APressSelectsTheRowAndShowsItWhole) {
+  QSignalSpy pressed(&list_, &CMultilineList::row_pressed);
+  list_.set_cell_text(0, 1, "a\r\nb\r\nc");
+  press(line() + 5 + 2 * line());
+  EXPECT_EQ(list_.selected_row(), 1);
+  ASSERT_EQ(pressed.size(), 1);
+  EXPECT_EQ(pressed[0][0].toInt(), 1);
+  press(390 - list_.findChild<QHeaderView*>()->height());
+  EXPECT_EQ(list_.selected_row(), -1) << "below the last row";
+
+  list_.set_size(3, 50);
+  lay_out();
+  list_.verticalScrollBar()->setValue(3);
+  press(list_.viewport()->height() - 1);
+  const int row = list_.selected_row();
+  EXPECT_EQ(list_.row_at(list_.viewport()->height() - 1), row);
+  EXPECT_NE(list_.row_at(list_.viewport()->height()), row) << "its end is in view";
+  const QImage picture = list_.grab().toImage();
+  const QPointF inside =
+      QPointF(list_.viewport()->geometry().bottomLeft() + QPoint(30, -3)) * picture.devicePixelRatio();
+  EXPECT_EQ(picture.pixelColor(inside.toPoint()), list_.palette().color(QPalette::Highlight));
+}
+
+TEST_F(MultilineListTest, DraggingADividerChangesTheColumn) {
+  auto* header = list_.findChild<QHeaderView*>();
+  const QPoint divider(header->sectionPosition(1) - 1, header->height() / 2);
+  QTest::mousePress(header->viewport(), Qt::LeftButton, {}, divider);
+  QTest::mouseMove(header->viewport(), divider + QPoint(30, 0));
+  QMouseEvent move(QEvent::MouseMove, divider + QPoint(30, 0),
+                   header->viewport()->mapToGlobal(divider + QPoint(30, 0)), Qt::LeftButton, Qt::LeftButton,
+                   Qt::NoModifier);
+  QCoreApplication::sendEvent(header->viewport(), &move);
+  QTest::mouseRelease(header->viewport(), Qt::LeftButton, {}, divider + QPoint(30, 0));
+  EXPECT_NEAR(list_.column_width(0), 130, 1);
+  lay_out();
+  EXPECT_EQ(header_width(0), list_.column_width(0));
+}
+
+}  // namespace
+}  // namespace qv5123
