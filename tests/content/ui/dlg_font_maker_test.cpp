@@ -10,8 +10,8 @@
 #include "content/ui/font_preview_area.h"
 #include "content/ui/glyph_editor_area.h"
 #include "content/ui/glyph_rasterizer.h"
-#include "page_test.h"
 #include "support/fake_page_host.h"
+#include "support/page_test.h"
 
 namespace qv5123 {
 namespace {

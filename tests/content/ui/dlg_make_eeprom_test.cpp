@@ -5,8 +5,8 @@
 #include <fstream>
 
 #include "console/atomic_file.h"
-#include "page_test.h"
 #include "support/fake_page_host.h"
+#include "support/page_test.h"
 
 namespace qv5123 {
 namespace {

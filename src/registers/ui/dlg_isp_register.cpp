@@ -1,0 +1,325 @@
+#include "registers/ui/dlg_isp_register.h"
+
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTableView>
+#include <QVBoxLayout>
+
+#include "registers/ui/bit_boxes.h"
+#include "registers/ui/hex_edits.h"
+#include "registers/ui/multiline_list.h"
+#include "registers/ui/register_list_model.h"
+#include "registers/ui/spin_arrows.h"
+
+namespace qv5123 {
+namespace {
+
+enum FieldColumn { kBit, kFieldName, kDescription, kSample, kData, kFieldColumns };
+
+struct ColumnLayout {
+  const char* heading;
+  int width;           // pixels
+  const char* widest;  // a content that must fit with any font
+};
+
+constexpr int kFieldMargins = 6;  // around a cell's text, with its grid line
+
+constexpr ColumnLayout kListColumns[] = {
+    {"No.", 30, "2047"}, {"Addr", 50, "0xFFFF"}, {"Name", 120, ""}, {"Value", 50, "0xFF"}};
+constexpr ColumnLayout kFieldTable[] = {{"Bit", 40, "[7:0]"},
+                                        {"Name", 80, ""},
+                                        {"Description", 200, ""},
+                                        {"Data Sample", 190, ""},
+                                        {"Data", 40, " 255"}};
+
+// The given width, or what the content needs with the cell's own margins.
+int column_width(const ColumnLayout& column, const QWidget& widget, int margins) {
+  return std::max(column.width,
+                  widget.fontMetrics().horizontalAdvance(QLatin1String(column.widest)) + margins);
+}
+
+QLabel* label_of(const QString& caption, QWidget* control, const QString& name) {
+  auto* label = new QLabel(caption);
+  label->setBuddy(control);
+  control->setAccessibleName(name);
+  return label;
+}
+
+void fit_to(QLineEdit* edit, const char* text) {
+  const int margins = edit->sizeHint().height() - edit->fontMetrics().height();
+  edit->setFixedWidth(edit->fontMetrics().horizontalAdvance(QLatin1String(text)) + margins + 12);
+}
+
+// The caption grows while a sequence runs; the button does not.
+void reserve_width(QPushButton* button, const QString& widest) {
+  const QString caption = button->text();
+  button->setText(widest);
+  button->setMinimumWidth(button->sizeHint().width());
+  button->setText(caption);
+}
+
+QString cell_of(const std::u16string& text) {
+  return text.empty() ? QStringLiteral(" ") : QString::fromStdU16String(text);
+}
+
+}  // namespace
+
+CDlgIspRegister::CDlgIspRegister(PageHost& host, QWidget* parent)
+    : QWidget(parent),
+      category_(new QComboBox),
+      list_(new QTableView),
+      address_(new CMyEditAddress),
+      value_(new CMyEditValue),
+      name_(new QLineEdit),
+      bits_(new BitBoxes),
+      fields_(new CMultilineList),
+      desk_(host, RegDescription::load(), *this) {
+  make_list();
+  make_field_table();
+  auto* layout = new QHBoxLayout(this);
+  layout->addLayout(make_list_column());
+  layout->addLayout(make_register_column(), 1);
+  for (const std::u16string& name : desk_.sheet().description().categories) {
+    category_->addItem(QString::fromStdU16String(name));
+  }
+  connect(category_, &QComboBox::currentIndexChanged, this,
+          [this](int index) { desk_.choose_category(index); });
+  connect_edits();
+  set_tab_order();
+  desk_.open();
+}
+
+CDlgIspRegister::~CDlgIspRegister() = default;
+
+QBoxLayout* CDlgIspRegister::make_list_column() {
+  category_->setToolTip(tr("Group of registers in the description"));
+  category_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  auto* row = new QHBoxLayout;
+  row->addWidget(label_of(tr("Category:"), category_, tr("Category")));
+  row->addWidget(category_, 1);
+  auto* column = new QVBoxLayout;
+  column->addLayout(row);
+  column->addWidget(list_, 1);
+  return column;
+}
+
+void CDlgIspRegister::make_list() {
+  list_model_ = new RegisterListModel(desk_.sheet(), this);
+  list_->setModel(list_model_);
+  list_->setAccessibleName(tr("Registers"));
+  list_->setToolTip(tr("Registers of the category; a selected one is read"));
+  list_->setSelectionBehavior(QAbstractItemView::SelectRows);
+  list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  list_->setTabKeyNavigation(false);
+  list_->setWordWrap(false);
+  list_->setCornerButtonEnabled(false);
+  list_->verticalHeader()->hide();
+  list_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  list_->verticalHeader()->setDefaultSectionSize(list_->fontMetrics().height() + 6);
+  list_->horizontalHeader()->setHighlightSections(false);
+  list_->horizontalHeader()->setMinimumSectionSize(10);
+  list_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+  const int margins = 2 * (list_->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, list_) + 1) + 4;
+  int width = list_->verticalScrollBar()->sizeHint().width() + 2 * list_->frameWidth();
+  for (int column = 0; column < RegisterListModel::kColumns; ++column) {
+    list_->setColumnWidth(column, column_width(kListColumns[column], *list_, margins));
+    width += list_->columnWidth(column);
+  }
+  list_->setFixedWidth(width);
+  // Where there is no scroll bar, names have its room.
+  list_->horizontalHeader()->setSectionResizeMode(RegisterListModel::kName, QHeaderView::Stretch);
+  connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+          &CDlgIspRegister::rows_selected);
+  connect(list_, &QTableView::doubleClicked, this, [this](const QModelIndex& index) {
+    if (index.row() == desk_.sheet().current_row()) desk_.read();
+  });
+}
+
+void CDlgIspRegister::make_field_table() {
+  fields_->setAccessibleName(tr("Bit fields"));
+  fields_->setToolTip(tr("Bit fields of the register at the address, with their part of the value"));
+  fields_->set_size(kFieldColumns, static_cast<int>(RegisterSheet::kFieldRows));
+  for (int column = 0; column < kFieldColumns; ++column) {
+    fields_->set_column_heading(column, QLatin1String(kFieldTable[column].heading));
+    fields_->set_column_width(column, column_width(kFieldTable[column], *fields_, kFieldMargins));
+  }
+}
+
+QBoxLayout* CDlgIspRegister::make_register_column() {
+  auto* column = new QVBoxLayout;
+  column->addLayout(make_address_rows());
+  column->addWidget(fields_, 1);
+  column->addLayout(make_button_rows());
+  return column;
+}
+
+QBoxLayout* CDlgIspRegister::make_address_rows() {
+  address_->setToolTip(tr(
+      "Register address, four hexadecimal digits; the arrows keep within 0xF800..0xFFFF, the chip takes the "
+      "low 12 bits (registers 0x92 and 0x94). Enter reads."));
+  value_->setToolTip(tr("Register value, 0x00..0xFF"));
+  name_->setToolTip(tr("Name of the register at the address"));
+  name_->setEnabled(false);
+  fit_to(address_, "0xFFFF");
+  fit_to(value_, "0xFFFF");
+  auto* address_spin = new SpinArrows(tr("Address"));
+  auto* value_spin = new SpinArrows(tr("Value"));
+  connect(address_spin, &SpinArrows::stepped, address_, &CMyHexEdit::step);
+  connect(value_spin, &SpinArrows::stepped, value_, &CMyHexEdit::step);
+  read_ = make_button(tr("Read"), tr("Reads the register at the address"), &RegisterDesk::read);
+  write_ = make_button(tr("Write"), tr("Writes the value to the address"), &RegisterDesk::write);
+
+  auto* grid = new QGridLayout;
+  const auto add_edit = [grid](int row, QLabel* label, CMyHexEdit* edit, SpinArrows* spin,
+                               QPushButton* button) {
+    auto* pair = new QHBoxLayout;
+    pair->setSpacing(0);
+    pair->addWidget(edit);
+    pair->addWidget(spin);
+    grid->addWidget(label, row, 0);
+    grid->addLayout(pair, row, 1);
+    grid->addWidget(button, row, 2);
+  };
+  add_edit(0, label_of(tr("Address:"), address_, tr("Address")), address_, address_spin, read_);
+  add_edit(1, label_of(tr("Value:"), value_, tr("Value")), value_, value_spin, write_);
+  grid->addWidget(label_of(tr("Name:"), name_, tr("Name")), 0, 3);
+  grid->addWidget(name_, 0, 4);
+  grid->addWidget(bits_, 1, 4, Qt::AlignLeft | Qt::AlignVCenter);
+  grid->setColumnStretch(4, 1);
+  auto* rows = new QVBoxLayout;
+  rows->addLayout(grid);
+  return rows;
+}
+
+QPushButton* CDlgIspRegister::make_button(const QString& caption, const QString& tip,
+                                          void (RegisterDesk::*operation)()) {
+  auto* button = new QPushButton(caption);
+  button->setAccessibleName(caption);
+  button->setToolTip(tip);
+  connect(button, &QPushButton::clicked, this, [this, operation] { (desk_.*operation)(); });
+  return button;
+}
+
+QBoxLayout* CDlgIspRegister::make_button_rows() {
+  load_category_ = make_button(tr("Load From ISP"), tr("Reads all registers of the category, 100 ms each"),
+                               &RegisterDesk::load_category);
+  load_all_ =
+      make_button(tr(RegisterButtons::kLoadAll), tr("Reads every register of the description, 100 ms each"),
+                  &RegisterDesk::load_all);
+  save_file_ = make_button(tr("Save REG to File..."), tr("Writes the registers read so far to a text file"),
+                           &RegisterDesk::save_file);
+  load_file_ = make_button(tr(RegisterButtons::kLoadFile),
+                           tr("Writes the registers of a text file to the chip"), &RegisterDesk::load_file);
+  QPushButton* flash =
+      make_button(tr("Write REG to Flash"),
+                  tr("Stores the registers 0xF800..0xFFFF in the chip's flash (registers 0xDC..0xE0); "
+                     "not available"),
+                  &RegisterDesk::write_flash);
+  flash->setEnabled(false);
+  reserve_width(load_all_, tr("Load All From ISP(100%)"));
+  auto* upper = new QHBoxLayout;
+  for (QPushButton* button : {load_category_, load_all_}) upper->addWidget(button);
+  upper->addStretch();
+  auto* lower = new QHBoxLayout;
+  for (QPushButton* button : {save_file_, load_file_, flash}) lower->addWidget(button);
+  lower->addStretch();
+  auto* rows = new QVBoxLayout;
+  rows->addLayout(upper);
+  rows->addLayout(lower);
+  return rows;
+}
+
+void CDlgIspRegister::set_tab_order() {
+  QWidget* last = category_;
+  const auto then = [&last](QWidget* next) {
+    setTabOrder(last, next);
+    last = next;
+  };
+  for (QWidget* next : std::initializer_list<QWidget*>{list_, address_, read_, value_, write_}) then(next);
+  for (QWidget* box : bits_->findChildren<QCheckBox*>()) then(box);
+  for (QWidget* next :
+       std::initializer_list<QWidget*>{fields_, load_category_, load_all_, save_file_, load_file_}) {
+    then(next);
+  }
+}
+
+void CDlgIspRegister::connect_edits() {
+  connect(address_, &CMyHexEdit::edited, this, [this] { desk_.type_address(address_->model().text()); });
+  connect(address_, &CMyHexEdit::enter_pressed, this, [this] { desk_.read(); });
+  connect(value_, &CMyHexEdit::edited, this, [this] { desk_.type_value(value_->model().text()); });
+  connect(bits_, &BitBoxes::clicked, this, [this](int bits) { desk_.set_bits(bits); });
+}
+
+void CDlgIspRegister::rows_selected(const QItemSelection& selected) {
+  if (showing_selection_) return;
+  for (const QItemSelectionRange& range : selected) {
+    for (int row = range.top(); row <= range.bottom(); ++row) desk_.select_row(row);
+  }
+}
+
+void CDlgIspRegister::show_category() {
+  showing_selection_ = true;
+  list_model_->reset();
+  showing_selection_ = false;
+  list_->setFocus();
+}
+
+void CDlgIspRegister::show_selection() {
+  showing_selection_ = true;
+  QItemSelectionModel* selection = list_->selectionModel();
+  selection->clear();
+  for (const int row : desk_.sheet().selected_rows()) {
+    const QModelIndex index = list_model_->index(row, 0);
+    selection->setCurrentIndex(index, QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    list_->scrollTo(index);
+  }
+  showing_selection_ = false;
+}
+
+void CDlgIspRegister::show_value_cell(int row) {
+  list_model_->value_changed(row);
+}
+
+void CDlgIspRegister::show_register() {
+  address_->show_text(desk_.sheet().address_text());
+  name_->setText(QString::fromStdU16String(desk_.sheet().name_text()));
+}
+
+void CDlgIspRegister::show_value() {
+  value_->show_text(desk_.sheet().value_text());
+  bits_->set_bits(desk_.sheet().value_bits());
+}
+
+void CDlgIspRegister::show_fields() {
+  const RegBitField empty;
+  for (std::size_t i = 0; i < RegisterSheet::kFieldRows; ++i) {
+    const RegBitField* field = desk_.sheet().field(i);
+    if (!field) field = &empty;
+    const int row = static_cast<int>(i);
+    fields_->set_cell_text(kBit, row, cell_of(field->range));
+    fields_->set_cell_text(kFieldName, row, cell_of(field->name));
+    fields_->set_cell_text(kDescription, row, cell_of(field->description));
+    fields_->set_cell_text(kSample, row, cell_of(field->sample));
+  }
+  show_data();
+}
+
+void CDlgIspRegister::show_data() {
+  for (std::size_t i = 0; i < RegisterSheet::kFieldRows; ++i) {
+    fields_->set_cell_text(kData, static_cast<int>(i), QString::fromStdString(desk_.sheet().data(i)));
+  }
+}
+
+void CDlgIspRegister::show_buttons(const RegisterButtons& buttons) {
+  load_category_->setEnabled(buttons.load_category);
+  load_all_->setEnabled(buttons.load_all);
+  load_all_->setText(QString::fromStdString(buttons.load_all_caption));
+  load_file_->setEnabled(buttons.load_file);
+  load_file_->setText(QString::fromStdString(buttons.load_file_caption));
+}
+
+}  // namespace qv5123

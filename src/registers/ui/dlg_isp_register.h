@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QWidget>
+
+#include "console/page_host.h"
+#include "registers/register_desk.h"
+
+class QBoxLayout;
+class QComboBox;
+class QItemSelection;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QTableView;
+
+namespace qv5123 {
+
+class BitBoxes;
+class CMultilineList;
+class CMyEditAddress;
+class CMyEditValue;
+class CMyHexEdit;
+class RegisterListModel;
+
+/// The page that reads and writes single registers, by address or by the categories of the description
+/// "regu.xml" in the current directory, and loads, saves and restores them in bulk.
+class CDlgIspRegister final : public QWidget, public Page, private RegisterView {
+  Q_OBJECT
+
+ public:
+  explicit CDlgIspRegister(PageHost& host, QWidget* parent = nullptr);
+  ~CDlgIspRegister() override;
+
+  /// True while the first register is being read.
+  bool loading() const override { return desk_.reading(); }
+
+ private:
+  QBoxLayout* make_list_column();
+  QBoxLayout* make_register_column();
+  QBoxLayout* make_address_rows();
+  QBoxLayout* make_button_rows();
+  QPushButton* make_button(const QString& caption, const QString& tip, void (RegisterDesk::*operation)());
+  void set_tab_order();
+  void make_list();
+  void make_field_table();
+  void connect_edits();
+  void rows_selected(const QItemSelection& selected);
+
+  void show_category() override;
+  void show_selection() override;
+  void show_value_cell(int row) override;
+  void show_register() override;
+  void show_value() override;
+  void show_fields() override;
+  void show_data() override;
+  void show_buttons(const RegisterButtons& buttons) override;
+
+  QComboBox* category_;
+  RegisterListModel* list_model_ = nullptr;
+  QTableView* list_;
+  CMyEditAddress* address_;
+  CMyEditValue* value_;
+  QLineEdit* name_;
+  BitBoxes* bits_;
+  CMultilineList* fields_;
+  QPushButton* read_ = nullptr;
+  QPushButton* write_ = nullptr;
+  QPushButton* load_category_ = nullptr;
+  QPushButton* load_all_ = nullptr;
+  QPushButton* save_file_ = nullptr;
+  QPushButton* load_file_ = nullptr;
+  bool showing_selection_ = false;
+  /// Last, so that its flows end before the widgets they would show something in.
+  RegisterDesk desk_;
+};
+
+}  // namespace qv5123

@@ -1,0 +1,61 @@
+#include "registers/ui/register_list_model.h"
+
+namespace qv5123 {
+
+int RegisterListModel::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : rows_;
+}
+
+int RegisterListModel::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : kColumns;
+}
+
+QString RegisterListModel::text(int row, int column) const {
+  const auto at = static_cast<std::size_t>(row);
+  switch (column) {
+    case kNumber:
+      return QString::number(row);
+    case kAddress:
+      return QString::fromStdU16String(sheet_.row(at).address_text);
+    case kName:
+      return QString::fromStdU16String(sheet_.row(at).name);
+    default:
+      return QString::fromStdU16String(sheet_.value_cell(at));
+  }
+}
+
+QVariant RegisterListModel::data(const QModelIndex& index, int role) const {
+  if (!index.isValid() || index.row() >= rows_) return {};
+  if (role == Qt::DisplayRole) return text(index.row(), index.column());
+  if (role == Qt::TextAlignmentRole) return int(Qt::AlignCenter);
+  // Names may be longer than their column.
+  if (role == Qt::ToolTipRole && index.column() == kName) return text(index.row(), kName);
+  return {};
+}
+
+QVariant RegisterListModel::headerData(int section, Qt::Orientation orientation, int role) const {
+  if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
+  switch (section) {
+    case kNumber:
+      return tr("No.");
+    case kAddress:
+      return tr("Addr");
+    case kName:
+      return tr("Name");
+    default:
+      return tr("Value");
+  }
+}
+
+void RegisterListModel::reset() {
+  beginResetModel();
+  rows_ = static_cast<int>(sheet_.rows());
+  endResetModel();
+}
+
+void RegisterListModel::value_changed(int row) {
+  const QModelIndex cell = index(row, kValue);
+  emit dataChanged(cell, cell, {Qt::DisplayRole});
+}
+
+}  // namespace qv5123

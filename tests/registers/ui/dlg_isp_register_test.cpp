@@ -1,0 +1,256 @@
+#include "registers/ui/dlg_isp_register.h"
+
+#include <gtest/gtest.h>
+
+#include <QtTest>
+#include <QtWidgets>
+
+#include "console/atomic_file.h"
+#include "registers/answering_chip.h"
+#include "registers/ui/multiline_list.h"
+#include "support/fake_page_host.h"
+#include "support/page_test.h"
+
+namespace qv5123 {
+namespace {
+
+std::string utf16_bytes(std::u16string_view text) {
+  std::string bytes = "\xFF\xFE";
+  for (const char16_t c : text) {
+    if (c == u'\n') bytes += std::string("\r\0", 2);
+    bytes += {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
+  }
+  return bytes;
+}
+
+class RegisterPageTest : public testing::Test {
+ protected:
+  RegisterPageTest() { chip_.values = {{0x800, 0xA5}, {0x801, 0x3C}, {0x0A5, 0x51}, {0xA20, 0x07}}; }
+
+  void open(std::u16string_view description = test::kSampleDescription) {
+    ASSERT_TRUE(write_file_atomically("regu.xml", utf16_bytes(description)).ok());
+    page_ = std::make_unique<CDlgIspRegister>(host_);
+    page_->resize(880, 640);
+    page_->show();
+    page_->activateWindow();
+    QCoreApplication::processEvents();
+  }
+  template <class Widget = QWidget>
+  Widget* find(const char* name) {
+    return test::find<Widget>(*page_, QLatin1String(name));
+  }
+  void click(const char* name) { QTest::mouseClick(find(name), Qt::LeftButton); }
+  std::string text(const char* edit) { return find<QLineEdit>(edit)->text().toStdString(); }
+  QTableView* list() { return find<QTableView>("Registers"); }
+  std::string cell(int row, int column) {
+    return list()->model()->index(row, column).data().toString().toStdString();
+  }
+  void click_row(int row) {
+    const QRect place = list()->visualRect(list()->model()->index(row, 1));
+    QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, place.center());
+  }
+  std::vector<std::string> fields(int row) {
+    std::vector<std::string> texts;
+    for (int c = 0; c < 5; ++c)
+      texts.push_back(find<CMultilineList>("Bit fields")->cell_text(c, row).toStdString());
+    return texts;
+  }
+
+  test::CurrentFolder folder_;
+  test::FakeWire wire_;
+  test::AnsweringChip chip_{wire_};
+  test::FakePageHost host_{wire_};
+  std::unique_ptr<CDlgIspRegister> page_;
+};
+
+TEST_F(RegisterPageTest, ShowsAndReadsTheFirstRegister) {
+  open();
+  EXPECT_TRUE(page_->loading());
+  EXPECT_EQ(text("Value"), "0x00");
+  wire_.advance(200);
+  EXPECT_FALSE(page_->loading());
+  EXPECT_EQ(find<QComboBox>("Category")->currentText(), "Sensor");
+  EXPECT_EQ(text("Address"), "0xF800");
+  EXPECT_EQ(text("Value"), "0xA5");
+  EXPECT_EQ(text("Name"), "MODE");
+  EXPECT_FALSE(find("Name")->isEnabled());
+  EXPECT_EQ(cell(0, 0), "0");
+  EXPECT_EQ(cell(1, 1), "0xf801");
+  EXPECT_EQ(cell(0, 3), "0xA5");
+  EXPECT_EQ(cell(1, 3), "");
+  EXPECT_EQ(fields(0), (std::vector<std::string>{"[7:4]", "HIGH", "upper\r\nhalf", "0..15", " 10"}));
+  EXPECT_EQ(fields(1).back(), " 1");
+  EXPECT_EQ(fields(2), (std::vector<std::string>{" ", " ", " ", " ", ""}));
+  EXPECT_TRUE(find<QCheckBox>("Bit 7")->isChecked());
+  EXPECT_FALSE(find<QCheckBox>("Bit 6")->isChecked());
+  EXPECT_FALSE(find("Write REG to Flash")->isEnabled());
+  EXPECT_EQ(page_->focusWidget(), list());
+}
+
+TEST_F(RegisterPageTest, RowsAreReadWhenSelectedAndWhenDoubleClicked) {
+  open();
+  wire_.advance(200);
+  click_row(1);
+  wire_.advance(300);
+  EXPECT_EQ(text("Address"), "0xf801");
+  EXPECT_EQ(cell(1, 3), "0x3C");
+  EXPECT_EQ(fields(0).front(), " ");
+  QTest::keyClick(list(), Qt::Key_Down);
+  wire_.advance(300);
+  EXPECT_EQ(text("Name"), "ID");
+  chip_.requests.clear();
+  const QRect place = list()->visualRect(list()->model()->index(2, 1));
+  click_row(2);
+  QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, place.center());
+  wire_.advance(300);
+  EXPECT_EQ(chip_.requests, std::vector<int>{0x0A5});
+}
+
+TEST_F(RegisterPageTest, TypedAddressesAndValuesAreSent) {
+  open();
+  wire_.advance(200);
+  auto* address = find<QLineEdit>("Address");
+  address->setFocus(Qt::TabFocusReason);
+  QTest::keyClicks(address, "fa20");
+  EXPECT_EQ(address->text(), "0xFA20");
+  EXPECT_EQ(text("Name"), "K1");
+  EXPECT_EQ(text("Value"), "");
+  EXPECT_TRUE(list()->selectionModel()->selectedRows().empty());
+  QTest::keyClick(address, Qt::Key_Return);
+  wire_.advance(300);
+  EXPECT_EQ(text("Value"), "0x07");
+
+  auto* value = find<QLineEdit>("Value");
+  value->setFocus(Qt::TabFocusReason);
+  QTest::keyClicks(value, "4&");
+  EXPECT_EQ(value->text(), "0x48");
+  EXPECT_TRUE(find<QCheckBox>("Bit 6")->isChecked());
+  find<QCheckBox>("Bit 0")->click();
+  EXPECT_EQ(value->text(), "0x49");
+  click("Value up");
+  click("Write");
+  wire_.advance(50);
+  EXPECT_EQ(wire_.sender.writes.back(), "@920a*@9220*@934a*");
+  EXPECT_EQ(fields(0).back(), " 74");
+
+  for (int i = 0; i < 3; ++i) QTest::keyClick(value, Qt::Key_Backspace);
+  EXPECT_EQ(value->text(), "0x00");
+  click("Value down");
+  EXPECT_EQ(value->text(), "0x00");
+  QTest::keyClicks(address, "zgy!/");
+  EXPECT_EQ(address->text(), "0xFA20");
+  click("Address down");
+  EXPECT_EQ(address->text(), "0xFA1F");
+}
+
+TEST_F(RegisterPageTest, ATypedAddressSelectsItsRow) {
+  open();
+  wire_.advance(200);
+  auto* address = find<QLineEdit>("Address");
+  chip_.requests.clear();
+  QTest::keyClick(address, Qt::Key_Up);
+  EXPECT_EQ(address->text(), "0xF801");
+  EXPECT_EQ(list()->selectionModel()->selectedRows().value(0).row(), 1);
+  EXPECT_EQ(text("Name"), "GAIN");
+  wire_.advance(300);
+  EXPECT_TRUE(chip_.requests.empty()) << "typing reads nothing";
+}
+
+TEST_F(RegisterPageTest, NothingGetsIntoTheEditsPastTheirKeys) {
+  open();
+  auto* address = find<QLineEdit>("Address");
+  QApplication::clipboard()->setText("1");
+  address->paste();
+  address->insert("9");
+  address->setCursorPosition(6);
+  address->backspace();
+  address->selectAll();
+  address->cut();
+  EXPECT_EQ(address->text(), "0xF800");
+}
+
+TEST_F(RegisterPageTest, LoadsACategoryAndEverything) {
+  open();
+  wire_.advance(200);
+  click("Load From ISP");
+  EXPECT_FALSE(find("Load From ISP")->isEnabled());
+  wire_.advance(600);
+  EXPECT_TRUE(find("Load From ISP")->isEnabled());
+  EXPECT_EQ(cell(2, 3), "0x51");
+
+  auto* load_all = find<QPushButton>("Load All From ISP");
+  click("Load All From ISP");
+  page_->hide();
+  find<QComboBox>("Category")->setCurrentIndex(1);
+  wire_.advance(500);
+  EXPECT_FALSE(load_all->isEnabled());
+  EXPECT_TRUE(load_all->text().endsWith("0%)"));
+  wire_.advance(1000);
+  EXPECT_EQ(load_all->text(), "Load All From ISP");
+  EXPECT_EQ(cell(0, 3), "0x07");
+  EXPECT_EQ(cell(1, 3), "0x3C");
+}
+
+TEST_F(RegisterPageTest, SavesAndRestoresARegisterFile) {
+  open();
+  wire_.advance(200);
+  host_.user.paths.assign(2, std::optional(folder_ / "r.txt"));
+  click("Save REG to File...");
+  chip_.values[0x800] = 0;
+  wire_.sender.writes.clear();
+  auto* restore = find<QPushButton>("Load REG from File to ISP...");
+  click("Load REG from File to ISP...");
+  EXPECT_FALSE(restore->isEnabled());
+  wire_.advance(60);
+  EXPECT_EQ(wire_.sender.wire(), "@9208*@9200*@93a5*");
+  EXPECT_EQ(restore->text(), "Load REG to ISP(100%)");
+  wire_.advance(40);
+  EXPECT_TRUE(restore->isEnabled());
+  EXPECT_EQ(restore->text(), "Load REG from File to ISP...");
+}
+
+TEST_F(RegisterPageTest, WithoutADescriptionThePageSaysSo) {
+  page_ = std::make_unique<CDlgIspRegister>(host_);
+  EXPECT_EQ(host_.user.messages.at(0).text, "Can't find regu.xml!");
+  EXPECT_EQ(list()->model()->rowCount(), 0);
+  click("Read");
+  wire_.advance(300);
+  EXPECT_EQ(text("Value"), "0xA5");
+}
+
+TEST_F(RegisterPageTest, FitsItsPlaceAndNamesEveryControlOnce) {
+  open();
+  EXPECT_LE(page_->minimumSizeHint().width(), 880);
+  EXPECT_LE(page_->minimumSizeHint().height(), 640);
+  QStringList names;
+  for (auto* widget : page_->findChildren<QWidget*>()) {
+    const bool control = qobject_cast<QAbstractButton*>(widget) || qobject_cast<QLineEdit*>(widget) ||
+                         qobject_cast<QComboBox*>(widget) || qobject_cast<CMultilineList*>(widget);
+    if (!control || widget->inherits("QTableCornerButton")) continue;
+    EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->metaObject()->className();
+    EXPECT_FALSE(widget->toolTip().isEmpty()) << widget->accessibleName().toStdString();
+    names << widget->accessibleName();
+  }
+  EXPECT_EQ(names.removeDuplicates(), 0);
+}
+
+// Writes a picture of the page for whoever asks for one.
+TEST_F(RegisterPageTest, PaintsItself) {
+  std::string bytes;
+  ASSERT_TRUE(
+      read_whole_file(std::filesystem::path(QV5123_SOURCE_DIR) / "resources" / "regu.xml", bytes).ok());
+  ASSERT_TRUE(write_file_atomically("regu.xml", bytes).ok());
+  page_ = std::make_unique<CDlgIspRegister>(host_);
+  page_->resize(880, 640);
+  page_->show();
+  wire_.advance(300);
+  click_row(4);
+  wire_.advance(300);
+  QCoreApplication::processEvents();
+  const QPixmap picture = page_->grab();
+  EXPECT_EQ(picture.deviceIndependentSize().toSize(), page_->size());
+  if (const QString path = qEnvironmentVariable("QV5123_PICTURE"); !path.isEmpty()) picture.save(path);
+}
+
+}  // namespace
+}  // namespace qv5123
