@@ -36,12 +36,12 @@ Task<bool> save_on_chip(PageHost& host, PageSave save) {
       std::move(save.traffic),
       [&host, flushes](std::size_t sent) { host.show_progress(percent(sent, flushes)); });
   if (result.chunks_sent < flushes) {
-    host.show_status("Nothing more was saved on the chip: the port failed after " +
+    host.show_status("Nothing more reached the chip: the port failed after " +
                      std::to_string(percent(result.chunks_sent, flushes)) + " % of the data.");
     co_return false;
   }
   co_await wait_while_chip_stores(host, save.settling);
-  host.show_status(save.done);
+  if (!save.done.empty()) host.show_status(save.done);
   co_return true;
 }
 

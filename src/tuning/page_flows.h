@@ -25,10 +25,10 @@ struct PageLoad {
 /// Asks the chip and hands the reply to the page. True when the page took it.
 Task<bool> load_from_chip(PageHost& host, PageLoad load);
 
-/// A page's full save.
+/// Traffic that takes a while: a page's full save, or all of its values at once.
 struct PageSave {
   Traffic traffic;
-  std::string done;                       ///< status text at the end
+  std::string done;                       ///< status text at the end; none when empty
   std::chrono::milliseconds settling{0};  ///< how long the chip stores afterwards
 };
 

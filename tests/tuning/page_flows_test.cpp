@@ -75,7 +75,7 @@ TEST(SaveOnChip, APortThatFailsIsNoSuccess) {
   EXPECT_FALSE(flow.running());
   EXPECT_EQ(host.statuses,
             std::vector<std::string>{
-                "Nothing more was saved on the chip: the port failed after 50 % of the data."});
+                "Nothing more reached the chip: the port failed after 50 % of the data."});
   EXPECT_EQ(host.busy.back(), false);
 }
 

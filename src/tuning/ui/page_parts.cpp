@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QFontMetrics>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -91,6 +92,23 @@ void show_checked(QAbstractButton* button, bool checked) {
 void show_index(QComboBox* combo, int index) {
   const QSignalBlocker quiet(combo);
   combo->setCurrentIndex(index >= 0 && index < combo->count() ? index : -1);
+}
+
+QGroupBox* make_file_control(FileControl control) {
+  auto* group = new QGroupBox("File Control");
+  auto* row = new QHBoxLayout(group);
+  row->addWidget(make_button("Load <- File", {}, "Takes the page's values from the setting file's data",
+                             std::move(control.load_file)));
+  row->addWidget(make_button("Load <- ISP", {}, control.isp_tooltip, std::move(control.load_isp)));
+  row->addWidget(make_button("File/Flash Save", {}, control.save_tooltip, std::move(control.save)));
+  return group;
+}
+
+void take_typed_text(QWidget* page) {
+  // A spin box may hand its focus to the edit inside it.
+  for (QWidget* widget = page->focusWidget(); widget && widget != page; widget = widget->parentWidget()) {
+    if (auto* box = qobject_cast<QAbstractSpinBox*>(widget)) return box->interpretText();
+  }
 }
 
 void SliderRow::show(int value) {

@@ -71,6 +71,19 @@ void show_checked(QAbstractButton* button, bool checked);
 /// Nothing is selected where the list has no such index.
 void show_index(QComboBox* combo, int index);
 
+/// What the buttons of the "File Control" group do, and what their tooltips say of the registers.
+struct FileControl {
+  std::function<void()> load_file;
+  std::function<void()> load_isp;
+  std::function<void()> save;
+  QString isp_tooltip;
+  QString save_tooltip;
+};
+QGroupBox* make_file_control(FileControl control);
+
+/// Takes what is being typed anywhere on `page` as if Enter had been pressed.
+void take_typed_text(QWidget* page);
+
 /// A horizontal slider, its edit, both showing the same value, and a "Set" button.
 struct SliderRow {
   class QSlider* slider = nullptr;
