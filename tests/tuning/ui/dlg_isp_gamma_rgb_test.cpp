@@ -1,0 +1,185 @@
+#include "tuning/ui/dlg_isp_gamma_rgb.h"
+
+#include <gtest/gtest.h>
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+
+#include <random>
+
+#include "content/ui/page_test.h"
+#include "support/fake_page_host.h"
+#include "tuning/gamma_curve.h"
+
+namespace qv5123 {
+namespace {
+
+using test::find;
+
+class GammaPage : public testing::Test {
+ protected:
+  GammaPage() { page_.resize(900, 650); }
+
+  QSpinBox* point(int number, const char* curve) {
+    return find<QSpinBox>(page_, QString("Point %1 %2").arg(number).arg(curve));
+  }
+  void click(const char* name) { find<QAbstractButton>(page_, name)->click(); }
+  void mouse(QEvent::Type type, ChartPixel at) {
+    auto* chart = find<GammaChartView>(page_, "Gamma curves");
+    const auto buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, chart->to_widget(at), chart->mapToGlobal(chart->to_widget(at)),
+                      type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
+    QApplication::sendEvent(chart, &event);
+  }
+  void key(Qt::Key key) {
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    QApplication::sendEvent(find<GammaChartView>(page_, "Gamma curves"), &event);
+  }
+
+  test::FakeWire wire_;
+  test::FakePageHost host_{wire_};
+  CDlgIspGammaRgb page_{host_};
+};
+
+TEST_F(GammaPage, ComputesAndAppliesTheSelectedCurve) {
+  EXPECT_EQ(host_.doc.front_gamma_level, 16);
+  click("Channel G");
+  find<QDoubleSpinBox>(page_, "Gamma Value")->setValue(1);
+  click("Gamma Value Set");
+  EXPECT_EQ(point(22, "G")->value(), 1016);
+  EXPECT_EQ(point(21, "G")->value(), 896);
+  EXPECT_EQ(point(22, "R")->value(), 0);
+  EXPECT_TRUE(find<QPlainTextEdit>(page_, "Messages")->toPlainText().startsWith("G: 0, 0, 5, 13,"));
+  click("Clear");
+  EXPECT_EQ(find<QPlainTextEdit>(page_, "Messages")->toPlainText(), "");
+
+  point(1, "G")->setValue(0x123);
+  click("Apply");
+  EXPECT_EQ(host_.last_status(), "Gamma data applying...");
+  wire_.advance(22 * 50);
+  ASSERT_EQ(wire_.sender.writes.size(), 22u);
+  EXPECT_EQ(wire_.sender.writes.front(), "@0401*@0423*");
+  EXPECT_EQ(wire_.sender.writes.back(), "@0403*@04f8*");
+  EXPECT_EQ(host_.last_status(), "Gamma data apply done");
+}
+
+TEST_F(GammaPage, TheOtherValueBeingZeroIsRefused) {
+  find<QDoubleSpinBox>(page_, "Front Gamma Value")->setValue(0);
+  click("Gamma Value Set");
+  ASSERT_EQ(host_.user.messages.size(), 1u);
+  EXPECT_EQ(host_.user.messages[0].text, "Invalid values.");
+  EXPECT_EQ(point(22, "R")->value(), 0);
+  find<QDoubleSpinBox>(page_, "Gamma Value")->setValue(0);
+  click("Front Gamma Value Set");
+  EXPECT_EQ(host_.user.messages[1].text, "Invalid values");
+  find<QDoubleSpinBox>(page_, "Gamma Value")->setValue(2);
+  find<QDoubleSpinBox>(page_, "Front Gamma Value")->setValue(1);
+  click("Front Gamma Value Set");
+  EXPECT_EQ(host_.last_status(), "Calculate Front Gamma values.");
+  EXPECT_EQ(point(21, "Front")->value(), 896);
+}
+
+TEST_F(GammaPage, FrontControlsHideBehindMoreAndTheRadioFallsBack) {
+  auto* radio = find<QAbstractButton>(page_, "Channel Front Gamma");
+  EXPECT_TRUE(radio->isHidden());
+  click("More");
+  EXPECT_FALSE(radio->isHidden());
+  click("Channel B");
+  radio->click();
+  EXPECT_TRUE(find<QAbstractButton>(page_, "Channel RGB")->isChecked());
+  EXPECT_FALSE(point(1, "Front")->isEnabled());
+}
+
+TEST_F(GammaPage, LoadsFromTheChipOrSaysThatItFailed) {
+  std::string reply(352, '0');
+  reply.replace(4, 4, "0ffc").replace(88, 4, "0123").replace(260, 4, "00AB").replace(348, 4, "03f8");
+  click("Load <- ISP");
+  wire_.advance(100);
+  EXPECT_EQ(wire_.sender.wire(), "@0700*");
+  wire_.receive("~" + reply + "^");
+  wire_.advance(300);
+  EXPECT_EQ(point(2, "Front")->value(), 1023);
+  EXPECT_EQ(point(1, "R")->value(), 0x123);
+  EXPECT_EQ(point(22, "G")->value(), 0xAB);
+  EXPECT_EQ(point(22, "B")->value(), 1016);
+  EXPECT_EQ(host_.last_status(), "Load Isp ok..");
+
+  for (const bool answered : {true, false}) {
+    host_.statuses.clear();
+    click("Load <- ISP");
+    wire_.advance(100);
+    if (answered) wire_.receive("~" + reply.substr(8) + "^");
+    wire_.advance(2000);
+    EXPECT_EQ(host_.statuses, std::vector<std::string>{"ISP Load Fail..."});
+    EXPECT_EQ(point(1, "R")->value(), 0x123);
+  }
+}
+
+TEST_F(GammaPage, SavesEverythingBetweenTheBrackets) {
+  host_.doc.user_data.mark_loaded();
+  host_.doc.user_data.set_entry(44, 2);
+  click("Load <- File");
+  EXPECT_EQ(host_.last_status(), "Load File ok..");
+  EXPECT_TRUE(find<QAbstractButton>(page_, "Channel R")->isChecked());
+  EXPECT_EQ(host_.doc.gamma_channel, 2);
+  click("Channel G");
+  point(22, "B")->setValue(0x2FE);
+  click("File/Flash Save");
+  EXPECT_EQ(host_.last_status(), "Gamma Data Saving...");
+  wire_.advance(1000);
+  EXPECT_EQ(host_.busy, std::vector<bool>{true});
+  EXPECT_FALSE(host_.progress.empty());
+  point(1, "R")->setValue(1);  // too late for this save
+  wire_.advance(10000);
+  ASSERT_EQ(wire_.sender.writes.size(), 2u + 66 + 1 + 2);
+  const std::string wire = wire_.sender.wire();
+  EXPECT_EQ(wire.substr(0, 24), "@f901*@fa01*@0300*@0300*");
+  EXPECT_EQ(wire.substr(wire.size() - 30), "@0502*@05fe*@0602*@fa00*@f900*");
+  EXPECT_EQ(host_.last_status(), "Gamma Save Done.");
+}
+
+TEST_F(GammaPage, ComesBackFromTheUserDataAsItWas) {
+  std::mt19937 random(3);
+  std::vector<QSpinBox*> boxes;
+  for (int number = 1; number <= 22; ++number) {
+    for (const char* curve : {"R", "G", "B"}) boxes.push_back(point(number, curve));
+  }
+  for (QSpinBox* box : boxes) box->setValue(static_cast<int>(random() % 1024));
+  click("Channel B");
+  page_.save_to_user_data();
+  host_.doc.user_data.mark_loaded();
+  EXPECT_EQ(host_.doc.user_data.entry(44), 1);
+
+  CDlgIspGammaRgb other(host_);
+  for (QSpinBox* box : boxes) EXPECT_EQ(find<QSpinBox>(other, box->accessibleName())->value(), box->value());
+  EXPECT_TRUE(find<QAbstractButton>(other, "Channel B")->isChecked());
+}
+
+TEST_F(GammaPage, DraggingAndKeysMovePoints) {
+  click("Channel G");
+  mouse(QEvent::MouseButtonPress, gamma_pixel(256, 0));
+  mouse(QEvent::MouseMove, gamma_pixel(300, 400));
+  EXPECT_EQ(point(14, "G")->value(), 400);
+  EXPECT_EQ(point(14, "R")->value(), 0) << "not shown";
+  mouse(QEvent::MouseMove, {178, -5000});
+  EXPECT_EQ(point(14, "G")->value(), 1023);
+  mouse(QEvent::MouseMove, gamma_pixel(256, 500));
+  mouse(QEvent::MouseButtonRelease, gamma_pixel(256, 500));
+  mouse(QEvent::MouseMove, gamma_pixel(256, 100));
+  EXPECT_EQ(point(14, "G")->value(), 500) << "let go";
+
+  auto* chart = find<GammaChartView>(page_, "Gamma curves");
+  EXPECT_EQ(chart->readout(), "Point 14 at 256:  G = 500");
+  key(Qt::Key_PageDown);
+  EXPECT_EQ(point(14, "G")->value(), 484);
+  key(Qt::Key_Right);
+  key(Qt::Key_Up);
+  EXPECT_EQ(point(15, "G")->value(), 1);
+  EXPECT_EQ(chart->readout(), "Point 15 at 320:  G = 1");
+  click("Channel R");
+  EXPECT_EQ(chart->readout(), "");
+  EXPECT_TRUE(wire_.sender.writes.empty()) << "nothing is sent before Apply";
+}
+
+}  // namespace
+}  // namespace qv5123
