@@ -6,17 +6,16 @@ namespace qv5123 {
 namespace {
 
 struct RowRule {
-  int lowest;
-  int highest;
+  StepRange range;
   /// Title of the row's messages; a row without one is not checked for order.
   const char* title;
 };
-constexpr std::array<RowRule, kStepRows> kRules{{{0, 250, "ISO Control"},
-                                                 {-64, 191, nullptr},
-                                                 {0, 255, nullptr},
-                                                 {0, 255, "NR Control"},
-                                                 {0, 255, "Flat NR Control"},
-                                                 {-16, 32, nullptr}}};
+constexpr std::array<RowRule, kStepRows> kRules{{{{0, 250}, "ISO Control"},
+                                                 {{-64, 191}, nullptr},
+                                                 {{0, 255}, nullptr},
+                                                 {{0, 255}, "NR Control"},
+                                                 {{0, 255}, "Flat NR Control"},
+                                                 {{-16, 32}, nullptr}}};
 constexpr int kShift = 64;
 constexpr int kIsoOffset = 1;
 
@@ -50,11 +49,15 @@ const char* correct(StepBytes& bytes, std::size_t step) {
 
 }  // namespace
 
+StepRange step_range(std::size_t row) {
+  return kRules[row].range;
+}
+
 StepBytes encode_step_row(std::size_t row, const StepCells& cells) {
   StepBytes bytes{};
+  const StepRange range = step_range(row);
   for (std::size_t step = 0; step < kStepColumns; ++step)
-    bytes[step] =
-        low_byte(encode_cell(row, std::clamp(cells[step], kRules[row].lowest, kRules[row].highest)));
+    bytes[step] = low_byte(encode_cell(row, std::clamp(cells[step], range.lowest, range.highest)));
   if (row == kRowIso) bytes[0] = kIsoOffset;
   return bytes;
 }

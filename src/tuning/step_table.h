@@ -46,6 +46,13 @@ inline constexpr std::uint8_t step_register(BankId bank, std::size_t row) {
   return static_cast<std::uint8_t>(kStepBankPlaces[static_cast<std::size_t>(bank)].first_register + row);
 }
 
+/// The numbers that a row takes; others are limited to them.
+struct StepRange {
+  int lowest;
+  int highest;
+};
+StepRange step_range(std::size_t row);
+
 /// Bytes of a row of numbers, after limiting them: ISO 0..250 with an offset of 1, Bright -64..191,
 /// Contrast -16..32, the others 0..255. Bright is kept as value + 64, Contrast as 64 - value.
 StepBytes encode_step_row(std::size_t row, const StepCells& cells);

@@ -56,6 +56,8 @@ CDlgIspAwb::CDlgIspAwb(PageHost& host) : TuningPage(host), chart_(new AwbChartVi
   below->addLayout(commands);
   below->addStretch();
   page->addWidget(make_patch_group());
+  // Saving a page that was opened after the file must not replace what the file said.
+  if (document().user_data.loaded()) qv5123::reload_from_user_data(values_, document().user_data);
   show_values();
 }
 

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QSignalBlocker>
 #include <QSlider>
+#include <algorithm>
 
 namespace qv5123 {
 namespace {
@@ -114,7 +115,9 @@ void take_typed_text(QWidget* page) {
 void SliderRow::show(int value) {
   const QSignalBlocker quiet(slider);
   slider->setValue(value);
-  show_value(edit, value);
+  const QSignalBlocker edit_quiet(edit);
+  edit->setRange(std::min(slider->minimum(), value), std::max(slider->maximum(), value));
+  edit->setValue(value);
 }
 
 SliderRow add_slider_row(QGridLayout* grid, int row, const QString& caption, int minimum, int maximum,
@@ -128,10 +131,9 @@ SliderRow add_slider_row(QGridLayout* grid, int row, const QString& caption, int
   parts.edit = make_number(minimum, maximum, caption, tooltip);
   label->setBuddy(parts.edit);
   QObject::connect(parts.slider, &QSlider::valueChanged, parts.edit, &QSpinBox::setValue);
-  QObject::connect(parts.edit, &QSpinBox::valueChanged, parts.slider, [parts, changed](int value) {
-    const QSignalBlocker quiet(parts.slider);
-    parts.slider->setValue(value);
-    if (changed) changed(value);
+  QObject::connect(parts.edit, &QSpinBox::valueChanged, parts.slider, [parts, changed](int value) mutable {
+    parts.show(std::clamp(value, parts.slider->minimum(), parts.slider->maximum()));
+    if (changed) changed(parts.value());
   });
   grid->addWidget(label, row, 0);
   grid->addWidget(parts.slider, row, 1);

@@ -91,6 +91,8 @@ struct SliderRow {
   QPushButton* set = nullptr;  ///< null where nothing is sent on its own
 
   int value() const { return edit->value(); }
+  /// Shows a value that was loaded, also one outside the range, which the edit then takes as well until the
+  /// user changes it.
   void show(int value);
 };
 

@@ -1,0 +1,256 @@
+#include "tuning/ui/dlg_ae_tune.h"
+
+#include <gtest/gtest.h>
+
+#include <QSlider>
+#include <random>
+
+#include "support/fake_page_host.h"
+#include "support/page_driver.h"
+
+namespace qv5123 {
+namespace {
+
+DynamicValues random_values(unsigned seed) {
+  std::mt19937 random(seed);
+  const auto in = [&random](BarRange range) {
+    return std::uniform_int_distribution<int>(range.lowest, range.highest)(random);
+  };
+  DynamicValues values;
+  for (const DynamicNumber& number : kDynamicNumbers) values.*number.value = in(number.range);
+  values.orientation = in({0, 3});
+  for (StepBank& bank : values.banks)
+    for (StepBytes& row : bank)
+      for (std::uint8_t& byte : row) byte = static_cast<std::uint8_t>(in({0, 255}));
+  for (std::size_t i = 0; i < kLightSources; ++i) {
+    values.light_sources[i] = {in({0, 2}), in({0, 255})};
+    values.saturation[i] = in(kSaturationRange);
+    values.weights[i] = {in(kWeightRange), in(kWeightRange)};
+  }
+  values.hue_angle = in(kHueRange);
+  values.dpc_decision = in(kDpcRange);
+  values.smart_ir = in({0, 3});
+  values.video_mode = in({0, 3});
+  return values;
+}
+
+class AeTunePage : public testing::Test {
+ protected:
+  /// What was sent since the last call.
+  std::string wire(int milliseconds = 3000) {
+    fake_.advance(milliseconds);
+    const std::string all = fake_.sender.wire();
+    return all.substr(std::exchange(seen_, all.size()));
+  }
+  void answer_load(const std::string& reply) {
+    user_.click("Load <- ISP");
+    fake_.advance(60);
+    fake_.receive("~" + reply + "^");
+    EXPECT_EQ(wire(300), "@6900*");
+  }
+
+  test::FakeWire fake_;
+  test::FakePageHost host_{fake_};
+  CDlgAeTune page_{host_};
+  test::PageDriver user_{page_};
+  std::size_t seen_ = 0;
+};
+
+TEST_F(AeTunePage, GainsAskFirstAndCancelRestores) {
+  user_.expect_named_controls();
+  host_.user.answers = {Answer::yes};
+  user_.type("Sensor Digital Gain", 9);
+  user_.click("Sensor Digital Gain Set");
+  ASSERT_EQ(host_.user.questions.size(), 1u);
+  EXPECT_EQ(host_.user.questions[0].title, "Gain Control");
+  EXPECT_EQ(host_.user.questions[0].text, "If this option changed, must be reset of Image TUNE by ISO step");
+  EXPECT_EQ(wire(), "@3809*");
+
+  host_.doc.user_data.set_entry(287, 40);
+  user_.type("ISP Digital Gain", 99);
+  user_.click("ISP Digital Gain Set");
+  EXPECT_EQ(wire(), "");
+  EXPECT_EQ(user_.number("ISP Digital Gain"), 40);
+  EXPECT_EQ(user_.find<QSlider>("ISP Digital Gain bar")->value(), 40);
+}
+
+TEST_F(AeTunePage, SingleValuesOnTheWire) {
+  user_.find<QSlider>("AE Target bar")->setValue(33);
+  user_.click("AE Target Set");
+  user_.type("AE Speed", 99);
+  user_.click("AE Speed Set");
+  user_.click("More");
+  user_.type("AE 0x3C", 0x5A);
+  user_.click("AE 0x3C Set");
+  user_.type("Angle", -45);
+  user_.click("Angle Set");
+  for (int i = 475; i < 478; ++i) host_.doc.user_data.set_entry(static_cast<std::size_t>(i), i - 474);
+  user_.type("Decision Value", 200);
+  user_.click("Decision Value Set");
+  user_.choose("Smart IR", 2);
+  EXPECT_EQ(wire(), "@3a21*@3b08*@3c5a*@605a*@8c01*@8c02*@8c03*@8cc8*@6702*");
+}
+
+TEST_F(AeTunePage, ColoursBelongToTheChosenLightSource) {
+  user_.click("Light-1");
+  user_.find<QSlider>("Light source Sum bar")->setValue(-7);
+  EXPECT_EQ(user_.number("Light source kind"), 0);
+  user_.click("Light source Sum Set");
+  user_.find<QSlider>("Light source Sum bar")->setValue(9);
+  EXPECT_EQ(user_.number("Light source kind"), 1);
+  user_.type("Light source kind", 2);
+  user_.find<QSlider>("Light source Sum bar")->setValue(250);
+  EXPECT_EQ(user_.number("Light source value"), 250);
+  user_.click("Light source Sum Set");
+  EXPECT_EQ(wire(), "@fa01*@4e01*@4f07*@fa00*@fa01*@4e01*@51fa*@fa00*");
+  user_.type("Saturation", -64);
+  user_.click("Saturation Set");
+  user_.type("AWB R Weight", -2);
+  user_.type("AWB B Weight", 50);
+  user_.click("AWB Weight Set");
+  EXPECT_EQ(wire(), "@fa01*@4e01*@5b00*@fa00*@30ff*@30fe*@3000*@3032*");
+  user_.click("Outdoor");
+  EXPECT_EQ(user_.number("Saturation"), 0);
+  EXPECT_EQ(user_.number("AWB R Weight"), 0);
+  user_.click("Light-1");
+  EXPECT_EQ(user_.number("Saturation"), -64);
+  EXPECT_EQ(user_.number("Light source kind"), 2);
+}
+
+TEST_F(AeTunePage, OrientationIsStoredWrittenAndSent) {
+  EXPECT_TRUE(user_.checked("None"));
+  user_.click("FLIP");
+  EXPECT_FALSE(user_.checked("None"));
+  EXPECT_EQ(host_.written.entry(291), 2);
+  user_.click("MIRROR");
+  user_.click("None");
+  EXPECT_FALSE(user_.checked("FLIP"));
+  EXPECT_EQ(host_.user_data_writes, 3);
+  EXPECT_EQ(host_.written.entry(291), 0);
+  EXPECT_EQ(wire(), "@fa01*@5f02*@fa00*@fa01*@5f03*@fa00*@fa01*@5f00*@fa00*");
+}
+
+TEST_F(AeTunePage, StepRowsAreCorrectedAndTold) {
+  const int typed[] = {10, 5, 20, 30, 40, 300};
+  for (int step = 0; step < 6; ++step) user_.type(QString("ISO Step %1").arg(step), typed[step]);
+  user_.click("ISO Set");
+  EXPECT_EQ(wire(), "@4100*@4201*@4101*@4205*@4102*@4205*@4103*@4214*@4104*@421e*@4105*@4228*@4106*@42fa*");
+  ASSERT_EQ(host_.user.messages.size(), 1u);
+  EXPECT_EQ(host_.user.messages[0].text, "At least must be equal or smaller than next step value.");
+  EXPECT_EQ(host_.user.messages[0].title, "ISO Control");
+  EXPECT_EQ(host_.user.messages[0].icon, Message::Icon::stop);
+  EXPECT_EQ(user_.number("ISO Step 0"), 5);
+  EXPECT_EQ(user_.number("ISO Step 5"), 250);
+  EXPECT_FALSE(user_.find<QSpinBox>("ISO Offset")->isEnabled());
+  user_.choose("Video Mode", 3);
+  EXPECT_EQ(user_.number("ISO Step 0"), 0);
+  user_.type("Contrast Offset", -16);
+  user_.click("Contrast Set");
+  EXPECT_EQ(wire().substr(0, 12), "@4100*@c850*");
+  user_.click("Case of IR-LED");
+  user_.choose("Video Mode", 0);
+  EXPECT_EQ(user_.number("ISO Step 0"), 0) << "the bank of the IR-LED, whatever the mode";
+  user_.click("Case of IR-LED");
+  EXPECT_EQ(user_.number("ISO Step 0"), 5);
+}
+
+TEST_F(AeTunePage, TheChipsValuesFillThePage) {
+  std::string reply(486, '0');
+  const auto put = [&reply](std::size_t byte, const std::string& hex) {
+    reply.replace(2 * byte, hex.size(), hex);
+  };
+  put(0,
+      "01"
+      "0a"
+      "0b"
+      "0c");
+  put(7 + 5 + 1, "2a");  // ISO step 0 of the IR-LED bank
+  put(217,
+      "00"
+      "14"
+      "02"
+      "ff");  // light sources
+  put(224, "41");
+  put(226,
+      "c8"
+      "5a");
+  put(228, "ffce");
+  put(240,
+      "09"
+      "01"
+      "02");
+  answer_load(reply);
+  EXPECT_EQ(host_.last_status(), "Load Isp ok");
+  EXPECT_TRUE(user_.checked("MIRROR"));
+  EXPECT_FALSE(user_.checked("None"));
+  EXPECT_EQ(user_.number("ISP Digital Gain"), 12);
+  EXPECT_EQ(user_.number("ISO Step 0"), 0x2A);
+  EXPECT_EQ(user_.find<QSlider>("Light source Sum bar")->value(), -20);
+  EXPECT_EQ(user_.number("Angle"), -45);
+  EXPECT_EQ(user_.number("AWB R Weight"), -50);
+  EXPECT_EQ(user_.index("Smart IR"), -1) << "the list has no such index";
+  EXPECT_EQ(user_.index("Video Mode"), 1);
+  EXPECT_FALSE(user_.find<QComboBox>("Video Mode")->isEnabled());
+  user_.click("Light-1");
+  EXPECT_EQ(user_.number("Light source value"), 255);
+  EXPECT_EQ(user_.number("Saturation"), 1);
+  put(241,
+      "00"
+      "7f");
+  answer_load(reply);
+  EXPECT_EQ(user_.index("Video Mode"), -1);
+  EXPECT_FALSE(user_.find<QSpinBox>("Bright Step 1")->isEnabled()) << "no bank belongs to the format";
+  user_.click("ISO Set");
+  EXPECT_EQ(wire(), "");
+  user_.click("Load <- ISP");
+  EXPECT_TRUE(page_.loading());
+  EXPECT_EQ(wire(), "@6900*");
+  EXPECT_EQ(host_.last_status(), "AE_Tune Data Load Fail...");
+}
+
+TEST_F(AeTunePage, FullSaveWaitsForTheFlash) {
+  DynamicValues values;
+  user_.type("AE Target", 50);
+  user_.type("Sharpness Step 2", 7);
+  user_.click("File/Flash Save");
+  EXPECT_EQ(host_.last_status(), "AE_Tune Data Saving...");
+  values.ae_target = 50;
+  const Traffic expected = [&values] {
+    StepGrid grid = decode_step_bank(values.banks[0]);
+    grid[kRowSharpness][3] = 7;
+    return dynamic_save(values, grid, UserDataImage{}).traffic;
+  }();
+  std::string bytes;
+  for (const Batch& batch : expected) bytes += frames(batch);
+  EXPECT_EQ(wire(100 + 50 * static_cast<int>(expected.size())), bytes);
+  EXPECT_EQ(bytes.substr(0, 48), "@f901*@fa01*@5f00*@3701*@3801*@3901*@3c00*@3b01*");
+  EXPECT_EQ(host_.last_status(), "AE_Tune Data Saving...") << "the chip is storing";
+  EXPECT_EQ(host_.busy.back(), true);
+  fake_.advance(10000);
+  EXPECT_EQ(host_.last_status(), "Data Save Done...");
+  EXPECT_EQ(host_.busy.back(), false);
+}
+
+TEST_F(AeTunePage, WhatIsSavedComesBackFromFileAndChip) {
+  for (unsigned seed = 1; seed <= 10; ++seed) {
+    const DynamicValues values = random_values(seed);
+    save_to_user_data(values, host_.doc.user_data);
+    user_.click("Load <- File");
+    const UserDataImage before = host_.doc.user_data;
+    host_.doc.user_data.assign({});
+    page_.save_to_user_data();
+    EXPECT_TRUE(host_.doc.user_data == before) << seed;
+    answer_load(encode_dynamic_reply(values));
+    host_.doc.user_data.assign({});
+    page_.save_to_user_data();
+    EXPECT_TRUE(host_.doc.user_data == before) << seed;
+  }
+  user_.type("NR Step 5", 300);
+  page_.save_to_user_data();
+  const auto bank = *selected_bank(false, user_.index("Video Mode"));
+  EXPECT_EQ(host_.doc.user_data.entry(kStepBankPlaces[static_cast<std::size_t>(bank)].first_entry + 27), 255)
+      << "what was typed but not set counts as well";
+}
+
+}  // namespace
+}  // namespace qv5123
