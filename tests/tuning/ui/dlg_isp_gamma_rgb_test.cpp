@@ -7,7 +7,7 @@
 
 #include <random>
 
-#include "content/ui/page_test.h"
+#include "support/page_test.h"
 #include "support/fake_page_host.h"
 #include "tuning/gamma_curve.h"
 
