@@ -1,0 +1,130 @@
+#include "console/ui/qt_prompts.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QMessageBox>
+
+#include "link/ui/qt_text.h"
+
+namespace qv5123 {
+namespace {
+
+/// Owns a dialog for as long as a task waits for it.
+class OpenDialog {
+ public:
+  explicit OpenDialog(QDialog* dialog) : dialog_(dialog) {}
+  OpenDialog(const OpenDialog&) = delete;
+  OpenDialog& operator=(const OpenDialog&) = delete;
+  ~OpenDialog() {
+    if (!dialog_) return;
+    dialog_->hide();
+    // It may be its own signal that ends the task.
+    dialog_->deleteLater();
+  }
+
+  Pending<int> finished() {
+    // Queued, so that what the answer starts does not run inside the dialog's own close.
+    QObject::connect(
+        dialog_, &QDialog::finished, dialog_, [done = done_](int result) { done.resolve(result); },
+        Qt::QueuedConnection);
+    dialog_->open();
+    return done_.pending();
+  }
+
+ private:
+  QPointer<QDialog> dialog_;
+  Resolver<int> done_;
+};
+
+QMessageBox* message_box(const std::string& title, const std::string& text, QMessageBox::Icon icon,
+                         QMessageBox::StandardButtons buttons, QWidget* parent) {
+  const QString shown = to_qt(text).remove(u'\r').trimmed();
+  auto* box = new QMessageBox(icon, to_qt(title), shown, buttons, parent);
+  box->setTextFormat(Qt::PlainText);
+  box->setWindowModality(parent ? Qt::WindowModal : Qt::ApplicationModal);
+  return box;
+}
+
+QMessageBox::Icon icon_of(Message::Icon icon) {
+  switch (icon) {
+    case Message::Icon::warning:
+      return QMessageBox::Warning;
+    case Message::Icon::stop:
+      return QMessageBox::Critical;
+    default:
+      return QMessageBox::Information;
+  }
+}
+
+QMessageBox::StandardButtons buttons_of(Question::Buttons buttons) {
+  switch (buttons) {
+    case Question::Buttons::yes_no:
+      return QMessageBox::Yes | QMessageBox::No;
+    case Question::Buttons::yes_no_cancel:
+      return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    default:
+      return QMessageBox::Ok | QMessageBox::Cancel;
+  }
+}
+
+Answer answer_of(int button) {
+  if (button == QMessageBox::Yes || button == QMessageBox::Ok) return Answer::yes;
+  return button == QMessageBox::No ? Answer::no : Answer::cancel;
+}
+
+}  // namespace
+
+QStringList name_filters(const std::string& filter) {
+  const QStringList parts = to_qt(filter).split(u'|', Qt::SkipEmptyParts);
+  QStringList result;
+  for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+    // Qt takes the patterns from the last brackets; a name may carry others or none.
+    const QString name = parts[i].left(parts[i].indexOf(u'(')).trimmed();
+    const QString patterns = QString(parts[i + 1]).replace(u';', u' ');
+    result << QStringLiteral("%1 (%2)").arg(name, patterns == "*.*" ? QStringLiteral("*") : patterns);
+  }
+  return result;
+}
+
+QWidget* QtPrompts::parent() const {
+  // Over a dialog that is open already, not behind it.
+  QWidget* modal = QApplication::activeModalWidget();
+  return modal ? modal : parent_.data();
+}
+
+Task<> QtPrompts::message(Message message) {
+  OpenDialog dialog(
+      message_box(message.title, message.text, icon_of(message.icon), QMessageBox::Ok, parent()));
+  co_await dialog.finished();
+}
+
+Task<Answer> QtPrompts::ask(Question question) {
+  OpenDialog dialog(message_box(question.title, question.text, QMessageBox::Question,
+                                buttons_of(question.buttons), parent()));
+  co_return answer_of(co_await dialog.finished());
+}
+
+Task<std::optional<std::filesystem::path>> QtPrompts::choose_open(FileChoice choice) {
+  co_return co_await this->choose(std::move(choice), false);
+}
+
+Task<std::optional<std::filesystem::path>> QtPrompts::choose_save(FileChoice choice) {
+  co_return co_await this->choose(std::move(choice), true);
+}
+
+Task<std::optional<std::filesystem::path>> QtPrompts::choose(FileChoice choice, bool save) {
+  auto* chooser = new QFileDialog(parent(), QString(), QDir::currentPath());
+  OpenDialog dialog(chooser);
+  chooser->setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  chooser->setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  chooser->setNameFilters(name_filters(choice.filter));
+  chooser->setDefaultSuffix(to_qt(choice.default_extension));
+  if (!choice.initial_name.empty()) chooser->selectFile(to_qt(choice.initial_name));
+  const int result = co_await dialog.finished();
+  const QStringList files = chooser->selectedFiles();
+  if (result != QDialog::Accepted || files.isEmpty()) co_return std::nullopt;
+  co_return to_path(files.first());
+}
+
+}  // namespace qv5123

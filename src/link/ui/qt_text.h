@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace qv5123 {
+
+/// The core's UTF-8 text as Qt's, and back.
+inline QString to_qt(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+inline std::string from_qt(const QString& text) {
+  return text.toStdString();
+}
+
+/// Paths keep every character on both systems, whatever the code page.
+inline QString path_to_qt(const std::filesystem::path& path) {
+  return QString::fromStdU16String(path.u16string());
+}
+inline std::filesystem::path to_path(const QString& text) {
+  return std::filesystem::path(text.toStdU16String());
+}
+
+}  // namespace qv5123
