@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QDialog>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "link/port_list.h"
+#include "link/port_settings.h"
+#include "link/task.h"
+
+class QCheckBox;
+class QComboBox;
+class QFormLayout;
+class QPushButton;
+
+namespace qv5123 {
+
+/// The dialog "Serial Port Setting": the user picks a port and its line settings. It ends with OK only for a
+/// port that can be opened.
+class CSerialPortSetting final : public QDialog {
+  Q_OBJECT
+
+ public:
+  /// Tells whether a device can be opened.
+  using Probe = std::function<Task<OpenResult>(std::string device)>;
+
+  /// `current` is what the lists show first. Every call is made while the dialog exists.
+  CSerialPortSetting(std::vector<PortInfo> ports, const PortSettings& current, Probe probe,
+                     QWidget* parent = nullptr);
+
+  /// What was chosen; `current` until "Open" went well.
+  const PortSettings& settings() const { return settings_; }
+
+ private:
+  QComboBox* list(const QString& name, const QString& tip);
+  void add_port_list(QFormLayout& form);
+  void add_line_lists(QFormLayout& form);
+  void add_flow_boxes(QFormLayout& form);
+  void add_send_delay(QFormLayout& form);
+  void add_buttons(QFormLayout& form);
+  void widen_drop_down();
+  void show_selection(const PortSelection& selection);
+  PortSelection selection() const;
+  PortSettings chosen() const;
+  Task<> try_open();
+  void say_probe_failed(const PortSettings& tried, const OpenResult& result);
+
+  const std::vector<PortInfo> ports_;
+  PortSettings settings_;
+  const Probe probe_;
+  QComboBox* port_ = nullptr;
+  QComboBox* baud_rate_ = nullptr;
+  QComboBox* data_bits_ = nullptr;
+  QComboBox* parity_ = nullptr;
+  QComboBox* stop_bits_ = nullptr;
+  QCheckBox* dtr_dsr_ = nullptr;
+  QCheckBox* rts_cts_ = nullptr;
+  QCheckBox* xon_xoff_ = nullptr;
+  QPushButton* open_ = nullptr;
+  Flow opening_;
+};
+
+}  // namespace qv5123

@@ -1,0 +1,116 @@
+#include "link/ui/serial_port_setting.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractItemView>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace qv5123 {
+namespace {
+
+const std::vector<PortInfo> kPorts = {{3, "COM3", "Communications Port (COM3)"},
+                                      {12, "\\\\.\\COM12", "USB Serial Adapter (COM12)"}};
+
+struct PortDialog {
+  OpenResult result;
+  std::vector<std::string> probed;
+  CSerialPortSetting dialog;
+
+  explicit PortDialog(const PortSettings& current, std::vector<PortInfo> ports = kPorts)
+      : dialog(std::move(ports), current, [this](std::string device) -> Task<OpenResult> {
+          probed.push_back(device);
+          co_return result;
+        }) {
+    dialog.show();
+  }
+
+  template <class Widget>
+  Widget* control(const char* name) {
+    for (auto* widget : dialog.findChildren<Widget*>()) {
+      if (widget->accessibleName() == QLatin1String(name)) return widget;
+    }
+    ADD_FAILURE() << name;
+    return nullptr;
+  }
+  QStringList entries(const char* name) {
+    QStringList texts;
+    auto* list = control<QComboBox>(name);
+    for (int i = 0; i < list->count(); ++i) texts << list->itemText(i);
+    return texts;
+  }
+  void open() {
+    control<QPushButton>("Open port")->click();
+    QCoreApplication::processEvents();
+  }
+};
+
+TEST(SerialPortSetting, ShowsThePortsAndTheStoredLine) {
+  PortSettings current;
+  current.number = 12;
+  current.line = {19200, 7, 1, 2, 5};
+  PortDialog bench(current);
+  EXPECT_EQ(bench.dialog.windowTitle(), "Serial Port Setting");
+  EXPECT_EQ(bench.entries("Serial Port"),
+            (QStringList{"Communications Port (COM3)", "USB Serial Adapter (COM12)"}));
+  EXPECT_EQ(bench.control<QComboBox>("Serial Port")->currentIndex(), 1);
+  EXPECT_EQ(bench.entries("Baud Rate").join(' '), "2400 4800 9600 19200 38400 57600 115200 230400");
+  EXPECT_EQ(bench.entries("Data Bits").join(' '), "5 6 7 8");
+  EXPECT_EQ(bench.entries("Parity").join(' '), "none odd even mark space");
+  EXPECT_EQ(bench.entries("Stop Bits").join(' '), "1 2");
+  EXPECT_FALSE(bench.control<QComboBox>("Baud Rate")->isEnabled());
+  EXPECT_EQ(bench.control<QComboBox>("Baud Rate")->currentText(), "19200");
+  EXPECT_FALSE(bench.control<QLineEdit>("Send Delay")->isEnabled());
+  EXPECT_EQ(bench.control<QComboBox>("Data Bits")->currentText(), "7");
+  EXPECT_EQ(bench.control<QComboBox>("Parity")->currentText(), "even");
+  EXPECT_EQ(bench.control<QComboBox>("Stop Bits")->currentText(), "2");
+  EXPECT_TRUE(bench.control<QCheckBox>("DTR/DSR")->isChecked());
+  EXPECT_FALSE(bench.control<QCheckBox>("RTS/CTS")->isChecked());
+  EXPECT_TRUE(bench.control<QCheckBox>("XON/XOFF")->isChecked());
+  const auto* list = bench.control<QComboBox>("Serial Port");
+  EXPECT_EQ(list->view()->minimumWidth(),
+            list->fontMetrics().horizontalAdvance("Communications Port (COM3)") + 5);
+}
+
+TEST(SerialPortSetting, OpenProbesAndTakesTheSelections) {
+  PortDialog bench({});
+  bench.control<QComboBox>("Serial Port")->setCurrentIndex(1);
+  bench.control<QComboBox>("Stop Bits")->setCurrentIndex(1);
+  bench.control<QComboBox>("Parity")->setCurrentIndex(4);
+  bench.control<QCheckBox>("RTS/CTS")->setChecked(true);
+  bench.result = {OpenError::busy, "Somebody <b>else</b> has it."};
+  bench.open();
+  EXPECT_EQ(bench.probed, std::vector<std::string>{"\\\\.\\COM12"});
+  auto* box = bench.dialog.findChild<QMessageBox*>();
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(box->text().section('\n', 0, 0), "Port COM12 open failed!");
+  EXPECT_EQ(box->textFormat(), Qt::PlainText);
+  EXPECT_TRUE(bench.dialog.isVisible());
+  EXPECT_EQ(bench.dialog.settings(), PortSettings{}) << "nothing is taken over yet";
+  box->accept();
+
+  bench.result = {};
+  bench.open();
+  EXPECT_FALSE(bench.dialog.isVisible());
+  EXPECT_EQ(bench.dialog.result(), QDialog::Accepted);
+  PortSettings expected;
+  expected.number = 12;
+  expected.device = "\\\\.\\COM12";
+  expected.description = "USB Serial Adapter (COM12)";
+  expected.line = {19200, 8, 1, 4, 2};
+  EXPECT_EQ(bench.dialog.settings(), expected);
+}
+
+TEST(SerialPortSetting, WithoutPortsOnlyCancelIsLeft) {
+  PortDialog bench({}, {});
+  EXPECT_FALSE(bench.control<QPushButton>("Open port")->isEnabled());
+  bench.control<QPushButton>("Cancel port setting")->click();
+  EXPECT_EQ(bench.dialog.result(), QDialog::Rejected);
+}
+
+}  // namespace
+}  // namespace qv5123
