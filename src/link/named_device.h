@@ -1,0 +1,34 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+
+#include "link/serial_device.h"
+
+namespace qv5123 {
+
+/// Two devices as one: the name that it is opened by says which. For a program that runs on the simulated
+/// chip and may be turned to a real port.
+class NamedDevice final : public SerialDevice {
+ public:
+  /// `special` is opened by `special_name`, `usual` by every other name.
+  NamedDevice(std::string special_name, std::unique_ptr<SerialDevice> special,
+              std::unique_ptr<SerialDevice> usual);
+
+  OpenResult open(const std::string& name, const LineSettings& settings) override;
+  void close() override { current().close(); }
+  Wait wait() override { return current().wait(); }
+  std::size_t read(std::span<std::uint8_t> buffer) override { return current().read(buffer); }
+  std::size_t write(std::span<const std::uint8_t> bytes) override { return current().write(bytes); }
+
+ private:
+  SerialDevice& current() const { return *current_; }
+
+  const std::string special_name_;
+  const std::unique_ptr<SerialDevice> special_;
+  const std::unique_ptr<SerialDevice> usual_;
+  std::atomic<SerialDevice*> current_;
+};
+
+}  // namespace qv5123
