@@ -1,0 +1,50 @@
+#include "console/ui/app_settings.h"
+
+#include <QSettings>
+
+#include "link/ui/qt_text.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr const char* kFourthTdnModeKey = "FourthTdnMode";
+
+QString key_of(const std::string& name) {
+  return QString::fromLatin1(kPortSection) + u'/' + to_qt(name);
+}
+
+}  // namespace
+
+std::optional<PortSettings> AppSettings::port() const {
+  StoredNumbers numbers = stored_numbers(PortSettings{});
+  if (!store_.contains(key_of(kPortNumberKey))) return std::nullopt;
+  numbers[kDebugKey] = 0;
+  StoredNumbers stored;
+  for (const auto& [name, unused] : numbers) {
+    bool is_number = false;
+    const long long value = store_.value(key_of(name)).toLongLong(&is_number);
+    if (is_number) stored[name] = value;
+  }
+  return port_settings_from(stored, from_qt(store_.value(key_of(kPortDeviceKey)).toString()),
+                            from_qt(store_.value(key_of(kPortDescriptionKey)).toString()));
+}
+
+void AppSettings::store_port(const PortSettings& settings) {
+  for (const auto& [name, value] : stored_numbers(settings)) {
+    // As 32 bits, which is how the registry keeps integers.
+    store_.setValue(key_of(name), static_cast<int>(value));
+  }
+  store_.setValue(key_of(kPortDeviceKey), to_qt(settings.device));
+  store_.setValue(key_of(kPortDescriptionKey), to_qt(settings.description));
+  store_.sync();
+}
+
+int AppSettings::debug() const {
+  return store_.value(key_of(kDebugKey), 0).toInt();
+}
+
+bool AppSettings::fourth_tdn_mode() const {
+  return store_.value(kFourthTdnModeKey, false).toBool();
+}
+
+}  // namespace qv5123

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <optional>
+
+#include "link/port_settings.h"
+
+class QSettings;
+
+namespace qv5123 {
+
+/// What the application remembers from run to run, in the system's store for it (the registry on Windows).
+class AppSettings {
+ public:
+  explicit AppSettings(QSettings& store) : store_(store) {}
+
+  /// The stored port settings; nothing when "PortNumber" was never stored.
+  std::optional<PortSettings> port() const;
+  /// Stores everything but "Debug", which only a person sets.
+  void store_port(const PortSettings& settings);
+  /// Non-zero: the port dialog is not forced at the start.
+  int debug() const;
+
+  /// Whether the TDN modes have "Auto" as a fourth; off unless stored otherwise.
+  bool fourth_tdn_mode() const;
+
+ private:
+  QSettings& store_;
+};
+
+}  // namespace qv5123

@@ -1,0 +1,106 @@
+#include <QSettings>
+#include <cstdio>
+#include <cstdlib>
+
+#include "console/ui/frame.h"
+#include "console/ui/program.h"
+#include "console/ui/qv5123_app.h"
+#include "content/ui/dlg_font_maker.h"
+#include "content/ui/dlg_make_eeprom.h"
+#include "link/named_device.h"
+#include "link/port_list.h"
+#include "link/port_name.h"
+#include "link/system_serial_device.h"
+#include "registers/ui/dlg_isp_register.h"
+#include "simulator/simulated_board.h"
+#include "tuning/ui/dlg_ae_tune.h"
+#include "tuning/ui/dlg_isp_awb.h"
+#include "tuning/ui/dlg_isp_gamma_rgb.h"
+
+namespace {
+
+using namespace qv5123;
+
+constexpr const char* kSimulatedDevice = "simulated chip";
+
+/// Reads the command line before there is a window system to connect to: help needs none.
+std::variant<ProgramOptions, EndAtOnce> early_options(int& argc, char** argv) {
+  QCoreApplication application(argc, argv);
+  return read_options(QCoreApplication::arguments());
+}
+
+int print(const EndAtOnce& end) {
+  const QByteArray text = end.text.toLocal8Bit();
+  std::fputs(text.constData(), end.exit_code == 0 ? stdout : stderr);
+  if (!text.endsWith('\n')) std::fputc('\n', end.exit_code == 0 ? stdout : stderr);
+  return end.exit_code;
+}
+
+PageFactories page_factories() {
+  PageFactories pages;
+  pages[PageId::registers] = page_factory<CDlgIspRegister>();
+  pages[PageId::gamma] = page_factory<CDlgIspGammaRgb>();
+  pages[PageId::awb_tune] = page_factory<CDlgIspAwb>();
+  pages[PageId::dynamic_control] = page_factory<CDlgAeTune>();
+  pages[PageId::font_editor] = page_factory<CDlgFontMaker>();
+  pages[PageId::make_flash] = page_factory<CDlgMakeEeprom>();
+  return pages;
+}
+
+PortInfo simulated_port() {
+  return {1, kSimulatedDevice, "Simulated chip"};
+}
+
+std::optional<PortSettings> fixed_port(const ProgramOptions& options, const AppSettings& settings) {
+  if (!options.port && !options.simulate) return std::nullopt;
+  PortSettings port;
+  if (options.simulate) {
+    port.device = kSimulatedDevice;
+    port.description = simulated_port().name;
+    return port;
+  }
+  port = settings.port().value_or(port);
+  port.device = *options.port;
+  port.number = port_number_from_name(*options.port).value_or(port.number);
+  port.description = *options.port;
+  return port;
+}
+
+/// The real ports, and the simulated chip when the program was started on it.
+Program::Parts program_parts(const ProgramOptions& options, const AppSettings& settings) {
+  Program::Parts parts;
+  parts.device = make_serial_device();
+  parts.list_ports = list_ports;
+  parts.probe_port = probe_port;
+  parts.pages = page_factories();
+  parts.fixed_port = fixed_port(options, settings);
+  // At once: nothing is torn down, and what was to be saved is on the disk.
+  parts.end_process = [](int code) { std::_Exit(code); };
+  parts.report = [](const std::string& text) { std::fprintf(stderr, "QV5123: %s\n", text.c_str()); };
+  if (!options.simulate) return parts;
+  parts.device = std::make_unique<NamedDevice>(kSimulatedDevice, std::make_unique<SimulatedBoard>(),
+                                               std::move(parts.device));
+  parts.list_ports = [] {
+    std::vector<PortInfo> ports = list_ports();
+    ports.insert(ports.begin(), simulated_port());
+    return ports;
+  };
+  parts.probe_port = [](const std::string& device) {
+    return device == kSimulatedDevice ? OpenResult{} : probe_port(device);
+  };
+  return parts;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const auto options = early_options(argc, argv);
+  if (const auto* end = std::get_if<EndAtOnce>(&options)) return print(*end);
+  CQV5123App application(argc, argv);
+  QSettings store;
+  const AppSettings settings(store);
+  const auto& chosen = std::get<ProgramOptions>(options);
+  Program program(chosen, settings, program_parts(chosen, settings));
+  program.start();
+  return application.exec();
+}

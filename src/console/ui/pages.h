@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QWidget>
+#include <array>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "console/page_host.h"
+
+namespace qv5123 {
+
+enum class PageId {
+  registers,
+  isp_tune,
+  gamma,
+  lsc,
+  awb_tune,
+  linear_matrix,
+  dynamic_control,
+  font_editor,
+  make_flash
+};
+
+struct PageEntry {
+  PageId id;
+  const char* menu_text;
+  const char* status_text;
+  const char* name;  ///< what files and accessibility tools call the page
+};
+
+/// The menu bar's items in its order, with what each says when it is chosen.
+inline constexpr std::array<PageEntry, 9> kPageEntries = {{
+    {PageId::registers, "&Registers", "ISP register read/write and dump", "registers"},
+    {PageId::isp_tune, "&ISPTune", "ISP tune and debug tool", "isp-tune"},
+    {PageId::gamma, "&Gamma", "Gamma parameter tool", "gamma"},
+    {PageId::lsc, "&LSC", "Lens Shading auto Calibration. ", "lsc"},
+    {PageId::awb_tune, "&AWBTune", "AWB static parameters for white color detection ", "awb-tune"},
+    {PageId::linear_matrix, "&LinearMatrix",
+     "Linear Matrix capture and calcuation. Please make sure white balance works good before start capture.",
+     "linear-matrix"},
+    {PageId::dynamic_control, "&DynamicControl", "Dynamic parameters for AE/AWB work", "dynamic-control"},
+    {PageId::font_editor, "FontEditor", "Edit Font Library", "font-editor"},
+    {PageId::make_flash, "&MakeFlash", "Make EEPROM flash binary", "make-flash"},
+}};
+
+/// A page as the main form takes it over: the widget to show and its side that the main form talks to, which
+/// is usually the same object.
+struct CreatedPage {
+  std::unique_ptr<QWidget> widget;
+  Page* page = nullptr;
+};
+
+using PageFactory = std::function<CreatedPage(PageHost&)>;
+
+/// How each page is made on its first use. An item without a factory is there and greyed for good.
+using PageFactories = std::map<PageId, PageFactory>;
+
+/// The factory of a page class that takes the main form.
+template <class Dialog>
+PageFactory page_factory() {
+  return [](PageHost& host) {
+    auto dialog = std::make_unique<Dialog>(host);
+    Page* page = dialog.get();
+    return CreatedPage{std::move(dialog), page};
+  };
+}
+
+}  // namespace qv5123

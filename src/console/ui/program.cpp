@@ -1,0 +1,171 @@
+#include "console/ui/program.h"
+
+#include <QPointer>
+#include <exception>
+#include <utility>
+
+#include "console/ui/frame.h"
+#include "console/ui/help_window.h"
+#include "console/ui/qv5123_view.h"
+#include "console/ui/tour.h"
+#include "console/ui/unattended_prompts.h"
+#include "link/ui/qt_text.h"
+#include "link/ui/serial_port_setting.h"
+
+namespace qv5123 {
+namespace {
+
+std::unique_ptr<Prompts> make_prompts(bool attended, const std::function<void(const std::string&)>& report) {
+  if (attended) return std::make_unique<QtPrompts>();
+  return std::make_unique<UnattendedPrompts>(report);
+}
+
+}  // namespace
+
+Program::Program(ProgramOptions options, AppSettings settings, Parts parts)
+    : options_(std::move(options)),
+      settings_(settings),
+      parts_(std::move(parts)),
+      prompts_(make_prompts(!options_.tour, parts_.report)),
+      session_(scheduler_, std::move(parts_.device), session_events()) {
+  document_.fourth_tdn_mode = settings_.fourth_tdn_mode();
+}
+
+Program::~Program() {
+  flows_.cancel();
+  // Its flows own dialogs that the frame would delete as well.
+  delete view_;
+}
+
+PortSessionEvents Program::session_events() {
+  PortSessionEvents events;
+  events.console = [this](const std::string& text) {
+    if (view_) view_->take_received(text);
+  };
+  events.status = [this](const std::string& text) {
+    if (view_) view_->show_status(text);
+  };
+  events.trouble = [this](const std::string& text) {
+    Message message;
+    message.text = text;
+    message.icon = Message::Icon::warning;
+    flows_.spawn(prompts_->message(std::move(message)));
+  };
+  events.connected = [this](bool connected) {
+    if (frame_) frame_->show_connected(connected);
+  };
+  return events;
+}
+
+void Program::start() {
+  flows_.spawn(run());
+}
+
+Task<> Program::run() {
+  PortSettings port = co_await initial_port();
+  open_window(std::move(port));
+  CQV5123View::Startup startup;
+  startup.setting_file = options_.setting_file;
+  startup.offer_setting_file = !options_.tour;
+  view_->start(std::move(startup));
+  if (options_.tour) co_await make_tour();
+}
+
+Task<PortSettings> Program::initial_port() {
+  if (parts_.fixed_port) co_return *parts_.fixed_port;
+  const std::optional<PortSettings> stored = settings_.port();
+  if (stored) {
+    const OpenResult probed = co_await probe(device_name(*stored));
+    if (probed.ok()) co_return *stored;
+  }
+  const PortSettings shown = stored.value_or(PortSettings{});
+  if (settings_.debug() != 0) co_return shown;
+  const std::optional<PortSettings> chosen = co_await choose_port(shown);
+  if (!chosen) co_return PortSettings{};
+  store_port(*chosen);
+  co_return *chosen;
+}
+
+Task<OpenResult> Program::probe(std::string device) {
+  std::function<OpenResult()> work = [probe = parts_.probe_port, device = std::move(device)] {
+    return probe(device);
+  };
+  co_return co_await background_.run<OpenResult>(std::move(work));
+}
+
+std::unique_ptr<QDialog> Program::make_port_dialog(std::vector<PortInfo> ports, const PortSettings& current) {
+  const auto probe_one = [this](std::string device) { return probe(std::move(device)); };
+  return std::make_unique<CSerialPortSetting>(std::move(ports), current, probe_one, frame_.get());
+}
+
+Task<std::optional<PortSettings>> Program::choose_port(PortSettings current) {
+  std::vector<PortInfo> ports = co_await background_.run<std::vector<PortInfo>>(parts_.list_ports);
+  std::unique_ptr<QDialog> dialog;
+  try {
+    dialog = make_port_dialog(std::move(ports), current);
+  } catch (const std::exception&) {
+    dialog.reset();
+  }
+  if (!dialog) {
+    Message failure;
+    failure.text = "Dialog box could not be created!";
+    co_await prompts_->message(std::move(failure));
+    co_return std::nullopt;
+  }
+  Resolver<int> finished;
+  QObject::connect(
+      dialog.get(), &QDialog::finished, dialog.get(), [finished](int result) { finished.resolve(result); },
+      Qt::QueuedConnection);
+  dialog->open();
+  const int result = co_await finished.pending();
+  auto* setting = static_cast<CSerialPortSetting*>(dialog.get());
+  const PortSettings chosen = setting->settings();
+  // The flow goes on inside one of the dialog's own events.
+  dialog.release()->deleteLater();
+  if (result != QDialog::Accepted) co_return std::nullopt;
+  co_return chosen;
+}
+
+void Program::store_port(const PortSettings& settings) {
+  if (!parts_.fixed_port) settings_.store_port(settings);
+}
+
+void Program::open_window(PortSettings port) {
+  view_ = new CQV5123View(session_.link(), *prompts_, document_, std::move(parts_.pages));
+  frame_ = std::make_unique<CMainFrame>(view_);
+  if (auto* dialogs = dynamic_cast<QtPrompts*>(prompts_.get())) dialogs->set_parent(frame_.get());
+  PortInUse::Surroundings surroundings;
+  surroundings.open = [this](std::string name, LineSettings line) {
+    return session_.open(std::move(name), line);
+  };
+  surroundings.close = [this] { session_.close(); };
+  surroundings.choose = [this](PortSettings current) { return choose_port(std::move(current)); };
+  surroundings.store = [this](const PortSettings& settings) { store_port(settings); };
+  view_->use_port(std::move(port), std::move(surroundings));
+  QObject::connect(view_, &CQV5123View::closing_confirmed, frame_.get(), [this] { end(0); });
+  QObject::connect(frame_.get(), &CMainFrame::help_wanted, frame_.get(), [this] { show_help(); });
+  frame_->show();
+}
+
+Task<> Program::make_tour() {
+  Tour tour(*frame_, *view_, *options_.tour);
+  std::vector<PortInfo> ports = co_await background_.run<std::vector<PortInfo>>(parts_.list_ports);
+  const std::string fault = co_await tour.run(
+      [this, &ports] { return make_port_dialog(std::move(ports), view_->port()->settings()); });
+  if (!fault.empty()) parts_.report(fault);
+  end(fault.empty() ? 0 : 1);
+}
+
+void Program::show_help() {
+  if (!help_) help_ = std::make_unique<HelpWindow>();
+  help_->show();
+  help_->raise();
+  help_->activateWindow();
+}
+
+void Program::end(int exit_code) {
+  session_.close();
+  parts_.end_process(exit_code);
+}
+
+}  // namespace qv5123

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "console/document.h"
+#include "console/ui/app_settings.h"
+#include "console/ui/background.h"
+#include "console/ui/pages.h"
+#include "console/ui/program_options.h"
+#include "console/ui/qt_prompts.h"
+#include "console/ui/qt_scheduler.h"
+#include "link/port_list.h"
+#include "link/port_session.h"
+
+class QDialog;
+
+namespace qv5123 {
+
+class CMainFrame;
+class CQV5123View;
+class HelpWindow;
+
+/// The window with everything behind it, from the start of the application to its end.
+class Program {
+ public:
+  /// What differs between the real program and another way to run it.
+  struct Parts {
+    std::unique_ptr<SerialDevice> device;
+    PageFactories pages;
+    /// The port to use at once, without trying and without storing anything.
+    std::optional<PortSettings> fixed_port;
+    std::function<std::vector<PortInfo>()> list_ports;
+    std::function<OpenResult(const std::string& device)> probe_port;
+    /// Ends the process with this code, at once.
+    std::function<void(int)> end_process;
+    /// A line for whoever started the program.
+    std::function<void(const std::string&)> report;
+  };
+
+  Program(ProgramOptions options, AppSettings settings, Parts parts);
+  ~Program();
+
+  /// Begins; the event loop does the rest.
+  void start();
+  CMainFrame* frame() { return frame_.get(); }
+
+ private:
+  PortSessionEvents session_events();
+  Task<> run();
+  Task<PortSettings> initial_port();
+  Task<OpenResult> probe(std::string device);
+  std::unique_ptr<QDialog> make_port_dialog(std::vector<PortInfo> ports, const PortSettings& current);
+  Task<std::optional<PortSettings>> choose_port(PortSettings current);
+  void open_window(PortSettings port);
+  void store_port(const PortSettings& settings);
+  Task<> make_tour();
+  void show_help();
+  void end(int exit_code);
+
+  const ProgramOptions options_;
+  AppSettings settings_;
+  Parts parts_;
+  QtScheduler scheduler_;
+  Background background_{scheduler_};
+  CQV5123Doc document_;
+  std::unique_ptr<Prompts> prompts_;
+  PortSession session_;
+  std::unique_ptr<CMainFrame> frame_;
+  CQV5123View* view_ = nullptr;  // the frame's
+  std::unique_ptr<HelpWindow> help_;
+  FlowSet flows_;
+};
+
+}  // namespace qv5123

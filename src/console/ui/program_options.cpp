@@ -1,0 +1,78 @@
+#include "console/ui/program_options.h"
+
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
+
+#include "link/ui/qt_text.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr int kBadUsage = 2;
+
+EndAtOnce complaint(const QString& text) {
+  return {QStringLiteral("QV5123: %1").arg(text.simplified()), kBadUsage};
+}
+
+/// What is wrong with the options; empty when nothing is.
+QString fault_of(const QCommandLineParser& parser) {
+  if (!parser.positionalArguments().isEmpty()) {
+    return QStringLiteral("Unexpected argument '%1'.").arg(parser.positionalArguments().first());
+  }
+  if (parser.isSet("simulate") && parser.isSet("port")) {
+    return QStringLiteral("Options --simulate and --port exclude each other.");
+  }
+  for (const char* name : {"port", "settings", "tour"}) {
+    if (parser.isSet(name) && parser.value(name).isEmpty()) {
+      return QStringLiteral("Option --%1 is empty.").arg(QLatin1String(name));
+    }
+  }
+  const QString file = parser.value("settings");
+  if (parser.isSet("settings") && !QFileInfo(file).isFile()) {
+    return QStringLiteral("Setting file '%1' does not exist.").arg(file);
+  }
+  if (parser.isSet("settings") && !QFileInfo(file).isReadable()) {
+    return QStringLiteral("Setting file '%1' cannot be read.").arg(file);
+  }
+  const QString folder = parser.value("tour");
+  if (parser.isSet("tour") && !QDir().mkpath(folder)) {
+    return QStringLiteral("Folder '%1' cannot be made.").arg(folder);
+  }
+  return {};
+}
+
+ProgramOptions options_of(const QCommandLineParser& parser) {
+  ProgramOptions options;
+  if (parser.isSet("port")) options.port = from_qt(parser.value("port"));
+  if (parser.isSet("settings")) options.setting_file = to_path(parser.value("settings"));
+  if (parser.isSet("tour")) options.tour = to_path(parser.value("tour"));
+  options.simulate = parser.isSet("simulate") || (options.tour && !options.port);
+  return options;
+}
+
+}  // namespace
+
+std::variant<ProgramOptions, EndAtOnce> read_options(const QStringList& arguments) {
+  QCommandLineParser parser;
+  parser.setApplicationDescription("Adjusts and tunes a camera image signal processor over a serial port.");
+  parser.addOptions({
+      {{"h", "help"}, "Print this help and exit."},
+      {{"v", "version"}, "Print the version and exit."},
+      {"port", "Use this serial device and store nothing.", "DEVICE"},
+      {"simulate", "Use the simulated chip and store nothing."},
+      {"settings", "Load this setting file at the start instead of offering the dialog.", "FILE"},
+      {"tour",
+       "Open every page in turn, save a picture of each in this folder, and exit. Runs on the simulated chip "
+       "unless --port is given.",
+       "DIR"},
+  });
+  if (!parser.parse(arguments)) return complaint(parser.errorText());
+  if (parser.isSet("help")) return EndAtOnce{parser.helpText(), 0};
+  if (parser.isSet("version")) return EndAtOnce{QStringLiteral("QV5123 " QV5123_VERSION "\n"), 0};
+  const QString fault = fault_of(parser);
+  if (!fault.isEmpty()) return complaint(fault);
+  return options_of(parser);
+}
+
+}  // namespace qv5123

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QStringList>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace qv5123 {
+
+struct ProgramOptions {
+  std::optional<std::string> port;                    ///< use this device, store nothing
+  bool simulate = false;                              ///< the simulated chip, store nothing
+  std::optional<std::filesystem::path> setting_file;  ///< load it instead of offering the dialog
+  std::optional<std::filesystem::path> tour;          ///< the folder for the tour's pictures
+};
+
+/// The program is to print `text` and end: help and version on the standard output with 0, a complaint of one
+/// line on the standard error with 2.
+struct EndAtOnce {
+  QString text;
+  int exit_code = 0;
+};
+
+/// Reads the command line, the program's name included. A setting file must exist; a folder for the tour is
+/// made. Without a port the tour runs on the simulated chip. Needs an application object for the help.
+std::variant<ProgramOptions, EndAtOnce> read_options(const QStringList& arguments);
+
+}  // namespace qv5123

@@ -1,0 +1,280 @@
+#include "console/ui/qv5123_view.h"
+
+#include <QCloseEvent>
+#include <QLabel>
+#include <QMenuBar>
+#include <set>
+
+#include "console/setting_file.h"
+#include "console/ui/view_bench.h"
+
+namespace qv5123 {
+namespace {
+
+using test::ViewBench;
+using Strings = std::vector<std::string>;
+
+TEST(MainForm, EveryButtonSendsItsFixedCommand) {
+  ViewBench bench;
+  EXPECT_EQ(bench.sent_by("OSD Up"), Strings{"@0100*"});
+  EXPECT_EQ(bench.sent_by("OSD Down"), Strings{"@0101*"});
+  EXPECT_EQ(bench.sent_by("OSD Left"), Strings{"@0102*"});
+  EXPECT_EQ(bench.sent_by("OSD Right"), Strings{"@0103*"});
+  EXPECT_EQ(bench.sent_by("OSD Set"), Strings{"@0104*"});
+  EXPECT_EQ(bench.sent_by("Factory Reset"), Strings{"@9209*@9222*@93cc*"});
+  EXPECT_EQ(bench.sent_by("AE Info"), Strings{"@a201*"});
+  EXPECT_EQ(bench.sent_by("AWB Info"), Strings{"@a501*"});
+  EXPECT_TRUE(bench.user.questions.empty());
+
+  EXPECT_EQ(bench.sent_by("Current ISP Setting copy to Factory"), Strings{}) << "cancelled";
+  bench.user.answers = {Answer::yes};
+  EXPECT_EQ(bench.sent_by("Current ISP Setting copy to Factory"), Strings{"@bf00*"});
+  EXPECT_EQ(bench.user.questions.back().text,
+            "would you really want to rewrite factorydata by current userdata?");
+}
+
+TEST(MainForm, VersionBoxShowsASlotAndStoresIt) {
+  ViewBench bench;
+  bench.document.setting_file = bench.folder.path() / "board.dat";
+  for (const auto& [entry, digit] : {std::pair{695, 1}, {696, 2}, {697, 0}, {698, 7}, {699, 9}, {700, 9}}) {
+    bench.document.user_data.set_entry(entry, digit);
+  }
+  const auto number = [&](const char* name) { return bench.control<QSpinBox>(name); };
+  bench.pick("Version slot", 1);
+  EXPECT_EQ(number("Version number 1")->value(), 12);
+  EXPECT_EQ(number("Version number 2")->value(), 7);
+  EXPECT_EQ(number("Version number 3")->value(), 99);
+
+  number("Version number 2")->setValue(34);
+  EXPECT_EQ(bench.sent_by("Store version"), (Strings{"@cc01*@cc02*", "@cc03*@cc04*", "@cc09*@cc09*"}));
+  EXPECT_EQ(bench.document.user_data.entry(697), 3);
+  EXPECT_EQ(bench.folder.read("board.dat"), setting_text(bench.document.user_data));
+}
+
+TEST(MainForm, OsdPatternIsStoredWrittenAndSentAndShownWithoutSending) {
+  ViewBench bench;
+  bench.document.setting_file = bench.folder.path() / "board.dat";
+  bench.pick("OSD Pattern Choice", 1);
+  bench.wire.advance(100);
+  EXPECT_EQ(bench.wire.sender.wire(), "@c901*");
+  EXPECT_EQ(bench.folder.read("board.dat"), setting_text(bench.document.user_data));
+  EXPECT_EQ(bench.document.user_data.entry(634), 1);
+
+  bench.document.user_data.set_entry(634, 0);
+  bench.item(PageId::registers)->trigger();
+  bench.wire.advance(100);
+  EXPECT_EQ(bench.control<QComboBox>("OSD Pattern Choice")->currentIndex(), 0);
+  EXPECT_EQ(bench.wire.sender.wire(), "@c901*");
+}
+
+TEST(MainForm, MenuChoosesOnePageAndGreysItsItem) {
+  ViewBench bench;
+  QStringList texts;
+  for (QAction* action : bench.frame.menuBar()->actions()) texts << action->text();
+  EXPECT_EQ(
+      texts.join(' '),
+      "&Registers &ISPTune &Gamma &LSC &AWBTune &LinearMatrix &DynamicControl FontEditor &MakeFlash &Help");
+  const auto greyed = [&] {
+    Strings names;
+    for (QAction* action : bench.view->pages().actions_in_order()) {
+      if (!action->isEnabled()) names.push_back(action->text().toStdString());
+    }
+    return names;
+  };
+  EXPECT_EQ(greyed(), Strings{"&LSC"}) << "it has no page";
+  bench.item(PageId::isp_tune)->trigger();
+  EXPECT_EQ(greyed(), (Strings{"&ISPTune", "&LSC"}));
+  bench.item(PageId::font_editor)->trigger();
+  EXPECT_EQ(greyed(), (Strings{"&LSC", "FontEditor"}));
+  EXPECT_TRUE(bench.view->pages().page_widget(PageId::font_editor)->isVisible());
+  EXPECT_FALSE(bench.view->pages().page_widget(PageId::isp_tune)->isVisible());
+  EXPECT_EQ(bench.statuses, (Strings{"ISP tune and debug tool", "", "Edit Font Library"}));
+
+  bench.view->pages().choose(PageId::isp_tune);
+  bench.view->pages().choose(PageId::isp_tune);
+  EXPECT_EQ(bench.record, (Strings{"isp-tune made", "font-editor made", "isp-tune again", "isp-tune again"}));
+  bench.view->pages().choose(PageId::lsc);
+  EXPECT_TRUE(bench.view->pages().page_widget(PageId::isp_tune)->isVisible());
+}
+
+TEST(MainForm, SettingFilesPassThroughThePagesInTheirOrder) {
+  ViewBench bench;
+  UserDataImage image;
+  image.set_entry(689, 4);
+  image.set_entry(634, 1);
+  const auto path = bench.folder.write("board.dat", setting_text(image));
+  for (const PageEntry& entry : kPageEntries) bench.view->pages().choose(entry.id);
+  bench.record.clear();
+  bench.user.paths = {path, bench.folder.path() / "copy.dat"};
+  bench.click("Load File...");
+  EXPECT_EQ(bench.record, (Strings{"gamma reloaded", "awb-tune reloaded", "dynamic-control reloaded",
+                                   "linear-matrix reloaded"}));
+  EXPECT_EQ(bench.control<QSpinBox>("Version number 1")->value(), 40);
+  EXPECT_EQ(bench.control<QComboBox>("OSD Pattern Choice")->currentIndex(), 1);
+  bench.record.clear();
+  bench.click("Save File...");
+  EXPECT_EQ(bench.record,
+            (Strings{"gamma saved", "awb-tune saved", "dynamic-control saved", "linear-matrix saved"}));
+  EXPECT_EQ(bench.folder.read("copy.dat"), setting_text(image));
+}
+
+TEST(MainForm, SystemSendsASettingFileAndOtherCommandsWait) {
+  ViewBench bench;
+  const auto path = bench.folder.write("board.dat", setting_text(UserDataImage{}));
+  bench.user.paths = {path};
+  bench.click("System");
+  bench.click("OSD Up");
+  EXPECT_TRUE(bench.control<QPushButton>("Cancel download")->isEnabled());
+  bench.wire.advance(2000);
+  ASSERT_EQ(bench.wire.sender.writes.size(), 8u);
+  EXPECT_EQ(bench.wire.sender.writes[0], "U");
+  EXPECT_EQ(bench.wire.sender.writes[1], std::string("\x04\x00", 2));
+  EXPECT_EQ(bench.wire.sender.writes[6], "\x04") << "checksum of zeros is the header's";
+  EXPECT_EQ(bench.wire.sender.writes[7], "@0100*");
+  EXPECT_FALSE(bench.control<QPushButton>("Cancel download")->isEnabled());
+  EXPECT_NE(bench.console().find("User data sent.."), std::string::npos);
+}
+
+TEST(MainForm, ClosingAsksAndObeys) {
+  ViewBench bench;
+  bench.document.setting_file = bench.folder.path() / "board.dat";
+  bench.document.user_data.set_entry(0, 77);
+  int ends = 0;
+  QObject::connect(bench.view, &CQV5123View::closing_confirmed, [&] { ++ends; });
+
+  bench.user.answers = {Answer::cancel};
+  bench.frame.close();
+  EXPECT_EQ(ends, 0);
+  EXPECT_TRUE(bench.frame.isVisible());
+  EXPECT_EQ(bench.user.questions.back().title, "Save setting");
+  const std::string& text = bench.user.questions.back().text;
+  EXPECT_EQ(text.find(bench.document.setting_file.string()), 0u);
+  EXPECT_NE(text.find("Do you want to save settings to file?"), std::string::npos);
+
+  bench.user.answers = {Answer::no};
+  bench.frame.close();
+  EXPECT_EQ(ends, 1);
+  EXPECT_EQ(bench.folder.read("board.dat"), "");
+
+  bench.user.answers = {Answer::yes};
+  bench.frame.close();
+  EXPECT_EQ(ends, 2);
+  EXPECT_EQ(bench.folder.read("board.dat"), setting_text(bench.document.user_data));
+
+  bench.view->set_busy(true);
+  bench.user.answers = {Answer::cancel, Answer::no};
+  bench.frame.close();
+  EXPECT_EQ(ends, 2) << "a page is busy and the user stays";
+}
+
+TEST(MainForm, ConsoleTakesTextClearsAndEmptiesItselfPastItsLines) {
+  ViewBench bench;
+  bench.view->take_received("one\r\ntwo\r");
+  bench.view->take_received("\nthree");
+  EXPECT_EQ(bench.console(), "one\ntwo\nthree");
+  bench.click("Clear");
+  EXPECT_EQ(bench.console(), "");
+  bench.view->append_console("four\r\n");
+  EXPECT_EQ(bench.console(), "four\n");
+  for (int i = 0; i < 10239; ++i) bench.view->take_received("line\r\n");
+  bench.console();
+  bench.view->take_received("gone too");
+  EXPECT_EQ(bench.console(), "");
+}
+
+TEST(MainForm, ControlsHaveNamesOfTheirOwnAndTips) {
+  ViewBench bench;
+  std::set<QString> names;
+  for (QWidget* widget : bench.frame.findChildren<QWidget*>()) {
+    if (!(widget->focusPolicy() & Qt::TabFocus) || !widget->isVisibleTo(&bench.frame)) continue;
+    if (qobject_cast<QAbstractSpinBox*>(widget->parent())) continue;  // the box speaks for its edit
+    EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->metaObject()->className();
+    EXPECT_TRUE(names.insert(widget->accessibleName()).second) << widget->accessibleName().toStdString();
+    EXPECT_FALSE(widget->toolTip().isEmpty()) << widget->accessibleName().toStdString();
+  }
+}
+
+TEST(MainForm, ManualTextSenderIsThereButOutOfReach) {
+  ViewBench bench;
+  auto* text = bench.frame.findChild<QLineEdit*>("manual-text");
+  auto* send = bench.frame.findChild<QPushButton*>("manual-send");
+  EXPECT_FALSE(text->isVisible() || send->isVisible() || text->isEnabled() || send->isEnabled());
+  text->setText("@0104*");
+  send->setEnabled(true);
+  send->click();
+  bench.wire.advance(50);
+  EXPECT_EQ(bench.wire.sender.wire(), "@0104*");
+}
+
+/// The port as the start sees it.
+struct PortBench : ViewBench {
+  OpenResult result;
+  Strings opened;
+  std::optional<PortSettings> choice;
+  std::vector<PortSettings> stored;
+  int closed = 0;
+
+  explicit PortBench(int number) {
+    PortSettings settings;
+    settings.number = number;
+    settings.description = "USB adapter";
+    PortInUse::Surroundings around;
+    around.open = [this](std::string name, LineSettings) -> Task<OpenResult> {
+      opened.push_back(name);
+      co_return result;
+    };
+    around.close = [this] { ++closed; };
+    around.choose = [this](PortSettings) -> Task<std::optional<PortSettings>> { co_return choice; };
+    around.store = [this](const PortSettings& settings) { stored.push_back(settings); };
+    view->use_port(settings, std::move(around));
+  }
+};
+
+TEST(MainFormStart, OpensThePortOffersAFileAndThenTheRegisters) {
+  PortBench bench(12);
+  bench.view->start({});
+  EXPECT_EQ(bench.opened, Strings{"\\\\.\\COM12"});
+  EXPECT_EQ(bench.control<QLineEdit>("COM port")->text(), "USB adapter");
+  EXPECT_EQ(bench.console(), "COM12 open ! \n");
+  EXPECT_EQ(bench.user.opens.size(), 1u);
+  bench.wire.advance(300);
+  bench.wire.receive("~0102^");
+  bench.wire.advance(199);
+  EXPECT_TRUE(bench.record.empty());
+  bench.wire.advance(1);
+  EXPECT_EQ(bench.record, Strings{"registers made"});
+  EXPECT_EQ(bench.console(), "COM12 open ! \n\nLoad Version ok..");
+  EXPECT_EQ(bench.wire.link.reply().state(), ReplyBuffer::State::idle);
+  EXPECT_FALSE(bench.view->starting());
+
+  bench.view->close_serial();
+  bench.view->close_serial();
+  EXPECT_EQ(bench.closed, 1);
+  EXPECT_EQ(bench.console(), "COM12 open ! \n\nLoad Version ok..Serial closed ..\n");
+}
+
+TEST(MainFormStart, APortThatFailsLeavesTheWindowUsableAndCanBeChanged) {
+  PortBench bench(3);
+  bench.result = {OpenError::busy, "COM3 is in use by another program."};
+  const auto path = bench.folder.write("board.dat", setting_text(UserDataImage{}));
+  bench.view->start({path, true});
+  EXPECT_EQ(bench.user.messages.back().text, "Serial open Fail..\n\nCOM3 is in use by another program.");
+  EXPECT_TRUE(bench.user.opens.empty()) << "the given file is loaded instead";
+  EXPECT_EQ(bench.document.setting_file, path);
+  bench.wire.advance(500);
+  EXPECT_EQ(bench.console(), "COM3 open fail \n");
+  EXPECT_EQ(bench.record, Strings{"registers made"});
+
+  bench.click("Change COM Port...");
+  EXPECT_EQ(bench.opened.size(), 1u) << "cancelled";
+  bench.result = {};
+  bench.choice = PortSettings{};
+  bench.choice->number = 4;
+  bench.click("Change COM Port...");
+  EXPECT_EQ(bench.opened.back(), "COM4");
+  EXPECT_EQ(bench.stored, std::vector{*bench.choice});
+  EXPECT_EQ(bench.console(), "COM3 open fail \nCOM4 open ! \n");
+}
+
+}  // namespace
+}  // namespace qv5123

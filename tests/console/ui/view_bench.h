@@ -1,0 +1,98 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QPushButton>
+#include <QSpinBox>
+#include <memory>
+
+#include "console/ui/console_view.h"
+#include "console/ui/frame.h"
+#include "console/ui/page_area.h"
+#include "console/ui/qv5123_view.h"
+#include "support/fake_prompts.h"
+#include "support/fake_wire.h"
+#include "support/temporary_folder.h"
+
+namespace qv5123::test {
+
+/// A page that records what the main form does with it.
+class RecordingPage : public QWidget, public Page {
+ public:
+  RecordingPage(std::string name, std::vector<std::string>& record)
+      : name_(std::move(name)), record_(record) {
+    record_.push_back(name_ + " made");
+  }
+  void save_to_user_data() override { record_.push_back(name_ + " saved"); }
+  void reload_from_user_data() override { record_.push_back(name_ + " reloaded"); }
+  void chosen_again() override { record_.push_back(name_ + " again"); }
+
+ private:
+  const std::string name_;
+  std::vector<std::string>& record_;
+};
+
+/// The main window over a fake wire, driven as a user drives it.
+struct ViewBench {
+  FakeWire wire;
+  FakePrompts user;
+  CQV5123Doc document;
+  TemporaryFolder folder;
+  std::vector<std::string> record;
+  CQV5123View* view = new CQV5123View(wire.link, user, document, factories());
+  CMainFrame frame{view};
+  std::vector<std::string> statuses;
+
+  ViewBench() {
+    QObject::connect(view, &CQV5123View::status_changed, &frame,
+                     [this](const QString& text) { statuses.push_back(text.toStdString()); });
+    frame.show();
+  }
+
+  /// Every page but the LSC page.
+  PageFactories factories() {
+    PageFactories pages;
+    for (const PageEntry& entry : kPageEntries) {
+      if (entry.id == PageId::lsc) continue;
+      pages[entry.id] = [this, name = std::string(entry.name)](PageHost&) {
+        auto page = std::make_unique<RecordingPage>(name, record);
+        Page* side = page.get();
+        return CreatedPage{std::move(page), side};
+      };
+    }
+    return pages;
+  }
+
+  /// The control that accessibility tools find under `name`.
+  template <class Widget>
+  Widget* control(const char* name) {
+    for (Widget* widget : frame.findChildren<Widget*>()) {
+      if (widget->accessibleName() == QLatin1String(name)) return widget;
+    }
+    ADD_FAILURE() << "no control " << name;
+    return nullptr;
+  }
+  void click(const char* name) { control<QPushButton>(name)->click(); }
+  /// The user picks an entry of a list.
+  void pick(const char* name, int index) {
+    auto* list = control<QComboBox>(name);
+    list->setCurrentIndex(index);
+    emit list->activated(index);
+  }
+  /// Clicks and returns what reached the wire by it, one string per write.
+  std::vector<std::string> sent_by(const char* name) {
+    wire.sender.writes.clear();
+    click(name);
+    wire.advance(1000);
+    return wire.sender.writes;
+  }
+  std::string console() {
+    while (!view->console().settled()) QCoreApplication::processEvents();
+    return view->console().toPlainText().toStdString();
+  }
+  QAction* item(PageId id) { return view->pages().actions_in_order()[static_cast<int>(id)]; }
+};
+
+}  // namespace qv5123::test
