@@ -3,13 +3,6 @@
 #include <utility>
 
 namespace qv5123 {
-namespace {
-
-bool takes_time(const LineOptions& options) {
-  return options.line_rate != 0 || options.faults.delay > 0 || options.faults.hangup > 0;
-}
-
-}  // namespace
 
 SimulatedBoard::SimulatedBoard(const LineOptions& options, Clock clock)
     : own_clock_(!clock),
@@ -17,7 +10,7 @@ SimulatedBoard::SimulatedBoard(const LineOptions& options, Clock clock)
       device_([this](std::span<const std::uint8_t> bytes) { take_from_host(bytes); }),
       line_(chip_, options) {
   line_.plug_in();
-  if (own_clock_ && takes_time(options)) worker_ = std::thread(&SimulatedBoard::work_loop, this);
+  if (own_clock_) worker_ = std::thread(&SimulatedBoard::work_loop, this);
 }
 
 SimulatedBoard::~SimulatedBoard() {

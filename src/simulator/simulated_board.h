@@ -23,8 +23,8 @@ class SimulatedBoard final : public SerialDevice {
   static constexpr std::chrono::milliseconds kUnplugged{1000};
 
   SimulatedBoard() : SimulatedBoard(LineOptions{}) {}
-  /// Options that take time (a line rate, delays, hangups) are served by a thread of the board's own, unless
-  /// `clock` is given: whoever moves that clock calls advance().
+  /// What takes time (a line rate, delays, a transfer given up) is seen to by a thread of the board's own,
+  /// which sleeps meanwhile; unless `clock` is given: whoever moves that clock calls advance().
   explicit SimulatedBoard(const LineOptions& options, Clock clock = {});
   ~SimulatedBoard() override;
 

@@ -78,3 +78,14 @@ TEST(SimulatedBoard, ServesDelaysByItself) {
   }
   EXPECT_NE(text.find("QV5120042"), std::string::npos) << "late, but whole";
 }
+
+TEST(SimulatedBoard, GivesUpATransferWhenItsClockSaysSo) {
+  TimePoint now{1h};
+  SimulatedBoard board({}, [&] { return now; });
+  ASSERT_TRUE(board.open("", {}).ok());
+  send(board, std::string("C\x02\0half", 7));
+  received(board);
+  now += 2s;
+  board.advance();
+  EXPECT_EQ(received(board), "\r\nFont: given up after 0 of 2 blocks, old image kept\r\n");
+}
