@@ -51,6 +51,7 @@ GammaCurve label_places() {
 
 GammaChartView::GammaChartView(const GammaValues& values) : values_(values) {
   setAccessibleName("Gamma curves");
+  setToolTip("Drag the points, or choose one with the left and right keys and move it with up and down");
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);

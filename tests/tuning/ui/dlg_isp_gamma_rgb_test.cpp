@@ -7,25 +7,23 @@
 
 #include <random>
 
-#include "support/page_test.h"
 #include "support/fake_page_host.h"
+#include "support/page_driver.h"
 #include "tuning/gamma_curve.h"
 
 namespace qv5123 {
 namespace {
-
-using test::find;
 
 class GammaPage : public testing::Test {
  protected:
   GammaPage() { page_.resize(900, 650); }
 
   QSpinBox* point(int number, const char* curve) {
-    return find<QSpinBox>(page_, QString("Point %1 %2").arg(number).arg(curve));
+    return drive_.find<QSpinBox>(QString("Point %1 %2").arg(number).arg(curve));
   }
-  void click(const char* name) { find<QAbstractButton>(page_, name)->click(); }
+  void click(const char* name) { drive_.click(name); }
   void mouse(QEvent::Type type, ChartPixel at) {
-    auto* chart = find<GammaChartView>(page_, "Gamma curves");
+    auto* chart = drive_.find<GammaChartView>("Gamma curves");
     const auto buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
     QMouseEvent event(type, chart->to_widget(at), chart->mapToGlobal(chart->to_widget(at)),
                       type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
@@ -33,25 +31,26 @@ class GammaPage : public testing::Test {
   }
   void key(Qt::Key key) {
     QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
-    QApplication::sendEvent(find<GammaChartView>(page_, "Gamma curves"), &event);
+    QApplication::sendEvent(drive_.find<GammaChartView>("Gamma curves"), &event);
   }
 
   test::FakeWire wire_;
   test::FakePageHost host_{wire_};
   CDlgIspGammaRgb page_{host_};
+  test::PageDriver drive_{page_};
 };
 
 TEST_F(GammaPage, ComputesAndAppliesTheSelectedCurve) {
   EXPECT_EQ(host_.doc.front_gamma_level, 16);
   click("Channel G");
-  find<QDoubleSpinBox>(page_, "Gamma Value")->setValue(1);
+  drive_.find<QDoubleSpinBox>("Gamma Value")->setValue(1);
   click("Gamma Value Set");
   EXPECT_EQ(point(22, "G")->value(), 1016);
   EXPECT_EQ(point(21, "G")->value(), 896);
   EXPECT_EQ(point(22, "R")->value(), 0);
-  EXPECT_TRUE(find<QPlainTextEdit>(page_, "Messages")->toPlainText().startsWith("G: 0, 0, 5, 13,"));
+  EXPECT_TRUE(drive_.find<QPlainTextEdit>("Messages")->toPlainText().startsWith("G: 0, 0, 5, 13,"));
   click("Clear");
-  EXPECT_EQ(find<QPlainTextEdit>(page_, "Messages")->toPlainText(), "");
+  EXPECT_EQ(drive_.find<QPlainTextEdit>("Messages")->toPlainText(), "");
 
   point(1, "G")->setValue(0x123);
   click("Apply");
@@ -64,30 +63,31 @@ TEST_F(GammaPage, ComputesAndAppliesTheSelectedCurve) {
 }
 
 TEST_F(GammaPage, TheOtherValueBeingZeroIsRefused) {
-  find<QDoubleSpinBox>(page_, "Front Gamma Value")->setValue(0);
+  drive_.find<QDoubleSpinBox>("Front Gamma Value")->setValue(0);
   click("Gamma Value Set");
   ASSERT_EQ(host_.user.messages.size(), 1u);
   EXPECT_EQ(host_.user.messages[0].text, "Invalid values.");
   EXPECT_EQ(point(22, "R")->value(), 0);
-  find<QDoubleSpinBox>(page_, "Gamma Value")->setValue(0);
+  drive_.find<QDoubleSpinBox>("Gamma Value")->setValue(0);
   click("Front Gamma Value Set");
   EXPECT_EQ(host_.user.messages[1].text, "Invalid values");
-  find<QDoubleSpinBox>(page_, "Gamma Value")->setValue(2);
-  find<QDoubleSpinBox>(page_, "Front Gamma Value")->setValue(1);
+  drive_.find<QDoubleSpinBox>("Gamma Value")->setValue(2);
+  drive_.find<QDoubleSpinBox>("Front Gamma Value")->setValue(1);
   click("Front Gamma Value Set");
   EXPECT_EQ(host_.last_status(), "Calculate Front Gamma values.");
   EXPECT_EQ(point(21, "Front")->value(), 896);
 }
 
 TEST_F(GammaPage, FrontControlsHideBehindMoreAndTheRadioFallsBack) {
-  auto* radio = find<QAbstractButton>(page_, "Channel Front Gamma");
+  auto* radio = drive_.find<QAbstractButton>("Channel Front Gamma");
   EXPECT_TRUE(radio->isHidden());
   click("More");
   EXPECT_FALSE(radio->isHidden());
   click("Channel B");
   radio->click();
-  EXPECT_TRUE(find<QAbstractButton>(page_, "Channel RGB")->isChecked());
+  EXPECT_TRUE(drive_.checked("Channel RGB"));
   EXPECT_FALSE(point(1, "Front")->isEnabled());
+  drive_.expect_named_controls();
 }
 
 TEST_F(GammaPage, LoadsFromTheChipOrSaysThatItFailed) {
@@ -120,7 +120,7 @@ TEST_F(GammaPage, SavesEverythingBetweenTheBrackets) {
   host_.doc.user_data.set_entry(44, 2);
   click("Load <- File");
   EXPECT_EQ(host_.last_status(), "Load File ok..");
-  EXPECT_TRUE(find<QAbstractButton>(page_, "Channel R")->isChecked());
+  EXPECT_TRUE(drive_.checked("Channel R"));
   EXPECT_EQ(host_.doc.gamma_channel, 2);
   click("Channel G");
   point(22, "B")->setValue(0x2FE);
@@ -151,8 +151,8 @@ TEST_F(GammaPage, ComesBackFromTheUserDataAsItWas) {
   EXPECT_EQ(host_.doc.user_data.entry(44), 1);
 
   CDlgIspGammaRgb other(host_);
-  for (QSpinBox* box : boxes) EXPECT_EQ(find<QSpinBox>(other, box->accessibleName())->value(), box->value());
-  EXPECT_TRUE(find<QAbstractButton>(other, "Channel B")->isChecked());
+  for (QSpinBox* box : boxes) EXPECT_EQ(test::PageDriver(other).number(box->accessibleName()), box->value());
+  EXPECT_TRUE(test::PageDriver(other).checked("Channel B"));
 }
 
 TEST_F(GammaPage, DraggingAndKeysMovePoints) {
@@ -168,7 +168,7 @@ TEST_F(GammaPage, DraggingAndKeysMovePoints) {
   mouse(QEvent::MouseMove, gamma_pixel(256, 100));
   EXPECT_EQ(point(14, "G")->value(), 500) << "let go";
 
-  auto* chart = find<GammaChartView>(page_, "Gamma curves");
+  auto* chart = drive_.find<GammaChartView>("Gamma curves");
   EXPECT_EQ(chart->readout(), "Point 14 at 256:  G = 500");
   key(Qt::Key_PageDown);
   EXPECT_EQ(point(14, "G")->value(), 484);
