@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QGridLayout>
+#include <QWidget>
+
+#include <functional>
+
+#include "console/page_host.h"
+#include "link/task.h"
+#include "tuning/picker.h"
+#include "tuning/ui/page_parts.h"
+
+namespace qv5123 {
+
+/// The colour picker's controls: its switch, its position, and the keys that move it. It keeps them and the
+/// chip in step with the page's values.
+class PickerBox : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// The page's own values, which must outlive the box, and how its picker is switched.
+  struct Picker {
+    bool& on;
+    PickerPosition& position;
+    int& step_index;
+    std::function<Task<>(bool on)> switch_chip;
+  };
+  /// The key in the middle.
+  struct Key {
+    QString caption;
+    QString tooltip;
+    std::function<void()> pressed;
+  };
+  PickerBox(PageHost& host, Picker picker, Key key);
+
+  /// Adds a setting of the page's own below the move step.
+  void add_setting(const QString& caption, QWidget* setting);
+  /// Shows the page's values. The keys stay as they are.
+  void show_values();
+  void enable_keys(bool enabled);
+
+ signals:
+  /// The user has clicked the switch: the page's flag has changed.
+  void switched();
+  /// The chip has followed.
+  void settled();
+
+ private:
+  void add_row(const QString& caption, QWidget* setting);
+  void make_keys(QGridLayout* grid, Key key);
+  void add_arrow(QGridLayout* grid, int row, int column, const QString& caption, PickerMove move);
+  void move(PickerMove move);
+  void click_switch(bool on);
+  Task<> run_switch();
+
+  PageHost& host_;
+  Picker picker_;
+  QCheckBox* switch_;
+  QSpinBox* x_;
+  QSpinBox* y_;
+  QComboBox* step_;
+  QGridLayout* settings_;
+  int setting_rows_ = 0;
+  QWidget* last_setting_;
+  QWidget* keys_;
+  Flow switching_;
+  FlowSet moves_;
+};
+
+}  // namespace qv5123
