@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QWidget>
+
+#include <optional>
+
+#include "tuning/lens_fit.h"
+
+namespace qv5123 {
+
+/// What a lens shading calibration measured along the line, the curves fitted to it, the centre, and what
+/// the parameters make of it. Its colours are the same in every palette.
+class LensChartView : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// Both must outlive the view.
+  LensChartView(const LensCalibration& calibration, const LensValues& values);
+
+  /// To be called after any change of them.
+  void refresh();
+  /// The sample under the mouse with its levels, before and after correction; empty when there is none.
+  QString readout() const;
+  /// Where `level` at `x` pixels along the line stands in the widget.
+  QPointF to_widget(double x, double level) const;
+
+  QSize sizeHint() const override { return {560, 400}; }
+  QSize minimumSizeHint() const override { return {320, 220}; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+
+ private:
+  bool fitted() const;
+  QRectF plot() const;
+  QColor colour_of(std::size_t colour) const;
+  void paint_axes(QPainter& painter) const;
+  void paint_samples(QPainter& painter) const;
+  void paint_centre(QPainter& painter) const;
+  void paint_curve(QPainter& painter, std::size_t colour) const;
+  void paint_corrected(QPainter& painter, std::size_t colour) const;
+  void paint_legend(QPainter& painter) const;
+
+  const LensCalibration& calibration_;
+  const LensValues& values_;
+  std::vector<LensSample> samples_;  ///< along the line, not in the order of the sweep
+  double top_level_ = 0;             ///< of the scale
+  std::optional<std::size_t> hovered_;
+};
+
+}  // namespace qv5123
