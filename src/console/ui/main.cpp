@@ -16,6 +16,7 @@
 #include "tuning/ui/dlg_ae_tune.h"
 #include "tuning/ui/dlg_isp_awb.h"
 #include "tuning/ui/dlg_isp_gamma_rgb.h"
+#include "tuning/ui/dlg_isp_lsc.h"
 
 namespace {
 
@@ -40,6 +41,7 @@ PageFactories page_factories() {
   PageFactories pages;
   pages[PageId::registers] = page_factory<CDlgIspRegister>();
   pages[PageId::gamma] = page_factory<CDlgIspGammaRgb>();
+  pages[PageId::lsc] = page_factory<CDlgIspLSC>();
   pages[PageId::awb_tune] = page_factory<CDlgIspAwb>();
   pages[PageId::dynamic_control] = page_factory<CDlgAeTune>();
   pages[PageId::font_editor] = page_factory<CDlgFontMaker>();
