@@ -12,8 +12,8 @@ namespace qv5123 {
 namespace {
 
 /// A third of a frame, which leaves the rest for layout and painting.
-constexpr qint64 kSliceMs = 5;
-constexpr qsizetype kStep = 1024;
+constexpr qint64 kSliceMs = 4;
+constexpr qsizetype kStep = 256;
 /// State of a block that goes on with the line of the block before it.
 constexpr int kContinued = 1;
 
@@ -23,7 +23,7 @@ ConsoleView::ConsoleView(QWidget* parent) : QPlainTextEdit(parent) {
   setReadOnly(true);
   setUndoRedoEnabled(false);
   setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-  setWordWrapMode(QTextOption::WrapAnywhere);
+  setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
 }
 
