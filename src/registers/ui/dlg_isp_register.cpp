@@ -29,7 +29,7 @@ struct ColumnLayout {
 constexpr int kFieldMargins = 6;  // around a cell's text, with its grid line
 
 constexpr ColumnLayout kListColumns[] = {
-    {"No.", 30, "2047"}, {"Addr", 50, "0xFFFF"}, {"Name", 120, ""}, {"Value", 50, "0xFF"}};
+    {"No.", 30, "2000"}, {"Addr", 50, "0xDDDD"}, {"Name", 120, ""}, {"Value", 50, "0xDD"}};
 constexpr ColumnLayout kFieldTable[] = {{"Bit", 40, "[7:0]"},
                                         {"Name", 80, ""},
                                         {"Description", 200, ""},
@@ -164,8 +164,8 @@ QBoxLayout* CDlgIspRegister::make_address_rows() {
   value_->setToolTip(tr("Register value, 0x00..0xFF"));
   name_->setToolTip(tr("Name of the register at the address"));
   name_->setEnabled(false);
-  fit_to(address_, "0xFFFF");
-  fit_to(value_, "0xFFFF");
+  fit_to(address_, "0xDDDD");
+  fit_to(value_, "0xDDDD");
   auto* address_spin = new SpinArrows(tr("Address"));
   auto* value_spin = new SpinArrows(tr("Value"));
   connect(address_spin, &SpinArrows::stepped, address_, &CMyHexEdit::step);
@@ -269,14 +269,21 @@ void CDlgIspRegister::show_category() {
 }
 
 void CDlgIspRegister::show_selection() {
+  // Rows that stand together are one range: the selection's cost grows with the square of its ranges.
+  QItemSelection rows;
+  const std::vector<int>& selected = desk_.sheet().selected_rows();
+  for (std::size_t i = 0; i < selected.size();) {
+    const int first = selected[i];
+    int last = first;
+    while (++i < selected.size() && selected[i] == last + 1) ++last;
+    rows.select(list_model_->index(first, 0), list_model_->index(last, 0));
+  }
   showing_selection_ = true;
   QItemSelectionModel* selection = list_->selectionModel();
-  selection->clear();
-  for (const int row : desk_.sheet().selected_rows()) {
-    const QModelIndex index = list_model_->index(row, 0);
-    selection->setCurrentIndex(index, QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    list_->scrollTo(index);
-  }
+  selection->select(rows, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  const QModelIndex current = list_model_->index(desk_.sheet().current_row(), 0);
+  selection->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
+  if (current.isValid()) list_->scrollTo(current);
   showing_selection_ = false;
 }
 
