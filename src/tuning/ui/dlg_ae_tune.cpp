@@ -24,10 +24,6 @@ StepBank* CDlgAeTune::shown_bank() {
   return bank ? &values_.banks[static_cast<std::size_t>(*bank)] : nullptr;
 }
 
-void CDlgAeTune::take_edits() {
-  for (QSpinBox* box : findChildren<QSpinBox*>()) box->interpretText();
-}
-
 /// Rows that were typed but not set count as well. The others keep their bytes, also those that the limits of
 /// the edits would change.
 void CDlgAeTune::take_grid() {
@@ -82,7 +78,7 @@ void CDlgAeTune::show_bank() {
 }
 
 void CDlgAeTune::set_number(std::size_t number) {
-  take_edits();
+  take_typed_text(this);
   if (number < kGainCount)
     spawn(set_gain(number));
   else
@@ -125,7 +121,7 @@ Task<> CDlgAeTune::tell(std::vector<StepMessage> messages) {
 }
 
 void CDlgAeTune::set_weights() {
-  take_edits();
+  take_typed_text(this);
   limit_weights(values_);
   show_source();
   link().send(weights_write(values_, source()));
@@ -151,7 +147,7 @@ void CDlgAeTune::load_from_file() {
 
 void CDlgAeTune::load_from_isp() {
   load({kDynamicQuery, "AE_Tune Data Load Fail...", "Load Isp ok", [this](std::string_view reply) {
-          take_edits();
+          take_typed_text(this);
           const auto loaded = decode_dynamic_reply(reply, values_);
           if (!loaded) return false;
           values_ = *loaded;
@@ -164,7 +160,7 @@ void CDlgAeTune::load_from_isp() {
 Task<> CDlgAeTune::run_save() {
   host().show_status("AE_Tune Data Saving...");
   co_await Delay(host().scheduler(), kBeforeSave);
-  take_edits();
+  take_typed_text(this);
   DynamicSave all = dynamic_save(values_, grid_->grid(), document().user_data);
   values_ = all.values;
   show_values();
@@ -177,7 +173,7 @@ Task<> CDlgAeTune::run_save() {
 }
 
 void CDlgAeTune::save_to_user_data() {
-  take_edits();
+  take_typed_text(this);
   take_grid();
   qv5123::save_to_user_data(values_, document().user_data);
 }
@@ -188,7 +184,7 @@ void CDlgAeTune::reload_from_user_data() {
 }
 
 void CDlgAeTune::chosen_again() {
-  take_edits();
+  take_typed_text(this);
   show_values();
 }
 

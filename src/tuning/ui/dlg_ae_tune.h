@@ -38,8 +38,6 @@ class CDlgAeTune : public TuningPage {
 
   std::size_t source() const;
   StepBank* shown_bank();
-  /// Takes typed text that was not confirmed.
-  void take_edits();
   void take_grid();
   void show_values();
   void show_orientation();

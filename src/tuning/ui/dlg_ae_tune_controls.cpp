@@ -116,7 +116,7 @@ void CDlgAeTune::add_source_sum_row(QGridLayout* grid, int row) {
   grid->addWidget(sum_value_, row, 2);
   grid->addWidget(make_set_button("Set", "Light source Sum", registers,
                                   [this] {
-                                    take_edits();
+                                    take_typed_text(this);
                                     link().send(light_source_traffic(values_, source()));
                                   }),
                   row, 3);
@@ -127,7 +127,7 @@ void CDlgAeTune::add_colour_rows(QGridLayout* grid, int row) {
       grid, row, "Saturation", kSaturationRange.lowest, kSaturationRange.highest,
       range_text(kSaturationRange.lowest, kSaturationRange.highest, 0x5B),
       [this] {
-        take_edits();
+        take_typed_text(this);
         link().send(saturation_traffic(values_, source()));
       },
       [this](int value) { values_.saturation[source()] = value; });
@@ -142,7 +142,7 @@ void CDlgAeTune::add_colour_rows(QGridLayout* grid, int row) {
       grid, row + 3, "Angle", kHueRange.lowest, kHueRange.highest,
       "Hue of all light sources in degrees, " + range_text(kHueRange.lowest, kHueRange.highest, 0x60),
       [this] {
-        take_edits();
+        take_typed_text(this);
         link().send(hue_write(values_));
       },
       [this](int value) { values_.hue_angle = value; });
@@ -193,7 +193,7 @@ QWidget* CDlgAeTune::make_decision_group() {
       row_grid(group), 0, "Decision Value", kDpcRange.lowest, kDpcRange.highest,
       range_text(kDpcRange.lowest, kDpcRange.highest, 0x8C),
       [this] {
-        take_edits();
+        take_typed_text(this);
         link().send(dpc_write(values_, document().user_data));
       },
       [this](int value) { values_.dpc_decision = value; });
@@ -212,16 +212,9 @@ QWidget* CDlgAeTune::make_smart_ir_group() {
 }
 
 QWidget* CDlgAeTune::make_file_group() {
-  auto* group = new QGroupBox("File Control");
-  auto* row = new QHBoxLayout(group);
-  row->addWidget(make_button("Load <- File", {}, "Take the page's values from the user data",
-                             [this] { load_from_file(); }));
-  row->addWidget(make_button("Load <- ISP", {},
-                             "Read all values from the chip, " + register_text(kDynamicQuery),
-                             [this] { load_from_isp(); }));
-  row->addWidget(make_button("File/Flash Save", {}, "Send all values for the chip to keep in its flash",
-                             [this] { save(run_save()); }));
-  return group;
+  return make_file_control({[this] { load_from_file(); }, [this] { load_from_isp(); },
+                            [this] { save(run_save()); }, "Reads all values, " + register_text(kDynamicQuery),
+                            "Sends all values for the chip to keep in its flash"});
 }
 
 QWidget* CDlgAeTune::make_more_area() {

@@ -115,16 +115,9 @@ QWidget* CDlgIspAwb::make_navigation_group() {
 }
 
 QWidget* CDlgIspAwb::make_file_group() {
-  auto* group = new QGroupBox("File Control");
-  auto* row = new QHBoxLayout(group);
-  row->addWidget(make_button("Load <- File", {}, "Take the page's values from the user data",
-                             [this] { load_from_file(); }));
-  row->addWidget(make_button("Load <- ISP", {}, "Read the lines from the chip, " + register_text(kAwbQuery),
-                             [this] { load_from_isp(); }));
-  row->addWidget(make_button("File/Flash Save", {},
-                             "Send all lines for the chip to keep, registers 0x0D..0x16",
-                             [this] { save(run_save()); }));
-  return group;
+  return make_file_control({[this] { load_from_file(); }, [this] { load_from_isp(); },
+                            [this] { save(run_save()); }, "Reads the lines, " + register_text(kAwbQuery),
+                            "Sends all lines for the chip to keep, registers 0x0D..0x16"});
 }
 
 QWidget* CDlgIspAwb::make_patch_group() {
