@@ -162,11 +162,12 @@ bool Win32SerialDevice::arm_wait() {
   return wait_pending_;
 }
 
-/// The driver writes into the pending wait's record until it has ended, so it must have before the record
-/// goes.
+/// The driver writes into the pending wait's record until the wait has ended, so it must have before the
+/// record goes. The mask is cleared once more, because the watcher may have armed the wait after close() did.
 void Win32SerialDevice::end_wait() {
   if (!wait_pending_) return;
   DWORD unused = 0;
+  SetCommMask(port_.get(), 0);
   CancelIoEx(port_.get(), &wait_);
   GetOverlappedResult(port_.get(), &wait_, &unused, TRUE);
   wait_pending_ = false;
