@@ -18,11 +18,13 @@ std::string settings_fault(const LineSettings& settings) {
 std::chrono::nanoseconds line_time(std::size_t bytes, const LineSettings& settings) {
   if (settings.baud_rate == 0) return {};
   constexpr std::int64_t kHalfSecond = 500'000'000;
-  constexpr std::size_t kMostBytes = 100'000'000;  // far beyond any transfer, and the product stays in range
+  constexpr std::size_t kMostBytes = 500'000'000;  // far beyond any transfer, and the product stays in range
   const std::int64_t start_and_stop = 2 + 2 + std::min<int>(settings.stop_bits, 2);
-  const std::int64_t half_bits = start_and_stop + 2 * settings.data_bits + (settings.parity != 0 ? 2 : 0);
-  const std::int64_t byte_time = half_bits * kHalfSecond / settings.baud_rate;
-  return std::chrono::nanoseconds(byte_time * static_cast<std::int64_t>(std::min(bytes, kMostBytes)));
+  const std::int64_t data_and_parity =
+      2 * std::min<int>(settings.data_bits, 8) + (settings.parity != 0 ? 2 : 0);
+  const auto half_bits =
+      (start_and_stop + data_and_parity) * static_cast<std::int64_t>(std::min(bytes, kMostBytes));
+  return std::chrono::nanoseconds(half_bits * kHalfSecond / settings.baud_rate);
 }
 
 }  // namespace qv5123
