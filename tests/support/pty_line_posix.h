@@ -1,0 +1,41 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+
+namespace qv5123 {
+
+/// A pseudo-terminal that plays a serial line: its far end in this object's hands, its near end under a
+/// symbolic link that stays the same when the cable is pulled and plugged in again.
+class PtyLine {
+ public:
+  explicit PtyLine(std::string link);
+  ~PtyLine();
+
+  std::string received(std::size_t count);
+  void send(std::string_view bytes);
+  void stall();
+  void hang_up();
+  void plug_in();
+  std::uint32_t baud_rate() const;
+
+ private:
+  void start_reading();
+  void stop_reading();
+  void read_far_end();
+
+  const std::string link_;
+  int far_end_ = -1;
+  int near_end_ = -1;  ///< kept open, or the far end could not be read while no program has the port open
+  int stop_ = -1;
+  std::thread reader_;
+  std::mutex mutex_;
+  std::condition_variable arrived_;
+  std::string received_;
+};
+
+}  // namespace qv5123
