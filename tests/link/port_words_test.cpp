@@ -1,0 +1,88 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "link/line_settings.h"
+#include "link/open_error.h"
+#include "link/port_list.h"
+#include "link/port_name.h"
+
+namespace qv5123 {
+namespace {
+
+using std::chrono::nanoseconds;
+
+TEST(PortName, TakesTheDevicePathFormFromTen) {
+  EXPECT_EQ(comm_device_name(1), "COM1");
+  EXPECT_EQ(comm_device_name(9), "COM9");
+  EXPECT_EQ(comm_device_name(10), R"(\\.\COM10)");
+  EXPECT_EQ(comm_device_name(256), R"(\\.\COM256)");
+}
+
+TEST(PortName, ItsNumberFollowsTheFirstCom) {
+  EXPECT_EQ(port_number_from_name("COM12"), 12);
+  EXPECT_EQ(port_number_from_name(R"(\\.\COM7)"), 7);
+  EXPECT_EQ(port_number_from_name("USB Serial Port (COM5)"), 5);
+  for (const char* none : {"", "LPT1", "COM", "COMx", "COM-3", "com5", "COM99999999999"})
+    EXPECT_EQ(port_number_from_name(none), std::nullopt) << none;
+}
+
+TEST(PortList, TakesEnabledComPortsOfThePortsClassOnly) {
+  const PortProperties usb{"Ports", 0, "USB Serial Port (COM12)", "COM12"};
+  EXPECT_EQ(port_from_properties(usb), (PortInfo{12, R"(\\.\COM12)", "USB Serial Port (COM12)"}));
+  PortProperties other = usb;
+  other.class_name = "Modem";
+  EXPECT_EQ(port_from_properties(other), std::nullopt);
+  other = usb;
+  other.port_name = "LPT1";
+  EXPECT_EQ(port_from_properties(other), std::nullopt);
+  other = usb;
+  other.problem = 22;
+  EXPECT_EQ(port_from_properties(other), std::nullopt) << "disabled";
+  other.problem = 10;
+  EXPECT_EQ(port_from_properties(other)->number, 12) << "a failed start is for the open to tell";
+}
+
+TEST(LineSettings, AByteTakesItsBitsOnTheLine) {
+  EXPECT_EQ(line_time(96, {.baud_rate = 19200}), std::chrono::milliseconds(50)) << "10 bits a byte";
+  EXPECT_EQ(line_time(1, {.baud_rate = 1000, .data_bits = 5, .stop_bits = 1}), nanoseconds(7'500'000));
+  EXPECT_EQ(line_time(1, {.baud_rate = 1000, .data_bits = 7, .stop_bits = 2, .parity = 1}),
+            nanoseconds(11'000'000));
+  EXPECT_EQ(line_time(5, {.baud_rate = 0}), nanoseconds(0));
+  EXPECT_GT(line_time(std::numeric_limits<std::size_t>::max(), {.baud_rate = 1, .stop_bits = 255}),
+            nanoseconds(0));
+}
+
+TEST(LineSettings, FaultsNameTheValue) {
+  EXPECT_EQ(settings_fault({}), "");
+  EXPECT_EQ(settings_fault({.data_bits = 5, .stop_bits = 2, .parity = 4, .flow_flags = 7}), "");
+  EXPECT_EQ(settings_fault({.baud_rate = 0}), "a baud rate of 0 is none");
+  EXPECT_EQ(settings_fault({.data_bits = 9}), "9 data bits are not between 5 and 8");
+  EXPECT_EQ(settings_fault({.stop_bits = 3}), "stop bit code 3 is not between 0 and 2");
+  EXPECT_EQ(settings_fault({.parity = 5}), "parity code 5 is not between 0 and 4");
+}
+
+TEST(OpenError, SaysWhatToDo) {
+  const auto text = [](OpenError error, const std::string& detail = {}) {
+    return open_error(error, "COM5", detail).text;
+  };
+  EXPECT_EQ(open_error(OpenError::busy, "COM5").error, OpenError::busy);
+  EXPECT_EQ(text(OpenError::none), "");
+  EXPECT_EQ(text(OpenError::not_found), "There is no port COM5. Plug the board in, or choose another port.");
+  EXPECT_EQ(open_error(OpenError::not_found, "").text,
+            "No port is chosen. Choose one from the list of ports.");
+  EXPECT_EQ(text(OpenError::busy),
+            "The port COM5 is in use by another program. Close that program, then open the port again.");
+  EXPECT_EQ(text(OpenError::busy, "term (process 12)"),
+            "The port COM5 is in use by term (process 12). Close it there, then open the port again.");
+  EXPECT_EQ(text(OpenError::permission_denied),
+            "No permission to use the port COM5. Ask the administrator of this computer for it.");
+  EXPECT_EQ(text(OpenError::not_a_port), "COM5 is not a serial port. Choose one from the list of ports.");
+  EXPECT_EQ(text(OpenError::bad_settings, "a baud rate of 0 is none"),
+            "The port COM5 cannot be set up as asked: a baud rate of 0 is none. Change the port's settings.");
+  EXPECT_EQ(text(OpenError::failed),
+            "The port COM5 cannot be opened. Unplug it, plug it in and open it again.");
+}
+
+}  // namespace
+}  // namespace qv5123
