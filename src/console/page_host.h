@@ -36,7 +36,7 @@ class PageHost {
   /// Reads "QV512xUser.dat" of the current directory into the image, whatever setting file is remembered. A
   /// file that does not exist changes nothing; one that cannot be read is named in the status bar.
   virtual void reload_user_data_file() = 0;
-  /// Work that closing the window should ask about first, such as a full save, while it lasts.
+  /// Work that closing the window should ask about first, such as a full save, begins or ends. Calls nest.
   virtual void set_busy(bool busy) = 0;
 };
 
@@ -50,6 +50,8 @@ class Page {
   virtual void reload_from_user_data() {}
   /// Chosen from the menu while it exists already.
   virtual void chosen_again() {}
+  /// Reads the page's values from the chip, as its own button for that does. The tour calls it.
+  virtual void read_back() {}
   /// True while what the page asked the chip for at its opening is still under way. The tour waits for it.
   virtual bool loading() const { return false; }
 };

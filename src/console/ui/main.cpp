@@ -15,6 +15,7 @@
 #include "simulator/simulated_board.h"
 #include "tuning/ui/dlg_ae_tune.h"
 #include "tuning/ui/dlg_isp_awb.h"
+#include "tuning/ui/dlg_isp_front.h"
 #include "tuning/ui/dlg_isp_gamma_rgb.h"
 #include "tuning/ui/dlg_isp_lsc.h"
 
@@ -40,6 +41,7 @@ int print(const EndAtOnce& end) {
 PageFactories page_factories() {
   PageFactories pages;
   pages[PageId::registers] = page_factory<CDlgIspRegister>();
+  pages[PageId::isp_tune] = page_factory<CDlgIspFront>();
   pages[PageId::gamma] = page_factory<CDlgIspGammaRgb>();
   pages[PageId::lsc] = page_factory<CDlgIspLSC>();
   pages[PageId::awb_tune] = page_factory<CDlgIspAwb>();

@@ -56,7 +56,7 @@ class CQV5123View final : public QWidget, public PageHost {
   Task<bool> write_user_data_file() override { return files_.write_user_data_file(); }
   Task<bool> save_everything() override { return files_.save_everything(); }
   void reload_user_data_file() override;
-  void set_busy(bool busy) override { busy_ = busy; }
+  void set_busy(bool busy) override { busy_ += busy ? 1 : -1; }
 
   PageArea& pages() { return *pages_; }
   const ConsoleText& console_text() const { return console_text_; }
@@ -105,7 +105,7 @@ class CQV5123View final : public QWidget, public PageHost {
   PageArea* pages_ = nullptr;
   ControlColumn* column_ = nullptr;
   int transfers_ = 0;
-  bool busy_ = false;
+  int busy_ = 0;  // how many pages are at work
   bool starting_ = false;
   // Last, so that what waits ends before anything it uses.
   FlowSet flows_;

@@ -29,6 +29,7 @@ Task<std::string> Tour::run(std::function<std::unique_ptr<QDialog>()> port_dialo
     if (!view_.pages().available(entry.id)) continue;
     view_.pages().choose(entry.id);
     Page* page = view_.pages().page(entry.id);
+    page->read_back();
     if (!co_await settle([page] { return !page->loading(); })) {
       co_return std::string("Page '") + entry.name + "' does not finish loading.";
     }

@@ -21,6 +21,7 @@ class CDlgAeTune : public TuningPage {
 
   void save_to_user_data() override;
   void reload_from_user_data() override;
+  void read_back() override { load_from_isp(); }
   void chosen_again() override;
 
  private:

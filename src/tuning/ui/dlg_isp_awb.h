@@ -19,6 +19,7 @@ class CDlgIspAwb : public TuningPage {
 
   void save_to_user_data() override;
   void reload_from_user_data() override;
+  void read_back() override { load_from_isp(); }
 
  private:
   QWidget* make_line_group();

@@ -23,6 +23,7 @@ class CDlgIspGammaRgb : public TuningPage {
 
   void save_to_user_data() override;
   void reload_from_user_data() override;
+  void read_back() override { load_isp(); }
 
  private:
   QWidget* make_channel_row();

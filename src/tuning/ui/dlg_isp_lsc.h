@@ -21,6 +21,7 @@ class CDlgIspLSC : public TuningPage {
 
   void save_to_user_data() override;
   void reload_from_user_data() override;
+  void read_back() override { load_isp(); }
 
  private:
   PickerBox* make_picker();
