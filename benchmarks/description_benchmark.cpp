@@ -15,8 +15,10 @@ std::u16string description(int count) {
       if (i > 0) text += "</category>\r\n";
       text += "<category catname=\"Category\">\r\n";
     }
-    text += "<reg regname=\"REGISTER_" + std::to_string(i) + "\" addr=\"0xF800\" write=\"W\" reset=\"0x00\">\r\n";
-    text += "<bit bitname=\"HIGH\" range=\"[7:4]\" desc=\"upper half#$of the register\" sample=\"0..15\">\r\n";
+    text +=
+        "<reg regname=\"REGISTER_" + std::to_string(i) + "\" addr=\"0xF800\" write=\"W\" reset=\"0x00\">\r\n";
+    text +=
+        "<bit bitname=\"HIGH\" range=\"[7:4]\" desc=\"upper half#$of the register\" sample=\"0..15\">\r\n";
     text += "<bit bitname=\"LOW\" range=\"[3:0]\" desc=\"lower half\" sample=\"0..15\">\r\n";
     text += "</reg>\r\n";
   }
@@ -29,7 +31,11 @@ void parse_description(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(RegDescription::parse(text));
   state.SetComplexityN(state.range(0));
 }
-BENCHMARK(parse_description)->RangeMultiplier(2)->Range(128, 2048)->Unit(benchmark::kMicrosecond)->Complexity();
+BENCHMARK(parse_description)
+    ->RangeMultiplier(2)
+    ->Range(128, 2048)
+    ->Unit(benchmark::kMicrosecond)
+    ->Complexity();
 
 }  // namespace
 }  // namespace qv5123
