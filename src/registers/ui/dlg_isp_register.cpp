@@ -180,6 +180,7 @@ QBoxLayout* CDlgIspRegister::make_address_rows() {
     pair->setSpacing(0);
     pair->addWidget(edit);
     pair->addWidget(spin);
+    spin->setFixedHeight(edit->sizeHint().height());
     grid->addWidget(label, row, 0);
     grid->addLayout(pair, row, 1);
     grid->addWidget(button, row, 2);
