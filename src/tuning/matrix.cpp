@@ -1,6 +1,7 @@
 #include "tuning/matrix.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 
 #include "link/saturate.h"
@@ -13,6 +14,8 @@ constexpr std::uint8_t kLightSelect = 0x4E;
 constexpr std::uint8_t kModeSelect = 0xCA;
 constexpr std::uint8_t kFirstRow = 0x52;
 constexpr float kCodeUnit = 1024;
+/// Of the 13 bits that the edits show.
+constexpr int kLargestCode = 0x1FFF;
 
 bool has_table(const MatrixValues& values) {
   return values.mode >= 0 && values.mode < kVideoModes && values.light >= 0 && values.light < kMatrixLights;
@@ -83,6 +86,16 @@ std::string matrix_code_text(float coefficient) {
   char text[16];
   std::snprintf(text, sizeof text, "0x%04X", static_cast<unsigned>(matrix_code(coefficient)) & 0x1FFFu);
   return text;
+}
+
+std::optional<float> matrix_coefficient_of(std::string_view text) {
+  if (text.starts_with("0x") || text.starts_with("0X")) text.remove_prefix(2);
+  int code = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), code, 16);
+  if (error != std::errc() || end != text.data() + text.size() || code < 0 || code > kLargestCode) {
+    return std::nullopt;
+  }
+  return matrix_coefficient(code > kLargestCode / 2 ? code - kLargestCode - 1 : code);
 }
 
 Coefficients as_registers_hold(const Coefficients& coefficients) {

@@ -97,6 +97,9 @@ int matrix_code(float coefficient);
 float matrix_coefficient(int code);
 /// What the edits show: the low 13 bits as "0x%04X".
 std::string matrix_code_text(float coefficient);
+/// The coefficient that such a text stands for, with or without "0x" and in either case: -4 up to 4. Nothing
+/// for any other text.
+std::optional<float> matrix_coefficient_of(std::string_view text);
 /// The coefficients as the registers hold them, after rounding.
 Coefficients as_registers_hold(const Coefficients& coefficients);
 

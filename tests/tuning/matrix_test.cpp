@@ -130,6 +130,10 @@ TEST(Matrix, CodesAreTwosComplement) {
   EXPECT_EQ(matrix_code_text(-0.25f), "0x1F00");
   EXPECT_EQ(matrix_code_text(1.0f), "0x0400");
   EXPECT_EQ(matrix_code_text(0.9999f), "0x03FF");
+  EXPECT_EQ(matrix_coefficient_of("0x1F00"), -0.25f);
+  EXPECT_EQ(matrix_coefficient_of("3ff"), 0x3FF / 1024.0f);
+  for (const char* text : {"", "0x", "0x2000", "-1", "0x04 ", "1.0"})
+    EXPECT_FALSE(matrix_coefficient_of(text));
   EXPECT_EQ(matrix_code(NAN), 0);
   MatrixValues values;
   values.coefficients = {{{0.5f, 9, -0.25f}, {-0.25f, 1.5f, 9}, {0.25f, 9, 0.5f}}};

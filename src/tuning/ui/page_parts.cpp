@@ -98,6 +98,8 @@ void show_index(QComboBox* combo, int index) {
 QGroupBox* make_file_control(FileControl control) {
   auto* group = new QGroupBox("File Control");
   auto* row = new QHBoxLayout(group);
+  row->setContentsMargins(6, 6, 6, 6);
+  row->setSpacing(4);
   row->addWidget(make_button("Load <- File", {}, "Takes the page's values from the setting file's data",
                              std::move(control.load_file)));
   row->addWidget(make_button("Load <- ISP", {}, control.isp_tooltip, std::move(control.load_isp)));

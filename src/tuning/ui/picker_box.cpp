@@ -21,11 +21,11 @@ QStringList step_items() {
 PickerBox::PickerBox(PageHost& host, Picker picker, Key key) : host_(host), picker_(std::move(picker)) {
   switch_ =
       make_check("Enable \nColor Picker", "Enable Color Picker",
-                 "Shows the cursor in the picture and stops AE and AWB meanwhile, ISP registers 0xFA20 and "
-                 "0xFA29, registers 0xA0 and 0xA1",
+                 "Shows the cursor in the picture and stops AE and AWB meanwhile, ISP registers 0xA20 and "
+                 "0xA29, registers 0xA0 and 0xA1",
                  [this](bool on) { click_switch(on); });
-  x_ = make_number(0, kPickerMaximumX, "X Pos", "0..2303 pixels, ISP registers 0xFC38 and 0xFC39");
-  y_ = make_number(0, kPickerMaximumY, "Y Pos", "0..1535 pixels, ISP registers 0xFC3A and 0xFC3B");
+  x_ = make_number(0, kPickerMaximumX, "X Pos", "0..2303 pixels, ISP registers 0xC38 and 0xC39");
+  y_ = make_number(0, kPickerMaximumY, "Y Pos", "0..1535 pixels, ISP registers 0xC3A and 0xC3B");
   connect(x_, &QSpinBox::valueChanged, this, [this](int x) { picker_.position.x = x; });
   connect(y_, &QSpinBox::valueChanged, this, [this](int y) { picker_.position.y = y; });
   step_ = make_combo(step_items(), "Move Step", "1..128 pixels to a press of a key",
@@ -79,7 +79,7 @@ void PickerBox::make_keys(QGridLayout* grid, Key key) {
 }
 
 void PickerBox::add_arrow(QGridLayout* grid, int row, int column, const QString& caption, PickerMove move) {
-  const QString registers = moves_across(move) ? "0xFC38 and 0xFC39" : "0xFC3A and 0xFC3B";
+  const QString registers = moves_across(move) ? "0xC38 and 0xC39" : "0xC3A and 0xC3B";
   grid->addWidget(make_button(caption, {}, "Moves the cursor by the move step, ISP registers " + registers,
                               [this, move] { this->move(move); }),
                   row, column);
