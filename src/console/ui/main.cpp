@@ -18,6 +18,7 @@
 #include "tuning/ui/dlg_isp_front.h"
 #include "tuning/ui/dlg_isp_gamma_rgb.h"
 #include "tuning/ui/dlg_isp_lsc.h"
+#include "tuning/ui/dlg_isp_matrix.h"
 
 namespace {
 
@@ -45,6 +46,7 @@ PageFactories page_factories() {
   pages[PageId::gamma] = page_factory<CDlgIspGammaRgb>();
   pages[PageId::lsc] = page_factory<CDlgIspLSC>();
   pages[PageId::awb_tune] = page_factory<CDlgIspAwb>();
+  pages[PageId::linear_matrix] = page_factory<CDlgIspMatrix>();
   pages[PageId::dynamic_control] = page_factory<CDlgAeTune>();
   pages[PageId::font_editor] = page_factory<CDlgFontMaker>();
   pages[PageId::make_flash] = page_factory<CDlgMakeEeprom>();

@@ -50,13 +50,18 @@ QString patch_text(const ChartPatch& patch, const PatchColour& measured) {
       .arg(-patch.centre.y / kAwbChartScale, 0, 'f', 3);
 }
 
+/// The letter of a line that begins outside the frame stays readable at its edge.
+ChartPoint inside_frame(ChartPoint at) {
+  at.x = std::clamp(at.x, -kAwbChartHalf, kAwbChartHalf - kTextSize);
+  at.y = std::clamp(at.y, -kAwbChartHalf, kAwbChartHalf - kTextSize);
+  return at;
+}
+
 }  // namespace
 
 AwbChartView::AwbChartView(QWidget* parent) : QWidget(parent) {
   setAccessibleName("White detection chart");
-  QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-  policy.setHeightForWidth(true);
-  setSizePolicy(policy);
+  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   show_values(AwbValues{});
 }
 
@@ -127,7 +132,7 @@ void AwbChartView::paint_lines(QPainter& painter) const {
     painter.setPen(QPen(colour_of(line.pen), 2));
     painter.drawLine(qt_point(line.from), qt_point(line.to));
     painter.setPen(Qt::black);
-    draw_text(painter, line.letter, QString(QLatin1Char(line.name)));
+    draw_text(painter, inside_frame(line.letter), QString(QLatin1Char(line.name)));
   }
 }
 

@@ -29,8 +29,6 @@ class AwbChartView : public QWidget {
 
   QSize sizeHint() const override { return {430, 430}; }
   QSize minimumSizeHint() const override { return {260, 260}; }
-  bool hasHeightForWidth() const override { return true; }
-  int heightForWidth(int width) const override { return width; }
 
  protected:
   void paintEvent(QPaintEvent* event) override;

@@ -161,6 +161,9 @@ QWidget* CDlgIspGammaRgb::make_point_groups() {
   front->addWidget(centred("Front"), 0, 1);
   for (int id = kRedCurve; id <= kBlueCurve; ++id) end->addWidget(centred(kCurveNames[id]), 0, id);
   for (std::size_t point = 0; point < kGammaPoints; ++point) add_point_row(front, end, point);
+  // What height is left over goes below the last point.
+  front->setRowStretch(static_cast<int>(kGammaPoints) + 1, 1);
+  end->setRowStretch(static_cast<int>(kGammaPoints) + 1, 1);
   row->addWidget(front_group);
   row->addWidget(end_group);
   return widget;

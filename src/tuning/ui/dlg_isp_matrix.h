@@ -24,6 +24,7 @@ class CDlgIspMatrix : public TuningPage {
 
   void save_to_user_data() override;
   void reload_from_user_data() override;
+  void read_back() override { load_isp(); }
   void chosen_again() override;
 
  private:
