@@ -9,6 +9,13 @@
 
 namespace qv5123 {
 
+/// What the picture shows for the white balance page.
+enum class AwbMark {
+  none,
+  set,    ///< the cursor, which the OSD keys move
+  check,  ///< the cursor, and what the chip takes for white
+};
+
 /// Everything the simulated chip remembers. Plain data, so that replies can be built from it and tests can
 /// look at it.
 struct ChipState {
@@ -34,6 +41,7 @@ struct ChipState {
   std::array<std::uint8_t, kFlashWindow> flash_registers{};
   std::array<std::uint8_t, kFlashWindow / 8> flash_mask{};
 
+  AwbMark awb_mark = AwbMark::none;
   std::size_t frames = 0;  ///< frames understood since power on
 };
 

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "simulator/camera_registers.h"
 #include "simulator/chip_defaults.h"
 #include "simulator/chip_texts.h"
 #include "simulator/hex_text.h"
@@ -80,8 +81,10 @@ void SimulatedChip::power_on() {
   flash_page_.clear();
   output_.clear();
   state_.frames = 0;
+  state_.awb_mark = AwbMark::none;
   state_.user_data = state_.kept_data;
   reset_registers(state_);
+  if (camera_) fit_module(*camera_, state_);
   load_setting_registers(state_);
   load_flash_registers(state_);
   announce();
@@ -90,6 +93,15 @@ void SimulatedChip::power_on() {
 void SimulatedChip::announce() {
   say(boot_banner(state_));
   reply(version_reply(state_));
+}
+
+void SimulatedChip::set_camera(const Camera& camera) {
+  camera_ = camera;
+  fit_module(camera, state_);
+}
+
+void SimulatedChip::look() {
+  if (camera_) measure(*camera_, state_);
 }
 
 void SimulatedChip::receive(std::span<const std::uint8_t> bytes) {
@@ -190,12 +202,15 @@ void SimulatedChip::take_frame(RegisterWrite write) {
   ++state_.frames;
   trace(frame(write));
   run_.note(write);
+  // A task that is about to stop leaves its picture as it last made it.
+  if (write.address == reg::kAeTask || write.address == reg::kAwbTask) look();
   state_.direct[write.address] = write.value;
   if (is_port(write.address)) {
     if (const auto complete = ports_.write(run_)) access(*complete);
     return;
   }
   apply_setting(state_, run_);
+  steer_mark(state_, write);
   take_command(write);
 }
 
@@ -244,7 +259,16 @@ void SimulatedChip::take_flash(RegisterWrite write) {
   }
 }
 
+void SimulatedChip::look_before(const PortAccess& access) {
+  const std::uint16_t first = access.address & 0xFFF;
+  const std::uint16_t last = access.kind == PortAccess::Kind::dump ? access.value & 0xFFF : first + 1;
+  const bool reads = access.kind == PortAccess::Kind::isp_read || access.kind == PortAccess::Kind::dump ||
+                     access.kind == PortAccess::Kind::isp_wide_read;
+  if (reads && measured_between(first, last)) look();
+}
+
 void SimulatedChip::access(const PortAccess& access) {
+  look_before(access);
   const std::uint16_t address = access.address & 0xFFF;
   switch (access.kind) {
     case PortAccess::Kind::isp_write:

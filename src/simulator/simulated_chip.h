@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "simulator/block_receiver.h"
+#include "simulator/camera.h"
 #include "simulator/chip_state.h"
 #include "simulator/frame_parser.h"
 #include "simulator/indirect_ports.h"
@@ -49,6 +50,13 @@ class SimulatedChip {
   /// Answers writes to `trigger` with what `builder` makes of the chip's state.
   void set_reply(std::uint8_t trigger, ReplyBuilder builder) { replies_[trigger] = std::move(builder); }
 
+  /// Puts a camera in front of the chip: from now on the chip says what it measures in its picture. Without
+  /// one the registers for that are as any others.
+  void set_camera(const Camera& camera);
+  const std::optional<Camera>& camera() const { return camera_; }
+  /// Lets the chip look at its picture, as it does before each answer about it.
+  void look();
+
   const ChipState& state() const { return state_; }
   std::uint8_t direct(std::uint8_t address) const { return state_.direct[address]; }
   std::uint8_t isp(std::uint16_t address) const { return state_.isp[address & 0xFFF]; }
@@ -73,6 +81,7 @@ class SimulatedChip {
   void take_command(RegisterWrite write);
   void take_flash(RegisterWrite write);
   void access(const PortAccess& access);
+  void look_before(const PortAccess& access);
   void write_isp(std::uint16_t address, std::uint8_t value);
   void reset_to_factory();
 
@@ -86,6 +95,7 @@ class SimulatedChip {
   IndirectPorts ports_;
   ReplyTable replies_ = page_replies();
   std::optional<Transfer> transfer_;
+  std::optional<Camera> camera_;
   std::vector<std::uint8_t> flash_page_;  ///< bytes on their way into the register flash
   std::vector<std::uint8_t> output_;
   Trace trace_;

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "simulator/picture_settings.h"
+
+namespace qv5123 {
+
+/// Counts of red, green and blue, 0..255.
+using PictureColour = std::array<std::uint8_t, 3>;
+
+/// The factors by which the lens shading correction raises a pixel.
+Light shading_gain(const PictureSettings& settings, int x, int y);
+
+/// `colour` through the white balance and, where it is on, the matrix.
+Light processed(const PictureSettings& settings, const Light& colour);
+
+/// A pixel of the chip's picture before the gamma curves: corrected, balanced, processed.
+PictureColour picture_colour(const Camera& camera, const PictureSettings& settings, int x, int y);
+
+/// What the colour picker says: the mean of its square of the picture. The square stays inside the picture.
+PictureColour picker_colour(const Camera& camera, const PictureSettings& settings);
+
+/// What the white balance's own picker says: the same square, corrected for the lens but not balanced.
+PictureColour raw_colour(const Camera& camera, const PictureSettings& settings);
+
+}  // namespace qv5123
