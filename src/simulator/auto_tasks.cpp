@@ -10,8 +10,6 @@
 namespace qv5123 {
 namespace {
 
-constexpr std::size_t kLineEntries = 181;
-constexpr double kLineUnit = 256;
 constexpr std::size_t kAeTargetEntry = 288;
 constexpr double kCountsPerTarget = 9;
 constexpr int kGainUnit = 256;
@@ -25,10 +23,6 @@ constexpr int kWindowsDown = 27;
 int gain_code(double gain, int largest) {
   if (!(gain > 0)) return kSmallestGain;
   return static_cast<int>(std::lround(std::clamp<double>(gain * kGainUnit, kSmallestGain, largest)));
-}
-
-double luma(const Light& colour) {
-  return 0.296875 * colour[0] + 0.578125 * colour[1] + 0.125 * colour[2];
 }
 
 /// The sensor's signal in each window. A window is large, so noise does not show.
@@ -55,14 +49,13 @@ double median(std::vector<double>& values) {
 
 void expose(const std::vector<Light>& windows, double gain, ChipState& chip) {
   double brightest = 0;
-  for (const Light& window : windows) brightest = std::max(brightest, luma(window));
+  for (const Light& window : windows) brightest = std::max(brightest, luma_of(window));
   if (brightest <= 0) return;
   const double aim = kCountsPerTarget * chip.user_data.entry(kAeTargetEntry);
   set_isp_word(chip, picture_register::kGain, gain_code(gain * aim / brightest, kLargestSensorGain));
 }
 
-void balance(const std::vector<Light>& windows, ChipState& chip) {
-  const WhiteTest test(chip.user_data);
+void balance(const std::vector<Light>& windows, const WhiteTest& test, ChipState& chip) {
   std::vector<double> red;
   std::vector<double> blue;
   for (const Light& window : windows) {
@@ -79,29 +72,6 @@ void balance(const std::vector<Light>& windows, ChipState& chip) {
 
 }  // namespace
 
-WhiteTest::WhiteTest(const UserDataImage& data) {
-  const auto number = [&](std::size_t word) {
-    const int value = data.word(kLineEntries + 2 * word);
-    return (value >= 0x8000 ? value - 0x10000 : value) / kLineUnit;
-  };
-  for (std::size_t i = 0; i < lines_.size(); ++i) lines_[i] = {number(2 * i), number(2 * i + 1)};
-  right_ = number(8);
-  top_ = number(9);
-}
-
-bool WhiteTest::is_white(const Light& colour) const {
-  const double y = luma(colour);
-  if (y <= 0) return false;
-  const double cr = (0.5 * colour[0] - 0.42188 * colour[1] - 0.07813 * colour[2]) / y;
-  const double cb = (-0.16797 * colour[0] - 0.33203 * colour[1] + 0.5 * colour[2]) / y;
-  const auto between = [&](const Line& one, const Line& other) {
-    const auto [low, high] = std::minmax({one.at(cb), other.at(cb)});
-    return cr >= low && cr <= high;
-  };
-  if (cb > right_ || cr > top_) return false;
-  return between(lines_[0], lines_[1]) || between(lines_[2], lines_[3]);
-}
-
 void run_auto_tasks(const Camera& camera, ChipState& chip) {
   const bool ae = chip.direct[reg::kAeTask] != 0;
   const bool awb = chip.direct[reg::kAwbTask] != 0;
@@ -110,7 +80,7 @@ void run_auto_tasks(const Camera& camera, ChipState& chip) {
   settings.gain = std::max(settings.gain, 1.0 / kGainUnit);
   const std::vector<Light> windows = statistics(camera, settings);
   if (ae) expose(windows, settings.gain, chip);
-  if (awb) balance(windows, chip);
+  if (awb) balance(windows, settings.white, chip);
 }
 
 }  // namespace qv5123

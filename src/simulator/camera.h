@@ -17,8 +17,8 @@ struct CameraTruth {
   /// What each colour's pixels take from each colour of the light.
   ColourMatrix crosstalk{{{0.78, 0.17, 0.05}, {0.12, 0.75, 0.13}, {0.04, 0.23, 0.73}}};
   /// The lens lets through 1 / (1 + a d^2 + b d^4), with d = pixels from its centre / 2048.
-  std::array<double, 3> fall_off_a{0.98, 0.90, 1.06};
-  std::array<double, 3> fall_off_b{-0.26, -0.22, -0.30};
+  std::array<double, 3> fall_off_a{1.05, 0.95, 1.15};
+  std::array<double, 3> fall_off_b{-1.2, -1.1, -1.3};
   /// The lens's centre, right of and below that of the picture, in pixels.
   PicturePoint decentring{13, 8};
   /// Variance of the noise in counts: `read_noise`^2 + `shot_noise` x level. Both 0: a picture without noise.

@@ -9,6 +9,7 @@
 #include "link/system_serial_device.h"
 #include "simulator/board_server.h"
 #include "simulator/pty.h"
+#include "simulator/scene.h"
 #include "simulator/stop_signal.h"
 
 namespace {
@@ -22,6 +23,7 @@ constexpr int kPortFailed = 3;
 struct Options {
   std::string link;
   std::string port;
+  std::string scene = kSceneNames[0];
   bool trace = false;
   LineOptions line;
   std::vector<std::string> faults;
@@ -40,6 +42,9 @@ void declare(CLI::App& app, Options& options) {
                  "Let bytes through no faster than a line of this baud rate")
       ->type_name("BAUD")
       ->check(CLI::Range(1u, 100'000'000u));
+  app.add_option("--scene", options.scene, "What the camera looks at (default chart)")
+      ->type_name("KIND")
+      ->check(CLI::IsMember(std::vector<std::string>(kSceneNames.begin(), kSceneNames.end())));
   app.add_flag("--trace", options.trace, "Print every frame that the chip understands");
   app.add_option("--seed", options.line.seed, "Seed of everything random (default 1)");
   app.add_option(
@@ -97,6 +102,9 @@ int serve_on_pseudo_terminal(SimulatedChip& chip, const Options& options) {
 int run(const Options& options) {
   hold_stop_signals();
   SimulatedChip chip;
+  CameraTruth truth;
+  truth.seed = options.line.seed;
+  chip.set_camera(Camera(scene_named(options.scene).value_or(Scene{}), truth));
   if (options.trace) {
     chip.set_trace([](const std::string& line) { std::cout << line << std::endl; });
   }

@@ -10,22 +10,6 @@ namespace {
 constexpr double kDistanceUnit = 2048;
 constexpr double kLargest = 255;
 
-PictureColour counts(const Light& colour) {
-  PictureColour counts{};
-  for (std::size_t c = 0; c < 3; ++c) {
-    counts[c] = static_cast<std::uint8_t>(std::lround(std::clamp(colour[c], 0.0, kLargest)));
-  }
-  return counts;
-}
-
-Light shaded(const Camera& camera, const PictureSettings& settings, int x, int y, bool corrected) {
-  Light colour = camera.raw(x, y, settings.gain);
-  if (!corrected || !settings.shading) return colour;
-  const Light gain = shading_gain(settings, x, y);
-  for (std::size_t c = 0; c < 3; ++c) colour[c] *= gain[c];
-  return colour;
-}
-
 /// Where a square of `edge` pixels around `middle` starts, so that it lies inside 0..size.
 int square_start(int middle, int edge, int size) {
   return std::clamp(middle - edge / 2, 0, std::max(size - edge, 0));
@@ -45,7 +29,7 @@ PictureColour square_mean(const Camera& camera, const PictureSettings& settings,
     }
   }
   for (double& part : sum) part /= static_cast<double>(edge) * edge;
-  return counts(sum);
+  return in_counts(sum);
 }
 
 }  // namespace
@@ -61,6 +45,14 @@ Light shading_gain(const PictureSettings& settings, int x, int y) {
   return gain;
 }
 
+Light corrected_raw(const Camera& camera, const PictureSettings& settings, int x, int y) {
+  Light colour = camera.raw(x, y, settings.gain);
+  if (!settings.shading) return colour;
+  const Light gain = shading_gain(settings, x, y);
+  for (std::size_t c = 0; c < 3; ++c) colour[c] *= gain[c];
+  return colour;
+}
+
 Light processed(const PictureSettings& settings, const Light& colour) {
   Light balanced{};
   for (std::size_t c = 0; c < 3; ++c) {
@@ -74,19 +66,25 @@ Light processed(const PictureSettings& settings, const Light& colour) {
   return mixed;
 }
 
-PictureColour picture_colour(const Camera& camera, const PictureSettings& settings, int x, int y) {
-  return counts(processed(settings, shaded(camera, settings, x, y, true)));
+PictureColour in_counts(const Light& colour) {
+  PictureColour counts{};
+  for (std::size_t c = 0; c < 3; ++c) {
+    counts[c] = static_cast<std::uint8_t>(std::lround(std::clamp(colour[c], 0.0, kLargest)));
+  }
+  return counts;
 }
 
 PictureColour picker_colour(const Camera& camera, const PictureSettings& settings) {
+  PictureSettings measuring = settings;
+  measuring.shading = settings.shading && settings.picker_behind_shading;
   return square_mean(camera, settings, [&](int x, int y) {
-    return counts(processed(settings, shaded(camera, settings, x, y, settings.picker_behind_shading)));
+    return in_counts(processed(measuring, corrected_raw(camera, measuring, x, y)));
   });
 }
 
 PictureColour raw_colour(const Camera& camera, const PictureSettings& settings) {
   return square_mean(camera, settings,
-                     [&](int x, int y) { return counts(shaded(camera, settings, x, y, true)); });
+                     [&](int x, int y) { return in_counts(corrected_raw(camera, settings, x, y)); });
 }
 
 }  // namespace qv5123

@@ -13,11 +13,14 @@ using PictureColour = std::array<std::uint8_t, 3>;
 /// The factors by which the lens shading correction raises a pixel.
 Light shading_gain(const PictureSettings& settings, int x, int y);
 
+/// The sensor's signal at a pixel, corrected for the lens where that is on.
+Light corrected_raw(const Camera& camera, const PictureSettings& settings, int x, int y);
+
 /// `colour` through the white balance and, where it is on, the matrix.
 Light processed(const PictureSettings& settings, const Light& colour);
 
-/// A pixel of the chip's picture before the gamma curves: corrected, balanced, processed.
-PictureColour picture_colour(const Camera& camera, const PictureSettings& settings, int x, int y);
+/// The nearest counts.
+PictureColour in_counts(const Light& colour);
 
 /// What the colour picker says: the mean of its square of the picture. The square stays inside the picture.
 PictureColour picker_colour(const Camera& camera, const PictureSettings& settings);

@@ -120,6 +120,7 @@ PictureSettings picture_settings(const ChipState& chip) {
   settings.white_balance = {isp_word(chip, picture_register::kRedGain) / kGainUnit,
                             isp_word(chip, picture_register::kGreenGain) / kGainUnit,
                             isp_word(chip, picture_register::kBlueGain) / kGainUnit};
+  settings.white = WhiteTest(chip.user_data);
   take_shading(chip, settings);
   settings.colour_processing = bit(chip, picture_register::kPipeControl, 4);
   settings.matrix = matrix_in_force(chip);

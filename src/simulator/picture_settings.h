@@ -5,6 +5,7 @@
 
 #include "simulator/camera.h"
 #include "simulator/chip_state.h"
+#include "simulator/white_test.h"
 
 namespace qv5123 {
 
@@ -36,6 +37,7 @@ void set_isp_word(ChipState& chip, std::uint16_t address, int value);
 struct PictureSettings {
   double gain = 1;               ///< of the sensor's amplifier
   Light white_balance{1, 1, 1};  ///< factors
+  WhiteTest white;               ///< what the AWB task takes for white
 
   bool shading = true;  ///< lens shading correction: gain 1 + p1 d^2 - p2 d^4 about the centre
   Light shading_p1{};
