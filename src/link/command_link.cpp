@@ -155,6 +155,33 @@ Task<std::optional<std::string>> CommandLink::query(std::uint8_t trigger) {
   }
 }
 
+std::string CommandLink::receive(std::span<const std::uint8_t> received) {
+  std::string console = reply_.decode(received);
+  if (block_waiter_ && reply_.state() == ReplyBuffer::State::complete) {
+    // Posted, so that the console has its text before anybody goes on.
+    scheduler_.post([waiter = *std::exchange(block_waiter_, std::nullopt)] { waiter.resolve(true); });
+  }
+  return console;
+}
+
+Task<std::optional<std::string>> CommandLink::next_block(std::chrono::milliseconds timeout) {
+  if (auto block = reply_.take_block()) co_return block;
+  const Resolver<bool> waiter;
+  block_waiter_ = waiter;
+  const Scheduler::TimerId timer = scheduler_.call_after(timeout, [waiter] { waiter.resolve(false); });
+  co_await waiter.pending();
+  scheduler_.cancel(timer);
+  co_return reply_.take_block();
+}
+
+Task<std::optional<std::string>> CommandLink::request(Batch request, std::chrono::milliseconds timeout) {
+  const Turn turn = co_await this->turn();
+  reply_.forget();
+  const JobResult sent = co_await send(std::move(request));
+  if (sent.chunks_sent == 0) co_return std::nullopt;
+  co_return co_await next_block(timeout);
+}
+
 Task<int> CommandLink::wide_read(int address) {
   const Turn turn = co_await this->turn();
   reply_.forget();

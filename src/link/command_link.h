@@ -5,6 +5,7 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -66,6 +67,9 @@ class CommandLink {
   Scheduler& scheduler() { return scheduler_; }
   ReplyBuffer& reply() { return reply_; }
 
+  /// Takes bytes from the chip: reply blocks go into reply(), the console text between them is returned.
+  std::string receive(std::span<const std::uint8_t> received);
+
   /// Sends one flush. The result may be dropped: the batch leaves all the same.
   Pending<JobResult> send(Batch batch);
   /// Sends flushes that nothing may come between.
@@ -90,6 +94,12 @@ class CommandLink {
   /// Writes 0 to `trigger` and looks for the reply block every 300 ms. Nothing when the sixth look is in
   /// vain.
   Task<std::optional<std::string>> query(std::uint8_t trigger);
+
+  /// Sends `request` and takes the reply block as soon as it is complete. Nothing when none came within
+  /// `timeout` of the sending, or when the request did not leave.
+  Task<std::optional<std::string>> request(Batch request, std::chrono::milliseconds timeout);
+  /// Takes the next reply block, for at most `timeout`. Whoever calls it holds the turn.
+  Task<std::optional<std::string>> next_block(std::chrono::milliseconds timeout);
 
   /// Reads an ISP register: the request, 60 ms, then the last two reply characters. -1 without an answer.
   Task<int> wide_read(int address);
@@ -124,6 +134,7 @@ class CommandLink {
   std::optional<Resolver<JobResult>> running_;
   bool held_ = false;
   bool turn_taken_ = false;
+  std::optional<Resolver<bool>> block_waiter_;  // whether a block is complete
   std::deque<std::shared_ptr<Request>> turn_waiters_;
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };

@@ -48,7 +48,7 @@ void PortSession::drain() {
   std::vector<std::uint8_t> bytes(port_.receive_queue().count());
   if (bytes.empty()) return;
   for (std::uint8_t& byte : bytes) port_.receive_queue().get(byte);
-  const std::string text = link_.reply().decode(bytes);
+  const std::string text = link_.receive(bytes);
   if (!text.empty() && events_.console) events_.console(text);
 }
 

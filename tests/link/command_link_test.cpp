@@ -73,6 +73,49 @@ TEST(CommandLink, QueriesTakeTurnsAndACancelledOneGivesUpItsPlace) {
   EXPECT_EQ(answers, std::vector<std::string>{"77"});
 }
 
+Task<> request(CommandLink& link, Batch batch, std::vector<std::string>& answers) {
+  const auto reply = co_await link.request(std::move(batch), std::chrono::milliseconds(400));
+  answers.push_back(reply.value_or("none"));
+}
+
+TEST(CommandLink, ARequestGoesOnAsSoonAsItsReplyIsComplete) {
+  FakeWire wire;
+  std::vector<std::string> answers;
+  wire.receive("~99^");
+  Flow flow(request(wire.link, isp_read_request(0x922), answers));
+  wire.advance(60);
+  wire.receive("~5");
+  wire.advance(100);
+  EXPECT_TRUE(answers.empty());
+  wire.receive("a^text");
+  wire.advance(0);
+  EXPECT_EQ(answers, std::vector<std::string>{"5a"});
+  EXPECT_EQ(wire.scheduler.timers(), 0u);
+
+  wire.sender.chip = [&](const std::string&) { wire.receive("~12^"); };
+  flow.start(request(wire.link, isp_read_request(0x922), answers));
+  wire.advance(50);
+  EXPECT_EQ(answers.back(), "12") << "an answer that was there before the request was reported sent";
+
+  wire.sender.chip = nullptr;
+  flow.start(request(wire.link, isp_read_request(0x922), answers));
+  wire.advance(449);
+  EXPECT_TRUE(flow.running());
+  wire.advance(1);
+  EXPECT_EQ(answers.back(), "none");
+
+  flow.start(request(wire.link, isp_read_request(0x922), answers));
+  wire.advance(60);
+  flow.cancel();
+  wire.receive("~34^");
+  wire.advance(1000);
+  wire.sender.connected = false;
+  flow.start(request(wire.link, isp_read_request(0x922), answers));
+  wire.advance(50);
+  EXPECT_EQ(answers.size(), 4u);
+  EXPECT_EQ(answers.back(), "none") << "nothing to wait for";
+}
+
 Task<> read(CommandLink& link, int address, int& value) {
   value = co_await link.wide_read(address);
 }

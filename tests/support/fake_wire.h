@@ -75,7 +75,7 @@ struct FakeWire {
 
   /// Bytes from the chip.
   void receive(const std::string& bytes) {
-    console += link.reply().decode({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+    console += link.receive({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
   }
   void advance(int milliseconds) { scheduler.advance(std::chrono::milliseconds(milliseconds)); }
 };
