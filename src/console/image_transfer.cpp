@@ -130,7 +130,7 @@ void ImageTransfer::cancel() {
   if (const auto transfer = current_.lock()) transfer->cancel();
 }
 
-Task<> ImageTransfer::run(TransferKind kind) {
+Task<TransferEnd> ImageTransfer::run(TransferKind kind) {
   // The chip takes whatever follows the letter as part of the image, so the wire is held from there on.
   CommandLink::Hold hold = co_await link_.hold();
   const auto transfer = std::make_shared<Transfer>(kind, link_, view_);
@@ -142,18 +142,15 @@ Task<> ImageTransfer::run(TransferKind kind) {
   const JobResult sent = co_await transfer->send(hold, std::move(letter), 1, 0);
   if (sent.chunks_sent == 0) {
     transfer->say(sent.failed ? "not sent: the port is closed or lost" : "not sent");
-    co_return;
+    co_return sent.failed ? TransferEnd::lost : TransferEnd::cancelled;
   }
   if (*transfer->style().ready_text) view_.append_console(transfer->style().ready_text);
   std::optional<BlockImage> image;
   if (!transfer->cancelled()) image = co_await choose_image(kind);
-  if (transfer->cancelled()) {
-    co_await end_cancelled(hold, *transfer, BlockImage(), 0);
-  } else if (image) {
-    co_await send_image(hold, *transfer, *image);
-  } else {
-    transfer->say("not sent: the chip still waits for it");
-  }
+  if (transfer->cancelled()) co_return co_await end_cancelled(hold, *transfer, BlockImage(), 0);
+  if (image) co_return co_await send_image(hold, *transfer, *image);
+  transfer->say("not sent: the chip still waits for it");
+  co_return TransferEnd::not_sent;
 }
 
 Task<std::optional<BlockImage>> ImageTransfer::choose_image(TransferKind kind) {
@@ -200,21 +197,22 @@ Task<> ImageTransfer::warn(std::string text) {
   co_await prompts_.message(std::move(message));
 }
 
-Task<> ImageTransfer::send_image(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image) {
+Task<TransferEnd> ImageTransfer::send_image(CommandLink::Hold& hold, Transfer& transfer,
+                                            const BlockImage& image) {
   transfer.begin(image.count);
   std::vector<Chunk> chunks = image_chunks(image, transfer.style());
   const JobResult result = co_await transfer.send(hold, std::move(chunks), kHeader, 0);
+  if (result.cancelled) co_return co_await end_cancelled(hold, transfer, image, result.chunks_sent);
   if (result.failed) {
     transfer.say_lost(result.chunks_sent);
-  } else if (result.cancelled) {
-    co_await end_cancelled(hold, transfer, image, result.chunks_sent);
-  } else {
-    transfer.finish(image);
+    co_return TransferEnd::lost;
   }
+  transfer.finish(image);
+  co_return TransferEnd::sent;
 }
 
-Task<> ImageTransfer::end_cancelled(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image,
-                                    std::size_t chunks_sent) {
+Task<TransferEnd> ImageTransfer::end_cancelled(CommandLink::Hold& hold, Transfer& transfer,
+                                               const BlockImage& image, std::size_t chunks_sent) {
   // Without a header the chip is told of no blocks, and what leaves is header and checksum. Else the
   // announced number is filled up.
   const std::size_t other_chunks = chunks_sent == 0 ? 2 : 0;
@@ -235,6 +233,7 @@ Task<> ImageTransfer::end_cancelled(CommandLink::Hold& hold, Transfer& transfer,
   } else {
     transfer.say("ended with a wrong checksum: the chip expects commands again");
   }
+  co_return result.failed ? TransferEnd::lost : TransferEnd::cancelled;
 }
 
 }  // namespace qv5123

@@ -14,6 +14,14 @@
 
 namespace qv5123 {
 
+/// What came of a transfer.
+enum class TransferEnd {
+  sent,       ///< all of the image has left
+  not_sent,   ///< no image was chosen, or it cannot be read
+  cancelled,  ///< the chip was made to reject it, or left waiting
+  lost        ///< the port is closed or lost
+};
+
 /// What a transfer shows while it goes on. All are called on the scheduler's thread; none may be empty.
 struct TransferView {
   std::function<void(int)> set_progress;                       ///< the bar's position, 0..100
@@ -30,7 +38,7 @@ class ImageTransfer {
   ImageTransfer& operator=(const ImageTransfer&) = delete;
 
   /// One transfer from its button to its end. Waits for transfers that were begun before.
-  Task<> run(TransferKind kind);
+  Task<TransferEnd> run(TransferKind kind);
 
   /// Asks the transfer to end at the next boundary between blocks. The announced number of blocks is then
   /// filled up with 0xFF and closed with a wrong checksum, so that the chip rejects the image and takes
@@ -47,9 +55,9 @@ class ImageTransfer {
   Task<std::optional<BlockImage>> read_binary(std::filesystem::path path);
   Task<std::optional<BlockImage>> read_user_data(std::filesystem::path path);
   Task<> warn(std::string text);
-  Task<> send_image(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image);
-  Task<> end_cancelled(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image,
-                       std::size_t chunks_sent);
+  Task<TransferEnd> send_image(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image);
+  Task<TransferEnd> end_cancelled(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image,
+                                  std::size_t chunks_sent);
 
   CommandLink& link_;
   CQV5123Doc& document_;

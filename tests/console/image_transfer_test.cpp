@@ -28,8 +28,11 @@ class ImageTransferTest : public testing::Test {
                           [this](const std::string& added) { console += added; }}};
   FlowSet flows;
 
+  std::optional<TransferEnd> end;
+
+  Task<> run(TransferKind kind) { end = co_await transfer.run(kind); }
   void press(TransferKind kind) {
-    flows.spawn(transfer.run(kind));
+    flows.spawn(run(kind));
     wire.advance(0);
   }
   void run_to_end() {
@@ -60,6 +63,7 @@ TEST_F(ImageTransferTest, FirmwareFromButtonToChecksum) {
   EXPECT_EQ(user.opens.at(0).filter, "Binary file(*.bin)|*.bin");
   EXPECT_EQ(user.opens.at(0).default_extension, "bin");
   EXPECT_EQ(console, "\r\n< Ready to FIRMWARE >\r\n< FIRMWARE sent: 3 blocks, checksum 0xF8 >");
+  EXPECT_EQ(end, TransferEnd::sent);
 }
 
 TEST_F(ImageTransferTest, FontEndsWithAFullBarAndTellsSpeed) {
@@ -108,6 +112,7 @@ TEST_F(ImageTransferTest, NothingFollowsTheLetterWithoutAGoodFile) {
   EXPECT_THAT(console, HasSubstr("< FONT not sent: the chip still waits for it >"));
   EXPECT_THAT(console, HasSubstr(path_text(folder.path())));
   EXPECT_FALSE(doc.user_data.loaded());
+  EXPECT_EQ(end, TransferEnd::not_sent);
 }
 
 TEST_F(ImageTransferTest, OthersWaitUntilItIsOver) {
@@ -138,6 +143,7 @@ TEST_F(ImageTransferTest, CancelEndsAsTheChipCanTake) {
   EXPECT_EQ(sent()[6], std::string(1, static_cast<char>(~4)));
   EXPECT_EQ(bar.back(), 0);
   EXPECT_THAT(console, testing::EndsWith("checksum: the chip expects commands again >"));
+  EXPECT_EQ(end, TransferEnd::cancelled);
   transfer.cancel();  // nothing runs
 }
 
@@ -182,6 +188,7 @@ TEST_F(ImageTransferTest, ALostPortEndsItAtOnce) {
   wire.sender.connected = false;
   run_to_end();
   EXPECT_EQ(sent().size(), 4u);
+  EXPECT_EQ(end, TransferEnd::lost);
   EXPECT_THAT(console,
               testing::EndsWith("< FONT broken off after 2 of 4 blocks: the port is closed or lost >"));
 }
