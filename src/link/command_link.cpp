@@ -48,6 +48,19 @@ Pending<JobResult> CommandLink::send_letter(char letter) {
   return send(std::move(job));
 }
 
+Pending<JobResult> CommandLink::send_request(Batch request) {
+  Job job;
+  job.chunks.push_back(chunk_of(std::move(request)));
+  job.on_start = [this] { reply_.forget(); };
+  return send(std::move(job));
+}
+
+void CommandLink::connection_changed() {
+  ++connection_;
+  // A block that was cut short must not swallow what the chip says when it is back.
+  reply_.forget();
+}
+
 Pending<JobResult> CommandLink::send(Job job) {
   return enqueue(queue_, std::move(job));
 }
@@ -67,6 +80,7 @@ void CommandLink::start_next() {
     queue.pop_front();
     if (!next.hold) {
       running_ = next.done;
+      if (next.job.on_start) next.job.on_start();
       sender_.start(std::move(next.job), [this, alive = alive_](JobResult result) {
         if (*alive) job_over(result);
       });
@@ -145,9 +159,8 @@ Task<> CommandLink::delay(std::chrono::milliseconds delay) {
 
 Task<std::optional<std::string>> CommandLink::query(std::uint8_t trigger) {
   const Turn turn = co_await this->turn();
-  reply_.forget();
   Batch request = {{trigger, 0}};
-  co_await send(std::move(request));
+  co_await send_request(std::move(request));
   for (int retries = 0;; ++retries) {
     co_await Delay(scheduler_, kQueryTick);
     if (auto block = reply_.take_block()) co_return block;
@@ -176,16 +189,14 @@ Task<std::optional<std::string>> CommandLink::next_block(std::chrono::millisecon
 
 Task<std::optional<std::string>> CommandLink::request(Batch request, std::chrono::milliseconds timeout) {
   const Turn turn = co_await this->turn();
-  reply_.forget();
-  const JobResult sent = co_await send(std::move(request));
+  const JobResult sent = co_await send_request(std::move(request));
   if (sent.chunks_sent == 0) co_return std::nullopt;
   co_return co_await next_block(timeout);
 }
 
 Task<int> CommandLink::wide_read(int address) {
   const Turn turn = co_await this->turn();
-  reply_.forget();
-  co_await send(isp_read_request(address));
+  co_await send_request(isp_read_request(address));
   co_await Delay(scheduler_, kWideWait);
   co_return reply_.take_last_pair().value_or(-1);
 }

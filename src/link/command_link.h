@@ -77,6 +77,9 @@ class CommandLink {
   /// Sends a single command letter, unframed.
   Pending<JobResult> send_letter(char letter);
   Pending<JobResult> send(Job job);
+  /// Sends a request: whatever reply was received before is dropped as it leaves, so that a late answer to an
+  /// earlier one is not taken for its reply. Whoever calls it holds the turn.
+  Pending<JobResult> send_request(Batch request);
   /// Asks the running job to end at the next boundary between its chunks.
   void cancel_running_job() { sender_.cancel(); }
   /// Jobs not yet over, the running one included.
@@ -90,6 +93,11 @@ class CommandLink {
   /// Waits until no other hold exists and what was sent before has left.
   Admission<Hold> hold();
   bool held() const { return held_; }
+
+  /// Counts how often the port was opened, closed or lost. A transfer that spans more than one job compares
+  /// it: a chip that was away has forgotten what it was told.
+  unsigned connection() const { return connection_; }
+  void connection_changed();
 
   /// Writes 0 to `trigger` and looks for the reply block every 300 ms. Nothing when the sixth look is in
   /// vain.
@@ -134,6 +142,7 @@ class CommandLink {
   std::optional<Resolver<JobResult>> running_;
   bool held_ = false;
   bool turn_taken_ = false;
+  unsigned connection_ = 0;
   std::optional<Resolver<bool>> block_waiter_;  // whether a block is complete
   std::deque<std::shared_ptr<Request>> turn_waiters_;
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);

@@ -4,61 +4,26 @@
 
 namespace qv5123 {
 
-PortSender::PortSender(CCommPort& port, CommandBuffer& command_buffer, Scheduler& scheduler)
-    : port_(port), command_buffer_(command_buffer), scheduler_(scheduler), thread_([this] { serve(); }) {}
-
-PortSender::~PortSender() {
-  end();
-  thread_.join();
-}
-
-void PortSender::end() {
-  {
-    const std::lock_guard lock(mutex_);
-    ending_ = true;
-  }
-  wake_.notify_all();
-}
-
 void PortSender::start(Job job, std::function<void(JobResult)> done) {
   cancelled_ = false;
-  run([this, job = std::move(job), done = std::move(done)] {
+  thread_.run([this, job = std::move(job), done = std::move(done)] {
     const JobResult result = execute(job);
     scheduler_.post([done, result] { done(result); });
   });
 }
 
-void PortSender::run(std::function<void()> work) {
-  {
-    const std::lock_guard lock(mutex_);
-    work_.push_back(std::move(work));
-  }
-  wake_.notify_all();
-}
-
-void PortSender::serve() {
-  std::unique_lock lock(mutex_);
-  while (true) {
-    wake_.wait(lock, [this] { return ending_ || !work_.empty(); });
-    if (ending_) return;
-    const std::function<void()> work = std::move(work_.front());
-    work_.pop_front();
-    lock.unlock();
-    work();
-    lock.lock();
-  }
-}
-
 JobResult PortSender::execute(const Job& job) {
   JobResult result;
   for (const Chunk& chunk : job.chunks) {
-    if (cancelled_ || ending_) {
+    if (cancelled_ || thread_.ending()) {
       result.cancelled = true;
       break;
     }
     if (!send_chunk(chunk, result)) {
       result.failed = true;
-      break;
+      // A write cut short by a line that stands still is no reason to drop the commands behind it. A letter
+      // or an image is spoilt by it.
+      if (!port_.connected() || chunk.writes.empty()) break;
     }
     ++result.chunks_sent;
     if (job.on_progress) {
@@ -73,7 +38,7 @@ bool PortSender::send_chunk(const Chunk& chunk, JobResult& result) {
   std::span<const std::uint8_t> bytes = chunk.bytes;
   if (!chunk.writes.empty()) {
     for (const RegisterWrite& write : chunk.writes) {
-      command_buffer_.append_register_write(write.address, write.value);
+      if (!command_buffer_.append_register_write(write.address, write.value)) result.failed = true;
     }
     bytes = command_buffer_.bytes();
   }

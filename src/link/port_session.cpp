@@ -17,9 +17,9 @@ PortSession::~PortSession() {
   *alive_ = false;
   reopen_.cancel();
   sender_.end();
-  // A write in progress returns only when the port closes. While the sending thread is opening it, nothing
-  // is being written, and the port closes with its own end.
-  if (opening_ == 0) port_.close();
+  port_thread_.reset();
+  // Releases a write in progress, which the sending thread's end waits for.
+  port_.close();
 }
 
 CommPortEvents PortSession::port_events() {
@@ -28,7 +28,7 @@ CommPortEvents PortSession::port_events() {
     // One drain serves all that arrived before it runs.
     if (!drain_posted_.exchange(true)) post_if_alive([this] { drain(); });
   };
-  events.lost = [this] { post_if_alive([this] { lost(); }); };
+  events.lost = [this] { post_if_alive([this, epoch = open_epoch_.load()] { lost(epoch); }); };
   events.trouble = [this](const std::string& text) {
     post_if_alive([this, text] {
       if (events_.trouble) events_.trouble(text);
@@ -55,61 +55,84 @@ void PortSession::drain() {
 void PortSession::set_connected(bool connected) {
   if (connected_ == connected) return;
   connected_ = connected;
+  link_.connection_changed();
   if (events_.connected) events_.connected(connected);
 }
 
 Task<OpenResult> PortSession::open(std::string name, LineSettings settings) {
   close();
-  name_ = std::move(name);
+  name_ = name;
   settings_ = settings;
   const unsigned epoch = epoch_;
-  OpenResult result = co_await open_on_sending_thread();
-  if (result.ok() && epoch != epoch_) co_return OpenResult{OpenError::failed, name_ + " was closed again."};
+  OpenResult result = co_await open_port();
+  if (result.ok() && epoch != epoch_) co_return OpenResult{OpenError::failed, name + " was closed again."};
   co_return result;
 }
 
-Task<OpenResult> PortSession::open_on_sending_thread() {
-  const unsigned epoch = epoch_;
+Task<OpenResult> PortSession::open_port() {
   Resolver<OpenResult> opened;
-  ++opening_;
-  sender_.run([this, alive = alive_, opened, name = name_, settings = settings_, epoch] {
+  lost_while_opening_ = false;
+  port_thread_->run([this, opened, name = name_, settings = settings_, epoch = epoch_] {
+    // The watcher of an earlier open is gone by the time that this one's may look.
+    port_.close();
+    open_epoch_ = epoch;
     const OpenResult result = port_.open(name, settings);
-    scheduler_.post([this, alive, opened, result, epoch] {
-      if (!*alive) return;
-      --opening_;
-      if (result.ok() && epoch == epoch_) set_connected(true);
-      // Closed while it was being opened; a later open closes it by itself.
-      if (epoch != epoch_ && opening_ == 0) port_.close();
+    post_if_alive([this, opened, result, epoch] {
+      port_opened(result, epoch);
       opened.resolve(result);
     });
   });
   co_return co_await opened.pending();
 }
 
-void PortSession::close() {
-  ++epoch_;
-  reopen_.cancel();
-  if (opening_ == 0) port_.close();
-  set_connected(false);
+void PortSession::port_opened(const OpenResult& result, unsigned epoch) {
+  // Closed or opened anew meanwhile: that close is already on its way.
+  if (!result.ok() || epoch != epoch_) return;
+  set_connected(true);
+  // The watcher may have found the device gone before the news of its opening came here.
+  if (lost_while_opening_) post_if_alive([this, epoch] { lost(epoch); });
 }
 
-void PortSession::lost() {
-  if (!connected_) return;
+void PortSession::close_port(std::function<void()> closed) {
+  port_thread_->run([this, closed = std::move(closed)] {
+    port_.close();
+    if (closed) post_if_alive(closed);
+  });
+}
+
+Pending<bool> PortSession::close() {
   ++epoch_;
-  port_.close();
+  reopen_.cancel();
+  set_connected(false);
+  Resolver<bool> closed;
+  close_port([closed] { closed.resolve(true); });
+  return closed.pending();
+}
+
+void PortSession::lost(unsigned epoch) {
+  if (epoch != epoch_) return;
+  if (!connected_) {
+    lost_while_opening_ = true;
+    return;
+  }
+  ++epoch_;
+  close_port({});
   set_connected(false);
   if (events_.status) events_.status(name_ + " is gone. It is opened again when it comes back.");
   reopen_.start(reopen());
 }
 
 Task<> PortSession::reopen() {
+  OpenError told = OpenError::not_found;
   while (true) {
     co_await Delay(scheduler_, kReopenEvery);
-    const OpenResult result = co_await open_on_sending_thread();
-    if (!result.ok()) continue;
-    if (events_.status) events_.status(name_ + " is back.");
-    co_return;
+    const OpenResult result = co_await open_port();
+    if (result.ok()) break;
+    // It is back, but not ours: say what to do about it, once.
+    if (result.error != told && events_.status) events_.status(result.text);
+    told = result.error;
   }
+  if (events_.status) events_.status(name_ + " is back.");
 }
 
 }  // namespace qv5123

@@ -35,10 +35,10 @@ class PortSession {
   PortSession(const PortSession&) = delete;
   PortSession& operator=(const PortSession&) = delete;
 
-  /// Closes what is open and opens `name`, on the sending thread; the caller goes on meanwhile.
+  /// Closes what is open and opens `name`, on a thread of its own; the caller goes on meanwhile.
   Task<OpenResult> open(std::string name, LineSettings settings);
-  /// Closes the port and gives up one that was lost.
-  void close();
+  /// Closes the port and gives up one that was lost. Resumes when it is closed; nobody need wait for that.
+  Pending<bool> close();
   bool connected() const { return connected_; }
   /// The name last given to open().
   const std::string& name() const { return name_; }
@@ -50,9 +50,11 @@ class PortSession {
   CommPortEvents port_events();
   void post_if_alive(std::function<void()> callback);
   void drain();
-  void lost();
+  void lost(unsigned epoch);
+  void close_port(std::function<void()> closed);
   void set_connected(bool connected);
-  Task<OpenResult> open_on_sending_thread();
+  Task<OpenResult> open_port();
+  void port_opened(const OpenResult& result, unsigned epoch);
   Task<> reopen();
 
   Scheduler& scheduler_;
@@ -62,13 +64,16 @@ class PortSession {
   std::string name_;
   LineSettings settings_;
   bool connected_ = false;
-  int opening_ = 0;     // opens that the sending thread has not reported back yet
-  unsigned epoch_ = 0;  // counts open() and close(), to tell what a late result belongs to
+  bool lost_while_opening_ = false;
+  unsigned epoch_ = 0;  // counts open(), close() and losses, to tell what late news belongs to
+  std::atomic<unsigned> open_epoch_{0};  // of the open that the watcher serves
   CommandBuffer command_buffer_;
   CCommPort port_;
   PortSender sender_;
   CommandLink link_;
   Flow reopen_;
+  // Opens and closes in order: a driver may take its time for both.
+  std::unique_ptr<WorkerThread> port_thread_ = std::make_unique<WorkerThread>();
 };
 
 }  // namespace qv5123

@@ -27,15 +27,17 @@ struct Chunk {
 /// Writes that nothing may come between.
 struct Job {
   std::vector<Chunk> chunks;
+  /// Called on the scheduler's thread when the job's turn has come, before its first pacing. May be empty.
+  std::function<void()> on_start;
   /// Called on the scheduler's thread after each chunk with how many of the chunks have left. May be empty.
   std::function<void(std::size_t chunks_sent)> on_progress;
 };
 
 struct JobResult {
-  std::size_t chunks_sent = 0;  ///< chunks written completely
+  std::size_t chunks_sent = 0;  ///< chunks written; the last ones are missing after a failure or a cancel
   std::size_t bytes_sent = 0;
   bool cancelled = false;  ///< ended early by cancel()
-  bool failed = false;     ///< a write came up short: the port is closed or lost
+  bool failed = false;     ///< a write came up short
 };
 
 /// Puts one job at a time on the wire.

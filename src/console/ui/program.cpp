@@ -164,7 +164,11 @@ void Program::show_help() {
 }
 
 void Program::end(int exit_code) {
-  session_.close();
+  flows_.spawn(close_and_end(exit_code));
+}
+
+Task<> Program::close_and_end(int exit_code) {
+  co_await session_.close();
   parts_.end_process(exit_code);
 }
 

@@ -59,6 +59,7 @@ class Program {
   Task<> make_tour();
   void show_help();
   void end(int exit_code);
+  Task<> close_and_end(int exit_code);
 
   const ProgramOptions options_;
   AppSettings settings_;
