@@ -1,3 +1,6 @@
+#include <QAction>
+#include <QMenuBar>
+#include <QScreen>
 #include <QSettings>
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +16,7 @@
 #include "link/system_serial_device.h"
 #include "registers/ui/dlg_isp_register.h"
 #include "simulator/simulated_board.h"
+#include "simulator/ui/camera_dock.h"
 #include "tuning/ui/dlg_ae_tune.h"
 #include "tuning/ui/dlg_isp_awb.h"
 #include "tuning/ui/dlg_isp_front.h"
@@ -24,12 +28,20 @@ namespace {
 
 using namespace qv5123;
 
+constexpr int kCameraWidth = 340;
 constexpr const char* kSimulatedDevice = "simulated chip";
 
 /// Reads the command line before there is a window system to connect to: help needs none.
 std::variant<ProgramOptions, EndAtOnce> early_options(int& argc, char** argv) {
   QCoreApplication application(argc, argv);
   return read_options(QCoreApplication::arguments());
+}
+
+/// What is wrong with the scene asked for; nothing when it is one, or none was.
+std::optional<EndAtOnce> scene_fault(const ProgramOptions& options) {
+  if (!options.scene || scene_named(*options.scene)) return std::nullopt;
+  const QString scene = QString::fromStdString(*options.scene).simplified();
+  return EndAtOnce{QStringLiteral("QV5123: There is no scene '%1'.").arg(scene), 2};
 }
 
 int print(const EndAtOnce& end) {
@@ -72,6 +84,30 @@ std::optional<PortSettings> fixed_port(const ProgramOptions& options, const AppS
   return port;
 }
 
+/// The dock with the simulated camera's picture, and the menu item that shows and hides it.
+void add_camera(CMainFrame& frame, SimulatedBoard& board, bool visible) {
+  auto* dock = new CameraDock([&board](const auto& use) { board.with_chip(use); }, &frame);
+  frame.addDockWidget(Qt::RightDockWidgetArea, dock);
+  dock->setVisible(visible);
+  if (visible) {
+    // Beside the pages rather than in their place, where the screen is wide enough.
+    const QSize wider(frame.width() + kCameraWidth, frame.height());
+    frame.resize(wider.boundedTo(frame.screen()->availableGeometry().size()));
+    frame.resizeDocks({dock}, {kCameraWidth}, Qt::Horizontal);
+  }
+  QAction* show = dock->toggleViewAction();
+  show->setText(CameraDock::tr("&Camera"));
+  show->setStatusTip(CameraDock::tr("Shows the picture of the simulated camera"));
+  frame.menuBar()->addAction(show);
+}
+
+std::unique_ptr<SimulatedBoard> simulated_board(const ProgramOptions& options) {
+  auto board = std::make_unique<SimulatedBoard>();
+  const Scene scene = scene_named(options.scene.value_or(kSceneNames[0])).value_or(Scene{});
+  board->with_chip([&](SimulatedChip& chip) { chip.set_camera(Camera(scene)); });
+  return board;
+}
+
 /// The real ports, and the simulated chip when the program was started on it.
 Program::Parts program_parts(const ProgramOptions& options, const AppSettings& settings) {
   Program::Parts parts;
@@ -84,8 +120,12 @@ Program::Parts program_parts(const ProgramOptions& options, const AppSettings& s
   parts.end_process = [](int code) { std::_Exit(code); };
   parts.report = [](const std::string& text) { std::fprintf(stderr, "QV5123: %s\n", text.c_str()); };
   if (!options.simulate) return parts;
-  parts.device = std::make_unique<NamedDevice>(kSimulatedDevice, std::make_unique<SimulatedBoard>(),
-                                               std::move(parts.device));
+  auto board = simulated_board(options);
+  // The board lives as long as the port session, which outlives the window.
+  parts.furnish = [board = board.get(), tour = options.tour.has_value()](CMainFrame& frame) {
+    add_camera(frame, *board, !tour);
+  };
+  parts.device = std::make_unique<NamedDevice>(kSimulatedDevice, std::move(board), std::move(parts.device));
   parts.list_ports = [] {
     std::vector<PortInfo> ports = list_ports();
     ports.insert(ports.begin(), simulated_port());
@@ -102,6 +142,7 @@ Program::Parts program_parts(const ProgramOptions& options, const AppSettings& s
 int main(int argc, char** argv) {
   const auto options = early_options(argc, argv);
   if (const auto* end = std::get_if<EndAtOnce>(&options)) return print(*end);
+  if (const auto fault = scene_fault(std::get<ProgramOptions>(options))) return print(*fault);
   CQV5123App application(argc, argv);
   QSettings store;
   const AppSettings settings(store);

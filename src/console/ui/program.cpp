@@ -144,6 +144,7 @@ void Program::open_window(PortSettings port) {
   view_->use_port(std::move(port), std::move(surroundings));
   QObject::connect(view_, &CQV5123View::closing_confirmed, frame_.get(), [this] { end(0); });
   QObject::connect(frame_.get(), &CMainFrame::help_wanted, frame_.get(), [this] { show_help(); });
+  if (parts_.furnish) parts_.furnish(*frame_);
   frame_->show();
 }
 

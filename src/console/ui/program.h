@@ -34,6 +34,8 @@ class Program {
     std::optional<PortSettings> fixed_port;
     std::function<std::vector<PortInfo>()> list_ports;
     std::function<OpenResult(const std::string& device)> probe_port;
+    /// Adds to the window what only this way to run has, before it is shown. May be empty.
+    std::function<void(CMainFrame&)> furnish;
     /// Ends the process with this code, at once.
     std::function<void(int)> end_process;
     /// A line for whoever started the program.

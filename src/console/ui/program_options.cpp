@@ -23,6 +23,12 @@ QString fault_of(const QCommandLineParser& parser) {
   if (parser.isSet("simulate") && parser.isSet("port")) {
     return QStringLiteral("Options --simulate and --port exclude each other.");
   }
+  if (parser.isSet("scene") && parser.isSet("port")) {
+    return QStringLiteral("Options --scene and --port exclude each other.");
+  }
+  if (parser.isSet("scene") && !parser.isSet("simulate") && !parser.isSet("tour")) {
+    return QStringLiteral("Option --scene needs --simulate.");
+  }
   for (const char* name : {"port", "settings", "tour"}) {
     if (parser.isSet(name) && parser.value(name).isEmpty()) {
       return QStringLiteral("Option --%1 is empty.").arg(QLatin1String(name));
@@ -45,6 +51,7 @@ QString fault_of(const QCommandLineParser& parser) {
 ProgramOptions options_of(const QCommandLineParser& parser) {
   ProgramOptions options;
   if (parser.isSet("port")) options.port = from_qt(parser.value("port"));
+  if (parser.isSet("scene")) options.scene = from_qt(parser.value("scene"));
   if (parser.isSet("settings")) options.setting_file = to_path(parser.value("settings"));
   if (parser.isSet("tour")) options.tour = to_path(parser.value("tour"));
   options.simulate = parser.isSet("simulate") || (options.tour && !options.port);
@@ -61,6 +68,7 @@ std::variant<ProgramOptions, EndAtOnce> read_options(const QStringList& argument
       {{"v", "version"}, "Print the version and exit."},
       {"port", "Use this serial device and store nothing.", "DEVICE"},
       {"simulate", "Use the simulated chip and store nothing."},
+      {"scene", "What the simulated camera looks at: chart, flat, chart-720 or flat-720.", "KIND"},
       {"settings", "Load this setting file at the start instead of offering the dialog.", "FILE"},
       {"tour",
        "Open every page in turn, save a picture of each in this folder, and exit. Runs on the simulated chip "

@@ -46,6 +46,11 @@ TEST(ProgramOptions, AreReadOrRefusedInOneLine) {
   EXPECT_EQ(refused({"--tour", file}), "QV5123: Folder '" + file.toStdString() + "' cannot be made.");
   EXPECT_EQ(refused({"--simulate", "--port", "COM1"}),
             "QV5123: Options --simulate and --port exclude each other.");
+  EXPECT_EQ(refused({"--scene", "flat"}), "QV5123: Option --scene needs --simulate.");
+  EXPECT_EQ(refused({"--scene", "flat", "--port", "COM1", "--tour", pictures}),
+            "QV5123: Options --scene and --port exclude each other.");
+  EXPECT_EQ(std::get<ProgramOptions>(read_options(command_line({"--simulate", "--scene", "flat"}))).scene,
+            "flat");
   EXPECT_EQ(std::get<EndAtOnce>(read_options(command_line({"--version"}))).text,
             "QV5123 " QV5123_VERSION "\n");
 }

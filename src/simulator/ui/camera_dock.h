@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QDockWidget>
+#include <QThreadPool>
+#include <QTimer>
+#include <functional>
+#include <optional>
+
+#include "simulator/preview.h"
+
+class QComboBox;
+class QLabel;
+
+namespace qv5123 {
+
+class PictureView;
+class SimulatedChip;
+
+/// Shows what the simulated chip's camera sees, as a monitor on the chip's output would, with the cursor in
+/// it, and lets the user choose what the camera looks at. The picture is computed on a thread of its own.
+class CameraDock final : public QDockWidget {
+  Q_OBJECT
+
+ public:
+  /// Calls what it is given with the chip, which stands still meanwhile.
+  using WithChip = std::function<void(const std::function<void(SimulatedChip&)>&)>;
+
+  /// How often the dock looks for something new.
+  static constexpr std::chrono::milliseconds kLook{200};
+
+  explicit CameraDock(WithChip with_chip, QWidget* parent = nullptr);
+  /// Waits for a picture that is being computed.
+  ~CameraDock() override;
+
+  /// The picture shown; null before the first.
+  const QImage& picture() const;
+
+ signals:
+  void picture_shown();
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+
+ private:
+  /// All that a picture depends on.
+  struct Order {
+    Camera camera;
+    PictureSettings settings;
+    QSize size;
+    friend bool operator==(const Order&, const Order&) = default;
+  };
+
+  std::optional<Order> order();
+  void look();
+  void compute(const Order& order);
+  void show_picture(const QImage& picture);
+  void show_scene(const Scene& scene);
+  void aim(const QString& scene);
+
+  const WithChip with_chip_;
+  QComboBox* scene_ = nullptr;
+  PictureView* view_ = nullptr;
+  QLabel* text_ = nullptr;
+  QTimer timer_;
+  std::optional<Order> shown_;  ///< or on its way
+  bool computing_ = false;
+  QThreadPool pool_;
+};
+
+}  // namespace qv5123

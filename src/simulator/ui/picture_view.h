@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QImage>
+#include <QWidget>
+
+namespace qv5123 {
+
+/// A picture, as large as the widget allows at its own proportions.
+class PictureView final : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit PictureView(QWidget* parent = nullptr);
+
+  void set_picture(const QImage& picture);
+  const QImage& picture() const { return picture_; }
+  QSize sizeHint() const override { return {480, 270}; }
+  QSize minimumSizeHint() const override { return {160, 90}; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  QImage picture_;
+};
+
+}  // namespace qv5123

@@ -1,0 +1,71 @@
+#include "simulator/ui/camera_dock.h"
+
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QSignalSpy>
+
+#include "simulator/simulated_chip.h"
+
+namespace qv5123 {
+namespace {
+
+struct DockBench {
+  SimulatedChip chip;
+  CameraDock dock{[this](const std::function<void(SimulatedChip&)>& use) { use(chip); }};
+  QSignalSpy shown{&dock, &CameraDock::picture_shown};
+
+  DockBench() {
+    chip.set_camera(Camera(Scene{}));
+    chip.power_on();
+    dock.resize(480, 400);
+  }
+  void write(const Batch& batch) {
+    const std::string bytes = frames(batch);
+    chip.receive({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+  }
+  /// The colour at these hundredths of the picture.
+  QColor at(int x, int y) const {
+    const QImage& picture = dock.picture();
+    return picture.pixelColor(picture.width() * x / 100, picture.height() * y / 100);
+  }
+};
+
+TEST(CameraDock, ShowsTheChipsPictureAnewOnlyWhenItHasChanged) {
+  DockBench bench;
+  bench.dock.show();
+  ASSERT_TRUE(bench.shown.wait());
+  EXPECT_GT(bench.at(19, 83).green(), 230) << "the white patch";
+  EXPECT_GT(bench.at(44, 61).red(), 2 * bench.at(44, 61).blue()) << "the red one";
+  EXPECT_FALSE(bench.shown.wait(3 * static_cast<int>(CameraDock::kLook.count())));
+  bench.write({{0x5F, 2}});
+  ASSERT_TRUE(bench.shown.wait());
+  EXPECT_GT(bench.at(19, 17).green(), 230) << "turned upside down";
+}
+
+TEST(CameraDock, AimsTheCameraAndRestsWhileHidden) {
+  DockBench bench;
+  bench.dock.show();
+  ASSERT_TRUE(bench.shown.wait());
+  auto* scene = bench.dock.findChild<QComboBox*>("scene");
+  ASSERT_EQ(scene->count(), 4);
+  EXPECT_EQ(scene->currentText(), "Colour chart, 1920 x 1080");
+  scene->setCurrentIndex(3);
+  emit scene->activated(3);
+  EXPECT_EQ(bench.chip.camera()->scene(), scene_named("flat-720"));
+  ASSERT_TRUE(bench.shown.wait());
+  EXPECT_EQ(scene->currentIndex(), 3);
+  EXPECT_NEAR(bench.at(19, 83).green(), bench.at(50, 50).green(), 20);
+
+  bench.dock.hide();
+  bench.write({{0x5F, 1}});
+  EXPECT_FALSE(bench.shown.wait(2 * static_cast<int>(CameraDock::kLook.count())));
+}
+
+TEST(CameraDock, EndsWhileAPictureIsBeingComputed) {
+  DockBench bench;
+  bench.dock.show();
+}
+
+}  // namespace
+}  // namespace qv5123
