@@ -6,7 +6,6 @@ namespace qv5123 {
 
 PictureView::PictureView(QWidget* parent) : QWidget(parent) {
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-  setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
 void PictureView::set_picture(const QImage& picture) {
@@ -15,11 +14,10 @@ void PictureView::set_picture(const QImage& picture) {
 }
 
 void PictureView::paintEvent(QPaintEvent*) {
-  QPainter painter(this);
-  painter.fillRect(rect(), Qt::black);
   if (picture_.isNull()) return;
   QRect place(QPoint(), picture_.size().scaled(size(), Qt::KeepAspectRatio));
-  place.moveCenter(rect().center());
+  place.moveLeft((width() - place.width()) / 2);
+  QPainter painter(this);
   painter.drawImage(place, picture_);
 }
 

@@ -5,7 +5,7 @@
 
 namespace qv5123 {
 
-/// A picture, as large as the widget allows at its own proportions.
+/// A picture at the top, as large as the widget allows at its own proportions.
 class PictureView final : public QWidget {
   Q_OBJECT
 
