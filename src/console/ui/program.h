@@ -7,7 +7,7 @@
 
 #include "console/document.h"
 #include "console/ui/app_settings.h"
-#include "console/ui/background.h"
+#include "link/background.h"
 #include "console/ui/pages.h"
 #include "console/ui/program_options.h"
 #include "console/ui/qt_prompts.h"
@@ -67,7 +67,7 @@ class Program {
   AppSettings settings_;
   Parts parts_;
   QtScheduler scheduler_;
-  Background background_{scheduler_};
+  WorkerThread background_{scheduler_};
   CQV5123Doc document_;
   std::unique_ptr<Prompts> prompts_;
   PortSession session_;
