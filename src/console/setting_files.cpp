@@ -41,18 +41,19 @@ Task<> SettingFiles::load_from(std::filesystem::path path) {
 }
 
 Task<> SettingFiles::save() {
-  const std::vector<Page*> pages = surroundings_.pages();
-  for (Page* page : pages) page->save_to_user_data();
-  // A page's save includes the user data file. Once for all of them is enough, and where no file was chosen
-  // yet the question below is the one to answer.
-  if (!pages.empty() && !document_.setting_file.empty()) {
-    co_await write_to(document_.setting_file);
+  // Some pages' save includes the remembered file: it holds what was saved up to the last of them. Written
+  // once for all of them, and where no file was chosen yet the question below is the one to answer.
+  std::optional<UserDataImage> remembered;
+  for (Page* page : surroundings_.pages()) {
+    page->save_to_user_data();
+    if (page->save_writes_file()) remembered = document_.user_data;
   }
+  if (remembered && !document_.setting_file.empty()) co_await write_to(document_.setting_file, *remembered);
   FileChoice choice = setting_file_choice();
   choice.initial_name = path_text(document_.setting_file.filename());
   std::optional<std::filesystem::path> path = co_await prompts_.choose_save(std::move(choice));
   if (!path) co_return;
-  const bool written = co_await write_to(*path);
+  const bool written = co_await write_to(*path, document_.user_data);
   if (written && document_.setting_file.empty()) document_.setting_file = *path;
 }
 
@@ -63,7 +64,7 @@ Task<bool> SettingFiles::write_user_data_file() {
     if (!path) co_return false;
     document_.setting_file = std::move(*path);
   }
-  co_return co_await write_to(document_.setting_file);
+  co_return co_await write_to(document_.setting_file, document_.user_data);
 }
 
 Task<bool> SettingFiles::save_everything() {
@@ -84,8 +85,8 @@ Task<bool> SettingFiles::may_exit() {
   co_return co_await save_everything();
 }
 
-Task<bool> SettingFiles::write_to(std::filesystem::path path) {
-  const FileResult result = write_setting_file(path, document_.user_data);
+Task<bool> SettingFiles::write_to(std::filesystem::path path, UserDataImage image) {
+  const FileResult result = write_setting_file(path, image);
   if (result.ok()) co_return true;
   surroundings_.show_status(result.text);
   Message message = warning(kFileOpenError);

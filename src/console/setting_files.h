@@ -38,7 +38,8 @@ class SettingFiles {
   Task<> load();
   /// Remembers `path`, reads it and lets the pages reload. A message names a file that cannot be read.
   Task<> load_from(std::filesystem::path path);
-  /// "Save File...". The file is remembered only where none was.
+  /// "Save File...": every page's values into the image, the remembered file where a page's save includes it,
+  /// then the file that the user chooses. It is remembered only where none was.
   Task<> save();
   /// WriteUserDataFile: writes the image to the remembered path; where none was ever chosen asks for one and
   /// remembers it. False when nothing was written.
@@ -50,7 +51,7 @@ class SettingFiles {
   Task<bool> may_exit();
 
  private:
-  Task<bool> write_to(std::filesystem::path path);
+  Task<bool> write_to(std::filesystem::path path, UserDataImage image);
 
   CQV5123Doc& document_;
   Prompts& prompts_;

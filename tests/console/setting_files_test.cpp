@@ -74,6 +74,8 @@ class NumberedPage : public Page {
  public:
   NumberedPage(int number, UserDataImage& image, std::vector<std::string>& calls)
       : number_(number), image_(image), calls_(calls) {}
+  bool writes_file = true;
+  bool save_writes_file() const override { return writes_file; }
   void save_to_user_data() override {
     calls_.push_back("save " + std::to_string(number_));
     image_.set_entry(static_cast<std::size_t>(number_), number_);
@@ -153,6 +155,17 @@ TEST_F(SettingFilesTest, SaveWritesTheRememberedFileOnceAndThenTheChosenOne) {
   EXPECT_EQ(user.messages[0].text, "File open error !!");
   ASSERT_EQ(statuses.size(), 1u);
   EXPECT_THAT(statuses[0], testing::HasSubstr(path_text(folder.path())));
+}
+
+TEST_F(SettingFilesTest, SaveWritesTheRememberedFileOnlyWithWhatItsPagesWrite) {
+  doc.setting_file = folder.path() / "remembered.dat";
+  lens.writes_file = false;
+  save();
+  EXPECT_EQ(folder.read("remembered.dat").substr(0, 18), "0\r\n1\r\n0\r\n0\r\n0\r\n0\r\n") << "cancelled";
+  gamma.writes_file = false;
+  fs::remove(doc.setting_file);
+  save();
+  EXPECT_FALSE(fs::exists(doc.setting_file));
 }
 
 TEST_F(SettingFilesTest, SaveAsksOnceWhereNoFileIsRemembered) {

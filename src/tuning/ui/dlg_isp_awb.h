@@ -18,6 +18,7 @@ class CDlgIspAwb : public TuningPage {
   explicit CDlgIspAwb(PageHost& host);
 
   void save_to_user_data() override;
+  bool save_writes_file() const override { return true; }
   void reload_from_user_data() override;
   void read_back() override { load_from_isp(); }
 
