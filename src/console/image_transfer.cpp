@@ -36,6 +36,26 @@ std::string summary(std::size_t bytes, std::chrono::milliseconds time) {
          " s";
 }
 
+/// An image file, or why there is none.
+struct ReadFile {
+  std::string bytes;
+  FileResult result;
+  std::string too_large;
+};
+
+ReadFile read_image_file(const std::filesystem::path& path) {
+  ReadFile file;
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  if (!error && size > kImageLimit) {
+    file.too_large = path_text(path) + " has " + std::to_string(size) + " bytes. An image has at most " +
+                     std::to_string(kImageLimit) + " bytes.";
+  } else {
+    file.result = read_whole_file(path, file.bytes, kImageLimit);
+  }
+  return file;
+}
+
 std::string bracketed(const std::string& text) {
   return "\r\n< " + text + " >";
 }
@@ -123,8 +143,9 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
   bool sending_ = false;
 };
 
-ImageTransfer::ImageTransfer(CommandLink& link, CQV5123Doc& document, Prompts& prompts, TransferView view)
-    : link_(link), document_(document), prompts_(prompts), view_(std::move(view)) {}
+ImageTransfer::ImageTransfer(CommandLink& link, CQV5123Doc& document, Prompts& prompts,
+                             Background& background, TransferView view)
+    : link_(link), document_(document), prompts_(prompts), background_(background), view_(std::move(view)) {}
 
 void ImageTransfer::cancel() {
   if (const auto transfer = current_.lock()) transfer->cancel();
@@ -164,25 +185,22 @@ Task<std::optional<BlockImage>> ImageTransfer::choose_image(TransferKind kind) {
 }
 
 Task<std::optional<BlockImage>> ImageTransfer::read_binary(std::filesystem::path path) {
-  std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  if (!error && size > kImageLimit) {
-    co_await warn(path_text(path) + " has " + std::to_string(size) + " bytes. An image has at most " +
-                  std::to_string(kImageLimit) + " bytes.");
+  std::function<ReadFile()> work = [path = std::move(path)] { return read_image_file(path); };
+  const ReadFile file = co_await background_.run<ReadFile>(std::move(work));
+  if (!file.too_large.empty()) {
+    co_await warn(file.too_large);
     co_return std::nullopt;
   }
-  std::string bytes;
-  const FileResult result = read_whole_file(path, bytes, kImageLimit);
-  if (!result.ok()) {
-    view_.append_console("\r\n" + result.text);
+  if (!file.result.ok()) {
+    view_.append_console("\r\n" + file.result.text);
     co_await warn("file open error");
     co_return std::nullopt;
   }
-  co_return blocks_of({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+  co_return blocks_of({reinterpret_cast<const std::uint8_t*>(file.bytes.data()), file.bytes.size()});
 }
 
 Task<std::optional<BlockImage>> ImageTransfer::read_user_data(std::filesystem::path path) {
-  const FileResult result = read_setting_file(path, document_.user_data);
+  const FileResult result = co_await read_setting_file(background_, path, document_.user_data);
   if (!result.ok()) {
     co_await warn(result.text);
     co_return std::nullopt;

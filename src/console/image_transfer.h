@@ -10,6 +10,7 @@
 #include "console/document.h"
 #include "console/image_blocks.h"
 #include "console/prompts.h"
+#include "link/background.h"
 #include "link/command_link.h"
 
 namespace qv5123 {
@@ -33,7 +34,8 @@ struct TransferView {
 /// to the end nothing else reaches the wire; what others send meanwhile waits its turn.
 class ImageTransfer {
  public:
-  ImageTransfer(CommandLink& link, CQV5123Doc& document, Prompts& prompts, TransferView view);
+  ImageTransfer(CommandLink& link, CQV5123Doc& document, Prompts& prompts, Background& background,
+                TransferView view);
   ImageTransfer(const ImageTransfer&) = delete;
   ImageTransfer& operator=(const ImageTransfer&) = delete;
 
@@ -62,6 +64,7 @@ class ImageTransfer {
   CommandLink& link_;
   CQV5123Doc& document_;
   Prompts& prompts_;
+  Background& background_;
   TransferView view_;
   std::weak_ptr<Transfer> current_;
 };

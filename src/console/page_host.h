@@ -5,6 +5,7 @@
 
 #include "console/document.h"
 #include "console/prompts.h"
+#include "link/background.h"
 #include "link/command_link.h"
 #include "link/scheduler.h"
 
@@ -19,6 +20,8 @@ class PageHost {
   virtual CommandLink& link() = 0;
   virtual CQV5123Doc& document() = 0;
   virtual Prompts& prompts() = 0;
+  /// For files that are written, or may be large. The program does not end before what was begun is done.
+  virtual Background& background() = 0;
   Scheduler& scheduler() { return link().scheduler(); }
 
   /// Shows a message of at most 256 characters in the status bar's message pane.
@@ -35,7 +38,7 @@ class PageHost {
   virtual Task<bool> save_everything() = 0;
   /// Reads "QV512xUser.dat" of the current directory into the image, whatever setting file is remembered. A
   /// file that does not exist changes nothing; one that cannot be read is named in the status bar.
-  virtual void reload_user_data_file() = 0;
+  virtual Task<> reload_user_data_file() = 0;
   /// Work that closing the window should ask about first, such as a full save, begins or ends. Calls nest.
   virtual void set_busy(bool busy) = 0;
 };

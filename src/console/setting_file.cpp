@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "console/decimal_numbers.h"
@@ -32,12 +34,49 @@ FileResult write_setting_file(const std::filesystem::path& path, const UserDataI
   return write_file_atomically(path, setting_text(image));
 }
 
-FileResult reload_user_data_file(UserDataImage& image, const std::filesystem::path& folder) {
-  const std::filesystem::path path = folder / kUserDataFile;
-  std::error_code error;
-  const auto type = std::filesystem::status(path, error).type();
-  if (type == std::filesystem::file_type::not_found) return {};
-  return read_setting_file(path, image);
+namespace {
+
+/// An image as read, and whether it was.
+struct ReadImage {
+  FileResult result;
+  UserDataImage image;
+};
+
+Task<FileResult> take_over(Task<ReadImage> reading, UserDataImage& image) {
+  const ReadImage read = co_await std::move(reading);
+  if (read.image.loaded()) image = read.image;
+  co_return read.result;
+}
+
+}  // namespace
+
+Task<FileResult> read_setting_file(Background& background, std::filesystem::path path, UserDataImage& image) {
+  std::function<ReadImage()> work = [path = std::move(path)] {
+    ReadImage read;
+    read.result = read_setting_file(path, read.image);
+    return read;
+  };
+  return take_over(background.run<ReadImage>(std::move(work)), image);
+}
+
+Task<FileResult> write_setting_file(Background& background, std::filesystem::path path,
+                                    const UserDataImage& image) {
+  std::function<FileResult()> work = [path = std::move(path), image] {
+    return write_setting_file(path, image);
+  };
+  return background.run<FileResult>(std::move(work));
+}
+
+Task<FileResult> reload_user_data_file(Background& background, UserDataImage& image,
+                                       std::filesystem::path folder) {
+  std::function<ReadImage()> work = [path = std::move(folder) / kUserDataFile] {
+    ReadImage read;
+    std::error_code error;
+    const auto type = std::filesystem::status(path, error).type();
+    if (type != std::filesystem::file_type::not_found) read.result = read_setting_file(path, read.image);
+    return read;
+  };
+  return take_over(background.run<ReadImage>(std::move(work)), image);
 }
 
 }  // namespace qv5123

@@ -6,6 +6,7 @@
 
 #include "console/atomic_file.h"
 #include "console/user_data_image.h"
+#include "link/background.h"
 
 namespace qv5123 {
 
@@ -26,11 +27,19 @@ std::string setting_text(const UserDataImage& image);
 /// Reads the file into the image and marks the image as loaded. On failure the image stays as it is.
 FileResult read_setting_file(const std::filesystem::path& path, UserDataImage& image);
 
+/// The same for a file that may be slow to read. The image must outlive the task.
+Task<FileResult> read_setting_file(Background& background, std::filesystem::path path, UserDataImage& image);
+
 /// Replaces the file in one step; on failure the old one stays whole.
 FileResult write_setting_file(const std::filesystem::path& path, const UserDataImage& image);
 
-/// ReloadUserDataFile: reads kUserDataFile of `folder` into the image. A file that does not exist is no
-/// failure and changes nothing.
-FileResult reload_user_data_file(UserDataImage& image, const std::filesystem::path& folder = ".");
+/// Writes the image as it is now. Writes that follow each other reach the disk in their order.
+Task<FileResult> write_setting_file(Background& background, std::filesystem::path path,
+                                    const UserDataImage& image);
+
+/// ReloadUserDataFile: reads kUserDataFile of `folder` into the image, which must outlive the task. A file
+/// that does not exist is no failure and changes nothing.
+Task<FileResult> reload_user_data_file(Background& background, UserDataImage& image,
+                                       std::filesystem::path folder = ".");
 
 }  // namespace qv5123

@@ -21,8 +21,12 @@ Message warning(std::string text) {
 
 }  // namespace
 
-SettingFiles::SettingFiles(CQV5123Doc& document, Prompts& prompts, Surroundings surroundings)
-    : document_(document), prompts_(prompts), surroundings_(std::move(surroundings)) {}
+SettingFiles::SettingFiles(CQV5123Doc& document, Prompts& prompts, Background& background,
+                           Surroundings surroundings)
+    : document_(document),
+      prompts_(prompts),
+      background_(background),
+      surroundings_(std::move(surroundings)) {}
 
 Task<> SettingFiles::load() {
   FileChoice choice = setting_file_choice();
@@ -32,7 +36,7 @@ Task<> SettingFiles::load() {
 
 Task<> SettingFiles::load_from(std::filesystem::path path) {
   document_.setting_file = path;
-  const FileResult result = read_setting_file(path, document_.user_data);
+  const FileResult result = co_await read_setting_file(background_, path, document_.user_data);
   // Even without a file: the pages show what the image holds, and so agree with each other again.
   for (Page* page : surroundings_.pages()) page->reload_from_user_data();
   if (result.ok()) co_return;
@@ -85,8 +89,8 @@ Task<bool> SettingFiles::may_exit() {
   co_return co_await save_everything();
 }
 
-Task<bool> SettingFiles::write_to(std::filesystem::path path, UserDataImage image) {
-  const FileResult result = write_setting_file(path, image);
+Task<bool> SettingFiles::write_to(std::filesystem::path path, const UserDataImage& image) {
+  const FileResult result = co_await write_setting_file(background_, std::move(path), image);
   if (result.ok()) co_return true;
   surroundings_.show_status(result.text);
   Message message = warning(kFileOpenError);

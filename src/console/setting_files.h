@@ -9,6 +9,7 @@
 #include "console/document.h"
 #include "console/page_host.h"
 #include "console/prompts.h"
+#include "link/background.h"
 
 namespace qv5123 {
 
@@ -32,7 +33,7 @@ class SettingFiles {
     std::function<void(const std::string&)> show_status;
   };
 
-  SettingFiles(CQV5123Doc& document, Prompts& prompts, Surroundings surroundings);
+  SettingFiles(CQV5123Doc& document, Prompts& prompts, Background& background, Surroundings surroundings);
 
   /// "Load File...", also offered at the start: asks for a file and loads it.
   Task<> load();
@@ -51,10 +52,11 @@ class SettingFiles {
   Task<bool> may_exit();
 
  private:
-  Task<bool> write_to(std::filesystem::path path, UserDataImage image);
+  Task<bool> write_to(std::filesystem::path path, const UserDataImage& image);
 
   CQV5123Doc& document_;
   Prompts& prompts_;
+  Background& background_;
   Surroundings surroundings_;
 };
 

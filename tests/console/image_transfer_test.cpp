@@ -3,6 +3,7 @@
 #include "console/setting_file.h"
 #include "support/fake_prompts.h"
 #include "support/fake_wire.h"
+#include "support/inline_background.h"
 #include "support/temporary_folder.h"
 
 namespace qv5123 {
@@ -16,6 +17,7 @@ class ImageTransferTest : public testing::Test {
   test::FakeWire wire;
   test::TemporaryFolder folder;
   test::FakePrompts user;
+  test::InlineBackground work;
   CQV5123Doc doc;
   std::vector<int> bar;
   std::string text;
@@ -23,6 +25,7 @@ class ImageTransferTest : public testing::Test {
   ImageTransfer transfer{wire.link,
                          doc,
                          user,
+                         work,
                          {[this](int position) { bar.push_back(position); },
                           [this](const std::string& progress) { text = progress; },
                           [this](const std::string& added) { console += added; }}};

@@ -2,6 +2,7 @@
 
 #include "console/setting_file.h"
 #include "support/fake_prompts.h"
+#include "support/inline_background.h"
 #include "support/temporary_folder.h"
 
 namespace qv5123 {
@@ -58,17 +59,6 @@ TEST(SettingFile, FailuresNameTheFileAndChangeNothing) {
   EXPECT_FALSE(image.loaded());
 }
 
-TEST(SettingFile, ReloadTakesTheFixedFileIfThereIsOne) {
-  const test::TemporaryFolder folder;
-  UserDataImage image;
-  EXPECT_TRUE(reload_user_data_file(image, folder.path()).ok());
-  EXPECT_FALSE(image.loaded());
-  folder.write("QV512xUser.dat", "12");
-  EXPECT_TRUE(reload_user_data_file(image, folder.path()).ok());
-  EXPECT_TRUE(image.loaded());
-  EXPECT_EQ(image.entry(500), 12);
-}
-
 // Writes its number to an entry of its own and notes in which order the pages were asked.
 class NumberedPage : public Page {
  public:
@@ -95,6 +85,7 @@ class SettingFilesTest : public testing::Test {
   test::TemporaryFolder folder;
   CQV5123Doc doc;
   test::FakePrompts user;
+  test::InlineBackground work;
   std::vector<std::string> calls;
   std::vector<std::string> statuses;
   NumberedPage gamma{1, doc.user_data, calls};
@@ -103,6 +94,7 @@ class SettingFilesTest : public testing::Test {
   std::vector<Page*> pages{&gamma, &lens};
   SettingFiles files{doc,
                      user,
+                     work,
                      {[this] { return pages; }, [this]() -> Page* { return &font; },
                       [this](const std::string& text) { statuses.push_back(text); }}};
 
@@ -206,6 +198,32 @@ TEST_F(SettingFilesTest, ExitAsksAndEndsOnlyWhenNothingIsLost) {
   user.answers = {Answer::yes};
   EXPECT_FALSE(done(files.may_exit()));
   EXPECT_EQ(user.messages.back().text, "File open error !!");
+}
+
+TEST_F(SettingFilesTest, ReloadTakesTheFixedFileIfThereIsOne) {
+  const auto reload = [this]() -> Task<> {
+    const FileResult result = co_await reload_user_data_file(work, doc.user_data, folder.path());
+    EXPECT_TRUE(result.ok());
+  };
+  Flow flow(reload());
+  EXPECT_FALSE(doc.user_data.loaded());
+  folder.write("QV512xUser.dat", "12");
+  flow.start(reload());
+  EXPECT_TRUE(doc.user_data.loaded());
+  EXPECT_EQ(doc.user_data.entry(500), 12);
+}
+
+TEST_F(SettingFilesTest, WhatIsWrittenIsTheImageAtTheTimeOfTheSaveAndExitWaitsForIt) {
+  doc.setting_file = folder.path() / "user.dat";
+  work.busy = true;
+  user.answers = {Answer::yes};
+  bool ends = false;
+  const Flow exit([](SettingFiles& files, bool& ends) -> Task<> { ends = co_await files.may_exit(); }(files, ends));
+  doc.user_data.set_entry(0, 99);
+  EXPECT_FALSE(ends);
+  work.catch_up();
+  EXPECT_TRUE(ends);
+  EXPECT_EQ(folder.read("user.dat").substr(0, 6), "0\r\n1\r\n");
 }
 
 }  // namespace

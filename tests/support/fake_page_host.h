@@ -7,6 +7,7 @@
 #include "console/page_host.h"
 #include "support/fake_prompts.h"
 #include "support/fake_wire.h"
+#include "support/inline_background.h"
 
 namespace qv5123::test {
 
@@ -17,6 +18,7 @@ class FakePageHost : public PageHost {
 
   CQV5123Doc doc;
   FakePrompts user;
+  InlineBackground work;
   std::vector<std::string> statuses;
   std::vector<std::optional<int>> progress;
   std::string console;  ///< what the page appended; the chip's text is in the wire's
@@ -37,6 +39,7 @@ class FakePageHost : public PageHost {
   CommandLink& link() override { return wire_.link; }
   CQV5123Doc& document() override { return doc; }
   Prompts& prompts() override { return user; }
+  Background& background() override { return work; }
   void show_status(const std::string& text) override { statuses.push_back(text); }
   void show_progress(std::optional<int> percent) override { progress.push_back(percent); }
   void append_console(const std::string& text) override { console += text; }
@@ -52,9 +55,9 @@ class FakePageHost : public PageHost {
     if (page) page->save_to_user_data();
     co_return co_await write_user_data_file();
   }
-  void reload_user_data_file() override {
+  Task<> reload_user_data_file() override {
     ++reloads;
-    if (!current_directory) return;
+    if (!current_directory) co_return;
     doc.user_data.assign(current_directory->bytes());
     doc.user_data.mark_loaded();
   }

@@ -90,7 +90,7 @@ Task<OpenResult> Program::probe(std::string device) {
   std::function<OpenResult()> work = [probe = parts_.probe_port, device = std::move(device)] {
     return probe(device);
   };
-  co_return co_await background_.run<OpenResult>(std::move(work));
+  co_return co_await ports_.run<OpenResult>(std::move(work));
 }
 
 std::unique_ptr<QDialog> Program::make_port_dialog(std::vector<PortInfo> ports, const PortSettings& current) {
@@ -99,7 +99,7 @@ std::unique_ptr<QDialog> Program::make_port_dialog(std::vector<PortInfo> ports, 
 }
 
 Task<std::optional<PortSettings>> Program::choose_port(PortSettings current) {
-  std::vector<PortInfo> ports = co_await background_.run<std::vector<PortInfo>>(parts_.list_ports);
+  std::vector<PortInfo> ports = co_await ports_.run<std::vector<PortInfo>>(parts_.list_ports);
   std::unique_ptr<QDialog> dialog;
   try {
     dialog = make_port_dialog(std::move(ports), current);
@@ -131,7 +131,7 @@ void Program::store_port(const PortSettings& settings) {
 }
 
 void Program::open_window(PortSettings port) {
-  view_ = new CQV5123View(session_.link(), *prompts_, document_, std::move(parts_.pages));
+  view_ = new CQV5123View(session_.link(), *prompts_, files_, document_, std::move(parts_.pages));
   frame_ = std::make_unique<CMainFrame>(view_);
   if (auto* dialogs = dynamic_cast<QtPrompts*>(prompts_.get())) dialogs->set_parent(frame_.get());
   PortInUse::Surroundings surroundings;
@@ -142,7 +142,7 @@ void Program::open_window(PortSettings port) {
   surroundings.choose = [this](PortSettings current) { return choose_port(std::move(current)); };
   surroundings.store = [this](const PortSettings& settings) { store_port(settings); };
   view_->use_port(std::move(port), std::move(surroundings));
-  QObject::connect(view_, &CQV5123View::closing_confirmed, frame_.get(), [this] { end(0); });
+  QObject::connect(view_, &CQV5123View::closing_confirmed, frame_.get(), [this] { flows_.spawn(end(0)); });
   QObject::connect(frame_.get(), &CMainFrame::help_wanted, frame_.get(), [this] { show_help(); });
   if (parts_.furnish) parts_.furnish(*frame_);
   frame_->show();
@@ -150,11 +150,11 @@ void Program::open_window(PortSettings port) {
 
 Task<> Program::make_tour() {
   Tour tour(*frame_, *view_, *options_.tour);
-  std::vector<PortInfo> ports = co_await background_.run<std::vector<PortInfo>>(parts_.list_ports);
+  std::vector<PortInfo> ports = co_await ports_.run<std::vector<PortInfo>>(parts_.list_ports);
   const std::string fault = co_await tour.run(
       [this, &ports] { return make_port_dialog(std::move(ports), view_->port()->settings()); });
   if (!fault.empty()) parts_.report(fault);
-  end(fault.empty() ? 0 : 1);
+  co_await end(fault.empty() ? 0 : 1);
 }
 
 void Program::show_help() {
@@ -164,12 +164,11 @@ void Program::show_help() {
   help_->activateWindow();
 }
 
-void Program::end(int exit_code) {
-  flows_.spawn(close_and_end(exit_code));
-}
-
-Task<> Program::close_and_end(int exit_code) {
+Task<> Program::end(int exit_code) {
   co_await session_.close();
+  // Nothing is torn down, so what is being written must be whole before.
+  const std::function<bool()> all_before = [] { return true; };
+  co_await files_.run<bool>(all_before);
   parts_.end_process(exit_code);
 }
 

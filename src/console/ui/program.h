@@ -60,14 +60,14 @@ class Program {
   void store_port(const PortSettings& settings);
   Task<> make_tour();
   void show_help();
-  void end(int exit_code);
-  Task<> close_and_end(int exit_code);
+  Task<> end(int exit_code);
 
   const ProgramOptions options_;
   AppSettings settings_;
   Parts parts_;
   QtScheduler scheduler_;
-  WorkerThread background_{scheduler_};
+  WorkerThread ports_{scheduler_};  // looking for ports may take seconds; no file waits for it
+  WorkerThread files_{scheduler_};
   CQV5123Doc document_;
   std::unique_ptr<Prompts> prompts_;
   PortSession session_;

@@ -34,14 +34,15 @@ QScrollArea* scrolled_column(ControlColumn* column) {
 
 }  // namespace
 
-CQV5123View::CQV5123View(CommandLink& link, Prompts& prompts, CQV5123Doc& document, PageFactories factories,
-                         QWidget* parent)
+CQV5123View::CQV5123View(CommandLink& link, Prompts& prompts, Background& background, CQV5123Doc& document,
+                         PageFactories factories, QWidget* parent)
     : QWidget(parent),
       link_(link),
       prompts_(prompts),
+      background_(background),
       document_(document),
-      files_(document, prompts, files_surroundings()),
-      transfer_(link, document, prompts, transfer_view()) {
+      files_(document, prompts, background, files_surroundings()),
+      transfer_(link, document, prompts, background, transfer_view()) {
   pages_ = new PageArea(*this, std::move(factories));
   column_ = new ControlColumn;
   auto* row = new QHBoxLayout(this);
@@ -235,8 +236,8 @@ void CQV5123View::show_progress(std::optional<int> percent) {
   emit progress_changed(percent);
 }
 
-void CQV5123View::reload_user_data_file() {
-  const FileResult result = qv5123::reload_user_data_file(document_.user_data);
+Task<> CQV5123View::reload_user_data_file() {
+  const FileResult result = co_await qv5123::reload_user_data_file(background_, document_.user_data);
   if (!result.ok()) show_status(result.text);
 }
 

@@ -31,8 +31,8 @@ class CQV5123View final : public QWidget, public PageHost {
     bool offer_setting_file = true;
   };
 
-  CQV5123View(CommandLink& link, Prompts& prompts, CQV5123Doc& document, PageFactories factories,
-              QWidget* parent = nullptr);
+  CQV5123View(CommandLink& link, Prompts& prompts, Background& background, CQV5123Doc& document,
+              PageFactories factories, QWidget* parent = nullptr);
   ~CQV5123View() override;
 
   /// Hands over the port, which says what it has to say through the calls below. Once, before start().
@@ -50,12 +50,13 @@ class CQV5123View final : public QWidget, public PageHost {
   CommandLink& link() override { return link_; }
   CQV5123Doc& document() override { return document_; }
   Prompts& prompts() override { return prompts_; }
+  Background& background() override { return background_; }
   void show_status(const std::string& text) override;
   void show_progress(std::optional<int> percent) override;
   void append_console(const std::string& text) override;
   Task<bool> write_user_data_file() override { return files_.write_user_data_file(); }
   Task<bool> save_everything() override { return files_.save_everything(); }
-  void reload_user_data_file() override;
+  Task<> reload_user_data_file() override;
   void set_busy(bool busy) override { busy_ += busy ? 1 : -1; }
 
   PageArea& pages() { return *pages_; }
@@ -96,6 +97,7 @@ class CQV5123View final : public QWidget, public PageHost {
 
   CommandLink& link_;
   Prompts& prompts_;
+  Background& background_;
   CQV5123Doc& document_;
   ConsoleText console_text_;
   StartupReply startup_reply_;

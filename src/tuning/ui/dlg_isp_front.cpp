@@ -229,7 +229,7 @@ Task<> CDlgIspFront::set_parameter() {
   co_await host().write_user_data_file();
   co_await link().send(std::move(traffic));
   // The file of the current directory wins over what was set, also where it is not the one just written.
-  host().reload_user_data_file();
+  co_await host().reload_user_data_file();
   append_text(parameter_line(row, image, LineOf::Set));
 }
 

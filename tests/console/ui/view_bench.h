@@ -14,6 +14,7 @@
 #include "console/ui/qv5123_view.h"
 #include "support/fake_prompts.h"
 #include "support/fake_wire.h"
+#include "support/inline_background.h"
 #include "support/temporary_folder.h"
 
 namespace qv5123::test {
@@ -38,10 +39,11 @@ class RecordingPage : public QWidget, public Page {
 struct ViewBench {
   FakeWire wire;
   FakePrompts user;
+  InlineBackground work;
   CQV5123Doc document;
   TemporaryFolder folder;
   std::vector<std::string> record;
-  CQV5123View* view = new CQV5123View(wire.link, user, document, factories());
+  CQV5123View* view = new CQV5123View(wire.link, user, work, document, factories());
   CMainFrame frame{view};
   std::vector<std::string> statuses;
 
