@@ -115,7 +115,7 @@ Task<> RegisterDesk::save_file_flow() {
   FileChoice choice = register_file_choice();
   const auto path = co_await host_.prompts().choose_save(std::move(choice));
   if (!path) co_return;
-  const FileResult result = save_register_file(*path, sheet_.description());
+  const FileResult result = co_await save_register_file(host_.background(), *path, sheet_.description());
   if (!result.ok()) say(result.text);
 }
 
@@ -127,12 +127,12 @@ Task<> RegisterDesk::load_file_flow() {
   FileChoice choice = register_file_choice();
   const auto path = co_await host_.prompts().choose_open(std::move(choice));
   if (!path) co_return;
-  RegisterFile file;
-  const FileResult result = load_register_file(*path, file);
-  if (!result.ok()) {
-    say(result.text);
+  const LoadedRegisterFile loaded = co_await load_register_file(host_.background(), *path);
+  if (!loaded.result.ok()) {
+    say(loaded.result.text);
     co_return;
   }
+  const RegisterFile& file = loaded.file;
   if (file.skipped > 0) host_.show_status(skipped_text(*path, file));
   loader_.enable_load_file(false);
   const std::size_t matches = sheet_.apply(file);

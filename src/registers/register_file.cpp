@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <map>
 #include <optional>
+#include <utility>
 
 #include "link/register_write.h"
 
@@ -93,15 +95,23 @@ std::string register_file_text(const RegDescription& description) {
   return text;
 }
 
-FileResult save_register_file(const std::filesystem::path& path, const RegDescription& description) {
-  return write_file_atomically(path, register_file_text(description));
+Task<FileResult> save_register_file(Background& background, std::filesystem::path path,
+                                    const RegDescription& description) {
+  std::function<FileResult()> work = [path = std::move(path), text = register_file_text(description)] {
+    return write_file_atomically(path, text);
+  };
+  return background.run<FileResult>(std::move(work));
 }
 
-FileResult load_register_file(const std::filesystem::path& path, RegisterFile& file) {
-  std::string bytes;
-  const FileResult result = read_whole_file(path, bytes);
-  file = RegisterFile::parse(bytes);
-  return result;
+Task<LoadedRegisterFile> load_register_file(Background& background, std::filesystem::path path) {
+  std::function<LoadedRegisterFile()> work = [path = std::move(path)] {
+    LoadedRegisterFile loaded;
+    std::string bytes;
+    loaded.result = read_whole_file(path, bytes);
+    loaded.file = RegisterFile::parse(bytes);
+    return loaded;
+  };
+  return background.run<LoadedRegisterFile>(std::move(work));
 }
 
 std::size_t apply_register_file(const RegisterFile& file, RegDescription& description) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "console/atomic_file.h"
+#include "link/background.h"
 #include "registers/reg_description.h"
 
 namespace qv5123 {
@@ -34,8 +35,16 @@ struct RegisterFile {
 /// byte of each of their first 256 characters.
 std::string register_file_text(const RegDescription& description);
 
-FileResult save_register_file(const std::filesystem::path& path, const RegDescription& description);
-FileResult load_register_file(const std::filesystem::path& path, RegisterFile& file);
+/// Writes the registers as they are now.
+Task<FileResult> save_register_file(Background& background, std::filesystem::path path,
+                                    const RegDescription& description);
+
+/// A file as read; without lines when the result says why it cannot be.
+struct LoadedRegisterFile {
+  FileResult result;
+  RegisterFile file;
+};
+Task<LoadedRegisterFile> load_register_file(Background& background, std::filesystem::path path);
 
 /// Forgets all values, then gives every register the last value that the file has for its address. Returns
 /// how often a line met a register.

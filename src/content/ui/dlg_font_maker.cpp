@@ -24,6 +24,11 @@ namespace {
 /// Characters drawn between two looks at the event loop: some two milliseconds' worth.
 constexpr std::size_t kFillStep = 32;
 
+struct ReadFont {
+  bool read = false;
+  std::string bytes;
+};
+
 FileChoice font_file_choice(const char* initial_name) {
   return {"FONT Files (*.bin)|*.bin|All Files (*.*)|*.*||", "bin", initial_name};
 }
@@ -212,24 +217,36 @@ void CDlgFontMaker::import_export() {
 }
 
 // An export that cannot be written is no reason to disturb the user: the binary file is the font's own form.
-void CDlgFontMaker::write_export() const {
-  write_file_atomically(export_path_, export_font_text(editor_.library()));
+void CDlgFontMaker::begin_export() {
+  std::function<FileResult()> work = [path = export_path_, library = editor_.library()] {
+    return write_file_atomically(path, export_font_text(library));
+  };
+  // Begun is enough: nobody waits for it but the program's end.
+  const Task<FileResult> written = host_.background().run<FileResult>(std::move(work));
 }
 
 Task<> CDlgFontMaker::open_font_file() {
   const auto path = co_await host_.prompts().choose_open(font_file_choice("*.bin"));
-  std::string bytes;
-  if (!path || !read_whole_file(*path, bytes).ok()) co_return;
-  editor_.open_binary({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+  if (!path) co_return;
+  std::function<ReadFont()> work = [path = *path] {
+    ReadFont font;
+    font.read = read_whole_file(path, font.bytes).ok();
+    return font;
+  };
+  const ReadFont font = co_await host_.background().run<ReadFont>(std::move(work));
+  if (!font.read) co_return;
+  editor_.open_binary({reinterpret_cast<const std::uint8_t*>(font.bytes.data()), font.bytes.size()});
   refresh_all();
 }
 
 Task<> CDlgFontMaker::save_font_file() {
-  write_export();
+  begin_export();
   const auto path = co_await host_.prompts().choose_save(font_file_choice("fontT_16x24_.bin"));
   if (!path) co_return;
-  const auto bytes = editor_.library().to_binary();
-  write_file_atomically(*path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  std::function<FileResult()> work = [path = *path, bytes = editor_.library().to_binary()] {
+    return write_file_atomically(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  };
+  co_await host_.background().run<FileResult>(std::move(work));
 }
 
 Task<> CDlgFontMaker::fill_range() {
@@ -247,7 +264,7 @@ Task<> CDlgFontMaker::fill_range() {
 
 Task<> CDlgFontMaker::ask_and_close() {
   const Question question{"Do you want to save before exit?", "Save data", Question::Buttons::yes_no};
-  if (co_await host_.prompts().ask(question) == Answer::yes) write_export();
+  if (co_await host_.prompts().ask(question) == Answer::yes) begin_export();
   hide();
 }
 

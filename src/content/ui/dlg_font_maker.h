@@ -27,7 +27,7 @@ class CDlgFontMaker : public QWidget, public Page {
   ~CDlgFontMaker() override;
 
   /// Writes the text export; the font has no place in the user data.
-  void save_to_user_data() override { write_export(); }
+  void save_to_user_data() override { begin_export(); }
 
   const FontEditor& editor() const { return editor_; }
 
@@ -50,7 +50,7 @@ class CDlgFontMaker : public QWidget, public Page {
   void paste_glyph();
 
   void import_export();
-  void write_export() const;
+  void begin_export();
 
   Task<> open_font_file();
   Task<> save_font_file();

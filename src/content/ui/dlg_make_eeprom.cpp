@@ -84,8 +84,9 @@ Task<> CDlgMakeEeprom::make_image() {
     co_await host_.prompts().message(warning("Error!!  Any File is not assigned.."));
     co_return;
   }
-  const FlashFiles files{typed_path(firmware_), typed_path(font_), typed_path(user_)};
-  auto build = build_flash_image(files);
+  FlashFiles files{typed_path(firmware_), typed_path(font_), typed_path(user_)};
+  std::function<FlashBuild()> work = [files = std::move(files)] { return build_flash_image(files); };
+  auto build = co_await host_.background().run<FlashBuild>(std::move(work));
   if (build.ok()) {
     co_await save_image(std::move(build.image));
   } else {
@@ -98,7 +99,10 @@ Task<> CDlgMakeEeprom::save_image(std::string image) {
   FileChoice choice{"Binary(*.bin)|*.bin", "bin", ".bin"};
   const auto path = co_await host_.prompts().choose_save(std::move(choice));
   if (path) {
-    const auto written = write_file_atomically(*path, image);
+    std::function<FileResult()> work = [path = *path, image = std::move(image)] {
+      return write_file_atomically(path, image);
+    };
+    const auto written = co_await host_.background().run<FileResult>(std::move(work));
     if (!written.ok()) host_.show_status(written.text);
   } else {
     co_await host_.prompts().message(warning("Flash file generation error"));
