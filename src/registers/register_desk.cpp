@@ -55,6 +55,8 @@ void RegisterDesk::show_current() {
 
 void RegisterDesk::select_row(int row) {
   if (!sheet_.select_row(row)) return;
+  // A reply still on its way belongs to the register before, also where this one cannot be read.
+  read_.cancel();
   show_current();
   read();
 }

@@ -85,6 +85,19 @@ TEST_F(RegisterDeskTest, SelectingAnotherRowReadsIt) {
   EXPECT_EQ(stored(2), 0x51);
 }
 
+TEST_F(RegisterDeskTest, AReplyUnderWayNeverLandsOnARegisterThatCannotBeRead) {
+  open(uR"(<isp chip="QV5123"><category catname="C">
+<reg regname="A" addr="0xF800" write="W" reset="0x00"></reg>
+<reg regname="NONE" addr="0x0000" write="W" reset="0x00"></reg></category>)");
+  ASSERT_EQ(sheet().rows(), 2u);
+  wire_.advance(100);
+  ASSERT_TRUE(desk_->reading());
+  desk_->select_row(1);
+  wire_.advance(500);
+  EXPECT_EQ(stored(1), -1);
+  EXPECT_EQ(sheet().value_cell(1), sheet().value_cell(0)) << "neither is known";
+}
+
 TEST_F(RegisterDeskTest, AddressZeroOrNoneIsNeitherReadNorWritten) {
   open();
   wire_.advance(200);
