@@ -179,8 +179,8 @@ Task<std::optional<BlockImage>> ImageTransfer::choose_image(TransferKind kind) {
   choice.filter = style_of(kind).filter;
   choice.default_extension = style_of(kind).extension;
   std::optional<std::filesystem::path> path = co_await prompts_.choose_open(std::move(choice));
+  if (kind == TransferKind::user_data) co_return co_await read_user_data(std::move(path));
   if (!path) co_return std::nullopt;
-  if (kind == TransferKind::user_data) co_return co_await read_user_data(std::move(*path));
   co_return co_await read_binary(std::move(*path));
 }
 
@@ -199,11 +199,14 @@ Task<std::optional<BlockImage>> ImageTransfer::read_binary(std::filesystem::path
   co_return blocks_of({reinterpret_cast<const std::uint8_t*>(file.bytes.data()), file.bytes.size()});
 }
 
-Task<std::optional<BlockImage>> ImageTransfer::read_user_data(std::filesystem::path path) {
-  const FileResult result = co_await read_setting_file(background_, path, document_.user_data);
-  if (!result.ok()) {
-    co_await warn(result.text);
-    co_return std::nullopt;
+Task<std::optional<BlockImage>> ImageTransfer::read_user_data(std::optional<std::filesystem::path> path) {
+  // A file only replaces the image. Without one the image is sent as it is.
+  if (path) {
+    const FileResult result = co_await read_setting_file(background_, *path, document_.user_data);
+    if (!result.ok()) {
+      co_await warn(result.text);
+      co_return std::nullopt;
+    }
   }
   co_return blocks_of(document_.user_data.bytes());
 }

@@ -39,7 +39,8 @@ class ImageTransfer {
   ImageTransfer(const ImageTransfer&) = delete;
   ImageTransfer& operator=(const ImageTransfer&) = delete;
 
-  /// One transfer from its button to its end. Waits for transfers that were begun before.
+  /// One transfer from its button to its end. Waits for transfers that were begun before. User data for which
+  /// no file is chosen is sent as the image holds it; other images are not sent without a file.
   Task<TransferEnd> run(TransferKind kind);
 
   /// Asks the transfer to end at the next boundary between blocks. The announced number of blocks is then
@@ -55,7 +56,7 @@ class ImageTransfer {
 
   Task<std::optional<BlockImage>> choose_image(TransferKind kind);
   Task<std::optional<BlockImage>> read_binary(std::filesystem::path path);
-  Task<std::optional<BlockImage>> read_user_data(std::filesystem::path path);
+  Task<std::optional<BlockImage>> read_user_data(std::optional<std::filesystem::path> path);
   Task<> warn(std::string text);
   Task<TransferEnd> send_image(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image);
   Task<TransferEnd> end_cancelled(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image,

@@ -98,6 +98,16 @@ TEST_F(ImageTransferTest, SystemSendsTheChosenSettingFile) {
   EXPECT_EQ(doc.setting_file, "remembered.dat");
 }
 
+TEST_F(ImageTransferTest, SystemWithoutAFileSendsThePresentImage) {
+  doc.user_data.set_entry(0, 3);
+  press(TransferKind::user_data);
+  run_to_end();
+  ASSERT_EQ(sent().size(), 7u);
+  EXPECT_EQ(sent()[2], "\x03" + std::string(255, '\0'));
+  EXPECT_EQ(sent()[6], std::string(1, 4 ^ 3));
+  EXPECT_EQ(end, TransferEnd::sent);
+}
+
 TEST_F(ImageTransferTest, NothingFollowsTheLetterWithoutAGoodFile) {
   std::ofstream(folder.path() / "large.bin") << std::string(65537, 'x');
   user.paths = {std::nullopt, folder.path(), folder.path() / "large.bin", folder.path() / "gone.dat"};

@@ -158,8 +158,11 @@ void ControlColumn::add_download_box(QBoxLayout& column) {
                             &ControlColumn::download_firmware));
   buttons->addWidget(button(tr("FONT"), tr("Send a font image of at most 65536 bytes to the chip"),
                             &ControlColumn::download_font));
-  buttons->addWidget(button(tr("System"), tr("Send a setting file's 1024 bytes of user data to the chip"),
-                            &ControlColumn::send_user_data));
+  buttons->addWidget(
+      button(tr("System"),
+             tr("Send 1024 bytes of user data to the chip: those of the setting file that is chosen, or with "
+                "Cancel in the chooser the present ones"),
+             &ControlColumn::send_user_data));
   rows->addLayout(buttons);
   auto* state = new QHBoxLayout;
   progress_ = new QProgressBar(box);
