@@ -88,8 +88,12 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
         " blocks of 256 bytes and a checksum");
   }
 
+  /// Resolved with whether to go on once the wire is held, or as soon as the transfer is given up.
+  const Resolver<bool>& turn() const { return turn_; }
+
   void cancel() {
     ++cancels_;
+    turn_.resolve(false);
     if (sending_) link_.cancel_running_job();
   }
   bool cancelled() const { return cancels_ > 0; }
@@ -137,6 +141,7 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
   TransferKind kind_;
   CommandLink& link_;
   const TransferView view_;
+  Resolver<bool> turn_;
   std::size_t block_count_ = 0;
   std::chrono::milliseconds started_{0};
   int cancels_ = 0;
@@ -148,13 +153,43 @@ ImageTransfer::ImageTransfer(CommandLink& link, CQV5123Doc& document, Prompts& p
     : link_(link), document_(document), prompts_(prompts), background_(background), view_(std::move(view)) {}
 
 void ImageTransfer::cancel() {
-  if (const auto transfer = current_.lock()) transfer->cancel();
+  for (const auto& begun : begun_) {
+    if (const auto transfer = begun.lock()) return transfer->cancel();
+  }
+}
+
+namespace {
+
+Task<> take_hold(CommandLink& link, std::optional<CommandLink::Hold>& hold, Resolver<bool> taken) {
+  hold.emplace(co_await link.hold());
+  // Posted, since who waits for it ends this flow.
+  link.scheduler().post([taken] { taken.resolve(true); });
+}
+
+}  // namespace
+
+Task<std::optional<CommandLink::Hold>> ImageTransfer::wait_for_hold(Transfer& transfer) {
+  std::optional<CommandLink::Hold> hold;
+  const Flow taking(take_hold(link_, hold, transfer.turn()));
+  if (!hold && !co_await transfer.turn().pending()) co_return std::nullopt;
+  co_return std::move(hold);
 }
 
 Task<TransferEnd> ImageTransfer::run(TransferKind kind) {
-  // The chip takes whatever follows the letter as part of the image, so the wire is held from there on.
-  CommandLink::Hold hold = co_await link_.hold();
   const auto transfer = std::make_shared<Transfer>(kind, link_, view_);
+  std::erase_if(begun_, [](const auto& begun) { return begun.expired(); });
+  begun_.push_back(transfer);
+  // The chip takes whatever follows the letter as part of the image, so the wire is held from there on.
+  std::optional<CommandLink::Hold> hold = co_await wait_for_hold(*transfer);
+  if (!hold) {
+    transfer->say("cancelled before its turn: nothing was sent");
+    co_return TransferEnd::cancelled;
+  }
+  co_return co_await send_letter(std::move(*hold), transfer);
+}
+
+Task<TransferEnd> ImageTransfer::send_letter(CommandLink::Hold hold, std::shared_ptr<Transfer> transfer) {
+  const TransferKind kind = transfer->kind();
   current_ = transfer;
   view_.set_progress(0);
   view_.show_progress_text("");

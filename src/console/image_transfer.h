@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "console/document.h"
 #include "console/image_blocks.h"
@@ -45,7 +46,8 @@ class ImageTransfer {
 
   /// Asks the transfer to end at the next boundary between blocks. The announced number of blocks is then
   /// filled up with 0xFF and closed with a wrong checksum, so that the chip rejects the image and takes
-  /// commands again. Asked a second time, it ends there and the console says what the chip still expects.
+  /// commands again. Asked a second time, it ends there and the console says what the chip still expects. One
+  /// that still waits for its turn is given up at once and sends nothing.
   void cancel();
 
   /// From the command letter to the end.
@@ -54,6 +56,8 @@ class ImageTransfer {
  private:
   class Transfer;
 
+  Task<std::optional<CommandLink::Hold>> wait_for_hold(Transfer& transfer);
+  Task<TransferEnd> send_letter(CommandLink::Hold hold, std::shared_ptr<Transfer> transfer);
   Task<std::optional<BlockImage>> choose_image(TransferKind kind);
   Task<std::optional<BlockImage>> read_binary(std::filesystem::path path);
   Task<std::optional<BlockImage>> read_user_data(std::optional<std::filesystem::path> path);
@@ -68,6 +72,7 @@ class ImageTransfer {
   Background& background_;
   TransferView view_;
   std::weak_ptr<Transfer> current_;
+  std::vector<std::weak_ptr<Transfer>> begun_;  // by the order of their buttons; the first is the current one
 };
 
 }  // namespace qv5123

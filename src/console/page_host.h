@@ -49,8 +49,8 @@ class Page {
   virtual ~Page() = default;
   /// Copies the page's values into the user data image. The main form writes the file afterwards.
   virtual void save_to_user_data() {}
-  /// Whether "Save File..." writes the remembered setting file once this page has saved, before it asks for the
-  /// file to write.
+  /// Whether "Save File..." writes the remembered setting file once this page has saved, before it asks for
+  /// the file to write.
   virtual bool save_writes_file() const { return false; }
   /// Takes the page's values from the user data image.
   virtual void reload_from_user_data() {}

@@ -18,8 +18,9 @@ class Background {
  public:
   virtual ~Background() = default;
 
-  /// Begins `work` now, whether the task that awaits it lives on or not, and resumes on the scheduler's thread
-  /// with what it returned. `work` must not throw and must not touch what the scheduler's thread changes.
+  /// Begins `work` now, whether the task that awaits it lives on or not, and resumes on the scheduler's
+  /// thread with what it returned. `work` must not throw and must not touch what the scheduler's thread
+  /// changes.
   template <class T>
   Task<T> run(std::function<T()> work) {
     const Resolver<T> done;

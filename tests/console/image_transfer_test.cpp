@@ -160,6 +160,21 @@ TEST_F(ImageTransferTest, CancelEndsAsTheChipCanTake) {
   transfer.cancel();  // nothing runs
 }
 
+TEST_F(ImageTransferTest, CancelWhileItWaitsForItsTurnSendsNothing) {
+  std::optional<CommandLink::Hold> other;
+  flows.spawn([](CommandLink& link, std::optional<CommandLink::Hold>& hold) -> Task<> {
+    hold.emplace(co_await link.hold());
+  }(wire.link, other));
+  press(TransferKind::firmware);
+  press(TransferKind::font);
+  transfer.cancel();
+  EXPECT_EQ(end, TransferEnd::cancelled);
+  EXPECT_EQ(console, "\r\n< FIRMWARE cancelled before its turn: nothing was sent >");
+  other.reset();
+  run_to_end();
+  EXPECT_THAT(sent(), ElementsAre("C")) << "the one behind it has its turn";
+}
+
 TEST_F(ImageTransferTest, CancelTwiceStopsAndSaysWhatTheChipExpects) {
   user.paths = {folder.write("font.bin", std::string(1024, 'f'))};
   press(TransferKind::font);

@@ -218,7 +218,8 @@ TEST_F(SettingFilesTest, WhatIsWrittenIsTheImageAtTheTimeOfTheSaveAndExitWaitsFo
   work.busy = true;
   user.answers = {Answer::yes};
   bool ends = false;
-  const Flow exit([](SettingFiles& files, bool& ends) -> Task<> { ends = co_await files.may_exit(); }(files, ends));
+  const Flow exit(
+      [](SettingFiles& files, bool& ends) -> Task<> { ends = co_await files.may_exit(); }(files, ends));
   doc.user_data.set_entry(0, 99);
   EXPECT_FALSE(ends);
   work.catch_up();

@@ -173,8 +173,10 @@ void ControlColumn::add_download_box(QBoxLayout& column) {
   progress_->setToolTip(tr("How much of the image has been sent, in percent"));
   state->addWidget(progress_, 1);
   state->addWidget(new QLabel(tr("Progressing . . ."), box));
-  cancel_ = button(tr("Cancel"), tr("End the transfer after the block that is being sent"),
-                   &ControlColumn::cancel_transfer);
+  cancel_ =
+      button(tr("Cancel"),
+             tr("End the transfer after the block that is being sent; one that waits for its turn, at once"),
+             &ControlColumn::cancel_transfer);
   cancel_->setAccessibleName(tr("Cancel download"));
   cancel_->setEnabled(false);
   state->addWidget(cancel_);
