@@ -60,6 +60,7 @@ CQV5123View::CQV5123View(CommandLink& link, Prompts& prompts, Background& backgr
 
 CQV5123View::~CQV5123View() {
   exit_.cancel();
+  port_change_.cancel();
   flows_.cancel();
   // The pages' own flows use this form, so they go before it does.
   delete pages_;
@@ -156,7 +157,8 @@ Task<> CQV5123View::load_file(std::optional<std::filesystem::path> path) {
 }
 
 void CQV5123View::change_port() {
-  if (port_) flows_.spawn(port_->change());
+  // Until its dialog is there the button can be clicked again.
+  if (port_ && !port_change_.running()) port_change_.start(port_->change());
 }
 
 void CQV5123View::close_serial() {

@@ -111,6 +111,7 @@ class CQV5123View final : public QWidget, public PageHost {
   bool starting_ = false;
   // Last, so that what waits ends before anything it uses.
   FlowSet flows_;
+  Flow port_change_;
   Flow exit_;
 };
 

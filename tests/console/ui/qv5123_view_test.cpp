@@ -213,6 +213,8 @@ struct PortBench : ViewBench {
   std::optional<PortSettings> choice;
   std::vector<PortSettings> stored;
   int closed = 0;
+  int dialogs = 0;
+  bool user_thinks = false;
 
   explicit PortBench(int number) {
     PortSettings settings;
@@ -224,7 +226,11 @@ struct PortBench : ViewBench {
       co_return result;
     };
     around.close = [this] { ++closed; };
-    around.choose = [this](PortSettings) -> Task<std::optional<PortSettings>> { co_return choice; };
+    around.choose = [this](PortSettings) -> Task<std::optional<PortSettings>> {
+      ++dialogs;
+      if (user_thinks) co_await Delay(wire.scheduler, std::chrono::seconds(1));
+      co_return choice;
+    };
     around.store = [this](const PortSettings& settings) { stored.push_back(settings); };
     view->use_port(settings, std::move(around));
   }
@@ -274,6 +280,15 @@ TEST(MainFormStart, APortThatFailsLeavesTheWindowUsableAndCanBeChanged) {
   EXPECT_EQ(bench.opened.back(), "COM4");
   EXPECT_EQ(bench.stored, std::vector{*bench.choice});
   EXPECT_EQ(bench.console(), "COM3 open fail \nCOM4 open ! \n");
+
+  bench.dialogs = 0;
+  bench.user_thinks = true;
+  bench.click("Change COM Port...");
+  bench.click("Change COM Port...");
+  EXPECT_EQ(bench.dialogs, 1) << "one dialog at a time";
+  bench.wire.advance(1000);
+  bench.click("Change COM Port...");
+  EXPECT_EQ(bench.dialogs, 2);
 }
 
 }  // namespace
