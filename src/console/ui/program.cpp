@@ -32,6 +32,7 @@ Program::Program(ProgramOptions options, AppSettings settings, Parts parts)
 }
 
 Program::~Program() {
+  trouble_.cancel();
   flows_.cancel();
   // Its flows own dialogs that the frame would delete as well.
   delete view_;
@@ -46,10 +47,12 @@ PortSessionEvents Program::session_events() {
     if (view_) view_->show_status(text);
   };
   events.trouble = [this](const std::string& text) {
+    // A flood says the same again and again; once it is read it may say it once more.
+    if (trouble_.running()) return;
     Message message;
     message.text = text;
     message.icon = Message::Icon::warning;
-    flows_.spawn(prompts_->message(std::move(message)));
+    trouble_.start(prompts_->message(std::move(message)));
   };
   events.connected = [this](bool connected) {
     if (frame_) frame_->show_connected(connected);

@@ -75,6 +75,7 @@ class Program {
   CQV5123View* view_ = nullptr;  // the frame's
   std::unique_ptr<HelpWindow> help_;
   FlowSet flows_;
+  Flow trouble_;
 };
 
 }  // namespace qv5123
