@@ -11,6 +11,7 @@
 #include "link/open_error.h"
 #include "link/open_port_win32.h"
 #include "link/port_list.h"
+#include "link/port_name.h"
 #include "link/text_win32.h"
 
 namespace qv5123 {
@@ -70,8 +71,8 @@ std::vector<PortInfo> list_ports() {
 OpenResult probe_port(const std::string& device) {
   if (device.empty()) return open_error(OpenError::not_found, device);
   constexpr DWORD kNoAccess = 0;
-  const Handle port(CreateFileW(to_wide(device).c_str(), kNoAccess, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                nullptr, OPEN_EXISTING, 0, nullptr));
+  const Handle port(CreateFileW(to_wide(openable_name(device)).c_str(), kNoAccess,
+                                FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
   return port ? OpenResult{} : system_error(GetLastError(), device);
 }
 

@@ -8,6 +8,15 @@ std::string comm_device_name(int port) {
   return (port < 10 ? "COM" : "\\\\.\\COM") + std::to_string(port);
 }
 
+std::string openable_name(const std::string& name) {
+  const auto is = [&name](std::size_t at, char upper) { return (name[at] & ~0x20) == upper; };
+  if (name.size() < 4 || !is(0, 'C') || !is(1, 'O') || !is(2, 'M')) return name;
+  int number = 0;
+  const char* end = name.data() + name.size();
+  const auto parsed = std::from_chars(name.data() + 3, end, number);
+  return parsed.ec == std::errc() && parsed.ptr == end && number > 0 ? comm_device_name(number) : name;
+}
+
 std::optional<int> port_number_from_name(std::string_view name) {
   constexpr std::string_view kPrefix = "COM";
   const std::size_t at = name.find(kPrefix);

@@ -10,6 +10,10 @@ namespace qv5123 {
 /// short form is only known for single digits.
 std::string comm_device_name(int port);
 
+/// What Windows opens for a name that a person types: comm_device_name() for "COM" and a number alone, in any
+/// case; every other name as it is.
+std::string openable_name(const std::string& name);
+
 /// The number that follows the first "COM" in `name`; none when there is no "COM", no number after it, or
 /// the number is beyond int.
 std::optional<int> port_number_from_name(std::string_view name);

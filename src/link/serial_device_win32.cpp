@@ -7,6 +7,7 @@
 #include "link/line_settings.h"
 #include "link/open_error.h"
 #include "link/open_port_win32.h"
+#include "link/port_name.h"
 #include "link/serial_line_win32.h"
 #include "link/system_serial_device.h"
 #include "link/text_win32.h"
@@ -83,8 +84,8 @@ bool Win32SerialDevice::create_events() {
 
 bool Win32SerialDevice::open_handle(const std::string& name) {
   constexpr DWORD kNotShared = 0;
-  port_ = Handle(CreateFileW(to_wide(name).c_str(), GENERIC_READ | GENERIC_WRITE, kNotShared, nullptr,
-                             OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr));
+  port_ = Handle(CreateFileW(to_wide(openable_name(name)).c_str(), GENERIC_READ | GENERIC_WRITE, kNotShared,
+                             nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr));
   return static_cast<bool>(port_);
 }
 

@@ -19,6 +19,13 @@ TEST(PortName, TakesTheDevicePathFormFromTen) {
   EXPECT_EQ(comm_device_name(256), R"(\\.\COM256)");
 }
 
+TEST(PortName, ATypedNameOpensWithOrWithoutTheDevicePath) {
+  EXPECT_EQ(openable_name("COM12"), R"(\\.\COM12)");
+  EXPECT_EQ(openable_name("com3"), "COM3");
+  for (const char* same : {"", "COM", R"(\\.\COM12)", "COM12x", "COM-1", "COM0", "/dev/ttyUSB0", "CNCA0"})
+    EXPECT_EQ(openable_name(same), same);
+}
+
 TEST(PortName, ItsNumberFollowsTheFirstCom) {
   EXPECT_EQ(port_number_from_name("COM12"), 12);
   EXPECT_EQ(port_number_from_name(R"(\\.\COM7)"), 7);

@@ -96,8 +96,14 @@ Task<OpenResult> Program::probe(std::string device) {
   co_return co_await ports_.run<OpenResult>(std::move(work));
 }
 
+Task<OpenResult> Program::probe_chosen(std::string device) {
+  // The port that is open here is closed before it is opened anew; Windows would call it busy.
+  if (session_.connected() && session_.name() == device) co_return OpenResult{};
+  co_return co_await probe(std::move(device));
+}
+
 std::unique_ptr<QDialog> Program::make_port_dialog(std::vector<PortInfo> ports, const PortSettings& current) {
-  const auto probe_one = [this](std::string device) { return probe(std::move(device)); };
+  const auto probe_one = [this](std::string device) { return probe_chosen(std::move(device)); };
   return std::make_unique<CSerialPortSetting>(std::move(ports), current, probe_one, frame_.get());
 }
 

@@ -54,6 +54,7 @@ class Program {
   Task<> run();
   Task<PortSettings> initial_port();
   Task<OpenResult> probe(std::string device);
+  Task<OpenResult> probe_chosen(std::string device);
   std::unique_ptr<QDialog> make_port_dialog(std::vector<PortInfo> ports, const PortSettings& current);
   Task<std::optional<PortSettings>> choose_port(PortSettings current);
   void open_window(PortSettings port);
