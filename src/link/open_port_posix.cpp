@@ -37,11 +37,14 @@ std::string permission_remedy(const std::string& name) {
          " $USER\", log out and in again, then open the port again.";
 }
 
+std::string words_of(const PortHolder& holder) {
+  if (holder.pid == getpid()) return "this program";
+  return holder.program + " (process " + std::to_string(holder.pid) + ")";
+}
+
 std::string holder_words(const std::string& name) {
   const std::optional<PortHolder> holder = find_port_holder(name);
-  if (!holder) return {};
-  if (holder->pid == getpid()) return "this program";
-  return holder->program + " (process " + std::to_string(holder->pid) + ")";
+  return holder ? words_of(*holder) : std::string();
 }
 
 OpenResult busy(const std::string& name) {
@@ -60,6 +63,9 @@ bool is_pseudo_terminal(const struct stat& status) {
 /// only.
 OpenResult take_exclusively(int fd, const struct stat& status, const std::string& name) {
   if (flock(fd, LOCK_EX | LOCK_NB) != 0) return busy(name);
+  // Programs that ask for no lock hold the port all the same.
+  const std::optional<PortHolder> holder = find_port_holder(name);
+  if (holder && holder->pid != getpid()) return open_error(OpenError::busy, name, words_of(*holder));
   if (!is_pseudo_terminal(status)) ioctl(fd, TIOCEXCL);
   return {};
 }

@@ -1,5 +1,7 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -162,6 +164,31 @@ TEST_F(PosixPorts, ThePortThisProgramHoldsIsBusyToOpenButFreeToChoose) {
   EXPECT_TRUE(probe_port(link).ok());
   line.hang_up();
   EXPECT_EQ(probe_port(link).error, OpenError::not_found);
+}
+
+TEST_F(PosixPorts, AHolderThatDoesNotLockIsFoundAndNamed) {
+  fs::create_directories(root_);
+  const std::string link = root_ / "port";
+  const PtyLine line(link);
+  int held[2], release[2];
+  ASSERT_EQ(pipe(held) | pipe(release), 0);
+  const pid_t holder = fork();
+  if (holder == 0) {
+    char byte = open(link.c_str(), O_RDWR | O_NOCTTY) < 0;
+    if (write(held[1], &byte, 1) == 1) close(release[1]);
+    _exit(static_cast<int>(read(release[0], &byte, 1)));
+  }
+  char failed = 1;
+  ASSERT_EQ(read(held[0], &failed, 1), 1);
+  ASSERT_EQ(failed, 0);
+  const OpenResult opened = make_serial_device()->open(link, {});
+  const OpenResult probed = probe_port(link);
+  for (const int end : {held[0], held[1], release[0], release[1]}) close(end);
+  waitpid(holder, nullptr, 0);
+  EXPECT_EQ(opened.error, OpenError::busy);
+  EXPECT_NE(opened.text.find("(process " + std::to_string(holder) + ")"), std::string::npos) << opened.text;
+  EXPECT_EQ(probed.text, opened.text);
+  EXPECT_TRUE(probe_port(link).ok()) << "it has ended";
 }
 
 }  // namespace
