@@ -93,6 +93,11 @@ void HexEdit::step(int direction) {
 }
 
 void HexEdit::normalise() {
+  // Fewer digits than the edit holds are a number of their own, not the first digits of a larger one.
+  if (text_.size() < 2 + static_cast<std::size_t>(digits_)) {
+    number_ = std::max(ParseRegAddress(text_), 0);
+    return show_number();
+  }
   for (int i = 2; i < 2 + digits_; ++i) {
     const int c = i < static_cast<int>(text_.size()) ? text_[static_cast<std::size_t>(i)] : u'0';
     number_ = i == 2 ? 0 : number_ * 16;

@@ -106,6 +106,12 @@ TEST(HexEdit, AForeignTextTakesTheEditsFormWithTheNextKey) {
   EXPECT_EQ(edit.number(), -1);
   edit.press('2', 3);
   EXPECT_EQ(edit.text(), u"0x0200");
+  edit.set_text(u"0xA5");
+  edit.press('1', 5);
+  EXPECT_EQ(edit.text(), u"0x00A1") << "the number that stood there, not 0xA500";
+  edit.set_text(u"0xA5");
+  edit.press(key::kDelete, 2);
+  EXPECT_EQ(edit.number(), 0xA5);
   edit.set_text(u"");
   type(edit, 0, "fa");
   EXPECT_EQ(edit.text(), u"0xFA00") << "an emptied edit can be typed into";
