@@ -57,24 +57,32 @@ void ConsoleView::show_slice() {
   slice.start();
   while (to_drop_ > 0 && slice.elapsed() < kSliceMs) drop_some();
   while (shown_ < queued_.size() && slice.elapsed() < kSliceMs) append_some();
-  if (shown_ == queued_.size()) {
-    queued_.clear();
-    shown_ = 0;
-  }
+  forget_shown();
   verticalScrollBar()->setValue(verticalScrollBar()->maximum());
   request_turn();
+}
+
+// By halves, so that under a steady stream the queue neither grows nor is moved for every slice.
+void ConsoleView::forget_shown() {
+  if (shown_ <= queued_.size() / 2) return;
+  queued_.remove(0, shown_);
+  shown_ = 0;
 }
 
 void ConsoleView::append_some() {
   QTextCursor cursor(document());
   cursor.movePosition(QTextCursor::End);
-  const qsizetype room = std::min<qsizetype>(kStep, kLongestLine - column_);
+  const bool ends_here = queued_[shown_] == u'\n';
+  if (column_ >= kLongestLine && !ends_here) break_line(cursor);
+  const qsizetype room = std::clamp<qsizetype>(kLongestLine - column_, 1, kStep);
   QStringView piece = QStringView(queued_).sliced(shown_, std::min(room, queued_.size() - shown_));
   const qsizetype last_end = piece.lastIndexOf(u'\n');
   cursor.insertText(piece.toString());
   shown_ += piece.size();
   column_ = static_cast<int>(last_end < 0 ? column_ + piece.size() : piece.size() - 1 - last_end);
-  if (column_ < kLongestLine) return;
+}
+
+void ConsoleView::break_line(QTextCursor& cursor) {
   cursor.insertBlock();
   cursor.block().setUserState(kContinued);
   column_ = 0;

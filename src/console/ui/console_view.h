@@ -29,7 +29,9 @@ class ConsoleView final : public QPlainTextEdit {
  private:
   void request_turn();
   void show_slice();
+  void forget_shown();
   void append_some();
+  void break_line(QTextCursor& cursor);
   void drop_some();
   void drop_blocks(QTextCursor& cursor);
 

@@ -51,6 +51,14 @@ TEST(ConsoleView, BreaksALineThatNeverEndsAndStillDropsByTheText) {
   EXPECT_EQ(shown(view), broken);
   view.apply({false, 2 * ConsoleView::kLongestLine + 2, ""});
   EXPECT_EQ(shown(view), "xxx");
+
+  ConsoleView exact;
+  exact.apply({false, 0, line});
+  EXPECT_EQ(shown(exact), line);
+  exact.apply({false, 0, "\nnext"});
+  EXPECT_EQ(shown(exact), line + "\nnext") << "a line that just fits is not broken";
+  exact.apply({false, ConsoleView::kLongestLine + 1, ""});
+  EXPECT_EQ(shown(exact), "next");
 }
 
 }  // namespace
