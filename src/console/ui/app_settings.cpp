@@ -15,9 +15,12 @@ QString key_of(const std::string& name) {
 
 }  // namespace
 
-std::optional<PortSettings> AppSettings::port() const {
+bool AppSettings::has_port() const {
+  return store_.value(key_of(kPortNumberKey), -1).toLongLong() != -1;
+}
+
+PortSettings AppSettings::port() const {
   StoredNumbers numbers = stored_numbers(PortSettings{});
-  if (!store_.contains(key_of(kPortNumberKey))) return std::nullopt;
   numbers[kDebugKey] = 0;
   StoredNumbers stored;
   for (const auto& [name, unused] : numbers) {

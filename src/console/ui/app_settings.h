@@ -1,7 +1,5 @@
 #pragma once
 
-#include <optional>
-
 #include "link/port_settings.h"
 
 class QSettings;
@@ -13,8 +11,10 @@ class AppSettings {
  public:
   explicit AppSettings(QSettings& store) : store_(store) {}
 
-  /// The stored port settings; nothing when "PortNumber" was never stored.
-  std::optional<PortSettings> port() const;
+  /// Whether a port was ever stored; "PortNumber" is -1 where none was.
+  bool has_port() const;
+  /// The stored port settings, each with its default where it was never stored.
+  PortSettings port() const;
   /// Stores everything but "Debug", which only a person sets.
   void store_port(const PortSettings& settings);
   /// Non-zero: the port dialog is not forced at the start.

@@ -77,7 +77,7 @@ std::optional<PortSettings> fixed_port(const ProgramOptions& options, const AppS
     port.description = simulated_port().name;
     return port;
   }
-  port = settings.port().value_or(port);
+  port = settings.port();
   port.device = *options.port;
   port.number = port_number_from_name(*options.port).value_or(port.number);
   port.description = *options.port;

@@ -76,14 +76,13 @@ Task<> Program::run() {
 
 Task<PortSettings> Program::initial_port() {
   if (parts_.fixed_port) co_return *parts_.fixed_port;
-  const std::optional<PortSettings> stored = settings_.port();
-  if (stored) {
-    const OpenResult probed = co_await probe(device_name(*stored));
-    if (probed.ok()) co_return *stored;
+  const PortSettings stored = settings_.port();
+  if (settings_.has_port()) {
+    const OpenResult probed = co_await probe(device_name(stored));
+    if (probed.ok()) co_return stored;
   }
-  const PortSettings shown = stored.value_or(PortSettings{});
-  if (settings_.debug() != 0) co_return shown;
-  const std::optional<PortSettings> chosen = co_await choose_port(shown);
+  if (settings_.debug() != 0) co_return stored;
+  const std::optional<PortSettings> chosen = co_await choose_port(stored);
   if (!chosen) co_return PortSettings{};
   store_port(*chosen);
   co_return *chosen;

@@ -59,7 +59,13 @@ TEST(AppSettings, KeepThePortUnderTheNamesOfItsSection) {
   const test::TemporaryFolder folder;
   QSettings store(QString::fromStdString((folder.path() / "settings.ini").string()), QSettings::IniFormat);
   AppSettings settings(store);
-  EXPECT_EQ(settings.port(), std::nullopt);
+  EXPECT_FALSE(settings.has_port());
+  EXPECT_EQ(settings.port(), PortSettings{});
+  store.setValue("COMSetting/PortNumber", -1);
+  store.setValue("COMSetting/BaudRate", 9600);
+  EXPECT_FALSE(settings.has_port());
+  EXPECT_EQ(settings.port().line.baud_rate, 9600u) << "the other values count without a port as well";
+  EXPECT_EQ(settings.port().number, 1);
   EXPECT_EQ(settings.debug(), 0);
   PortSettings port;
   port.number = 7;
@@ -67,6 +73,7 @@ TEST(AppSettings, KeepThePortUnderTheNamesOfItsSection) {
   port.description = "Gerät";
   port.line = {19200, 7, 1, 3, 6};
   settings.store_port(port);
+  EXPECT_TRUE(settings.has_port());
   EXPECT_EQ(settings.port(), port);
   EXPECT_EQ(store.value("COMSetting/PortNumber"), 7);
   EXPECT_EQ(store.value("COMSetting/StopBits"), 1);
@@ -76,8 +83,8 @@ TEST(AppSettings, KeepThePortUnderTheNamesOfItsSection) {
   store.setValue("COMSetting/BaudRate", 0);
   store.setValue("COMSetting/DataBits", "garbage");
   store.setValue("COMSetting/Debug", 1);
-  EXPECT_EQ(settings.port()->line.baud_rate, 19200u);
-  EXPECT_EQ(settings.port()->line.data_bits, 8);
+  EXPECT_EQ(settings.port().line.baud_rate, 19200u);
+  EXPECT_EQ(settings.port().line.data_bits, 8);
   EXPECT_EQ(settings.debug(), 1);
 }
 
