@@ -120,7 +120,9 @@ Task<std::optional<std::filesystem::path>> QtPrompts::choose(FileChoice choice, 
   chooser->setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   chooser->setNameFilters(name_filters(choice.filter));
   chooser->setDefaultSuffix(to_qt(choice.default_extension));
-  if (!choice.initial_name.empty()) chooser->selectFile(to_qt(choice.initial_name));
+  // A pattern is no name for a new file: taken as it stands it would make one that is called so.
+  const bool pattern = choice.initial_name.find('*') != std::string::npos;
+  if (!choice.initial_name.empty() && !(save && pattern)) chooser->selectFile(to_qt(choice.initial_name));
   const int result = co_await dialog.finished();
   const QStringList files = chooser->selectedFiles();
   if (result != QDialog::Accepted || files.isEmpty()) co_return std::nullopt;

@@ -68,6 +68,10 @@ TEST(QtPrompts, ChoosersOfferTheFiltersInTheCurrentFolder) {
   EXPECT_EQ(chooser->acceptMode(), QFileDialog::AcceptSave);
   EXPECT_EQ(chooser->defaultSuffix(), "dat");
   EXPECT_FALSE(chooser->testOption(QFileDialog::DontConfirmOverwrite));
+  EXPECT_EQ(chooser->findChild<QLineEdit*>("fileNameEdit")->text(), "board");
+  flow.start(choose(prompts, true, {"REG Files (*.txt)|*.txt||", "txt", "*.txt"}));
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_EQ(open_dialog<QFileDialog>()->findChild<QLineEdit*>("fileNameEdit")->text(), "");
   flow.start(choose(prompts, false, {"Setting Files (*.dat)|*.dat||", "dat", ""}));
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   EXPECT_EQ(open_dialog<QFileDialog>()->fileMode(), QFileDialog::ExistingFile);
