@@ -10,6 +10,12 @@ const PageEntry& entry_of(PageId id) {
   return kPageEntries[static_cast<std::size_t>(id)];
 }
 
+/// The control that the page itself or the user last chose in it.
+QWidget* chosen_control(QWidget* page) {
+  QWidget* chosen = page->focusWidget();
+  return chosen && chosen->isVisible() && chosen->isEnabled() ? chosen : nullptr;
+}
+
 /// The first control of a page that the tab key stops at.
 QWidget* first_control(QWidget* page) {
   for (QWidget* next = page->nextInFocusChain(); next != page; next = next->nextInFocusChain()) {
@@ -90,7 +96,9 @@ void PageArea::show_slot(const Slot& slot) {
   setCurrentWidget(slot.frame);
   slot.widget->show();  // a page may have hidden itself
   // The keyboard starts where the eye does, on the left; from the page's end it goes on to the column.
-  if (QWidget* first = first_control(slot.widget)) first->setFocus(Qt::OtherFocusReason);
+  QWidget* control = chosen_control(slot.widget);
+  if (!control) control = first_control(slot.widget);
+  if (control) control->setFocus(Qt::OtherFocusReason);
 }
 
 }  // namespace qv5123
