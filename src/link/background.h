@@ -1,14 +1,11 @@
 #pragma once
 
-#include <condition_variable>
-#include <deque>
 #include <functional>
-#include <mutex>
-#include <thread>
 #include <utility>
 
 #include "link/scheduler.h"
 #include "link/task.h"
+#include "link/worker_thread.h"
 
 namespace qv5123 {
 
@@ -43,23 +40,16 @@ class Background {
 };
 
 /// One thread for it. What has been begun is finished before this goes; the scheduler must outlive it.
-class WorkerThread final : public Background {
+class BackgroundThread final : public Background {
  public:
-  explicit WorkerThread(Scheduler& scheduler);
-  ~WorkerThread() override;
-  WorkerThread(const WorkerThread&) = delete;
-  WorkerThread& operator=(const WorkerThread&) = delete;
+  explicit BackgroundThread(Scheduler& scheduler) : scheduler_(scheduler) {}
+  ~BackgroundThread() override { thread_.end_when_done(); }
 
  private:
   void start(std::function<Finish()> work) override;
-  void serve();
 
   Scheduler& scheduler_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  std::deque<std::function<Finish()>> waiting_;  // guarded by mutex_
-  bool ending_ = false;                          // guarded by mutex_
-  std::thread thread_;
+  WorkerThread thread_;
 };
 
 }  // namespace qv5123

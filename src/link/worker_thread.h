@@ -8,7 +8,8 @@
 
 namespace qv5123 {
 
-/// A thread that does one thing after the other. Its end waits for what it is doing and drops the rest.
+/// A thread that does one thing after the other. Its end waits for what it is doing and drops the rest, unless
+/// it was told to end when all is done.
 class WorkerThread {
  public:
   WorkerThread() : thread_([this] { serve(); }) {}
@@ -20,6 +21,8 @@ class WorkerThread {
   void run(std::function<void()> work);
   /// Nothing more is begun from now on.
   void end();
+  /// Lets the thread end once everything that waits is done.
+  void end_when_done();
   bool ending() const;
 
  private:
@@ -29,6 +32,7 @@ class WorkerThread {
   std::condition_variable wake_;
   std::deque<std::function<void()>> work_;
   bool ending_ = false;
+  bool ending_when_done_ = false;
   std::thread thread_;
 };
 

@@ -69,8 +69,7 @@ void RegisterDesk::read() {
 Task<> RegisterDesk::single_read(int address) {
   CommandLink& link = host_.link();
   const CommandLink::Turn turn = co_await link.turn();
-  link.reply().forget();
-  co_await link.send(isp_read_request(address));
+  co_await link.send_request(isp_read_request(address));
   co_await link.delay(kReadWait);
   const auto value = link.reply().take_last_pair();
   if (!value) co_return;

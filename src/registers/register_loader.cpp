@@ -75,8 +75,7 @@ Task<> RegisterLoader::all_sequence() {
 // this request, not to the next one: replies do not say what they answer.
 Task<bool> RegisterLoader::step(int address, std::function<void(int)> take) {
   const CommandLink::Turn turn = co_await link_.turn();
-  link_.reply().forget();
-  co_await link_.send(isp_read_request(address));
+  co_await link_.send_request(isp_read_request(address));
   co_await link_.delay(kReplyWait);
   auto reply = link_.reply().take_last_pair();
   if (reply) take(*reply);

@@ -20,7 +20,7 @@ Task<> note(Background& background, int number, std::vector<int>& seen, std::thr
 
 TEST(Background, WorksInOrderOnAThreadOfItsOwnAndAnswersOnTheSchedulers) {
   LoopScheduler scheduler;
-  WorkerThread background(scheduler);
+  BackgroundThread background(scheduler);
   std::vector<int> seen;
   std::thread::id worker;
   FlowSet flows;
@@ -36,7 +36,7 @@ TEST(Background, WorksInOrderOnAThreadOfItsOwnAndAnswersOnTheSchedulers) {
 TEST(Background, FinishesWhatWasBegunThoughNobodyWaits) {
   LoopScheduler scheduler;
   std::atomic<int> done{0};
-  std::optional<WorkerThread> background(scheduler);
+  std::optional<BackgroundThread> background(scheduler);
   const std::function<int()> work = [&done] { return ++done; };
   for (int i = 0; i < 5; ++i) {
     // Dropped unawaited, and awaited by a flow that is cancelled.

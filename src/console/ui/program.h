@@ -67,8 +67,8 @@ class Program {
   AppSettings settings_;
   Parts parts_;
   QtScheduler scheduler_;
-  WorkerThread ports_{scheduler_};  // looking for ports may take seconds; no file waits for it
-  WorkerThread files_{scheduler_};
+  BackgroundThread ports_{scheduler_};  // looking for ports may take seconds; no file waits for it
+  BackgroundThread files_{scheduler_};
   CQV5123Doc document_;
   std::unique_ptr<Prompts> prompts_;
   PortSession session_;

@@ -139,8 +139,7 @@ void CDlgIspFront::press_get_info() {
 
 Task<> CDlgIspFront::get_info(int address) {
   const CommandLink::Turn turn = co_await link().turn();
-  link().reply().forget();
-  co_await link().send(isp_read_request(address));
+  co_await link().send_request(isp_read_request(address));
   co_await Delay(host().scheduler(), kInfoWait);
   if (const auto reply = link().reply().take_block()) {
     bit_byte_ = reply_byte(*reply, 0);
@@ -186,8 +185,7 @@ void CDlgIspFront::dump() {
 /// A chip may also answer a dump with plain text, which reaches the main console without the page's help.
 Task<> CDlgIspFront::read(Access access, int address, Batch request) {
   const CommandLink::Turn turn = co_await link().turn();
-  link().reply().forget();
-  co_await link().send(std::move(request));
+  co_await link().send_request(std::move(request));
   for (int tick = 0; tick < kReadTicks; ++tick) {
     co_await Delay(host().scheduler(), kReadTick);
     const auto reply = link().reply().take_block();
