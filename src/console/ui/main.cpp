@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "console/parent_console.h"
 #include "console/ui/frame.h"
 #include "console/ui/program.h"
 #include "console/ui/qv5123_app.h"
@@ -140,6 +141,7 @@ Program::Parts program_parts(const ProgramOptions& options, const AppSettings& s
 }  // namespace
 
 int main(int argc, char** argv) {
+  use_parent_console();
   const auto options = early_options(argc, argv);
   if (const auto* end = std::get_if<EndAtOnce>(&options)) return print(*end);
   if (const auto fault = scene_fault(std::get<ProgramOptions>(options))) return print(*fault);

@@ -3,6 +3,8 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
+#include <algorithm>
+#include <iterator>
 
 #include "link/ui/qt_text.h"
 
@@ -58,6 +60,39 @@ ProgramOptions options_of(const QCommandLineParser& parser) {
   return options;
 }
 
+/// What the application object takes by itself, with one dash or two.
+constexpr const char* kToolkitFlags[] = {"reverse", "widgetcount", "nograb", "dograb"};
+/// The same with a value, which follows or stands behind "=".
+constexpr const char* kToolkitValues[] = {
+    "platform", "platformpluginpath", "platformtheme", "plugin", "style",        "stylesheet", "session",
+    "display",  "qwindowgeometry",    "qwindowicon",   "icon",   "qwindowtitle", "title",      "geometry"};
+
+bool is_one_of(const QString& name, const auto& names) {
+  return std::any_of(std::begin(names), std::end(names),
+                     [&name](const char* known) { return name == QLatin1String(known); });
+}
+
+/// How many arguments from `at` on are the toolkit's.
+qsizetype toolkit_arguments(const QStringList& arguments, qsizetype at) {
+  QString name = arguments[at];
+  if (!name.startsWith(u'-')) return 0;
+  name.remove(0, name.startsWith(QLatin1String("--")) ? 2 : 1);
+  if (is_one_of(name, kToolkitFlags)) return 1;
+  if (is_one_of(name, kToolkitValues)) return 2;
+  const qsizetype equals = name.indexOf(u'=');
+  return equals > 0 && is_one_of(name.left(equals), kToolkitValues) ? 1 : 0;
+}
+
+QStringList own_arguments(const QStringList& arguments) {
+  QStringList own;
+  for (qsizetype at = 0; at < arguments.size();) {
+    const qsizetype skipped = at == 0 ? 0 : toolkit_arguments(arguments, at);
+    if (skipped == 0) own << arguments[at];
+    at += std::max<qsizetype>(skipped, 1);
+  }
+  return own;
+}
+
 }  // namespace
 
 std::variant<ProgramOptions, EndAtOnce> read_options(const QStringList& arguments) {
@@ -75,7 +110,7 @@ std::variant<ProgramOptions, EndAtOnce> read_options(const QStringList& argument
        "unless --port is given.",
        "DIR"},
   });
-  if (!parser.parse(arguments)) return complaint(parser.errorText());
+  if (!parser.parse(own_arguments(arguments))) return complaint(parser.errorText());
   if (parser.isSet("help")) return EndAtOnce{parser.helpText(), 0};
   if (parser.isSet("version")) return EndAtOnce{QStringLiteral("QV5123 " QV5123_VERSION "\n"), 0};
   const QString fault = fault_of(parser);

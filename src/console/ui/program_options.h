@@ -24,7 +24,8 @@ struct EndAtOnce {
 };
 
 /// Reads the command line, the program's name included. A setting file must exist; a folder for the tour is
-/// made. Without a port the tour runs on the simulated chip. Needs an application object for the help.
+/// made. Without a port the tour runs on the simulated chip. The window toolkit's own options, such as
+/// "-platform offscreen", are left to the application object. Needs one for the help.
 std::variant<ProgramOptions, EndAtOnce> read_options(const QStringList& arguments);
 
 }  // namespace qv5123

@@ -29,6 +29,9 @@ TEST(ProgramOptions, AreReadOrRefusedInOneLine) {
   EXPECT_EQ(read.port, "/dev/ttyS0");
   EXPECT_EQ(read.setting_file, folder.path() / "a.dat");
   EXPECT_FALSE(read.simulate);
+  const auto mixed = std::get<ProgramOptions>(read_options(command_line(
+      {"-platform", "offscreen", "--style=fusion", "-reverse", "--port", "COM5", "-style", "x"})));
+  EXPECT_EQ(mixed.port, "COM5") << "the toolkit's options are its own";
   const QString pictures = QString::fromStdString((folder.path() / "x" / "y").string());
   EXPECT_TRUE(std::get<ProgramOptions>(read_options(command_line({"--tour", pictures}))).simulate);
   EXPECT_TRUE(std::filesystem::is_directory(folder.path() / "x" / "y"));
