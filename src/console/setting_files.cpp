@@ -39,7 +39,10 @@ Task<> SettingFiles::load_from(std::filesystem::path path) {
   const FileResult result = co_await read_setting_file(background_, path, document_.user_data);
   // Even without a file: the pages show what the image holds, and so agree with each other again.
   for (Page* page : surroundings_.pages()) page->reload_from_user_data();
-  if (result.ok()) co_return;
+  if (result.ok()) {
+    surroundings_.file_used(path);
+    co_return;
+  }
   Message message = warning(result.text);
   co_await prompts_.message(std::move(message));
 }
@@ -90,8 +93,11 @@ Task<bool> SettingFiles::may_exit() {
 }
 
 Task<bool> SettingFiles::write_to(std::filesystem::path path, const UserDataImage& image) {
-  const FileResult result = co_await write_setting_file(background_, std::move(path), image);
-  if (result.ok()) co_return true;
+  const FileResult result = co_await write_setting_file(background_, path, image);
+  if (result.ok()) {
+    surroundings_.file_used(path);
+    co_return true;
+  }
   surroundings_.show_status(result.text);
   Message message = warning(kFileOpenError);
   co_await prompts_.message(std::move(message));

@@ -31,6 +31,8 @@ class SettingFiles {
     std::function<Page*()> font_editor;
     /// Shows a result in the status bar.
     std::function<void(const std::string&)> show_status;
+    /// A setting file was read or written.
+    std::function<void(const std::filesystem::path&)> file_used;
   };
 
   SettingFiles(CQV5123Doc& document, Prompts& prompts, Background& background, Surroundings surroundings);

@@ -1,5 +1,6 @@
 #include "console/setting_files.h"
 
+#include "console/recent_files.h"
 #include "console/setting_file.h"
 #include "support/fake_prompts.h"
 #include "support/inline_background.h"
@@ -88,6 +89,7 @@ class SettingFilesTest : public testing::Test {
   test::InlineBackground work;
   std::vector<std::string> calls;
   std::vector<std::string> statuses;
+  std::vector<std::string> used;
   NumberedPage gamma{1, doc.user_data, calls};
   NumberedPage lens{5, doc.user_data, calls};
   NumberedPage font{6, doc.user_data, calls};
@@ -96,7 +98,8 @@ class SettingFilesTest : public testing::Test {
                      user,
                      work,
                      {[this] { return pages; }, [this]() -> Page* { return &font; },
-                      [this](const std::string& text) { statuses.push_back(text); }}};
+                      [this](const std::string& text) { statuses.push_back(text); },
+                      [this](const fs::path& path) { used.push_back(path.filename().string()); }}};
 
   void load() { const Flow flow(files.load()); }
   void save() { const Flow flow(files.save()); }
@@ -130,6 +133,16 @@ TEST_F(SettingFilesTest, LoadRemembersReadsAndReloadsInOrder) {
   ASSERT_EQ(user.messages.size(), 1u);
   EXPECT_THAT(user.messages[0].text, testing::HasSubstr("gone.dat"));
   EXPECT_EQ(doc.user_data.entry(0), 9);
+  EXPECT_THAT(used, ElementsAre("set.dat"));
+}
+
+TEST(RecentFiles, AreTheLastFourEachOnceTheLatestFirst) {
+  RecentFiles recent({"/a", "/b", "", "/c", "/a", "/d", "/e"});
+  EXPECT_THAT(recent.files(), ElementsAre("/a", "/b", "/c", "/d"));
+  EXPECT_FALSE(recent.use("/x/../a"));
+  EXPECT_TRUE(recent.use("/c"));
+  EXPECT_TRUE(recent.use("/n"));
+  EXPECT_THAT(recent.files(), ElementsAre("/n", "/c", "/a", "/b"));
 }
 
 TEST_F(SettingFilesTest, SaveWritesTheRememberedFileOnceAndThenTheChosenOne) {

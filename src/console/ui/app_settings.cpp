@@ -9,6 +9,10 @@ namespace {
 
 constexpr const char* kFourthTdnModeKey = "FourthTdnMode";
 
+QString recent_key(std::size_t position) {
+  return QStringLiteral("RecentFiles/File%1").arg(position + 1);
+}
+
 QString key_of(const std::string& name) {
   return QString::fromLatin1(kPortSection) + u'/' + to_qt(name);
 }
@@ -44,6 +48,20 @@ void AppSettings::store_port(const PortSettings& settings) {
 
 int AppSettings::debug() const {
   return store_.value(key_of(kDebugKey), 0).toInt();
+}
+
+RecentFiles AppSettings::recent_files() const {
+  std::vector<std::filesystem::path> files;
+  for (std::size_t i = 0; i < RecentFiles::kLimit; ++i) {
+    files.push_back(to_path(store_.value(recent_key(i)).toString()));
+  }
+  return RecentFiles(files);
+}
+
+void AppSettings::store_recent_files(const RecentFiles& recent) {
+  for (std::size_t i = 0; i < recent.files().size(); ++i) {
+    store_.setValue(recent_key(i), path_to_qt(recent.files()[i]));
+  }
 }
 
 bool AppSettings::fourth_tdn_mode() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "console/recent_files.h"
 #include "link/port_settings.h"
 
 class QSettings;
@@ -19,6 +20,10 @@ class AppSettings {
   void store_port(const PortSettings& settings);
   /// Non-zero: the port dialog is not forced at the start.
   int debug() const;
+
+  /// The setting files used last.
+  RecentFiles recent_files() const;
+  void store_recent_files(const RecentFiles& recent);
 
   /// Whether the TDN modes have "Auto" as a fourth; off unless stored otherwise.
   bool fourth_tdn_mode() const;

@@ -1,13 +1,17 @@
 #include "console/ui/control_column.h"
 
+#include <QAction>
 #include <QComboBox>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QToolButton>
 #include <algorithm>
 
 #include "console/ui/console_view.h"
@@ -67,6 +71,14 @@ void ControlColumn::add_file_box(QBoxLayout& column) {
   QBoxLayout* row = box_layout(box, QBoxLayout::LeftToRight);
   row->addWidget(button(tr("Load File..."), tr("Load the user data from a setting file into every page"),
                         &ControlColumn::load_file));
+  recent_files_ = new QToolButton(box);
+  recent_files_->setArrowType(Qt::DownArrow);
+  recent_files_->setPopupMode(QToolButton::InstantPopup);
+  recent_files_->setMenu(new QMenu(recent_files_));
+  recent_files_->setAccessibleName(tr("Recent setting files"));
+  recent_files_->setToolTip(tr("Load one of the setting files used last"));
+  recent_files_->setEnabled(false);
+  row->addWidget(recent_files_);
   row->addWidget(button(tr("Save File..."), tr("Save the values of every page to a setting file"),
                         &ControlColumn::save_file));
   column.addWidget(box);
@@ -217,6 +229,22 @@ void ControlColumn::set_port_description(const QString& text) {
   port_->setText(text);
   port_->setCursorPosition(0);
   port_->setToolTip(text.isEmpty() ? tr("The port in use") : text);
+}
+
+void ControlColumn::set_recent_files(const QStringList& paths) {
+  QMenu* menu = recent_files_->menu();
+  menu->clear();
+  menu->setToolTipsVisible(true);
+  for (int i = 0; i < paths.size(); ++i) {
+    // In a menu's text '&' marks the key.
+    const QString name = QFileInfo(paths[i]).fileName().replace(u'&', QStringLiteral("&&"));
+    QAction* action = menu->addAction(QStringLiteral("&%1 %2").arg(i + 1).arg(name));
+    action->setToolTip(paths[i]);
+    // Queued, since what it starts makes the menu anew.
+    connect(
+        action, &QAction::triggered, this, [this, i] { emit recent_file_chosen(i); }, Qt::QueuedConnection);
+  }
+  recent_files_->setEnabled(!paths.isEmpty());
 }
 
 int ControlColumn::version_slot() const {

@@ -11,6 +11,7 @@ class QLineEdit;
 class QProgressBar;
 class QPushButton;
 class QSpinBox;
+class QToolButton;
 
 namespace qv5123 {
 
@@ -28,6 +29,8 @@ class ControlColumn final : public QWidget {
 
   ConsoleView& console() { return *console_; }
   void set_port_description(const QString& text);
+  /// The paths to offer beside "Load File...", by their positions.
+  void set_recent_files(const QStringList& paths);
   int version_slot() const;
   std::array<int, 3> version_numbers() const;
   void set_version_numbers(const std::array<int, 3>& numbers);
@@ -40,6 +43,7 @@ class ControlColumn final : public QWidget {
  signals:
   void change_port();
   void load_file();
+  void recent_file_chosen(int position);
   void save_file();
   void factory_reset();
   void copy_to_factory();
@@ -70,6 +74,7 @@ class ControlColumn final : public QWidget {
   void add_text_sender();
 
   QLineEdit* port_ = nullptr;
+  QToolButton* recent_files_ = nullptr;
   QComboBox* slot_ = nullptr;
   std::array<QSpinBox*, 3> version_{};
   QComboBox* osd_pattern_ = nullptr;

@@ -150,6 +150,10 @@ void Program::open_window(PortSettings port) {
   surroundings.choose = [this](PortSettings current) { return choose_port(std::move(current)); };
   surroundings.store = [this](const PortSettings& settings) { store_port(settings); };
   view_->use_port(std::move(port), std::move(surroundings));
+  view_->set_recent_files(settings_.recent_files());
+  QObject::connect(view_, &CQV5123View::recent_files_changed, frame_.get(), [this] {
+    if (!parts_.fixed_port) settings_.store_recent_files(view_->recent_files());
+  });
   QObject::connect(view_, &CQV5123View::closing_confirmed, frame_.get(), [this] { flows_.spawn(end(0)); });
   QObject::connect(frame_.get(), &CMainFrame::help_wanted, frame_.get(), [this] { show_help(); });
   if (parts_.furnish) parts_.furnish(*frame_);

@@ -7,11 +7,11 @@
 
 #include "console/document.h"
 #include "console/ui/app_settings.h"
-#include "link/background.h"
 #include "console/ui/pages.h"
 #include "console/ui/program_options.h"
 #include "console/ui/qt_prompts.h"
 #include "console/ui/qt_scheduler.h"
+#include "link/background.h"
 #include "link/port_list.h"
 #include "link/port_session.h"
 

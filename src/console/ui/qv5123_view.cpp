@@ -70,6 +70,7 @@ void CQV5123View::connect_column() {
   using C = ControlColumn;
   connect(column_, &C::change_port, this, &CQV5123View::change_port);
   connect(column_, &C::load_file, this, [this] { flows_.spawn(load_file(std::nullopt)); });
+  connect(column_, &C::recent_file_chosen, this, &CQV5123View::load_recent_file);
   connect(column_, &C::save_file, this, [this] { flows_.spawn(files_.save()); });
   connect(column_, &C::factory_reset, this, [this] { link_.send(qv5123::factory_reset()); });
   connect(column_, &C::copy_to_factory, this, [this] { flows_.spawn(copy_to_factory()); });
@@ -107,6 +108,7 @@ SettingFiles::Surroundings CQV5123View::files_surroundings() {
   };
   surroundings.font_editor = [this] { return pages_->page(PageId::font_editor); };
   surroundings.show_status = [this](const std::string& text) { show_status(text); };
+  surroundings.file_used = [this](const std::filesystem::path& path) { file_used(path); };
   return surroundings;
 }
 
@@ -154,6 +156,26 @@ Task<> CQV5123View::load_file(std::optional<std::filesystem::path> path) {
     co_await files_.load();
   }
   show_image();
+}
+
+void CQV5123View::set_recent_files(RecentFiles files) {
+  recent_files_ = std::move(files);
+  QStringList paths;
+  for (const std::filesystem::path& file : recent_files_.files()) paths << path_to_qt(file);
+  column_->set_recent_files(paths);
+}
+
+void CQV5123View::file_used(const std::filesystem::path& path) {
+  RecentFiles files = recent_files_;
+  if (!files.use(path)) return;
+  set_recent_files(std::move(files));
+  emit recent_files_changed();
+}
+
+void CQV5123View::load_recent_file(int position) {
+  const auto& files = recent_files_.files();
+  if (static_cast<std::size_t>(position) >= files.size()) return;
+  flows_.spawn(load_file(files[static_cast<std::size_t>(position)]));
 }
 
 void CQV5123View::change_port() {

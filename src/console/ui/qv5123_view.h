@@ -8,6 +8,7 @@
 #include "console/image_transfer.h"
 #include "console/page_host.h"
 #include "console/port_in_use.h"
+#include "console/recent_files.h"
 #include "console/setting_files.h"
 #include "console/startup_reply.h"
 #include "console/ui/pages.h"
@@ -37,6 +38,9 @@ class CQV5123View final : public QWidget, public PageHost {
 
   /// Hands over the port, which says what it has to say through the calls below. Once, before start().
   void use_port(PortSettings settings, PortInUse::Surroundings surroundings);
+  /// The setting files to offer beside "Load File...". recent_files_changed() tells of others.
+  void set_recent_files(RecentFiles files);
+  const RecentFiles& recent_files() const { return recent_files_; }
   /// Opens the port, offers the setting file and opens the Registers page once the chip had time to report.
   void start(Startup startup);
   /// From start() until the Registers page is open.
@@ -72,6 +76,7 @@ class CQV5123View final : public QWidget, public PageHost {
 
  signals:
   void status_changed(const QString& text);
+  void recent_files_changed();
   void progress_changed(std::optional<int> percent);
   /// The user has answered that the program is to end; what was to be saved is whole on the disk.
   void closing_confirmed();
@@ -92,6 +97,8 @@ class CQV5123View final : public QWidget, public PageHost {
   void read_startup_reply();
   void show_version(int slot);
   void show_image();
+  void file_used(const std::filesystem::path& path);
+  void load_recent_file(int position);
   void page_chosen(PageId id);
   void send_text(const QString& text);
 
@@ -102,6 +109,7 @@ class CQV5123View final : public QWidget, public PageHost {
   ConsoleText console_text_;
   StartupReply startup_reply_;
   std::optional<PortInUse> port_;
+  RecentFiles recent_files_;
   SettingFiles files_;
   ImageTransfer transfer_;
   PageArea* pages_ = nullptr;

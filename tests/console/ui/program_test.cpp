@@ -89,6 +89,11 @@ TEST(AppSettings, KeepThePortUnderTheNamesOfItsSection) {
   EXPECT_EQ(settings.port().line.baud_rate, 19200u);
   EXPECT_EQ(settings.port().line.data_bits, 8);
   EXPECT_EQ(settings.debug(), 1);
+
+  EXPECT_TRUE(settings.recent_files().files().empty());
+  const std::vector<std::filesystem::path> files = {folder.path() / "b.dat", folder.path() / "a.dat"};
+  settings.store_recent_files(RecentFiles(files));
+  EXPECT_EQ(settings.recent_files().files(), files);
 }
 
 template <class Window>

@@ -118,6 +118,25 @@ TEST(MainForm, SettingFilesPassThroughThePagesInTheirOrder) {
   EXPECT_EQ(bench.folder.read("copy.dat"), setting_text(image));
 }
 
+TEST(MainForm, OffersTheSettingFilesUsedLast) {
+  ViewBench bench;
+  auto* recent = bench.control<QToolButton>("Recent setting files");
+  EXPECT_FALSE(recent->isEnabled());
+  UserDataImage image;
+  image.set_entry(689, 4);
+  bench.user.paths = {bench.folder.write("a&b.dat", setting_text(image)), bench.folder.path() / "c.dat"};
+  bench.click("Load File...");
+  bench.document.user_data.set_entry(689, 7);
+  bench.click("Save File...");
+  ASSERT_EQ(recent->menu()->actions().size(), 2);
+  EXPECT_EQ(recent->menu()->actions()[0]->text(), "&1 c.dat");
+  EXPECT_EQ(recent->menu()->actions()[1]->text(), "&2 a&&b.dat");
+  recent->menu()->actions()[1]->trigger();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(bench.control<QSpinBox>("Version number 1")->value(), 40);
+  EXPECT_EQ(recent->menu()->actions()[0]->text(), "&1 a&&b.dat");
+}
+
 TEST(MainForm, SystemSendsASettingFileAndOtherCommandsWait) {
   ViewBench bench;
   const auto path = bench.folder.write("board.dat", setting_text(UserDataImage{}));
