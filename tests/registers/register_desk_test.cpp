@@ -86,9 +86,14 @@ TEST_F(RegisterDeskTest, SelectingAnotherRowReadsIt) {
 }
 
 TEST_F(RegisterDeskTest, AReplyUnderWayNeverLandsOnARegisterThatCannotBeRead) {
-  open(uR"(<isp chip="QV5123"><category catname="C">
-<reg regname="A" addr="0xF800" write="W" reset="0x00"></reg>
-<reg regname="NONE" addr="0x0000" write="W" reset="0x00"></reg></category>)");
+  open(uR"(<isp chip="QV5123">
+<category catname="C">
+<reg regname="A" addr="0xF800" write="W" reset="0x00">
+</reg>
+<reg regname="NONE" addr="0x0000" write="W" reset="0x00">
+</reg>
+</category>
+)");
   ASSERT_EQ(sheet().rows(), 2u);
   wire_.advance(100);
   ASSERT_TRUE(desk_->reading());
