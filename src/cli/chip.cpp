@@ -1,0 +1,130 @@
+#include "cli/chip.h"
+
+#include <utility>
+
+#include "console/atomic_file.h"
+#include "link/system_serial_device.h"
+#include "simulator/simulated_board.h"
+
+namespace qv5123 {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kLookEvery{10};
+
+std::string port_name(const GlobalOptions& globals) {
+  return globals.simulate ? "the simulated chip" : globals.port;
+}
+
+Traffic one_flush(Batch batch) {
+  Traffic traffic;
+  traffic.push_back(std::move(batch));
+  return traffic;
+}
+
+}  // namespace
+
+Chip::Chip(Context& context)
+    : context_(context), interrupts_([this] { scheduler_.post([this] { take_interrupt(); }); }) {
+  if (context.globals.port.empty() && !context.globals.simulate) {
+    refuse("This command talks to the chip: --port DEVICE or --simulate says where it is");
+  }
+  if (!context.globals.trace.empty()) trace_.emplace(context.globals.trace);
+  session_ = std::make_unique<PortSession>(scheduler_, make_device(), session_events());
+}
+
+Chip::~Chip() = default;
+
+std::unique_ptr<SerialDevice> Chip::make_device() {
+  std::unique_ptr<SerialDevice> device =
+      context_.globals.simulate ? std::make_unique<SimulatedBoard>() : make_serial_device();
+  return trace_ ? traced(std::move(device), *trace_) : std::move(device);
+}
+
+PortSessionEvents Chip::session_events() {
+  PortSessionEvents events;
+  events.console = [this](const std::string& text) {
+    console_received_ += text.size();
+    if (take_console_) take_console_(text);
+  };
+  events.connected = [this](bool connected) { gone_ = gone_ || !connected; };
+  events.trouble = [this](const std::string& text) { out().warning(text); };
+  return events;
+}
+
+void Chip::take_interrupt() {
+  ++interrupts_seen_;
+  stopped_ = interrupts_seen_ > 1 || !on_interrupt_;
+  if (!stopped_) on_interrupt_();
+}
+
+ExitCode Chip::run(Begin begin, const Work& work) {
+  Flow flow(main(begin, work));
+  scheduler_.run_until([&] { return !flow.running() || gone_ || stopped_ || !out().ok(); });
+  const bool ended = !flow.running();
+  flow.cancel();
+  if (failure_) std::rethrow_exception(failure_);
+  if (gone_ && !ended) throw Complaint{kPortFailed, session_->name() + " is gone"};
+  if (stopped_) throw Complaint{kNegative, "Interrupted"};
+  if (trace_ && !trace_->ok()) refuse("Cannot write " + path_text(context_.globals.trace));
+  return result_;
+}
+
+Task<> Chip::main(Begin begin, const Work& work) {
+  try {
+    const std::string name = port_name(context_.globals);
+    const LineSettings line;
+    const OpenResult opened = co_await session_->open(name, line);
+    if (!opened.ok()) throw Complaint{kPortFailed, opened.text};
+    if (begin == Begin::after_greeting) co_await wait_for_quiet(kGreeting, kLongestGreeting);
+    result_ = co_await work(*this);
+  } catch (...) {
+    failure_ = std::current_exception();
+  }
+}
+
+Chip::Signs Chip::signs() {
+  return {console_received_, link().reply().index(), link().reply().state()};
+}
+
+Task<std::string> Chip::ask(Batch request, std::string what) {
+  std::optional<std::string> reply = co_await link().request(std::move(request), timeout());
+  if (!reply) throw Complaint{kNegative, what + ": the chip did not answer"};
+  co_return std::move(*reply);
+}
+
+Task<> Chip::send(Traffic traffic) {
+  const std::size_t flushes = traffic.size();
+  const JobResult result = co_await link().send(std::move(traffic));
+  if (result.chunks_sent < flushes) throw Complaint{kPortFailed, session_->name() + " took no more"};
+}
+
+Task<bool> Chip::send_and_listen(Batch batch) {
+  link().reply().forget();
+  const Signs before = signs();
+  co_await send(one_flush(std::move(batch)));
+  const milliseconds sent = scheduler_.now();
+  while (signs() == before && scheduler_.now() - sent < timeout()) co_await Delay(scheduler_, kLookEvery);
+  if (signs() == before) co_return false;
+  co_await wait_for_quiet(kQuiet, milliseconds::max());
+  co_return true;
+}
+
+Task<> Chip::wait_for_quiet(milliseconds quiet, milliseconds longest) {
+  const milliseconds start = scheduler_.now();
+  milliseconds heard = start;
+  Signs last = signs();
+  while (scheduler_.now() - heard < quiet && scheduler_.now() - start < longest) {
+    co_await Delay(scheduler_, kLookEvery);
+    if (signs() == last) continue;
+    last = signs();
+    heard = scheduler_.now();
+  }
+}
+
+ExitCode run_on_chip(Context& context, const Chip::Work& work, Chip::Begin begin) {
+  return Chip(context).run(begin, work);
+}
+
+}  // namespace qv5123

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <chrono>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "cli/context.h"
+#include "cli/interrupts.h"
+#include "cli/trace_device.h"
+#include "link/loop_scheduler.h"
+#include "link/port_session.h"
+
+namespace qv5123 {
+
+/// The chip on its line for the time of one command: an event loop, the port, and what commands do alike.
+class Chip {
+ public:
+  using Work = std::function<Task<ExitCode>(Chip&)>;
+
+  /// From the last sign of the chip to when it counts as having finished.
+  static constexpr std::chrono::milliseconds kQuiet{200};
+  /// A chip announces itself when its line is opened; nothing is asked before it has.
+  static constexpr std::chrono::milliseconds kGreeting{150};
+  static constexpr std::chrono::milliseconds kLongestGreeting{1500};
+
+  /// How a command begins: after the chip's greeting, or with it.
+  enum class Begin { after_greeting, at_once };
+
+  /// Neither port nor simulation asked for, or a trace that cannot be written: a Complaint.
+  explicit Chip(Context& context);
+  ~Chip();
+
+  /// Opens the port, runs `work` to its end and returns what it says. A port that fails or goes away and a
+  /// request to end the program are Complaints.
+  ExitCode run(Begin begin, const Work& work);
+
+  Context& context() { return context_; }
+  Output& out() { return context_.out; }
+  CommandLink& link() { return session_->link(); }
+  std::chrono::milliseconds timeout() const { return context_.globals.timeout; }
+
+  /// Asks and returns the characters of the reply; a Complaint that names `what` when none came.
+  Task<std::string> ask(Batch request, std::string what);
+  /// Sends flush by flush; a Complaint when not all of it left.
+  Task<> send(Traffic traffic);
+  /// Sends and waits until the chip has said what it has to say. False when it said nothing.
+  Task<bool> send_and_listen(Batch batch);
+  /// Waits until the line has been quiet for `quiet`, for at most `longest`.
+  Task<> wait_for_quiet(std::chrono::milliseconds quiet, std::chrono::milliseconds longest);
+
+  /// Gets the console text of the chip, 8-bit characters. Until it is set the text is dropped.
+  void on_console(std::function<void(const std::string&)> take) { take_console_ = std::move(take); }
+  /// Called at the first request to end the program, which then goes on; a second one ends it.
+  void on_interrupt(std::function<void()> callback) { on_interrupt_ = std::move(callback); }
+  bool interrupted() const { return interrupts_seen_ > 0; }
+
+ private:
+  /// Changes whenever something comes from the chip.
+  struct Signs {
+    std::size_t console = 0;
+    std::size_t reply = 0;
+    ReplyBuffer::State state = ReplyBuffer::State::idle;
+    bool operator==(const Signs&) const = default;
+  };
+  Signs signs();
+  std::unique_ptr<SerialDevice> make_device();
+  PortSessionEvents session_events();
+  void take_interrupt();
+  Task<> main(Begin begin, const Work& work);
+
+  Context& context_;
+  LoopScheduler scheduler_;
+  Interrupts interrupts_;
+  std::optional<Trace> trace_;
+  std::function<void(const std::string&)> take_console_;
+  std::function<void()> on_interrupt_;
+  int interrupts_seen_ = 0;
+  bool stopped_ = false;
+  bool gone_ = false;
+  std::size_t console_received_ = 0;
+  ExitCode result_ = kDone;
+  std::exception_ptr failure_;
+  std::unique_ptr<PortSession> session_;
+};
+
+/// Runs `work` on the chip that the options name.
+ExitCode run_on_chip(Context& context, const Chip::Work& work,
+                     Chip::Begin begin = Chip::Begin::after_greeting);
+
+}  // namespace qv5123

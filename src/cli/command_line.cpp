@@ -1,0 +1,100 @@
+#include "cli/command_line.h"
+
+#include "cli/command_tree.h"
+#include "cli/numbers.h"
+#include "cli/terminal.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr int kLongestTimeout = 3'600'000;
+
+void declare_globals(CLI::App& app, Context& context) {
+  app.set_help_flag("--help", "Print this help and exit");
+  app.set_version_flag("--version", "qv5123ctl " QV5123_VERSION, "Print the version and exit");
+  GlobalOptions& globals = context.globals;
+  auto* port = app.add_option("--port", globals.port, "The serial port that the chip is on");
+  port->type_name(kDeviceType);
+  app.add_flag("--simulate", globals.simulate, "Work on a simulated chip inside the program")->excludes(port);
+  const auto take_timeout = [&globals](const std::string& text) {
+    globals.timeout = std::chrono::milliseconds(number_in("--timeout", text, 1, kLongestTimeout));
+  };
+  app.add_option_function<std::string>("--timeout", take_timeout,
+                                       "How long to wait for an answer (default 1800)")
+      ->type_name("MS");
+  app.add_flag_callback(
+      "--json", [&context] { context.out.use_json(true); }, "Print results as JSON");
+  add_path(app, "--trace", globals.trace, "Record every byte both ways in this file, time-stamped");
+  app.add_flag_callback(
+      "--quiet", [&context] { context.out.be_quiet(true); }, "Print results and errors only");
+}
+
+/// The command that was reached; the tree itself before any was.
+const CLI::App& reached(const CLI::App& app) {
+  const auto parsed = app.get_subcommands();
+  return parsed.empty() ? app : reached(*parsed.front());
+}
+
+/// In one line; commands that are missing and misspelled ones are named.
+std::string text_of(const CLI::ParseError& error, const CLI::App& app) {
+  const CLI::App& command = reached(app);
+  const bool is_group = !subcommands(command).empty();
+  if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::RequiredError) || !is_group) {
+    return error.what();
+  }
+  std::string names;
+  for (const CLI::App* one : subcommands(command)) names += (names.empty() ? "" : ", ") + one->get_name();
+  const std::vector<std::string> unknown = app.remaining(true);
+  const std::string what =
+      unknown.empty() ? "A command is missing" : "No command is named \"" + unknown[0] + "\"";
+  return what + "; " + command.get_name() + " has " + names;
+}
+
+ExitCode run(Context& context, int argc, const char* const* argv) {
+  const std::unique_ptr<CLI::App> app = make_command_line(context);
+  try {
+    app->parse(argc, argv);
+    return context.action ? context.action() : kDone;
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return app->exit(error) == 0 ? kDone : kBadInput;
+    complain(text_of(error, *app));
+    return kBadInput;
+  } catch (const Complaint& complaint) {
+    context.out.progress("");
+    complain(complaint.text);
+    return complaint.code;
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<CLI::App> make_command_line(Context& context) {
+  auto app = std::make_unique<CLI::App>(
+      "Adjusts and tunes a camera image signal processor over a serial port, without a window.", "qv5123ctl");
+  app->get_formatter()->label("SUBCOMMAND", "COMMAND");
+  app->get_formatter()->label("Subcommands", "Commands");
+  app->require_subcommand(1);
+  declare_globals(*app, context);
+  add_port_commands(*app, context);
+  add_register_commands(*app, context);
+  add_form_commands(*app, context);
+  add_page_commands(*app, context);
+  add_settings_commands(*app, context);
+  add_download_commands(*app, context);
+  add_script_command(*app, context);
+  add_monitor_command(*app, context);
+  add_flash_commands(*app, context);
+  add_font_commands(*app, context);
+  add_compute_commands(*app, context);
+  add_self_description(*app, context);
+  return app;
+}
+
+ExitCode run_command_line(int argc, const char* const* argv) {
+  survive_closed_pipes();
+  Context context;
+  const ExitCode code = run(context, argc, argv);
+  return context.out.end(code);
+}
+
+}  // namespace qv5123

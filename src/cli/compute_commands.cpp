@@ -1,0 +1,196 @@
+#include <algorithm>
+#include <array>
+
+#include "cli/command.h"
+#include "cli/csv.h"
+#include "cli/files.h"
+#include "cli/numbers.h"
+#include "console/atomic_file.h"
+#include "tuning/gamma_curve.h"
+#include "tuning/lens_fit.h"
+#include "tuning/patch_report.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr std::array<const char*, 3> kColours{"R", "G", "B"};
+
+struct GammaOptions {
+  double gamma = 0;
+  double front_level = kDefaultFrontGammaLevel;
+  bool itu_709 = false;
+};
+struct FitOptions {
+  std::filesystem::path file;
+  int ratio = 100;
+  int width = 1920;
+};
+
+ExitCode compute_gamma(Context& context, const GammaOptions& options) {
+  if (options.gamma <= 0) refuse("--gamma: " + shortest(options.gamma) + " is not above 0");
+  const GammaCurve curve = end_gamma_curve(options.gamma, options.itu_709, options.front_level);
+  std::string text;
+  for (const int point : curve) text += std::to_string(point) + "\n";
+  context.out.result({{"points", curve}}, text);
+  return kDone;
+}
+
+void check_range(const std::string& file, const CsvLine& line, std::size_t column, int lowest, int highest) {
+  const int value = line.values[column];
+  if (value >= lowest && value <= highest) return;
+  refuse(file + ", line " + std::to_string(line.number) + ": " + std::to_string(value) + " is not in " +
+         std::to_string(lowest) + ".." + std::to_string(highest));
+}
+
+MeasuredColours read_patches(const std::filesystem::path& path) {
+  const std::string file = path_text(path);
+  const std::vector<CsvLine> lines = parse_csv(file, read_file(path), 3);
+  if (lines.size() != kPatches) {
+    refuse(file + " has " + std::to_string(lines.size()) + " patches instead of " + std::to_string(kPatches));
+  }
+  MeasuredColours measured{};
+  for (std::size_t i = 0; i < kPatches; ++i) {
+    for (std::size_t c = 0; c < 3; ++c) {
+      check_range(file, lines[i], c, 0, 0xFFFF);
+      measured[i][c] = static_cast<std::uint32_t>(lines[i].values[c]);
+    }
+  }
+  return measured;
+}
+
+Json json_of(const DifferenceSummary& summary) {
+  return {{"mean", summary.mean}, {"median", summary.median}, {"worst", summary.worst}};
+}
+
+Json matrix_json(const MatrixFit& fit, const PatchReport& report) {
+  Json codes = Json::array();
+  for (const auto& row : fit.coefficients) {
+    codes.push_back({matrix_code(row[0]), matrix_code(row[1]), matrix_code(row[2])});
+  }
+  Json patches = Json::array();
+  for (std::size_t i = 0; i < kPatches; ++i) {
+    const auto& match = report.patches[i];
+    Json patch = {{"name", kPatchCaptions[i]}};
+    if (match) patch.update({{"before", match->before}, {"after", match->after}});
+    patches.push_back(patch);
+  }
+  return {{"coefficients", fit.coefficients},
+          {"codes", codes},
+          {"patches", patches},
+          {"before", json_of(report.before)},
+          {"after", json_of(report.after)}};
+}
+
+std::string summary_text(const std::string& when, const DifferenceSummary& summary) {
+  return "CIEDE2000 " + when + ": mean " + fixed(summary.mean, 2) + ", median " + fixed(summary.median, 2) +
+         ", worst " + fixed(summary.worst, 2) + "\n";
+}
+
+std::string matrix_text(const MatrixFit& fit, const PatchReport& report) {
+  std::string text;
+  for (std::size_t r = 0; r < kMatrixRows; ++r) {
+    const auto& row = fit.coefficients[r];
+    text += std::string(kColours[r]) + ":";
+    for (const float coefficient : row) text += " " + fixed(coefficient, 6);
+    for (const float coefficient : row) text += " " + matrix_code_text(coefficient);
+    text += "\n";
+  }
+  for (std::size_t i = 0; i < kPatches; ++i) {
+    if (const auto& match = report.patches[i]) {
+      text += std::string(kPatchCaptions[i]) + ": " + fixed(match->before, 2) + " -> " +
+              fixed(match->after, 2) + "\n";
+    }
+  }
+  return text + summary_text("before", report.before) + summary_text("after", report.after);
+}
+
+ExitCode fit_matrix_command(Context& context, const FitOptions& options) {
+  const MeasuredColours measured = read_patches(options.file);
+  const std::optional<MatrixFit> fit = fit_matrix(measured, options.ratio);
+  const std::optional<PatchReport> report = fit ? patch_report(measured, fit->coefficients) : std::nullopt;
+  if (!report) refuse(path_text(options.file) + ": one colour of all four greys, lines 20 to 23, is 0");
+  if (!fit->solvable) {
+    throw Complaint{kNegative, path_text(options.file) + ": the patches do not determine a matrix"};
+  }
+  context.out.result(matrix_json(*fit, *report), matrix_text(*fit, *report));
+  return kDone;
+}
+
+std::vector<LensSample> read_samples(const std::filesystem::path& path, int width) {
+  const std::string file = path_text(path);
+  std::vector<LensSample> samples;
+  for (const CsvLine& line : parse_csv(file, read_file(path), 4)) {
+    check_range(file, line, 0, 0, width - 1);
+    for (std::size_t c = 1; c < 4; ++c) check_range(file, line, c, 1, 255);
+    samples.push_back(lens_sample(line.values[0], {line.values[1], line.values[2], line.values[3]}));
+  }
+  return samples;
+}
+
+Json lens_json(const LensCentre& centre, const LensFit& fit) {
+  return {{"centre", centre.x}, {"peak", centre.peak},          {"peak_x", centre.peak_x},     {"a", fit.a},
+          {"b", fit.b},         {"parameter1", fit.parameter1}, {"parameter2", fit.parameter2}};
+}
+
+std::string lens_text(const LensCentre& centre, const LensFit& fit) {
+  std::string text = "centre: " + std::to_string(centre.x) + "\n";
+  for (std::size_t c = 0; c < 3; ++c) {
+    text += std::string(kColours[c]) + ": peak " + std::to_string(centre.peak[c]) + " at " +
+            std::to_string(centre.peak_x[c]) + ", a " + fixed(fit.a[c], 6) + ", b " + fixed(fit.b[c], 6) +
+            ", parameter1 " + std::to_string(fit.parameter1[c]) + ", parameter2 " +
+            std::to_string(fit.parameter2[c]) + "\n";
+  }
+  return text;
+}
+
+ExitCode fit_lens_command(Context& context, const FitOptions& options) {
+  const std::vector<LensSample> samples = read_samples(options.file, options.width);
+  const LensCentre centre = fit_lens_centre(samples, options.width);
+  const LensFit fit = fit_lens(samples, centre, options.ratio);
+  if (!fit.determined) {
+    throw Complaint{kNegative, path_text(options.file) + ": too few positions to determine the parameters"};
+  }
+  context.out.result(lens_json(centre, fit), lens_text(centre, fit));
+  return kDone;
+}
+
+void declare_gamma(CLI::App& command, GammaOptions& options) {
+  add_real(command, "--gamma", options.gamma, "Exponent of the curve")->required();
+  command.add_flag("--itu709", options.itu_709, "Follow ITU-R BT.709 with its linear start");
+  add_real(command, "--front-level", options.front_level, "Front gamma level (default 16)");
+}
+
+void declare_ratio(CLI::App& command, FitOptions& options) {
+  add_number(command, "--ratio", options.ratio, 0, 100, "Correction ratio in percent (default 100)");
+}
+
+void declare_matrix(CLI::App& command, FitOptions& options) {
+  add_path(command, "PATCHES.csv", options.file, "24 lines R,G,B; 0 is not measured")->required();
+  declare_ratio(command, options);
+}
+
+void declare_lens(CLI::App& command, FitOptions& options) {
+  add_path(command, "SAMPLES.csv", options.file, "Lines x,R,G,B; colours 1..255")->required();
+  declare_ratio(command, options);
+  add_number(command, "--width", options.width, 1, 4096, "Pixels in a line (default 1920)");
+}
+
+}  // namespace
+
+void add_compute_commands(CLI::App& app, Context& context) {
+  CLI::App* gamma = add_group(app, "gamma", "Gamma curves");
+  add_command<GammaOptions>(*gamma, context, "compute", "Print the 22 points of an end gamma curve",
+                            declare_gamma, compute_gamma);
+  CLI::App* matrix = add_group(app, "matrix", "The colour correction matrix");
+  add_command<FitOptions>(*matrix, context, "fit",
+                          "Fit the matrix to measured patches; print coefficients, codes, and colour "
+                          "differences before and after",
+                          declare_matrix, fit_matrix_command);
+  CLI::App* lens = add_group(app, "lsc", "Lens shading");
+  add_command<FitOptions>(*lens, context, "fit",
+                          "Fit the parameters to samples along a line; print centre, peaks, a, b and the "
+                          "six parameters",
+                          declare_lens, fit_lens_command);
+}
+
+}  // namespace qv5123

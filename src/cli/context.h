@@ -1,0 +1,29 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include "cli/complaint.h"
+#include "cli/output.h"
+
+namespace qv5123 {
+
+/// The options that every command takes.
+struct GlobalOptions {
+  std::string port;
+  bool simulate = false;
+  std::chrono::milliseconds timeout{1800};  ///< as long as the window looks for a reply
+  std::filesystem::path trace;
+};
+
+/// What a command works with.
+struct Context {
+  GlobalOptions globals;
+  Output out;
+  /// What the command line asks for. Commands set it while the command line is read.
+  std::function<ExitCode()> action;
+};
+
+}  // namespace qv5123

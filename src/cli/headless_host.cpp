@@ -1,0 +1,37 @@
+#include "cli/headless_host.h"
+
+#include <utility>
+
+namespace qv5123 {
+
+Task<> HeadlessPrompts::message(Message message) {
+  last_message_ = std::move(message.text);
+  co_return;
+}
+
+Task<Answer> HeadlessPrompts::ask(Question) {
+  co_return Answer::cancel;
+}
+
+Task<std::optional<std::filesystem::path>> HeadlessPrompts::choose_open(FileChoice) {
+  if (file_.empty()) co_return std::nullopt;
+  co_return file_;
+}
+
+Task<std::optional<std::filesystem::path>> HeadlessPrompts::choose_save(FileChoice) {
+  co_return std::nullopt;
+}
+
+void HeadlessHost::show_status(const std::string& text) {
+  last_status_ = text;
+}
+
+void HeadlessHost::show_progress(std::optional<int> percent) {
+  chip_.out().progress(percent ? std::to_string(*percent) + " %" : "");
+}
+
+void HeadlessHost::append_console(const std::string& text) {
+  chip_.out().remark(text);
+}
+
+}  // namespace qv5123

@@ -1,0 +1,198 @@
+#include "cli/members.h"
+
+#include <algorithm>
+#include <array>
+
+namespace qv5123 {
+namespace {
+
+constexpr std::array<const char*, 3> kColours{"r", "g", "b"};
+constexpr std::array<const char*, 3> kLights{"outdoor", "light1", "light2"};
+
+std::string indexed(const std::string& name, std::size_t index) {
+  return name + "[" + std::to_string(index) + "]";
+}
+
+/// A word that is kept as two bytes, read as two's complement.
+template <class Values, class Access>
+void add_code(Members<Values>& members, std::string name, Access access) {
+  const auto get = [access](const Values& values) {
+    const auto* bytes = access(values);
+    return kSigned16.decode(bytes[0] * 256 + bytes[1]);
+  };
+  const auto set = [access](Values& values, int number) {
+    auto* bytes = access(values);
+    bytes[0] = high_byte(number);
+    bytes[1] = low_byte(number);
+  };
+  members.push_back({std::move(name), get, set});
+}
+
+/// A cell of a step table as the grid shows it. The ISO row's offset always shows 1, so its byte is taken.
+void add_step(Members<DynamicValues>& members, std::string name, std::size_t bank, std::size_t row,
+              std::size_t column) {
+  const auto byte = [=](auto& values) -> auto& {
+    return values.banks[bank][row][column];
+  };
+  if (row == kRowIso && column == 0) return add_member(members, std::move(name), byte);
+  const auto get = [=](const DynamicValues& values) {
+    return decode_step_row(row, values.banks[bank][row])[column];
+  };
+  const auto set = [=](DynamicValues& values, int number) {
+    StepCells cells{};
+    cells[column] = number;
+    byte(values) = encode_step_row(row, cells)[column];
+  };
+  members.push_back({std::move(name), get, set});
+}
+
+void add_steps(Members<DynamicValues>& members) {
+  constexpr std::array<const char*, kStepBanks> kBanks{"tvi", "ir_led", "cvbs", "ahd", "cvi"};
+  constexpr std::array<const char*, kStepRows> kRows{"iso", "bright",  "sharpness",
+                                                     "nr",  "flat_nr", "contrast"};
+  constexpr std::array<const char*, kStepColumns> kColumns{"offset", "step0", "step1", "step2",
+                                                           "step3",  "step4", "step5"};
+  for (std::size_t bank = 0; bank < kStepBanks; ++bank)
+    for (std::size_t row = 0; row < kStepRows; ++row)
+      for (std::size_t column = 0; column < kStepColumns; ++column)
+        add_step(members, std::string(kBanks[bank]) + "." + kRows[row] + "." + kColumns[column], bank, row,
+                 column);
+}
+
+void add_light(Members<DynamicValues>& members, std::size_t i) {
+  const std::string light = std::string(kLights[i]) + ".";
+  add_member(
+      members, light + "kind", [i](auto& v) -> auto& { return v.light_sources[i].kind; });
+  add_member(
+      members, light + "value", [i](auto& v) -> auto& { return v.light_sources[i].value; });
+  add_member(
+      members, light + "saturation", [i](auto& v) -> auto& { return v.saturation[i]; });
+  add_member(
+      members, light + "weight_r", [i](auto& v) -> auto& { return v.weights[i].r; });
+  add_member(
+      members, light + "weight_b", [i](auto& v) -> auto& { return v.weights[i].b; });
+}
+
+}  // namespace
+
+Members<FrontValues> front_members() {
+  Members<FrontValues> members;
+  add_member(
+      members, "video_mode", [](auto& v) -> auto& { return v.video_mode; });
+  add_member(
+      members, "colour_order", [](auto& v) -> auto& { return v.colour_order; });
+  add_member(
+      members, "tdn_mode", [](auto& v) -> auto& { return v.tdn_mode; });
+  add_member(
+      members, "delay", [](auto& v) -> auto& { return v.delay; });
+  add_member(
+      members, "ir_on_off", [](auto& v) -> auto& { return v.ir_on_off; });
+  add_member(
+      members, "led_dimmer", [](auto& v) -> auto& { return v.led_dimmer; });
+  add_member(
+      members, "polarity", [](auto& v) -> auto& { return v.polarity; });
+  constexpr std::array<const char*, 4> kClampNames{"r", "gr", "gb", "b"};
+  for (std::size_t i = 0; i < kClampNames.size(); ++i)
+    add_member(
+        members, std::string("clamp.") + kClampNames[i], [i](auto& v) -> auto& { return v.clamp[i]; });
+  add_member(
+      members, "wdr_state", [](auto& v) -> auto& { return v.wdr_state; });
+  constexpr std::array<const char*, kFrontFlagCount> kFlags{
+      "test_pattern", "raw_data", "gamma", "brightness", "sharpness",
+      "saturation",   "hue",      "dpc",   "ae_task",    "awb_task"};
+  for (std::size_t i = 0; i < kFlags.size(); ++i)
+    add_member(
+        members, std::string("flag.") + kFlags[i], [i](auto& v) -> auto& { return v.flags[i]; });
+  add_member(
+      members, "color_suppress", [](auto& v) -> auto& { return v.color_suppress; });
+  return members;
+}
+
+Members<AwbValues> awb_members() {
+  Members<AwbValues> members;
+  for (const AwbRow& row : kAwbRows) {
+    const std::string name(1, static_cast<char>(row.name - 'A' + 'a'));
+    if (row.word_count == 2)
+      add_member(
+          members, name + "_slope", [i = row.first_word](auto& v) -> auto& { return v.words[i]; });
+    const std::size_t last = row.first_word + row.word_count - 1;
+    add_member(
+        members, name + "_intercept", [last](auto& v) -> auto& { return v.words[last]; });
+  }
+  for (std::size_t i = 0; i < kAwbPatchCount; ++i) {
+    const std::string patch = "patch" + std::to_string(i + 1) + ".";
+    add_member(
+        members, patch + "r", [i](auto& v) -> auto& { return v.patches[i].r; });
+    add_member(
+        members, patch + "g", [i](auto& v) -> auto& { return v.patches[i].g; });
+    add_member(
+        members, patch + "b", [i](auto& v) -> auto& { return v.patches[i].b; });
+  }
+  return members;
+}
+
+Members<DynamicValues> dynamic_members() {
+  constexpr std::array<const char*, kDynamicNumbers.size()> kNames{
+      "analog_gain", "sensor_digital_gain", "isp_digital_gain", "ae_target", "ae_speed", "further_ae"};
+  Members<DynamicValues> members;
+  for (std::size_t i = 0; i < kNames.size(); ++i)
+    add_member(
+        members, kNames[i], [i](auto& v) -> auto& { return v.*kDynamicNumbers[i].value; });
+  add_member(
+      members, "orientation", [](auto& v) -> auto& { return v.orientation; });
+  add_steps(members);
+  for (std::size_t i = 0; i < kLightSources; ++i) add_light(members, i);
+  add_member(
+      members, "hue_angle", [](auto& v) -> auto& { return v.hue_angle; });
+  add_member(
+      members, "dpc_decision", [](auto& v) -> auto& { return v.dpc_decision; });
+  add_member(
+      members, "smart_ir", [](auto& v) -> auto& { return v.smart_ir; });
+  add_member(
+      members, "ir_led", [](auto& v) -> auto& { return v.ir_led; });
+  add_member(
+      members, "video_mode", [](auto& v) -> auto& { return v.video_mode; });
+  return members;
+}
+
+Members<GammaValues> gamma_members() {
+  Members<GammaValues> members;
+  const auto set_channel = [](GammaValues& values, int number) {
+    values.channel = static_cast<GammaChannel>(
+        std::clamp(number, static_cast<int>(kGammaGreen), static_cast<int>(kGammaFront)));
+  };
+  members.push_back(
+      {"channel", [](const GammaValues& values) { return static_cast<int>(values.channel); }, set_channel});
+  constexpr std::array<const char*, kGammaCurves> kCurves{"r", "g", "b", "front"};
+  for (std::size_t c = 0; c < kCurves.size(); ++c)
+    for (std::size_t i = 0; i < kGammaPoints; ++i)
+      add_member(
+          members, indexed(kCurves[c], i), [ c, i ](auto& v) -> auto& { return v.curves[c][i]; });
+  return members;
+}
+
+Members<MatrixValues> matrix_members() {
+  constexpr std::array<const char*, kVideoModes> kModes{"tvi", "ahd", "cvi", "cvbs"};
+  Members<MatrixValues> members;
+  for (std::size_t mode = 0; mode < kModes.size(); ++mode)
+    for (std::size_t light = 0; light < kMatrixLights; ++light)
+      for (std::size_t row = 0; row < kMatrixRows; ++row)
+        for (std::size_t j = 0; j < 3; ++j)
+          add_code(members,
+                   indexed(std::string(kModes[mode]) + "." + kLights[light] + "." + kColours[row], j),
+                   [=](auto& v) { return v.tables[mode][row][light].data() + 2 * j; });
+  return members;
+}
+
+Members<LensValues> lens_members() {
+  Members<LensValues> members;
+  for (std::size_t c = 0; c < kColours.size(); ++c)
+    add_member(
+        members, std::string("parameter1.") + kColours[c], [c](auto& v) -> auto& { return v.parameter1[c]; });
+  for (std::size_t c = 0; c < kColours.size(); ++c)
+    add_member(
+        members, std::string("parameter2.") + kColours[c], [c](auto& v) -> auto& { return v.parameter2[c]; });
+  return members;
+}
+
+}  // namespace qv5123

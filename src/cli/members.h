@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "tuning/awb.h"
+#include "tuning/dynamic.h"
+#include "tuning/front.h"
+#include "tuning/gamma.h"
+#include "tuning/lens_shading.h"
+#include "tuning/matrix.h"
+
+namespace qv5123 {
+
+/// One value of a page, by name.
+template <class Values>
+struct Member {
+  std::string name;
+  std::function<int(const Values&)> get;
+  std::function<void(Values&, int)> set;
+};
+template <class Values>
+using Members = std::vector<Member<Values>>;
+
+/// The member that `access` finds in the values.
+template <class Values, class Access>
+void add_member(Members<Values>& members, std::string name, Access access) {
+  const auto get = [access](const Values& values) { return static_cast<int>(access(values)); };
+  const auto set = [access](Values& values, int number) {
+    auto& member = access(values);
+    member = static_cast<std::decay_t<decltype(member)>>(number);
+  };
+  members.push_back({std::move(name), get, set});
+}
+
+// The numbers of the tuning pages as the pages show them, in the order in which they are printed.
+Members<FrontValues> front_members();
+Members<AwbValues> awb_members();
+Members<DynamicValues> dynamic_members();
+/// Points are "r[0]".."r[21]", and so g, b and front.
+Members<GammaValues> gamma_members();
+/// Register codes of the coefficients, 1024 = 1.0, signed: "tvi.outdoor.r[0]" is the first of the red row.
+Members<MatrixValues> matrix_members();
+Members<LensValues> lens_members();
+
+}  // namespace qv5123

@@ -1,0 +1,66 @@
+#include "cli/numbers.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+
+#include "cli/complaint.h"
+
+namespace qv5123 {
+namespace {
+
+/// Unlike from_chars, takes no sign of its own.
+std::optional<long long> parse_digits(std::string_view digits, int base) {
+  long long value = 0;
+  if (digits.empty() || digits.front() == '-') return std::nullopt;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
+  if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
+  return value;
+}
+
+}  // namespace
+
+std::optional<long long> parse_number(std::string_view text) {
+  const bool negative = text.starts_with('-');
+  if (negative || text.starts_with('+')) text.remove_prefix(1);
+  const bool is_hex = text.starts_with("0x") || text.starts_with("0X");
+  const auto value = is_hex ? parse_digits(text.substr(2), 16) : parse_digits(text, 10);
+  return value && negative ? -*value : value;
+}
+
+int number_in(const std::string& name, std::string_view text, int lowest, int highest) {
+  const auto value = parse_number(text);
+  if (!value) refuse(name + ": \"" + std::string(text) + "\" is no number (0x hex or decimal)");
+  if (*value < lowest || *value > highest) {
+    refuse(name + ": " + std::string(text) + " is not in " + std::to_string(lowest) + ".." +
+           std::to_string(highest));
+  }
+  return static_cast<int>(*value);
+}
+
+double real_number(const std::string& name, std::string_view text) {
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (text.empty() || error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) {
+    refuse(name + ": \"" + std::string(text) + "\" is no number");
+  }
+  return value;
+}
+
+std::string hex(unsigned value, int digits) {
+  char text[24];
+  std::snprintf(text, sizeof text, "0x%0*X", digits, value);
+  return text;
+}
+
+std::string shortest(double value) {
+  char text[64];
+  return {text, std::to_chars(text, text + sizeof text, value).ptr};
+}
+
+std::string fixed(double value, int digits) {
+  char text[400];
+  return {text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, digits).ptr};
+}
+
+}  // namespace qv5123

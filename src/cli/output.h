@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "cli/complaint.h"
+#include "cli/json.h"
+
+namespace qv5123 {
+
+/// What the program prints. Results go to stdout, all else to stderr.
+///
+/// A write that fails is remembered instead of reported at once: what prints may be in the middle of
+/// anything.
+class Output {
+ public:
+  void use_json(bool json) { json_ = json; }
+  void be_quiet(bool quiet) { quiet_ = quiet; }
+  bool json() const { return json_; }
+
+  /// A result as text; with JSON, nothing.
+  void text(std::string_view text);
+  /// The whole result as JSON; without, nothing.
+  void result(const Json& json);
+  /// The result in the form that was asked for.
+  void result(const Json& json, std::string_view text);
+  /// One of several results on a line of its own, as soon as it is there.
+  void event(const Json& json, std::string_view text);
+
+  /// Text that tells of what goes on, for people only.
+  void remark(std::string_view text);
+  /// A line on stderr that is not an error.
+  void warning(const std::string& line);
+  /// How far something is, on stderr if that is a terminal. An empty text takes it away again.
+  void progress(const std::string& text);
+
+  /// False once stdout did not take what was written.
+  bool ok() const { return error_ == 0; }
+  /// The code to end with after `code`: a reader that has gone wants no more and is no failure.
+  ExitCode end(ExitCode code);
+
+ private:
+  void write(std::string_view text);
+
+  bool json_ = false;
+  bool quiet_ = false;
+  int error_ = 0;
+  bool progress_shown_ = false;
+};
+
+/// Text from the chip, 8-bit characters, so that it can be shown: UTF-8, without carriage returns, and with
+/// control characters, which could command the terminal, as "\x1b".
+std::string printable(std::string_view latin1);
+
+/// One line on stderr that names the program.
+void complain(std::string text);
+
+}  // namespace qv5123

@@ -1,0 +1,195 @@
+#include <cstdio>
+#include <utility>
+
+#include "cli/chip.h"
+#include "cli/command.h"
+#include "cli/numbers.h"
+#include "tuning/raw_access.h"
+
+namespace qv5123 {
+namespace {
+
+struct AccessOptions {
+  std::vector<int> numbers;
+  bool wide = false;
+  bool sensor = false;
+
+  Access access() const { return wide ? Access::IspWord : sensor ? Access::Sensor : Access::IspByte; }
+};
+
+void declare_kind(CLI::App& command, AccessOptions& options) {
+  auto* wide = command.add_flag("--wide", options.wide, "2-byte values of ISP registers");
+  command.add_flag("--sensor", options.sensor, "Registers of the sensor, 2 bytes each")->excludes(wide);
+}
+
+Batch read_request(Access access, int address) {
+  if (access == Access::IspWord) return isp_wide_read_request(address);
+  if (access == Access::Sensor) return sensor_read_request(address);
+  return isp_read_request(address);
+}
+
+Batch write_batch(Access access, int address, int value) {
+  if (access == Access::IspWord) return isp_wide_write(address, value);
+  if (access == Access::Sensor) return sensor_write(address, value);
+  return isp_write(address, value);
+}
+
+int shown_address(Access access, int address) {
+  return access == Access::Sensor ? address : 0xF000 | (address & 0xFFF);
+}
+
+Json register_json(int address, int value) {
+  return {{"address", address}, {"value", value}};
+}
+
+Task<ExitCode> read(Chip& chip, const AccessOptions& options) {
+  Json json = Json::array();
+  for (const int address : options.numbers) {
+    const int shown = shown_address(options.access(), address);
+    const std::string reply =
+        co_await chip.ask(read_request(options.access(), address), hex(static_cast<unsigned>(shown), 4));
+    const auto field = answer_field(options.access(), reply);
+    if (!field)
+      throw Complaint{kNegative, hex(static_cast<unsigned>(shown), 4) + ": the answer is too short"};
+    json.push_back(register_json(shown, std::stoi(*field, nullptr, 16)));
+    chip.out().text(hex(static_cast<unsigned>(shown), 4) + " = 0x" + *field + "\n");
+  }
+  chip.out().result(json);
+  co_return kDone;
+}
+
+Task<ExitCode> send_all(Chip& chip, Traffic traffic) {
+  const std::size_t flushes = traffic.size();
+  co_await chip.send(std::move(traffic));
+  chip.out().result(Json{{"sent", flushes}});
+  co_return kDone;
+}
+
+ExitCode run_read(Context& context, const AccessOptions& options) {
+  return run_on_chip(context, [&options](Chip& chip) { return read(chip, options); });
+}
+
+struct Pair {
+  int address;
+  int value;
+};
+
+std::vector<Pair> pairs(const std::vector<int>& numbers, int highest_value) {
+  if (numbers.size() % 2 != 0) {
+    refuse("ADDR " + hex(static_cast<unsigned>(numbers.back()), 2) + " has no VALUE");
+  }
+  std::vector<Pair> result;
+  for (std::size_t i = 0; i < numbers.size(); i += 2) {
+    if (numbers[i + 1] > highest_value) {
+      refuse("VALUE: " + hex(static_cast<unsigned>(numbers[i + 1]), 2) + " is not in 0.." +
+             std::to_string(highest_value));
+    }
+    result.push_back({numbers[i], numbers[i + 1]});
+  }
+  return result;
+}
+
+ExitCode run_write(Context& context, const AccessOptions& options) {
+  Traffic traffic;
+  for (const Pair& pair : pairs(options.numbers, options.access() == Access::IspByte ? 0xFF : 0xFFFF)) {
+    traffic.push_back(write_batch(options.access(), pair.address, pair.value));
+  }
+  return run_on_chip(context, [&traffic](Chip& chip) { return send_all(chip, traffic); });
+}
+
+struct SendOptions {
+  std::vector<int> numbers;
+};
+
+ExitCode run_send(Context& context, const SendOptions& options) {
+  Batch batch;
+  for (const Pair& pair : pairs(options.numbers, 0xFF)) {
+    batch.push_back({low_byte(pair.address), low_byte(pair.value)});
+  }
+  return run_on_chip(context, [&batch](Chip& chip) { return send_all(chip, {batch}); });
+}
+
+struct DumpOptions {
+  int start = 0;
+  int end = 0;
+};
+
+/// The registers of a dump's lines "0xF922 = 0x12".
+Json registers_of(const std::string& text) {
+  Json json = Json::array();
+  unsigned address = 0;
+  unsigned value = 0;
+  for (std::size_t at = 0; (at = text.find("0x", at)) != std::string::npos; ++at) {
+    if (std::sscanf(text.c_str() + at, "0x%4x = 0x%4x", &address, &value) == 2) {
+      json.push_back(register_json(static_cast<int>(address), static_cast<int>(value)));
+    }
+  }
+  return json;
+}
+
+Task<ExitCode> dump(Chip& chip, const DumpOptions& options) {
+  std::string text;
+  chip.on_console([&](const std::string& received) {
+    text += received;
+    chip.out().text(printable(received));
+  });
+  if (!co_await chip.send_and_listen(dump_request(options.start, options.end))) {
+    throw Complaint{kNegative, "The chip did not answer"};
+  }
+  // Some chips answer in a block instead of in words.
+  if (const auto block = chip.link().reply().take_block()) {
+    const std::string lines = answer_text(Access::Dump, options.start, *block);
+    text += lines;
+    chip.out().text(printable(lines));
+  }
+  chip.out().result(registers_of(text));
+  co_return kDone;
+}
+
+ExitCode run_dump(Context& context, const DumpOptions& options) {
+  if (options.end < options.start) {
+    refuse("END " + hex(static_cast<unsigned>(options.end), 4) + " lies before START " +
+           hex(static_cast<unsigned>(options.start), 4));
+  }
+  return run_on_chip(context, [&options](Chip& chip) { return dump(chip, options); });
+}
+
+}  // namespace
+
+void add_register_commands(CLI::App& app, Context& context) {
+  CLI::App* reg = add_group(app, "reg", "Registers of the ISP and the sensor");
+  add_command<AccessOptions>(
+      *reg, context, "read", "Read registers and print them as \"0xF922 = 0x12\"",
+      [](CLI::App& command, AccessOptions& options) {
+        add_numbers(command, "ADDR", options.numbers, 0, 0xFFFF, "Addresses")->required();
+        declare_kind(command, options);
+      },
+      run_read);
+  add_command<AccessOptions>(
+      *reg, context, "write", "Write registers, one flush each",
+      [](CLI::App& command, AccessOptions& options) {
+        add_numbers(command, "ADDR VALUE", options.numbers, 0, 0xFFFF,
+                    "Address and value, any number of pairs")
+            ->required();
+        declare_kind(command, options);
+      },
+      run_write);
+  add_register_file_commands(*reg, context);
+  add_command<DumpOptions>(
+      *reg, context, "dump", "Ask for a dump of ISP registers and print what comes",
+      [](CLI::App& command, DumpOptions& options) {
+        add_number(command, "START", options.start, 0, 0xFFFF, "First address")->required();
+        add_number(command, "END", options.end, 0, 0xFFFF, "Last address")->required();
+      },
+      run_dump);
+  add_command<SendOptions>(
+      app, context, "send", "Write direct registers, all in one flush",
+      [](CLI::App& command, SendOptions& options) {
+        add_numbers(command, "ADDR VALUE", options.numbers, 0, 0xFF,
+                    "Register and value, any number of pairs; both 0..255")
+            ->required();
+      },
+      run_send);
+}
+
+}  // namespace qv5123

@@ -1,0 +1,27 @@
+#include "cli/self_description.h"
+
+#include "cli/command.h"
+
+namespace qv5123 {
+namespace {
+
+/// The whole tree, of which the command's own parent is the root.
+template <std::string (*describe)(const CLI::App&)>
+void add_hidden(CLI::App& app, Context& context, const std::string& name, const std::string& help) {
+  CLI::App* command = app.add_subcommand(name, help)->group("");
+  command->callback([&app, &context] {
+    context.action = [&app, &context] {
+      context.out.result(describe(app), describe(app));
+      return kDone;
+    };
+  });
+}
+
+}  // namespace
+
+void add_self_description(CLI::App& app, Context& context) {
+  add_hidden<manual_page>(app, context, "man", "Print the manual page");
+  add_hidden<bash_completion>(app, context, "bash-completion", "Print the completion for bash");
+}
+
+}  // namespace qv5123

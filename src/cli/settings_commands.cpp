@@ -1,0 +1,153 @@
+#include <utility>
+
+#include "cli/command.h"
+#include "cli/files.h"
+#include "cli/numbers.h"
+#include "cli/settings_check.h"
+#include "console/setting_file.h"
+
+namespace qv5123 {
+namespace {
+
+struct SettingsOptions {
+  std::filesystem::path file;
+  std::filesystem::path other;
+  std::vector<std::string> names;
+};
+
+std::vector<Setting> wanted(const SettingsTable& table, const std::vector<std::string>& names) {
+  if (names.empty()) return table.settings();
+  std::vector<Setting> settings;
+  for (const std::string& name : names) {
+    std::vector<Setting> found = table.find(name);
+    if (found.empty()) refuse("No setting is named \"" + name + "\"");
+    for (Setting& setting : found) settings.push_back(std::move(setting));
+  }
+  return settings;
+}
+
+ExitCode show(Context& context, const SettingsOptions& options) {
+  const UserDataImage image = read_settings(options.file);
+  Json values = Json::object();
+  std::string text;
+  for (const Setting& setting : wanted(SettingsTable(), options.names)) {
+    const int value = setting.get(image);
+    values[setting.name] = value;
+    text += setting.name + " = " + std::to_string(value) + "\n";
+  }
+  Json json = {{"file", path_text(options.file)}};
+  // Without a choice the file as it is, too.
+  if (options.names.empty()) json["entries"] = image.bytes();
+  json["values"] = values;
+  context.out.result(json, text);
+  return kDone;
+}
+
+/// "NAME=VALUE" put into the image.
+void assign(const SettingsTable& table, const std::string& text, UserDataImage& image) {
+  const std::size_t equals = text.find('=');
+  if (equals == std::string::npos) refuse("\"" + text + "\" is not of the form NAME=VALUE");
+  const std::string name = text.substr(0, equals);
+  const std::vector<Setting> found = table.find(name);
+  if (found.empty()) refuse("No setting is named \"" + name + "\"");
+  if (found.size() > 1) refuse("\"" + name + "\" stands for " + std::to_string(found.size()) + " settings");
+  const int number = number_in(name, text.substr(equals + 1), -0x8000, 0xFFFF);
+  found.front().set(image, number);
+  const int stored = found.front().get(image);
+  if (stored != number) {
+    refuse(name + ": " + text.substr(equals + 1) + " is beyond its range, the nearest is " +
+           std::to_string(stored));
+  }
+}
+
+ExitCode set(Context& context, const SettingsOptions& options) {
+  const SettingsTable table;
+  UserDataImage image = read_settings(options.file);
+  for (const std::string& assignment : options.names) assign(table, assignment, image);
+  write_file(options.file, setting_text(image));
+  context.out.result(Json{{"file", path_text(options.file)}, {"set", options.names.size()}});
+  return kDone;
+}
+
+std::vector<std::size_t> differing(const Setting& setting, const UserDataImage& a, const UserDataImage& b) {
+  std::vector<std::size_t> entries;
+  for (const std::size_t entry : setting.entries)
+    if (a.entry(entry) != b.entry(entry)) entries.push_back(entry);
+  return entries;
+}
+
+/// The numbers of a setting in both images, or of its bytes where a page would show no difference.
+void add_difference(const Setting& setting, const UserDataImage& a, const UserDataImage& b, Json& json,
+                    std::string& text) {
+  const auto add = [&](const std::string& name, const std::vector<std::size_t>& entries, int one, int other) {
+    json.push_back({{"name", name}, {"entries", entries}, {"a", one}, {"b", other}});
+    text += name + ": " + std::to_string(one) + " -> " + std::to_string(other) + "\n";
+  };
+  const std::vector<std::size_t> entries = differing(setting, a, b);
+  const int one = setting.get(a);
+  const int other = setting.get(b);
+  if (one != other) return add(setting.name, entries, one, other);
+  for (const std::size_t entry : entries) {
+    add(std::to_string(entry), {entry}, a.entry(entry), b.entry(entry));
+  }
+}
+
+ExitCode diff(Context& context, const SettingsOptions& options) {
+  const UserDataImage a = read_settings(options.file);
+  const UserDataImage b = read_settings(options.other);
+  const SettingsTable table;
+  Json json = Json::array();
+  std::string text;
+  for (const Setting& setting : table.settings()) {
+    if (!differing(setting, a, b).empty()) add_difference(setting, a, b, json, text);
+  }
+  context.out.result({{"differences", json}}, text);
+  return json.empty() ? kDone : kNegative;
+}
+
+ExitCode check(Context& context, const SettingsOptions& options) {
+  std::vector<std::string> problems = format_problems(read_file(options.file, kSettingFileLimit));
+  for (std::string& problem : value_problems(SettingsTable(), read_settings(options.file))) {
+    problems.push_back(std::move(problem));
+  }
+  std::string text;
+  for (const std::string& problem : problems) text += path_text(options.file) + ": " + problem + "\n";
+  context.out.result({{"ok", problems.empty()}, {"problems", problems}}, text);
+  if (problems.empty()) context.out.remark(path_text(options.file) + ": ok\n");
+  return problems.empty() ? kDone : kNegative;
+}
+
+void declare_file(CLI::App& command, SettingsOptions& options) {
+  add_path(command, "FILE", options.file, "A setting file")->required();
+}
+
+void declare_show(CLI::App& command, SettingsOptions& options) {
+  declare_file(command, options);
+  command.add_option("NAME", options.names, "Names, beginnings of names, or indexes; without, all")
+      ->type_name("");
+}
+
+void declare_set(CLI::App& command, SettingsOptions& options) {
+  declare_file(command, options);
+  command.add_option("NAME=VALUE", options.names, "Name or index, and a number")->type_name("")->required();
+}
+
+void declare_diff(CLI::App& command, SettingsOptions& options) {
+  add_path(command, "A", options.file, "A setting file")->required();
+  add_path(command, "B", options.other, "Another one")->required();
+}
+
+}  // namespace
+
+void add_settings_commands(CLI::App& app, Context& context) {
+  CLI::App* settings = add_group(app, "settings", "Setting files, by name and by index");
+  add_command<SettingsOptions>(*settings, context, "show", "Print settings", declare_show, show);
+  add_command<SettingsOptions>(*settings, context, "set", "Change settings in a file", declare_set, set);
+  add_command<SettingsOptions>(*settings, context, "diff", "Print what differs between two files",
+                               declare_diff, diff);
+  add_command<SettingsOptions>(*settings, context, "check",
+                               "Check that a file is whole and within what the pages take", declare_file,
+                               check);
+}
+
+}  // namespace qv5123

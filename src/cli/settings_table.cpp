@@ -1,0 +1,112 @@
+#include "cli/settings_table.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <memory>
+
+#include "cli/numbers.h"
+#include "cli/tuning_page.h"
+#include "console/main_commands.h"
+#include "console/version_box.h"
+#include "tuning/userdata_parameters.h"
+
+namespace qv5123 {
+namespace {
+
+Setting byte_setting(std::string name, std::size_t entry) {
+  return {std::move(name),
+          {entry},
+          [entry](const UserDataImage& image) { return image.entry(entry); },
+          [entry](UserDataImage& image, int number) { image.set_entry(entry, number); }};
+}
+
+Setting page_setting(const std::shared_ptr<const TuningPage>& page, std::size_t i) {
+  const TuningPage::Value& value = page->values()[i];
+  return {value.name, value.entries,
+          [page, i](const UserDataImage& image) { return page->from_image(image)[i]; },
+          [page, i](UserDataImage& image, int number) { page->store(i, number, image); }};
+}
+
+/// One of the three numbers of a version slot, kept as tens and units.
+Setting version_setting(int slot, std::size_t i) {
+  constexpr std::array<const char*, kVersionSlots> kSlots{"hw", "sw", "isp"};
+  // Where the digits are shows when both are changed.
+  UserDataImage marked;
+  VersionNumbers numbers{};
+  numbers[i] = 11;
+  store_version(marked, slot, numbers);
+  std::vector<std::size_t> entries;
+  for (std::size_t entry = 0; entry < UserDataImage::kSize; ++entry)
+    if (marked.entry(entry) != 0) entries.push_back(entry);
+  const auto set = [slot, i](UserDataImage& image, int number) {
+    VersionNumbers numbers = load_version(image, slot);
+    numbers[i] = number;
+    store_version(image, slot, numbers);
+  };
+  return {std::string("version.") + kSlots[static_cast<std::size_t>(slot)] + "[" + std::to_string(i) + "]",
+          entries, [slot, i](const UserDataImage& image) { return load_version(image, slot)[i]; }, set};
+}
+
+/// "Pre Nr filter size 0~1" as "pre_nr_filter_size_0_1".
+std::string plain_name(std::string_view text) {
+  std::string name;
+  for (const char c : text) {
+    if (std::isalnum(static_cast<unsigned char>(c))) {
+      name += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    } else if (!name.empty() && name.back() != '_') {
+      name += '_';
+    }
+  }
+  if (name.ends_with('_')) name.pop_back();
+  return name;
+}
+
+void add_pages(std::vector<Setting>& settings) {
+  for (const char* name : kTuningPages) {
+    const std::shared_ptr<const TuningPage> page = make_tuning_page(name);
+    for (std::size_t i = 0; i < page->values().size(); ++i)
+      if (!page->values()[i].entries.empty()) settings.push_back(page_setting(page, i));
+  }
+}
+
+void add_unnamed(std::vector<Setting>& settings) {
+  std::array<bool, UserDataImage::kSize> named{};
+  for (const Setting& setting : settings)
+    for (const std::size_t entry : setting.entries) named[entry] = true;
+  for (std::size_t entry = 0; entry < named.size(); ++entry)
+    if (!named[entry]) settings.push_back(byte_setting(std::to_string(entry), entry));
+}
+
+bool is_in_group(const std::string& name, std::string_view group) {
+  return name.size() > group.size() && name.starts_with(group) &&
+         (name[group.size()] == '.' || name[group.size()] == '[');
+}
+
+}  // namespace
+
+SettingsTable::SettingsTable() {
+  add_pages(settings_);
+  for (const UserdataParameter& parameter : userdata_parameters())
+    settings_.push_back(byte_setting("parameter." + plain_name(parameter.name), parameter.entry));
+  for (int slot = 0; slot < kVersionSlots; ++slot)
+    for (std::size_t i = 0; i < 3; ++i) settings_.push_back(version_setting(slot, i));
+  settings_.push_back(byte_setting("osd.pattern", kOsdPatternEntry));
+  add_unnamed(settings_);
+  std::sort(settings_.begin(), settings_.end(),
+            [](const Setting& a, const Setting& b) { return a.entries.front() < b.entries.front(); });
+}
+
+std::vector<Setting> SettingsTable::find(std::string_view name) const {
+  std::vector<Setting> found;
+  if (const auto index = parse_number(name)) {
+    const bool exists = *index >= 0 && *index < static_cast<long long>(UserDataImage::kSize);
+    if (exists) found.push_back(byte_setting(std::to_string(*index), static_cast<std::size_t>(*index)));
+    return found;
+  }
+  for (const Setting& setting : settings_)
+    if (setting.name == name || is_in_group(setting.name, name)) found.push_back(setting);
+  return found;
+}
+
+}  // namespace qv5123

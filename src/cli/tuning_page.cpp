@@ -1,0 +1,230 @@
+#include "cli/tuning_page.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "cli/members.h"
+#include "tuning/matrix_flow.h"
+
+namespace qv5123 {
+namespace {
+
+/// Numbers to try a value with. What reacts to none of them does not depend on it.
+constexpr std::array kTrials{0, 1, 2, 3, -1, 50, -50, 100, 255, 256, 1023, 4095, -30000, 0xFFFF};
+
+/// What differs from page to page. The pages' own functions do the work.
+struct PageKind {
+  template <class Values>
+  static void store(const Values& values, UserDataImage& image) {
+    save_to_user_data(values, image);
+  }
+  template <class Values>
+  static void load(Values& values, const UserDataImage& image) {
+    reload_from_user_data(values, image);
+  }
+  static Task<> after_save(CommandLink&) { co_return; }
+};
+
+struct FrontKind : PageKind {
+  using Values = FrontValues;
+  static constexpr std::uint8_t kTrigger = kFrontQuery;
+  static Members<Values> members() { return front_members(); }
+  static auto decode(std::string_view reply) { return decode_front_reply(reply, {}); }
+  static std::string encode(const Values& values) { return encode_front_reply(values); }
+  static TuningPage::Save save(Values& values, const UserDataImage&) {
+    return {front_save_traffic(values), {}, {}, {}};
+  }
+  // "Color Suppress" is stored by its own control, not with the others.
+  static void store(const Values& values, UserDataImage& image) {
+    save_to_user_data(values, image);
+    qv5123::store(front_effect(FrontControl::ColorSuppress, values), image);
+  }
+  static void load(Values& values, const UserDataImage& image) {
+    reload_from_user_data(values, image);
+    values.color_suppress = true;
+    const ImageEntry on = front_effect(FrontControl::ColorSuppress, values).entries.at(0);
+    values.color_suppress = image.entry(on.index) == on.value;
+  }
+};
+
+struct AwbKind : PageKind {
+  using Values = AwbValues;
+  static constexpr std::uint8_t kTrigger = kAwbQuery;
+  static Members<Values> members() { return awb_members(); }
+  static auto decode(std::string_view reply) { return decode_awb_reply(reply, {}); }
+  static std::string encode(const Values& values) { return encode_awb_reply(values); }
+  static TuningPage::Save save(Values& values, const UserDataImage&) {
+    return {awb_save_traffic(values), {}, {}, {}};
+  }
+};
+
+struct DynamicKind : PageKind {
+  using Values = DynamicValues;
+  static constexpr std::uint8_t kTrigger = kDynamicQuery;
+  static Members<Values> members() { return dynamic_members(); }
+  static auto decode(std::string_view reply) { return decode_dynamic_reply(reply, {}); }
+  static std::string encode(const Values& values) { return encode_dynamic_reply(values); }
+  static TuningPage::Save save(Values& values, const UserDataImage& image) {
+    const auto bank = selected_bank(values.ir_led, values.video_mode).value_or(BankId::Tvi);
+    const StepGrid grid = decode_step_bank(values.banks[static_cast<std::size_t>(bank)]);
+    DynamicSave saved = dynamic_save(values, grid, image);
+    values = saved.values;
+    TuningPage::Save save{std::move(saved.traffic), kFlashStoreTime, {}, {}};
+    for (const StepMessage& message : saved.messages)
+      save.warnings.push_back(message.title + ": " + message.text);
+    return save;
+  }
+};
+
+struct GammaKind : PageKind {
+  using Values = GammaValues;
+  static constexpr std::uint8_t kTrigger = kGammaLoadTrigger;
+  static Members<Values> members() { return gamma_members(); }
+  static auto decode(std::string_view reply) { return decode_gamma_reply(reply, {}); }
+  static std::string encode(const Values& values) { return encode_gamma_reply(values); }
+  static TuningPage::Save save(Values& values, const UserDataImage&) {
+    return {gamma_full_save(values), {}, {}, {}};
+  }
+  // The page loads the front curve but never stores it; here its entries have names like all others.
+  static void store(const Values& values, UserDataImage& image) {
+    save_to_user_data(values, image);
+    ImageWriter writer(image);
+    gamma_front_image_layout(values, writer);
+  }
+  static void load(Values& values, UserDataImage image) {
+    image.mark_loaded();
+    reload_from_user_data(values, image);
+  }
+};
+
+struct MatrixKind : PageKind {
+  using Values = MatrixValues;
+  static constexpr std::uint8_t kTrigger = kMatrixLoadTrigger;
+  static Members<Values> members() { return matrix_members(); }
+  static auto decode(std::string_view reply) { return decode_matrix_reply(reply, {}); }
+  static std::string encode(const Values& values) { return encode_matrix_reply(values); }
+  static TuningPage::Save save(Values& values, const UserDataImage&) {
+    return {matrix_full_save(values), {}, {}, {}};
+  }
+  /// Ends a capture, which makes the chip correct colours again.
+  static Task<> after_save(CommandLink& link) {
+    MatrixValues values;
+    co_await switch_matrix_picker(link, values, false);
+  }
+};
+
+struct LensKind : PageKind {
+  using Values = LensValues;
+  static constexpr std::uint8_t kTrigger = kLensLoadTrigger;
+  static Members<Values> members() { return lens_members(); }
+  static auto decode(std::string_view reply) { return decode_lens_reply(reply, {}); }
+  static std::string encode(const Values& values) { return encode_lens_reply(values); }
+  static TuningPage::Save save(Values& values, const UserDataImage&) {
+    return {lens_full_save(values), {}, {}, {}};
+  }
+};
+
+template <class Kind>
+class PageOf final : public TuningPage {
+ public:
+  using Values = typename Kind::Values;
+
+  explicit PageOf(const std::string& name) : TuningPage(name, Kind::kTrigger), members_(Kind::members()) {
+    for (const Member<Values>& member : members_) values_.push_back(find_out(member));
+  }
+
+  Numbers from_image(const UserDataImage& image) const override {
+    Values values;
+    Kind::load(values, image);
+    return numbers(values);
+  }
+
+  std::optional<Numbers> from_reply(std::string_view reply) const override {
+    const auto values = Kind::decode(reply);
+    if (!values) return std::nullopt;
+    return numbers(*values);
+  }
+
+  void store(std::size_t value, int number, UserDataImage& image) const override {
+    Values values;
+    Kind::load(values, image);
+    members_[value].set(values, number);
+    UserDataImage stored = image;
+    Kind::store(values, stored);
+    for (const std::size_t entry : values_[value].entries) image.set_entry(entry, stored.entry(entry));
+  }
+
+  Save save(const UserDataImage& image) const override {
+    Values values;
+    Kind::load(values, image);
+    Save save = Kind::save(values, image);
+    save.numbers = numbers(values);
+    return save;
+  }
+
+  Task<> after_save(CommandLink& link) const override { return Kind::after_save(link); }
+
+ private:
+  Numbers numbers(const Values& values) const {
+    Numbers numbers;
+    for (const Member<Values>& member : members_) numbers.push_back(member.get(values));
+    return numbers;
+  }
+
+  /// Where a value goes is found out by changing it and looking what changes with it, so that no place is
+  /// named a second time here.
+  Value find_out(const Member<Values>& member) const {
+    const auto reply = [](const Values& values) { return Kind::encode(values); };
+    const auto traffic = [](Values values) { return Kind::save(values, UserDataImage()).traffic; };
+    return {name() + "." + member.name, entries_of(member), reacts(member, reply), reacts(member, traffic)};
+  }
+
+  static Values trial(const Member<Values>& member, int number) {
+    Values values;
+    member.set(values, number);
+    return values;
+  }
+
+  template <class Function>
+  static bool reacts(const Member<Values>& member, Function function) {
+    const auto first = function(trial(member, kTrials[0]));
+    return std::any_of(kTrials.begin() + 1, kTrials.end(),
+                       [&](int number) { return function(trial(member, number)) != first; });
+  }
+
+  static std::vector<std::size_t> entries_of(const Member<Values>& member) {
+    UserDataImage first;
+    Kind::store(trial(member, kTrials[0]), first);
+    std::array<bool, UserDataImage::kSize> differs{};
+    for (const int number : kTrials) {
+      UserDataImage image;
+      Kind::store(trial(member, number), image);
+      for (std::size_t i = 0; i < differs.size(); ++i) differs[i] |= image.entry(i) != first.entry(i);
+    }
+    std::vector<std::size_t> entries;
+    for (std::size_t i = 0; i < differs.size(); ++i)
+      if (differs[i]) entries.push_back(i);
+    return entries;
+  }
+
+  const Members<Values> members_;
+};
+
+template <class Kind>
+std::unique_ptr<TuningPage> make(std::string_view name) {
+  return std::make_unique<PageOf<Kind>>(std::string(name));
+}
+
+}  // namespace
+
+std::unique_ptr<TuningPage> make_tuning_page(std::string_view name) {
+  if (name == "front") return make<FrontKind>(name);
+  if (name == "awb") return make<AwbKind>(name);
+  if (name == "dynamic") return make<DynamicKind>(name);
+  if (name == "gamma") return make<GammaKind>(name);
+  if (name == "matrix") return make<MatrixKind>(name);
+  return make<LensKind>(name);
+}
+
+}  // namespace qv5123
