@@ -10,6 +10,7 @@
 #include "cli/context.h"
 #include "cli/interrupts.h"
 #include "cli/trace_device.h"
+#include "link/background.h"
 #include "link/loop_scheduler.h"
 #include "link/port_session.h"
 
@@ -40,6 +41,7 @@ class Chip {
   Context& context() { return context_; }
   Output& out() { return context_.out; }
   CommandLink& link() { return session_->link(); }
+  Background& background() { return background_; }
   std::chrono::milliseconds timeout() const { return context_.globals.timeout; }
 
   /// Asks and returns the characters of the reply; a Complaint that names `what` when none came.
@@ -74,6 +76,7 @@ class Chip {
   Context& context_;
   LoopScheduler scheduler_;
   Interrupts interrupts_;
+  BackgroundThread background_{scheduler_};
   std::optional<Trace> trace_;
   std::function<void(const std::string&)> take_console_;
   std::function<void()> on_interrupt_;

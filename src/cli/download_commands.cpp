@@ -103,7 +103,7 @@ class Download {
   const DownloadOptions& options_;
   HeadlessPrompts prompts_;
   CQV5123Doc document_;
-  ImageTransfer transfer_{chip_.link(), document_, prompts_, view()};
+  ImageTransfer transfer_{chip_.link(), document_, prompts_, chip_.background(), view()};
   std::string received_;
 };
 

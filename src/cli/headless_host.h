@@ -33,6 +33,7 @@ class HeadlessHost final : public PageHost {
   CommandLink& link() override { return chip_.link(); }
   CQV5123Doc& document() override { return document_; }
   Prompts& prompts() override { return prompts_; }
+  Background& background() override { return chip_.background(); }
   /// Commands say by themselves what came of them.
   void show_status(const std::string& text) override;
   const std::string& last_status() const { return last_status_; }
@@ -40,7 +41,7 @@ class HeadlessHost final : public PageHost {
   void append_console(const std::string& text) override;
   Task<bool> write_user_data_file() override { co_return true; }
   Task<bool> save_everything() override { co_return true; }
-  void reload_user_data_file() override {}
+  Task<> reload_user_data_file() override { co_return; }
   void set_busy(bool) override {}
 
  private:
