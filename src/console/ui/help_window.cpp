@@ -1,7 +1,7 @@
 #include "console/ui/help_window.h"
 
 #include <QAction>
-#include <QTextBrowser>
+#include <QFile>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -12,9 +12,9 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
   browser_ = new QTextBrowser(this);
   browser_->setAccessibleName(tr("Help text"));
   browser_->setOpenExternalLinks(false);
-  browser_->setSource(QUrl("qrc:/help/index.md"), QTextDocument::MarkdownResource);
+  show_topic({});
   auto* bar = new QToolBar(this);
-  connect(bar->addAction(tr("Contents")), &QAction::triggered, browser_, &QTextBrowser::home);
+  connect(bar->addAction(tr("Contents")), &QAction::triggered, this, [this] { show_topic({}); });
   QAction* back = bar->addAction(tr("Back"));
   back->setShortcut(QKeySequence::Back);
   back->setEnabled(false);
@@ -26,6 +26,12 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
   rows->addWidget(bar);
   rows->addWidget(browser_, 1);
   resize(720, 640);
+}
+
+void HelpWindow::show_topic(const QString& name) {
+  const QString file = QStringLiteral("help/%1.md").arg(name.isEmpty() ? QStringLiteral("index") : name);
+  if (!QFile::exists(QStringLiteral(":/") + file)) return;
+  browser_->setSource(QUrl(QStringLiteral("qrc:/") + file), QTextDocument::MarkdownResource);
 }
 
 }  // namespace qv5123

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QWidget>
-
-class QTextBrowser;
+#include <QTextBrowser>
 
 namespace qv5123 {
 
@@ -12,6 +10,11 @@ class HelpWindow final : public QWidget {
 
  public:
   explicit HelpWindow(QWidget* parent = nullptr);
+
+  /// Shows the help of one topic, such as a page by its name; empty for the contents. Nothing changes for a
+  /// topic that there is not.
+  void show_topic(const QString& name);
+  const QTextBrowser& browser() const { return *browser_; }
 
  private:
   QTextBrowser* browser_ = nullptr;

@@ -6,6 +6,7 @@
 
 #include "console/ui/frame.h"
 #include "console/ui/help_window.h"
+#include "console/ui/page_area.h"
 #include "console/ui/qv5123_view.h"
 #include "console/ui/tour.h"
 #include "console/ui/unattended_prompts.h"
@@ -171,6 +172,8 @@ Task<> Program::make_tour() {
 
 void Program::show_help() {
   if (!help_) help_ = std::make_unique<HelpWindow>();
+  const std::optional<PageId> page = view_->pages().current();
+  help_->show_topic(page ? QLatin1String(kPageEntries[static_cast<std::size_t>(*page)].name) : QString());
   help_->show();
   help_->raise();
   help_->activateWindow();
