@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "console/image_transfer.h"
+#include "link/background.h"
 #include "link/loop_scheduler.h"
 #include "link/port_session.h"
 #include "link/system_serial_device.h"
@@ -71,7 +72,8 @@ int main(int argc, char** argv) {
   CQV5123Doc document;
   OneFile prompts(argv[3]);
   Blocks blocks;
-  ImageTransfer transfer(session.link(), document, prompts,
+  BackgroundThread background(scheduler);
+  ImageTransfer transfer(session.link(), document, prompts, background,
                          {[&](int position) { blocks.moved_to(position); }, [](const std::string&) {},
                           [](const std::string&) {}});
   bool ok = false;
