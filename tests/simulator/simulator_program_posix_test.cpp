@@ -2,107 +2,22 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
-#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
+#include "support/program_posix.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
-using namespace std::chrono_literals;
-
-fs::path program() {
-  if (const char* folder = std::getenv("QV5123_BIN")) return fs::path(folder) / "qv5123sim";
-  return fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "bin" / "qv5123sim";
-}
-
-/// Reads from `fd` until `text` holds `wanted`, the end, or ten seconds have passed.
-void read_until(int fd, std::string& text, std::string_view wanted) {
-  const auto deadline = Clock::now() + 10s;
-  while (text.find(wanted) == std::string::npos) {
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
-    pollfd ready{fd, POLLIN, 0};
-    if (left.count() <= 0 || ::poll(&ready, 1, static_cast<int>(left.count())) <= 0) return;
-    char buffer[4096];
-    const ssize_t count = ::read(fd, buffer, sizeof buffer);
-    if (count <= 0) return;
-    text.append(buffer, static_cast<std::size_t>(count));
-  }
-}
-
-/// The program, started with arguments; what it prints can be read, its end awaited.
-class Program {
- public:
-  explicit Program(std::vector<std::string> arguments) {
-    int out[2], err[2];
-    if (::pipe(out) != 0 || ::pipe(err) != 0) std::abort();
-    pid_ = ::fork();
-    if (pid_ == 0) {
-      ::dup2(out[1], STDOUT_FILENO);
-      ::dup2(err[1], STDERR_FILENO);
-      for (const int fd : {out[0], out[1], err[0], err[1]}) ::close(fd);
-      const std::string path = program().string();
-      std::vector<char*> argv{const_cast<char*>(path.c_str())};
-      for (std::string& argument : arguments) argv.push_back(argument.data());
-      argv.push_back(nullptr);
-      ::execv(argv[0], argv.data());
-      ::_exit(127);
-    }
-    ::close(out[1]);
-    ::close(err[1]);
-    out_ = out[0];
-    err_ = err[0];
-  }
-  ~Program() {
-    if (pid_ > 0) end(SIGKILL);
-    ::close(out_);
-    ::close(err_);
-  }
-  Program(const Program&) = delete;
-  Program& operator=(const Program&) = delete;
-
-  std::string line() {
-    read_until(out_, printed_, "\n");
-    const std::size_t end = printed_.find('\n');
-    const std::string line = printed_.substr(0, end);
-    printed_.erase(0, end == std::string::npos ? end : end + 1);
-    return line;
-  }
-  std::string errors() {
-    std::string text;
-    read_until(err_, text, "\x04");
-    return text;
-  }
-  /// Its exit code; -1 when a signal ended it.
-  int end(int signal = 0) {
-    if (signal != 0) ::kill(pid_, signal);
-    int status = 0;
-    ::waitpid(std::exchange(pid_, -1), &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-  /// Seconds of processor time it has used.
-  double processor_time() const {
-    std::ifstream stat("/proc/" + std::to_string(pid_) + "/stat");
-    std::string field;
-    long ticks = 0;
-    for (int i = 1; i <= 15 && stat >> field; ++i) ticks += i >= 14 ? std::stol(field) : 0;
-    return static_cast<double>(ticks) / static_cast<double>(::sysconf(_SC_CLK_TCK));
-  }
-
- private:
-  pid_t pid_ = -1;
-  int out_ = -1;
-  int err_ = -1;
-  std::string printed_;
-};
+using namespace qv5123::test;
 
 /// A host's end of the line. It sets up nothing: the line comes ready to use.
 class Host {
@@ -150,7 +65,7 @@ fs::path fresh_path(const char* name) {
 
 TEST(SimulatorProgram, ServesHostsThatComeAndGo) {
   const fs::path link = fresh_path("qv5123sim-link");
-  Program simulator({"--link", link.string(), "--trace"});
+  Program simulator("qv5123sim", {"--link", link.string(), "--trace"});
   const std::string path = simulator.line();
   EXPECT_EQ(fs::read_symlink(link), path);
   {
@@ -175,7 +90,7 @@ TEST(SimulatorProgram, ServesHostsThatComeAndGo) {
 }
 
 TEST(SimulatorProgram, TakesAnImageNoFasterThanTheLine) {
-  Program simulator({"--line-rate", "115200"});
+  Program simulator("qv5123sim", {"--line-rate", "115200"});
   Host host(simulator.line());
   ASSERT_TRUE(host.open());
   host.expect("^");
@@ -193,7 +108,7 @@ TEST(SimulatorProgram, TakesAnImageNoFasterThanTheLine) {
 
 TEST(SimulatorProgram, ComesBackAfterAHangup) {
   const fs::path link = fresh_path("qv5123sim-hangup");
-  Program simulator({"--link", link.string(), "--fault", "hangup=1"});
+  Program simulator("qv5123sim", {"--link", link.string(), "--fault", "hangup=1"});
   const std::string first = simulator.line();
   {
     Host host(first);
@@ -210,7 +125,7 @@ TEST(SimulatorProgram, AnswersOnAPortThatItIsGiven) {
   const int near_end = ::posix_openpt(O_RDWR | O_NOCTTY);
   ASSERT_TRUE(near_end >= 0 && ::grantpt(near_end) == 0 && ::unlockpt(near_end) == 0);
   const std::string port = ::ptsname(near_end);
-  Program simulator({"--port", port});
+  Program simulator("qv5123sim", {"--port", port});
   EXPECT_EQ(simulator.line(), port);
   std::string text;
   read_until(near_end, text, "^");
@@ -224,7 +139,7 @@ TEST(SimulatorProgram, AnswersOnAPortThatItIsGiven) {
   ::close(near_end);
   EXPECT_EQ(simulator.end(SIGTERM), 0);
 
-  Program without({"--port", "/dev/no-such-port"});
+  Program without("qv5123sim", {"--port", "/dev/no-such-port"});
   EXPECT_NE(without.errors().find("/dev/no-such-port"), std::string::npos);
   EXPECT_EQ(without.end(), 3);
 }
@@ -245,7 +160,7 @@ TEST(SimulatorProgram, NamesABadOptionInOneLine) {
       {{"--link", file.string()}, "--link " + file.string() + " exists and is not a link"},
   };
   for (const auto& bad : cases) {
-    Program simulator(bad.arguments);
+    Program simulator("qv5123sim", bad.arguments);
     EXPECT_EQ(simulator.errors(), "qv5123sim: " + bad.complaint + "\n");
     EXPECT_EQ(simulator.end(), 2);
   }
