@@ -1,8 +1,10 @@
 #include <algorithm>
+#include <iterator>
 
 #include "cli/command.h"
 #include "cli/command_tree.h"
 #include "cli/self_description.h"
+#include "cli/tuning_page.h"
 
 namespace qv5123 {
 namespace {
@@ -28,12 +30,16 @@ void add_paths(const CLI::App& app, const std::string& path, std::vector<std::st
 std::string case_of(const CLI::App& app, const std::string& path) {
   std::vector<std::string> words;
   for (const CLI::App* command : subcommands(app)) words.push_back(command->get_name());
-  for (const CLI::Option* option : options(app)) words.push_back(option_name(*option));
+  for (const CLI::Option* option : options(app)) {
+    // The global ones are offered everywhere.
+    if (!path.empty() && option != app.get_help_ptr()) words.push_back(option_name(*option));
+  }
   bool files = false;
   for (const CLI::Option* argument : arguments(app)) files = files || argument->get_type_name() == kFileType;
   // The pages are the only arguments with a fixed set of words.
-  if (path.starts_with("page "))
-    words.insert(words.end(), {"front", "awb", "dynamic", "gamma", "matrix", "lsc"});
+  if (path.starts_with("page ")) {
+    words.insert(words.end(), std::begin(kTuningPages), std::end(kTuningPages));
+  }
   std::string text =
       "    \"" + path + "\") words=\"" + joined(words) + "\"" + (files ? " files=yes" : "") + " ;;\n";
   for (const CLI::App* command : subcommands(app)) {
@@ -84,7 +90,7 @@ std::string bash_completion(const CLI::App& app) {
          alternatives(files) +
          ")\n"
          "      compopt -o filenames 2>/dev/null\n"
-         "      COMPREPLY=($(compgen -f -- \"$current\"))\n"
+         "      mapfile -t COMPREPLY < <(compgen -f -- \"$current\")\n"
          "      return ;;\n"
          "    " +
          alternatives(others) +
@@ -106,7 +112,7 @@ std::string bash_completion(const CLI::App& app) {
          "\" -- \"$current\"))\n"
          "  if [ -n \"$files\" ]; then\n"
          "    compopt -o filenames 2>/dev/null\n"
-         "    COMPREPLY+=($(compgen -f -- \"$current\"))\n"
+         "    mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -f -- \"$current\")\n"
          "  fi\n"
          "}\n"
          "complete -F _qv5123ctl qv5123ctl\n";

@@ -17,7 +17,7 @@ inline constexpr const char* kDeviceType = "DEVICE";
 /// A command that only holds others.
 inline CLI::App* add_group(CLI::App& parent, const std::string& name, const std::string& help) {
   CLI::App* group = parent.add_subcommand(name, help);
-  group->require_subcommand(1)->fallthrough();
+  group->require_subcommand(1)->fallthrough()->group("Commands");
   return group;
 }
 
@@ -27,7 +27,7 @@ CLI::App* add_command(CLI::App& parent, Context& context, const std::string& nam
                       void (*declare)(CLI::App&, Options&), ExitCode (*run)(Context&, const Options&)) {
   const auto options = std::make_shared<Options>();
   CLI::App* command = parent.add_subcommand(name, help);
-  command->fallthrough();
+  command->fallthrough()->group("Commands");
   declare(*command, *options);
   command->callback([&context, options, run] {
     context.action = [&context, options, run] { return run(context, *options); };

@@ -72,7 +72,6 @@ std::unique_ptr<CLI::App> make_command_line(Context& context) {
   auto app = std::make_unique<CLI::App>(
       "Adjusts and tunes a camera image signal processor over a serial port, without a window.", "qv5123ctl");
   app->get_formatter()->label("SUBCOMMAND", "COMMAND");
-  app->get_formatter()->label("Subcommands", "Commands");
   app->require_subcommand(1);
   declare_globals(*app, context);
   add_port_commands(*app, context);

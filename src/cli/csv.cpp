@@ -25,7 +25,7 @@ std::string_view take(std::string_view& text, char separator) {
 }
 
 bool is_heading(std::string_view line) {
-  return parse_number(take(line, ',')) == std::nullopt && !line.empty();
+  return !parse_number(take(line, ','));
 }
 
 std::vector<int> parse_line(const std::string& where, std::string_view line, std::size_t columns) {

@@ -55,8 +55,8 @@ std::vector<std::string> value_problems(const SettingsTable& table, const UserDa
     UserDataImage taken = image;
     setting.set(taken, setting.get(image));
     if (taken == image) continue;
-    problems.push_back(setting.name + ": its page takes entries " + bytes_text(setting, image) + " as " +
-                       std::to_string(setting.get(image)));
+    problems.push_back(setting.name + ": " + bytes_text(setting, image) +
+                       " is beyond its range, its page would make it " + bytes_text(setting, taken));
   }
   return problems;
 }

@@ -55,7 +55,7 @@ void assign(const SettingsTable& table, const std::string& text, UserDataImage& 
   found.front().set(image, number);
   const int stored = found.front().get(image);
   if (stored != number) {
-    refuse(name + ": " + text.substr(equals + 1) + " is beyond its range, the nearest is " +
+    refuse(name + ": " + text.substr(equals + 1) + " is beyond its range, it would count as " +
            std::to_string(stored));
   }
 }
