@@ -1,0 +1,81 @@
+# bash completion for qv5123ctl; made by "qv5123ctl bash-completion".
+_qv5123ctl() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}
+  local path="" word words="" files=""
+  COMPREPLY=()
+  case "$previous" in
+    --port)
+      COMPREPLY=($(compgen -W "$("$1" ports 2>/dev/null | cut -d' ' -f1)" -- "$current"))
+      return ;;
+    --description|--font|--from|--fw|--log|--output|--trace|--user|-o)
+      compopt -o filenames 2>/dev/null
+      mapfile -t COMPREPLY < <(compgen -f -- "$current")
+      return ;;
+    --category|--expect|--find|--for|--front-level|--gamma|--ratio|--timeout|--width) return ;;
+  esac
+  for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
+    case "${path:+$path }$word" in
+      "ports"|"reg"|"reg read"|"reg write"|"reg save"|"reg load"|"reg list"|"reg dump"|"send"|"osd"|"osd up"|"osd down"|"osd left"|"osd right"|"osd set"|"osd pattern"|"factory-reset"|"copy-to-factory"|"info"|"info ae"|"info awb"|"page"|"page show"|"page save"|"page diff"|"settings"|"settings show"|"settings set"|"settings diff"|"settings check"|"download"|"download fw"|"download font"|"download user"|"script"|"monitor"|"flash"|"flash make"|"flash inspect"|"font"|"font export"|"font import"|"font show"|"font diff"|"gamma"|"gamma compute"|"matrix"|"matrix fit"|"lsc"|"lsc fit")
+        path="${path:+$path }$word" ;;
+    esac
+  done
+  case "$path" in
+    "") words="ports reg send osd factory-reset copy-to-factory info page settings download script monitor flash font gamma matrix lsc" ;;
+    "ports") words="" ;;
+    "reg") words="read write save load list dump" ;;
+    "reg read") words="--wide --sensor" ;;
+    "reg write") words="--wide --sensor" ;;
+    "reg save") words="--description --category" files=yes ;;
+    "reg load") words="--description" files=yes ;;
+    "reg list") words="--description --find" ;;
+    "reg dump") words="" ;;
+    "send") words="" ;;
+    "osd") words="up down left right set pattern" ;;
+    "osd up") words="" ;;
+    "osd down") words="" ;;
+    "osd left") words="" ;;
+    "osd right") words="" ;;
+    "osd set") words="" ;;
+    "osd pattern") words="" ;;
+    "factory-reset") words="--yes" ;;
+    "copy-to-factory") words="--yes" ;;
+    "info") words="ae awb" ;;
+    "info ae") words="" ;;
+    "info awb") words="" ;;
+    "page") words="show save diff" ;;
+    "page show") words="front awb dynamic gamma matrix lsc" ;;
+    "page save") words="--from --verify front awb dynamic gamma matrix lsc" ;;
+    "page diff") words="front awb dynamic gamma matrix lsc" files=yes ;;
+    "settings") words="show set diff check" ;;
+    "settings show") words="" files=yes ;;
+    "settings set") words="" files=yes ;;
+    "settings diff") words="" files=yes ;;
+    "settings check") words="" files=yes ;;
+    "download") words="fw font user" ;;
+    "download fw") words="--expect" files=yes ;;
+    "download font") words="--expect" files=yes ;;
+    "download user") words="--expect" files=yes ;;
+    "script") words="" files=yes ;;
+    "monitor") words="--timestamps --log --for" ;;
+    "flash") words="make inspect" ;;
+    "flash make") words="--fw --font --user --output" ;;
+    "flash inspect") words="" files=yes ;;
+    "font") words="export import show diff" ;;
+    "font export") words="--output" files=yes ;;
+    "font import") words="--output" files=yes ;;
+    "font show") words="" files=yes ;;
+    "font diff") words="" files=yes ;;
+    "gamma") words="compute" ;;
+    "gamma compute") words="--gamma --itu709 --front-level" ;;
+    "matrix") words="fit" ;;
+    "matrix fit") words="--ratio" files=yes ;;
+    "lsc") words="fit" ;;
+    "lsc fit") words="--ratio --width" files=yes ;;
+  esac
+  COMPREPLY=($(compgen -W "$words --help --version --port --simulate --timeout --json --trace --quiet" -- "$current"))
+  if [ -n "$files" ]; then
+    compopt -o filenames 2>/dev/null
+    mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -f -- "$current")
+  fi
+}
+complete -F _qv5123ctl qv5123ctl
