@@ -40,7 +40,12 @@ Task<bool> save_on_chip(PageHost& host, PageSave save) {
                      std::to_string(percent(result.chunks_sent, flushes)) + " % of the data.");
     co_return false;
   }
+  // What did reach the chip may make it store, so it is left alone also after a save that is not whole.
   co_await wait_while_chip_stores(host, save.settling);
+  if (result.failed) {
+    host.show_status("Some of the data was cut short on the line: save again.");
+    co_return false;
+  }
   if (!save.done.empty()) host.show_status(save.done);
   co_return true;
 }

@@ -33,7 +33,7 @@ struct PageSave {
 };
 
 /// Sends the traffic as one job with progress in the status bar, and waits while the chip stores. Closing the
-/// window asks meanwhile. False, and said in the status bar, when the port failed.
+/// window asks meanwhile. False, and said in the status bar, when the port failed or cut a write short.
 Task<bool> save_on_chip(PageHost& host, PageSave save);
 
 /// Tells the host that something lasts which closing the window should ask about.

@@ -34,6 +34,8 @@ class FakeSender : public Sender {
   std::function<void(const std::string&)> chip;
   /// While false every write comes up short, as on a lost port.
   bool connected = true;
+  /// While true only the first half of every write leaves, as on a line that stands still.
+  bool cuts_short = false;
 
  private:
   void step(std::shared_ptr<Job> job, std::size_t at, JobResult result, std::function<void(JobResult)> done) {
@@ -51,8 +53,12 @@ class FakeSender : public Sender {
         return;
       }
       const Chunk& chunk = job->chunks[at];
-      const std::string bytes =
+      std::string bytes =
           chunk.writes.empty() ? std::string(chunk.bytes.begin(), chunk.bytes.end()) : frames(chunk.writes);
+      if (cuts_short) {
+        bytes.resize(bytes.size() / 2);
+        result.failed = true;
+      }
       writes.push_back(bytes);
       result.bytes_sent += bytes.size();
       result.chunks_sent = at + 1;

@@ -79,5 +79,19 @@ TEST(SaveOnChip, APortThatFailsIsNoSuccess) {
   EXPECT_EQ(host.busy.back(), false);
 }
 
+TEST(SaveOnChip, AWriteCutShortOnALineThatStaysIsNoSuccess) {
+  FakeWire wire;
+  FakePageHost host(wire);
+  Flow flow(save(host));
+  wire.advance(60);
+  wire.sender.cuts_short = true;
+  wire.advance(50);
+  wire.sender.cuts_short = false;
+  wire.advance(11000);
+  EXPECT_EQ(wire.sender.writes, (std::vector<std::string>{"@fa01*", "@37", "@3806*", "@fa00*"}));
+  EXPECT_EQ(host.statuses,
+            std::vector<std::string>{"Some of the data was cut short on the line: save again."});
+}
+
 }  // namespace
 }  // namespace qv5123
