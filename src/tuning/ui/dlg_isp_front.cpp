@@ -116,7 +116,8 @@ Task<> CDlgIspFront::run_save() {
   PageSave save;
   save.traffic = front_save_traffic(values_);
   save.done = "ISP Data Save Done.";
-  co_await host().write_user_data_file();
+  // The chip gets the settings either way, but then half of what the button does is not done.
+  if (!co_await host().write_user_data_file()) save.done.clear();
   co_await save_on_chip(host(), std::move(save));
 }
 

@@ -146,6 +146,11 @@ TEST_F(FrontPage, FullSaveWritesTheFileAndSends) {
             "@8902*@fa00*");
   EXPECT_EQ(host_.written.entry(582), 200) << "the save does not limit the dimmer";
   EXPECT_EQ(host_.written.word(465), 0x123);
+  EXPECT_EQ(host_.statuses, std::vector<std::string>{"ISP Data Save Done."});
+  host_.write_succeeds = false;
+  user_.click("File/Flash Save");
+  EXPECT_EQ(wire().size(), 18u * 6) << "the chip gets the settings all the same";
+  EXPECT_EQ(host_.statuses.size(), 1u) << "no success is told when the file was not written";
 }
 
 TEST_F(FrontPage, RawAccess) {
