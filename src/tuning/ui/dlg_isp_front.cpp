@@ -142,7 +142,9 @@ Task<> CDlgIspFront::get_info(int address) {
   const CommandLink::Turn turn = co_await link().turn();
   co_await link().send_request(isp_read_request(address));
   co_await Delay(host().scheduler(), kInfoWait);
-  if (const auto reply = link().reply().take_block()) {
+  // A block too short for a byte must not become one: the next click on a bit would write it back.
+  const auto reply = link().reply().take_block();
+  if (reply && reply->size() >= 2) {
     bit_byte_ = reply_byte(*reply, 0);
     show_bits();
   }

@@ -215,6 +215,13 @@ TEST_F(FrontPage, BitEditor) {
   EXPECT_FALSE(user_.checked("Bit 1 = 0"));
   EXPECT_EQ(wire(), "@9205*@9223*@93a7*");
   EXPECT_EQ(fake_.sender.writes.back(), "@93a7*") << "the address leaves in a flush of its own";
+  for (const char* too_short : {"", "5"}) {
+    answer("@9405*@9423*", too_short);
+    user_.click("Get Info");
+    wire();
+    EXPECT_TRUE(user_.checked("Bit 7 = 1")) << "'" << too_short << "' is no byte";
+  }
+  EXPECT_EQ(console(), "a5 a7 a7 ");
 }
 
 TEST_F(FrontPage, ParametersAreStoredWrittenSentAndReadBack) {
