@@ -95,7 +95,9 @@ Task<> CDlgAeTune::set_gain(std::size_t number) {
     link().send(number_write(values_, gain));
     co_return;
   }
-  values_.*gain.value = document().user_data.entry(gain.entry);
+  // It is the bar that is put back, and a bar has no place outside its range.
+  values_.*gain.value =
+      std::clamp<int>(document().user_data.entry(gain.entry), gain.range.lowest, gain.range.highest);
   show_values();
 }
 

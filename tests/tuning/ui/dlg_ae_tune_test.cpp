@@ -72,6 +72,11 @@ TEST_F(AeTunePage, GainsAskFirstAndCancelRestores) {
   EXPECT_EQ(wire(), "");
   EXPECT_EQ(user_.number("ISP Digital Gain"), 40);
   EXPECT_EQ(user_.find<QSlider>("ISP Digital Gain bar")->value(), 40);
+  host_.doc.user_data.set_entry(287, 200);
+  user_.click("ISP Digital Gain Set");
+  EXPECT_EQ(user_.number("ISP Digital Gain"), 127);
+  page_.save_to_user_data();
+  EXPECT_EQ(host_.doc.user_data.entry(287), 127);
 }
 
 TEST_F(AeTunePage, SingleValuesOnTheWire) {
