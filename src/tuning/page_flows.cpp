@@ -1,5 +1,6 @@
 #include "tuning/page_flows.h"
 
+#include <optional>
 #include <utility>
 
 namespace qv5123 {
@@ -9,6 +10,15 @@ constexpr std::chrono::milliseconds kSettlingStep{100};
 
 int percent(std::size_t done, std::size_t of) {
   return of == 0 ? 100 : static_cast<int>(done * 100 / of);
+}
+
+Job job_of(PageHost& host, Traffic traffic) {
+  Job job;
+  job.on_progress = [&host, flushes = traffic.size()](std::size_t sent) {
+    host.show_progress(percent(sent, flushes));
+  };
+  for (Batch& batch : traffic) job.chunks.emplace_back().writes = std::move(batch);
+  return job;
 }
 
 Task<> wait_while_chip_stores(PageHost& host, std::chrono::milliseconds time) {
@@ -32,9 +42,12 @@ Task<bool> load_from_chip(PageHost& host, PageLoad load) {
 Task<bool> save_on_chip(PageHost& host, PageSave save) {
   const BusyScope busy(host);
   const std::size_t flushes = save.traffic.size();
-  const JobResult result = co_await host.link().send(
-      std::move(save.traffic),
-      [&host, flushes](std::size_t sent) { host.show_progress(percent(sent, flushes)); });
+  // Nobody else's writes may reach a chip that is storing. They wait, and the window stays live.
+  std::optional<CommandLink::Hold> hold;
+  if (save.settling.count() > 0) hold.emplace(co_await host.link().hold());
+  Job job = job_of(host, std::move(save.traffic));
+  Pending<JobResult> sent = hold ? hold->send(std::move(job)) : host.link().send(std::move(job));
+  const JobResult result = co_await sent;
   if (result.chunks_sent < flushes) {
     host.show_status("Nothing more reached the chip: the port failed after " +
                      std::to_string(percent(result.chunks_sent, flushes)) + " % of the data.");

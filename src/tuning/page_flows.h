@@ -29,7 +29,7 @@ Task<bool> load_from_chip(PageHost& host, PageLoad load);
 struct PageSave {
   Traffic traffic;
   std::string done;                       ///< status text at the end; none when empty
-  std::chrono::milliseconds settling{0};  ///< how long the chip stores afterwards
+  std::chrono::milliseconds settling{0};  ///< how long the chip stores afterwards and gets nothing else
 };
 
 /// Sends the traffic as one job with progress in the status bar, and waits while the chip stores. Closing the

@@ -56,13 +56,23 @@ TEST(SaveOnChip, ShowsItsProgressAndWaitsWhileTheChipStores) {
   EXPECT_EQ(wire.sender.writes, (std::vector<std::string>{"@fa01*", "@3705*", "@3806*", "@fa00*"}));
   EXPECT_EQ(host.progress.at(1), 50);
   EXPECT_TRUE(host.statuses.empty());
+  wire.link.send(Batch{{0x3A, 7}});
   wire.advance(9999);
+  EXPECT_EQ(wire.sender.writes.size(), 4u) << "a chip that is storing is left alone";
   EXPECT_TRUE(flow.running());
   EXPECT_EQ(host.progress.back(), 99);
   wire.advance(1);
   EXPECT_EQ(host.statuses, std::vector<std::string>{"Data Save Done..."});
   EXPECT_EQ(host.progress.back(), std::nullopt);
   EXPECT_EQ(host.busy, (std::vector<bool>{true, false}));
+  wire.advance(50);
+  EXPECT_EQ(wire.sender.writes.back(), "@3a07*") << "what waited leaves afterwards";
+  flow.start(save(host));
+  wire.advance(5000);
+  wire.link.send(Batch{{0x3A, 8}});
+  flow.cancel();
+  wire.advance(60);
+  EXPECT_EQ(wire.sender.writes.back(), "@3a08*") << "a page that goes while it waits leaves the wire free";
 }
 
 TEST(SaveOnChip, APortThatFailsIsNoSuccess) {
