@@ -98,6 +98,7 @@ Task<> CDlgAeTune::set_gain(std::size_t number) {
   // It is the bar that is put back, and a bar has no place outside its range.
   values_.*gain.value =
       std::clamp<int>(document().user_data.entry(gain.entry), gain.range.lowest, gain.range.highest);
+  take_grid();
   show_values();
 }
 
@@ -187,6 +188,7 @@ void CDlgAeTune::reload_from_user_data() {
 
 void CDlgAeTune::chosen_again() {
   take_typed_text(this);
+  take_grid();
   show_values();
 }
 

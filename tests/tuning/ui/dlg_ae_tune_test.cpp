@@ -73,7 +73,12 @@ TEST_F(AeTunePage, GainsAskFirstAndCancelRestores) {
   EXPECT_EQ(user_.number("ISP Digital Gain"), 40);
   EXPECT_EQ(user_.find<QSlider>("ISP Digital Gain bar")->value(), 40);
   host_.doc.user_data.set_entry(287, 200);
+  user_.type("NR Step 1", 5);
   user_.click("ISP Digital Gain Set");
+  user_.type("NR Step 2", 6);
+  page_.chosen_again();
+  EXPECT_EQ(user_.number("NR Step 1"), 5) << "what was typed but not set stays";
+  EXPECT_EQ(user_.number("NR Step 2"), 6);
   EXPECT_EQ(user_.number("ISP Digital Gain"), 127);
   page_.save_to_user_data();
   EXPECT_EQ(host_.doc.user_data.entry(287), 127);
