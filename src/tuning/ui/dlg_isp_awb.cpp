@@ -15,7 +15,8 @@ constexpr std::chrono::milliseconds kBeforeSave{50};
 constexpr std::array<const char*, 3> kColourNames{"R", "G", "B"};
 constexpr std::uint8_t kFirstWordRegister = 0x0D;
 // What the chip may report of lines A to D reaches down to 801 - 65536.
-constexpr int kLowestWord = 801 - 0x10000;
+constexpr int kLowestLimitedWord = 801 - 0x10000;
+constexpr int kLowestWord = -0x8000;
 constexpr int kHighestWord = 0x7FFF;
 constexpr int kHighestColour = 9999;
 
@@ -78,8 +79,8 @@ void CDlgIspAwb::add_line_row(QGridLayout* grid, int place) {
   for (std::size_t i = 0; i < row.word_count; ++i) {
     const bool is_slope = row.word_count == 2 && i == 0;
     const std::size_t word = row.first_word + i;
-    words_[word] = make_number(kLowestWord, kHighestWord, name + (is_slope ? " Slope" : " Intercept"),
-                               word_tooltip(row, word));
+    words_[word] = make_number(row.limited ? kLowestLimitedWord : kLowestWord, kHighestWord,
+                               name + (is_slope ? " Slope" : " Intercept"), word_tooltip(row, word));
     connect(words_[word], &QSpinBox::valueChanged, this, &CDlgIspAwb::redraw);
     grid->addWidget(words_[word], place + 1, is_slope ? 1 : 2);
   }

@@ -33,7 +33,10 @@ TEST_F(AwbPage, SetLimitsTheRowAndSendsItKept) {
   EXPECT_EQ(user_.number("A Slope"), 800);
   user_.type("E Intercept", 900);
   user_.click("E S");
-  EXPECT_EQ(wire(), "@fa01*@0d03*@0d20*@0eff*@0efe*@fa00*@fa01*@1503*@1584*@fa00*");
+  user_.type("F Intercept", -40000);
+  user_.click("F S");
+  EXPECT_EQ(user_.number("F Intercept"), -32768);
+  EXPECT_EQ(wire(), "@fa01*@0d03*@0d20*@0eff*@0efe*@fa00*@fa01*@1503*@1584*@fa00*@fa01*@1680*@1600*@fa00*");
 }
 
 TEST_F(AwbPage, KeysSendOneWriteEach) {
