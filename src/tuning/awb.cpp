@@ -20,9 +20,6 @@ constexpr int same(int value) {
 constexpr int limited(int value) {
   return std::clamp(value, -kAwbLineLimit, kAwbLineLimit);
 }
-constexpr int as_signed(int word) {
-  return word >= 0x8000 ? word - 0x10000 : word;
-}
 // No slope or intercept of A to D lies above the limit, so every such word is a negative one.
 constexpr int negative_above_limit(int word) {
   return word > kAwbLineLimit ? word - 0x10000 : word;
@@ -33,13 +30,12 @@ constexpr int colour_byte(int value) {
 
 constexpr Encoding kLineWord{same, negative_above_limit};
 constexpr Encoding kLineWordOfFile{same, [](int word) { return limited(negative_above_limit(word)); }};
-constexpr Encoding kPlainWordOfFile{same, [](int word) { return limited(as_signed(word)); }};
 constexpr Encoding kColour{colour_byte, same};
 
 template <class Values, class Visitor>
 void awb_image_layout(Values& values, Visitor& visit) {
   for (std::size_t i = 0; i < kAwbWordCount; ++i)
-    visit.word(kWordsEntry + 2 * i, values.words[i], i < kLimitedWords ? kLineWordOfFile : kPlainWordOfFile);
+    visit.word(kWordsEntry + 2 * i, values.words[i], i < kLimitedWords ? kLineWordOfFile : kSigned16);
   for (std::size_t k = 0; k < kAwbPatchCount; ++k) {
     visit.byte(kPatchesEntry + 3 * k, values.patches[k].r, kColour);
     visit.byte(kPatchesEntry + 3 * k + 1, values.patches[k].g, kColour);

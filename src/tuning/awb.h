@@ -85,7 +85,7 @@ inline constexpr std::array<AwbPatch, kAwbPatchCount> kAwbPatches{{
 
 /// Copies the values into entries 181..200 and 213..284, patches limited to 0..255.
 void save_to_user_data(const AwbValues& values, UserDataImage& image);
-/// The reverse; line words come back limited to -800..800.
+/// The reverse; the words of A to D come back limited to -800..800, those of E and F as they were saved.
 void reload_from_user_data(AwbValues& values, const UserDataImage& image);
 
 /// Register that asks the chip for the ten words.

@@ -78,7 +78,7 @@ TEST_P(PageRoundTrip, Awb) {
   reload_from_user_data(values, loaded_image());
   EXPECT_EQ(load(kAwbQuery), encode_awb_reply(values));
   for (std::size_t i = 0; i < kAwbWordCount; ++i)
-    values.words[i] = any(i < 8 ? -kAwbLineLimit : 0, kAwbLineLimit);
+    values.words[i] = i < 8 ? any(-kAwbLineLimit, kAwbLineLimit) : any(-32768, 32767);
   send(awb_save_traffic(values));
   expect_kept(values);
   EXPECT_EQ(decode_awb_reply(load(kAwbQuery), values), values);

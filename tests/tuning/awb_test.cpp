@@ -69,16 +69,18 @@ TEST(Awb, ImageEntries) {
 
   AwbValues loaded;
   reload_from_user_data(loaded, image);
-  EXPECT_EQ(loaded.words, (std::array<int, 10>{258, 515, -2, -800, 800, 261, 262, 263, 800, -800}));
+  EXPECT_EQ(loaded.words, (std::array<int, 10>{258, 515, -2, -800, 800, 261, 262, 263, 0x0409, -32768}));
   EXPECT_EQ(loaded.patches[23], (PatchColour{0, 255, 7}));
 }
 
 TEST(Awb, WhatIsSavedComesBackFromImageAndChip) {
   std::mt19937 random(42);
-  std::uniform_int_distribution<int> word(-800, 800), byte(0, 255);
+  std::uniform_int_distribution<int> word(-800, 800), any_word(-32768, 32767), byte(0, 255);
   for (int round = 0; round < 100; ++round) {
     AwbValues values;
     for (int& w : values.words) w = word(random);
+    values.words[8] = any_word(random);
+    values.words[9] = any_word(random);
     for (PatchColour& p : values.patches) p = {byte(random), byte(random), byte(random)};
     UserDataImage image;
     save_to_user_data(values, image);

@@ -109,6 +109,8 @@ TEST_F(AwbPage, WhatIsSavedComesBackFromTheFile) {
   std::uniform_int_distribution<int> word(-800, 800), byte(0, 255);
   AwbValues values;
   for (int& w : values.words) w = word(random);
+  values.words[8] = -32768;
+  values.words[9] = 20000;
   for (PatchColour& p : values.patches) p = {byte(random), byte(random), byte(random)};
   save_to_user_data(values, host_.doc.user_data);
   user_.click("Load <- File");
