@@ -102,7 +102,7 @@ void dynamic_reply_layout(Values& values, Visitor& visit) {
 }
 
 bool known_kind(const LightSource& record) {
-  return record.kind >= 0 && record.kind <= 2;
+  return record.kind >= 0 && record.kind <= kHighestLightSourceKind;
 }
 
 Batch source_select(std::size_t source) {

@@ -17,6 +17,7 @@
 namespace qv5123 {
 
 inline constexpr std::size_t kLightSources = 3;
+inline constexpr int kHighestLightSourceKind = 2;
 inline constexpr std::array<const char*, kLightSources> kLightSourceNames{"Outdoor", "Light-1", "Light-2"};
 
 /// A light-source selection record: kind 0, 1 or 2, and its value 0..255.

@@ -66,7 +66,10 @@ void CDlgAeTune::show_light_source() {
   const LightSource& record = values_.light_sources[source()];
   const QSignalBlocker quiet(sum_bar_);
   sum_bar_->setValue(light_source_bar(record));
-  show_value(sum_kind_, record.kind);
+  // A file may hold a kind that is not known; the edit takes it until the user changes it.
+  const QSignalBlocker kind_quiet(sum_kind_);
+  sum_kind_->setMaximum(std::max(kHighestLightSourceKind, record.kind));
+  sum_kind_->setValue(record.kind);
   show_value(sum_value_, record.value);
 }
 

@@ -3,6 +3,7 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "tuning/ui/dlg_ae_tune.h"
 
@@ -90,7 +91,7 @@ void CDlgAeTune::add_source_sum_row(QGridLayout* grid, int row) {
                    "-250..250, below 0 kind 0, above 0 kind 1 or 2, " + registers);
   sum_bar_->setRange(kLightSourceRange.lowest, kLightSourceRange.highest);
   keep_wheel_from(sum_bar_);
-  sum_kind_ = make_number(0, 2, "Light source kind", "Kind 0..2, " + registers);
+  sum_kind_ = make_number(0, kHighestLightSourceKind, "Light source kind", "Kind 0..2, " + registers);
   sum_value_ = make_number(0, 255, "Light source value", "Value 0..255, " + registers);
   connect(sum_bar_, &QSlider::valueChanged, this, [this](int bar) {
     LightSource& record = values_.light_sources[source()];
@@ -98,7 +99,7 @@ void CDlgAeTune::add_source_sum_row(QGridLayout* grid, int row) {
     show_light_source();
   });
   connect(sum_kind_, &QSpinBox::valueChanged, this, [this](int kind) {
-    values_.light_sources[source()].kind = kind;
+    values_.light_sources[source()].kind = std::min(kind, kHighestLightSourceKind);
     show_light_source();
   });
   connect(sum_value_, &QSpinBox::valueChanged, this, [this](int value) {

@@ -125,6 +125,12 @@ TEST_F(AeTunePage, ColoursBelongToTheChosenLightSource) {
   user_.click("Light-1");
   EXPECT_EQ(user_.number("Saturation"), -64);
   EXPECT_EQ(user_.number("Light source kind"), 2);
+  host_.doc.user_data.set_entry(378, 7);
+  user_.click("Load <- File");
+  EXPECT_EQ(user_.number("Light source kind"), 7) << "a file may hold a kind that is not known";
+  user_.type("Light source kind", 5);
+  EXPECT_EQ(user_.number("Light source kind"), 2);
+  EXPECT_EQ(user_.find<QSpinBox>("Light source kind")->maximum(), 2);
 }
 
 TEST_F(AeTunePage, OrientationIsStoredWrittenAndSent) {
