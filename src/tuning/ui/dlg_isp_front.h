@@ -48,8 +48,8 @@ class CDlgIspFront : public TuningPage {
   QLayout* make_chip_row();
   QWidget* make_service_area();
   QWidget* make_userdata_group();
-  QSpinBox* add_byte_row(QGridLayout* grid, int row, const QString& caption, const QString& tooltip,
-                         FrontControl control);
+  QSpinBox* add_byte_row(QGridLayout* grid, int row, int highest, const QString& caption,
+                         const QString& tooltip, FrontControl control);
 
   void load_from_isp();
   void fit_tdn_list();

@@ -28,6 +28,9 @@ constexpr std::array<RawGroup, 3> kRawGroups{
      {"Sensor Register", "Sensor", "Addr(0x,0000)", "Data(0x,0000)", "Write", "Read",
       "registers 0x98, 0x99 to write, 0x9A to read"}}};
 
+/// Of these numbers the low byte is used; more is not refused.
+constexpr int kHighestByteSource = 0xFFFF;
+
 QGridLayout* tight_grid(QWidget* parent) {
   auto* grid = new QGridLayout(parent);
   grid->setVerticalSpacing(3);
@@ -96,15 +99,16 @@ QWidget* CDlgIspFront::make_video_group() {
   grid->addWidget(make_set_button("S", "RGB Order", "Keep the order in the user data, " + register_text(0x6F),
                                   [this] { use(FrontControl::SaveColourOrder); }),
                   1, 2);
-  led_dimmer_ = add_byte_row(grid, 2, "LED Dimmer", "0..88, " + register_text(0x8D), FrontControl::LedDimmer);
+  led_dimmer_ = add_byte_row(grid, 2, kHighestByteSource, "LED Dimmer", "0..88, " + register_text(0x8D),
+                             FrontControl::LedDimmer);
   grid->setColumnStretch(1, 1);
   grid->setRowStretch(3, 1);
   return group;
 }
 
-QSpinBox* CDlgIspFront::add_byte_row(QGridLayout* grid, int row, const QString& caption,
+QSpinBox* CDlgIspFront::add_byte_row(QGridLayout* grid, int row, int highest, const QString& caption,
                                      const QString& tooltip, FrontControl control) {
-  QSpinBox* box = make_number(0, 255, caption, tooltip);
+  QSpinBox* box = make_number(0, highest, caption, tooltip);
   add_field(grid, row, caption, box);
   grid->addWidget(make_set_button("S", caption, tooltip, [this, control] { use(control); }), row, 2);
   return box;
@@ -115,8 +119,9 @@ QWidget* CDlgIspFront::make_tdn_group() {
   QGridLayout* grid = tight_grid(group);
   tdn_mode_ = make_combo({}, "TDN Mode", register_text(0x70), [this](int) { use(FrontControl::TdnMode); });
   add_field(grid, 0, "Mode", tdn_mode_);
-  delay_ = add_byte_row(grid, 1, "Delay", range_text(0, 255, 0x71), FrontControl::Delay);
-  ir_on_off_ = add_byte_row(grid, 2, "IR On/Off", range_text(0, 255, 0x74), FrontControl::IrOnOff);
+  delay_ = add_byte_row(grid, 1, 255, "Delay", range_text(0, 255, 0x71), FrontControl::Delay);
+  ir_on_off_ =
+      add_byte_row(grid, 2, kHighestByteSource, "IR On/Off", range_text(0, 255, 0x74), FrontControl::IrOnOff);
   grid->addWidget(new QLabel("Polarity"), 3, 0);
   grid->addLayout(make_polarity_row(), 3, 1);
   return group;

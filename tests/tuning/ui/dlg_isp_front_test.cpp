@@ -117,8 +117,9 @@ TEST_F(FrontPage, ControlsStoreAndSend) {
   user_.choose("TDN Mode", 0);
   user_.type("Delay", 5);
   user_.click("Delay S");
-  user_.type("IR On/Off", 6);
+  user_.type("IR On/Off", 0x106);
   user_.click("IR On/Off S");
+  EXPECT_EQ(user_.number("IR On/Off"), 0x106) << "its low byte is used";
   EXPECT_EQ(wire(), "@6e0f*@6f01*@6f01*@7001*@7105*@7406*");
   user_.click("LED Dimmer S");
   EXPECT_EQ(user_.number("LED Dimmer"), 88);
