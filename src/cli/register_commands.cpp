@@ -138,7 +138,7 @@ Task<ExitCode> dump(Chip& chip, const DumpOptions& options) {
   }
   // Some chips answer in a block instead of in words.
   if (const auto block = chip.link().reply().take_block()) {
-    const std::string lines = answer_text(Access::Dump, options.start, *block);
+    const std::string lines = dump_text(options.start, options.end, *block);
     text += lines;
     chip.out().text(printable(lines));
   }

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "link/reply_buffer.h"
 #include "link/reply_text.h"
 
 namespace qv5123 {
@@ -49,17 +50,9 @@ constexpr std::size_t answer_digits(Access access) {
 /// The answer's digits are the last of the reply, whatever came before them.
 std::optional<int> answer_value(Access access, std::string_view reply) {
   const std::size_t digits = answer_digits(access);
-  if (access == Access::Dump || reply.size() < digits) return std::nullopt;
+  if (reply.size() < digits) return std::nullopt;
   const std::size_t position = reply.size() - digits;
   return digits == 2 ? reply_byte_at(reply, position) : reply_word_at(reply, position);
-}
-
-std::string dump_text(int address, std::string_view reply) {
-  std::string text;
-  for (std::size_t i = 0; 2 * i + 1 < reply.size(); ++i)
-    text += formatted("0x%04X = 0x%02X\r\n", shown_isp_address(address + static_cast<int>(i)),
-                      reply_byte(reply, i));
-  return text;
 }
 
 struct Click {
@@ -120,7 +113,6 @@ std::string sensor_write_text(int address, int value) {
 }
 
 std::string answer_text(Access access, int address, std::string_view reply) {
-  if (access == Access::Dump) return dump_text(address, reply);
   const auto value = answer_field(access, reply);
   if (!value) return {};
   const int shown = access == Access::Sensor ? address & 0xFFFF : shown_isp_address(address);
@@ -131,6 +123,18 @@ std::optional<std::string> answer_field(Access access, std::string_view reply) {
   const auto value = answer_value(access, reply);
   if (!value) return std::nullopt;
   return formatted("%0*X", static_cast<int>(answer_digits(access)), static_cast<unsigned>(*value));
+}
+
+std::string dump_text(int start, int end, std::string_view reply) {
+  constexpr int kMostRegisters = ReplyBuffer::kSize / 2;
+  if (reply.size() >= ReplyBuffer::kSize && end - start >= kMostRegisters)
+    return formatted("Dump 0x%04X..0x%04X: the answer is too long, it can hold %d registers.\r\n",
+                     shown_isp_address(start), shown_isp_address(end), kMostRegisters);
+  std::string text;
+  for (std::size_t i = 0; 2 * i + 1 < reply.size(); ++i)
+    text += formatted("0x%04X = 0x%02X\r\n", shown_isp_address(start + static_cast<int>(i)),
+                      reply_byte(reply, i));
+  return text;
 }
 
 void ServiceGesture::click(int number, bool set) {

@@ -38,12 +38,16 @@ std::string bit_editor_text(std::uint8_t byte);
 /// What a sensor "Write" appends.
 std::string sensor_write_text(int address, int value);
 
-enum class Access { IspByte, IspWord, Sensor, Dump };
-/// Lines "0xF922 = 0x12" for the answer to a read or a dump from `address` on; ISP addresses are shown
-/// with the F that their captions have. Empty when the reply is too short for a value.
+enum class Access { IspByte, IspWord, Sensor };
+/// The line "0xF922 = 0x12" for the answer to a read; ISP addresses are shown with the F that their captions
+/// have. Empty when the reply is too short for a value.
 std::string answer_text(Access access, int address, std::string_view reply);
-/// The answer to a read as the data field shows it. Nothing for a reply that is too short, and for a dump.
+/// The answer to a read as the data field shows it. Nothing for a reply that is too short.
 std::optional<std::string> answer_field(Access access, std::string_view reply);
+
+/// Lines as those of a read for the answer to a dump of the registers `start`..`end`. An answer that did not
+/// fit into the reply buffer has overwritten its own start; of it nothing is shown but that it was too long.
+std::string dump_text(int start, int end, std::string_view reply);
 
 /// The way into the service area: clicks on the bit radios, then "Get Info" at one address. The clicks are
 /// made with address 000, where they send nothing.

@@ -14,9 +14,8 @@ namespace qv5123 {
 namespace {
 
 constexpr std::chrono::milliseconds kInfoWait{100};
-/// How often a read looks for its answer, and for how long.
-constexpr std::chrono::milliseconds kReadTick{50};
-constexpr int kReadTicks = 12;
+/// How long a read waits for its answer.
+constexpr std::chrono::milliseconds kReadWait{600};
 
 std::string utf8(const QLineEdit* edit) {
   return edit->text().toStdString();
@@ -180,22 +179,19 @@ void CDlgIspFront::write_sensor() {
   append_text(sensor_write_text(address, data));
 }
 
-void CDlgIspFront::dump() {
-  const int start = address_of_field(utf8(dump_start_));
-  spawn(read(Access::Dump, start, dump_request(start, address_of_field(utf8(dump_end_)))));
+Task<> CDlgIspFront::read(Access access, int address, Batch request) {
+  const auto reply = co_await link().request(std::move(request), kReadWait);
+  if (reply) show_answer(access, address, *reply);
 }
 
-/// A chip may also answer a dump with plain text, which reaches the main console without the page's help.
-Task<> CDlgIspFront::read(Access access, int address, Batch request) {
-  const CommandLink::Turn turn = co_await link().turn();
-  co_await link().send_request(std::move(request));
-  for (int tick = 0; tick < kReadTicks; ++tick) {
-    co_await Delay(host().scheduler(), kReadTick);
-    const auto reply = link().reply().take_block();
-    if (!reply) continue;
-    show_answer(access, address, *reply);
-    co_return;
-  }
+void CDlgIspFront::dump() {
+  spawn(show_dump(address_of_field(utf8(dump_start_)), address_of_field(utf8(dump_end_))));
+}
+
+/// A chip may also answer with plain text, which reaches the main console without the page's help.
+Task<> CDlgIspFront::show_dump(int start, int end) {
+  const auto reply = co_await link().request(dump_request(start, end), kReadWait);
+  if (reply) host().append_console(dump_text(start, end, *reply));
 }
 
 void CDlgIspFront::show_answer(Access access, int address, const std::string& reply) {

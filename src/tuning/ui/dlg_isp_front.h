@@ -72,6 +72,7 @@ class CDlgIspFront : public TuningPage {
   void write_byte();
   void write_sensor();
   void dump();
+  Task<> show_dump(int start, int end);
   Task<> read(Access access, int address, Batch request);
   void show_answer(Access access, int address, const std::string& reply);
 
@@ -93,7 +94,7 @@ class CDlgIspFront : public TuningPage {
   std::array<std::array<QRadioButton*, 2>, 8> bits_{};
   std::uint8_t bit_byte_ = 0;
   ServiceGesture gesture_;
-  /// By Access, without Dump.
+  /// By Access.
   std::array<RawFields, 3> raw_;
   QSpinBox* data_spin_;
   QLineEdit *dump_start_, *dump_end_;
