@@ -3,9 +3,12 @@
 #include <QHideEvent>
 #include <QScrollBar>
 #include <algorithm>
-#include <fstream>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <sstream>
 
+#include "console/atomic_file.h"
 #include "link/reply_text.h"
 #include "tuning/register_script.h"
 #include "tuning/userdata_parameters.h"
@@ -234,10 +237,16 @@ Task<> CDlgIspFront::load_script() {
   FileChoice choice{"Setting Files (*.txt)|*.txt|All Files (*.*)|*.*||", "txt", ""};
   const auto path = co_await host().prompts().choose_open(std::move(choice));
   if (!path) co_return;
-  auto file = std::make_unique<std::ifstream>(*path, std::ios::binary);
-  if (!file->is_open()) co_return;
   const BusyScope busy(host());
-  RegisterScript script(std::move(file));
+  // All of it at once and beside the window: a file on a network may take its time.
+  std::function<std::optional<std::string>()> read = [path = *path]() -> std::optional<std::string> {
+    std::string text;
+    if (!read_whole_file(path, text).ok()) return std::nullopt;
+    return text;
+  };
+  auto text = co_await host().background().run(std::move(read));
+  if (!text) co_return;
+  RegisterScript script(std::make_unique<std::istringstream>(std::move(*text)));
   for (;;) {
     co_await Delay(host().scheduler(), RegisterScript::kTick);
     RegisterScript::Step step = script.tick();

@@ -259,7 +259,11 @@ TEST_F(FrontPage, RegisterFileIsPlayedOneLineATick) {
   host_.user.paths = {folder.path() / "no such file", script};
   user_.click("Register File Load");
   EXPECT_EQ(host_.user.opens.back().filter, "Setting Files (*.txt)|*.txt|All Files (*.*)|*.*||");
+  EXPECT_EQ(wire(), "") << "a file that is not there";
+  host_.work.busy = true;
   user_.click("Register File Load");
+  EXPECT_EQ(wire(), "");
+  host_.work.catch_up();
   fake_.advance(260);
   EXPECT_EQ(fake_.sender.writes.back(), "@9201*@92a2*@933f*");
   EXPECT_EQ(host_.busy.back(), true);
