@@ -18,6 +18,7 @@ constexpr std::array<RowRule, kStepRows> kRules{{{{0, 250}, "ISO Control"},
                                                  {{-16, 32}, nullptr}}};
 constexpr int kShift = 64;
 constexpr int kIsoOffset = 1;
+constexpr std::uint8_t kLowestIso = 1;
 
 constexpr char kAboveNext[] = "At least must be equal or smaller than next step value.";
 constexpr char kBelowPrevious[] = "At least must be equal or bigger than previous step value.";
@@ -78,6 +79,7 @@ StepGrid decode_step_bank(const StepBank& bank) {
 StepBank neutral_step_bank() {
   StepBank bank{};
   for (std::size_t row = 0; row < kStepRows; ++row) bank[row] = encode_step_row(row, StepCells{});
+  bank[kRowIso].fill(kLowestIso);
   return bank;
 }
 

@@ -60,7 +60,7 @@ StepBytes encode_step_row(std::size_t row, const StepCells& cells);
 StepCells decode_step_row(std::size_t row, const StepBytes& bytes);
 StepGrid decode_step_bank(const StepBank& bank);
 
-/// A bank whose every cell shows 0, but the ISO offset 1.
+/// A bank whose every cell shows 0, but the ISO row 1, its lowest as the label says.
 StepBank neutral_step_bank();
 
 /// An error box: what was corrected, under the title of the row.

@@ -159,13 +159,13 @@ TEST_F(AeTunePage, StepRowsAreCorrectedAndTold) {
   EXPECT_EQ(user_.number("ISO Step 5"), 250);
   EXPECT_FALSE(user_.find<QSpinBox>("ISO Offset")->isEnabled());
   user_.choose("Video Mode", 3);
-  EXPECT_EQ(user_.number("ISO Step 0"), 0);
+  EXPECT_EQ(user_.number("ISO Step 0"), 1);
   user_.type("Contrast Offset", -16);
   user_.click("Contrast Set");
   EXPECT_EQ(wire().substr(0, 12), "@4100*@c850*");
   user_.click("Case of IR-LED");
   user_.choose("Video Mode", 0);
-  EXPECT_EQ(user_.number("ISO Step 0"), 0) << "the bank of the IR-LED, whatever the mode";
+  EXPECT_EQ(user_.number("ISO Step 0"), 1) << "the bank of the IR-LED, whatever the mode";
   user_.click("Case of IR-LED");
   EXPECT_EQ(user_.number("ISO Step 0"), 5);
 }
