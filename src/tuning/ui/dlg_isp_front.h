@@ -84,7 +84,7 @@ class CDlgIspFront : public TuningPage {
   FrontValues values_;
   QComboBox *video_mode_, *colour_order_, *tdn_mode_, *wdr_state_;
   QSpinBox *delay_, *ir_on_off_, *led_dimmer_;
-  QPushButton *minus_, *plus_;
+  QPushButton *minus_, *plus_, *load_isp_;
   std::array<QSpinBox*, kClamps.size()> clamp_{};
   std::array<QCheckBox*, kFrontFlagCount> flags_{};
   QCheckBox* color_suppress_;

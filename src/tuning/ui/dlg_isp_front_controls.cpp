@@ -84,6 +84,8 @@ CDlgIspFront::CDlgIspFront(PageHost& host) : TuningPage(host) {
   fit_tdn_list();
   show_values();
   show_bits();
+  // The page's first control would set the chip's video mode at the first arrow key or turn of the wheel.
+  load_isp_->setFocus();
   load_from_isp();
 }
 
@@ -289,8 +291,9 @@ QWidget* CDlgIspFront::make_dump_group() {
 
 QLayout* CDlgIspFront::make_chip_row() {
   auto* row = new QHBoxLayout;
-  row->addWidget(make_button("Load Isp", {}, "Read the settings from the chip, " + register_text(kFrontQuery),
-                             [this] { load_from_isp(); }));
+  load_isp_ = make_button("Load Isp", {}, "Read the settings from the chip, " + register_text(kFrontQuery),
+                          [this] { load_from_isp(); });
+  row->addWidget(load_isp_);
   row->addWidget(make_button("File/Flash Save", {}, "Write the user data file and send all settings to keep",
                              [this] { save(run_save()); }));
   row->addStretch();

@@ -68,6 +68,7 @@ class FrontPage : public testing::Test {
 
 TEST_F(FrontPage, ReadsTheChipWhenOpenedAndWhenChosenAgain) {
   user_.expect_named_controls();
+  EXPECT_EQ(page_->focusWidget(), user_.find<QPushButton>("Load Isp")) << "which sets nothing on the chip";
   EXPECT_EQ(fake_.sender.writes.at(0), "@be00*");
   EXPECT_TRUE(page_->loading());
   fake_.advance(2000);
