@@ -30,6 +30,10 @@ void HeadlessHost::show_progress(std::optional<int> percent) {
   chip_.out().progress(percent ? std::to_string(*percent) + " %" : "");
 }
 
+void HeadlessHost::set_busy(bool busy) {
+  if (!busy) show_progress(std::nullopt);
+}
+
 void HeadlessHost::append_console(const std::string& text) {
   chip_.out().remark(text);
 }

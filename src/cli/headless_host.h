@@ -42,7 +42,8 @@ class HeadlessHost final : public PageHost {
   Task<bool> write_user_data_file() override { co_return true; }
   Task<bool> save_everything() override { co_return true; }
   Task<> reload_user_data_file() override { co_return; }
-  void set_busy(bool) override {}
+  /// One flow at a time runs here.
+  void set_busy(bool busy) override;
 
  private:
   Chip& chip_;

@@ -42,10 +42,7 @@ class BusyScope {
   explicit BusyScope(PageHost& host) : host_(host) { host_.set_busy(true); }
   BusyScope(const BusyScope&) = delete;
   BusyScope& operator=(const BusyScope&) = delete;
-  ~BusyScope() {
-    host_.show_progress(std::nullopt);
-    host_.set_busy(false);
-  }
+  ~BusyScope() { host_.set_busy(false); }
 
  private:
   PageHost& host_;

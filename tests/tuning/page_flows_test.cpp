@@ -63,7 +63,6 @@ TEST(SaveOnChip, ShowsItsProgressAndWaitsWhileTheChipStores) {
   EXPECT_EQ(host.progress.back(), 99);
   wire.advance(1);
   EXPECT_EQ(host.statuses, std::vector<std::string>{"Data Save Done..."});
-  EXPECT_EQ(host.progress.back(), std::nullopt);
   EXPECT_EQ(host.busy, (std::vector<bool>{true, false}));
   wire.advance(50);
   EXPECT_EQ(wire.sender.writes.back(), "@3a07*") << "what waited leaves afterwards";

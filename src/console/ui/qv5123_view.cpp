@@ -260,6 +260,11 @@ void CQV5123View::show_progress(std::optional<int> percent) {
   emit progress_changed(percent);
 }
 
+void CQV5123View::set_busy(bool busy) {
+  busy_ += busy ? 1 : -1;
+  if (busy_ == 0) show_progress(std::nullopt);
+}
+
 Task<> CQV5123View::reload_user_data_file() {
   const FileResult result = co_await qv5123::reload_user_data_file(background_, document_.user_data);
   if (!result.ok()) show_status(result.text);

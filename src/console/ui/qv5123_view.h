@@ -61,7 +61,7 @@ class CQV5123View final : public QWidget, public PageHost {
   Task<bool> write_user_data_file() override { return files_.write_user_data_file(); }
   Task<bool> save_everything() override { return files_.save_everything(); }
   Task<> reload_user_data_file() override;
-  void set_busy(bool busy) override { busy_ += busy ? 1 : -1; }
+  void set_busy(bool busy) override;
 
   PageArea& pages() { return *pages_; }
   const ConsoleText& console_text() const { return console_text_; }

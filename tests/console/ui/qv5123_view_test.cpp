@@ -186,6 +186,20 @@ TEST(MainForm, ClosingAsksAndObeys) {
   EXPECT_EQ(ends, 2) << "a page is busy and the user stays";
 }
 
+TEST(MainForm, ProgressStaysUntilTheLastOfThoseAtWorkEnds) {
+  ViewBench bench;
+  std::optional<int> shown;
+  QObject::connect(bench.view, &CQV5123View::progress_changed, &bench.frame,
+                   [&shown](std::optional<int> percent) { shown = percent; });
+  bench.view->set_busy(true);
+  bench.view->set_busy(true);
+  bench.view->show_progress(40);
+  bench.view->set_busy(false);
+  EXPECT_EQ(shown, 40);
+  bench.view->set_busy(false);
+  EXPECT_EQ(shown, std::nullopt);
+}
+
 TEST(MainForm, ConsoleTakesTextClearsAndEmptiesItselfPastItsLines) {
   ViewBench bench;
   bench.view->take_received("one\r\ntwo\r");
