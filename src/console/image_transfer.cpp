@@ -73,10 +73,14 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
   /// "FIRMWARE" and what came of it, on the console.
   void say(const std::string& what) const { view_.append_console(bracketed(style().name + (" " + what))); }
 
-  void say_lost(std::size_t chunks_sent) const {
+  /// The end of a transfer that lost its chip after `chunks_sent` chunks of the image.
+  TransferEnd break_off(std::size_t chunks_sent) const {
+    view_.show_progress_text("");
     const std::size_t blocks = std::min(chunks_sent > kHeader ? chunks_sent - kHeader : 0, block_count_);
-    say("broken off after " + std::to_string(blocks) + " of " + std::to_string(block_count_) +
-        " blocks: the port is closed or lost");
+    const std::string after = std::to_string(blocks) + " of " + std::to_string(block_count_);
+    say("broken off " + (block_count_ == 0 ? "before the image" : "after " + after + " blocks") +
+        ": the port was closed or lost");
+    return TransferEnd::lost;
   }
   /// What the chip waits for after a transfer that was left where it stood: after `image_chunks` of the image
   /// and `rejecting_chunks` of what was to make the chip reject it.
@@ -98,6 +102,11 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
   }
   bool cancelled() const { return cancels_ > 0; }
   bool cancelled_twice() const { return cancels_ > 1; }
+
+  /// Called before the letter leaves: the chip that gets it is the one that the image is for.
+  void remember_connection() { connection_ = link_.connection(); }
+  /// Whether the port was away since. The chip then takes what follows for commands, or is another one.
+  bool reconnected() const { return link_.connection() != connection_; }
 
   /// Speed and time left count from here.
   void begin(std::size_t block_count) {
@@ -142,6 +151,7 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
   CommandLink& link_;
   const TransferView view_;
   Resolver<bool> turn_;
+  unsigned connection_ = 0;
   std::size_t block_count_ = 0;
   std::chrono::milliseconds started_{0};
   int cancels_ = 0;
@@ -195,6 +205,7 @@ Task<TransferEnd> ImageTransfer::send_letter(CommandLink::Hold hold, std::shared
   view_.show_progress_text("");
   std::vector<Chunk> letter(1);
   letter[0].bytes.push_back(static_cast<std::uint8_t>(transfer->style().letter));
+  transfer->remember_connection();
   const JobResult sent = co_await transfer->send(hold, std::move(letter), 1, 0);
   if (sent.chunks_sent == 0) {
     transfer->say(sent.failed ? "not sent: the port is closed or lost" : "not sent");
@@ -203,6 +214,7 @@ Task<TransferEnd> ImageTransfer::send_letter(CommandLink::Hold hold, std::shared
   if (*transfer->style().ready_text) view_.append_console(transfer->style().ready_text);
   std::optional<BlockImage> image;
   if (!transfer->cancelled()) image = co_await choose_image(kind);
+  if (transfer->reconnected()) co_return transfer->break_off(0);
   if (transfer->cancelled()) co_return co_await end_cancelled(hold, *transfer, BlockImage(), 0);
   if (image) co_return co_await send_image(hold, *transfer, *image);
   transfer->say("not sent: the chip still waits for it");
@@ -259,10 +271,7 @@ Task<TransferEnd> ImageTransfer::send_image(CommandLink::Hold& hold, Transfer& t
   std::vector<Chunk> chunks = image_chunks(image, transfer.style());
   const JobResult result = co_await transfer.send(hold, std::move(chunks), kHeader, 0);
   if (result.cancelled) co_return co_await end_cancelled(hold, transfer, image, result.chunks_sent);
-  if (result.failed) {
-    transfer.say_lost(result.chunks_sent);
-    co_return TransferEnd::lost;
-  }
+  if (result.failed) co_return transfer.break_off(result.chunks_sent);
   transfer.finish(image);
   co_return TransferEnd::sent;
 }
@@ -273,6 +282,7 @@ Task<TransferEnd> ImageTransfer::end_cancelled(CommandLink::Hold& hold, Transfer
   // announced number is filled up.
   const std::size_t other_chunks = chunks_sent == 0 ? 2 : 0;
   const std::size_t blocks_sent = chunks_sent == 0 ? 0 : chunks_sent - kHeader;
+  if (transfer.reconnected()) co_return transfer.break_off(chunks_sent);
   transfer.say("cancelled: sending what makes the chip reject it");
   JobResult result;
   result.cancelled = transfer.cancelled_twice();
@@ -282,14 +292,13 @@ Task<TransferEnd> ImageTransfer::end_cancelled(CommandLink::Hold& hold, Transfer
   }
   view_.set_progress(0);
   view_.show_progress_text("");
-  if (result.failed) {
-    transfer.say_lost(chunks_sent + result.chunks_sent);
-  } else if (result.cancelled) {
+  if (result.failed) co_return transfer.break_off(chunks_sent + result.chunks_sent);
+  if (result.cancelled) {
     transfer.say_expected(image, chunks_sent, result.chunks_sent);
   } else {
     transfer.say("ended with a wrong checksum: the chip expects commands again");
   }
-  co_return result.failed ? TransferEnd::lost : TransferEnd::cancelled;
+  co_return TransferEnd::cancelled;
 }
 
 }  // namespace qv5123

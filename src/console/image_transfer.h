@@ -21,7 +21,7 @@ enum class TransferEnd {
   sent,       ///< all of the image has left
   not_sent,   ///< no image was chosen, or it cannot be read
   cancelled,  ///< the chip was made to reject it, or left waiting
-  lost        ///< the port is closed or lost
+  lost        ///< the port is closed or lost, or was meanwhile
 };
 
 /// What a transfer shows while it goes on. All are called on the scheduler's thread; none may be empty.

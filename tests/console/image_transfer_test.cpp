@@ -218,7 +218,33 @@ TEST_F(ImageTransferTest, ALostPortEndsItAtOnce) {
   EXPECT_EQ(sent().size(), 4u);
   EXPECT_EQ(end, TransferEnd::lost);
   EXPECT_THAT(console,
-              testing::EndsWith("< FONT broken off after 2 of 4 blocks: the port is closed or lost >"));
+              testing::EndsWith("< FONT broken off after 2 of 4 blocks: the port was closed or lost >"));
+  EXPECT_EQ(text, "");
+}
+
+TEST_F(ImageTransferTest, AChipThatWasAwayGetsNothingMore) {
+  user.paths = {folder.write("font.bin", std::string(1024, 'f'))};
+  user.hesitates = true;
+  press(TransferKind::font);
+  wire.advance(50);
+  wire.link.connection_changed();
+  user.answer_now();
+  run_to_end();
+  EXPECT_THAT(sent(), ElementsAre("C"));
+  EXPECT_EQ(end, TransferEnd::lost);
+  EXPECT_THAT(console,
+              testing::EndsWith("< FONT broken off before the image: the port was closed or lost >"));
+
+  wire.sender.writes.clear();
+  user.paths = {folder.write("font.bin", std::string(1024, 'f'))};
+  user.hesitates = false;
+  press(TransferKind::font);
+  wire.advance(50 + 50 + 50);
+  transfer.cancel();
+  wire.link.connection_changed();
+  run_to_end();
+  EXPECT_EQ(end, TransferEnd::lost);
+  EXPECT_LE(sent().size(), 4u) << "no block that fills the image up";
 }
 
 TEST_F(ImageTransferTest, ProgressOfAnAbandonedTransferReachesNobody) {
