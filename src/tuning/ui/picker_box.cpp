@@ -26,8 +26,16 @@ PickerBox::PickerBox(PageHost& host, Picker picker, Key key) : host_(host), pick
                  [this](bool on) { click_switch(on); });
   x_ = make_number(0, kPickerMaximumX, "X Pos", "0..2303 pixels, ISP registers 0xC38 and 0xC39");
   y_ = make_number(0, kPickerMaximumY, "Y Pos", "0..1535 pixels, ISP registers 0xC3A and 0xC3B");
-  connect(x_, &QSpinBox::valueChanged, this, [this](int x) { picker_.position.x = x; });
-  connect(y_, &QSpinBox::valueChanged, this, [this](int y) { picker_.position.y = y; });
+  connect(x_, &QSpinBox::valueChanged, this, [this](int x) {
+    picker_.position.x = x;
+    x_typed_ = true;
+    send_typed();
+  });
+  connect(y_, &QSpinBox::valueChanged, this, [this](int y) {
+    picker_.position.y = y;
+    y_typed_ = true;
+    send_typed();
+  });
   step_ = make_combo(step_items(), "Move Step", "1..128 pixels to a press of a key",
                      [this](int index) { picker_.step_index = index; });
 
@@ -93,7 +101,40 @@ void PickerBox::show_values() {
 }
 
 void PickerBox::enable_keys(bool enabled) {
+  keys_wanted_ = enabled;
+  show_keys();
+}
+
+void PickerBox::show_keys() {
+  const bool enabled = keys_wanted_ && !switching_chip_;
+  // Qt would hand the focus of a disabled key on, and the next press of it would do something else.
+  if (!enabled && keys_->isAncestorOf(window()->focusWidget())) {
+    focused_key_ = window()->focusWidget();
+    setFocus();
+  }
   keys_->setEnabled(enabled);
+  if (!enabled) return;
+  QWidget* key = std::exchange(focused_key_, nullptr);
+  if (key && window()->focusWidget() == this) key->setFocus();
+  send_typed();
+}
+
+/// Brings the cursor to what was typed, unless something else moves it at present: then it waits, and where
+/// the picker is switched off it needs no sending, for switching on does that.
+void PickerBox::send_typed() {
+  if (!typing_.running()) typing_.start(run_send_typed());
+}
+
+/// One position at a time: who spins fast gets to the last one without those before.
+Task<> PickerBox::run_send_typed() {
+  while (picker_.on && keys_->isEnabledTo(this) && (x_typed_ || y_typed_)) {
+    if (std::exchange(y_typed_, false)) {
+      co_await write_isp_bytes(host_.link(), picker_y_bytes(picker_.position.y));
+    } else {
+      x_typed_ = false;
+      co_await write_isp_bytes(host_.link(), picker_x_bytes(picker_.position.x));
+    }
+  }
 }
 
 void PickerBox::move(PickerMove move) {
@@ -114,12 +155,17 @@ void PickerBox::click_switch(bool on) {
 /// One switch at a time, for the chip would end up in between: who changes his mind meanwhile waits.
 Task<> PickerBox::run_switch() {
   bool on = false;
+  switching_chip_ = true;
+  show_keys();
   do {
     on = picker_.on;
+    x_typed_ = y_typed_ = false;
     co_await picker_.switch_chip(on);
     host_.show_status(on ? kPickerOnStatus : kPickerOffStatus);
   } while (picker_.on != on);
+  switching_chip_ = false;
   show_values();
+  show_keys();
   emit settled();
 }
 

@@ -37,6 +37,7 @@ class PickerBox : public QWidget {
   void add_setting(const QString& caption, QWidget* setting);
   /// Shows the page's values. The keys stay as they are.
   void show_values();
+  /// While the chip is being switched they wait for it.
   void enable_keys(bool enabled);
 
  signals:
@@ -52,6 +53,9 @@ class PickerBox : public QWidget {
   void move(PickerMove move);
   void click_switch(bool on);
   Task<> run_switch();
+  void show_keys();
+  void send_typed();
+  Task<> run_send_typed();
 
   PageHost& host_;
   Picker picker_;
@@ -63,7 +67,13 @@ class PickerBox : public QWidget {
   int setting_rows_ = 0;
   QWidget* last_setting_;
   QWidget* keys_;
+  QWidget* focused_key_ = nullptr;  // had the focus when the keys were disabled
+  bool keys_wanted_ = false;
+  bool switching_chip_ = false;
+  bool x_typed_ = false;  // and not sent yet
+  bool y_typed_ = false;
   Flow switching_;
+  Flow typing_;
   FlowSet moves_;
 };
 

@@ -57,8 +57,10 @@ TEST_F(LensPage, SwitchesThePickerAndMovesIt) {
   answer_reads();
   EXPECT_FALSE(enabled("LEFT"));
   drive_.click("Enable Color Picker");
-  EXPECT_TRUE(enabled("LEFT"));
+  EXPECT_FALSE(enabled("LEFT")) << "not before the chip has followed";
+  EXPECT_FALSE(enabled("CALIBRATION"));
   wire_.advance(3000);
+  EXPECT_TRUE(enabled("LEFT"));
   const std::vector<std::string> on = {"@940a*@9429*",
                                        "@940a*@9410*",
                                        "@920a*@9210*@9300*",
@@ -82,7 +84,9 @@ TEST_F(LensPage, SwitchesThePickerAndMovesIt) {
   wire_.advance(1000);
   EXPECT_EQ(drive_.number("X Pos"), 832);
   EXPECT_EQ(drive_.number("Y Pos"), 0);
-  EXPECT_EQ(wire_.sender.wire(), "@920c*@9238*@9303*@920c*@923a*@9300*@920c*@9239*@9340*@920c*@923b*@9300*");
+  EXPECT_EQ(wire_.sender.wire(), "@920c*@9238*@9303*@920c*@923a*@9300*@920c*@923a*@9300*"
+            "@920c*@9239*@9340*@920c*@923b*@930a*@920c*@923b*@9300*")
+      << "what was typed leaves as well";
 
   wire_.sender.writes.clear();
   drive_.click("Enable Color Picker");
@@ -90,6 +94,18 @@ TEST_F(LensPage, SwitchesThePickerAndMovesIt) {
   wire_.advance(3000);
   EXPECT_TRUE(wire_.sender.wire().ends_with("@920a*@9220*@9390*@920a*@9229*@9310*@a001*@a101*"));
   EXPECT_EQ(host_.last_status(), "End color capture.");
+}
+
+TEST_F(LensPage, WhatIsTypedDuringASwitchIsSentAfterIt) {
+  answer_reads();
+  drive_.type("X Pos", 1);
+  drive_.click("Enable Color Picker");
+  wire_.advance(900);  // into the sending of the position
+  drive_.type("X Pos", 0x201);
+  drive_.type("X Pos", 0x302);
+  wire_.advance(3000);
+  EXPECT_TRUE(wire_.sender.wire().ends_with(
+      "@920c*@9238*@9300*@920c*@9239*@9301*@920c*@9238*@9303*@920c*@9239*@9302*"));
 }
 
 TEST_F(LensPage, ASwitchDuringASwitchWaitsForIt) {
