@@ -201,7 +201,8 @@ void CDlgIspMatrix::enable_controls() {
   using Typing = PatchGrid::Typing;
   show_checked(manual_, values_.manual_input);
   patches_->allow(values_.manual_input ? Typing::all : values_.picker_on ? Typing::chosen : Typing::none);
-  picker_->enable_keys(values_.picker_on);
+  // An arrow would move the cursor away from what is being measured.
+  picker_->enable_keys(values_.picker_on && !measuring_patch_);
 }
 
 /// Only what was typed becomes a coefficient: a code holds less of one than the fit computed.
@@ -240,7 +241,10 @@ void CDlgIspMatrix::get_color() {
 }
 
 Task<> CDlgIspMatrix::run_get_color() {
+  measuring_patch_ = true;
+  enable_controls();
   const bool measured = co_await get_patch_color(link(), values_);
+  measuring_patch_ = false;
   if (!measured) host().show_status("GET COLOR: the chip did not answer.");
   take_typed_text(this);
   show_measurements();

@@ -59,6 +59,7 @@ class CDlgIspMatrix : public TuningPage {
   QSpinBox* patch_step_;
   QCheckBox* manual_;
   std::array<std::array<QLineEdit*, 3>, kMatrixRows> codes_{};
+  bool measuring_patch_ = false;
   Flow measuring_;
 };
 

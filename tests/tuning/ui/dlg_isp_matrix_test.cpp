@@ -69,6 +69,7 @@ TEST_F(MatrixPage, MeasuresPatchAfterPatch) {
   EXPECT_FALSE(drive_.checked("Input Manually"));
   EXPECT_FALSE(enabled(patch(9, "B")));
   EXPECT_TRUE(enabled(patch(0, "B")));
+  EXPECT_FALSE(enabled("GET COLOR")) << "not before the chip has followed";
   wire_.advance(3000);
   EXPECT_EQ(wire_.sender.wire(),
             "@940a*@9429*@920a*@9220*@9380*@920a*@9229*@9385*@a000*@a100*"
@@ -78,8 +79,13 @@ TEST_F(MatrixPage, MeasuresPatchAfterPatch) {
 
   drive_.click(kPatchCaptions[4]);
   drive_.type("Patch Step", 100);
-  drive_.click("GET COLOR");
+  auto* get_color = drive_.find<QPushButton>("GET COLOR");
+  get_color->setFocus();
+  get_color->click();
+  EXPECT_FALSE(enabled("RIGHT"));
+  EXPECT_EQ(page_.focusWidget()->focusPolicy(), Qt::NoFocus) << "no other control gets the next key";
   wire_.advance(2000);
+  EXPECT_EQ(page_.focusWidget(), get_color);
   EXPECT_EQ(drive_.number(patch(4, "R")), 10);
   EXPECT_EQ(drive_.number(patch(4, "B")), 30);
   EXPECT_TRUE(drive_.checked(kPatchCaptions[5]));
