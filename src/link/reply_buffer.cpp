@@ -13,7 +13,7 @@ std::string ReplyBuffer::decode(std::span<const std::uint8_t> received) {
       case '~':
         state_ = State::in_block;
         index_ = 0;
-        wrapped_ = false;
+        received_ = 0;
         break;
       case '^':
         if (state_ == State::in_block) state_ = State::complete;
@@ -35,13 +35,14 @@ std::string ReplyBuffer::decode(std::span<const std::uint8_t> received) {
 void ReplyBuffer::store(char c) {
   text_[index_] = c;
   index_ = (index_ + 1) % kSize;
-  if (index_ == 0) wrapped_ = true;
+  ++received_;
 }
 
 std::optional<std::string> ReplyBuffer::take_block() {
   if (state_ != State::complete) return std::nullopt;
   state_ = State::idle;
-  return std::string(text_.data(), wrapped_ ? kSize : index_);
+  if (received_ > kSize) return std::nullopt;
+  return std::string(text_.data(), received_ == kSize ? kSize : index_);
 }
 
 std::optional<int> ReplyBuffer::take_last_pair() {
@@ -54,7 +55,7 @@ std::optional<int> ReplyBuffer::take_last_pair() {
 void ReplyBuffer::forget() {
   state_ = State::idle;
   index_ = 0;
-  wrapped_ = false;
+  received_ = 0;
 }
 
 void ReplyBuffer::clear() {

@@ -27,10 +27,11 @@ class ReplyBuffer {
   std::string decode(std::span<const std::uint8_t> received);
 
   State state() const { return state_; }
-  /// The next write position, which is how many characters the block holds unless it wrapped.
+  /// The next write position, which is how many characters the block holds unless it filled the buffer.
   std::size_t index() const { return index_; }
 
-  /// The complete block's characters, at most 500, and back to idle; nothing when none is complete.
+  /// The complete block's characters, at most 500, and back to idle. Nothing when none is complete, or when
+  /// it overwrote its start.
   std::optional<std::string> take_block();
 
   /// The value of the last two characters stored, 0..255; nothing when fewer than two are there. Lowers the
@@ -48,7 +49,7 @@ class ReplyBuffer {
 
   std::array<char, kSize> text_{};
   std::size_t index_ = 0;
-  bool wrapped_ = false;
+  std::size_t received_ = 0;  // characters of the block, those overwritten included
   State state_ = State::idle;
 };
 

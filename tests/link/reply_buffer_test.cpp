@@ -37,9 +37,13 @@ TEST(ReplyBuffer, ANewBlockReplacesAnUnreadOneAndDollarAbandons) {
 
 TEST(ReplyBuffer, ALongBlockWrapsOntoItsStart) {
   ReplyBuffer reply;
+  decode(reply, "~" + std::string(500, 'a') + "^");
+  EXPECT_EQ(reply.take_block(), std::string(500, 'a')) << "all of it is there";
   decode(reply, "~" + std::string(500, 'a') + "bc^");
   EXPECT_EQ(reply.index(), 2u);
-  EXPECT_EQ(reply.take_block(), "bc" + std::string(498, 'a'));
+  EXPECT_EQ(reply.take_block(), std::nullopt) << "its start is lost";
+  EXPECT_EQ(reply.state(), ReplyBuffer::State::idle);
+  EXPECT_EQ(reply.take_last_pair(), 0xBC);
 }
 
 TEST(ReplyBuffer, TheLastPairIsTakenOnce) {
