@@ -8,6 +8,10 @@ namespace {
 
 constexpr std::chrono::milliseconds kSettlingStep{100};
 
+bool all_hex_digits(std::string_view reply) {
+  return reply.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}
+
 int percent(std::size_t done, std::size_t of) {
   return of == 0 ? 100 : static_cast<int>(done * 100 / of);
 }
@@ -33,7 +37,8 @@ Task<> wait_while_chip_stores(PageHost& host, std::chrono::milliseconds time) {
 
 Task<bool> load_from_chip(PageHost& host, PageLoad load) {
   const auto reply = co_await host.link().query(load.trigger);
-  const bool taken = reply && load.take(*reply);
+  // A digit that was damaged on the line would count as 0 and be taken for the chip's own.
+  const bool taken = reply && all_hex_digits(*reply) && load.take(*reply);
   const std::string& text = taken ? load.loaded : load.failed;
   if (!text.empty()) host.show_status(text);
   co_return taken;

@@ -33,11 +33,16 @@ TEST(LoadFromChip, SaysWhetherThePageTookTheReply) {
   wire.advance(300);
   EXPECT_EQ(taken, "1234");
   EXPECT_EQ(host.last_status(), "Load Isp ok..");
-  flow.start(load(host, taken));
-  wire.advance(50);
-  wire.receive("~12^");
-  wire.advance(300);
-  EXPECT_EQ(host.last_status(), "ISP Load Fail...") << "a reply that ends too early";
+  // Ended too early, damaged, and so long that its start is lost.
+  for (const std::string& block : {std::string("12"), std::string("aB.F"), std::string(502, '1')}) {
+    host.statuses.clear();
+    flow.start(load(host, taken));
+    wire.advance(50);
+    wire.receive("~" + block + "^");
+    wire.advance(1800);
+    EXPECT_EQ(host.last_status(), "ISP Load Fail...") << block;
+    EXPECT_EQ(taken, "1234");
+  }
 }
 
 Task<> save(PageHost& host) {
