@@ -49,7 +49,9 @@ Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values
     if (!values.picker_on) co_return ended(CalibrationEnd::aborted);
     const PerColour rgb = co_await measure_at(link, x);
     if (std::string message = complaint(x, rgb); !message.empty()) {
-      if (values.picker_on) co_await switch_lens_picker(link, values, false);
+      // The chip measures nothing while it is being switched off.
+      if (!values.picker_on) co_return ended(CalibrationEnd::aborted);
+      co_await switch_lens_picker(link, values, false);
       co_return ended(CalibrationEnd::bad_reading, std::move(message));
     }
     calibration.samples.push_back(lens_sample(x, rgb));

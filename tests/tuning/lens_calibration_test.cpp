@@ -146,6 +146,17 @@ TEST(LensCalibration, StopsAtAReadingThatIsMissingOrZero) {
   silent.calibrate();
   EXPECT_EQ(silent.result.message, "Calibration stopped: no reading of red at X pos 272.");
   EXPECT_EQ(silent.samples.size(), 1u);
+
+  Page aborted;
+  aborted.values.picker_on = true;
+  aborted.chip.silent_x = 272;
+  aborted.after_sample = [&aborted] {
+    const auto switch_off = [&aborted] { aborted.values.picker_on = false; };
+    aborted.chip.wire.scheduler.call_after(std::chrono::milliseconds(100), switch_off);
+  };
+  aborted.calibrate();
+  EXPECT_EQ(aborted.result.end, CalibrationEnd::aborted) << "no complaint about what was switched off";
+  EXPECT_EQ(aborted.result.message, "");
 }
 
 }  // namespace
