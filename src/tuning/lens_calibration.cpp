@@ -59,9 +59,14 @@ Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values
   }
 
   calibration.centre = fit_lens_centre(calibration.samples, calibration.width);
-  result.log = recompute_lens(calibration, values);
-  co_await link.send(lens_send_parameters(values));
-  if (values.picker_on) co_await switch_lens_picker(link, values, false);
+  int ratio = 0;
+  do {
+    ratio = values.ratio;
+    result.log = recompute_lens(calibration, values);
+    const JobResult sent = co_await link.send(lens_send_parameters(values));
+    result.message = sent.failed ? "The parameters did not reach the chip: the port failed." : "";
+    if (values.picker_on) co_await switch_lens_picker(link, values, false);
+  } while (values.ratio != ratio);
   co_return result;
 }
 

@@ -22,11 +22,12 @@ struct LensCalibrationResult {
   CalibrationEnd end = CalibrationEnd::done;
   LensCalibration calibration;  ///< without samples unless done
   std::string log;              ///< what the fit adds to the log
-  std::string message;          ///< of a bad reading: its position and colour; else empty
+  std::string message;          ///< of a bad reading, or of a port that failed; else empty
 };
 
 /// Sweeps the picker along the line, fits the parameters, puts them into `values`, sends them and switches
-/// the picker off. Unless it gets that far, nothing is sent and the old parameters stay.
+/// the picker off. Unless it gets that far, nothing is sent and the old parameters stay. Who changes the
+/// ratio while it sends and switches gets the parameters for it at the end.
 ///
 /// `values` are the page's own, kept up to date by its controls and looked at before each position;
 /// `on_sample` gets each sample as it comes.

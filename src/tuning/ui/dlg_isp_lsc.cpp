@@ -191,7 +191,8 @@ Task<> CDlgIspLSC::calibrate() {
   }
   Message complaint{result.message};
   finish(std::move(result));
-  if (!complaint.text.empty()) co_await host().prompts().message(std::move(complaint));
+  // Beside this flow, which is over: the ratio may move while the box is open.
+  if (!complaint.text.empty()) spawn(host().prompts().message(std::move(complaint)));
 }
 
 void CDlgIspLSC::take_sample(const LensSample& sample, std::size_t of) {

@@ -151,6 +151,32 @@ TEST_F(LensPage, CalibratesSendsAndSwitchesOff) {
   EXPECT_EQ(parameters(), all);
 }
 
+TEST_F(LensPage, TheRatioCountsUntilThePickerIsOff) {
+  answer_reads();
+  switch_on();
+  drive_.click("CALIBRATION");
+  while (host_.progress.empty() || host_.progress.back() != 100) wire_.advance(10);
+  wire_.advance(300);  // the parameters have left
+  drive_.type("Correction Ratio", 0);
+  EXPECT_NE(parameters(), std::vector<int>(6, 0));
+  wire_.advance(3000);
+  EXPECT_EQ(parameters(), std::vector<int>(6, 0));
+  EXPECT_TRUE(wire_.sender.wire().ends_with("@a101*@6400*@6400*@6400*@6400*@6400*@6400*"
+                                            "@6500*@6500*@6500*@6500*@6500*@6500*"));
+  EXPECT_TRUE(host_.user.messages.empty());
+}
+
+TEST_F(LensPage, SaysWhenTheParametersDoNotReachTheChip) {
+  answer_reads();
+  switch_on();
+  drive_.click("CALIBRATION");
+  while (host_.progress.empty() || host_.progress.back() != 100) wire_.advance(10);
+  wire_.sender.connected = false;
+  wire_.advance(3000);
+  ASSERT_EQ(host_.user.messages.size(), 1u);
+  EXPECT_EQ(host_.user.messages[0].text, "The parameters did not reach the chip: the port failed.");
+}
+
 TEST_F(LensPage, SwitchingOffAbortsAndKeepsTheParameters) {
   answer_reads();
   drive_.type("Parameter-1 RED", 77);
