@@ -1,6 +1,7 @@
 #include "console/ui/page_area.h"
 
 #include <QAction>
+#include <QEvent>
 #include <QScrollArea>
 
 namespace qv5123 {
@@ -76,7 +77,15 @@ void PageArea::choose(PageId id) {
   emit chosen(id);
 }
 
-void PageArea::update_actions(PageId chosen) {
+bool PageArea::eventFilter(QObject* watched, QEvent* event) {
+  // Its item chooses it again. Sent to what is hidden by itself, not with the area around it.
+  if (event->type() == QEvent::HideToParent && current_ && watched == page_widget(*current_)) {
+    update_actions(std::nullopt);
+  }
+  return QStackedWidget::eventFilter(watched, event);
+}
+
+void PageArea::update_actions(std::optional<PageId> chosen) {
   for (const PageEntry& entry : kPageEntries) {
     actions_[static_cast<qsizetype>(entry.id)]->setEnabled(available(entry.id) && entry.id != chosen);
   }
@@ -90,6 +99,7 @@ void PageArea::create(PageId id) {
   slot.frame = scrolled(slot.widget);
   addWidget(slot.frame);
   show_slot(slot);
+  slot.widget->installEventFilter(this);
 }
 
 void PageArea::show_slot(const Slot& slot) {

@@ -30,13 +30,17 @@ class PageArea final : public QStackedWidget {
  signals:
   void chosen(qv5123::PageId id);
 
+ protected:
+  /// Watches the pages for one that hides itself.
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
  private:
   struct Slot {
     QWidget* frame = nullptr;  // scrolls the page where the window is too small for it
     QWidget* widget = nullptr;
     Page* page = nullptr;
   };
-  void update_actions(PageId chosen);
+  void update_actions(std::optional<PageId> chosen);
   void create(PageId id);
   void show_slot(const Slot& slot);
 

@@ -89,10 +89,16 @@ TEST(MainForm, MenuChoosesOnePageAndGreysItsItem) {
   EXPECT_TRUE(bench.view->pages().page_widget(PageId::font_editor)->isVisible());
   EXPECT_FALSE(bench.view->pages().page_widget(PageId::isp_tune)->isVisible());
   EXPECT_EQ(bench.statuses, (Strings{"ISP tune and debug tool", "", "Edit Font Library"}));
+  bench.view->pages().page_widget(PageId::font_editor)->hide();
+  EXPECT_EQ(greyed(), Strings{"&LSC"}) << "it closed itself";
+  bench.item(PageId::font_editor)->trigger();
+  EXPECT_EQ(greyed(), (Strings{"&LSC", "FontEditor"}));
+  EXPECT_TRUE(bench.view->pages().page_widget(PageId::font_editor)->isVisible());
 
   bench.view->pages().choose(PageId::isp_tune);
   bench.view->pages().choose(PageId::isp_tune);
-  EXPECT_EQ(bench.record, (Strings{"isp-tune made", "font-editor made", "isp-tune again", "isp-tune again"}));
+  EXPECT_EQ(bench.record, (Strings{"isp-tune made", "font-editor made", "font-editor again", "isp-tune again",
+                                   "isp-tune again"}));
   bench.view->pages().choose(PageId::lsc);
   EXPECT_TRUE(bench.view->pages().page_widget(PageId::isp_tune)->isVisible());
 }
