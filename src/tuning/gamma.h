@@ -65,9 +65,10 @@ inline constexpr Encoding kGammaPoint{
 inline constexpr Encoding kFrontGammaPoint{
     [](int value) { return value << 2; },
     [](int stored) { return (stored >> 2) > kGammaMaximum ? kGammaMaximum : stored >> 2; }};
+/// What is no selection counts as all three curves, as before anything was chosen.
 inline constexpr Encoding kGammaChannel{
     [](int value) { return value; },
-    [](int stored) { return stored > kGammaFront ? static_cast<int>(kGammaFront) : stored; }};
+    [](int stored) { return stored > kGammaFront ? static_cast<int>(kGammaRgb) : stored; }};
 
 /// Entries 44..176: the selection and the three end curves, red, green, blue.
 template <class Values, class Visitor>

@@ -59,12 +59,13 @@ TEST(Gamma, LoadsOnlyFromAnImageThatAFileWasReadInto) {
   EXPECT_EQ(values.curves, GammaValues().curves);
   EXPECT_EQ(values.channel, kGammaRgb);
 
+  values.channel = kGammaBlue;
   image.mark_loaded();
   reload_from_user_data(values, image);
   EXPECT_EQ(values.curve(kFrontCurve)[1], 777);
   EXPECT_EQ(values.curve(kRedCurve)[0], 500);
   EXPECT_EQ(values.curve(kRedCurve)[1], 1023) << "beyond the scale";
-  EXPECT_EQ(values.channel, kGammaFront) << "beyond the last selection";
+  EXPECT_EQ(values.channel, kGammaRgb) << "beyond the last selection";
 }
 
 TEST(Gamma, DecodesTheReply) {
