@@ -21,7 +21,8 @@ QDoubleSpinBox* make_exponent(const QString& name, double value) {
   // The same point in every language, as in the files.
   box->setLocale(QLocale::c());
   box->setRange(0, kHighestExponent);
-  box->setDecimals(4);
+  // A value that was computed elsewhere comes in whole.
+  box->setDecimals(8);
   box->setSingleStep(0.01);
   box->setValue(value);
   box->setKeyboardTracking(false);
