@@ -236,10 +236,10 @@ void CDlgIspLSC::load_isp() {
 
 Task<> CDlgIspLSC::run_save() {
   take_typed_text(this);
-  co_await host().save_everything();
+  const bool written = co_await host().save_everything();
   PageSave save;
   save.traffic = lens_full_save(values_);
-  save.done = "File save done";
+  save.done = written ? "File save done" : kSavedOnChipOnly;
   co_await save_on_chip(host(), std::move(save));
 }
 

@@ -299,7 +299,7 @@ void CDlgIspMatrix::load_isp() {
 Task<> CDlgIspMatrix::run_save() {
   host().show_status("CCM Data Saving... Please wait");
   take_typed_text(this);
-  co_await host().save_everything();
+  const bool written = co_await host().save_everything();
   PageSave save;
   save.traffic = matrix_full_save(values_);
   if (!co_await save_on_chip(host(), std::move(save))) co_return;
@@ -313,6 +313,7 @@ Task<> CDlgIspMatrix::run_save() {
   show_measurements();
   host().show_status(kPickerOffStatus);
   host().show_status("Transfered Linear Matrix parameters to ISP. Enable color correction.");
+  if (!written) host().show_status(kSavedOnChipOnly);
 }
 
 void CDlgIspMatrix::save_to_user_data() {

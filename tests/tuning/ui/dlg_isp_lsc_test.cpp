@@ -233,6 +233,10 @@ TEST_F(LensPage, SavesToFileAndChipAndComesBack) {
   EXPECT_EQ(host_.full_saves, 1);
   EXPECT_EQ(host_.written.word(440), 0x101);
   EXPECT_EQ(host_.written.word(450), 0x606);
+  host_.write_succeeds = false;
+  drive_.click("File/Flash Save");
+  wire_.advance(2000);
+  EXPECT_EQ(host_.last_status(), "Only the chip was saved: no setting file was written.");
 
   CDlgIspLSC other(host_);
   EXPECT_EQ(test::PageDriver(other).number("Parameter-2 BLUE"), 0x606);

@@ -198,6 +198,11 @@ TEST_F(MatrixPage, SavesAllMatricesAndEndsTheCapture) {
   ASSERT_GE(host_.statuses.size(), 2u);
   EXPECT_EQ(host_.statuses[host_.statuses.size() - 2], "End color capture.");
   EXPECT_EQ(host_.last_status(), "Transfered Linear Matrix parameters to ISP. Enable color correction.");
+
+  host_.write_succeeds = false;
+  drive_.click("File/Flash Save");
+  wire_.advance(20000);
+  EXPECT_EQ(host_.last_status(), "Only the chip was saved: no setting file was written.");
 }
 
 TEST_F(MatrixPage, ComesBackFromTheUserDataAsItWas) {
