@@ -232,7 +232,7 @@ void CDlgIspMatrix::show_selected_matrix() {
 }
 
 void CDlgIspMatrix::chosen_again() {
-  show_all();
+  show_measurements();
 }
 
 void CDlgIspMatrix::get_color() {

@@ -133,6 +133,7 @@ TEST_F(MatrixPage, SetDerivesStoresAndSendsARow) {
   drive_.choose("Video Mode", 3);
   drive_.type("R from R", QString("0x0500"));
   drive_.type("R from B", QString("1F00"));
+  page_.chosen_again();
   drive_.click("Row R Set");
   EXPECT_EQ(codes()[1], "0x0000") << "1 - 1.25 + 0.25";
   EXPECT_EQ(codes()[5], "0x0400");
