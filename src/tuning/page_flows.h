@@ -18,7 +18,8 @@ struct PageLoad {
   std::uint8_t trigger = 0;  ///< a write of 0 to it asks for the reply
   std::string failed;        ///< status text when no reply came, or one that is damaged or ended too early
   std::string loaded;        ///< status text otherwise; none when empty
-  /// Takes the reply's characters, hex digits all; false when they end too early, and then nothing may have changed.
+  /// Takes the reply's characters, hex digits all; false when they end too early, and then nothing may have
+  /// changed.
   std::function<bool(std::string_view reply)> take;
 };
 

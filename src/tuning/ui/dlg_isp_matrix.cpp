@@ -241,6 +241,7 @@ void CDlgIspMatrix::get_color() {
 }
 
 Task<> CDlgIspMatrix::run_get_color() {
+  co_await picker_->arrive();
   measuring_patch_ = true;
   enable_controls();
   const bool measured = co_await get_patch_color(link(), values_);

@@ -137,6 +137,10 @@ Task<> PickerBox::run_send_typed() {
   }
 }
 
+Task<> PickerBox::arrive() {
+  while (typing_.running() || moves_.running()) co_await Delay(host_.scheduler(), CommandLink::kWideWait);
+}
+
 void PickerBox::move(PickerMove move) {
   take_typed_text(window());
   picker_.position = moved(picker_.position, move, picker_.step_index);

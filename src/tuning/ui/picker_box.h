@@ -39,6 +39,8 @@ class PickerBox : public QWidget {
   void show_values();
   /// While the chip is being switched they wait for it.
   void enable_keys(bool enabled);
+  /// Waits until the cursor is where the page says: what is measured before that belongs elsewhere.
+  Task<> arrive();
 
  signals:
   /// The user has clicked the switch: the page's flag has changed.

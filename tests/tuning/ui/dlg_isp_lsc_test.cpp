@@ -84,7 +84,8 @@ TEST_F(LensPage, SwitchesThePickerAndMovesIt) {
   wire_.advance(1000);
   EXPECT_EQ(drive_.number("X Pos"), 832);
   EXPECT_EQ(drive_.number("Y Pos"), 0);
-  EXPECT_EQ(wire_.sender.wire(), "@920c*@9238*@9303*@920c*@923a*@9300*@920c*@923a*@9300*"
+  EXPECT_EQ(wire_.sender.wire(),
+            "@920c*@9238*@9303*@920c*@923a*@9300*@920c*@923a*@9300*"
             "@920c*@9239*@9340*@920c*@923b*@930a*@920c*@923b*@9300*")
       << "what was typed leaves as well";
 
@@ -161,8 +162,9 @@ TEST_F(LensPage, TheRatioCountsUntilThePickerIsOff) {
   EXPECT_NE(parameters(), std::vector<int>(6, 0));
   wire_.advance(3000);
   EXPECT_EQ(parameters(), std::vector<int>(6, 0));
-  EXPECT_TRUE(wire_.sender.wire().ends_with("@a101*@6400*@6400*@6400*@6400*@6400*@6400*"
-                                            "@6500*@6500*@6500*@6500*@6500*@6500*"));
+  EXPECT_TRUE(
+      wire_.sender.wire().ends_with("@a101*@6400*@6400*@6400*@6400*@6400*@6400*"
+                                    "@6500*@6500*@6500*@6500*@6500*@6500*"));
   EXPECT_TRUE(host_.user.messages.empty());
 }
 

@@ -81,7 +81,12 @@ TEST_F(MatrixPage, MeasuresPatchAfterPatch) {
   drive_.type("Patch Step", 100);
   auto* get_color = drive_.find<QPushButton>("GET COLOR");
   get_color->setFocus();
+  wire_.sender.writes.clear();
+  drive_.type("X Pos", 0x3C1);
   get_color->click();
+  wire_.advance(400);
+  EXPECT_TRUE(wire_.sender.wire().starts_with("@920c*@9238*@9303*@920c*@9239*@93c1*@940c*@943d*"))
+      << "not before the cursor is there";
   EXPECT_FALSE(enabled("RIGHT"));
   EXPECT_EQ(page_.focusWidget()->focusPolicy(), Qt::NoFocus) << "no other control gets the next key";
   wire_.advance(2000);
@@ -90,7 +95,7 @@ TEST_F(MatrixPage, MeasuresPatchAfterPatch) {
   EXPECT_EQ(drive_.number(patch(4, "B")), 30);
   EXPECT_TRUE(drive_.checked(kPatchCaptions[5]));
   EXPECT_TRUE(enabled(patch(5, "G")));
-  EXPECT_EQ(drive_.number("X Pos"), 1060);
+  EXPECT_EQ(drive_.number("X Pos"), 1061);
 
   wire_.sender.chip = nullptr;
   drive_.click("GET COLOR");
