@@ -25,13 +25,18 @@ need_packages() {
 program_packages=(g++ cmake ninja-build ccache qt6-base-dev libcli11-dev nlohmann-json3-dev fonts-dejavu-core)
 test_packages=(libgtest-dev libgmock-dev)
 
-# build_program FOLDER [CMAKE OPTIONS...]: configures where needed and builds.
-build_program() {
+# configure_program FOLDER [CMAKE OPTIONS...]: says nothing unless it fails.
+configure_program() {
   local folder=$1
   shift
   cmake -S "$root" -B "$folder" -G Ninja "$@" >"$folder.log" 2>&1 || {
     cat "$folder.log" >&2
     return 1
   }
-  cmake --build "$folder"
+}
+
+# build_program FOLDER [CMAKE OPTIONS...]: configures where needed and builds.
+build_program() {
+  configure_program "$@"
+  cmake --build "$1"
 }

@@ -1,0 +1,25 @@
+# Sourced by the scripts that run something under Wine, with the build folder in $build: a Wine prefix of the
+# build folder's own, and what makes pseudo-terminals COM ports there.
+
+wine=/usr/lib/wine/wine64
+wine_server=/usr/lib/wine/wineserver64
+export WINEPREFIX=$build/wine WINESERVER=$wine_server WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+serial_port_shim=$build/serial_port_shim.so
+
+# start_wine: starts the server, then makes the prefix where there is none yet.
+start_wine() {
+  mkdir -p "$WINEPREFIX"
+  g++ -std=c++20 -O1 -Wall -Wextra -fPIC -shared -o "$serial_port_shim" "$root/tests/wine/serial_port_shim.cpp"
+  # In the foreground: a server that is its own session's leader would take the tests' ports for its terminal.
+  LD_PRELOAD=$serial_port_shim "$wine_server" -f -p 2>"$build/wineserver.log" &
+  "$wine" wineboot --init
+}
+
+stop_wine() {
+  "$wine_server" -k || true
+}
+
+# run_wine PROGRAM [ARGUMENTS...]
+run_wine() {
+  LD_PRELOAD=$serial_port_shim "$wine" "$@"
+}
