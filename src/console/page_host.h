@@ -26,8 +26,8 @@ class PageHost {
 
   /// Shows a message of at most 256 characters in the status bar's message pane.
   virtual void show_status(const std::string& text) = 0;
-  /// Shows how far a long operation is, 0..100, beside the status message; nothing takes it away again, and so
-  /// does the end of all such work, see set_busy().
+  /// Shows how far a long operation is, 0..100, beside the status message. Taken away again by an empty
+  /// `percent`, and by the end of the last work under set_busy().
   virtual void show_progress(std::optional<int> percent) = 0;
   /// Appends to the main console and scrolls to its end.
   virtual void append_console(const std::string& text) = 0;
@@ -40,8 +40,8 @@ class PageHost {
   /// Reads "QV512xUser.dat" of the current directory into the image, whatever setting file is remembered. A
   /// file that does not exist changes nothing; one that cannot be read is named in the status bar.
   virtual Task<> reload_user_data_file() = 0;
-  /// Work that closing the window should ask about first, such as a full save, begins or ends. Calls nest;
-  /// the end of the last takes the progress away.
+  /// Work that closing the window should ask about first, such as a full save, begins or ends. Calls nest,
+  /// and the end of the last takes the progress away.
   virtual void set_busy(bool busy) = 0;
 };
 

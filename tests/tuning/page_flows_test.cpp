@@ -87,9 +87,8 @@ TEST(SaveOnChip, APortThatFailsIsNoSuccess) {
   wire.sender.connected = false;
   wire.advance(200);
   EXPECT_FALSE(flow.running());
-  EXPECT_EQ(host.statuses,
-            std::vector<std::string>{
-                "Nothing more reached the chip: the port failed after 50 % of the data."});
+  EXPECT_EQ(host.statuses, std::vector<std::string>{
+                               "Nothing more reached the chip: the port failed after 50 % of the data."});
   EXPECT_EQ(host.busy.back(), false);
 }
 
