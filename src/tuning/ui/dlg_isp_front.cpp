@@ -117,9 +117,8 @@ Task<> CDlgIspFront::run_save() {
   qv5123::save_to_user_data(values_, document().user_data);
   PageSave save;
   save.traffic = front_save_traffic(values_);
-  save.done = "ISP Data Save Done.";
-  // The chip gets the settings either way, but then half of what the button does is not done.
-  if (!co_await host().write_user_data_file()) save.done.clear();
+  const bool written = co_await host().write_user_data_file();
+  save.done = written ? "ISP Data Save Done." : kSavedOnChipOnly;
   co_await save_on_chip(host(), std::move(save));
 }
 
