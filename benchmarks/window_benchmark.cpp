@@ -3,15 +3,11 @@
 //   window_benchmark first-paint    ends as soon as the window was painted; the caller takes the time
 //   window_benchmark load-all       worst gap between event-loop turns while "Load All From ISP" runs
 //   window_benchmark console        the same while the console takes 10 MB of text
-//   window_benchmark download       the same while firmware.bin is downloaded at 115200 baud
 //   window_benchmark description    time to parse and show the description in the current directory
 #include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QMainWindow>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QSettings>
 #include <QStandardPaths>
@@ -63,11 +59,9 @@ class GapMeter {
   std::_Exit(0);
 }
 
-Program::Parts parts(unsigned line_rate) {
+Program::Parts parts() {
   Program::Parts parts;
-  LineOptions line;
-  line.line_rate = line_rate;
-  parts.device = std::make_unique<SimulatedBoard>(line);
+  parts.device = std::make_unique<SimulatedBoard>();
   parts.pages[PageId::registers] = page_factory<CDlgIspRegister>();
   PortSettings port;
   port.device = "simulated chip";
@@ -128,35 +122,6 @@ void measure_console(CQV5123View& view, GapMeter& meter) {
         [&view, flood] { return !flood->isActive() && view.console().settled(); });
 }
 
-/// Chooses `path` in the file chooser as soon as that is open.
-void choose_file(const QString& path) {
-  auto* look = new QTimer(qApp);
-  QObject::connect(look, &QTimer::timeout, look, [look, path] {
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
-      auto* chooser = qobject_cast<QFileDialog*>(widget);
-      if (!chooser || !chooser->isVisible()) continue;
-      look->stop();
-      chooser->selectFile(path);
-      QMetaObject::invokeMethod(chooser, "accept");
-    }
-  });
-  look->start(20);
-}
-
-void measure_download(CQV5123View& view, GapMeter& meter) {
-  button(&view, "FW")->click();
-  choose_file(QFileInfo("firmware.bin").absoluteFilePath());
-  auto* cancel = button(&view, "Cancel");
-  // From the first block on: opening the chooser is the toolkit's affair.
-  auto* begin = new QTimer(qApp);
-  QObject::connect(begin, &QTimer::timeout, begin, [&meter, begin, cancel, &view] {
-    if (!cancel->isEnabled() || view.findChild<QProgressBar*>()->value() < 1) return;
-    begin->stop();
-    watch(meter, "download_worst_gap", [cancel] { return !cancel->isEnabled(); });
-  });
-  begin->start(20);
-}
-
 void measure_description(CQV5123View& view) {
   QElapsedTimer clock;
   clock.start();
@@ -177,7 +142,7 @@ int main(int argc, char** argv) {
   options.simulate = true;
   options.tour.reset();
   options.setting_file = "sample.dat";
-  Program program(options, AppSettings(store), parts(what == "download" ? 115200 : 0));
+  Program program(options, AppSettings(store), parts());
   program.start();
   FirstPaint first_paint;
   GapMeter meter;
@@ -188,7 +153,6 @@ int main(int argc, char** argv) {
   auto* view = program.frame()->findChild<CQV5123View*>();
   QTimer::singleShot(2000, [&] {
     if (what == "load-all") return measure_load_all(*view, meter);
-    if (what == "download") return measure_download(*view, meter);
     if (what == "console") return measure_console(*view, meter);
     if (what == "description") return measure_description(*view);
     std::fprintf(stderr, "window_benchmark: unknown measurement %s\n", what.c_str());
