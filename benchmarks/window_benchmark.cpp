@@ -1,68 +1,66 @@
-// Measures the whole window on the simulated chip. One figure a run, as "NAME VALUE UNIT" lines:
+// Measures the whole window on the simulated chip, on a 115200 baud line:
 //
 //   window_benchmark first-paint    ends as soon as the window was painted; the caller takes the time
 //   window_benchmark load-all       worst gap between event-loop turns while "Load All From ISP" runs
 //   window_benchmark console        the same while the console takes 10 MB of text
+//   window_benchmark save-PAGE      the same during a page's full save (isp-tune, gamma, lsc, awb, matrix,
+//                                   dynamic), and the time of its writes over their pacing
+//   window_benchmark calibration    the same during a lens shading calibration of 60 positions
+//   window_benchmark drag           the same while a gamma point is dragged
+//   window_benchmark download       the same while firmware.bin is downloaded
 //   window_benchmark description    time to parse and show the description in the current directory
-#include <QAbstractEventDispatcher>
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QMainWindow>
-#include <QPushButton>
 #include <QSettings>
 #include <QStandardPaths>
-#include <QTimer>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
-#include "console/ui/console_view.h"
 #include "console/ui/frame.h"
 #include "console/ui/page_area.h"
 #include "console/ui/program.h"
 #include "console/ui/qv5123_view.h"
 #include "registers/ui/dlg_isp_register.h"
 #include "simulator/simulated_board.h"
+#include "tuning/ui/dlg_ae_tune.h"
+#include "tuning/ui/dlg_isp_awb.h"
+#include "tuning/ui/dlg_isp_front.h"
+#include "tuning/ui/dlg_isp_gamma_rgb.h"
+#include "tuning/ui/dlg_isp_lsc.h"
+#include "tuning/ui/dlg_isp_matrix.h"
+#include "window_measurements.h"
 
 namespace {
 
 using namespace qv5123;
 
-/// The longest time for which the event loop did not come round to a timer of 1 ms.
-class GapMeter {
- public:
-  GapMeter() {
-    timer_.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] {
-      const double now = static_cast<double>(clock_.nsecsElapsed()) / 1e6;
-      worst_ = std::max(worst_, now - last_);
-      last_ = now;
-    });
-  }
-  void start() {
-    clock_.start();
-    last_ = worst_ = 0;
-    timer_.start(1);
-  }
-  double worst() const { return worst_; }
-
- private:
-  QTimer timer_;
-  QElapsedTimer clock_;
-  double last_ = 0;
-  double worst_ = 0;
-};
-
-[[noreturn]] void finish(const char* name, double value, const char* unit) {
-  std::printf("%s %.2f %s\n", name, value, unit);
-  std::fflush(stdout);
-  std::_Exit(0);
+std::unique_ptr<SimulatedBoard> make_board(bool timed) {
+  LineOptions line;
+  line.line_rate = timed ? 115200 : 0;
+  auto board = std::make_unique<SimulatedBoard>(line);
+  board->with_chip([](SimulatedChip& chip) {
+    chip.set_camera(Camera(scene_named("flat").value_or(Scene{}), CameraTruth{}));
+  });
+  return board;
 }
 
-Program::Parts parts() {
+PageFactories page_factories() {
+  PageFactories pages;
+  pages[PageId::registers] = page_factory<CDlgIspRegister>();
+  pages[PageId::isp_tune] = page_factory<CDlgIspFront>();
+  pages[PageId::gamma] = page_factory<CDlgIspGammaRgb>();
+  pages[PageId::lsc] = page_factory<CDlgIspLSC>();
+  pages[PageId::awb_tune] = page_factory<CDlgIspAwb>();
+  pages[PageId::linear_matrix] = page_factory<CDlgIspMatrix>();
+  pages[PageId::dynamic_control] = page_factory<CDlgAeTune>();
+  return pages;
+}
+
+Program::Parts parts(std::unique_ptr<SerialDevice> device) {
   Program::Parts parts;
-  parts.device = std::make_unique<SimulatedBoard>();
-  parts.pages[PageId::registers] = page_factory<CDlgIspRegister>();
+  parts.device = std::move(device);
+  parts.pages = page_factories();
   PortSettings port;
   port.device = "simulated chip";
   parts.fixed_port = port;
@@ -82,59 +80,11 @@ class FirstPaint : public QObject {
   }
 };
 
-QPushButton* button(QWidget* window, const QString& caption) {
-  for (auto* found : window->findChildren<QPushButton*>()) {
-    if (found->text() == caption) return found;
-  }
-  std::fprintf(stderr, "no button %s\n", qPrintable(caption));
-  std::exit(1);
-}
-
-/// Calls `look` every 20 ms until it says that all is over, then prints the worst gap.
-void watch(GapMeter& meter, const char* name, std::function<bool()> over) {
-  auto* look = new QTimer(qApp);
-  QObject::connect(look, &QTimer::timeout, look, [&meter, name, over] {
-    if (over()) finish(name, meter.worst(), "ms");
-  });
-  meter.start();
-  look->start(20);
-}
-
-void measure_load_all(CQV5123View& view, GapMeter& meter) {
-  auto* load = button(&view, "Load All From ISP");
-  load->click();
-  watch(meter, "load_all_worst_gap", [load] { return load->isEnabled(); });
-}
-
-/// As much text as the receive queue hands over at once, every turn, until 10 MB have come.
-void measure_console(CQV5123View& view, GapMeter& meter) {
-  std::string text;
-  while (text.size() < 8000) text += "AE: gain 12 target 40 speed 3, a line of text from the chip\r\n";
-  auto* flood = new QTimer(qApp);
-  auto* sent = new std::size_t(0);
-  QObject::connect(flood, &QTimer::timeout, flood, [&view, text, flood, sent] {
-    view.take_received(text);
-    *sent += text.size();
-    if (*sent >= 10'000'000) flood->stop();
-  });
-  flood->start(0);
-  watch(meter, "console_worst_gap",
-        [&view, flood] { return !flood->isActive() && view.console().settled(); });
-}
-
-void measure_description(CQV5123View& view) {
-  QElapsedTimer clock;
-  clock.start();
-  CDlgIspRegister page(view);
-  page.resize(900, 650);
-  page.grab();
-  finish("parse_and_show_description", static_cast<double>(clock.nsecsElapsed()) / 1e6, "ms");
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   QStandardPaths::setTestModeEnabled(true);
+  QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
   QApplication application(argc, argv);
   const std::string what = argc > 1 ? argv[1] : "";
   QSettings store("QV5123 benchmark", "QV5123 benchmark");
@@ -142,19 +92,19 @@ int main(int argc, char** argv) {
   options.simulate = true;
   options.tour.reset();
   options.setting_file = "sample.dat";
-  Program program(options, AppSettings(store), parts());
+  auto device = std::make_unique<TimedDevice>(make_board(what != "first-paint"));
+  TimedDevice& timed = *device;
+  Program program(options, AppSettings(store), parts(std::move(device)));
   program.start();
   FirstPaint first_paint;
-  GapMeter meter;
   if (what == "first-paint") {
     program.frame()->installEventFilter(&first_paint);
     return QApplication::exec();
   }
-  auto* view = program.frame()->findChild<CQV5123View*>();
+  Bench bench{*program.frame()->findChild<CQV5123View*>(), timed, {}};
+  // By then the start is over and the chip has been asked its version.
   QTimer::singleShot(2000, [&] {
-    if (what == "load-all") return measure_load_all(*view, meter);
-    if (what == "console") return measure_console(*view, meter);
-    if (what == "description") return measure_description(*view);
+    if (begin_measurement(what, bench)) return;
     std::fprintf(stderr, "window_benchmark: unknown measurement %s\n", what.c_str());
     std::_Exit(2);
   });

@@ -135,8 +135,11 @@ void SimulatedChip::take_byte(std::uint8_t byte) {
 }
 
 void SimulatedChip::take_transfer_byte(std::uint8_t byte) {
+  const BlockReceiver& blocks = transfer_->blocks;
   switch (transfer_->blocks.feed(byte)) {
     case BlockReceiver::Status::more:
+      if (blocks.in_data() && blocks.data().empty())
+        trace("  " + blocks_text(blocks.block_count()) + " announced");
       break;
     case BlockReceiver::Status::bad_header:
       reject_transfer();

@@ -1,0 +1,232 @@
+#include "window_measurements.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QProgressBar>
+#include <QPushButton>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <map>
+
+#include "console/ui/console_view.h"
+#include "console/ui/page_area.h"
+#include "console/ui/qv5123_view.h"
+#include "registers/ui/dlg_isp_register.h"
+#include "tuning/gamma_chart.h"
+#include "tuning/ui/gamma_chart_view.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr std::chrono::milliseconds kPatience{180'000};
+/// The one pacing between a save's writes.
+constexpr double kPacing = 50;
+
+[[noreturn]] void give_up(const std::string& why) {
+  std::fprintf(stderr, "window_benchmark: %s\n", why.c_str());
+  std::_Exit(1);
+}
+
+QPushButton* button(const QWidget& window, const QString& caption) {
+  for (auto* found : window.findChildren<QPushButton*>()) {
+    if (found->text() == caption) return found;
+  }
+  give_up("no button " + caption.toStdString());
+}
+
+/// Calls `look` every `interval` until it returns true.
+void every(int interval, std::function<bool()> look) {
+  auto* timer = new QTimer(qApp);
+  QObject::connect(timer, &QTimer::timeout, timer, [timer, look = std::move(look)] {
+    if (!look()) return;
+    timer->stop();
+    timer->deleteLater();
+  });
+  timer->start(interval);
+}
+
+/// Measures from now until `over`, then prints the worst gap and ends.
+void watch(Bench& bench, std::string name, std::function<bool()> over) {
+  bench.meter.start();
+  every(20, [&bench, name = std::move(name), over = std::move(over)]() -> bool {
+    if (over()) finish(name, bench.meter.worst(), "ms");
+    return false;
+  });
+}
+
+/// True once nothing has been waiting to leave for a second of looks, every 20 ms.
+std::function<bool()> link_quiet(Bench& bench) {
+  return [&link = bench.view.link(), looks = 0]() mutable {
+    looks = link.jobs_waiting() == 0 ? looks + 1 : 0;
+    return looks > 50;
+  };
+}
+
+QWidget& shown_page(Bench& bench, PageId id) {
+  bench.view.pages().choose(id);
+  return *bench.view.pages().page_widget(id);
+}
+
+void load_all(Bench& bench) {
+  auto* load = button(bench.view, "Load All From ISP");
+  load->click();
+  watch(bench, "load_all_worst_gap", [load] { return load->isEnabled(); });
+}
+
+/// As much text as the receive queue hands over at once, every turn, until 10 MB have come.
+void console(Bench& bench) {
+  std::string text;
+  while (text.size() < 8000) text += "AE: gain 12 target 40 speed 3, a line of text from the chip\r\n";
+  auto sent = std::make_shared<std::size_t>(0);
+  every(0, [&bench, text, sent] {
+    bench.view.take_received(text);
+    *sent += text.size();
+    return *sent >= 10'000'000;
+  });
+  watch(bench, "console_worst_gap",
+        [&bench, sent] { return *sent >= 10'000'000 && bench.view.console().settled(); });
+}
+
+void description(Bench& bench) {
+  QElapsedTimer clock;
+  clock.start();
+  CDlgIspRegister page(bench.view);
+  page.resize(900, 650);
+  page.grab();
+  finish("parse_and_show_description", static_cast<double>(clock.nsecsElapsed()) / 1e6, "ms");
+}
+
+/// The page's full save, with the time between its writes over what their pacing sums up to.
+void save(Bench& bench, PageId id, const std::string& name) {
+  auto* save = button(shown_page(bench, id), "File/Flash Save");
+  every(20, [&bench, name, save, loaded = link_quiet(bench)]() mutable {
+    if (!loaded()) return false;
+    bench.device.start_over();
+    save->click();
+    watch(bench, "save_" + name + "_worst_gap", [&bench, name, save, sent = link_quiet(bench)]() mutable {
+      if (!save->isEnabled() || !sent()) return false;
+      const int writes = bench.device.writes();
+      if (writes < 2) give_up("the save did not leave");
+      print_figure("save_" + name + "_writes", writes, "writes");
+      print_figure("save_" + name + "_time_over_pacing", bench.device.elapsed() / ((writes - 1) * kPacing),
+                   "x");
+      return true;
+    });
+    return true;
+  });
+}
+
+void calibration(Bench& bench) {
+  auto* start = button(shown_page(bench, PageId::lsc), "CALIBRATION");
+  start->click();
+  watch(bench, "calibration_worst_gap", [&bench, over = link_quiet(bench)]() mutable {
+    if (!over()) return false;
+    print_figure("calibration_writes", bench.device.writes(), "writes");
+    return true;
+  });
+}
+
+void send_mouse(QWidget* widget, QEvent::Type type, QPointF at) {
+  QMouseEvent event(type, at, widget->mapToGlobal(at), Qt::LeftButton,
+                    type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(widget, &event);
+}
+
+/// Three seconds of dragging the middle of the curves up and down, a move every 4 ms.
+void drag(Bench& bench) {
+  auto* chart = shown_page(bench, PageId::gamma).findChild<GammaChartView*>();
+  every(20, [&bench, chart, loaded = link_quiet(bench)]() mutable {
+    if (!loaded()) return false;
+    // Wherever the point is: the press goes down its column until one is taken hold of.
+    const int position = kGammaPositions[kGammaPoints / 2];
+    for (int value = 0; value < 1024 && chart->readout().isEmpty(); value += kGammaGrabRadius) {
+      send_mouse(chart, QEvent::MouseMove, chart->to_widget(gamma_pixel(position, value)));
+      if (!chart->readout().isEmpty()) {
+        send_mouse(chart, QEvent::MouseButtonPress, chart->to_widget(gamma_pixel(position, value)));
+      }
+    }
+    if (chart->readout().isEmpty()) give_up("no gamma point to drag");
+    auto moves = std::make_shared<int>(0);
+    every(4, [chart, position, moves] {
+      const int swing = *moves % 400;
+      send_mouse(chart, QEvent::MouseMove,
+                 chart->to_widget(gamma_pixel(position, 300 + (swing < 200 ? swing : 400 - swing))));
+      return ++*moves >= 750;
+    });
+    watch(bench, "drag_gamma_point_worst_gap", [moves] { return *moves >= 750; });
+    return true;
+  });
+}
+
+/// Chooses `path` in the file chooser once that is open, again until it has closed.
+void choose_file(const QString& path) {
+  auto chosen = std::make_shared<bool>(false);
+  every(100, [path, chosen] {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      auto* chooser = qobject_cast<QFileDialog*>(widget);
+      if (!chooser || !chooser->isVisible()) continue;
+      chooser->findChild<QLineEdit*>()->setText(path);
+      QMetaObject::invokeMethod(chooser, "accept");
+      *chosen = true;
+      return false;
+    }
+    return *chosen;
+  });
+}
+
+/// From the first block on: opening the chooser is the toolkit's affair.
+void download(Bench& bench) {
+  button(bench.view, "FW")->click();
+  choose_file(QFileInfo("firmware.bin").absoluteFilePath());
+  every(20, [&bench, bar = bench.view.findChild<QProgressBar*>()] {
+    if (bar->value() < 1) return false;
+    watch(bench, "download_worst_gap", link_quiet(bench));
+    return true;
+  });
+}
+
+const std::map<std::string, PageId> kSaves{
+    {"save-isp-tune", PageId::isp_tune},
+    {"save-gamma", PageId::gamma},
+    {"save-lsc", PageId::lsc},
+    {"save-awb", PageId::awb_tune},
+    {"save-matrix", PageId::linear_matrix},
+    {"save-dynamic", PageId::dynamic_control},
+};
+
+const std::map<std::string, void (*)(Bench&)> kMeasurements{
+    {"load-all", load_all},       {"console", console}, {"description", description},
+    {"calibration", calibration}, {"drag", drag},       {"download", download},
+};
+
+}  // namespace
+
+void print_figure(const std::string& name, double value, const char* unit) {
+  std::printf("%s %.3f %s\n", name.c_str(), value, unit);
+}
+
+void finish(const std::string& name, double value, const char* unit) {
+  print_figure(name, value, unit);
+  std::fflush(stdout);
+  std::_Exit(0);
+}
+
+bool begin_measurement(const std::string& what, Bench& bench) {
+  QTimer::singleShot(kPatience, qApp, [what] { give_up(what + " did not come to an end"); });
+  if (const auto found = kMeasurements.find(what); found != kMeasurements.end()) {
+    found->second(bench);
+    return true;
+  }
+  const auto found = kSaves.find(what);
+  if (found == kSaves.end()) return false;
+  std::string name = what.substr(5);
+  std::replace(name.begin(), name.end(), '-', '_');
+  save(bench, found->second, name);
+  return true;
+}
+
+}  // namespace qv5123
