@@ -46,6 +46,7 @@ void CCommPort::close() {
   {
     const std::lock_guard lock(pause_mutex_);
     connected_ = false;
+    ++times_closed_;
   }
   closing_.notify_all();
   device_->close();
@@ -55,12 +56,15 @@ void CCommPort::close() {
 void CCommPort::pause(std::chrono::milliseconds time) {
   std::unique_lock lock(pause_mutex_);
   if (!connected_) return;
-  closing_.wait_for(lock, time, [this] { return !connected_.load(); });
+  // It may be open again by the time this wakes up.
+  closing_.wait_for(lock, time, [this, before = times_closed_.load()] { return times_closed_ != before; });
 }
 
 std::size_t CCommPort::write(std::span<const std::uint8_t> bytes, Pacing pacing) {
+  const unsigned before = times_closed_;
   pause(pacing == Pacing::bulk ? kBulkPacing : kNormalPacing);
-  const std::size_t sent = connected_ && !bytes.empty() ? device_->write(bytes) : 0;
+  const bool open = connected_ && times_closed_ == before;
+  const std::size_t sent = open && !bytes.empty() ? device_->write(bytes) : 0;
   // Whatever was sent: every sender relies on finding the buffer empty afterwards.
   command_buffer_.reset_fill_index();
   return sent;

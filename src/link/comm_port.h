@@ -54,6 +54,9 @@ class CCommPort {
   /// Safe on a port that is not open. Must not be called from the watcher's events.
   void close();
   bool connected() const { return connected_; }
+  /// Counts the calls of close(). What spans several writes compares it: behind a close stands another chip,
+  /// or one that has forgotten what it was told.
+  unsigned times_closed() const { return times_closed_; }
   const std::string& name() const { return name_; }
 
   /// Pays the pacing delay, sends `bytes`, resets the fill index of the command buffer and returns how many
@@ -77,6 +80,7 @@ class CCommPort {
   Options options_;
   std::string name_;
   std::atomic<bool> connected_{false};
+  std::atomic<unsigned> times_closed_{0};
   RingQueue queue_;
   std::vector<std::uint8_t> raw_;
   std::thread watcher_;

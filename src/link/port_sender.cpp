@@ -14,16 +14,18 @@ void PortSender::start(Job job, std::function<void(JobResult)> done) {
 
 JobResult PortSender::execute(const Job& job) {
   JobResult result;
+  const unsigned times_closed = port_.times_closed();
   for (const Chunk& chunk : job.chunks) {
     if (cancelled_ || thread_.ending()) {
       result.cancelled = true;
       break;
     }
-    if (!send_chunk(chunk, result)) {
+    if (!send_chunk(chunk, times_closed, result)) {
       result.failed = true;
       // A write cut short by a line that stands still is no reason to drop the commands behind it. A letter
       // or an image is spoilt by it.
-      if (!port_.connected() || chunk.writes.empty()) break;
+      const bool same_chip = port_.connected() && port_.times_closed() == times_closed;
+      if (!same_chip || chunk.writes.empty()) break;
     }
     ++result.chunks_sent;
     if (job.on_progress) {
@@ -33,8 +35,9 @@ JobResult PortSender::execute(const Job& job) {
   return result;
 }
 
-bool PortSender::send_chunk(const Chunk& chunk, JobResult& result) {
+bool PortSender::send_chunk(const Chunk& chunk, unsigned times_closed, JobResult& result) {
   if (chunk.pause_before.count() > 0) port_.pause(chunk.pause_before);
+  if (port_.times_closed() != times_closed) return false;
   std::span<const std::uint8_t> bytes = chunk.bytes;
   if (!chunk.writes.empty()) {
     for (const RegisterWrite& write : chunk.writes) {

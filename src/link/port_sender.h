@@ -25,7 +25,8 @@ class PortSender : public Sender {
 
  private:
   JobResult execute(const Job& job);
-  bool send_chunk(const Chunk& chunk, JobResult& result);
+  /// False when not all of the chunk left, nothing of it where the port was closed since the job began.
+  bool send_chunk(const Chunk& chunk, unsigned times_closed, JobResult& result);
 
   CCommPort& port_;
   CommandBuffer& command_buffer_;

@@ -69,6 +69,11 @@ Task<> read(CommandLink& link, int& value) {
   value = co_await link.wide_read(0x123);
 }
 
+Task<> send_job(CommandLink& link, Job job, JobResult& result, bool& over) {
+  result = co_await link.send(std::move(job));
+  over = true;
+}
+
 TEST(PortSession, CarriesARequestAndItsReply) {
   SessionOnLine on;
   OpenResult opened{OpenError::failed, ""};
@@ -115,6 +120,26 @@ TEST(PortSession, ClosingGivesUpALostPortAndAnOpenUnderWay) {
   EXPECT_FALSE(opened.ok());
   EXPECT_FALSE(on.session.connected());
   EXPECT_EQ(on.connected, (std::vector<bool>{true, false}));
+}
+
+TEST(PortSession, AJobDoesNotGoOnOnAPortThatWasOpenedAnew) {
+  SessionOnLine on;
+  OpenResult opened;
+  on.run(open(on.session, opened));
+  Job image;
+  image.chunks.push_back({{}, {'A'}});
+  image.chunks.push_back({{}, {'B'}, Pacing::bulk, std::chrono::minutes(1)});
+  std::size_t sent = 0;
+  image.on_progress = [&](std::size_t chunks) { sent = chunks; };
+  JobResult result;
+  bool over = false;
+  Flow sending(send_job(on.session.link(), std::move(image), result, over));
+  on.run_until([&] { return sent == 1; });
+  on.run(open(on.session, opened));
+  EXPECT_TRUE(opened.ok());
+  on.run_until([&] { return over; });
+  EXPECT_TRUE(result.failed);
+  EXPECT_EQ(on.wire(), "A");
 }
 
 TEST(PortSession, EndsInTheMiddleOfAnything) {
