@@ -102,7 +102,8 @@ class Parser {
 // Both tables are filled in the order of their key, so a key's entries stand together.
 template <class Table, class Key>
 RegDescription::Range range_of(const Table& table, int key, Key key_of) {
-  const auto [first, last] = std::ranges::equal_range(table, key, {}, key_of);
+  const auto first = std::ranges::lower_bound(table, key, {}, key_of);
+  const auto last = std::ranges::upper_bound(table, key, {}, key_of);
   return {static_cast<std::size_t>(first - table.begin()), static_cast<std::size_t>(last - table.begin())};
 }
 

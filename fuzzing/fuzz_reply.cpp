@@ -1,0 +1,87 @@
+// What a chip, or anything else at the other end, may say: the decoder, everyone who reads a reply block, and
+// the console that shows the rest.
+#include <string>
+
+#include "console/console_text.h"
+#include "console/startup_reply.h"
+#include "fuzz_input.h"
+#include "link/reply_buffer.h"
+#include "tuning/awb.h"
+#include "tuning/dynamic.h"
+#include "tuning/front.h"
+#include "tuning/gamma.h"
+#include "tuning/lens_shading.h"
+#include "tuning/matrix.h"
+
+using namespace qv5123;
+
+namespace {
+
+/// Values that a reply made come through the image, too.
+template <class Values>
+void take(const std::optional<Values>& decoded) {
+  if (!decoded) return;
+  UserDataImage image;
+  save_to_user_data(*decoded, image);
+  Values again;
+  reload_from_user_data(again, image);
+}
+
+void read_as_every_page(const std::string& block) {
+  take(decode_front_reply(block, {}));
+  take(decode_gamma_reply(block, {}));
+  take(decode_lens_reply(block, {}));
+  take(decode_awb_reply(block, {}));
+  take(decode_matrix_reply(block, {}));
+  take(decode_dynamic_reply(block, {}));
+}
+
+void check_console(const ConsoleText& console) {
+  const auto text = console.text();
+  std::size_t lines = 1;
+  std::size_t units = 0;
+  for (const char c : text) {
+    lines += c == '\n';
+    const auto byte = static_cast<unsigned char>(c);
+    units += (byte & 0xC0) != 0x80;
+  }
+  fuzz::require(console.lines() == lines, "the console's lines are counted right");
+  fuzz::require(console.characters() == units, "the console's characters are counted right");
+  fuzz::require(text.find('\r') == text.npos, "a carriage return is not shown");
+}
+
+void read_startup(const ReplyBuffer& reply) {
+  for (const auto stage : {StartupReply::Stage::version, StartupReply::Stage::serial_number}) {
+    ReplyBuffer copy = reply;
+    StartupReply startup(stage);
+    startup.read(copy);
+    fuzz::require(startup.stage() == StartupReply::Stage::done, "the start-up looks once");
+    startup = StartupReply(StartupReply::Stage::done);
+    copy = reply;
+    startup.read(copy);
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  ReplyBuffer reply;
+  ConsoleText console;
+  std::string shown;
+  for (fuzz::Pieces pieces(data, size); pieces.left();) {
+    const std::string text = reply.decode(pieces.next());
+    shown += text;
+    console.append_received(text);
+    fuzz::require(reply.index() < ReplyBuffer::kSize, "the index stays inside the buffer");
+    read_startup(reply);
+    if (const auto pair = ReplyBuffer(reply).take_last_pair()) {
+      fuzz::require(*pair >= 0 && *pair <= 255, "a pair is a byte");
+    }
+    if (const auto block = reply.take_block()) {
+      fuzz::require(block->size() <= ReplyBuffer::kSize, "a block fits its buffer");
+      read_as_every_page(*block);
+    }
+  }
+  check_console(console);
+  return 0;
+}
