@@ -97,7 +97,7 @@ Task<std::string> Chip::ask(Batch request, std::string what) {
 Task<> Chip::send(Traffic traffic) {
   const std::size_t flushes = traffic.size();
   const JobResult result = co_await link().send(std::move(traffic));
-  if (result.chunks_sent < flushes) throw Complaint{kPortFailed, session_->name() + " took no more"};
+  if (result.failed || result.chunks_sent < flushes) throw Complaint{kPortFailed, session_->name() + " took no more"};
 }
 
 Task<bool> Chip::send_and_listen(Batch batch) {
