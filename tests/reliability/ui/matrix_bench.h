@@ -1,0 +1,144 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QLineEdit>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTableView>
+#include <fstream>
+
+#include "console/ui/console_view.h"
+#include "console/ui/frame.h"
+#include "console/ui/page_area.h"
+#include "console/ui/qv5123_view.h"
+#include "registers/answering_chip.h"
+#include "simulator/camera.h"
+#include "support/fake_prompts.h"
+#include "support/faulty_line.h"
+#include "support/inline_background.h"
+#include "support/page_test.h"
+
+namespace qv5123::test {
+
+/// Factories of the window's real pages.
+PageFactories real_pages();
+
+/// The whole window with its real pages, on a line that fails, used as a user uses it.
+struct MatrixBench {
+  CurrentFolder folder;
+  FakeWire wire;
+  FakePrompts user;
+  InlineBackground work;
+  CQV5123Doc document;
+  FaultyLine line{wire};
+  CQV5123View* view = nullptr;  ///< the frame's
+  std::unique_ptr<CMainFrame> frame;
+  std::vector<std::string> statuses;
+
+  MatrixBench() {
+    write_description();
+    view = new CQV5123View(wire.link, user, work, document, real_pages());
+    frame = std::make_unique<CMainFrame>(view);
+    document.setting_file = folder / "board.dat";
+    line.on_text = [this](const std::string& text) { view->take_received(text); };
+    QObject::connect(view, &CQV5123View::status_changed, frame.get(),
+                     [this](const QString& text) { statuses.push_back(text.toStdString()); });
+    frame->show();
+  }
+
+  void open(PageId id) {
+    view->pages().choose(id);
+    id_ = id;
+    wire.advance(3000);
+  }
+  Page& page() { return *view->pages().page(id_); }
+  QWidget& widget() { return *view->pages().page_widget(id_); }
+
+  template <class Widget>
+  Widget* control(QWidget& in, const char* name) {
+    for (Widget* widget : in.findChildren<Widget*>()) {
+      if (widget->accessibleName() == QLatin1String(name)) return widget;
+    }
+    ADD_FAILURE() << "no control " << name;
+    return nullptr;
+  }
+  QAbstractButton* button(const char* name) { return control<QAbstractButton>(widget(), name); }
+  void click(const char* name) { button(name)->click(); }
+  void click_in_column(const char* name) { control<QAbstractButton>(*frame, name)->click(); }
+
+  bool said(const std::string& status) const {
+    return std::find(statuses.begin(), statuses.end(), status) != statuses.end();
+  }
+  bool said_starting(const std::string& start) const {
+    return std::any_of(statuses.begin(), statuses.end(),
+                       [&](const std::string& status) { return status.starts_with(start); });
+  }
+  bool console_has(std::string_view text) const {
+    return view->console_text().text().find(text) != std::string_view::npos;
+  }
+
+  /// Everything that the page shows.
+  std::string shown() {
+    std::string all;
+    for (const QWidget* child : widget().findChildren<QWidget*>()) {
+      if (auto* box = qobject_cast<const QAbstractSpinBox*>(child)) all += box->text().toStdString();
+      if (auto* list = qobject_cast<const QComboBox*>(child)) all += std::to_string(list->currentIndex());
+      if (auto* slider = qobject_cast<const QSlider*>(child)) all += std::to_string(slider->value());
+      if (auto* check = qobject_cast<const QAbstractButton*>(child)) all += check->isChecked() ? "+" : "-";
+      if (auto* edit = qobject_cast<const QLineEdit*>(child)) all += edit->text().toStdString();
+      all += '|';
+    }
+    return all;
+  }
+
+  /// What the page shows, and what it would store.
+  std::string snapshot() {
+    std::string all = shown();
+    const UserDataImage before = document.user_data;
+    page().save_to_user_data();
+    const auto bytes = document.user_data.bytes();
+    all.append(bytes.begin(), bytes.end());
+    document.user_data = before;
+    return all;
+  }
+
+  /// Gives the page values that the chip does not have; but for the front gamma curve, which no page sends.
+  void spoil_page(unsigned seed) {
+    std::array<std::uint8_t, UserDataImage::kSize> bytes{};
+    std::mt19937 random(seed);
+    for (auto& byte : bytes) byte = static_cast<std::uint8_t>(random() % 100);
+    const auto& front = line.chip().state().user_data.bytes();
+    std::copy_n(front.begin(), 44, bytes.begin());
+    document.user_data.assign(bytes);
+    document.user_data.mark_loaded();
+    page().reload_from_user_data();
+  }
+
+  /// Lets time pass until `over`; false when that takes longer than `most`.
+  bool wait_until(const std::function<bool()>& over, std::chrono::seconds most) {
+    for (std::chrono::milliseconds waited{0}; waited < most; waited += kStep) {
+      if (over()) return true;
+      wire.scheduler.advance(kStep);
+      QCoreApplication::processEvents();
+    }
+    return over();
+  }
+
+ private:
+  static constexpr std::chrono::milliseconds kStep{100};
+
+  void write_description() {
+    std::ofstream file("regu.xml", std::ios::binary);
+    for (const char16_t c : kSampleDescription) {
+      file.put(static_cast<char>(c & 0xFF)).put(static_cast<char>(c >> 8));
+    }
+  }
+
+  PageId id_ = PageId::registers;
+};
+
+}  // namespace qv5123::test
