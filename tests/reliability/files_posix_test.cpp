@@ -1,0 +1,133 @@
+// What disks and people do to files.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <random>
+#include <thread>
+
+#include "console/setting_file.h"
+#include "content/flash_image.h"
+#include "registers/register_file.h"
+#include "support/temporary_folder.h"
+#include "tuning/register_script.h"
+
+namespace qv5123 {
+namespace {
+
+namespace fs = std::filesystem;
+
+UserDataImage image_of(int entry) {
+  UserDataImage image;
+  for (std::size_t i = 0; i < UserDataImage::kSize; ++i) image.set_entry(i, entry);
+  return image;
+}
+
+/// Saves the one and the other image in turn until it is killed.
+[[noreturn]] void save_for_ever(const fs::path& path) {
+  const UserDataImage images[] = {image_of(1), image_of(222)};
+  for (std::size_t i = 0;; ++i) {
+    if (!write_setting_file(path, images[i % 2]).ok()) ::_exit(1);
+  }
+}
+
+TEST(SavingKilled, LeavesTheOldFileOrTheNewOneWhole) {
+  const test::TemporaryFolder folder;
+  const fs::path path = folder.path() / "board.dat";
+  const std::string texts[] = {setting_text(image_of(1)), setting_text(image_of(222))};
+  ASSERT_TRUE(write_setting_file(path, image_of(1)).ok());
+  std::mt19937 random(1);
+  std::size_t found[2] = {0, 0};
+  for (int round = 0; round < 200; ++round) {
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) save_for_ever(path);
+    // The moment is what is random here.
+    std::this_thread::sleep_for(std::chrono::microseconds(random() % 4000));
+    ::kill(child, SIGKILL);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status)) << "it saved until it was killed";
+    const std::string text = folder.read("board.dat");
+    ASSERT_TRUE(text == texts[0] || text == texts[1]) << "round " << round;
+    ++found[text == texts[1]];
+  }
+  EXPECT_GT(found[0], 0u) << "both ends of a save were met";
+  EXPECT_GT(found[1], 0u);
+}
+
+/// Root may write anywhere; nobody may not.
+class AsNobody {
+ public:
+  AsNobody() : was_root_(::geteuid() == 0 && ::seteuid(65534) == 0) {}
+  ~AsNobody() {
+    if (was_root_) {
+      EXPECT_EQ(::seteuid(0), 0);
+    }
+  }
+
+ private:
+  const bool was_root_;
+};
+
+TEST(HostileFolders, AReadOnlyOneIsNamedAndKeepsItsFile) {
+  const test::TemporaryFolder folder;
+  const fs::path path = folder.write("board.dat", "old");
+  fs::permissions(folder.path(), fs::perms(0555));
+  FileResult result;
+  {
+    const AsNobody nobody;
+    result = write_setting_file(path, image_of(1));
+  }
+  fs::permissions(folder.path(), fs::perms(0755));
+  EXPECT_EQ(result.text, "Cannot write " + path.string() + ": Permission denied");
+  EXPECT_EQ(folder.read("board.dat"), "old");
+}
+
+TEST(HostileFolders, ARemovedOneIsNamed) {
+  const test::TemporaryFolder folder;
+  const fs::path path = folder.path() / "gone" / "board.dat";
+  EXPECT_EQ(write_setting_file(path, image_of(1)).text,
+            "Cannot write " + path.string() + ": No such file or directory");
+  UserDataImage image;
+  EXPECT_EQ(read_setting_file(path, image).text,
+            "Cannot read " + path.string() + ": No such file or directory");
+  EXPECT_FALSE(fs::exists(folder.path() / "gone"));
+}
+
+TEST(HostileFolders, NamesInAnyLanguageAreFound) {
+  const test::TemporaryFolder folder;
+  const fs::path path = folder.path() / fs::path(u8"Größe 設定") / fs::path(u8"файл.dat");
+  fs::create_directories(path.parent_path());
+  ASSERT_EQ(write_setting_file(path, image_of(7)).text, "");
+  UserDataImage image;
+  ASSERT_EQ(read_setting_file(path, image).text, "");
+  EXPECT_EQ(image.entry(9), 7);
+  EXPECT_THAT(read_setting_file(path / "x", image).text, testing::HasSubstr("Größe 設定/файл.dat"));
+  const FlashBuild build = build_flash_image({path, path, path});
+  EXPECT_EQ(build.refusal, "");
+  EXPECT_EQ(build.image[flash::kUserOffset + 9], 7);
+}
+
+/// Four gigabytes that take no room.
+TEST(HugeFile, IsRefusedOrReadInPiecesWhereASmallOneBelongs) {
+  const test::TemporaryFolder folder;
+  const fs::path path = folder.write("huge", "");
+  fs::resize_file(path, std::uintmax_t{4} << 30);
+  UserDataImage image;
+  EXPECT_EQ(read_setting_file(path, image).text,
+            "Cannot read " + path.string() + ": larger than 1048576 bytes");
+  EXPECT_FALSE(image.loaded());
+  std::string bytes;
+  EXPECT_FALSE(read_whole_file(path, bytes).ok());
+  EXPECT_THAT(RegDescription::load(path).problem, testing::HasSubstr("larger than"));
+  EXPECT_THAT(build_flash_image({path, {}, {}}).refusal, testing::HasSubstr("4294967296 bytes"));
+  RegisterScript script(std::make_unique<std::ifstream>(path, std::ios::binary));
+  for (int i = 0; i < 100; ++i) EXPECT_FALSE(script.tick().finished);
+}
+
+}  // namespace
+}  // namespace qv5123
