@@ -59,7 +59,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::require(editor.library() == FontLibrary(), "the way back leads to the start");
   while (editor.can_redo()) editor.redo();
   fuzz::require(editor.library() == edited, "and the way forth to what was edited");
-  inspect_flash_image(
-      lay_out_flash({std::string(fuzz::text_of(bytes)), {}, std::string(fuzz::text_of(bytes))}));
+  // Slow, and not much can happen to it.
+  if (size % 8 == 0) {
+    const std::string file(fuzz::text_of(bytes));
+    inspect_flash_image(lay_out_flash({file, {}, file}));
+  }
   return 0;
 }
