@@ -17,6 +17,12 @@ std::string skipped_text(const std::filesystem::path& path, const RegisterFile& 
          std::to_string(file.first_skipped);
 }
 
+std::string lost_text(std::size_t lost) {
+  if (lost == 0) return "The chip was away meanwhile: load the file again.";
+  return std::to_string(lost) + (lost == 1 ? " register" : " registers") +
+         " did not reach the chip: load the file again.";
+}
+
 Message warning(const std::string& text) {
   Message message;
   message.text = text;
@@ -137,7 +143,10 @@ Task<> RegisterDesk::load_file_flow() {
   if (file.skipped > 0) host_.show_status(skipped_text(*path, file));
   loader_.enable_load_file(false);
   const std::size_t matches = sheet_.apply(file);
-  co_await loader_.write_known(matches);
+  const unsigned connection = host_.link().connection();
+  const std::size_t lost = co_await loader_.write_known(matches);
+  const bool forgotten = host_.link().connection() != connection;
+  if (lost > 0 || forgotten) host_.show_status(lost_text(lost));
   if (sheet_.category() >= 0) choose_category(sheet_.category());
   loader_.enable_load_file(true);
 }

@@ -91,18 +91,21 @@ void RegisterLoader::show_cell(std::size_t reg) {
   if (entry.category == sheet_.category()) view_.show_value_cell(entry.index_in_category);
 }
 
-Task<> RegisterLoader::write_known(std::size_t matches) {
+Task<std::size_t> RegisterLoader::write_known(std::size_t matches) {
   // What the file gave, whatever a sequence that runs beside this one learns meanwhile.
   std::vector<std::pair<int, int>> known;
   for (const RegEntry& entry : sheet_.description().registers) {
     if (entry.value != -1) known.emplace_back(entry.address, entry.value);
   }
+  std::size_t failed = 0;
   for (std::size_t i = 0; i < known.size(); ++i) {
-    co_await link_.send(isp_write(known[i].first, known[i].second));
+    const JobResult sent = co_await link_.send(isp_write(known[i].first, known[i].second));
+    failed += sent.failed;
     buttons_.load_file_caption = percent("Load REG to ISP", i + 1, matches);
     view_.show_buttons(buttons_);
     co_await link_.delay(kWriteWait);
   }
+  co_return failed;
 }
 
 }  // namespace qv5123

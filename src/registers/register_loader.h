@@ -34,8 +34,9 @@ class RegisterLoader {
   void load_all();
 
   void enable_load_file(bool enable);
-  /// Writes every register whose value is known. `matches` stands for the whole in the button's caption.
-  Task<> write_known(std::size_t matches);
+  /// Writes every register whose value is known, and tells how many of them did not leave. `matches` stands
+  /// for the whole in the button's caption.
+  Task<std::size_t> write_known(std::size_t matches);
 
  private:
   Task<> category_sequence();
