@@ -1,5 +1,6 @@
 #include "tuning/page_flows.h"
 
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -8,8 +9,8 @@ namespace {
 
 constexpr std::chrono::milliseconds kSettlingStep{100};
 
-bool all_hex_digits(std::string_view reply) {
-  return reply.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+bool whole_bytes(std::string_view reply) {
+  return reply.size() % 2 == 0 && reply.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
 }
 
 int percent(std::size_t done, std::size_t of) {
@@ -37,8 +38,9 @@ Task<> wait_while_chip_stores(PageHost& host, std::chrono::milliseconds time) {
 
 Task<bool> load_from_chip(PageHost& host, PageLoad load) {
   const auto reply = co_await host.link().query(load.trigger);
-  // A digit that was damaged on the line would count as 0 and be taken for the chip's own.
-  const bool taken = reply && all_hex_digits(*reply) && load.take(*reply);
+  // A digit that was damaged on the line would count as 0 and be taken for the chip's own, and one that was
+  // lost or doubled would shift all behind it.
+  const bool taken = reply && whole_bytes(*reply) && load.take(*reply);
   const std::string& text = taken ? load.loaded : load.failed;
   if (!text.empty()) host.show_status(text);
   co_return taken;
@@ -51,6 +53,8 @@ Task<bool> save_on_chip(PageHost& host, PageSave save) {
   std::optional<CommandLink::Hold> hold;
   if (save.settling.count() > 0) hold.emplace(co_await host.link().hold());
   Job job = job_of(host, std::move(save.traffic));
+  const auto connection = std::make_shared<unsigned>();
+  job.on_start = [connection, &link = host.link()] { *connection = link.connection(); };
   Pending<JobResult> sent = hold ? hold->send(std::move(job)) : host.link().send(std::move(job));
   const JobResult result = co_await sent;
   if (result.chunks_sent < flushes) {
@@ -62,6 +66,10 @@ Task<bool> save_on_chip(PageHost& host, PageSave save) {
   co_await wait_while_chip_stores(host, save.settling);
   if (result.failed) {
     host.show_status("Some of the data was cut short on the line: save again.");
+    co_return false;
+  }
+  if (host.link().connection() != *connection) {
+    host.show_status("The chip was away before it had stored all: save again.");
     co_return false;
   }
   if (!save.done.empty()) host.show_status(save.done);

@@ -34,7 +34,8 @@ struct PageSave {
 };
 
 /// Sends the traffic as one job with progress in the status bar, and waits while the chip stores. Closing the
-/// window asks meanwhile. False, and said in the status bar, when the port failed or cut a write short.
+/// window asks meanwhile. False, and said in the status bar, when the port failed, cut a write short or
+/// was away before the chip had stored all.
 Task<bool> save_on_chip(PageHost& host, PageSave save);
 
 /// Tells the host that something lasts which closing the window should ask about.

@@ -33,8 +33,9 @@ TEST(LoadFromChip, SaysWhetherThePageTookTheReply) {
   wire.advance(300);
   EXPECT_EQ(taken, "1234");
   EXPECT_EQ(host.last_status(), "Load Isp ok..");
-  // Ended too early, damaged, and so long that its start is lost.
-  for (const std::string& block : {std::string("12"), std::string("aB.F"), std::string(502, '1')}) {
+  // Ended too early, damaged, with a digit doubled, and so long that its start is lost.
+  for (const std::string& block :
+       {std::string("12"), std::string("aB.F"), std::string("12334"), std::string(502, '1')}) {
     host.statuses.clear();
     flow.start(load(host, taken));
     wire.advance(50);
@@ -104,6 +105,17 @@ TEST(SaveOnChip, AWriteCutShortOnALineThatStaysIsNoSuccess) {
   EXPECT_EQ(wire.sender.writes, (std::vector<std::string>{"@fa01*", "@37", "@3806*", "@fa00*"}));
   EXPECT_EQ(host.statuses,
             std::vector<std::string>{"Some of the data was cut short on the line: save again."});
+}
+
+TEST(SaveOnChip, AChipThatGoesWhileItStoresIsNoSuccess) {
+  FakeWire wire;
+  FakePageHost host(wire);
+  Flow flow(save(host));
+  wire.advance(1000);
+  wire.link.connection_changed();
+  wire.advance(11000);
+  EXPECT_EQ(host.statuses,
+            std::vector<std::string>{"The chip was away before it had stored all: save again."});
 }
 
 }  // namespace
