@@ -22,6 +22,9 @@ struct Fault {
   bool unplug = false;         ///< the board is pulled out and plugged in again
   std::size_t flood_step = 0;  ///< bytes that the chip says every 5 ms unasked
   bool silent = false;         ///< the chip never answers
+
+  /// Whether bytes arrive as others than were sent, which nobody can tell where nothing is acknowledged.
+  bool spoils_bytes() const { return rates.drop + rates.corrupt + rates.duplicate > 0; }
 };
 
 /// The faults of the matrix. One byte in a hundred spoils about every third reply of a short page and nearly

@@ -48,7 +48,8 @@ struct Operation {
   /// Called on a page that was loaded, or to which nothing is to have happened; looks whether that is so.
   std::function<void(MatrixBench&, End, const std::string& before)> check = [](MatrixBench&, End,
                                                                                const std::string&) {};
-  /// Looks, on a good line, whether the chip has what it was given.
+  /// Looks, on a good line, whether what was said to be done is: the chip has what it was given, the page
+  /// what the chip has.
   std::function<void(MatrixBench&)> arrived = [](MatrixBench&) {};
   /// Asks again and again, for as long as the chip does not answer.
   bool patient = false;
@@ -105,6 +106,8 @@ Operation save_of(PageId page, const char* name, const char* load_button, const 
   save.start = [](MatrixBench& bench) { bench.click("File/Flash Save"); };
   save.end = [done = std::string(done)](MatrixBench& bench) {
     if (bench.said_starting("Nothing more reached the chip: the port failed after ")) return End::told;
+    if (bench.said("Some of the data was cut short on the line: save again.")) return End::told;
+    if (bench.said("The chip was away before it had stored all: save again.")) return End::told;
     return bench.said(done) ? End::done : End::none;
   };
   save.check = [](MatrixBench& bench, End, const std::string& before) {
@@ -112,6 +115,9 @@ Operation save_of(PageId page, const char* name, const char* load_button, const 
   };
   return save;
 }
+
+/// The registers of the category that is shown, and values for them that no chip begins with.
+constexpr std::pair<int, std::uint8_t> kRegisters[] = {{0xF800, 0x5A}, {0xF801, 0x6B}, {0x0A5, 0x7C}};
 
 Operation registers(const char* name, const char* button) {
   Operation operation;
@@ -121,6 +127,19 @@ Operation registers(const char* name, const char* button) {
     return bench.button(button)->isEnabled() ? End::done : End::none;
   };
   operation.patient = true;
+  operation.prepare = [](MatrixBench& bench) {
+    for (const auto& [address, value] : kRegisters) bench.wire.link.send(isp_write(address, value));
+    bench.wire.advance(1000);
+  };
+  operation.arrived = [](MatrixBench& bench) {
+    const SimulatedChip started;
+    for (int row = 0; row < 3; ++row) {
+      const auto& [address, value] = kRegisters[row];
+      const auto at = static_cast<std::uint16_t>(address);
+      // A chip that was pulled out has forgotten what it was given.
+      EXPECT_THAT(bench.register_value(row), testing::AnyOf(value, started.isp(at)));
+    }
+  };
   return operation;
 }
 
@@ -134,7 +153,12 @@ Operation register_file() {
     bench.click(kCaption);
   };
   operation.end = [](MatrixBench& bench) {
-    return bench.button(kCaption)->isEnabled() ? End::done : End::none;
+    if (!bench.button(kCaption)->isEnabled()) return End::none;
+    return bench.said_ending(": load the file again.") ? End::told : End::done;
+  };
+  operation.arrived = [](MatrixBench& bench) {
+    EXPECT_EQ(bench.line.chip().isp(0xF800), 0x1A);
+    EXPECT_EQ(bench.line.chip().isp(0xFA20), 0x3C);
   };
   return operation;
 }
@@ -211,11 +235,11 @@ Operation download(const char* name, const char* button, std::string image,
     bench.click_in_column(button);
   };
   operation.end = [](MatrixBench& bench) {
-    if (bench.console_has(" sent: ") || bench.console_has("User data sent..")) return End::done;
     if (bench.console_has("broken off after ") || bench.console_has("not sent: the port is closed or lost")) {
       return End::told;
     }
-    return End::none;
+    const bool sent = bench.console_has(" sent: ") || bench.console_has("User data sent..");
+    return sent ? End::done : End::none;
   };
   return operation;
 }
@@ -272,6 +296,8 @@ class Cell {
     EXPECT_EQ(end == End::none, waits_for_chip) << "an operation comes to its end";
     if (end != End::none) operation_.check(bench_, end, before);
     bench_.line.cure();
+    const bool spoilt = fault_.spoils_bytes() || (operation_.patient && fault_.flood_step > 0);
+    if (end == End::done && !spoilt) operation_.arrived(bench_);
     if (waits_for_chip) {
       EXPECT_EQ(wait(), End::done) << "what waits for the chip ends when it answers";
     }

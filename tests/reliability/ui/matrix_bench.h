@@ -77,8 +77,21 @@ struct MatrixBench {
     return std::any_of(statuses.begin(), statuses.end(),
                        [&](const std::string& status) { return status.starts_with(start); });
   }
+  bool said_ending(const std::string& end) const {
+    return std::any_of(statuses.begin(), statuses.end(),
+                       [&](const std::string& status) { return status.ends_with(end); });
+  }
   bool console_has(std::string_view text) const {
     return view->console_text().text().find(text) != std::string_view::npos;
+  }
+
+  /// What the list of the Registers page shows in its last column; -1 for none.
+  int register_value(int row) {
+    const QAbstractItemModel& list = *widget().findChild<QTableView*>()->model();
+    bool read = false;
+    const QString text = list.index(row, list.columnCount() - 1).data().toString();
+    const int value = text.toInt(&read, 16);
+    return read ? value : -1;
   }
 
   /// Everything that the page shows.
