@@ -36,6 +36,21 @@ void read_as_every_page(const std::string& block) {
   take(decode_dynamic_reply(block, {}));
 }
 
+/// A control that shows the console: told of changes only. Counts as the console does, in UTF-16 units, of
+/// which a character from the chip is one.
+class Follower {
+ public:
+  void take(const ConsoleChange& change) {
+    if (change.cleared) text_.clear();
+    for (std::size_t i = 0; i < change.dropped; ++i) text_.erase(0, text_[0] & 0x80 ? 2 : 1);
+    text_ += change.appended;
+  }
+  bool shows(const ConsoleText& console) const { return console.text() == text_; }
+
+ private:
+  std::string text_;
+};
+
 void check_console(const ConsoleText& console) {
   const auto text = console.text();
   std::size_t lines = 1;
@@ -67,11 +82,9 @@ void read_startup(const ReplyBuffer& reply) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   ReplyBuffer reply;
   ConsoleText console;
-  std::string shown;
+  Follower follower;
   for (fuzz::Pieces pieces(data, size); pieces.left();) {
-    const std::string text = reply.decode(pieces.next());
-    shown += text;
-    console.append_received(text);
+    follower.take(console.append_received(reply.decode(pieces.next())));
     fuzz::require(reply.index() < ReplyBuffer::kSize, "the index stays inside the buffer");
     read_startup(reply);
     if (const auto pair = ReplyBuffer(reply).take_last_pair()) {
@@ -83,5 +96,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   }
   check_console(console);
+  fuzz::require(follower.shows(console), "who is told of the changes shows the text");
   return 0;
 }
