@@ -16,6 +16,7 @@
 
 #include "console/ui/console_view.h"
 #include "console/version_box.h"
+#include "link/ui/qt_text.h"
 
 namespace qv5123 {
 namespace {
@@ -239,7 +240,7 @@ void ControlColumn::set_recent_files(const QStringList& paths) {
     // In a menu's text '&' marks the key.
     const QString name = QFileInfo(paths[i]).fileName().replace(u'&', QStringLiteral("&&"));
     QAction* action = menu->addAction(QStringLiteral("&%1 %2").arg(i + 1).arg(name));
-    action->setToolTip(paths[i]);
+    action->setToolTip(plain_tool_tip(paths[i]));
     // Queued, since what it starts makes the menu anew.
     connect(
         action, &QAction::triggered, this, [this, i] { emit recent_file_chosen(i); }, Qt::QueuedConnection);

@@ -10,6 +10,7 @@
 
 #include "console/ui/page_area.h"
 #include "console/ui/qv5123_view.h"
+#include "link/ui/qt_text.h"
 
 namespace qv5123 {
 namespace {
@@ -70,7 +71,7 @@ void CMainFrame::fit_to_screen() {
 
 void CMainFrame::show_status(const QString& text) {
   message_->setText(text);
-  message_->setToolTip(text);
+  message_->setToolTip(plain_tool_tip(text));
 }
 
 void CMainFrame::show_progress(std::optional<int> percent) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QTextDocument>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -21,6 +22,12 @@ inline QString path_to_qt(const std::filesystem::path& path) {
 }
 inline std::filesystem::path to_path(const QString& text) {
   return std::filesystem::path(text.toStdU16String());
+}
+
+/// A tool tip that shows `text` as it is. Qt itself takes what looks like markup for that, pictures from any
+/// path included; names from files and of files are neither.
+inline QString plain_tool_tip(const QString& text) {
+  return Qt::mightBeRichText(text) ? "<qt>" + text.toHtmlEscaped() + "</qt>" : text;
 }
 
 }  // namespace qv5123

@@ -1,5 +1,7 @@
 #include "registers/ui/register_list_model.h"
 
+#include "link/ui/qt_text.h"
+
 namespace qv5123 {
 
 int RegisterListModel::rowCount(const QModelIndex& parent) const {
@@ -29,7 +31,7 @@ QVariant RegisterListModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::DisplayRole) return text(index.row(), index.column());
   if (role == Qt::TextAlignmentRole) return int(Qt::AlignCenter);
   // Names may be longer than their column.
-  if (role == Qt::ToolTipRole && index.column() == kName) return text(index.row(), kName);
+  if (role == Qt::ToolTipRole && index.column() == kName) return plain_tool_tip(text(index.row(), kName));
   return {};
 }
 
