@@ -5,12 +5,12 @@
 #include <algorithm>
 
 #include "console/image_transfer.h"
+#include "link/background.h"
 #include "link/loop_scheduler.h"
 #include "link/port_session.h"
 #include "simulator/simulated_board.h"
 #include "support/fake_prompts.h"
 #include "support/faulty_line.h"
-#include "support/inline_background.h"
 #include "support/temporary_folder.h"
 
 namespace qv5123 {
@@ -65,9 +65,30 @@ Task<> keep_asking(CommandLink& link, int& answers) {
     answers += value >= 0;
   }
 }
-Task<> download(ImageTransfer& transfer, std::optional<TransferEnd>& end) {
-  end = co_await transfer.run(TransferKind::firmware);
-}
+
+/// Downloads of one firmware file over a session, which is read on a thread of its own.
+struct Downloads {
+  explicit Downloads(Fire& fire) : work(fire.scheduler), link(fire.session.link()) {}
+
+  Task<> run(std::optional<TransferEnd>& end) {
+    user.paths = {path};
+    end = co_await transfer.run(TransferKind::firmware);
+  }
+
+  const test::TemporaryFolder folder;
+  const std::filesystem::path path = folder.write("fw.bin", std::string(1500, 'f'));
+  BackgroundThread work;
+  CommandLink& link;
+  CQV5123Doc document;
+  test::FakePrompts user;
+  std::string console;
+  ImageTransfer transfer{
+      link,
+      document,
+      user,
+      work,
+      {[](int) {}, [](const std::string&) {}, [this](const std::string& t) { console += t; }}};
+};
 
 TEST(SessionUnderFire, LivesThroughEveryFaultAndWorksAfterwards) {
   for (const test::Fault& fault : test::faults()) {
@@ -104,23 +125,14 @@ TEST(SessionUnderFire, IsClosedAndOpenedAnewUnderTraffic) {
 }
 
 TEST(SessionUnderFire, ADownloadIsCutOffAnywhereAndTheNextOneArrives) {
-  const test::TemporaryFolder folder;
-  const auto path = folder.write("fw.bin", std::string(1500, 'f'));
   Fire fire({});
-  CQV5123Doc document;
-  test::FakePrompts user;
-  test::InlineBackground work;
-  std::string console;
-  ImageTransfer transfer(
-      fire.session.link(), document, user, work,
-      {[](int) {}, [](const std::string&) {}, [&](const std::string& t) { console += t; }});
+  Downloads downloads(fire);
   FlowSet flows;
   flows.spawn(open(fire.session));
   ASSERT_TRUE(fire.reach([&] { return fire.session.connected(); }));
   for (const auto cut : {10ms, 55ms, 120ms}) {
-    user.paths = {path};
     std::optional<TransferEnd> end;
-    flows.spawn(download(transfer, end));
+    flows.spawn(downloads.run(end));
     fire.pass(cut);
     fire.board->unplug();
     EXPECT_TRUE(fire.reach([&] { return end.has_value(); }));
@@ -128,23 +140,25 @@ TEST(SessionUnderFire, ADownloadIsCutOffAnywhereAndTheNextOneArrives) {
     fire.board->plug_in();
     ASSERT_TRUE(fire.reach([&] { return fire.session.connected(); }));
   }
-  user.paths = {path};
   std::optional<TransferEnd> end;
-  flows.spawn(download(transfer, end));
+  flows.spawn(downloads.run(end));
   EXPECT_TRUE(fire.reach([&] { return end.has_value(); }));
-  EXPECT_EQ(end, TransferEnd::sent) << console;
+  EXPECT_EQ(end, TransferEnd::sent) << downloads.console;
   fire.board->with_chip([](SimulatedChip& chip) { EXPECT_EQ(chip.state().firmware.at(1499), 'f'); });
 }
 
 TEST(SessionUnderFire, EndsInTheMiddleOfEverything) {
   for (int round = 0; round < 16; ++round) {
     Fire fire({});
+    Downloads downloads(fire);
+    std::optional<TransferEnd> end;
     FlowSet flows;
     int answers = 0;
     flows.spawn(open(fire.session));
     if (round % 2) fire.reach([&] { return fire.session.connected(); });
     flows.spawn(keep_asking(fire.session.link(), answers));
     fire.session.link().send(Traffic(30, Batch{{0x37, 0x11}}));
+    if (round % 8 > 4) flows.spawn(downloads.run(end));
     if (round % 4 > 1) fire.pass(std::chrono::milliseconds(round * 7));
     if (round % 3 == 0) fire.board->unplug();
     if (round % 5 == 0) fire.board->with_chip([](SimulatedChip& chip) { chip.announce(); });
