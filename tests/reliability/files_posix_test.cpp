@@ -26,11 +26,12 @@ UserDataImage image_of(int entry) {
   return image;
 }
 
-/// Saves the one and the other image in turn until it is killed.
-[[noreturn]] void save_for_ever(const fs::path& path) {
+/// Saves the one and the other image in turn until it is killed; tells when the first one is saved.
+[[noreturn]] void save_for_ever(const fs::path& path, std::size_t first, int told) {
   const UserDataImage images[] = {image_of(1), image_of(222)};
-  for (std::size_t i = 0;; ++i) {
+  for (std::size_t i = first;; ++i) {
     if (!write_setting_file(path, images[i % 2]).ok()) ::_exit(1);
+    if (i == first && ::write(told, "s", 1) != 1) ::_exit(1);
   }
 }
 
@@ -42,9 +43,15 @@ TEST(SavingKilled, LeavesTheOldFileOrTheNewOneWhole) {
   std::mt19937 random(1);
   std::size_t found[2] = {0, 0};
   for (int round = 0; round < 200; ++round) {
+    int told[2];
+    ASSERT_EQ(::pipe(told), 0);
     const pid_t child = ::fork();
     ASSERT_GE(child, 0);
-    if (child == 0) save_for_ever(path);
+    if (child == 0) save_for_ever(path, static_cast<std::size_t>(round), told[1]);
+    ::close(told[1]);
+    char saved = 0;
+    ASSERT_EQ(::read(told[0], &saved, 1), 1);
+    ::close(told[0]);
     // The moment is what is random here.
     std::this_thread::sleep_for(std::chrono::microseconds(random() % 4000));
     ::kill(child, SIGKILL);
