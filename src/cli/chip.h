@@ -44,7 +44,8 @@ class Chip {
   Background& background() { return background_; }
   std::chrono::milliseconds timeout() const { return context_.globals.timeout; }
 
-  /// Asks and returns the characters of the reply; a Complaint that names `what` when none came.
+  /// Asks and returns the characters of the reply; a Complaint that names `what` when none came
+  /// or not in hex digits.
   Task<std::string> ask(Batch request, std::string what);
   /// Sends flush by flush; a Complaint when not all of it left.
   Task<> send(Traffic traffic);

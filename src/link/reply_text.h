@@ -14,6 +14,11 @@ inline int reply_digit(std::string_view reply, std::size_t position) {
   return position < reply.size() ? hex_value(static_cast<unsigned char>(reply[position])) : 0;
 }
 
+/// False when the line has damaged the reply: digits that are none count as 0 and look like the chip's own.
+inline bool all_hex_digits(std::string_view reply) {
+  return reply.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}
+
 /// Two characters from `position` on, high digit first: 0..255.
 inline int reply_byte_at(std::string_view reply, std::size_t position) {
   return reply_digit(reply, position) * 16 + reply_digit(reply, position + 1);

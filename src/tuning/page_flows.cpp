@@ -4,13 +4,17 @@
 #include <optional>
 #include <utility>
 
+#include "link/reply_text.h"
+
 namespace qv5123 {
 namespace {
 
 constexpr std::chrono::milliseconds kSettlingStep{100};
 
+/// A digit that was damaged on the line would count as 0 and be taken for the chip's own, and one that was lost or
+/// doubled would shift all behind it.
 bool whole_bytes(std::string_view reply) {
-  return reply.size() % 2 == 0 && reply.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+  return reply.size() % 2 == 0 && all_hex_digits(reply);
 }
 
 int percent(std::size_t done, std::size_t of) {
@@ -38,8 +42,6 @@ Task<> wait_while_chip_stores(PageHost& host, std::chrono::milliseconds time) {
 
 Task<bool> load_from_chip(PageHost& host, PageLoad load) {
   const auto reply = co_await host.link().query(load.trigger);
-  // A digit that was damaged on the line would count as 0 and be taken for the chip's own, and one that was
-  // lost or doubled would shift all behind it.
   const bool taken = reply && whole_bytes(*reply) && load.take(*reply);
   const std::string& text = taken ? load.loaded : load.failed;
   if (!text.empty()) host.show_status(text);
