@@ -62,7 +62,7 @@ void Chip::take_interrupt() {
 
 ExitCode Chip::run(Begin begin, const Work& work) {
   Flow flow(main(begin, work));
-  scheduler_.run_until([&] { return !flow.running() || gone_ || stopped_ || !out().ok(); });
+  scheduler_.run_until([&] { return !flow.running() || gone_ || stopped_ || (only_prints_ && !out().ok()); });
   const bool ended = !flow.running();
   flow.cancel();
   if (failure_) std::rethrow_exception(failure_);

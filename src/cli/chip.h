@@ -58,6 +58,9 @@ class Chip {
   void on_console(std::function<void(const std::string&)> take) { take_console_ = std::move(take); }
   /// Called at the first request to end the program, which then goes on; a second one ends it.
   void on_interrupt(std::function<void()> callback) { on_interrupt_ = std::move(callback); }
+  /// The command is there for what it prints alone, and ends when nobody reads that any more. Others go on: a
+  /// chip is not left in the middle of something because of its report.
+  void only_print() { only_prints_ = true; }
   bool interrupted() const { return interrupts_seen_ > 0; }
 
  private:
@@ -83,6 +86,7 @@ class Chip {
   std::function<void()> on_interrupt_;
   int interrupts_seen_ = 0;
   bool stopped_ = false;
+  bool only_prints_ = false;
   bool gone_ = false;
   std::size_t console_received_ = 0;
   ExitCode result_ = kDone;

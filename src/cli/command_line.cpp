@@ -1,5 +1,7 @@
 #include "cli/command_line.h"
 
+#include <sstream>
+
 #include "cli/command_tree.h"
 #include "cli/numbers.h"
 #include "cli/terminal.h"
@@ -39,15 +41,24 @@ const CLI::App& reached(const CLI::App& app) {
 std::string text_of(const CLI::ParseError& error, const CLI::App& app) {
   const CLI::App& command = reached(app);
   const bool is_group = !subcommands(command).empty();
-  if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::RequiredError) || !is_group) {
-    return error.what();
-  }
+  if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::RequiredError)) return error.what();
+  const std::vector<std::string> unknown = app.remaining(true);
+  // Likelier a slip of the pen than one too many.
+  if (!is_group && !unknown.empty()) return "The following argument was not expected: " + unknown[0];
+  if (!is_group) return error.what();
   std::string names;
   for (const CLI::App* one : subcommands(command)) names += (names.empty() ? "" : ", ") + one->get_name();
-  const std::vector<std::string> unknown = app.remaining(true);
   const std::string what =
       unknown.empty() ? "A command is missing" : "No command is named \"" + unknown[0] + "\"";
   return what + "; " + command.get_name() + " has " + names;
+}
+
+/// Help and version, which are exceptions of the parser.
+ExitCode print_help(Context& context, const CLI::ParseError& error, const CLI::App& app) {
+  std::ostringstream text;
+  app.exit(error, text, text);
+  context.out.print(text.str());
+  return kDone;
 }
 
 ExitCode run(Context& context, int argc, const char* const* argv) {
@@ -56,7 +67,7 @@ ExitCode run(Context& context, int argc, const char* const* argv) {
     app->parse(argc, argv);
     return context.action ? context.action() : kDone;
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app->exit(error) == 0 ? kDone : kBadInput;
+    if (error.get_exit_code() == 0) return print_help(context, error, *app);
     complain(text_of(error, *app));
     return kBadInput;
   } catch (const Complaint& complaint) {
@@ -90,7 +101,7 @@ std::unique_ptr<CLI::App> make_command_line(Context& context) {
 }
 
 ExitCode run_command_line(int argc, const char* const* argv) {
-  survive_closed_pipes();
+  prepare_standard_streams();
   Context context;
   const ExitCode code = run(context, argc, argv);
   return context.out.end(code);

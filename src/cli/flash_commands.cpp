@@ -18,7 +18,8 @@ struct InspectOptions {
 
 ExitCode make(Context& context, const MakeOptions& options) {
   // The window leaves out what it cannot read; what is named here must be there.
-  for (const auto& path : {options.files.firmware, options.files.font, options.files.user}) read_file(path);
+  for (const auto& path : {options.files.firmware, options.files.font}) read_file(path);
+  read_settings(options.files.user);
   const FlashBuild build = build_flash_image(options.files);
   if (!build.ok()) refuse(build.refusal);
   write_file(options.output, build.image);

@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <cstdio>
+#include <string_view>
+
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/numbers.h"
@@ -36,11 +40,34 @@ ExitCode export_text(Context& context, const FontOptions& options) {
   return wrote(context, options.other);
 }
 
-/// A text that holds no glyph at all is a wrong file.
+/// The import takes what it finds, as the font editor does at its start; a wrong file would be a font of
+/// nothing.
+void check_font_text(const std::filesystem::path& path, std::string_view text) {
+  std::size_t rows = 0;
+  for (std::size_t number = 1; !text.empty(); ++number) {
+    const std::string line(text.substr(0, text.find('\n')));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
+    unsigned high = 0;
+    unsigned low = 0;
+    char slashes[3]{};
+    char pixels[17]{};
+    const int found = std::sscanf(line.c_str(), "0x%2X, 0x%2X, %2s %16s", &high, &low, slashes, pixels);
+    if (found == 4) {
+      ++rows;
+      continue;
+    }
+    refuse(path_text(path) + ", line " + std::to_string(number) +
+           ": not of the form \"0x0F, 0xF0,     // ----########----\"");
+  }
+  if (rows == 0) refuse(path_text(path) + " is no font text");
+}
+
 ExitCode import_text(Context& context, const FontOptions& options) {
+  const std::string text = read_file(options.input);
+  check_font_text(options.input, text);
   FontLibrary library;
-  import_font_text(read_file(options.input), library);
-  if (!library.record(0).defined) refuse(path_text(options.input) + " is no font text");
+  import_font_text(text, library);
   const std::vector<std::uint8_t> bytes = library.to_binary();
   write_file(options.other, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
   return wrote(context, options.other);

@@ -46,11 +46,15 @@ class Monitor {
   Task<ExitCode> run() {
     chip_.on_console([this](const std::string& text) { take_console(text); });
     chip_.on_interrupt([this] { stop_.resolve(true); });
+    chip_.only_print();
     Flow replies(take_replies());
+    Flow end(end_in_time());
+    Flow reader(look_for_reader());
+    // What a pipe has ready at once would be taken for asked by the blocks of the greeting.
+    co_await chip_.wait_for_quiet(Chip::kGreeting, Chip::kLongestGreeting);
     LineInput input([this](std::string line) {
       chip_.link().scheduler().post([this, line = std::move(line)] { send(line); });
     });
-    Flow end(end_in_time());
     co_await stop_.pending();
     console_.end();
     if (log_.is_open() && !log_.flush()) refuse("Cannot write " + path_text(options_.log));
@@ -93,12 +97,22 @@ class Monitor {
     chip_.link().scheduler().post([this] { stop_.resolve(true); });
   }
 
+  /// A silent chip gives nothing to write that could fail.
+  Task<> look_for_reader() {
+    while (true) {
+      co_await chip_.link().delay(kLookEvery);
+      chip_.out().look_for_reader();
+    }
+  }
+
   void record(char mark, const char* kind, const std::string& text) {
     const std::string time = time_text();
     const std::string line = time + " " + mark + " " + text + "\n";
     if (log_.is_open()) log_ << line << std::flush;
     if (!streams()) chip_.out().event({{"time", time}, {kind, text}}, line);
   }
+
+  static constexpr std::chrono::milliseconds kLookEvery{200};
 
   Chip& chip_;
   const MonitorOptions& options_;

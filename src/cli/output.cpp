@@ -22,7 +22,7 @@ bool is_control(char c) {
 
 }  // namespace
 
-void Output::write(std::string_view text) {
+void Output::print(std::string_view text) {
   if (!ok()) return;
   errno = 0;
   const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
@@ -30,23 +30,23 @@ void Output::write(std::string_view text) {
 }
 
 void Output::text(std::string_view text) {
-  if (!json_) write(text);
+  if (!json_) print(text);
 }
 
 void Output::result(const Json& json) {
-  if (json_) write(dumped(json, 2));
+  if (json_) print(dumped(json, 2));
 }
 
 void Output::result(const Json& json, std::string_view text) {
-  write(json_ ? dumped(json, 2) : std::string(text));
+  print(json_ ? dumped(json, 2) : std::string(text));
 }
 
 void Output::event(const Json& json, std::string_view text) {
-  write(json_ ? dumped(json, -1) : std::string(text));
+  print(json_ ? dumped(json, -1) : std::string(text));
 }
 
 void Output::remark(std::string_view text) {
-  if (!json_ && !quiet_) write(text);
+  if (!json_ && !quiet_) print(text);
 }
 
 void Output::warning(const std::string& line) {
@@ -59,6 +59,10 @@ void Output::progress(const std::string& text) {
   std::fprintf(stderr, "\r%s\x1b[K", text.c_str());
   std::fflush(stderr);
   progress_shown_ = !text.empty();
+}
+
+void Output::look_for_reader() {
+  if (ok() && stdout_reader_gone()) error_ = EPIPE;
 }
 
 ExitCode Output::end(ExitCode code) {

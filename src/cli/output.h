@@ -19,6 +19,8 @@ class Output {
   void be_quiet(bool quiet) { quiet_ = quiet; }
   bool json() const { return json_; }
 
+  /// Text that has no other form, such as help.
+  void print(std::string_view text);
   /// A result as text; with JSON, nothing.
   void text(std::string_view text);
   /// The whole result as JSON; without, nothing.
@@ -37,12 +39,12 @@ class Output {
 
   /// False once stdout did not take what was written.
   bool ok() const { return error_ == 0; }
+  /// Finds out whether the reader has gone although nothing is being written.
+  void look_for_reader();
   /// The code to end with after `code`: a reader that has gone wants no more and is no failure.
   ExitCode end(ExitCode code);
 
  private:
-  void write(std::string_view text);
-
   bool json_ = false;
   bool quiet_ = false;
   int error_ = 0;

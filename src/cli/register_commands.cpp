@@ -34,6 +34,18 @@ Batch write_batch(Access access, int address, int value) {
   return isp_write(address, value);
 }
 
+/// Registers of the ISP have 12 bits of address, of which the description speaks as 0xF000 and on. Another
+/// address would reach a register that was not meant.
+void check_isp_address(const std::string& name, int address) {
+  if (address < 0x1000 || address >= 0xF000) return;
+  refuse(name + ": " + hex(static_cast<unsigned>(address), 4) +
+         " is no register of the ISP; they are 0x000..0xFFF, also written 0xF000..0xFFFF");
+}
+
+void check_address(Access access, int address) {
+  if (access != Access::Sensor) check_isp_address("ADDR", address);
+}
+
 int shown_address(Access access, int address) {
   return access == Access::Sensor ? address : 0xF000 | (address & 0xFFF);
 }
@@ -43,6 +55,7 @@ Json register_json(int address, int value) {
 }
 
 Task<ExitCode> read(Chip& chip, const AccessOptions& options) {
+  chip.only_print();
   Json json = Json::array();
   for (const int address : options.numbers) {
     const int shown = shown_address(options.access(), address);
@@ -66,6 +79,7 @@ Task<ExitCode> send_all(Chip& chip, Traffic traffic) {
 }
 
 ExitCode run_read(Context& context, const AccessOptions& options) {
+  for (const int address : options.numbers) check_address(options.access(), address);
   return run_on_chip(context, [&options](Chip& chip) { return read(chip, options); });
 }
 
@@ -92,6 +106,7 @@ std::vector<Pair> pairs(const std::vector<int>& numbers, int highest_value) {
 ExitCode run_write(Context& context, const AccessOptions& options) {
   Traffic traffic;
   for (const Pair& pair : pairs(options.numbers, options.access() == Access::IspByte ? 0xFF : 0xFFFF)) {
+    check_address(options.access(), pair.address);
     traffic.push_back(write_batch(options.access(), pair.address, pair.value));
   }
   return run_on_chip(context, [&traffic](Chip& chip) { return send_all(chip, traffic); });
@@ -129,6 +144,7 @@ Json registers_of(const std::string& text) {
 
 Task<ExitCode> dump(Chip& chip, const DumpOptions& options) {
   std::string text;
+  chip.only_print();
   chip.on_console([&](const std::string& received) {
     text += received;
     chip.out().text(printable(received));
@@ -147,6 +163,8 @@ Task<ExitCode> dump(Chip& chip, const DumpOptions& options) {
 }
 
 ExitCode run_dump(Context& context, const DumpOptions& options) {
+  check_isp_address("START", options.start);
+  check_isp_address("END", options.end);
   if (options.end < options.start) {
     refuse("END " + hex(static_cast<unsigned>(options.end), 4) + " lies before START " +
            hex(static_cast<unsigned>(options.start), 4));

@@ -28,6 +28,9 @@ RegDescription load_description(const std::filesystem::path& path) {
   const bool missing = description.problem == RegDescription::kNotFound;
   if (missing && !path.empty()) refuse("Cannot read the description " + path_text(path));
   if (!description.problem.empty()) refuse(description.problem);
+  if (description.registers.empty()) {
+    refuse(path_text(path.empty() ? "regu.xml" : path) + " describes no registers");
+  }
   return description;
 }
 
@@ -114,6 +117,10 @@ ExitCode run_load(Context& context, const FileOptions& options) {
   const RegisterFile file = read_register_file(options.file);
   const std::vector<RegisterFile::Line> lines =
       options.description.empty() ? file.lines : known_lines(file, load_description(options.description));
+  if (lines.empty()) {
+    refuse(path_text(options.file) + " has no register" +
+           (options.description.empty() ? "" : " that the description knows"));
+  }
   return run_on_chip(context, [&](Chip& chip) { return load(chip, options, lines); });
 }
 

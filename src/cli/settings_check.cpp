@@ -3,18 +3,24 @@
 #include <algorithm>
 #include <charconv>
 
+#include "cli/output.h"
+
 namespace qv5123 {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n\v\f";
 
-std::string number_problem(std::string_view word) {
-  const std::string shown = "\"" + std::string(word.substr(0, 40)) + "\"";
+bool is_number(std::string_view word) {
   int value = 0;
   const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
-  if (end != word.data() + word.size() || error == std::errc::invalid_argument) {
-    return shown + " is no decimal number; what follows is not read";
-  }
+  return end == word.data() + word.size() && error != std::errc::invalid_argument;
+}
+
+std::string number_problem(std::string_view word) {
+  const std::string shown = "\"" + printable(word.substr(0, 40)) + "\"";
+  int value = 0;
+  const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
+  if (!is_number(word)) return shown + " is no decimal number; what follows is not read";
   if (error != std::errc() || value < 0 || value > 255) return shown + " is not in 0..255";
   return {};
 }
@@ -32,12 +38,15 @@ std::vector<std::string> format_problems(std::string_view text) {
   std::vector<std::string> problems;
   std::size_t count = 0;
   std::size_t line = 1;
+  bool readable = true;
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t start = std::min(text.find_first_not_of(kBlanks, at), text.size());
     line += static_cast<std::size_t>(std::count(text.begin() + at, text.begin() + start, '\n'));
     if (start == text.size()) break;
     const std::size_t end = std::min(text.find_first_of(kBlanks, start), text.size());
-    const std::string problem = number_problem(text.substr(start, end - start));
+    const std::string_view word = text.substr(start, end - start);
+    const std::string problem = readable ? number_problem(word) : "";
+    readable = readable && is_number(word);
     if (!problem.empty()) problems.push_back("line " + std::to_string(line) + ": " + problem);
     ++count;
     at = end;

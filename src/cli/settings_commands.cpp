@@ -106,9 +106,11 @@ ExitCode diff(Context& context, const SettingsOptions& options) {
 }
 
 ExitCode check(Context& context, const SettingsOptions& options) {
-  std::vector<std::string> problems = format_problems(read_file(options.file, kSettingFileLimit));
-  for (std::string& problem : value_problems(SettingsTable(), read_settings(options.file))) {
-    problems.push_back(std::move(problem));
+  const std::string written = read_file(options.file, kSettingFileLimit);
+  std::vector<std::string> problems = format_problems(written);
+  if (holds_settings(written)) {
+    const std::vector<std::string> more = value_problems(SettingsTable(), read_settings(options.file));
+    problems.insert(problems.end(), more.begin(), more.end());
   }
   std::string text;
   for (const std::string& problem : problems) text += path_text(options.file) + ": " + problem + "\n";

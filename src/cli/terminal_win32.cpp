@@ -10,7 +10,12 @@ bool stderr_is_terminal() {
   return _isatty(_fileno(stderr)) != 0;
 }
 
-// Writes to a closed pipe fail by themselves here.
-void survive_closed_pipes() {}
+// Only a write tells here.
+bool stdout_reader_gone() {
+  return false;
+}
+
+// Writes to a closed pipe fail by themselves here, and handles have no numbers to be taken over.
+void prepare_standard_streams() {}
 
 }  // namespace qv5123

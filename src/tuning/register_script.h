@@ -20,6 +20,9 @@ class RegisterScript {
  public:
   static constexpr std::chrono::milliseconds kTick{200};
 
+  /// Longest piece that is read at once; the rest of a longer line is read as a line of its own.
+  static constexpr std::size_t kLongest = 99;
+
   explicit RegisterScript(std::unique_ptr<std::istream> file);
 
   struct Step {
@@ -31,9 +34,6 @@ class RegisterScript {
   Step tick();
 
  private:
-  /// Longest piece that is read at once; the rest of a longer line is read as a line of its own.
-  static constexpr std::size_t kLongest = 99;
-
   void read_line();
   int next_character();
   bool blank() const { return line_[0] == '\n' && line_[1] == '\0'; }

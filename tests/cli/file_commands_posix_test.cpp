@@ -155,7 +155,10 @@ TEST_F(CtlTest, Computations) {
 
 TEST_F(CtlTest, BadInputIsNamedInOneLine) {
   folder.write("short.bin", "x");
-  folder.write("large.bin", std::string(65537, 'x'));
+  folder.write("large.bin", std::string(65281, 'x'));
+  folder.write("empty", "");
+  folder.write("script.txt", "922,5A\r\n\r\n92x,5A\r\n");
+  folder.write("font.txt", "0x0F, 0xF0,     // ----########----0\r\n\r\nfont\r\n");
   const struct {
     std::vector<std::string> command;
     std::string complaint;
@@ -166,10 +169,13 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
        "settings, download, script, monitor, flash, font, gamma, matrix, lsc"},
       {{"reg", "rede"}, "No command is named \"rede\"; reg has read, write, save, load, list, dump"},
       {{"ports", "--bogus"}, "The following argument was not expected: --bogus"},
+      {{"reg", "read", "--bogus"}, "The following argument was not expected: --bogus"},
       {{"ports", "--timeout", "0"}, "--timeout: 0 is not in 1..3600000"},
       {{"reg", "read", "--simulate"}, "ADDR is required"},
       {{"reg", "read", "010z", "--simulate"}, "ADDR: \"010z\" is no number (0x hex or decimal)"},
       {{"reg", "read", "0x10000", "--simulate"}, "ADDR: 0x10000 is not in 0..65535"},
+      {{"reg", "read", "0x5922", "--simulate"},
+       "ADDR: 0x5922 is no register of the ISP; they are 0x000..0xFFF, also written 0xF000..0xFFFF"},
       {{"reg", "read", "1"}, "This command talks to the chip: --port DEVICE or --simulate says where it is"},
       {{"reg", "read", "1", "--wide", "--sensor"}, "--wide excludes --sensor"},
       {{"reg", "write", "1", "2", "3", "--simulate"}, "ADDR 0x03 has no VALUE"},
@@ -185,10 +191,19 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
       {{"settings", "show", "none.dat"}, "Cannot read none.dat: No such file or directory"},
       {{"download", "fw", "none.bin", "--simulate"}, "Cannot read none.bin: No such file or directory"},
       {{"download", "fw", "large.bin", "--simulate"},
-       "large.bin has 65537 bytes, an image has at most 65536"},
+       "large.bin has 65281 bytes, a download takes 1 to 65280"},
+      {{"download", "user", "empty", "--simulate"}, "empty holds no settings"},
+      {{"script", "script.txt", "--simulate"}, "script.txt, line 3: not of the form \"AAA,DD\""},
+      {{"script", "empty", "--simulate"}, "empty has no register to write"},
+      {{"reg", "load", "empty", "--simulate"}, "empty has no register"},
+      {{"reg", "save", "x", "--description", "script.txt", "--simulate"},
+       "script.txt describes no registers"},
       {{"reg", "read", "1", "--simulate", "--trace", "no/trace"}, "Cannot write no/trace"},
       {{"font", "show", "short.bin", "1"}, "short.bin has 1 bytes, a font library has 49152"},
-      {{"font", "import", "short.bin", "-o", "out.bin"}, "short.bin is no font text"},
+      {{"font", "import", "short.bin", "-o", "out.bin"},
+       "short.bin, line 1: not of the form \"0x0F, 0xF0,     // ----########----\""},
+      {{"font", "import", "font.txt", "-o", "out.bin"},
+       "font.txt, line 3: not of the form \"0x0F, 0xF0,     // ----########----\""},
       {{"gamma", "compute", "--gamma", "0"}, "--gamma: 0 is not above 0"},
       {{"gamma", "compute", "--gamma", "1,5"}, "--gamma: \"1,5\" is no number"},
       {{"matrix", "fit", "short.bin"}, "short.bin has 0 patches instead of 24"},
@@ -217,6 +232,16 @@ TEST_F(CtlTest, OutputThatIsNotTaken) {
   const auto full = bash("\"$0\" settings show sample.dat >/dev/full");
   EXPECT_EQ(full.err, "qv5123ctl: Cannot write the output: No space left on device\n");
   EXPECT_EQ(full.code, 2);
+  EXPECT_EQ(bash("\"$0\" --help >/dev/full").code, 2);
+  folder.write("font.bin", std::string(256 * 4, 'f'));
+  EXPECT_EQ(bash("\"$0\" --simulate --trace trace download font font.bin | true; exit ${PIPESTATUS[0]}").code,
+            0);
+  EXPECT_THAT(folder.read("trace"), HasSubstr("4 blocks received")) << "nobody reads, all is sent";
+  EXPECT_EQ(bash("timeout 5 \"$0\" --simulate monitor | head -1; exit ${PIPESTATUS[0]}").code, 0);
+  EXPECT_EQ(bash("\"$0\" --simulate --trace trace reg read 1 >&-").code, 2);
+  EXPECT_THAT(folder.read("trace"), testing::Not(HasSubstr("0xF001"))) << "no file takes the place of stdout";
+  std::filesystem::remove(folder.path() / "trace");
+  std::filesystem::remove(folder.path() / "font.bin");
 
   folder.write("out.txt", "old");
   copy_resource("fontT_16x24_.bin");
