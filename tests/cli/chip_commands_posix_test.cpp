@@ -6,6 +6,7 @@
 #include <chrono>
 
 #include "cli/ctl_test.h"
+#include "support/program_posix.h"
 
 namespace qv5123 {
 namespace {

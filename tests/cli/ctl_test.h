@@ -3,15 +3,22 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-#include "support/program_posix.h"
+#include "support/program.h"
 #include "support/temporary_folder.h"
 
 namespace qv5123::test {
+
+inline std::string source_file(const std::string& name) {
+  std::ifstream file(std::filesystem::path(QV5123_SOURCE_DIR) / name, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
 
 /// qv5123ctl as a user starts it, in a folder of its own, and a simulated board for it.
 class CtlTest : public testing::Test {

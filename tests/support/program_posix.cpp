@@ -17,9 +17,6 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-/// What no file or program prints, so that reading goes on to the end.
-constexpr std::string_view kNever{"\0\x04\0", 3};
-
 [[noreturn]] void become(const std::string& path, std::vector<std::string>& arguments, const fs::path& folder,
                          int in, int out, int err) {
   ::dup2(in, STDIN_FILENO);
@@ -52,68 +49,59 @@ fs::path program_folder() {
   return fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "bin";
 }
 
-Program::Program(const std::string& name, std::vector<std::string> arguments, const fs::path& folder) {
+struct Program::Process {
+  pid_t id = -1;
+  int in = -1;
+  int out = -1;
+  int err = -1;
+};
+
+Program::Program(const std::string& name, std::vector<std::string> arguments, const fs::path& folder)
+    : process_(std::make_unique<Process>()) {
   const std::string path = name.front() == '/' ? name : (program_folder() / name).string();
   int in[2], out[2], err[2];
   // Closed on exec, so that no other program keeps a pipe open.
   if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0 || ::pipe2(err, O_CLOEXEC) != 0) {
     std::abort();
   }
-  pid_ = ::fork();
-  if (pid_ == 0) become(path, arguments, folder, in[0], out[1], err[1]);
+  process_->id = ::fork();
+  if (process_->id == 0) become(path, arguments, folder, in[0], out[1], err[1]);
   for (const int fd : {in[0], out[1], err[1]}) ::close(fd);
-  in_ = in[1];
-  out_ = out[0];
-  err_ = err[0];
+  process_->in = in[1];
+  process_->out = out[0];
+  process_->err = err[0];
 }
 
 Program::~Program() {
-  if (pid_ > 0) end(SIGKILL);
-  for (const int fd : {in_, out_, err_}) ::close(fd);
+  if (process_->id > 0) end(SIGKILL);
+  for (const int fd : {process_->in, process_->out, process_->err}) ::close(fd);
 }
 
-std::string Program::line() {
-  std::string line = expect("\n");
-  if (line.ends_with('\n')) line.pop_back();
-  return line;
+void Program::read_output(std::string& text, std::string_view wanted) {
+  read_until(process_->out, text, wanted);
 }
 
-std::string Program::expect(std::string_view wanted) {
-  read_until(out_, printed_, wanted);
-  const std::size_t found = printed_.find(wanted);
-  const std::size_t end = found == std::string::npos ? printed_.size() : found + wanted.size();
-  const std::string text = printed_.substr(0, end);
-  printed_.erase(0, end);
-  return text;
-}
-
-std::string Program::output() {
-  return expect(kNever);
-}
-
-std::string Program::errors() {
-  std::string text;
-  read_until(err_, text, kNever);
-  return text;
+void Program::read_errors(std::string& text, std::string_view wanted) {
+  read_until(process_->err, text, wanted);
 }
 
 void Program::type(std::string_view text) {
-  if (::write(in_, text.data(), text.size()) != static_cast<ssize_t>(text.size())) std::abort();
+  if (::write(process_->in, text.data(), text.size()) != static_cast<ssize_t>(text.size())) std::abort();
 }
 
 void Program::signal(int number) const {
-  ::kill(pid_, number);
+  ::kill(process_->id, number);
 }
 
 int Program::end(int signal) {
-  if (signal != 0) ::kill(pid_, signal);
+  if (signal != 0) ::kill(process_->id, signal);
   int status = 0;
-  ::waitpid(std::exchange(pid_, -1), &status, 0);
+  ::waitpid(std::exchange(process_->id, -1), &status, 0);
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 double Program::processor_time() const {
-  std::ifstream stat("/proc/" + std::to_string(pid_) + "/stat");
+  std::ifstream stat("/proc/" + std::to_string(process_->id) + "/stat");
   std::string field;
   long ticks = 0;
   for (int i = 1; i <= 15 && stat >> field; ++i) ticks += i >= 14 ? std::stol(field) : 0;

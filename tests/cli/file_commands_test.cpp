@@ -153,6 +153,43 @@ TEST_F(CtlTest, Computations) {
   EXPECT_EQ(ctl({"lsc", "fit", "few.csv"}).code, 1);
 }
 
+/// Each on a chip of its own, which forgets what was done to it.
+TEST_F(CtlTest, CommandsToASimulatedChip) {
+  for (const char* name : {"sample.dat", "regu.xml"}) copy_resource(name);
+  folder.write("two.txt", "0xFA0A=0x77 //GAIN_MAX_H\r\n0xF123=0x01 //UNKNOWN\r\n");
+  folder.write("script.txt", "922,5A");
+  folder.write("font.bin", std::string(300, 'f'));
+  const struct {
+    std::vector<std::string> command;
+    const char* field;
+    nlohmann::json value;
+  } cases[] = {
+      {{"reg", "read", "0xF922"}, "/0/address", 0xF922},
+      {{"reg", "write", "--wide", "0x922", "0x5A5A"}, "/sent", 1},
+      {{"reg", "dump", "0xF922", "0xF923"}, "/1/address", 0xF923},
+      {{"reg", "save", "regs.txt", "--category", "Sensor interface"}, "/registers", 14},
+      {{"reg", "load", "two.txt"}, "/registers", 2},
+      {{"send", "0x01", "0"}, "/sent", 1},
+      {{"osd", "pattern", "1"}, "/sent", 1},
+      {{"factory-reset", "--yes"}, "/sent", 1},
+      {{"info", "awb"}, "/fields/task", "running"},
+      {{"page", "show", "awb"}, "/values/awb.a_slope", -205},
+      {{"page", "save", "lsc", "--from", "sample.dat", "--verify"}, "/verified", 6},
+      {{"page", "diff", "gamma", "sample.dat"}, "/compared", 88},
+      {{"download", "font", "font.bin", "--expect", "checksum ok"}, "/expected", true},
+      {{"script", "script.txt"}, "/writes", 1},
+  };
+  for (const auto& [command, field, value] : cases) {
+    std::vector<std::string> all{"--simulate", "--json"};
+    all.insert(all.end(), command.begin(), command.end());
+    const auto result = ctl(all);
+    const nlohmann::json json = result.json();
+    const nlohmann::json::json_pointer pointer(field);
+    EXPECT_TRUE(json.contains(pointer) && json.at(pointer) == value) << field << " of " << result.out;
+    EXPECT_EQ(result.err, "");
+  }
+}
+
 TEST_F(CtlTest, BadInputIsNamedInOneLine) {
   folder.write("short.bin", "x");
   folder.write("large.bin", std::string(65281, 'x'));
@@ -217,40 +254,18 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
   }
 }
 
-TEST_F(CtlTest, OutputThatIsNotTaken) {
-  copy_resource("sample.dat");
-  const std::string ctl = (test::program_folder() / "qv5123ctl").string();
-  const auto bash = [&](const std::string& command) {
-    test::Program shell("/bin/bash", {"-c", command, ctl}, folder.path());
-    const std::string out = shell.output();
-    const std::string err = shell.errors();
-    return Result{shell.end(), out, err};
-  };
-  const auto piped = bash("\"$0\" --simulate reg dump 0 0xFFF | head -2; exit ${PIPESTATUS[0]}");
-  EXPECT_EQ(piped.err, "");
-  EXPECT_EQ(piped.code, 0);
-  const auto full = bash("\"$0\" settings show sample.dat >/dev/full");
-  EXPECT_EQ(full.err, "qv5123ctl: Cannot write the output: No space left on device\n");
-  EXPECT_EQ(full.code, 2);
-  EXPECT_EQ(bash("\"$0\" --help >/dev/full").code, 2);
-  folder.write("font.bin", std::string(256 * 4, 'f'));
-  EXPECT_EQ(bash("\"$0\" --simulate --trace trace download font font.bin | true; exit ${PIPESTATUS[0]}").code,
-            0);
-  EXPECT_THAT(folder.read("trace"), HasSubstr("4 blocks received")) << "nobody reads, all is sent";
-  EXPECT_EQ(bash("timeout 5 \"$0\" --simulate monitor | head -1; exit ${PIPESTATUS[0]}").code, 0);
-  EXPECT_EQ(bash("\"$0\" --simulate --trace trace reg read 1 >&-").code, 2);
-  EXPECT_THAT(folder.read("trace"), testing::Not(HasSubstr("0xF001"))) << "no file takes the place of stdout";
-  std::filesystem::remove(folder.path() / "trace");
-  std::filesystem::remove(folder.path() / "font.bin");
+TEST_F(CtlTest, HelpOnEveryLevelAndTheVersion) {
+  EXPECT_THAT(ctl({"--help"}).out, HasSubstr("\nCommands:\n  ports "));
+  EXPECT_THAT(ctl({"reg", "--help"}).out, HasSubstr("  dump "));
+  EXPECT_THAT(ctl({"reg", "read", "--help"}).out, HasSubstr("ADDR ... REQUIRED"));
+  EXPECT_EQ(ctl({"--version"}).out, "qv5123ctl " QV5123_VERSION "\n");
+  EXPECT_EQ(ctl({"ports", "--json"}).json().type(), nlohmann::json::value_t::array);
+}
 
-  folder.write("out.txt", "old");
-  copy_resource("fontT_16x24_.bin");
-  const auto limited = bash("trap '' XFSZ; ulimit -f 8; \"$0\" font export fontT_16x24_.bin -o out.txt");
-  EXPECT_EQ(limited.code, 2);
-  EXPECT_THAT(limited.err, StartsWith("qv5123ctl: Cannot write out.txt: "));
-  EXPECT_EQ(folder.read("out.txt"), "old");
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 3)
-      << "nothing half-written";
+TEST_F(CtlTest, ManualPageAndCompletionAreThoseOfTheProgram) {
+  EXPECT_EQ(ctl({"man"}).out, test::source_file("docs/qv5123ctl.1")) << "qv5123ctl man >docs/qv5123ctl.1";
+  EXPECT_EQ(ctl({"bash-completion"}).out, test::source_file("completions/qv5123ctl.bash"))
+      << "qv5123ctl bash-completion >completions/qv5123ctl.bash";
 }
 
 }  // namespace

@@ -1,0 +1,92 @@
+#include <sstream>
+
+#include "cli/ctl_test.h"
+#include "support/program_posix.h"
+
+namespace qv5123 {
+namespace {
+
+using test::CtlTest;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+TEST_F(CtlTest, BashCompletes) {
+  folder.write("my setting.dat", "");
+  const auto complete = [&](const std::string& words) {
+    test::Program bash("/bin/bash",
+                       {"-c",
+                        "source \"$0\"; COMP_WORDS=(qv5123ctl " + words +
+                            "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _qv5123ctl qv5123ctl qv; "
+                            "printf '%s\\n' \"${COMPREPLY[@]}\"",
+                        std::string(QV5123_SOURCE_DIR) + "/completions/qv5123ctl.bash"},
+                       folder.path());
+    return bash.output();
+  };
+  EXPECT_EQ(complete("se"), "send\nsettings\n");
+  EXPECT_EQ(complete("--simulate reg rea"), "read\n");
+  EXPECT_EQ(complete("reg read --w"), "--wide\n");
+  EXPECT_EQ(complete("page show ga"), "gamma\n");
+  EXPECT_EQ(complete("settings show my"), "my setting.dat\n");
+  EXPECT_EQ(complete("reg read 1 --js"), "--json\n");
+}
+
+/// The shell blocks of the guide that stand behind the mark.
+std::string example() {
+  std::istringstream guide(test::source_file("docs/cli.md"));
+  std::string line, script;
+  while (std::getline(guide, line) && line != "<!-- example -->") {
+  }
+  std::getline(guide, line);
+  while (std::getline(guide, line) && line != "```") script += line + "\n";
+  return script;
+}
+
+TEST_F(CtlTest, TheGuidesExampleRunsAsItStands) {
+  for (const char* name : {"sample.dat", "firmware.bin", "fontT_16x24_.bin", "regu.xml"}) copy_resource(name);
+  folder.write("station.sh", example());
+  test::Program shell("/bin/bash",
+                      {"-c", "PATH=\"$0:$PATH\" exec /bin/bash station.sh", test::program_folder().string()},
+                      folder.path());
+  const std::string out = shell.expect("PASS\n");
+  EXPECT_THAT(out, testing::EndsWith("PASS\n")) << shell.errors();
+  EXPECT_EQ(shell.end(), 0);
+}
+
+TEST_F(CtlTest, OutputThatIsNotTaken) {
+  copy_resource("sample.dat");
+  const std::string ctl = (test::program_folder() / "qv5123ctl").string();
+  const auto bash = [&](const std::string& command) {
+    test::Program shell("/bin/bash", {"-c", command, ctl}, folder.path());
+    const std::string out = shell.output();
+    const std::string err = shell.errors();
+    return Result{shell.end(), out, err};
+  };
+  const auto piped = bash("\"$0\" --simulate reg dump 0 0xFFF | head -2; exit ${PIPESTATUS[0]}");
+  EXPECT_EQ(piped.err, "");
+  EXPECT_EQ(piped.code, 0);
+  const auto full = bash("\"$0\" settings show sample.dat >/dev/full");
+  EXPECT_EQ(full.err, "qv5123ctl: Cannot write the output: No space left on device\n");
+  EXPECT_EQ(full.code, 2);
+  EXPECT_EQ(bash("\"$0\" --help >/dev/full").code, 2);
+  folder.write("font.bin", std::string(256 * 4, 'f'));
+  EXPECT_EQ(bash("\"$0\" --simulate --trace trace download font font.bin | true; exit ${PIPESTATUS[0]}").code,
+            0);
+  EXPECT_THAT(folder.read("trace"), HasSubstr("4 blocks received")) << "nobody reads, all is sent";
+  EXPECT_EQ(bash("timeout 5 \"$0\" --simulate monitor | head -1; exit ${PIPESTATUS[0]}").code, 0);
+  EXPECT_EQ(bash("\"$0\" --simulate --trace trace reg read 1 >&-").code, 2);
+  EXPECT_THAT(folder.read("trace"), testing::Not(HasSubstr("0xF001"))) << "no file takes the place of stdout";
+  std::filesystem::remove(folder.path() / "trace");
+  std::filesystem::remove(folder.path() / "font.bin");
+
+  folder.write("out.txt", "old");
+  copy_resource("fontT_16x24_.bin");
+  const auto limited = bash("trap '' XFSZ; ulimit -f 8; \"$0\" font export fontT_16x24_.bin -o out.txt");
+  EXPECT_EQ(limited.code, 2);
+  EXPECT_THAT(limited.err, StartsWith("qv5123ctl: Cannot write out.txt: "));
+  EXPECT_EQ(folder.read("out.txt"), "old");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 3)
+      << "nothing half-written";
+}
+
+}  // namespace
+}  // namespace qv5123
