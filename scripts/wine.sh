@@ -13,6 +13,8 @@ start_wine() {
   # In the foreground: a server that is its own session's leader would take the tests' ports for its terminal.
   LD_PRELOAD=$serial_port_shim "$wine_server" -f -p 2>"$build/wineserver.log" &
   "$wine" wineboot --init
+  # There are none of Windows' own fonts here; left to itself Wine takes one with odd measures for them.
+  "$wine" regedit /S "$root/tests/wine/fonts.reg"
 }
 
 stop_wine() {

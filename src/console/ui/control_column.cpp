@@ -182,6 +182,8 @@ void ControlColumn::add_download_box(QBoxLayout& column) {
   progress_->setRange(0, 100);
   progress_->setValue(0);
   progress_->setTextVisible(false);
+  // Some styles would have it wider than the column.
+  progress_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   progress_->setAccessibleName(tr("Download progress"));
   progress_->setToolTip(tr("How much of the image has been sent, in percent"));
   state->addWidget(progress_, 1);
