@@ -231,7 +231,7 @@ void ControlColumn::add_text_sender() {
 void ControlColumn::set_port_description(const QString& text) {
   port_->setText(text);
   port_->setCursorPosition(0);
-  port_->setToolTip(text.isEmpty() ? tr("The port in use") : text);
+  port_->setToolTip(text.isEmpty() ? tr("The port in use") : plain_tool_tip(text));
 }
 
 void ControlColumn::set_recent_files(const QStringList& paths) {
