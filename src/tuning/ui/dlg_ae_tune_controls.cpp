@@ -227,9 +227,7 @@ QWidget* CDlgAeTune::make_more_area() {
       grid, 0, number.caption, number.range.lowest, number.range.highest,
       range_text(number.range.lowest, number.range.highest, number.address),
       [this] { set_number(kFurtherAe); }, [this, &number](int value) { values_.*number.value = value; });
-  message_edit_ = named(new QPlainTextEdit, "Messages", "What was corrected in the ISO steps");
-  message_edit_->setReadOnly(true);
-  message_edit_->setTabChangesFocus(true);
+  message_edit_ = make_log("Messages", "What was corrected in the ISO steps");
   message_edit_->setFixedHeight(3 * message_edit_->fontMetrics().lineSpacing());
   grid->addWidget(message_edit_, 1, 0, 1, 3);
   grid->addWidget(make_button("Clear", {}, "Empty the messages", [this] { message_edit_->clear(); }), 1, 3);

@@ -305,10 +305,7 @@ QWidget* CDlgIspFront::make_service_area() {
   auto* row = new QHBoxLayout(area);
   row->setContentsMargins(0, 0, 0, 0);
   auto* column = new QVBoxLayout;
-  text_ = named(new QPlainTextEdit, "ISP tune console", "Reads, writes and parameter values");
-  text_->setReadOnly(true);
-  text_->setTabChangesFocus(true);
-  text_->setMaximumBlockCount(10240);
+  text_ = make_log("ISP tune console", "Reads, writes and parameter values");
   row->addWidget(text_, 1);
   row->addLayout(column);
   column->addWidget(make_userdata_group());

@@ -142,9 +142,7 @@ QWidget* CDlgIspGammaRgb::make_front_row() {
 QWidget* CDlgIspGammaRgb::make_message_row() {
   auto* widget = new QWidget;
   auto* row = flat_row(widget);
-  messages_ = named(new QPlainTextEdit, "Messages", "The points of each computed curve");
-  messages_->setReadOnly(true);
-  messages_->setTabChangesFocus(true);
+  messages_ = make_log("Messages", "The points of each computed curve");
   messages_->setFixedHeight(messages_->fontMetrics().lineSpacing() * 3 + 14);
   row->addWidget(messages_, 1);
   row->addWidget(make_button("Clear", {}, "Empties the messages", [this] { messages_->clear(); }), 0,

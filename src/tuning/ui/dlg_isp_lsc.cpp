@@ -124,9 +124,7 @@ QWidget* CDlgIspLSC::make_log_row() {
   auto* widget = new QWidget;
   auto* row = new QHBoxLayout(widget);
   row->setContentsMargins(0, 0, 0, 0);
-  log_ = named(new QPlainTextEdit, "Log", "The readings of the sweep and what was fitted to them");
-  log_->setReadOnly(true);
-  log_->setTabChangesFocus(true);
+  log_ = make_log("Log", "The readings of the sweep and what was fitted to them");
   row->addWidget(log_, 1);
   row->addWidget(make_button("Clear", {}, "Empties the log", [this] { log_->clear(); }), 0, Qt::AlignTop);
   return widget;

@@ -107,6 +107,16 @@ QGroupBox* make_file_control(FileControl control) {
   return group;
 }
 
+QPlainTextEdit* make_log(const QString& name, const QString& tooltip) {
+  // As many lines as the main console has.
+  constexpr int kLines = 10240;
+  auto* log = named(new QPlainTextEdit, name, tooltip);
+  log->setReadOnly(true);
+  log->setTabChangesFocus(true);
+  log->setMaximumBlockCount(kLines);
+  return log;
+}
+
 void take_typed_text(QWidget* page) {
   // A spin box may hand its focus to the edit inside it.
   for (QWidget* widget = page->focusWidget(); widget && widget != page; widget = widget->parentWidget()) {

@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QString>
@@ -47,6 +48,9 @@ QCheckBox* make_check(const QString& caption, const QString& name, const QString
 /// A drop-down list that tells the user's choices.
 QComboBox* make_combo(const QStringList& items, const QString& name, const QString& tooltip,
                       std::function<void(int index)> chosen);
+
+/// A read-only text that grows line by line, up to a length that no memory minds.
+QPlainTextEdit* make_log(const QString& name, const QString& tooltip);
 
 /// The captions of a table as list items.
 template <class Captions>
