@@ -51,6 +51,9 @@ class Page {
   virtual ~Page() = default;
   /// Copies the page's values into the user data image. The main form writes the file afterwards.
   virtual void save_to_user_data() {}
+  /// Puts into `image` what save_to_user_data() would, but for text that is still being typed. The page stays
+  /// as it is, so that it can be asked at any time.
+  virtual void put_values(UserDataImage&) const {}
   /// Whether "Save File..." writes the remembered setting file once this page has saved, before it asks for
   /// the file to write.
   virtual bool save_writes_file() const { return false; }

@@ -38,9 +38,9 @@ Task<> SettingFiles::load_from(std::filesystem::path path) {
   document_.setting_file = path;
   const FileResult result = co_await read_setting_file(background_, path, document_.user_data);
   // Even without a file: the pages show what the image holds, and so agree with each other again.
-  for (Page* page : surroundings_.pages()) page->reload_from_user_data();
+  reload_pages();
   if (result.ok()) {
-    surroundings_.file_used(path);
+    surroundings_.file_used(path, document_.user_data);
     co_return;
   }
   Message message = warning(result.text);
@@ -80,6 +80,16 @@ Task<bool> SettingFiles::save_everything() {
   co_return co_await write_user_data_file();
 }
 
+void SettingFiles::reload_pages() const {
+  for (Page* page : surroundings_.pages()) page->reload_from_user_data();
+}
+
+UserDataImage SettingFiles::unsaved() const {
+  UserDataImage image = document_.user_data;
+  for (const Page* page : surroundings_.pages()) page->put_values(image);
+  return image;
+}
+
 Task<bool> SettingFiles::may_exit() {
   Question question;
   question.text = path_text(document_.setting_file) + kSaveQuestion;
@@ -92,10 +102,10 @@ Task<bool> SettingFiles::may_exit() {
   co_return co_await save_everything();
 }
 
-Task<bool> SettingFiles::write_to(std::filesystem::path path, const UserDataImage& image) {
+Task<bool> SettingFiles::write_to(std::filesystem::path path, UserDataImage image) {
   const FileResult result = co_await write_setting_file(background_, path, image);
   if (result.ok()) {
-    surroundings_.file_used(path);
+    surroundings_.file_used(path, image);
     co_return true;
   }
   surroundings_.show_status(result.text);

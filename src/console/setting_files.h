@@ -31,8 +31,8 @@ class SettingFiles {
     std::function<Page*()> font_editor;
     /// Shows a result in the status bar.
     std::function<void(const std::string&)> show_status;
-    /// A setting file was read or written.
-    std::function<void(const std::filesystem::path&)> file_used;
+    /// A setting file was read or written, and holds this image now.
+    std::function<void(const std::filesystem::path&, const UserDataImage&)> file_used;
   };
 
   SettingFiles(CQV5123Doc& document, Prompts& prompts, Background& background, Surroundings surroundings);
@@ -49,12 +49,16 @@ class SettingFiles {
   Task<bool> write_user_data_file();
   /// SaveEverything: every page's values into the image, then write_user_data_file().
   Task<bool> save_everything();
+  /// Every page's values from the image.
+  void reload_pages() const;
+  /// What "Save File..." would write now; nothing changes by asking.
+  UserDataImage unsaved() const;
   /// The question at the end of the program. True when the program is to end now: answered with No, or with
   /// Yes and the file is whole on the disk.
   Task<bool> may_exit();
 
  private:
-  Task<bool> write_to(std::filesystem::path path, const UserDataImage& image);
+  Task<bool> write_to(std::filesystem::path path, UserDataImage image);
 
   CQV5123Doc& document_;
   Prompts& prompts_;

@@ -90,6 +90,7 @@ class SettingFilesTest : public testing::Test {
   std::vector<std::string> calls;
   std::vector<std::string> statuses;
   std::vector<std::string> used;
+  UserDataImage held;  // by the file used last
   NumberedPage gamma{1, doc.user_data, calls};
   NumberedPage lens{5, doc.user_data, calls};
   NumberedPage font{6, doc.user_data, calls};
@@ -99,7 +100,10 @@ class SettingFilesTest : public testing::Test {
                      work,
                      {[this] { return pages; }, [this]() -> Page* { return &font; },
                       [this](const std::string& text) { statuses.push_back(text); },
-                      [this](const fs::path& path) { used.push_back(path.filename().string()); }}};
+                      [this](const fs::path& path, const UserDataImage& image) {
+                        used.push_back(path.filename().string());
+                        held = image;
+                      }}};
 
   void load() { const Flow flow(files.load()); }
   void save() { const Flow flow(files.save()); }
@@ -245,6 +249,7 @@ TEST_F(SettingFilesTest, WhatIsWrittenIsTheImageAtTheTimeOfTheSaveAndExitWaitsFo
   work.catch_up();
   EXPECT_TRUE(ends);
   EXPECT_EQ(folder.read("user.dat").substr(0, 6), "0\r\n1\r\n");
+  EXPECT_EQ(held.entry(0), 0) << "what came later is not saved";
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QSettings>
+#include <QStandardPaths>
 #include <cstdio>
 #include <cstdlib>
 
@@ -15,6 +16,7 @@
 #include "link/port_list.h"
 #include "link/port_name.h"
 #include "link/system_serial_device.h"
+#include "link/ui/qt_text.h"
 #include "registers/ui/dlg_isp_register.h"
 #include "simulator/simulated_board.h"
 #include "simulator/ui/camera_dock.h"
@@ -30,6 +32,8 @@ namespace {
 using namespace qv5123;
 
 constexpr int kCameraWidth = 340;
+/// Beside the settings; where those are in the registry, the folder of this program's local data.
+constexpr QStandardPaths::StandardLocation kJournalPlace = QStandardPaths::AppConfigLocation;
 constexpr const char* kSimulatedDevice = "simulated chip";
 
 /// Reads the command line before there is a window system to connect to: help needs none.
@@ -117,6 +121,7 @@ Program::Parts program_parts(const ProgramOptions& options, const AppSettings& s
   parts.probe_port = probe_port;
   parts.pages = page_factories();
   parts.fixed_port = fixed_port(options, settings);
+  if (!options.tour) parts.journal_folder = to_path(QStandardPaths::writableLocation(kJournalPlace));
   // At once: nothing is torn down, and what was to be saved is on the disk.
   parts.end_process = [](int code) { std::_Exit(code); };
   parts.report = [](const std::string& text) { std::fprintf(stderr, "QV5123: %s\n", text.c_str()); };

@@ -6,6 +6,7 @@
 
 #include "console/ui/frame.h"
 #include "console/ui/help_window.h"
+#include "console/ui/lock_file.h"
 #include "console/ui/page_area.h"
 #include "console/ui/qv5123_view.h"
 #include "console/ui/tour.h"
@@ -35,6 +36,7 @@ Program::Program(ProgramOptions options, AppSettings settings, Parts parts)
 Program::~Program() {
   trouble_.cancel();
   flows_.cancel();
+  journal_.reset();
   // Its flows own dialogs that the frame would delete as well.
   delete view_;
 }
@@ -71,6 +73,7 @@ Task<> Program::run() {
   CQV5123View::Startup startup;
   startup.setting_file = options_.setting_file;
   startup.offer_setting_file = !options_.tour;
+  if (journal_) startup.restore = [this] { return journal_->start(*prompts_); };
   view_->start(std::move(startup));
   if (options_.tour) co_await make_tour();
 }
@@ -158,7 +161,20 @@ void Program::open_window(PortSettings port) {
   QObject::connect(view_, &CQV5123View::closing_confirmed, frame_.get(), [this] { flows_.spawn(end(0)); });
   QObject::connect(frame_.get(), &CMainFrame::help_wanted, frame_.get(), [this] { show_help(); });
   if (parts_.furnish) parts_.furnish(*frame_);
+  if (!parts_.journal_folder.empty()) keep_journal();
   frame_->show();
+}
+
+void Program::keep_journal() {
+  Journal::Surroundings surroundings;
+  surroundings.folder = parts_.journal_folder;
+  surroundings.lock = lock_file;
+  surroundings.unsaved = [this] { return view_->unsaved(); };
+  surroundings.restore = [this](const JournalEntry& entry) { view_->restore(entry); };
+  surroundings.show_status = [this](const std::string& text) { view_->show_status(text); };
+  journal_ = std::make_unique<Journal>(scheduler_, files_, std::move(surroundings));
+  QObject::connect(view_, &CQV5123View::image_saved, frame_.get(),
+                   [this](const UserDataImage& image) { journal_->saved(image); });
 }
 
 Task<> Program::make_tour() {
@@ -180,6 +196,7 @@ void Program::show_help() {
 }
 
 Task<> Program::end(int exit_code) {
+  if (journal_) co_await journal_->end();
   co_await session_.close();
   // Nothing is torn down, so what is being written must be whole before.
   const std::function<bool()> all_before = [] { return true; };

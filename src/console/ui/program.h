@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "console/document.h"
+#include "console/journal.h"
 #include "console/ui/app_settings.h"
 #include "console/ui/pages.h"
 #include "console/ui/program_options.h"
@@ -34,6 +35,8 @@ class Program {
     std::optional<PortSettings> fixed_port;
     std::function<std::vector<PortInfo>()> list_ports;
     std::function<OpenResult(const std::string& device)> probe_port;
+    /// Where unsaved values are kept for after a crash; empty: nowhere.
+    std::filesystem::path journal_folder;
     /// Adds to the window what only this way to run has, before it is shown. May be empty.
     std::function<void(CMainFrame&)> furnish;
     /// Ends the process with this code, at once.
@@ -59,6 +62,7 @@ class Program {
   Task<std::optional<PortSettings>> choose_port(PortSettings current);
   void open_window(PortSettings port);
   void store_port(const PortSettings& settings);
+  void keep_journal();
   Task<> make_tour();
   void show_help();
   Task<> end(int exit_code);
@@ -75,6 +79,7 @@ class Program {
   std::unique_ptr<CMainFrame> frame_;
   CQV5123View* view_ = nullptr;  // the frame's
   std::unique_ptr<HelpWindow> help_;
+  std::unique_ptr<Journal> journal_;
   FlowSet flows_;
   Flow trouble_;
 };

@@ -101,8 +101,8 @@ std::variant<ProgramOptions, EndAtOnce> read_options(const QStringList& argument
   parser.addOptions({
       {{"h", "help"}, "Print this help and exit."},
       {{"v", "version"}, "Print the version and exit."},
-      {"port", "Use this serial device and store nothing.", "DEVICE"},
-      {"simulate", "Use the simulated chip and store nothing."},
+      {"port", "Use this serial device and store no settings.", "DEVICE"},
+      {"simulate", "Use the simulated chip and store no settings."},
       {"scene", "What the simulated camera looks at: chart, flat, chart-720 or flat-720.", "KIND"},
       {"settings", "Load this setting file at the start instead of offering the dialog.", "FILE"},
       {"tour",

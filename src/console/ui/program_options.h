@@ -9,8 +9,8 @@
 namespace qv5123 {
 
 struct ProgramOptions {
-  std::optional<std::string> port;                    ///< use this device, store nothing
-  bool simulate = false;                              ///< the simulated chip, store nothing
+  std::optional<std::string> port;                    ///< use this device, store no settings
+  bool simulate = false;                              ///< the simulated chip, store no settings
   std::optional<std::string> scene;                   ///< what the simulated camera looks at
   std::optional<std::filesystem::path> setting_file;  ///< load it instead of offering the dialog
   std::optional<std::filesystem::path> tour;          ///< the folder for the tour's pictures

@@ -108,7 +108,10 @@ SettingFiles::Surroundings CQV5123View::files_surroundings() {
   };
   surroundings.font_editor = [this] { return pages_->page(PageId::font_editor); };
   surroundings.show_status = [this](const std::string& text) { show_status(text); };
-  surroundings.file_used = [this](const std::filesystem::path& path) { file_used(path); };
+  surroundings.file_used = [this](const std::filesystem::path& path, const UserDataImage& image) {
+    file_used(path);
+    emit image_saved(image);
+  };
   return surroundings;
 }
 
@@ -136,12 +139,28 @@ void CQV5123View::start(Startup startup) {
 
 Task<> CQV5123View::run_start(Startup startup) {
   if (port_) co_await port_->open();
-  if (startup.setting_file || startup.offer_setting_file) co_await load_file(std::move(startup.setting_file));
+  co_await begin_with_image(std::move(startup));
   show_version(column_->version_slot());
   co_await Delay(scheduler(), std::chrono::milliseconds(StartupReply::kDelayMs));
   read_startup_reply();
   pages_->choose(PageId::registers);
   starting_ = false;
+}
+
+Task<> CQV5123View::begin_with_image(Startup startup) {
+  if (startup.restore) {
+    // A file would take the place of what was just restored.
+    const bool restored = co_await startup.restore();
+    if (restored) co_return;
+  }
+  if (startup.setting_file || startup.offer_setting_file) co_await load_file(std::move(startup.setting_file));
+}
+
+void CQV5123View::restore(const JournalEntry& entry) {
+  document_.user_data = entry.image;
+  document_.setting_file = entry.setting_file;
+  files_.reload_pages();
+  show_image();
 }
 
 void CQV5123View::read_startup_reply() {

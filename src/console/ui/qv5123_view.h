@@ -6,6 +6,7 @@
 
 #include "console/console_text.h"
 #include "console/image_transfer.h"
+#include "console/journal_entry.h"
 #include "console/page_host.h"
 #include "console/port_in_use.h"
 #include "console/recent_files.h"
@@ -30,6 +31,9 @@ class CQV5123View final : public QWidget, public PageHost {
     /// Loaded instead of offering the file dialog.
     std::optional<std::filesystem::path> setting_file;
     bool offer_setting_file = true;
+    /// Restores what an earlier run left, before any file is loaded; true when it did, which leaves no file
+    /// to load. May be empty.
+    std::function<Task<bool>()> restore = {};
   };
 
   CQV5123View(CommandLink& link, Prompts& prompts, Background& background, CQV5123Doc& document,
@@ -45,6 +49,10 @@ class CQV5123View final : public QWidget, public PageHost {
   void start(Startup startup);
   /// From start() until the Registers page is open.
   bool starting() const { return starting_; }
+
+  /// What saving would write now, and takes it over in another run. image_saved() tells what a file holds.
+  JournalEntry unsaved() const { return {files_.unsaved(), document_.setting_file}; }
+  void restore(const JournalEntry& entry);
 
   /// Text from the chip, 8-bit characters.
   void take_received(const std::string& text);
@@ -77,6 +85,7 @@ class CQV5123View final : public QWidget, public PageHost {
  signals:
   void status_changed(const QString& text);
   void recent_files_changed();
+  void image_saved(const qv5123::UserDataImage& image);
   void progress_changed(std::optional<int> percent);
   /// The user has answered that the program is to end; what was to be saved is whole on the disk.
   void closing_confirmed();
@@ -88,6 +97,7 @@ class CQV5123View final : public QWidget, public PageHost {
   TransferView transfer_view();
 
   Task<> run_start(Startup startup);
+  Task<> begin_with_image(Startup startup);
   Task<> load_file(std::optional<std::filesystem::path> path);
   Task<> copy_to_factory();
   Task<> store_version();

@@ -13,6 +13,21 @@ constexpr std::chrono::milliseconds kBeforeSave{100};
 constexpr int kMirror = 1;
 constexpr int kFlip = 2;
 
+StepBank* selected_step_bank(DynamicValues& values) {
+  const auto bank = selected_bank(values.ir_led, values.video_mode);
+  return bank ? &values.banks[static_cast<std::size_t>(*bank)] : nullptr;
+}
+
+/// Rows that were typed but not set count as well. The others keep their bytes, also those that the limits of
+/// the edits would change.
+void take_step_grid(DynamicValues& values, const StepGrid& grid) {
+  StepBank* bank = selected_step_bank(values);
+  if (!bank) return;
+  for (std::size_t row = 0; row < kStepRows; ++row) {
+    if (grid[row] != decode_step_row(row, (*bank)[row])) (*bank)[row] = encode_step_row(row, grid[row]);
+  }
+}
+
 }  // namespace
 
 std::size_t CDlgAeTune::source() const {
@@ -20,19 +35,11 @@ std::size_t CDlgAeTune::source() const {
 }
 
 StepBank* CDlgAeTune::shown_bank() {
-  const auto bank = selected_bank(values_.ir_led, values_.video_mode);
-  return bank ? &values_.banks[static_cast<std::size_t>(*bank)] : nullptr;
+  return selected_step_bank(values_);
 }
 
-/// Rows that were typed but not set count as well. The others keep their bytes, also those that the limits of
-/// the edits would change.
 void CDlgAeTune::take_grid() {
-  StepBank* bank = shown_bank();
-  if (!bank) return;
-  for (std::size_t row = 0; row < kStepRows; ++row) {
-    const StepCells cells = grid_->cells(row);
-    if (cells != decode_step_row(row, (*bank)[row])) (*bank)[row] = encode_step_row(row, cells);
-  }
+  take_step_grid(values_, grid_->grid());
 }
 
 void CDlgAeTune::show_values() {
@@ -182,6 +189,12 @@ void CDlgAeTune::save_to_user_data() {
   take_typed_text(this);
   take_grid();
   qv5123::save_to_user_data(values_, document().user_data);
+}
+
+void CDlgAeTune::put_values(UserDataImage& image) const {
+  DynamicValues values = values_;
+  take_step_grid(values, grid_->shown_grid());
+  qv5123::save_to_user_data(values, image);
 }
 
 void CDlgAeTune::reload_from_user_data() {

@@ -20,6 +20,7 @@ class CDlgAeTune : public TuningPage {
   explicit CDlgAeTune(PageHost& host);
 
   void save_to_user_data() override;
+  void put_values(UserDataImage& image) const override;
   bool save_writes_file() const override { return true; }
   void reload_from_user_data() override;
   void read_back() override { load_from_isp(); }

@@ -153,12 +153,22 @@ void CDlgIspAwb::add_patch_row(QGridLayout* grid, std::size_t row) {
   grid->addWidget(make_set_button("S", caption, "Draw the patch", [this] { redraw(); }), line, 4);
 }
 
-void CDlgIspAwb::read_controls() {
-  for (std::size_t i = 0; i < kAwbWordCount; ++i) values_.words[i] = typed_value(words_[i]);
+AwbValues CDlgIspAwb::shown_values() const {
+  AwbValues values = values_;
+  for (std::size_t i = 0; i < kAwbWordCount; ++i) values.words[i] = words_[i]->value();
   for (std::size_t row = 0; row < kAwbPatchCount; ++row) {
-    const auto parts = parts_of(values_.patches[row]);
-    for (std::size_t part = 0; part < 3; ++part) *parts[part] = typed_value(patches_[row][part]);
+    const auto parts = parts_of(values.patches[row]);
+    for (std::size_t part = 0; part < 3; ++part) *parts[part] = patches_[row][part]->value();
   }
+  return values;
+}
+
+void CDlgIspAwb::read_controls() {
+  for (QSpinBox* box : words_) box->interpretText();
+  for (const auto& patch : patches_) {
+    for (QSpinBox* box : patch) box->interpretText();
+  }
+  values_ = shown_values();
 }
 
 void CDlgIspAwb::show_values() {
@@ -226,6 +236,10 @@ Task<> CDlgIspAwb::get_color(std::size_t patch) {
 void CDlgIspAwb::save_to_user_data() {
   read_controls();
   qv5123::save_to_user_data(values_, document().user_data);
+}
+
+void CDlgIspAwb::put_values(UserDataImage& image) const {
+  qv5123::save_to_user_data(shown_values(), image);
 }
 
 void CDlgIspAwb::reload_from_user_data() {

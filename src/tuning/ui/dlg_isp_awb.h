@@ -18,6 +18,7 @@ class CDlgIspAwb : public TuningPage {
   explicit CDlgIspAwb(PageHost& host);
 
   void save_to_user_data() override;
+  void put_values(UserDataImage& image) const override;
   bool save_writes_file() const override { return true; }
   void reload_from_user_data() override;
   void read_back() override { load_from_isp(); }
@@ -31,6 +32,7 @@ class CDlgIspAwb : public TuningPage {
   void add_patch_row(QGridLayout* grid, std::size_t row);
   QPushButton* make_write_button(const QString& caption, RegisterWrite write);
 
+  AwbValues shown_values() const;
   void read_controls();
   void show_values();
   void redraw();

@@ -22,6 +22,7 @@ class CDlgIspGammaRgb : public TuningPage {
   explicit CDlgIspGammaRgb(PageHost& host);
 
   void save_to_user_data() override;
+  void put_values(UserDataImage& image) const override { qv5123::save_to_user_data(values_, image); }
   bool save_writes_file() const override { return true; }
   void reload_from_user_data() override;
   void read_back() override { load_isp(); }

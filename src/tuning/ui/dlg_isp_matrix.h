@@ -23,6 +23,7 @@ class CDlgIspMatrix : public TuningPage {
   explicit CDlgIspMatrix(PageHost& host);
 
   void save_to_user_data() override;
+  void put_values(UserDataImage& image) const override { qv5123::save_to_user_data(values_, image); }
   void reload_from_user_data() override;
   void read_back() override { load_isp(); }
   void chosen_again() override;

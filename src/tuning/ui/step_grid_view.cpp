@@ -76,14 +76,25 @@ void StepGridView::show_row(std::size_t row, const StepBytes& bytes) {
 }
 
 StepCells StepGridView::cells(std::size_t row) const {
+  for (QSpinBox* cell : cells_[row]) cell->interpretText();
+  return shown_cells(row);
+}
+
+StepCells StepGridView::shown_cells(std::size_t row) const {
   StepCells numbers{};
-  for (std::size_t step = 0; step < kStepColumns; ++step) numbers[step] = typed_value(cells_[row][step]);
+  for (std::size_t step = 0; step < kStepColumns; ++step) numbers[step] = cells_[row][step]->value();
   return numbers;
 }
 
 StepGrid StepGridView::grid() const {
   StepGrid grid{};
   for (std::size_t row = 0; row < kStepRows; ++row) grid[row] = cells(row);
+  return grid;
+}
+
+StepGrid StepGridView::shown_grid() const {
+  StepGrid grid{};
+  for (std::size_t row = 0; row < kStepRows; ++row) grid[row] = shown_cells(row);
   return grid;
 }
 

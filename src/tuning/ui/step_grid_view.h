@@ -22,8 +22,11 @@ class StepGridView : public QWidget {
   /// What stands in a row's edits, limits not yet applied.
   StepCells cells(std::size_t row) const;
   StepGrid grid() const;
+  /// The same, but for text that is still being typed.
+  StepGrid shown_grid() const;
 
  private:
+  StepCells shown_cells(std::size_t row) const;
   void add_row(QGridLayout* grid, std::size_t row);
   QSpinBox* make_cell(std::size_t row, std::size_t step);
 

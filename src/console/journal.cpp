@@ -1,0 +1,133 @@
+#include "console/journal.h"
+
+#include <system_error>
+#include <utility>
+
+#include "console/setting_file.h"
+#include "link/command_link.h"
+
+namespace qv5123 {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kNotKept = "Unsaved values are not kept for after a crash: ";
+
+Question restore_question(const JournalEntry& entry) {
+  Question question;
+  question.title = kRestoreTitle;
+  question.text = kRestoreQuestion;
+  if (!entry.setting_file.empty()) question.text += kRestoreFile + path_text(entry.setting_file);
+  question.buttons = Question::Buttons::yes_no_cancel;
+  return question;
+}
+
+}  // namespace
+
+Journal::Journal(Scheduler& scheduler, Background& background, Surroundings surroundings)
+    : scheduler_(scheduler),
+      background_(background),
+      surroundings_(std::move(surroundings)),
+      saved_(surroundings_.unsaved().image) {}
+
+fs::path Journal::slot_file(const fs::path& folder, int slot) {
+  return folder / ("unsaved-" + std::to_string(slot) + ".journal");
+}
+
+Journal::Slots Journal::take_slots(const Surroundings& surroundings) {
+  std::error_code error;
+  fs::create_directories(surroundings.folder, error);
+  Slots slots;
+  for (int number = 1; number <= kSlots && !(slots.own && slots.left); ++number) {
+    Slot slot{slot_file(surroundings.folder, number), nullptr};
+    fs::path lock = slot.file;
+    slot.lock = surroundings.lock(lock.replace_extension(".lock"));
+    if (slot.lock) look_into(slots, std::move(slot));
+  }
+  return slots;
+}
+
+void Journal::look_into(Slots& slots, Slot slot) {
+  std::error_code error;
+  if (!fs::exists(slot.file, error)) {
+    if (!error && !slots.own) slots.own = std::move(slot);
+    return;
+  }
+  if (slots.left) return;
+  std::string text;
+  if (!read_whole_file(slot.file, text, kSettingFileLimit).ok()) return;
+  // Whatever else lies there under the name is not ours to offer, nor to remove.
+  std::optional<JournalEntry> entry = read_journal(text);
+  if (!entry) return;
+  slots.entry = std::move(*entry);
+  slots.left = std::move(slot);
+}
+
+Task<bool> Journal::start(Prompts& prompts) {
+  std::function<Slots()> work = [surroundings = surroundings_] { return take_slots(surroundings); };
+  Slots slots = co_await background_.run<Slots>(std::move(work));
+  own_ = std::move(slots.own);
+  if (own_) {
+    keeping_.start(keep());
+  } else {
+    surroundings_.show_status(kNotKept + path_text(surroundings_.folder) + " cannot be used.");
+  }
+  if (!slots.left) co_return false;
+  co_return co_await offer(prompts, std::move(slots));
+}
+
+Task<bool> Journal::offer(Prompts& prompts, Slots slots) {
+  Question question = restore_question(slots.entry);
+  const Answer answer = co_await prompts.ask(std::move(question));
+  if (answer == Answer::cancel) co_return false;
+  if (answer == Answer::yes) {
+    surroundings_.restore(slots.entry);
+    // At every moment one file or the other holds it.
+    const bool kept = own_ && co_await write(slots.entry);
+    if (!kept) co_return true;
+  }
+  co_await remove(std::move(*slots.left));
+  co_return answer == Answer::yes;
+}
+
+Task<> Journal::keep() {
+  for (;;) {
+    co_await Delay(scheduler_, kInterval);
+    JournalEntry entry = surroundings_.unsaved();
+    if (entry.image != saved_) {
+      if (entry != written_) co_await write(std::move(entry));
+    } else if (written_) {
+      written_.reset();
+      co_await remove(*own_);
+    }
+  }
+}
+
+Task<bool> Journal::write(JournalEntry entry) {
+  // Told of once: what fails now fails again in five seconds.
+  const bool first = !written_;
+  written_ = entry;
+  std::function<FileResult()> work = [file = own_->file, entry = std::move(entry)] {
+    return write_file_atomically(file, journal_text(entry));
+  };
+  const FileResult result = co_await background_.run<FileResult>(std::move(work));
+  if (first && !result.ok()) surroundings_.show_status(kNotKept + result.text);
+  co_return result.ok();
+}
+
+Task<> Journal::remove(Slot slot) {
+  // The lock goes with the work, after the file.
+  std::function<bool()> work = [slot = std::move(slot)] {
+    std::error_code error;
+    return fs::remove(slot.file, error);
+  };
+  co_await background_.run<bool>(std::move(work));
+}
+
+Task<> Journal::end() {
+  keeping_.cancel();
+  if (!own_) co_return;
+  co_await remove(*std::exchange(own_, std::nullopt));
+}
+
+}  // namespace qv5123

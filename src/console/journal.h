@@ -1,0 +1,94 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "console/atomic_file.h"
+#include "console/journal_entry.h"
+#include "console/prompts.h"
+#include "link/background.h"
+#include "link/scheduler.h"
+#include "link/task.h"
+
+namespace qv5123 {
+
+inline constexpr const char* kRestoreQuestion =
+    "The program ended without saving the values of its pages, but they were kept.\n\n"
+    "Yes: go on with these values.\n"
+    "No: throw them away.\n"
+    "Cancel: keep them and ask again at the next start.";
+/// Stands behind the question where a setting file was in use, before its name.
+inline constexpr const char* kRestoreFile = "\n\nThe setting file was: ";
+inline constexpr const char* kRestoreTitle = "Unsaved values";
+
+/// Keeps what is not saved in a file of its own, and finds what a run left there that did not come to its
+/// end. Each running program has one of a few slots, a file and a lock beside it, so that none writes over
+/// another's; the slot of a program that died is the one that is offered.
+class Journal {
+ public:
+  /// How often it is looked for changes; at most one file is written in this time.
+  static constexpr std::chrono::seconds kInterval{5};
+  static constexpr int kSlots = 16;
+
+  /// Holds a slot until it goes.
+  using Lock = std::shared_ptr<void>;
+  struct Surroundings {
+    /// The folder of the journals; made when it is needed.
+    std::filesystem::path folder;
+    /// Locks through the file that is named; null while a living process holds it. Called in the background.
+    std::function<Lock(const std::filesystem::path&)> lock;
+    /// What a save would write now.
+    std::function<JournalEntry()> unsaved;
+    /// Takes over what the user wants back.
+    std::function<void(const JournalEntry&)> restore;
+    /// Shows a result in the status bar.
+    std::function<void(const std::string&)> show_status;
+  };
+
+  /// What `unsaved` tells now counts as saved.
+  Journal(Scheduler& scheduler, Background& background, Surroundings surroundings);
+
+  /// Takes a slot, keeps the journal from then on, and offers what was left in another slot. True when it was
+  /// restored; its old file goes once it is journalled anew.
+  Task<bool> start(Prompts& prompts);
+  /// A file holds this image now.
+  void saved(const UserDataImage& image) { saved_ = image; }
+  /// The end as it should be: what is not saved is not wanted.
+  Task<> end();
+
+  /// The journal of a slot, 1..kSlots.
+  static std::filesystem::path slot_file(const std::filesystem::path& folder, int slot);
+
+ private:
+  struct Slot {
+    std::filesystem::path file;
+    Lock lock;
+  };
+  /// What there was to take.
+  struct Slots {
+    std::optional<Slot> own;
+    std::optional<Slot> left;
+    JournalEntry entry;  ///< of `left`
+  };
+  static Slots take_slots(const Surroundings& surroundings);
+  static void look_into(Slots& slots, Slot slot);
+
+  Task<bool> offer(Prompts& prompts, Slots slots);
+  Task<> keep();
+  Task<bool> write(JournalEntry entry);
+  Task<> remove(Slot slot);
+
+  Scheduler& scheduler_;
+  Background& background_;
+  const Surroundings surroundings_;
+  UserDataImage saved_;
+  std::optional<Slot> own_;
+  std::optional<JournalEntry> written_;
+  Flow keeping_;
+};
+
+}  // namespace qv5123

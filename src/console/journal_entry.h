@@ -1,0 +1,34 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "console/user_data_image.h"
+
+namespace qv5123 {
+
+/// What a crash would take with it.
+struct JournalEntry {
+  /// What "Save File..." would write.
+  UserDataImage image;
+  /// The remembered setting file; may be empty.
+  std::filesystem::path setting_file;
+
+  friend bool operator==(const JournalEntry&, const JournalEntry&) = default;
+};
+
+/// The content of a journal file:
+///
+///     QV5123 journal 1
+///     file <length in bytes> <path in UTF-8>
+///     <the 1024 lines of a setting file>
+///     sum <8 hex digits: FNV-1a, 32 bits, over all bytes before this line>
+std::string journal_text(const JournalEntry& entry);
+
+/// The entry that `text` was made from; nothing unless it is exactly what journal_text() makes, so that a
+/// half-written, altered or foreign file is never offered as somebody's work.
+std::optional<JournalEntry> read_journal(std::string_view text);
+
+}  // namespace qv5123

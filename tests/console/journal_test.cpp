@@ -1,0 +1,221 @@
+#include "console/journal.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "console/setting_file.h"
+#include "support/fake_prompts.h"
+#include "support/inline_background.h"
+#include "support/manual_scheduler.h"
+#include "support/temporary_folder.h"
+
+namespace qv5123 {
+namespace {
+
+using namespace std::chrono_literals;
+
+JournalEntry entry_of(int value, std::filesystem::path file = "board.dat") {
+  JournalEntry entry;
+  for (std::size_t i = 0; i < UserDataImage::kSize; ++i) entry.image.set_entry(i, value);
+  entry.setting_file = std::move(file);
+  return entry;
+}
+
+/// One computer, on which runs of the program begin, die and end.
+struct Computer {
+  test::TemporaryFolder folder;
+  test::ManualScheduler clock;
+  test::InlineBackground disk;
+  test::FakePrompts user;
+  std::map<std::filesystem::path, std::weak_ptr<void>> locks;
+
+  struct Run {
+    JournalEntry now;
+    std::vector<JournalEntry> restored;
+    std::vector<std::string> statuses;
+    std::unique_ptr<Journal> journal;
+    Flow flow;
+  };
+
+  std::unique_ptr<Run> begin(std::filesystem::path place = {}) {
+    auto run = std::make_unique<Run>();
+    Journal::Surroundings around;
+    around.folder = place.empty() ? folder.path() / "made" / "when needed" : place;
+    around.lock = [this](const std::filesystem::path& path) -> Journal::Lock {
+      if (!locks[path].expired() || !std::filesystem::exists(path.parent_path())) return nullptr;
+      const auto lock = std::make_shared<int>();
+      locks[path] = lock;
+      return lock;
+    };
+    around.unsaved = [run = run.get()] { return run->now; };
+    around.restore = [run = run.get()](const JournalEntry& entry) {
+      run->restored.push_back(entry);
+      run->now = entry;
+    };
+    around.show_status = [run = run.get()](const std::string& text) { run->statuses.push_back(text); };
+    run->journal = std::make_unique<Journal>(clock, disk, std::move(around));
+    run->flow.start(start(*run->journal));
+    return run;
+  }
+  Task<> start(Journal& journal) { co_await journal.start(user); }
+
+  std::filesystem::path file(int slot) const {
+    return Journal::slot_file(folder.path() / "made" / "when needed", slot);
+  }
+  std::optional<JournalEntry> kept(int slot) const {
+    std::string text;
+    if (!read_whole_file(file(slot), text).ok()) return std::nullopt;
+    return read_journal(text);
+  }
+};
+
+TEST(Journal, HoldsWhatIsUnsavedWrittenAtMostOnceInAnInterval) {
+  Computer computer;
+  auto run = computer.begin();
+  computer.clock.advance(1min);
+  EXPECT_FALSE(std::filesystem::exists(computer.file(1))) << "nothing was changed";
+  for (int value = 1; value <= 9; ++value) {
+    run->now = entry_of(value);
+    computer.clock.advance(500ms);
+  }
+  EXPECT_FALSE(std::filesystem::exists(computer.file(1)));
+  computer.clock.advance(500ms);
+  EXPECT_EQ(computer.kept(1), entry_of(9));
+
+  computer.disk.busy = true;
+  computer.clock.advance(1min);
+  EXPECT_EQ(computer.disk.waiting(), 0u) << "unchanged, it is not written again";
+  run->now = entry_of(10);
+  computer.clock.advance(1min);
+  EXPECT_EQ(computer.disk.waiting(), 1u) << "a slow disk is not asked for more";
+  computer.disk.busy = false;
+  computer.disk.catch_up();
+  EXPECT_EQ(computer.kept(1), entry_of(10));
+
+  run->journal->saved(run->now.image);
+  computer.clock.advance(Journal::kInterval);
+  EXPECT_FALSE(std::filesystem::exists(computer.file(1))) << "a file holds it now";
+  run->now = entry_of(11);
+  computer.clock.advance(Journal::kInterval);
+  EXPECT_EQ(computer.kept(1), entry_of(11));
+  Flow(run->journal->end());
+  computer.clock.advance(1min);
+  EXPECT_FALSE(std::filesystem::exists(computer.file(1))) << "the end was as it should be";
+  EXPECT_TRUE(run->statuses.empty());
+}
+
+TEST(Journal, OfADeadRunIsOfferedUntilTheUserDecides) {
+  Computer computer;
+  auto run = computer.begin();
+  run->now = entry_of(7, "Gerät\n.dat");
+  computer.clock.advance(Journal::kInterval);
+  run.reset();
+
+  // Cancelled, that is asked again, whatever the runs between do.
+  for (int start = 0; start < 2; ++start) {
+    auto between = computer.begin();
+    ASSERT_EQ(computer.user.questions.size(), start + 1u);
+    between->now = entry_of(50);
+    computer.clock.advance(Journal::kInterval);
+    EXPECT_EQ(computer.kept(2), entry_of(50));
+    Flow(between->journal->end());
+  }
+  EXPECT_EQ(computer.user.questions[0].text, std::string(kRestoreQuestion) + kRestoreFile + "Gerät\n.dat");
+
+  computer.user.hesitates = true;
+  computer.user.answers = {Answer::yes};
+  auto next = computer.begin();
+  computer.clock.advance(1min);
+  auto other = computer.begin();
+  EXPECT_EQ(computer.user.questions.size(), 3u) << "one that is being asked about is not offered twice";
+  EXPECT_TRUE(next->restored.empty());
+  other.reset();
+  computer.user.answer_now();
+  EXPECT_EQ(next->restored, std::vector{entry_of(7, "Gerät\n.dat")});
+  EXPECT_TRUE(next->restored[0].image.loaded());
+  EXPECT_FALSE(computer.kept(1));
+  EXPECT_EQ(computer.kept(2), next->now) << "it is still unsaved";
+  next.reset();
+
+  computer.user.hesitates = false;
+  computer.user.answers = {Answer::no};
+  auto last = computer.begin();
+  EXPECT_TRUE(last->restored.empty());
+  EXPECT_FALSE(computer.kept(1));
+  EXPECT_FALSE(computer.kept(2));
+}
+
+TEST(Journal, OfALivingRunIsLeftAlone) {
+  Computer computer;
+  std::vector<std::unique_ptr<Computer::Run>> runs;
+  for (int i = 0; i <= Journal::kSlots; ++i) {
+    runs.push_back(computer.begin());
+    runs.back()->now = entry_of(i + 1);
+    computer.clock.advance(Journal::kInterval);
+  }
+  EXPECT_TRUE(computer.user.questions.empty());
+  for (int i = 0; i < Journal::kSlots; ++i) {
+    EXPECT_EQ(computer.kept(i + 1), entry_of(i + 1));
+    EXPECT_TRUE(runs[i]->statuses.empty());
+  }
+  EXPECT_EQ(runs.back()->statuses.size(), 1u) << "one too many is told so";
+}
+
+TEST(Journal, ThatIsHalfAlteredOrForeignIsNeitherOfferedNorTouched) {
+  Computer computer;
+  const std::string whole = journal_text(entry_of(42));
+  std::vector<std::string> wrong = {"",
+                                    "some file\n",
+                                    setting_text(entry_of(42).image),
+                                    whole + "\n",
+                                    "QV5123 journal 1\nfile 99999999999999999999 x",
+                                    "QV5123 journal 1\nfile -1 x",
+                                    "QV5123 journal 1\nfile 9"};
+  for (std::size_t length = 1; length < whole.size(); length += 37) wrong.push_back(whole.substr(0, length));
+  for (std::size_t at = 0; at < whole.size(); at += 41) {
+    wrong.push_back(whole);
+    wrong.back()[at] ^= 1;
+  }
+  for (const std::string& text : wrong) EXPECT_FALSE(read_journal(text)) << text.substr(0, 60);
+  EXPECT_EQ(read_journal(whole), entry_of(42));
+
+  std::filesystem::create_directories(computer.file(1).parent_path());
+  ASSERT_TRUE(write_file_atomically(computer.file(1), whole.substr(1)).ok());
+  auto run = computer.begin();
+  run->now = entry_of(3);
+  computer.clock.advance(Journal::kInterval);
+  EXPECT_TRUE(computer.user.questions.empty());
+  EXPECT_EQ(std::filesystem::file_size(computer.file(1)), whole.size() - 1);
+  EXPECT_EQ(computer.kept(2), entry_of(3));
+}
+
+TEST(Journal, ThatCannotBeKeptIsToldOfOnce) {
+  Computer computer;
+  const auto run = computer.begin(computer.folder.write("file", "") / "folder");
+  EXPECT_EQ(run->statuses.size(), 1u);
+
+  auto later = computer.begin();
+  std::filesystem::remove_all(computer.file(1).parent_path());
+  later->now = entry_of(1);
+  computer.clock.advance(1min);
+  later->now = entry_of(2);
+  computer.clock.advance(1min);
+  ASSERT_EQ(later->statuses.size(), 1u);
+  EXPECT_TRUE(later->statuses[0].starts_with("Unsaved values are not kept for after a crash: Cannot write "));
+  std::filesystem::create_directories(computer.file(1).parent_path());
+  later->now = entry_of(3);
+  computer.clock.advance(1min);
+  EXPECT_EQ(computer.kept(1), entry_of(3));
+
+  later.reset();
+  computer.user.answers = {Answer::yes};
+  computer.user.on_prompt = [&] { std::filesystem::create_directories(computer.file(2) / "in the way"); };
+  const auto next = computer.begin();
+  EXPECT_EQ(next->restored.size(), 1u);
+  EXPECT_EQ(next->statuses.size(), 1u);
+  EXPECT_EQ(computer.kept(1), entry_of(3)) << "it stays while it cannot be kept anew";
+}
+
+}  // namespace
+}  // namespace qv5123
