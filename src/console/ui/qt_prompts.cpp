@@ -1,6 +1,7 @@
 #include "console/ui/qt_prompts.h"
 
 #include <QApplication>
+#include <QChildEvent>
 #include <QDir>
 #include <QFileDialog>
 #include <QMessageBox>
@@ -35,6 +36,18 @@ class OpenDialog {
  private:
   QPointer<QDialog> dialog_;
   Resolver<int> done_;
+};
+
+/// The chooser has messages of its own, with the name of a file in them: they guess whether that is markup.
+class PlainMessages final : public QObject {
+ public:
+  using QObject::QObject;
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() != QEvent::ChildPolished) return false;
+    auto* box = qobject_cast<QMessageBox*>(static_cast<QChildEvent*>(event)->child());
+    if (box) box->setTextFormat(Qt::PlainText);
+    return false;
+  }
 };
 
 QMessageBox* message_box(const std::string& title, const std::string& text, QMessageBox::Icon icon,
@@ -115,6 +128,7 @@ Task<std::optional<std::filesystem::path>> QtPrompts::choose_save(FileChoice cho
 
 Task<std::optional<std::filesystem::path>> QtPrompts::choose(FileChoice choice, bool save) {
   auto* chooser = new QFileDialog(parent(), QString(), QDir::currentPath());
+  chooser->installEventFilter(new PlainMessages(chooser));
   OpenDialog dialog(chooser);
   chooser->setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   chooser->setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);

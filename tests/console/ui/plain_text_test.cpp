@@ -1,11 +1,13 @@
 // What files, ports and the chip say is shown as it stands, wherever it is shown.
 #include <gtest/gtest.h>
 
+#include <QFileDialog>
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
 #include <QTableView>
 #include <QTextDocument>
+#include <QTimer>
 
 #include "console/ui/qt_prompts.h"
 #include "reliability/ui/matrix_bench.h"
@@ -80,6 +82,32 @@ TEST(PlainText, IsAllThatFilesPortsAndTheChipCanShow) {
   message.text = "Cannot read " + kMarkup + ".dat";
   const Flow flow(prompts.message(std::move(message)));
   EXPECT_EQ(shown_in(*bench.frame), 6) << "the message box";
+}
+
+TEST(PlainText, IsWhatTheFileChooserAsksBeforeItReplacesAFile) {
+  const test::CurrentFolder folder;
+  const std::string name = "<b>x<img src=a.png>.dat";
+  std::ofstream(folder / name) << "1";
+  QtPrompts prompts;
+  FileChoice choice{kSettingFileFilter, kSettingFileExtension, name};
+  const Flow flow([](QtPrompts& prompts, FileChoice choice) -> Task<> {
+    co_await prompts.choose_save(std::move(choice));
+  }(prompts, std::move(choice)));
+  QFileDialog* chooser = nullptr;
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (auto* dialog = qobject_cast<QFileDialog*>(window); dialog && dialog->isVisible()) chooser = dialog;
+  }
+  ASSERT_NE(chooser, nullptr);
+  bool asked = false;
+  QTimer::singleShot(0, chooser, [&] {
+    auto* box = chooser->findChild<QMessageBox*>();
+    ASSERT_NE(box, nullptr);
+    asked = box->text().contains(QString::fromStdString(name));
+    EXPECT_EQ(box->textFormat(), Qt::PlainText);
+    box->reject();
+  });
+  static_cast<QDialog*>(chooser)->accept();
+  EXPECT_TRUE(asked);
 }
 
 }  // namespace
