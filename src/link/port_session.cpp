@@ -45,6 +45,8 @@ void PortSession::post_if_alive(std::function<void()> callback) {
 
 void PortSession::drain() {
   drain_posted_ = false;
+  // What comes before the news that the port is open waits for it: the news would drop it as another chip's.
+  if (opening_) return;
   std::vector<std::uint8_t> bytes(port_.receive_queue().count());
   if (bytes.empty()) return;
   for (std::uint8_t& byte : bytes) port_.receive_queue().get(byte);
@@ -72,6 +74,7 @@ Task<OpenResult> PortSession::open(std::string name, LineSettings settings) {
 Task<OpenResult> PortSession::open_port() {
   Resolver<OpenResult> opened;
   lost_while_opening_ = false;
+  opening_ = true;
   port_thread_->run([this, opened, name = name_, settings = settings_, epoch = epoch_] {
     // The watcher of an earlier open is gone by the time that this one's may look.
     port_.close();
@@ -80,6 +83,8 @@ Task<OpenResult> PortSession::open_port() {
     post_if_alive([this, opened, result, epoch] {
       port_opened(result, epoch);
       opened.resolve(result);
+      // Behind whatever waits for the opening.
+      post_if_alive([this] { drain(); });
     });
   });
   co_return co_await opened.pending();
@@ -87,7 +92,9 @@ Task<OpenResult> PortSession::open_port() {
 
 void PortSession::port_opened(const OpenResult& result, unsigned epoch) {
   // Closed or opened anew meanwhile: that close is already on its way.
-  if (!result.ok() || epoch != epoch_) return;
+  if (epoch != epoch_) return;
+  opening_ = false;
+  if (!result.ok()) return;
   set_connected(true);
   // The watcher may have found the device gone before the news of its opening came here.
   if (lost_while_opening_) post_if_alive([this, epoch] { lost(epoch); });
@@ -102,6 +109,7 @@ void PortSession::close_port(std::function<void()> closed) {
 
 Pending<bool> PortSession::close() {
   ++epoch_;
+  opening_ = false;
   reopen_.cancel();
   set_connected(false);
   Resolver<bool> closed;

@@ -65,7 +65,8 @@ class PortSession {
   LineSettings settings_;
   bool connected_ = false;
   bool lost_while_opening_ = false;
-  unsigned epoch_ = 0;  // counts open(), close() and losses, to tell what late news belongs to
+  bool opening_ = false;  ///< what arrives meanwhile stays in the receive queue
+  unsigned epoch_ = 0;    // counts open(), close() and losses, to tell what late news belongs to
   std::atomic<unsigned> open_epoch_{0};  // of the open that the watcher serves
   CommandBuffer command_buffer_;
   CCommPort port_;
