@@ -60,10 +60,12 @@ void CCommPort::pause(std::chrono::milliseconds time) {
   closing_.wait_for(lock, time, [this, before = times_closed_.load()] { return times_closed_ != before; });
 }
 
-std::size_t CCommPort::write(std::span<const std::uint8_t> bytes, Pacing pacing) {
-  const unsigned before = times_closed_;
+std::size_t CCommPort::write(std::span<const std::uint8_t> bytes, Pacing pacing,
+                             const std::function<void()>& before_bytes) {
+  const unsigned times_closed = times_closed_;
   pause(pacing == Pacing::bulk ? kBulkPacing : kNormalPacing);
-  const bool open = connected_ && times_closed_ == before;
+  const bool open = connected_ && times_closed_ == times_closed;
+  if (open && before_bytes) before_bytes();
   const std::size_t sent = open && !bytes.empty() ? device_->write(bytes) : 0;
   // Whatever was sent: every sender relies on finding the buffer empty afterwards.
   command_buffer_.reset_fill_index();
@@ -122,6 +124,7 @@ void CCommPort::queue_bytes(std::span<const std::uint8_t> bytes) {
     return;
   }
   for (const std::uint8_t byte : bytes) queue_.put(byte);
+  received_ += bytes.size();
 }
 
 }  // namespace qv5123

@@ -60,12 +60,16 @@ class CCommPort {
   const std::string& name() const { return name_; }
 
   /// Pays the pacing delay, sends `bytes`, resets the fill index of the command buffer and returns how many
-  /// bytes were sent. An empty write only pays the delay. One thread at a time.
-  std::size_t write(std::span<const std::uint8_t> bytes, Pacing pacing = Pacing::normal);
+  /// bytes were sent. An empty write only pays the delay. One thread at a time. `before_bytes`, if there is
+  /// one, is called when the delay is over and the bytes are about to leave.
+  std::size_t write(std::span<const std::uint8_t> bytes, Pacing pacing = Pacing::normal,
+                    const std::function<void()>& before_bytes = {});
   /// Waits, or less when the port is closed meanwhile.
   void pause(std::chrono::milliseconds time);
 
   RingQueue& receive_queue() { return queue_; }
+  /// Bytes that were ever put into the receive queue.
+  std::uint64_t received() const { return received_; }
   std::span<const std::uint8_t> raw_capture() const { return {raw_.data(), raw_.size()}; }
 
  private:
@@ -81,6 +85,7 @@ class CCommPort {
   std::string name_;
   std::atomic<bool> connected_{false};
   std::atomic<unsigned> times_closed_{0};
+  std::atomic<std::uint64_t> received_{0};
   RingQueue queue_;
   std::vector<std::uint8_t> raw_;
   std::thread watcher_;

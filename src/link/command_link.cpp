@@ -51,8 +51,11 @@ Pending<JobResult> CommandLink::send_letter(char letter) {
 Pending<JobResult> CommandLink::send_request(Batch request) {
   Job job;
   job.chunks.push_back(chunk_of(std::move(request)));
-  job.on_start = [this] { reply_.forget(); };
-  return send(std::move(job));
+  job.on_write = [this, alive = alive_](std::uint64_t received) {
+    // Where this comes late, after bytes that came in since, the reply may be among them already.
+    if (*alive && received_ <= received) reply_.forget();
+  };
+  return enqueue(queue_, std::move(job), true);
 }
 
 void CommandLink::connection_changed() {
@@ -65,11 +68,12 @@ Pending<JobResult> CommandLink::send(Job job) {
   return enqueue(queue_, std::move(job));
 }
 
-Pending<JobResult> CommandLink::enqueue(std::deque<Queued>& queue, Job job) {
+Pending<JobResult> CommandLink::enqueue(std::deque<Queued>& queue, Job job, bool only_if_awaited) {
   Resolver<JobResult> done;
-  queue.push_back({std::move(job), done, nullptr});
+  Pending<JobResult> result = done.pending();
+  queue.push_back({std::move(job), done, nullptr, only_if_awaited});
   start_next();
-  return done.pending();
+  return result;
 }
 
 void CommandLink::start_next() {
@@ -78,6 +82,7 @@ void CommandLink::start_next() {
     if (queue.empty()) return;
     Queued next = std::move(queue.front());
     queue.pop_front();
+    if (next.only_if_awaited && next.done.dropped()) continue;
     if (!next.hold) {
       running_ = next.done;
       if (next.job.on_start) next.job.on_start();
@@ -135,7 +140,7 @@ void CommandLink::hand_over_turn() {
 
 CommandLink::Admission<CommandLink::Hold> CommandLink::hold() {
   auto request = std::make_shared<Request>();
-  queue_.push_back({Job{}, {}, request});
+  queue_.push_back({Job{}, {}, request, false});
   start_next();
   return {*this, request};
 }
@@ -169,6 +174,7 @@ Task<std::optional<std::string>> CommandLink::query(std::uint8_t trigger) {
 }
 
 std::string CommandLink::receive(std::span<const std::uint8_t> received) {
+  received_ += received.size();
   std::string console = reply_.decode(received);
   if (block_waiter_ && reply_.state() == ReplyBuffer::State::complete) {
     // Posted, so that the console has its text before anybody goes on.

@@ -78,7 +78,8 @@ class CommandLink {
   Pending<JobResult> send_letter(char letter);
   Pending<JobResult> send(Job job);
   /// Sends a request: whatever reply was received before is dropped as it leaves, so that a late answer to an
-  /// earlier one is not taken for its reply. Whoever calls it holds the turn.
+  /// earlier one is not taken for its reply. Whoever calls it holds the turn. If the result is dropped before
+  /// the request has its turn it does not leave: its answer would reach whoever asks next.
   Pending<JobResult> send_request(Batch request);
   /// Asks the running job to end at the next boundary between its chunks.
   void cancel_running_job() { sender_.cancel(); }
@@ -124,9 +125,10 @@ class CommandLink {
     Job job;
     Resolver<JobResult> done;
     std::shared_ptr<Request> hold;  // set where the queue stops for a holder instead of sending
+    bool only_if_awaited = false;
   };
 
-  Pending<JobResult> enqueue(std::deque<Queued>& queue, Job job);
+  Pending<JobResult> enqueue(std::deque<Queued>& queue, Job job, bool only_if_awaited = false);
   void start_next();
   void job_over(const JobResult& result);
   void release_turn();
@@ -137,6 +139,7 @@ class CommandLink {
   Scheduler& scheduler_;
   Sender& sender_;
   ReplyBuffer reply_;
+  std::uint64_t received_ = 0;  // bytes from the chip
   std::deque<Queued> queue_;
   std::deque<Queued> held_queue_;  // what the holder sends
   std::optional<Resolver<JobResult>> running_;

@@ -20,7 +20,7 @@ JobResult PortSender::execute(const Job& job) {
       result.cancelled = true;
       break;
     }
-    if (!send_chunk(chunk, times_closed, result)) {
+    if (!send_chunk(job, chunk, times_closed, result)) {
       result.failed = true;
       // A write cut short by a line that stands still is no reason to drop the commands behind it. A letter
       // or an image is spoilt by it.
@@ -35,7 +35,7 @@ JobResult PortSender::execute(const Job& job) {
   return result;
 }
 
-bool PortSender::send_chunk(const Chunk& chunk, unsigned times_closed, JobResult& result) {
+bool PortSender::send_chunk(const Job& job, const Chunk& chunk, unsigned times_closed, JobResult& result) {
   if (chunk.pause_before.count() > 0) port_.pause(chunk.pause_before);
   if (port_.times_closed() != times_closed) return false;
   std::span<const std::uint8_t> bytes = chunk.bytes;
@@ -46,7 +46,13 @@ bool PortSender::send_chunk(const Chunk& chunk, unsigned times_closed, JobResult
     bytes = command_buffer_.bytes();
   }
   const std::size_t wanted = bytes.size();
-  const std::size_t sent = port_.write(bytes, chunk.pacing);
+  std::function<void()> before_bytes;
+  if (job.on_write) {
+    before_bytes = [this, &job] {
+      scheduler_.post([report = job.on_write, received = port_.received()] { report(received); });
+    };
+  }
+  const std::size_t sent = port_.write(bytes, chunk.pacing, before_bytes);
   result.bytes_sent += sent;
   return sent == wanted;
 }

@@ -26,7 +26,7 @@ class PortSender : public Sender {
  private:
   JobResult execute(const Job& job);
   /// False when not all of the chunk left, nothing of it where the port was closed since the job began.
-  bool send_chunk(const Chunk& chunk, unsigned times_closed, JobResult& result);
+  bool send_chunk(const Job& job, const Chunk& chunk, unsigned times_closed, JobResult& result);
 
   CCommPort& port_;
   CommandBuffer& command_buffer_;

@@ -29,6 +29,9 @@ struct Job {
   std::vector<Chunk> chunks;
   /// Called on the scheduler's thread when the job's turn has come, before its first pacing. May be empty.
   std::function<void()> on_start;
+  /// Called on the scheduler's thread for each chunk, its pacing over, before its bytes leave, with how many
+  /// bytes had ever come in by then. May be empty.
+  std::function<void(std::uint64_t received)> on_write;
   /// Called on the scheduler's thread after each chunk with how many of the chunks have left. May be empty.
   std::function<void(std::size_t chunks_sent)> on_progress;
 };

@@ -147,13 +147,16 @@ class Pending {
   struct State {
     std::optional<T> value;
     std::coroutine_handle<> waiter;
+    bool dropped = false;
   };
 
   explicit Pending(std::shared_ptr<State> state) : state_(std::move(state)) {}
   Pending(Pending&&) noexcept = default;
   Pending& operator=(Pending&&) = delete;
   ~Pending() {
-    if (state_) state_->waiter = {};
+    if (!state_) return;
+    state_->waiter = {};
+    state_->dropped = true;
   }
 
   bool await_ready() const { return state_->value.has_value(); }
@@ -169,6 +172,8 @@ template <class T>
 class Resolver {
  public:
   Pending<T> pending() const { return Pending<T>(state_); }
+  /// Whether whoever waited, or might have, no longer does.
+  bool dropped() const { return state_->dropped; }
   void resolve(T value) const {
     if (state_->value) return;
     state_->value.emplace(std::move(value));

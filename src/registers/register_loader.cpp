@@ -39,10 +39,11 @@ void RegisterLoader::enable_load_file(bool enable) {
 
 Task<> RegisterLoader::category_sequence() {
   co_await link_.delay(kStep);
+  bool answered = true;
   for (std::size_t row = 0; row < sheet_.rows();) {
     if (sheet_.row_address(row) < 1) co_return;
     const std::size_t reg = sheet_.register_of(row);
-    const bool answered = co_await step(sheet_.row_address(row), [this, reg](int value) {
+    answered = co_await step(sheet_.row_address(row), !answered, [this, reg](int value) {
       sheet_.store(reg, value);
       show_cell(reg);
     });
@@ -55,12 +56,13 @@ Task<> RegisterLoader::category_sequence() {
 Task<> RegisterLoader::all_sequence() {
   co_await link_.delay(kStep);
   const std::size_t count = sheet_.description().registers.size();
+  bool answered = true;
   for (std::size_t reg = 0; reg < count;) {
     const int address = sheet_.description().registers[reg].address;
     if (address < 1) co_return;
     buttons_.load_all_caption = percent(RegisterButtons::kLoadAll, reg, count);
     view_.show_buttons(buttons_);
-    const bool answered = co_await step(address, [this, reg](int value) {
+    answered = co_await step(address, !answered, [this, reg](int value) {
       sheet_.store(reg, value);
       show_cell(reg);
     });
@@ -73,9 +75,14 @@ Task<> RegisterLoader::all_sequence() {
 
 // One request and the wait until the next may follow. A reply that missed the first look still belongs to
 // this request, not to the next one: replies do not say what they answer.
-Task<bool> RegisterLoader::step(int address, std::function<void(int)> take) {
+Task<bool> RegisterLoader::step(int address, bool repeated, std::function<void(int)> take) {
   const CommandLink::Turn turn = co_await link_.turn();
-  co_await link_.send_request(isp_read_request(address));
+  if (repeated) {
+    // A late answer to the first request is one to this, too: a slow chip has no other.
+    co_await link_.send(isp_read_request(address));
+  } else {
+    co_await link_.send_request(isp_read_request(address));
+  }
   co_await link_.delay(kReplyWait);
   auto reply = link_.reply().take_last_pair();
   if (reply) take(*reply);

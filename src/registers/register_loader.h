@@ -41,7 +41,7 @@ class RegisterLoader {
  private:
   Task<> category_sequence();
   Task<> all_sequence();
-  Task<bool> step(int address, std::function<void(int)> take);
+  Task<bool> step(int address, bool repeated, std::function<void(int)> take);
   void show_cell(std::size_t reg);
 
   CommandLink& link_;

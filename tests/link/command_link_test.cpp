@@ -116,6 +116,29 @@ TEST(CommandLink, ARequestGoesOnAsSoonAsItsReplyIsComplete) {
   EXPECT_EQ(answers.back(), "none") << "nothing to wait for";
 }
 
+TEST(CommandLink, WhoAsksNextGetsNoAnswerOfOneThatGaveUp) {
+  FakeWire wire;
+  std::vector<std::string> answers;
+  Flow first(request(wire.link, {{0x07, 0}}, answers));
+  Flow second(request(wire.link, {{0x36, 0}}, answers));
+  wire.advance(60);
+  first.cancel();
+  wire.advance(20);
+  wire.receive("~11^");  // while the second one's request is still held back by the pacing
+  wire.advance(100);
+  wire.receive("~22^");
+  wire.advance(0);
+  EXPECT_EQ(answers, std::vector<std::string>{"22"});
+
+  wire.link.send(Traffic(20, Batch{{0xFA, 1}}));
+  first.start(request(wire.link, {{0x07, 0}}, answers));
+  wire.advance(60);
+  first.start(request(wire.link, {{0x36, 0}}, answers));
+  wire.advance(2000);
+  EXPECT_EQ(wire.sender.writes.size(), 2u + 20 + 1) << "nobody waits for the other one";
+  EXPECT_EQ(wire.sender.writes.back(), "@3600*");
+}
+
 Task<> read(CommandLink& link, int address, int& value) {
   value = co_await link.wide_read(address);
 }

@@ -182,6 +182,16 @@ TEST_F(RegisterDeskTest, ACategoryIsReadRowByRowAndUnansweredRowsAgain) {
   EXPECT_TRUE(view_.buttons.load_category);
 }
 
+TEST_F(RegisterDeskTest, AChipSlowerThanAStepStillFillsTheRightRows) {
+  open();
+  wire_.advance(200);
+  chip_.latency = 120;
+  desk_->load_category();
+  wire_.advance(2000);
+  EXPECT_TRUE(view_.buttons.load_category);
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(stored(i), (std::vector{0xA5, 0x3C, 0x51})[i]) << i;
+}
+
 TEST_F(RegisterDeskTest, ACategoryChangeStopsTheCategorysSequence) {
   open();
   desk_->load_category();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <limits>
 #include <span>
 #include <string>
 #include <vector>
@@ -52,6 +53,7 @@ class FakeSender : public Sender {
         done(result);
         return;
       }
+      if (job->on_write) job->on_write(std::numeric_limits<std::uint64_t>::max());
       const Chunk& chunk = job->chunks[at];
       std::string bytes =
           chunk.writes.empty() ? std::string(chunk.bytes.begin(), chunk.bytes.end()) : frames(chunk.writes);
