@@ -45,6 +45,7 @@ class Download {
     chip_.on_interrupt({});
     chip_.out().progress("");
     if (end == TransferEnd::lost) throw Complaint{kPortFailed, "The port failed in the middle of the image"};
+    if (end == TransferEnd::cut_short) throw Complaint{kPortFailed, "The line stands still"};
     if (end == TransferEnd::not_sent) throw Complaint{kBadInput, prompts_.last_message()};
     if (end == TransferEnd::cancelled) co_await chip_.wait_for_quiet(Chip::kQuiet, Chip::kLongestGreeting);
     if (end == TransferEnd::sent) co_await hear_out();

@@ -13,6 +13,10 @@ namespace qv5123 {
 namespace {
 
 constexpr std::size_t kHeader = 1;  // chunks before the first block
+constexpr std::size_t kHeaderBytes = 2;
+constexpr std::size_t kChecksumBytes = 1;
+/// A device that is pulled out fails the write first, and is found gone a little later.
+constexpr std::chrono::milliseconds kLossNews{300};
 
 std::string kibibytes(double bytes) {
   char text[32];
@@ -75,12 +79,18 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
 
   /// The end of a transfer that lost its chip after `chunks_sent` chunks of the image.
   TransferEnd break_off(std::size_t chunks_sent) const {
-    view_.show_progress_text("");
-    const std::size_t blocks = std::min(chunks_sent > kHeader ? chunks_sent - kHeader : 0, block_count_);
-    const std::string after = std::to_string(blocks) + " of " + std::to_string(block_count_);
-    say("broken off " + (block_count_ == 0 ? "before the image" : "after " + after + " blocks") +
-        ": the port was closed or lost");
+    say_broken_off(chunks_sent, "the port was closed or lost");
     return TransferEnd::lost;
+  }
+  /// The end of a transfer of `announced` blocks of which only `sent` has left, to a chip that is still
+  /// there.
+  TransferEnd cut_short(const JobResult& sent, std::size_t announced) const {
+    const std::size_t expected = kHeaderBytes + announced * kBlockSize + kChecksumBytes - sent.bytes_sent;
+    say_broken_off(sent.chunks_sent,
+                   "a write was cut short, the chip still " +
+                       (sent.bytes_sent < kHeaderBytes ? "waits for it"
+                                                       : "expects " + std::to_string(expected) + " bytes"));
+    return TransferEnd::cut_short;
   }
   /// What the chip waits for after a transfer that was left where it stood: after `image_chunks` of the image
   /// and `rejecting_chunks` of what was to make the chip reject it.
@@ -140,6 +150,14 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
   }
 
  private:
+  void say_broken_off(std::size_t chunks_sent, const std::string& why) const {
+    view_.set_progress(0);
+    view_.show_progress_text("");
+    const std::size_t blocks = std::min(chunks_sent > kHeader ? chunks_sent - kHeader : 0, block_count_);
+    const std::string after = std::to_string(blocks) + " of " + std::to_string(block_count_);
+    say("broken off " + (block_count_ == 0 ? "before the image" : "after " + after + " blocks") + ": " + why);
+  }
+
   void show(std::size_t blocks_sent) const {
     if (blocks_sent > block_count_) return;  // the checksum
     view_.set_progress(bar_position(kind_, blocks_sent, block_count_));
@@ -207,9 +225,14 @@ Task<TransferEnd> ImageTransfer::send_letter(CommandLink::Hold hold, std::shared
   letter[0].bytes.push_back(static_cast<std::uint8_t>(transfer->style().letter));
   transfer->remember_connection();
   const JobResult sent = co_await transfer->send(hold, std::move(letter), 1, 0);
+  if (sent.failed) {
+    const bool lost = co_await is_lost(*transfer, sent);
+    transfer->say(lost ? "not sent: the port is closed or lost" : "not sent: the line stands still");
+    co_return lost ? TransferEnd::lost : TransferEnd::cut_short;
+  }
   if (sent.chunks_sent == 0) {
-    transfer->say(sent.failed ? "not sent: the port is closed or lost" : "not sent");
-    co_return sent.failed ? TransferEnd::lost : TransferEnd::cancelled;
+    transfer->say("not sent");
+    co_return TransferEnd::cancelled;
   }
   if (*transfer->style().ready_text) view_.append_console(transfer->style().ready_text);
   std::optional<BlockImage> image;
@@ -271,9 +294,19 @@ Task<TransferEnd> ImageTransfer::send_image(CommandLink::Hold& hold, Transfer& t
   std::vector<Chunk> chunks = image_chunks(image, transfer.style());
   const JobResult result = co_await transfer.send(hold, std::move(chunks), kHeader, 0);
   if (result.cancelled) co_return co_await end_cancelled(hold, transfer, image, result.chunks_sent);
-  if (result.failed) co_return transfer.break_off(result.chunks_sent);
+  if (result.failed) co_return co_await end_failed(transfer, result, image.count);
   transfer.finish(image);
   co_return TransferEnd::sent;
+}
+
+Task<bool> ImageTransfer::is_lost(const Transfer& transfer, JobResult sent) {
+  if (!sent.lost && !transfer.reconnected()) co_await Delay(link_.scheduler(), kLossNews);
+  co_return sent.lost || transfer.reconnected();
+}
+
+Task<TransferEnd> ImageTransfer::end_failed(const Transfer& transfer, JobResult sent, std::size_t announced) {
+  const bool lost = co_await is_lost(transfer, sent);
+  co_return lost ? transfer.break_off(sent.chunks_sent) : transfer.cut_short(sent, announced);
 }
 
 Task<TransferEnd> ImageTransfer::end_cancelled(CommandLink::Hold& hold, Transfer& transfer,
@@ -292,7 +325,11 @@ Task<TransferEnd> ImageTransfer::end_cancelled(CommandLink::Hold& hold, Transfer
   }
   view_.set_progress(0);
   view_.show_progress_text("");
-  if (result.failed) co_return transfer.break_off(chunks_sent + result.chunks_sent);
+  if (result.failed) {
+    result.chunks_sent += chunks_sent;
+    result.bytes_sent += chunks_sent == 0 ? 0 : kHeaderBytes + blocks_sent * kBlockSize;
+    co_return co_await end_failed(transfer, result, chunks_sent == 0 ? 0 : image.count);
+  }
   if (result.cancelled) {
     transfer.say_expected(image, chunks_sent, result.chunks_sent);
   } else {

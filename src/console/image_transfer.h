@@ -21,7 +21,8 @@ enum class TransferEnd {
   sent,       ///< all of the image has left
   not_sent,   ///< no image was chosen, or it cannot be read
   cancelled,  ///< the chip was made to reject it, or left waiting
-  lost        ///< the port is closed or lost, or was meanwhile
+  lost,       ///< the port is closed or lost, or was meanwhile
+  cut_short   ///< the line stood still in the middle of a write
 };
 
 /// What a transfer shows while it goes on. All are called on the scheduler's thread; none may be empty.
@@ -63,6 +64,8 @@ class ImageTransfer {
   Task<std::optional<BlockImage>> read_user_data(std::optional<std::filesystem::path> path);
   Task<> warn(std::string text);
   Task<TransferEnd> send_image(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image);
+  Task<bool> is_lost(const Transfer& transfer, JobResult sent);
+  Task<TransferEnd> end_failed(const Transfer& transfer, JobResult sent, std::size_t announced);
   Task<TransferEnd> end_cancelled(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image,
                                   std::size_t chunks_sent);
 

@@ -25,6 +25,7 @@ JobResult PortSender::execute(const Job& job) {
       // A write cut short by a line that stands still is no reason to drop the commands behind it. A letter
       // or an image is spoilt by it.
       const bool same_chip = port_.connected() && port_.times_closed() == times_closed;
+      if (!same_chip) result.lost = true;
       if (!same_chip || chunk.writes.empty()) break;
     }
     ++result.chunks_sent;

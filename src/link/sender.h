@@ -41,6 +41,7 @@ struct JobResult {
   std::size_t bytes_sent = 0;
   bool cancelled = false;  ///< ended early by cancel()
   bool failed = false;     ///< a write came up short
+  bool lost = false;       ///< because the port was not open, or not all the time
 };
 
 /// Puts one job at a time on the wire.

@@ -222,6 +222,30 @@ TEST_F(ImageTransferTest, ALostPortEndsItAtOnce) {
   EXPECT_EQ(text, "");
 }
 
+TEST_F(ImageTransferTest, ALineThatStandsStillIsNoLostPort) {
+  user.paths = {folder.write("font.bin", std::string(1024, 'f'))};
+  press(TransferKind::font);
+  wire.advance(50 + 50 + 50 + 50);
+  wire.sender.cuts_short = true;
+  wire.advance(50);
+  wire.sender.cuts_short = false;
+  run_to_end();
+  EXPECT_EQ(sent().size(), 5u);
+  EXPECT_THAT(console, testing::EndsWith("< FONT broken off after 2 of 4 blocks: a write was cut short, the "
+                                         "chip still expects 385 bytes >"));
+  EXPECT_EQ(bar.back(), 0);
+  EXPECT_EQ(end, TransferEnd::cut_short);
+
+  console.clear();
+  wire.sender.cuts_short = true;
+  press(TransferKind::font);
+  wire.advance(100);
+  wire.link.connection_changed();  // it is found gone a little later
+  wire.sender.cuts_short = false;
+  run_to_end();
+  EXPECT_EQ(console, "\r\n< FONT not sent: the port is closed or lost >");
+}
+
 TEST_F(ImageTransferTest, AChipThatWasAwayGetsNothingMore) {
   user.paths = {folder.write("font.bin", std::string(1024, 'f'))};
   user.hesitates = true;

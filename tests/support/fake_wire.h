@@ -49,7 +49,7 @@ class FakeSender : public Sender {
     const auto pacing = std::chrono::milliseconds(chunk.pacing == Pacing::bulk ? 1 : 50) + chunk.pause_before;
     scheduler_.call_after(pacing, [this, job, at, result, done]() mutable {
       if (!connected) {
-        result.failed = true;
+        result.failed = result.lost = true;
         done(result);
         return;
       }
@@ -63,6 +63,7 @@ class FakeSender : public Sender {
       }
       writes.push_back(bytes);
       result.bytes_sent += bytes.size();
+      if (cuts_short && chunk.writes.empty()) return done(result);  // an image ends there
       result.chunks_sent = at + 1;
       if (chip) chip(bytes);
       if (job->on_progress) job->on_progress(result.chunks_sent);
