@@ -104,11 +104,14 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
 
   /// Resolved with whether to go on once the wire is held, or as soon as the transfer is given up.
   const Resolver<bool>& turn() const { return turn_; }
+  /// Resolved once there is an image, or nothing to send one for any more.
+  const Resolver<bool>& asked() const { return asked_; }
 
   void cancel() {
     ++cancels_;
-    turn_.resolve(false);
     if (sending_) link_.cancel_running_job();
+    turn_.resolve(false);
+    asked_.resolve(false);
   }
   bool cancelled() const { return cancels_ > 0; }
   bool cancelled_twice() const { return cancels_ > 1; }
@@ -169,6 +172,7 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
   CommandLink& link_;
   const TransferView view_;
   Resolver<bool> turn_;
+  Resolver<bool> asked_;
   unsigned connection_ = 0;
   std::size_t block_count_ = 0;
   std::chrono::milliseconds started_{0};
@@ -217,7 +221,6 @@ Task<TransferEnd> ImageTransfer::run(TransferKind kind) {
 }
 
 Task<TransferEnd> ImageTransfer::send_letter(CommandLink::Hold hold, std::shared_ptr<Transfer> transfer) {
-  const TransferKind kind = transfer->kind();
   current_ = transfer;
   view_.set_progress(0);
   view_.show_progress_text("");
@@ -236,12 +239,27 @@ Task<TransferEnd> ImageTransfer::send_letter(CommandLink::Hold hold, std::shared
   }
   if (*transfer->style().ready_text) view_.append_console(transfer->style().ready_text);
   std::optional<BlockImage> image;
-  if (!transfer->cancelled()) image = co_await choose_image(kind);
+  if (!transfer->cancelled() && !transfer->reconnected()) image = co_await ask_for_image(*transfer);
   if (transfer->reconnected()) co_return transfer->break_off(0);
   if (transfer->cancelled()) co_return co_await end_cancelled(hold, *transfer, BlockImage(), 0);
   if (image) co_return co_await send_image(hold, *transfer, *image);
   transfer->say("not sent: the chip still waits for it");
   co_return TransferEnd::not_sent;
+}
+
+Task<std::optional<BlockImage>> ImageTransfer::ask_for_image(Transfer& transfer) {
+  std::optional<BlockImage> image;
+  const Flow asking(take_image(transfer.kind(), image, transfer.asked()));
+  // Nobody need answer for a chip that is gone.
+  link_.resolve_on_connection_change(transfer.asked());
+  co_await transfer.asked().pending();
+  co_return image;
+}
+
+Task<> ImageTransfer::take_image(TransferKind kind, std::optional<BlockImage>& image, Resolver<bool> taken) {
+  image = co_await choose_image(kind);
+  // Posted, since who waits for it ends this flow.
+  link_.scheduler().post([taken] { taken.resolve(true); });
 }
 
 Task<std::optional<BlockImage>> ImageTransfer::choose_image(TransferKind kind) {

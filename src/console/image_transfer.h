@@ -59,6 +59,8 @@ class ImageTransfer {
 
   Task<std::optional<CommandLink::Hold>> wait_for_hold(Transfer& transfer);
   Task<TransferEnd> send_letter(CommandLink::Hold hold, std::shared_ptr<Transfer> transfer);
+  Task<std::optional<BlockImage>> ask_for_image(Transfer& transfer);
+  Task<> take_image(TransferKind kind, std::optional<BlockImage>& image, Resolver<bool> taken);
   Task<std::optional<BlockImage>> choose_image(TransferKind kind);
   Task<std::optional<BlockImage>> read_binary(std::filesystem::path path);
   Task<std::optional<BlockImage>> read_user_data(std::optional<std::filesystem::path> path);

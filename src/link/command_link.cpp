@@ -62,6 +62,15 @@ void CommandLink::connection_changed() {
   ++connection_;
   // A block that was cut short must not swallow what the chip says when it is back.
   reply_.forget();
+  // Posted, so that whoever tells of the change has told it to everybody before.
+  scheduler_.post([waiters = std::exchange(connection_waiters_, {})] {
+    for (const Resolver<bool>& waiter : waiters) waiter.resolve(true);
+  });
+}
+
+void CommandLink::resolve_on_connection_change(Resolver<bool> waiter) {
+  std::erase_if(connection_waiters_, [](const Resolver<bool>& other) { return other.dropped(); });
+  connection_waiters_.push_back(std::move(waiter));
 }
 
 Pending<JobResult> CommandLink::send(Job job) {

@@ -99,6 +99,8 @@ class CommandLink {
   /// it: a chip that was away has forgotten what it was told.
   unsigned connection() const { return connection_; }
   void connection_changed();
+  /// Resolves `waiter` after the next change. One whose Pending is dropped before is forgotten.
+  void resolve_on_connection_change(Resolver<bool> waiter);
 
   /// Writes 0 to `trigger` and looks for the reply block every 300 ms. Nothing when the sixth look is in
   /// vain.
@@ -146,6 +148,7 @@ class CommandLink {
   bool held_ = false;
   bool turn_taken_ = false;
   unsigned connection_ = 0;
+  std::vector<Resolver<bool>> connection_waiters_;
   std::optional<Resolver<bool>> block_waiter_;  // whether a block is complete
   std::deque<std::shared_ptr<Request>> turn_waiters_;
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);

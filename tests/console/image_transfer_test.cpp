@@ -271,6 +271,20 @@ TEST_F(ImageTransferTest, AChipThatWasAwayGetsNothingMore) {
   EXPECT_LE(sent().size(), 4u) << "no block that fills the image up";
 }
 
+TEST_F(ImageTransferTest, WhatNeedsNoAnswerAnyMoreIsNotWaitedFor) {
+  user.hesitates = true;
+  press(TransferKind::font);
+  wire.advance(50);
+  wire.link.connection_changed();
+  wire.advance(0);
+  EXPECT_EQ(end, TransferEnd::lost);
+  press(TransferKind::font);
+  wire.advance(50);
+  transfer.cancel();
+  run_to_end();
+  EXPECT_EQ(end, TransferEnd::cancelled);
+}
+
 TEST_F(ImageTransferTest, ProgressOfAnAbandonedTransferReachesNobody) {
   user.paths = {folder.write("font.bin", std::string(1024, 'f'))};
   press(TransferKind::font);
