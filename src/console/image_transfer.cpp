@@ -190,6 +190,20 @@ void ImageTransfer::cancel() {
   }
 }
 
+Task<> ImageTransfer::end_all(std::chrono::milliseconds patience) {
+  constexpr std::chrono::milliseconds kLook{50};
+  const std::vector<std::weak_ptr<Transfer>> begun = begun_;
+  // From the last one on, so that none has its turn by the end of another.
+  for (auto each = begun.rbegin(); each != begun.rend(); ++each) {
+    if (const auto transfer = each->lock()) transfer->cancel();
+  }
+  const auto expired = [](const auto& each) { return each.expired(); };
+  const auto end = link_.scheduler().now() + patience;
+  while (!std::ranges::all_of(begun, expired) && link_.scheduler().now() < end) {
+    co_await Delay(link_.scheduler(), kLook);
+  }
+}
+
 namespace {
 
 Task<> take_hold(CommandLink& link, std::optional<CommandLink::Hold>& hold, Resolver<bool> taken) {

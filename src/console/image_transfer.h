@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <functional>
@@ -50,6 +51,9 @@ class ImageTransfer {
   /// commands again. Asked a second time, it ends there and the console says what the chip still expects. One
   /// that still waits for its turn is given up at once and sends nothing.
   void cancel();
+
+  /// Cancels all that were begun and resumes when they are over, or after `patience`.
+  Task<> end_all(std::chrono::milliseconds patience);
 
   /// From the command letter to the end.
   bool running() const { return !current_.expired(); }

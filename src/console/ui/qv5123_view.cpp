@@ -20,6 +20,10 @@ namespace {
 /// Characters that the status bar's message pane takes.
 constexpr std::size_t kStatusLimit = 256;
 
+/// How long closing waits for the end of a download that is under way. At 19200 baud the chip takes some 30
+/// blocks in this time; with more of them still to fill up it is left waiting.
+constexpr std::chrono::seconds kTransferPatience{5};
+
 /// The column keeps its width; a window too low for it scrolls it.
 QScrollArea* scrolled_column(ControlColumn* column) {
   auto* area = new QScrollArea;
@@ -268,7 +272,11 @@ Task<> CQV5123View::exit_flow() {
     const Answer answer = co_await prompts_.ask(std::move(question));
     if (answer != Answer::yes) co_return;
   }
-  if (co_await files_.may_exit()) emit closing_confirmed();
+  if (!co_await files_.may_exit()) co_return;
+  // A chip left in the middle of an image takes what the next start sends for the rest of it.
+  if (transfers_ > 0) show_status("Ending the download...");
+  co_await transfer_.end_all(kTransferPatience);
+  emit closing_confirmed();
 }
 
 void CQV5123View::show_status(const std::string& text) {

@@ -192,6 +192,24 @@ TEST(MainForm, ClosingAsksAndObeys) {
   EXPECT_EQ(ends, 2) << "a page is busy and the user stays";
 }
 
+TEST(MainForm, ClosingEndsADownloadAsTheChipCanTake) {
+  ViewBench bench;
+  int ends = 0;
+  QObject::connect(bench.view, &CQV5123View::closing_confirmed, [&] { ++ends; });
+  bench.user.paths = {bench.folder.write("font.bin", std::string(1024, 'f'))};
+  bench.click("FONT");
+  bench.click("FW");
+  bench.wire.advance(50 + 50 + 50);
+  bench.user.answers = {Answer::yes, Answer::no};
+  bench.frame.close();
+  EXPECT_EQ(ends, 0);
+  bench.wire.advance(1000);
+  EXPECT_EQ(ends, 1);
+  EXPECT_EQ(bench.wire.sender.writes.size(), 7u)
+      << "the announced four blocks, and no letter of the next one";
+  EXPECT_EQ(bench.wire.sender.writes.back(), std::string(1, static_cast<char>(~4)));
+}
+
 TEST(MainForm, ProgressStaysUntilTheLastOfThoseAtWorkEnds) {
   ViewBench bench;
   std::optional<int> shown;
