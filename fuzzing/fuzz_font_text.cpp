@@ -6,8 +6,10 @@
 using namespace qv5123;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  FontLibrary imported;
+  import_font_text(fuzz::text_of({data, size}), imported);
   FontEditor editor;
-  editor.import_text(fuzz::text_of({data, size}));
+  editor.take_import(imported);
   const FontLibrary& library = editor.library();
   for (int index = 0; index < FontLibrary::kGlyphs; ++index) {
     const auto& record = library.record(index);

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "content/font_text.h"
-
 namespace qv5123 {
 
 void FontEditor::choose_page(int page) {
@@ -21,9 +19,15 @@ void FontEditor::select(int index) {
   buffer_ = library_.glyph(selected_glyph());
 }
 
-void FontEditor::import_text(std::string_view text) {
-  import_font_text(text, library_);
-  select(selected_);
+void FontEditor::take_import(const FontLibrary& imported) {
+  const bool buffer_edited = stroke_ || buffer_ != library_.glyph(selected_glyph());
+  for (int glyph = 0; glyph < FontLibrary::kGlyphs; ++glyph) {
+    const FontLibrary::Record& record = imported.record(glyph);
+    if (!record.defined || edited_[static_cast<std::size_t>(glyph)]) continue;
+    int slot = 0;
+    for (const std::uint16_t row : record.rows) library_.import_row(glyph, slot++, row);
+  }
+  if (!buffer_edited) buffer_ = library_.glyph(selected_glyph());
 }
 
 void FontEditor::open_binary(std::span<const std::uint8_t> bytes) {
@@ -31,6 +35,8 @@ void FontEditor::open_binary(std::span<const std::uint8_t> bytes) {
   auto edit = start_edit();
   edit.library_before = glyphs(0, FontLibrary::kGlyphs);
   library_.read_binary(bytes);
+  for (std::size_t i = 0; i < edited_.size() && i * FontLibrary::kGlyphBytes < bytes.size(); ++i)
+    edited_.set(i);
   select(0);
   edit.library_after = glyphs(0, FontLibrary::kGlyphs);
   record(std::move(edit));
@@ -139,7 +145,10 @@ std::vector<Glyph> FontEditor::glyphs(int first, std::size_t count) const {
 }
 
 void FontEditor::put_glyphs(int first, const std::vector<Glyph>& glyphs) {
-  for (const auto& glyph : glyphs) library_.set_glyph(first++, glyph);
+  for (const auto& glyph : glyphs) {
+    edited_.set(static_cast<std::size_t>(first));
+    library_.set_glyph(first++, glyph);
+  }
 }
 
 void FontEditor::go_to(int glyph) {

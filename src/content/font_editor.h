@@ -1,10 +1,10 @@
 #pragma once
 
+#include <bitset>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <span>
-#include <string_view>
 #include <vector>
 
 #include "content/font_library.h"
@@ -32,8 +32,8 @@ class FontEditor {
   /// Copies glyph `index`, 0..255, of the page into the edit buffer. Another index is ignored.
   void select(int index);
 
-  /// Fills the library from a text export, before anything was edited: there is no way back.
-  void import_text(std::string_view text);
+  /// Takes over the glyphs that a text export defines, without a way back. What was edited before stays.
+  void take_import(const FontLibrary& imported);
   /// Fills the library from a binary font file and goes to the page's first glyph.
   void open_binary(std::span<const std::uint8_t> bytes);
 
@@ -77,6 +77,7 @@ class FontEditor {
   void go_to(int glyph);
 
   FontLibrary library_;
+  std::bitset<FontLibrary::kGlyphs> edited_;  // library glyphs that were ever replaced
   GlyphHistory history_;
   Glyph buffer_;
   int page_ = 0;

@@ -92,7 +92,7 @@ CDlgFontMaker::CDlgFontMaker(PageHost& host, QWidget* parent)
           [this](int index) { edit([this, index] { editor_.select(index); }); });
   connect(editor_area_, &GlyphEditorArea::edited, this, &CDlgFontMaker::refresh_buffer);
   connect(fill_, &FillRangeBox::fill_requested, this, [this] { flows_.spawn(fill_range()); });
-  import_export();
+  flows_.spawn(import_export());
   refresh_all();
 }
 
@@ -211,13 +211,25 @@ void CDlgFontMaker::close_page() {
   flows_.spawn(ask_and_close());
 }
 
-void CDlgFontMaker::import_export() {
-  std::string text;
-  if (read_whole_file(export_path_, text).ok()) editor_.import_text(text);
+Task<> CDlgFontMaker::import_export() {
+  std::function<FontLibrary()> work = [path = export_path_] {
+    FontLibrary library;
+    std::string text;
+    if (read_whole_file(path, text).ok()) import_font_text(text, library);
+    return library;
+  };
+  const FontLibrary imported = co_await host_.background().run<FontLibrary>(std::move(work));
+  editor_.take_import(imported);
+  refresh_all();
+  importing_ = false;
+  if (export_waits_) begin_export();
 }
 
 // An export that cannot be written is no reason to disturb the user: the binary file is the font's own form.
 void CDlgFontMaker::begin_export() {
+  // It would replace what is only just being read.
+  export_waits_ = importing_;
+  if (importing_) return;
   std::function<FileResult()> work = [path = export_path_, library = editor_.library()] {
     return write_file_atomically(path, export_font_text(library));
   };

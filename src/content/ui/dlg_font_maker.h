@@ -18,7 +18,7 @@ class FontPreviewArea;
 class GlyphEditorArea;
 
 /// The font editor page. Its text export lives in the directory that is current when the page is made, and is
-/// read from there at once.
+/// read from there while the page is already there.
 class CDlgFontMaker : public QWidget, public Page {
   Q_OBJECT
 
@@ -28,6 +28,8 @@ class CDlgFontMaker : public QWidget, public Page {
 
   /// Writes the text export; the font has no place in the user data.
   void save_to_user_data() override { begin_export(); }
+  /// True until the text export is read.
+  bool loading() const override { return importing_; }
 
   const FontEditor& editor() const { return editor_; }
 
@@ -49,7 +51,7 @@ class CDlgFontMaker : public QWidget, public Page {
   void copy_glyph();
   void paste_glyph();
 
-  void import_export();
+  Task<> import_export();
   void begin_export();
 
   Task<> open_font_file();
@@ -60,6 +62,8 @@ class CDlgFontMaker : public QWidget, public Page {
   PageHost& host_;
   FontEditor editor_;
   std::filesystem::path export_path_;
+  bool importing_ = true;
+  bool export_waits_ = false;  // for the import
   QComboBox* page_selector_ = nullptr;
   QLabel* number_ = nullptr;
   FontPreviewArea* preview_ = nullptr;

@@ -232,6 +232,28 @@ TEST_F(FontMakerPage, ClosingAsksAndTheExportIsReadAtTheNextOpening) {
   EXPECT_EQ(host_.doc.user_data.bytes(), user_data);
 }
 
+TEST_F(FontMakerPage, AnExportThatIsReadLateLeavesWhatWasEditedMeanwhile) {
+  FontLibrary library;
+  const Glyph full(Glyph::Rows{0, 0xFFFF});
+  library.set_glyph(0, full);
+  library.set_glyph(1, full);
+  ASSERT_TRUE(write_file_atomically("fntmkr.txt", export_font_text(library)).ok());
+  host_.work.busy = true;
+  open();
+  EXPECT_TRUE(page_->loading());
+  click(area_, cell(15, 23));
+  press("Set");
+  page_->save_to_user_data();
+  const Glyph drawn = buffer();
+  pick(1, 0);
+  host_.work.catch_up();
+  EXPECT_FALSE(page_->loading());
+  EXPECT_EQ(glyph(0), drawn);
+  EXPECT_EQ(glyph(1), full);
+  EXPECT_EQ(buffer(), full);
+  EXPECT_EQ(bytes_of(folder_ / "fntmkr.txt"), export_font_text(page_->editor().library()));
+}
+
 TEST_F(FontMakerPage, ARangeIsFilledFromAnInstalledFontInOneStep) {
   open();
   find<QSpinBox>(*page_, "Fill: First character")->setValue('A');
