@@ -1,5 +1,7 @@
 #include "registers/register_desk.h"
 
+#include <functional>
+#include <system_error>
 #include <utility>
 
 #include "registers/register_file.h"
@@ -32,10 +34,23 @@ Message warning(const std::string& text) {
 
 }  // namespace
 
-RegisterDesk::RegisterDesk(PageHost& host, RegDescription description, RegisterView& view)
-    : host_(host), view_(view), sheet_(std::move(description)), loader_(host.link(), sheet_, view) {}
+RegisterDesk::RegisterDesk(PageHost& host, RegisterView& view)
+    : host_(host), view_(view), loader_(host.link(), sheet_, view) {}
 
 void RegisterDesk::open() {
+  // Named now: the current directory may be another one by the time it is read.
+  std::error_code error;
+  open_.start(read_description(std::filesystem::current_path(error) / "regu.xml"));
+}
+
+Task<> RegisterDesk::read_description(std::filesystem::path path) {
+  std::function<RegDescription()> work = [path = std::move(path)] { return RegDescription::load(path); };
+  describe(co_await host_.background().run<RegDescription>(std::move(work)));
+}
+
+void RegisterDesk::describe(RegDescription description) {
+  sheet_.describe(std::move(description));
+  view_.show_description();
   if (!sheet_.description().categories.empty()) choose_category(0);
   if (!sheet_.description().problem.empty()) say(sheet_.description().problem);
 }

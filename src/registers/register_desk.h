@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <string_view>
 
 #include "console/page_host.h"
@@ -18,12 +19,16 @@ class RegisterDesk {
   /// From the request of a single read to the look for its reply.
   static constexpr std::chrono::milliseconds kReadWait{150};
 
-  RegisterDesk(PageHost& host, RegDescription description, RegisterView& view);
+  RegisterDesk(PageHost& host, RegisterView& view);
 
   const RegisterSheet& sheet() const { return sheet_; }
 
-  /// Says what was wrong with the description, if anything, and shows the first category.
+  /// Reads "regu.xml" of the directory that is current now, in the background, then shows it. Until then
+  /// there are no registers, as without a description.
   void open();
+  bool opening() const { return open_.running(); }
+  /// Takes the description, shows its first category and says what was wrong with it, if anything.
+  void describe(RegDescription description);
 
   void choose_category(int category);
   void select_row(int row);
@@ -44,6 +49,7 @@ class RegisterDesk {
   void write_flash();
 
  private:
+  Task<> read_description(std::filesystem::path path);
   Task<> single_read(int address);
   Task<> save_file_flow();
   Task<> load_file_flow();
@@ -55,6 +61,7 @@ class RegisterDesk {
   RegisterSheet sheet_;
   RegisterLoader loader_;
   FlashImage flash_;
+  Flow open_;
   Flow read_;
   Flow save_;
   Flow load_;

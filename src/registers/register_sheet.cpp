@@ -7,9 +7,9 @@
 
 namespace qv5123 {
 
-RegisterSheet::RegisterSheet(RegDescription description)
-    : description_(std::move(description)), current_(description_.registers.size()) {
-  clear_data();
+void RegisterSheet::describe(RegDescription description) {
+  description_ = std::move(description);
+  make_current(description_.registers.size(), -1);
 }
 
 void RegisterSheet::show_category(int category) {

@@ -21,8 +21,10 @@ class RegisterSheet {
   /// Characters of an "Addr" cell that count.
   static constexpr std::size_t kAddressCell = 9;
 
-  explicit RegisterSheet(RegDescription description);
+  RegisterSheet() { clear_data(); }
 
+  /// Takes a description. No category of it is listed yet, and none of its registers is current.
+  void describe(RegDescription description);
   const RegDescription& description() const { return description_; }
 
   /// Lists the registers of a category; its first one becomes the current register.
@@ -85,7 +87,7 @@ class RegisterSheet {
   int category_ = -1;
   RegDescription::Range range_;
   std::vector<std::u16string> value_cells_;
-  std::size_t current_;
+  std::size_t current_ = 0;
   int current_row_ = -1;
   std::vector<int> selected_rows_;
   std::u16string address_text_ = u"0xF800";

@@ -20,6 +20,8 @@ struct RegisterButtons {
 class RegisterView {
  public:
   virtual ~RegisterView() = default;
+  /// There are other categories.
+  virtual void show_description() = 0;
   /// The list holds other registers or values; it takes the focus.
   virtual void show_category() = 0;
   virtual void show_selection() = 0;

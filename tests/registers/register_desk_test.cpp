@@ -14,6 +14,7 @@ class NoView : public RegisterView {
   RegisterButtons buttons;
   int categories_shown = 0;
 
+  void show_description() override {}
   void show_category() override { ++categories_shown; }
   void show_selection() override {}
   void show_value_cell(int) override {}
@@ -33,8 +34,8 @@ class RegisterDeskTest : public testing::Test {
   ~RegisterDeskTest() override { std::filesystem::remove_all(folder_); }
 
   void open(std::u16string_view description = test::kSampleDescription) {
-    desk_.emplace(host_, RegDescription::parse(std::u16string(description)), view_);
-    desk_->open();
+    desk_.emplace(host_, view_);
+    desk_->describe(RegDescription::parse(std::u16string(description)));
   }
   const RegisterSheet& sheet() const { return desk_->sheet(); }
   int stored(std::size_t reg) const { return sheet().description().registers[reg].value; }

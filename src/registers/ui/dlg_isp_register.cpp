@@ -77,19 +77,17 @@ CDlgIspRegister::CDlgIspRegister(PageHost& host, QWidget* parent)
       name_(new QLineEdit),
       bits_(new BitBoxes),
       fields_(new CMultilineList),
-      desk_(host, RegDescription::load(), *this) {
+      desk_(host, *this) {
   make_list();
   make_field_table();
   auto* layout = new QHBoxLayout(this);
   layout->addLayout(make_list_column());
   layout->addLayout(make_register_column(), 1);
-  for (const std::u16string& name : desk_.sheet().description().categories) {
-    category_->addItem(QString::fromStdU16String(name));
-  }
   connect(category_, &QComboBox::currentIndexChanged, this,
           [this](int index) { desk_.choose_category(index); });
   connect_edits();
   set_tab_order();
+  list_->setFocus();
   desk_.open();
 }
 
@@ -262,11 +260,19 @@ void CDlgIspRegister::rows_selected(const QItemSelection& selected) {
   }
 }
 
+void CDlgIspRegister::show_description() {
+  const QSignalBlocker blocker(category_);
+  for (const std::u16string& name : desk_.sheet().description().categories) {
+    category_->addItem(QString::fromStdU16String(name));
+  }
+}
+
 void CDlgIspRegister::show_category() {
   showing_selection_ = true;
   list_model_->reset();
   showing_selection_ = false;
-  list_->setFocus();
+  // Not while another page is shown, whose keys it would take.
+  if (isVisible()) list_->setFocus();
 }
 
 void CDlgIspRegister::show_selection() {

@@ -31,8 +31,8 @@ class CDlgIspRegister final : public QWidget, public Page, private RegisterView 
   explicit CDlgIspRegister(PageHost& host, QWidget* parent = nullptr);
   ~CDlgIspRegister() override;
 
-  /// True while the first register is being read.
-  bool loading() const override { return desk_.reading(); }
+  /// True while the description or the first register is being read.
+  bool loading() const override { return desk_.opening() || desk_.reading(); }
 
  private:
   QBoxLayout* make_list_column();
@@ -46,6 +46,7 @@ class CDlgIspRegister final : public QWidget, public Page, private RegisterView 
   void connect_edits();
   void rows_selected(const QItemSelection& selected);
 
+  void show_description() override;
   void show_category() override;
   void show_selection() override;
   void show_value_cell(int row) override;

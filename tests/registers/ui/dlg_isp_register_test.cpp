@@ -213,6 +213,24 @@ TEST_F(RegisterPageTest, WithoutADescriptionThePageSaysSo) {
   EXPECT_EQ(text("Value"), "0xA5");
 }
 
+TEST_F(RegisterPageTest, OpensAtOnceAndFillsWhenTheDescriptionIsRead) {
+  host_.work.busy = true;
+  open();
+  EXPECT_TRUE(page_->loading());
+  EXPECT_EQ(find<QComboBox>("Category")->count(), 0);
+  EXPECT_EQ(page_->focusWidget(), list());
+  for (const char* early : {"Load From ISP", "Load All From ISP", "Write"}) click(early);
+  wire_.advance(300);
+  std::filesystem::current_path(folder_ / "..");
+  host_.work.catch_up();
+  EXPECT_TRUE(page_->loading());
+  wire_.advance(300);
+  EXPECT_FALSE(page_->loading());
+  EXPECT_EQ(find<QComboBox>("Category")->currentText(), "Sensor");
+  EXPECT_EQ(chip_.requests, std::vector<int>{0x800});
+  EXPECT_EQ(cell(0, 3), "0xA5");
+}
+
 TEST_F(RegisterPageTest, FitsItsPlaceAndNamesEveryControlOnce) {
   open();
   EXPECT_LE(page_->minimumSizeHint().width(), 880);
