@@ -108,7 +108,7 @@ TEST(Journal, HoldsWhatIsUnsavedWrittenAtMostOnceInAnInterval) {
 TEST(Journal, OfADeadRunIsOfferedUntilTheUserDecides) {
   Computer computer;
   auto run = computer.begin();
-  run->now = entry_of(7, "Gerät\n.dat");
+  run->now = entry_of(7, u8"Gerät\n.dat");
   computer.clock.advance(Journal::kInterval);
   run.reset();
 
@@ -132,7 +132,7 @@ TEST(Journal, OfADeadRunIsOfferedUntilTheUserDecides) {
   EXPECT_TRUE(next->restored.empty());
   other.reset();
   computer.user.answer_now();
-  EXPECT_EQ(next->restored, std::vector{entry_of(7, "Gerät\n.dat")});
+  EXPECT_EQ(next->restored, std::vector{entry_of(7, u8"Gerät\n.dat")});
   EXPECT_TRUE(next->restored[0].image.loaded());
   EXPECT_FALSE(computer.kept(1));
   EXPECT_EQ(computer.kept(2), next->now) << "it is still unsaved";
