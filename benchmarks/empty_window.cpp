@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QMainWindow>
 #include <QTimer>
+#include <cstdlib>
 
 namespace {
 
@@ -9,7 +10,7 @@ class Window : public QMainWindow {
  protected:
   void paintEvent(QPaintEvent* event) override {
     QMainWindow::paintEvent(event);
-    QTimer::singleShot(0, [] { std::quick_exit(0); });
+    QTimer::singleShot(0, [] { std::_Exit(0); });
   }
 };
 

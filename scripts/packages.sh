@@ -40,3 +40,14 @@ build_program() {
   configure_program "$@"
   cmake --build "$1"
 }
+
+# cmake_windows_program FOLDER QT_FOLDER [CMAKE OPTIONS...]: the window and the other programs for Windows, with the
+# static Qt that is installed in that folder.
+cmake_windows_program() {
+  local folder=$1 qt=$2
+  shift 2
+  configure_program "$folder" -DQV5123_TESTS=OFF \
+    -DCMAKE_TOOLCHAIN_FILE="$qt/lib/cmake/Qt6/qt.toolchain.cmake" \
+    -DQT_CHAINLOAD_TOOLCHAIN_FILE="$root/scripts/toolchain-mingw.cmake" \
+    -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR="/usr/lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)/cmake" "$@"
+}
