@@ -196,14 +196,14 @@ QSpinBox* CDlgIspGammaRgb::make_point(GammaCurveId id, std::size_t point) {
 void CDlgIspGammaRgb::connect_chart() {
   connect(chart_, &GammaChartView::point_dragged, this, [this](const GammaHit& points, int value) {
     move_gamma_point(values_, points, value);
-    show_points();
+    show_moved(points);
   });
   connect(chart_, &GammaChartView::point_nudged, this, [this](const GammaHit& points, int delta) {
     for (GammaCurveId id : points.curves) {
       int& value = values_.curve(id)[points.point];
       value = spin_gamma_point(value, delta);
     }
-    show_points();
+    show_moved(points);
   });
 }
 
@@ -222,6 +222,13 @@ void CDlgIspGammaRgb::show_points() {
     for (std::size_t point = 0; point < kGammaPoints; ++point) {
       show_value(points_[id][point], values_.curves[id][point]);
     }
+  }
+  chart_->refresh();
+}
+
+void CDlgIspGammaRgb::show_moved(const GammaHit& points) {
+  for (GammaCurveId id : points.curves) {
+    show_value(points_[id][points.point], values_.curve(id)[points.point]);
   }
   chart_->refresh();
 }

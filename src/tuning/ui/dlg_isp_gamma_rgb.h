@@ -41,6 +41,8 @@ class CDlgIspGammaRgb : public TuningPage {
 
   void show_values();
   void show_points();
+  /// The points of a hit only: a drag moves them with every move of the mouse.
+  void show_moved(const GammaHit& points);
   void log_selected_curves();
 
   void channel_clicked(int channel);

@@ -162,16 +162,31 @@ void GammaChartView::keyPressEvent(QKeyEvent* event) {
 
 void GammaChartView::paintEvent(QPaintEvent*) {
   QPainter painter(this);
+  paint_background(painter);
   painter.setTransform(transform());
-  paint_frame(painter);
-  paint_grid(painter);
-  paint_labels(painter);
   painter.setRenderHint(QPainter::Antialiasing);
   paint_curve(painter, kFrontCurve);
   for (GammaCurveId id : selected_curves(values_.channel)) {
     if (id != kFrontCurve) paint_curve(painter, id);
   }
   paint_chosen(painter);
+}
+
+/// It stays while the points move, and takes longer to paint than they do.
+void GammaChartView::paint_background(QPainter& painter) {
+  const QSize pixels = size() * devicePixelRatio();
+  if (background_.size() != pixels || background_font_ != font()) {
+    background_ = QPixmap(pixels);
+    background_.setDevicePixelRatio(devicePixelRatio());
+    background_.fill(Qt::transparent);
+    background_font_ = font();
+    QPainter behind(&background_);
+    behind.setTransform(transform());
+    paint_frame(behind);
+    paint_grid(behind);
+    paint_labels(behind);
+  }
+  painter.drawPixmap(0, 0, background_);
 }
 
 void GammaChartView::paint_frame(QPainter& painter) const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QFont>
+#include <QPixmap>
 #include <QTransform>
 #include <QWidget>
 
@@ -51,6 +53,7 @@ class GammaChartView : public QWidget {
   ChartPixel to_chart(QPointF point) const;
   void hover(std::optional<GammaHit> hit);
   void choose_neighbour(int step);
+  void paint_background(QPainter& painter);
   void paint_frame(QPainter& painter) const;
   void paint_grid(QPainter& painter) const;
   void paint_labels(QPainter& painter) const;
@@ -61,6 +64,9 @@ class GammaChartView : public QWidget {
   std::optional<GammaHit> hovered_;
   std::optional<GammaHit> chosen_;
   bool dragging_ = false;
+  /// What stands behind the curves, as it was last painted, and its font.
+  QPixmap background_;
+  QFont background_font_;
 };
 
 }  // namespace qv5123
