@@ -211,14 +211,19 @@ Task<std::optional<std::string>> CommandLink::request(Batch request, std::chrono
 
 Task<int> CommandLink::wide_read(int address) {
   const Turn turn = co_await this->turn();
+  co_return co_await wide_read(address, turn);
+}
+
+Task<int> CommandLink::wide_read(int address, const Turn&) {
   co_await send_request(isp_read_request(address));
   co_await Delay(scheduler_, kWideWait);
   co_return reply_.take_last_pair().value_or(-1);
 }
 
-Task<> CommandLink::wide_write(int address, int value) {
-  co_await send(isp_write(address, value));
+Task<bool> CommandLink::wide_write(int address, int value) {
+  const JobResult sent = co_await send(isp_write(address, value));
   co_await Delay(scheduler_, kWideWait);
+  co_return !sent.failed;
 }
 
 }  // namespace qv5123

@@ -112,10 +112,13 @@ class CommandLink {
   /// Takes the next reply block, for at most `timeout`. Whoever calls it holds the turn.
   Task<std::optional<std::string>> next_block(std::chrono::milliseconds timeout);
 
-  /// Reads an ISP register: the request, 60 ms, then the last two reply characters. -1 without an answer.
+  /// Reads an ISP register: the request, 60 ms, then the last two reply characters, of which one that is no
+  /// hex digit counts as 0. -1 without an answer.
   Task<int> wide_read(int address);
-  /// Writes an ISP register and waits 60 ms.
-  Task<> wide_write(int address, int value);
+  /// The same for who holds the turn over more than one read.
+  Task<int> wide_read(int address, const Turn& turn);
+  /// Writes an ISP register and waits 60 ms. False when not all of it left.
+  Task<bool> wide_write(int address, int value);
 
  private:
   struct Request {
