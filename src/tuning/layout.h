@@ -62,7 +62,8 @@ class ImageReader {
   const UserDataImage& image_;
 };
 
-/// Decodes values from a reply. Places are character positions; short_of() tells whether the reply ended
+/// Decodes values from a reply. Places are character positions. Further characters behind the last of them
+/// are left alone, for a chip may report more than a page knows. short_of() tells whether the reply ended
 /// before the last of them, in which case what was read must not be shown.
 class ReplyReader {
  public:
