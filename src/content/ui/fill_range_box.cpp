@@ -41,13 +41,14 @@ FillRangeBox::FillRangeBox(QWidget* parent) : QGroupBox("Fill from installed fon
   first_character_->setDisplayIntegerBase(16);
   first_character_->setPrefix("0x");
   first_character_->setValue(kFirstPrintable);
-  first_character_->setToolTip("Unicode code point of the character for the first glyph, in hex");
+  first_character_->setToolTip(
+      "Unicode code point of the character for the first glyph, in hex: 0x0 to 0x10FFFF");
   first_glyph_ = add_number(layout, 1, 2, "First glyph", 0, FontLibrary::kGlyphs - 1);
   first_glyph_->setValue(kFirstPrintable);
   first_glyph_->setToolTip("Number in the whole library, 0 to 1023, of the first glyph to fill");
   count_ = add_number(layout, 2, 0, "Glyphs", 1, FontLibrary::kGlyphs);
   count_->setValue(kPrintables);
-  count_->setToolTip("How many glyphs to fill, up to the library's end");
+  count_->setToolTip("How many glyphs to fill, 1 to 1024, up to the library's end");
 
   auto* fill = new QPushButton("Fill");
   fill->setAccessibleName("Fill glyphs");
