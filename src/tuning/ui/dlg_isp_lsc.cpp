@@ -234,9 +234,10 @@ void CDlgIspLSC::load_isp() {
 
 Task<> CDlgIspLSC::run_save() {
   take_typed_text(this);
-  const bool written = co_await host().save_everything();
   PageSave save;
+  // Before the file, which may have to be chosen: what is loaded meanwhile belongs neither there nor here.
   save.traffic = lens_full_save(values_);
+  const bool written = co_await host().save_everything();
   save.done = written ? "File save done" : kSavedOnChipOnly;
   co_await save_on_chip(host(), std::move(save));
 }

@@ -300,9 +300,10 @@ void CDlgIspMatrix::load_isp() {
 Task<> CDlgIspMatrix::run_save() {
   host().show_status("CCM Data Saving... Please wait");
   take_typed_text(this);
-  const bool written = co_await host().save_everything();
   PageSave save;
+  // Before the file, which may have to be chosen: what is loaded meanwhile belongs neither there nor here.
   save.traffic = matrix_full_save(values_);
+  const bool written = co_await host().save_everything();
   if (!co_await save_on_chip(host(), std::move(save))) co_return;
   // The picker must not be switched on again before it is off.
   picker_->setEnabled(false);
