@@ -81,6 +81,9 @@ CDlgIspFront::CDlgIspFront(PageHost& host) : TuningPage(host) {
   page->addWidget(service_area_, 1000);
   page->addStretch(1);
   service_area_->hide();
+  // What the chip does not report comes from the file, and all of it where there is no chip: saving the page
+  // must not replace what the file said.
+  if (document().user_data.loaded()) qv5123::reload_from_user_data(values_, document().user_data);
   fit_tdn_list();
   show_values();
   show_bits();
