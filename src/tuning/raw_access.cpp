@@ -43,6 +43,10 @@ constexpr int shown_isp_address(int address) {
   return 0xF000 | (address & 0xFFF);
 }
 
+constexpr unsigned shown_address(Access access, int address) {
+  return static_cast<unsigned>(access == Access::Sensor ? address & 0xFFFF : shown_isp_address(address));
+}
+
 constexpr std::size_t answer_digits(Access access) {
   return access == Access::IspByte ? 2 : 4;
 }
@@ -50,7 +54,7 @@ constexpr std::size_t answer_digits(Access access) {
 /// The answer's digits are the last of the reply, whatever came before them.
 std::optional<int> answer_value(Access access, std::string_view reply) {
   const std::size_t digits = answer_digits(access);
-  if (reply.size() < digits) return std::nullopt;
+  if (reply.size() < digits || !all_hex_digits(reply)) return std::nullopt;
   const std::size_t position = reply.size() - digits;
   return digits == 2 ? reply_byte_at(reply, position) : reply_word_at(reply, position);
 }
@@ -115,8 +119,11 @@ std::string sensor_write_text(int address, int value) {
 std::string answer_text(Access access, int address, std::string_view reply) {
   const auto value = answer_field(access, reply);
   if (!value) return {};
-  const int shown = access == Access::Sensor ? address & 0xFFFF : shown_isp_address(address);
-  return formatted("0x%04X = 0x%s\r\n", static_cast<unsigned>(shown), value->c_str());
+  return formatted("0x%04X = 0x%s\r\n", shown_address(access, address), value->c_str());
+}
+
+std::string no_answer_text(Access access, int address) {
+  return formatted("No answer from 0x%04X", shown_address(access, address));
 }
 
 std::optional<std::string> answer_field(Access access, std::string_view reply) {
@@ -130,6 +137,9 @@ std::string dump_text(int start, int end, std::string_view reply) {
   if (reply.size() >= ReplyBuffer::kSize && end - start >= kMostRegisters)
     return formatted("Dump 0x%04X..0x%04X: the answer is too long, it can hold %d registers.\r\n",
                      shown_isp_address(start), shown_isp_address(end), kMostRegisters);
+  if (!all_hex_digits(reply))
+    return formatted("Dump 0x%04X..0x%04X: the answer is damaged.\r\n", shown_isp_address(start),
+                     shown_isp_address(end));
   std::string text;
   for (std::size_t i = 0; 2 * i + 1 < reply.size(); ++i)
     text += formatted("0x%04X = 0x%02X\r\n", shown_isp_address(start + static_cast<int>(i)),

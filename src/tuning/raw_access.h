@@ -40,13 +40,16 @@ std::string sensor_write_text(int address, int value);
 
 enum class Access { IspByte, IspWord, Sensor };
 /// The line "0xF922 = 0x12" for the answer to a read; ISP addresses are shown with the F that their captions
-/// have. Empty when the reply is too short for a value.
+/// have. Empty when the reply is too short for a value or damaged.
 std::string answer_text(Access access, int address, std::string_view reply);
-/// The answer to a read as the data field shows it. Nothing for a reply that is too short.
+/// The answer to a read as the data field shows it. Nothing for a reply that is too short or damaged.
 std::optional<std::string> answer_field(Access access, std::string_view reply);
+/// What is said of a read without an answer, or with one that holds no value.
+std::string no_answer_text(Access access, int address);
 
 /// Lines as those of a read for the answer to a dump of the registers `start`..`end`. An answer that did not
-/// fit into the reply buffer has overwritten its own start; of it nothing is shown but that it was too long.
+/// fit into the reply buffer has overwritten its own start; of it nothing is shown but that it was too long,
+/// and of one that the line has damaged nothing but that.
 std::string dump_text(int start, int end, std::string_view reply);
 
 /// The way into the service area: clicks on the bit radios, then "Get Info" at one address. The clicks are

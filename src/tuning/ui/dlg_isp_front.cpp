@@ -3,6 +3,7 @@
 #include <QHideEvent>
 #include <QScrollBar>
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -23,6 +24,35 @@ constexpr std::chrono::milliseconds kReadWait{600};
 std::string utf8(const QLineEdit* edit) {
   return edit->text().toStdString();
 }
+
+/// A script of more bytes would play for days.
+constexpr std::uintmax_t kLargestScript = std::uintmax_t{64} << 20;
+
+struct ReadScript {
+  FileResult result;
+  std::string text;
+  bool too_large = false;
+};
+
+/// Lets a button read "Stop" while it would stop what it began.
+class StopCaption {
+ public:
+  StopCaption(QPushButton* button, QString caption) : button_(button), caption_(std::move(caption)) {
+    show("Stop");
+  }
+  StopCaption(const StopCaption&) = delete;
+  StopCaption& operator=(const StopCaption&) = delete;
+  ~StopCaption() { show(caption_); }
+
+ private:
+  void show(const QString& caption) {
+    button_->setText(caption);
+    button_->setAccessibleName(caption);
+  }
+
+  QPushButton* button_;
+  QString caption_;
+};
 
 /// A list without a selection stands for what the chip reported and the list does not have.
 void take_index(const QComboBox* combo, int& index) {
@@ -143,9 +173,10 @@ Task<> CDlgIspFront::get_info(int address) {
   const CommandLink::Turn turn = co_await link().turn();
   co_await link().send_request(isp_read_request(address));
   co_await Delay(host().scheduler(), kInfoWait);
-  // A block too short for a byte must not become one: the next click on a bit would write it back.
+  // A block too short for a byte, or damaged, must not become one: the next click on a bit would write it
+  // back.
   const auto reply = link().reply().take_block();
-  if (reply && reply->size() >= 2) {
+  if (reply && reply->size() >= 2 && all_hex_digits(*reply)) {
     bit_byte_ = reply_byte(*reply, 0);
     show_bits();
   }
@@ -183,7 +214,10 @@ void CDlgIspFront::write_sensor() {
 
 Task<> CDlgIspFront::read(Access access, int address, Batch request) {
   const auto reply = co_await link().request(std::move(request), kReadWait);
-  if (reply) show_answer(access, address, *reply);
+  if (reply && answer_field(access, *reply))
+    show_answer(access, address, *reply);
+  else
+    host().show_status(no_answer_text(access, address));
 }
 
 void CDlgIspFront::dump() {
@@ -215,7 +249,10 @@ void CDlgIspFront::reveal_service_area() {
 
 void CDlgIspFront::hideEvent(QHideEvent* event) {
   // A window that is only minimised keeps showing this page.
-  if (!event->spontaneous()) service_area_->hide();
+  if (!event->spontaneous()) {
+    service_area_->hide();
+    script_.cancel();
+  }
   TuningPage::hideEvent(event);
 }
 
@@ -232,28 +269,62 @@ Task<> CDlgIspFront::set_parameter() {
   append_text(parameter_line(row, image, LineOf::Set));
 }
 
+void CDlgIspFront::press_play() {
+  // While its file is being chosen the button still says so.
+  if (!script_.running()) return script_.start(load_script());
+  if (play_->text() == kPlayCaption) return;
+  script_.cancel();
+  host().show_status("Register file: stopped.");
+}
+
 Task<> CDlgIspFront::load_script() {
   FileChoice choice{"Setting Files (*.txt)|*.txt|All Files (*.*)|*.*||", "txt", ""};
   const auto path = co_await host().prompts().choose_open(std::move(choice));
   if (!path) co_return;
   const BusyScope busy(host());
-  // All of it at once and beside the window: a file on a network may take its time.
-  std::function<std::optional<std::string>()> read = [path = *path]() -> std::optional<std::string> {
-    std::string text;
-    if (!read_whole_file(path, text).ok()) return std::nullopt;
-    return text;
-  };
-  auto text = co_await host().background().run(std::move(read));
-  if (!text) co_return;
-  RegisterScript script(std::make_unique<std::istringstream>(std::move(*text)));
-  for (;;) {
-    co_await Delay(host().scheduler(), RegisterScript::kTick);
-    RegisterScript::Step step = script.tick();
-    if (step.finished) co_return;
-    if (!step.batch.empty()) link().send(std::move(step.batch));
-  }
+  const StopCaption stop(play_, kPlayCaption);
+  auto text = co_await read_script(*path);
+  if (text) co_await play(std::move(*text));
 }
 
+/// Nothing is said of a file that does not open.
+Task<std::optional<std::string>> CDlgIspFront::read_script(std::filesystem::path path) {
+  // All of it at once and beside the window: a file on a network may take its time.
+  std::function<ReadScript()> read = [path] {
+    ReadScript script;
+    std::error_code error;
+    script.too_large = std::filesystem::file_size(path, error) > kLargestScript && !error;
+    script.result = read_whole_file(path, script.text, kLargestScript);
+    return script;
+  };
+  ReadScript script = co_await host().background().run(std::move(read));
+  if (script.result.ok()) co_return std::move(script.text);
+  if (script.too_large) host().show_status(script.result.text);
+  co_return std::nullopt;
+}
+
+/// One line a tick, later where the wire is taken: what waits for it must not pile up behind.
+Task<> CDlgIspFront::play(std::string text) {
+  const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
+  RegisterScript script(std::make_unique<std::istringstream>(std::move(text)));
+  std::optional<Pending<JobResult>> sent;
+  for (std::size_t line = 0;; ++line) {
+    co_await Delay(host().scheduler(), RegisterScript::kTick);
+    if (sent) {
+      Pending<JobResult> last = std::move(*sent);
+      const JobResult result = co_await last;
+      if (result.failed) {
+        host().show_status("Register file: line " + std::to_string(line) + " did not reach the chip.");
+        co_return;
+      }
+    }
+    RegisterScript::Step step = script.tick();
+    if (step.finished) co_return;
+    host().show_progress(static_cast<int>(std::min(line, lines) * 100 / lines));
+    sent.reset();
+    if (!step.batch.empty()) sent.emplace(link().send(std::move(step.batch)));
+  }
+}
 /// Texts bring their own line breaks and may end within a line.
 void CDlgIspFront::append_text(const std::string& text) {
   QTextCursor end(text_->document());

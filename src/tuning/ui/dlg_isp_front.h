@@ -5,6 +5,9 @@
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <array>
+#include <filesystem>
+#include <optional>
+#include <string>
 
 #include "tuning/front.h"
 #include "tuning/raw_access.h"
@@ -78,7 +81,10 @@ class CDlgIspFront : public TuningPage {
 
   void reveal_service_area();
   Task<> set_parameter();
+  void press_play();
   Task<> load_script();
+  Task<std::optional<std::string>> read_script(std::filesystem::path path);
+  Task<> play(std::string text);
   void append_text(const std::string& text);
 
   FrontValues values_;
@@ -99,10 +105,13 @@ class CDlgIspFront : public TuningPage {
   QSpinBox* data_spin_;
   QLineEdit *dump_start_, *dump_end_;
 
+  static constexpr char kPlayCaption[] = "Register File Load";
+
   QWidget* service_area_;
   QPlainTextEdit* text_;
   QComboBox* parameter_;
   QLineEdit* parameter_value_;
+  QPushButton* play_;
   Flow script_;
 };
 

@@ -312,10 +312,9 @@ QWidget* CDlgIspFront::make_service_area() {
   row->addWidget(text_, 1);
   row->addLayout(column);
   column->addWidget(make_userdata_group());
-  column->addWidget(
-      make_button("Register File Load", {}, "Write the registers of a text file, one every 200 ms", [this] {
-        if (!script_.running()) script_.start(load_script());
-      }));
+  play_ = make_button(kPlayCaption, {}, "Write the registers of a text file, one every 200 ms",
+                      [this] { press_play(); });
+  column->addWidget(play_);
   column->addStretch();
   return area;
 }

@@ -282,5 +282,64 @@ TEST_F(FrontPage, ClosingThePageEndsWhatIsUnderWay) {
   EXPECT_EQ(host_.busy.back(), false);
 }
 
+TEST_F(FrontPage, TakesWhatTheChipDoesNotReportFromTheSettingFile) {
+  host_.doc.user_data.set_entry(457, 7);
+  host_.doc.user_data.set_entry(458, 7);
+  host_.doc.user_data.set_entry(464, 9);
+  host_.doc.user_data.set_entry(582, 33);
+  host_.doc.user_data.mark_loaded();
+  page_.reset();
+  CDlgIspFront page(host_);
+  const test::PageDriver user(page);
+  EXPECT_EQ(user.number("LED Dimmer"), 33) << "until the chip says otherwise";
+  fake_.advance(100);
+  load();
+  EXPECT_EQ(user.number("LED Dimmer"), 200);
+  user.click("File/Flash Save");
+  EXPECT_TRUE(wire().find("@7107*@7409*") != std::string::npos);
+  EXPECT_EQ(host_.written.entry(458), 7);
+}
+
+TEST_F(FrontPage, DamagedAnswersAreNotTaken) {
+  load();
+  answer("@9405*@9423*", "1x");
+  user_.type("Bit editor address", "523");
+  user_.click("Get Info");
+  wire();
+  EXPECT_TRUE(user_.checked("Bit 4 = 0"));
+  user_.type("1Byte address", "523");
+  user_.click("Read(1Byte)");
+  wire();
+  EXPECT_EQ(host_.last_status(), "No answer from 0xF523");
+  EXPECT_EQ(user_.text("1Byte data"), "00");
+  EXPECT_EQ(host_.console, "");
+}
+
+TEST_F(FrontPage, ARegisterFileWaitsForTheWireAndCanBeStopped) {
+  load();
+  reveal_service_area();
+  wire();
+  const test::TemporaryFolder folder;
+  const auto script = folder.write("script.txt", "001 01\n002 02\n003 03\n004 04");
+  host_.user.paths = {script, script, script};
+  user_.click("Register File Load");
+  fake_.link.send(Traffic(40, {{0xFA, 1}}));
+  fake_.advance(2050);
+  EXPECT_EQ(fake_.link.jobs_waiting(), 1u) << "one line at a time";
+  EXPECT_EQ(host_.progress.back(), 25);
+  user_.click("Stop");
+  EXPECT_EQ(wire().substr(40 * 6), "@9200*@9201*@9301*@9200*@9202*@9302*");
+  EXPECT_EQ(host_.last_status(), "Register file: stopped.");
+  user_.click("Register File Load");
+  fake_.advance(260);
+  fake_.sender.connected = false;
+  wire();
+  EXPECT_EQ(host_.last_status(), "Register file: line 2 did not reach the chip.");
+  fake_.sender.connected = true;
+  user_.click("Register File Load");
+  page_->hide();
+  EXPECT_EQ(wire(), "") << "another page takes the place of this one";
+}
+
 }  // namespace
 }  // namespace qv5123
