@@ -7,11 +7,6 @@
 namespace qv5123 {
 namespace {
 
-Task<PerColour> measure_at(CommandLink& link, int x) {
-  co_await write_isp_bytes(link, picker_x_bytes(x));
-  co_return co_await read_picker(link);
-}
-
 /// What is wrong with the reading at `x`; empty when nothing is.
 std::string complaint(int x, const PerColour& rgb) {
   static constexpr const char* kNames[] = {"red", "green", "blue"};
@@ -30,13 +25,22 @@ LensCalibrationResult ended(CalibrationEnd end, std::string message = {}) {
   return result;
 }
 
+/// Why the picker could not be switched off; empty when it could.
+Task<std::string> end_measuring(CommandLink& link, LensValues& values) {
+  std::string trouble = co_await switch_lens_picker(link, values, false);
+  values.picker_on = !trouble.empty();
+  co_return trouble;
+}
+
 }  // namespace
 
-Task<> switch_lens_picker(CommandLink& link, LensValues& values, bool on) {
+Task<std::string> switch_lens_picker(CommandLink& link, LensValues& values, bool on) {
   values.picker_on = on;
-  const int enable = co_await link.wide_read(picker_register::kEnable);
-  const int correction = co_await link.wide_read(picker_register::kCorrection);
-  co_await switch_picker(link, on, lens_picker_switch_bytes(on, enable, correction), values.picker);
+  const int enable = co_await read_picker_register(link, picker_register::kEnable);
+  if (enable < 0) co_return no_answer_text(picker_register::kEnable);
+  const int correction = co_await read_picker_register(link, picker_register::kCorrection);
+  if (correction < 0) co_return no_answer_text(picker_register::kCorrection);
+  co_return co_await switch_picker(link, on, lens_picker_switch_bytes(on, enable, correction), values.picker);
 }
 
 Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values,
@@ -47,12 +51,13 @@ Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values
 
   for (int x : lens_positions(calibration.width)) {
     if (!values.picker_on) co_return ended(CalibrationEnd::aborted);
-    const PerColour rgb = co_await measure_at(link, x);
+    const PerColour rgb = co_await read_picker_at(link, picker_x_bytes(x));
     if (std::string message = complaint(x, rgb); !message.empty()) {
       // The chip measures nothing while it is being switched off.
       if (!values.picker_on) co_return ended(CalibrationEnd::aborted);
-      co_await switch_lens_picker(link, values, false);
-      co_return ended(CalibrationEnd::bad_reading, std::move(message));
+      LensCalibrationResult stopped = ended(CalibrationEnd::bad_reading, std::move(message));
+      stopped.picker = co_await end_measuring(link, values);
+      co_return stopped;
     }
     calibration.samples.push_back(lens_sample(x, rgb));
     on_sample(calibration.samples.back());
@@ -65,7 +70,7 @@ Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values
     result.log = recompute_lens(calibration, values);
     const JobResult sent = co_await link.send(lens_send_parameters(values));
     result.message = sent.failed ? "The parameters did not reach the chip: the port failed." : "";
-    if (values.picker_on) co_await switch_lens_picker(link, values, false);
+    if (values.picker_on) result.picker = co_await end_measuring(link, values);
   } while (values.ratio != ratio);
   co_return result;
 }

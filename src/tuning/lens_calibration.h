@@ -9,8 +9,9 @@
 
 namespace qv5123 {
 
-/// Sets `values.picker_on` and brings the chip to it. The values must outlive the flow.
-Task<> switch_lens_picker(CommandLink& link, LensValues& values, bool on);
+/// Sets `values.picker_on` and brings the chip to it. The values must outlive the flow. What went wrong, in
+/// words; empty when the chip followed. Nothing is written where the chip does not tell the bits to keep.
+Task<std::string> switch_lens_picker(CommandLink& link, LensValues& values, bool on);
 
 enum class CalibrationEnd {
   done,
@@ -23,6 +24,7 @@ struct LensCalibrationResult {
   LensCalibration calibration;  ///< without samples unless done
   std::string log;              ///< what the fit adds to the log
   std::string message;          ///< of a bad reading, or of a port that failed; else empty
+  std::string picker;           ///< why the picker is still on; else empty
 };
 
 /// Sweeps the picker along the line, fits the parameters, puts them into `values`, sends them and switches

@@ -6,11 +6,12 @@
 
 namespace qv5123 {
 
-Task<> switch_matrix_picker(CommandLink& link, MatrixValues& values, bool on) {
+Task<std::string> switch_matrix_picker(CommandLink& link, MatrixValues& values, bool on) {
   values.picker_on = on;
   if (on) values.manual_input = false;
-  const int enable = co_await link.wide_read(picker_register::kEnable);
-  co_await switch_picker(link, on, picker_switch_bytes(on, enable), values.picker);
+  const int enable = co_await read_picker_register(link, picker_register::kEnable);
+  if (enable < 0) co_return no_answer_text(picker_register::kEnable);
+  co_return co_await switch_picker(link, on, picker_switch_bytes(on, enable), values.picker);
 }
 
 Task<bool> get_patch_color(CommandLink& link, MatrixValues& values) {
@@ -21,7 +22,7 @@ Task<bool> get_patch_color(CommandLink& link, MatrixValues& values) {
   // Whoever chose another patch meanwhile is not to be moved away from it.
   if (values.patch_step <= 0 || values.patch != patch) co_return true;
   go_to_next_patch(values);
-  co_await write_isp_bytes(link, picker_position_bytes(values.picker));
+  co_await move_picker(link, picker_position_bytes(values.picker));
   co_return true;
 }
 

@@ -7,8 +7,9 @@
 namespace qv5123 {
 
 /// Sets `values.picker_on` and brings the chip to it; switching on ends manual input. The values are the
-/// page's own and must outlive the flow.
-Task<> switch_matrix_picker(CommandLink& link, MatrixValues& values, bool on);
+/// page's own and must outlive the flow. What went wrong, in words; empty when the chip followed. Nothing is
+/// written where the chip does not tell the bits to keep.
+Task<std::string> switch_matrix_picker(CommandLink& link, MatrixValues& values, bool on);
 
 /// "GET COLOR": what the picker reads becomes the patch that was selected at the start, then the picker goes
 /// on by the patch step. False when the chip did not answer; the patch then keeps its values and the picker

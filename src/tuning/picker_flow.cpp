@@ -1,25 +1,62 @@
 #include "tuning/picker_flow.h"
 
+#include <array>
+#include <cstdio>
 #include <utility>
 
 namespace qv5123 {
 
-Task<> write_isp_bytes(CommandLink& link, IspBytes bytes) {
-  for (const IspByte& byte : bytes) co_await link.wide_write(byte.address, byte.value);
+Task<bool> write_isp_bytes(CommandLink& link, IspBytes bytes) {
+  bool all_left = true;
+  for (const IspByte& byte : bytes) {
+    const bool left = co_await link.wide_write(byte.address, byte.value);
+    all_left = all_left && left;
+  }
+  co_return all_left;
+}
+
+Task<bool> move_picker(CommandLink& link, IspBytes position) {
+  const CommandLink::Turn turn = co_await link.turn();
+  co_return co_await write_isp_bytes(link, std::move(position));
 }
 
 Task<PerColour> read_picker(CommandLink& link) {
+  IspBytes where_it_is;
+  co_return co_await read_picker_at(link, std::move(where_it_is));
+}
+
+Task<PerColour> read_picker_at(CommandLink& link, IspBytes position) {
+  const CommandLink::Turn turn = co_await link.turn();
+  co_await write_isp_bytes(link, std::move(position));
   PerColour colour{};
-  colour[0] = co_await link.wide_read(picker_register::kRed);
-  colour[1] = co_await link.wide_read(picker_register::kGreen);
-  colour[2] = co_await link.wide_read(picker_register::kBlue);
+  colour[0] = co_await link.wide_read(picker_register::kRed, turn);
+  colour[1] = co_await link.wide_read(picker_register::kGreen, turn);
+  colour[2] = co_await link.wide_read(picker_register::kBlue, turn);
   co_return colour;
 }
 
-Task<> switch_picker(CommandLink& link, bool on, IspBytes bytes, PickerPosition position) {
-  co_await write_isp_bytes(link, std::move(bytes));
-  co_await link.send(picker_task_traffic(on));
-  if (on) co_await write_isp_bytes(link, picker_position_bytes(position));
+Task<int> read_picker_register(CommandLink& link, int address) {
+  const int value = co_await link.wide_read(address);
+  if (value >= 0) co_return value;
+  co_return co_await link.wide_read(address);
+}
+
+std::string no_answer_text(int address) {
+  std::array<char, 50> text{};
+  std::snprintf(text.data(), text.size(), "Color picker: no answer from 0xF%03X", address & 0xFFF);
+  return text.data();
+}
+
+Task<std::string> switch_picker(CommandLink& link, bool on, IspBytes bytes, PickerPosition position) {
+  bool all_left = co_await write_isp_bytes(link, std::move(bytes));
+  const JobResult tasks = co_await link.send(picker_task_traffic(on));
+  all_left = all_left && !tasks.failed;
+  if (on) {
+    const bool moved = co_await move_picker(link, picker_position_bytes(position));
+    all_left = all_left && moved;
+  }
+  if (all_left) co_return std::string();
+  co_return std::string("Color picker: not all of it reached the chip");
 }
 
 }  // namespace qv5123

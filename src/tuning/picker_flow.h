@@ -1,19 +1,33 @@
 #pragma once
 
+#include <string>
+
 #include "link/command_link.h"
 #include "link/task.h"
 #include "tuning/picker.h"
 
 namespace qv5123 {
 
-/// Writes the bytes one after the other, waiting after each.
-Task<> write_isp_bytes(CommandLink& link, IspBytes bytes);
+/// Writes the bytes one after the other, waiting after each. False when not all of them left.
+Task<bool> write_isp_bytes(CommandLink& link, IspBytes bytes);
 
-/// What the chip measures around the cursor, 0..255 each; -1 where it did not answer.
+/// The same for bytes that bring the cursor somewhere: not while somebody else measures where it is.
+Task<bool> move_picker(CommandLink& link, IspBytes position);
+
+/// What the chip measures around the cursor, 0..255 each; -1 where it did not answer. Nobody moves the cursor
+/// meanwhile.
 Task<PerColour> read_picker(CommandLink& link);
+/// The same once the cursor was brought to `position`.
+Task<PerColour> read_picker_at(CommandLink& link, IspBytes position);
+
+/// What a register holds of which only some bits are to change, asked for twice if need be; -1 without any
+/// answer.
+Task<int> read_picker_register(CommandLink& link, int address);
+/// What is said where that was in vain.
+std::string no_answer_text(int address);
 
 /// The end of switching the picker on or off: `bytes`, then the AE and AWB tasks, then, when on, the
-/// position. Without an answer to the read before, `bytes` were made from -1, that is from all bits set.
-Task<> switch_picker(CommandLink& link, bool on, IspBytes bytes, PickerPosition position);
+/// position. What went wrong, in words; empty when all of it left.
+Task<std::string> switch_picker(CommandLink& link, bool on, IspBytes bytes, PickerPosition position);
 
 }  // namespace qv5123

@@ -67,8 +67,12 @@ struct Page {
     chip.wire.advance(60'000);
     EXPECT_FALSE(flows.running());
   }
+  Task<> run_switch(bool on) {
+    const std::string trouble = co_await switch_lens_picker(chip.wire.link, values, on);
+    EXPECT_EQ(trouble, "");
+  }
   void switch_picker(bool on) {
-    flows.spawn(switch_lens_picker(chip.wire.link, values, on));
+    flows.spawn(run_switch(on));
     chip.wire.advance(2'000);
   }
 };
@@ -146,6 +150,8 @@ TEST(LensCalibration, StopsAtAReadingThatIsMissingOrZero) {
   silent.calibrate();
   EXPECT_EQ(silent.result.message, "Calibration stopped: no reading of red at X pos 272.");
   EXPECT_EQ(silent.samples.size(), 1u);
+  EXPECT_EQ(silent.result.picker, "Color picker: no answer from 0xFA29");
+  EXPECT_TRUE(silent.values.picker_on) << "the chip still measures";
 
   Page aborted;
   aborted.values.picker_on = true;

@@ -205,6 +205,7 @@ void CDlgIspLSC::take_sample(const LensSample& sample, std::size_t of) {
 
 void CDlgIspLSC::finish(LensCalibrationResult result) {
   const CalibrationEnd end = result.end;
+  const std::string picker = result.picker;
   const int width = calibration_.width;
   calibration_ = std::move(result.calibration);
   calibration_.width = width;
@@ -214,7 +215,7 @@ void CDlgIspLSC::finish(LensCalibrationResult result) {
   picker_->show_values();
   picker_->enable_keys(end == CalibrationEnd::aborted || values_.picker_on);
   // An abort was a click on the switch, which says so itself.
-  if (end != CalibrationEnd::aborted) host().show_status(kPickerOffStatus);
+  if (end != CalibrationEnd::aborted) host().show_status(picker.empty() ? kPickerOffStatus : picker);
 }
 
 void CDlgIspLSC::load_file() {

@@ -304,18 +304,29 @@ Task<> CDlgIspMatrix::run_save() {
   // Before the file, which may have to be chosen: what is loaded meanwhile belongs neither there nor here.
   save.traffic = matrix_full_save(values_);
   const bool written = co_await host().save_everything();
+  // Until the chip's exposure and white balance run again.
+  const BusyScope busy(host());
   if (!co_await save_on_chip(host(), std::move(save))) co_return;
+  const std::string trouble = co_await end_capture();
+  if (trouble.empty()) host().show_status(kPickerOffStatus);
+  host().show_status("Transfered Linear Matrix parameters to ISP. Enable color correction.");
+  if (!written) host().show_status(kSavedOnChipOnly);
+  if (!trouble.empty()) host().show_status(trouble);
+}
+
+/// What went wrong, in words; the picker is then as it was.
+Task<std::string> CDlgIspMatrix::end_capture() {
+  const bool was_on = values_.picker_on;
   // The picker must not be switched on again before it is off.
   picker_->setEnabled(false);
   values_.picker_on = false;
   show_measurements();
-  co_await switch_matrix_picker(link(), values_, false);
+  std::string trouble = co_await switch_matrix_picker(link(), values_, false);
+  if (!trouble.empty()) values_.picker_on = was_on;
   picker_->setEnabled(true);
   take_typed_text(this);
   show_measurements();
-  host().show_status(kPickerOffStatus);
-  host().show_status("Transfered Linear Matrix parameters to ISP. Enable color correction.");
-  if (!written) host().show_status(kSavedOnChipOnly);
+  co_return trouble;
 }
 
 void CDlgIspMatrix::save_to_user_data() {

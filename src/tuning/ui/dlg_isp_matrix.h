@@ -52,6 +52,7 @@ class CDlgIspMatrix : public TuningPage {
   void load_file();
   void load_isp();
   Task<> run_save();
+  Task<std::string> end_capture();
 
   MatrixValues values_;
   PickerBox* picker_;

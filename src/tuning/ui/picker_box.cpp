@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "tuning/page_flows.h"
 #include "tuning/picker_flow.h"
 
 namespace qv5123 {
@@ -129,10 +130,10 @@ void PickerBox::send_typed() {
 Task<> PickerBox::run_send_typed() {
   while (picker_.on && keys_->isEnabledTo(this) && (x_typed_ || y_typed_)) {
     if (std::exchange(y_typed_, false)) {
-      co_await write_isp_bytes(host_.link(), picker_y_bytes(picker_.position.y));
+      co_await move_picker(host_.link(), picker_y_bytes(picker_.position.y));
     } else {
       x_typed_ = false;
-      co_await write_isp_bytes(host_.link(), picker_x_bytes(picker_.position.x));
+      co_await move_picker(host_.link(), picker_x_bytes(picker_.position.x));
     }
   }
 }
@@ -145,8 +146,12 @@ void PickerBox::move(PickerMove move) {
   take_typed_text(window());
   picker_.position = moved(picker_.position, move, picker_.step_index);
   show_values();
-  moves_.spawn(write_isp_bytes(host_.link(), moves_across(move) ? picker_x_bytes(picker_.position.x)
-                                                                : picker_y_bytes(picker_.position.y)));
+  moves_.spawn(send_move(moves_across(move) ? picker_x_bytes(picker_.position.x)
+                                            : picker_y_bytes(picker_.position.y)));
+}
+
+Task<> PickerBox::send_move(IspBytes position) {
+  co_await move_picker(host_.link(), std::move(position));
 }
 
 void PickerBox::click_switch(bool on) {
@@ -156,16 +161,24 @@ void PickerBox::click_switch(bool on) {
   emit switched();
 }
 
-/// One switch at a time, for the chip would end up in between: who changes his mind meanwhile waits.
+/// One switch at a time, for the chip would end up in between: who changes his mind meanwhile waits. A chip
+/// that did not follow is as it was, and so is the box then.
 Task<> PickerBox::run_switch() {
+  const BusyScope busy(host_);
   bool on = false;
   switching_chip_ = true;
   show_keys();
   do {
     on = picker_.on;
     x_typed_ = y_typed_ = false;
-    co_await picker_.switch_chip(on);
-    host_.show_status(on ? kPickerOnStatus : kPickerOffStatus);
+    const std::string trouble = co_await picker_.switch_chip(on);
+    if (trouble.empty()) {
+      host_.show_status(on ? kPickerOnStatus : kPickerOffStatus);
+    } else {
+      host_.show_status(trouble);
+      on = picker_.on = !on;
+      emit switched();
+    }
   } while (picker_.on != on);
   switching_chip_ = false;
   show_values();

@@ -23,7 +23,8 @@ class PickerBox : public QWidget {
     bool& on;
     PickerPosition& position;
     int& step_index;
-    std::function<Task<>(bool on)> switch_chip;
+    /// Tells what went wrong, in words; empty when the chip followed.
+    std::function<Task<std::string>(bool on)> switch_chip;
   };
   /// The key in the middle.
   struct Key {
@@ -43,9 +44,9 @@ class PickerBox : public QWidget {
   Task<> arrive();
 
  signals:
-  /// The user has clicked the switch: the page's flag has changed.
+  /// The page's flag has changed: the user has clicked the switch, or the chip did not follow.
   void switched();
-  /// The chip has followed.
+  /// The chip has followed, or did not.
   void settled();
 
  private:
@@ -53,6 +54,7 @@ class PickerBox : public QWidget {
   void make_keys(QGridLayout* grid, Key key);
   void add_arrow(QGridLayout* grid, int row, int column, const QString& caption, PickerMove move);
   void move(PickerMove move);
+  Task<> send_move(IspBytes position);
   void click_switch(bool on);
   Task<> run_switch();
   void show_keys();

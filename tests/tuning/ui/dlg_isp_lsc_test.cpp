@@ -85,8 +85,8 @@ TEST_F(LensPage, SwitchesThePickerAndMovesIt) {
   EXPECT_EQ(drive_.number("X Pos"), 832);
   EXPECT_EQ(drive_.number("Y Pos"), 0);
   EXPECT_EQ(wire_.sender.wire(),
-            "@920c*@9238*@9303*@920c*@923a*@9300*@920c*@923a*@9300*"
-            "@920c*@9239*@9340*@920c*@923b*@930a*@920c*@923b*@9300*")
+            "@920c*@9238*@9303*@920c*@9239*@9340*@920c*@923a*@9300*@920c*@923b*@930a*"
+            "@920c*@923a*@9300*@920c*@923b*@9300*")
       << "what was typed leaves as well";
 
   wire_.sender.writes.clear();
@@ -135,7 +135,7 @@ TEST_F(LensPage, CalibratesSendsAndSwitchesOff) {
   EXPECT_TRUE(log().contains("Center horizontal pos: 9"));
   EXPECT_FALSE(drive_.checked("Enable Color Picker"));
   EXPECT_EQ(host_.last_status(), "End color capture.");
-  EXPECT_EQ(host_.busy, (std::vector<bool>{true, false}));
+  EXPECT_EQ(host_.busy, (std::vector<bool>{true, false, true, false})) << "the switch, then the sweep";
   const std::string wire = wire_.sender.wire();
   EXPECT_TRUE(wire.ends_with(kSwitchedOff));
   EXPECT_NE(wire.find("@6401*"), std::string::npos);
