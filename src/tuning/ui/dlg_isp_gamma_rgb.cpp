@@ -27,6 +27,7 @@ QDoubleSpinBox* make_exponent(const QString& name, double value) {
   box->setValue(value);
   box->setKeyboardTracking(false);
   keep_wheel_from(box);
+  mark_refusals_of(box);
   return box;
 }
 

@@ -20,16 +20,6 @@ constexpr std::array<const char*, kMatrixRows> kRowRegisters{"0x52, 0x55 or 0x58
                                                              "0x54, 0x57 or 0x5A"};
 constexpr char kCodeRange[] = "0x0000..0x1FFF in 13-bit two's complement, 0x0400 is 1.0";
 
-void mark_refused(QLineEdit* edit, bool refused) {
-  QPalette palette;
-  if (refused) {
-    palette.setColor(QPalette::Base, QColor(0xC0, 0x30, 0x30));
-    palette.setColor(QPalette::Text, Qt::white);
-  }
-  // What is not set here comes from the page.
-  edit->setPalette(palette);
-}
-
 }  // namespace
 
 CDlgIspMatrix::CDlgIspMatrix(PageHost& host)

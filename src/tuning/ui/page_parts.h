@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSpinBox>
@@ -37,6 +38,12 @@ QPushButton* make_set_button(const QString& caption, const QString& value, const
 /// An edit with a spin for numbers of `minimum`..`maximum`. It tells its value while it is being typed only
 /// when Enter is pressed or the focus leaves.
 QSpinBox* make_number(int minimum, int maximum, const QString& name, const QString& tooltip);
+
+/// Marks `edit` as holding, or having been given, what it does not take; its tooltip tells the range.
+void mark_refused(QLineEdit* edit, bool refused);
+/// Marks the edit of `box` while what is typed into it is no value of its range, and when a key was refused
+/// for that, until it is told another value or left.
+void mark_refusals_of(QAbstractSpinBox* box);
 
 /// What stands in the edit, typed text that was not confirmed included.
 int typed_value(QSpinBox* box);
