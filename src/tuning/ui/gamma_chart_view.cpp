@@ -3,7 +3,6 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -55,6 +54,15 @@ GammaChartView::GammaChartView(const GammaValues& values) : values_(values) {
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+}
+
+bool GammaChartView::event(QEvent* event) {
+  // It would cover what the readout tells of.
+  if (event->type() == QEvent::ToolTip && !readout().isEmpty()) {
+    event->ignore();
+    return true;
+  }
+  return QWidget::event(event);
 }
 
 QTransform GammaChartView::transform() const {
@@ -116,7 +124,6 @@ void GammaChartView::mouseMoveEvent(QMouseEvent* event) {
   const ChartPixel at = to_chart(event->position());
   if (!dragging_ || !chosen_) return hover(nearest_gamma_point(values_, at));
   emit point_dragged(*chosen_, gamma_value_at(at.y));
-  QToolTip::showText(event->globalPosition().toPoint(), readout(), this);
 }
 
 void GammaChartView::mouseReleaseEvent(QMouseEvent* event) {
@@ -140,7 +147,8 @@ void GammaChartView::choose_neighbour(int step) {
 
 void GammaChartView::keyPressEvent(QKeyEvent* event) {
   const auto nudge = [this](int delta) {
-    if (chosen_) emit point_nudged(*chosen_, delta);
+    if (!chosen_) return choose_neighbour(0);
+    emit point_nudged(*chosen_, delta);
   };
   switch (event->key()) {
     case Qt::Key_Left:
@@ -170,6 +178,7 @@ void GammaChartView::paintEvent(QPaintEvent*) {
     if (id != kFrontCurve) paint_curve(painter, id);
   }
   paint_chosen(painter);
+  if (hasFocus()) paint_focus(painter);
 }
 
 /// It stays while the points move, and takes longer to paint than they do.
@@ -235,6 +244,12 @@ void GammaChartView::paint_curve(QPainter& painter, GammaCurveId id) const {
   // The line starts at the plot's corner, which is no point of the curve.
   for (qsizetype i = 1; i < line.size(); ++i)
     painter.drawEllipse(line[i], kGammaMarkRadius, kGammaMarkRadius);
+}
+
+void GammaChartView::paint_focus(QPainter& painter) const {
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(Qt::black, 1, Qt::DashLine));
+  painter.drawRect(rect_of(kGammaFrame).adjusted(3, 3, -3, -3));
 }
 
 void GammaChartView::paint_chosen(QPainter& painter) const {

@@ -12,7 +12,8 @@
 namespace qv5123 {
 
 /// The gamma curves of the current selection over the front curve, the points draggable with the mouse. The
-/// left and right keys choose a point, up and down move it, by 1 or with page up and page down by 16. It
+/// left and right keys choose a point, up and down move it, by 1 or with page up and page down by 16; while
+/// none is chosen any of them chooses the first. It
 /// grows with the page and keeps its proportions; its colours are the same in every palette.
 ///
 /// The view shows the page's own values and changes nothing in them: it tells what the user wants moved.
@@ -41,6 +42,7 @@ class GammaChartView : public QWidget {
   void point_nudged(const qv5123::GammaHit& points, int delta);
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
@@ -59,6 +61,7 @@ class GammaChartView : public QWidget {
   void paint_labels(QPainter& painter) const;
   void paint_curve(QPainter& painter, GammaCurveId id) const;
   void paint_chosen(QPainter& painter) const;
+  void paint_focus(QPainter& painter) const;
 
   const GammaValues& values_;
   std::optional<GammaHit> hovered_;
