@@ -12,6 +12,19 @@
 
 namespace qv5123::test {
 
+/// The page's one child of this type and accessible name.
+template <class Widget>
+Widget* find(const QWidget& page, const QString& name) {
+  Widget* found = nullptr;
+  for (auto* widget : page.findChildren<Widget*>()) {
+    if (widget->accessibleName() != name) continue;
+    EXPECT_EQ(found, nullptr) << name.toStdString() << " is not unique";
+    found = widget;
+  }
+  EXPECT_NE(found, nullptr) << "no such control: " << name.toStdString();
+  return found;
+}
+
 /// A page used as a user does, who finds controls by the names that assistive tools read out.
 class PageDriver {
  public:
@@ -19,10 +32,7 @@ class PageDriver {
 
   template <class Widget>
   Widget* find(const QString& name) const {
-    for (auto* widget : page_.findChildren<Widget*>())
-      if (widget->accessibleName() == name) return widget;
-    ADD_FAILURE() << "no such control: " << name.toStdString();
-    return nullptr;
+    return test::find<Widget>(page_, name);
   }
   void click(const QString& name) const { find<QAbstractButton>(name)->click(); }
   void type(const QString& name, int value) const { find<QSpinBox>(name)->setValue(value); }
@@ -43,7 +53,8 @@ class PageDriver {
     for (const QWidget* widget : page_.findChildren<QWidget*>()) {
       // The parts of a spin box, and the lists that drop down in windows of their own.
       const bool is_inner_part = widget->objectName().startsWith("qt_") || widget->window() != page_.window();
-      if (is_inner_part || !(widget->focusPolicy() & Qt::TabFocus)) continue;
+      const bool is_out_of_reach = widget->isHidden() && !widget->isEnabled();
+      if (is_inner_part || is_out_of_reach || !(widget->focusPolicy() & Qt::TabFocus)) continue;
       const QString name = widget->accessibleName();
       EXPECT_FALSE(name.isEmpty()) << widget->metaObject()->className();
       EXPECT_FALSE(names.contains(name)) << name.toStdString();

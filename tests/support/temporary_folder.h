@@ -20,19 +20,32 @@ class TemporaryFolder {
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
   const std::filesystem::path& path() const { return path_; }
+  std::filesystem::path operator/(const std::filesystem::path& name) const { return path_ / name; }
   std::filesystem::path write(const std::string& name, const std::string& bytes) const {
     std::ofstream(path_ / name, std::ios::binary) << bytes;
     return path_ / name;
   }
-  std::string read(const std::string& name) const {
+  std::string read(const std::filesystem::path& name) const {
     std::ifstream file(path_ / name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
   }
+  /// How many files and folders it holds.
+  std::ptrdiff_t size() const { return std::distance(std::filesystem::directory_iterator(path_), {}); }
 
  private:
   const std::filesystem::path path_ = std::filesystem::temp_directory_path() /
                                       ("qv5123_" + std::to_string(detail::process_number()) + "_" +
                                        testing::UnitTest::GetInstance()->current_test_info()->name());
+};
+
+/// The same, and the current one for the time of the test.
+class CurrentFolder : public TemporaryFolder {
+ public:
+  CurrentFolder() { std::filesystem::current_path(path()); }
+  ~CurrentFolder() { std::filesystem::current_path(before_); }
+
+ private:
+  const std::filesystem::path before_ = std::filesystem::current_path();
 };
 
 }  // namespace qv5123::test

@@ -13,4 +13,11 @@ inline std::string on_wire(const Traffic& traffic) {
   return text;
 }
 
+/// The same without the boundaries.
+inline std::string bytes_of(const Traffic& traffic) {
+  std::string text;
+  for (const Batch& batch : traffic) text += frames(batch);
+  return text;
+}
+
 }  // namespace qv5123
