@@ -4,10 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <random>
 
 #include "tuning/lens_fit.h"
-#include "tuning/traffic_text.h"
 
 namespace qv5123 {
 namespace {
@@ -30,47 +28,10 @@ std::vector<LensSample> falling_samples(int width, int centre, double a, double 
   return samples;
 }
 
-TEST(LensShading, KeepsItsParametersInTheUserDataAndTheReply) {
-  UserDataImage image;
-  save_to_user_data(marked_values(), image);
-  const std::vector<int> entries(image.bytes().begin() + 440, image.bytes().begin() + 452);
-  EXPECT_EQ(entries,
-            (std::vector<int>{0x01, 0x23, 0x02, 0x34, 0x03, 0x45, 0x0F, 0x01, 0x0F, 0x02, 0x0F, 0x03}));
-  EXPECT_EQ(encode_lens_reply(marked_values()), "0123023403450f010f020f03");
+TEST(LensShading, DecodesTheReply) {
   EXPECT_EQ(decode_lens_reply("0123023403450f010F020F03", {}), marked_values());
   EXPECT_FALSE(decode_lens_reply("0123023403450f010F020F0", {}));
   EXPECT_EQ(decode_lens_reply("ffff02340345000000000000", {})->parameter1[0], 4095);
-}
-
-TEST(LensShading, RoundTripsThroughImageAndReply) {
-  std::mt19937 random(2);
-  for (int round = 0; round < 20; ++round) {
-    LensValues values;
-    for (PerColour* row : {&values.parameter1, &values.parameter2}) {
-      for (int& parameter : *row) parameter = static_cast<int>(random() % 4096);
-    }
-    UserDataImage image;
-    save_to_user_data(values, image);
-    LensValues loaded;
-    reload_from_user_data(loaded, image);
-    EXPECT_EQ(loaded, values);
-    EXPECT_EQ(decode_lens_reply(encode_lens_reply(values), {}), values);
-  }
-}
-
-TEST(LensShading, SendsAndSavesInOrder) {
-  EXPECT_EQ(traffic_text(lens_send_parameters(marked_values())),
-            "6401 6423 6402 6434 6403 6445|650f 6501 650f 6502 650f 6503");
-  EXPECT_EQ(traffic_text(lens_full_save(marked_values())),
-            "f901|fa01|6401 6423|6402 6434|6403 6445|650f 6501|650f 6502|650f 6503|fa00|f900");
-}
-
-TEST(LensShading, FlickerBoxesToggleAndExclude) {
-  EXPECT_EQ(flicker_after_ntsc(flicker_after_ntsc(kFlickerOff)), kFlickerOff);
-  EXPECT_EQ(flicker_after_pal(flicker_after_ntsc(kFlickerOff)), kFlickerPal);
-  EXPECT_EQ(flicker_after_ntsc(kFlickerPal), kFlickerNtsc);
-  EXPECT_EQ(flicker_after_pal(kFlickerPal), kFlickerOff);
-  EXPECT_EQ(flicker_mode_write(kFlickerNtsc), (Batch{{0xBD, 2}}));
 }
 
 TEST(Picker, MovesWithinThePictureAndKeepsOtherBits) {
@@ -78,24 +39,10 @@ TEST(Picker, MovesWithinThePictureAndKeepsOtherBits) {
   EXPECT_EQ(moved({2300, 5}, PickerMove::right, 2), (PickerPosition{2303, 5}));
   EXPECT_EQ(moved({2300, 1535}, PickerMove::down, 99), (PickerPosition{2300, 1535}));
   EXPECT_EQ(moved({2147483647, -5}, PickerMove::left, 7), (PickerPosition{2175, 0}));
-  EXPECT_EQ(picker_position_bytes({960, 540}),
-            (IspBytes{{0xC3A, 0x02}, {0xC3B, 0x1C}, {0xC38, 0x03}, {0xC39, 0xC0}}));
   EXPECT_EQ(lens_picker_switch_bytes(true, 0x41, 0x3F),
             (IspBytes{{0xA10, 0x2F}, {0xA20, 0x80}, {0xA29, 0xC1}}));
   EXPECT_EQ(lens_picker_switch_bytes(false, 0xC1, 0x2F),
             (IspBytes{{0xA10, 0x3F}, {0xA20, 0x90}, {0xA29, 0x41}}));
-  EXPECT_EQ(traffic_text(picker_task_traffic(true)), "a000|a100");
-  EXPECT_EQ(traffic_text(picker_task_traffic(false)), "a001|a101");
-}
-
-TEST(LensFit, SweepsInterleaved) {
-  const std::vector<int> full = lens_positions(lens_line_width(0));
-  ASSERT_EQ(full.size(), 60u);
-  EXPECT_EQ(std::vector<int>(full.begin() + 6, full.begin() + 10), (std::vector<int>{1552, 1808, 48, 304}));
-  EXPECT_EQ(*std::max_element(full.begin(), full.end()), 1904);
-  const std::vector<int> half = lens_positions(lens_line_width(1));
-  EXPECT_EQ(half.size(), 40u);
-  EXPECT_EQ(*std::max_element(half.begin(), half.end()), 1264);
 }
 
 TEST(LensFit, RecoversAKnownFallOff) {
@@ -154,16 +101,6 @@ TEST(LensFit, ClampsAndSurvivesWhatCannotBeFitted) {
   values = marked_values();
   EXPECT_EQ(recompute_lens(empty, values), "");
   EXPECT_EQ(values, marked_values());
-}
-
-TEST(LensFit, LogsWordForWord) {
-  EXPECT_EQ(lens_sample_log({272, {10, 20, 30}, 0}), "X pos: 272 \tR=10\tG=20\tB=30\r\n");
-  LensFit fit;
-  fit.a = {0.5, 0.25, 1.0 / 3};
-  fit.b = {-0.125, 1e-9, -2};
-  EXPECT_EQ(lens_fit_log({960, {}, {}, {}}, fit),
-            "Center horizontal pos: 960\r\n0.500000, -0.125000, \r\n0.250000, 0.000000, \r\n0.333333, "
-            "-2.000000, \r\n ");
 }
 
 }  // namespace

@@ -3,57 +3,21 @@
 #include <gtest/gtest.h>
 
 #include <QSlider>
-#include <random>
 
-#include "support/fake_page_host.h"
-#include "support/page_driver.h"
+#include "support/page_bench.h"
+#include "support/random_settings.h"
+#include "support/traffic_text.h"
 
 namespace qv5123 {
 namespace {
 
-DynamicValues random_values(unsigned seed) {
-  std::mt19937 random(seed);
-  const auto in = [&random](BarRange range) {
-    return std::uniform_int_distribution<int>(range.lowest, range.highest)(random);
-  };
-  DynamicValues values;
-  for (const DynamicNumber& number : kDynamicNumbers) values.*number.value = in(number.range);
-  values.orientation = in({0, 3});
-  for (StepBank& bank : values.banks)
-    for (StepBytes& row : bank)
-      for (std::uint8_t& byte : row) byte = static_cast<std::uint8_t>(in({0, 255}));
-  for (std::size_t i = 0; i < kLightSources; ++i) {
-    values.light_sources[i] = {in({0, 2}), in({0, 255})};
-    values.saturation[i] = in(kSaturationRange);
-    values.weights[i] = {in(kWeightRange), in(kWeightRange)};
-  }
-  values.hue_angle = in(kHueRange);
-  values.dpc_decision = in(kDpcRange);
-  values.smart_ir = in({0, 3});
-  values.video_mode = in({0, 3});
-  return values;
-}
-
-class AeTunePage : public testing::Test {
+class AeTunePage : public test::PageBench<CDlgAeTune> {
  protected:
-  /// What was sent since the last call.
-  std::string wire(int milliseconds = 3000) {
-    fake_.advance(milliseconds);
-    const std::string all = fake_.sender.wire();
-    return all.substr(std::exchange(seen_, all.size()));
-  }
-  void answer_load(const std::string& reply) {
+  void load(const std::string& reply) {
     user_.click("Load <- ISP");
-    fake_.advance(60);
-    fake_.receive("~" + reply + "^");
-    EXPECT_EQ(wire(300), "@6900*");
+    answer_load(reply);
+    EXPECT_EQ(wire(0), "@6900*");
   }
-
-  test::FakeWire fake_;
-  test::FakePageHost host_{fake_};
-  CDlgAeTune page_{host_};
-  test::PageDriver user_{page_};
-  std::size_t seen_ = 0;
 };
 
 TEST_F(AeTunePage, GainsAskFirstAndCancelRestores) {
@@ -175,27 +139,14 @@ TEST_F(AeTunePage, TheChipsValuesFillThePage) {
   const auto put = [&reply](std::size_t byte, const std::string& hex) {
     reply.replace(2 * byte, hex.size(), hex);
   };
-  put(0,
-      "01"
-      "0a"
-      "0b"
-      "0c");
+  put(0, "010a0b0c");
   put(7 + 5 + 1, "2a");  // ISO step 0 of the IR-LED bank
-  put(217,
-      "00"
-      "14"
-      "02"
-      "ff");  // light sources
+  put(217, "001402ff");  // light sources
   put(224, "41");
-  put(226,
-      "c8"
-      "5a");
+  put(226, "c85a");
   put(228, "ffce");
-  put(240,
-      "09"
-      "01"
-      "02");
-  answer_load(reply);
+  put(240, "090102");
+  load(reply);
   EXPECT_EQ(host_.last_status(), "Load Isp ok");
   EXPECT_TRUE(user_.checked("MIRROR"));
   EXPECT_FALSE(user_.checked("None"));
@@ -210,17 +161,15 @@ TEST_F(AeTunePage, TheChipsValuesFillThePage) {
   user_.click("Light-1");
   EXPECT_EQ(user_.number("Light source value"), 255);
   EXPECT_EQ(user_.number("Saturation"), 1);
-  put(241,
-      "00"
-      "7f");
-  answer_load(reply);
+  put(241, "007f");
+  load(reply);
   EXPECT_EQ(user_.index("Video Mode"), -1);
   EXPECT_FALSE(user_.find<QSpinBox>("Bright Step 1")->isEnabled()) << "no bank belongs to the format";
   user_.click("ISO Set");
   EXPECT_EQ(wire(), "");
   user_.click("Load <- ISP");
   EXPECT_TRUE(page_.loading());
-  EXPECT_EQ(wire(), "@6900*");
+  EXPECT_EQ(wire(2000), "@6900*");
   EXPECT_EQ(host_.last_status(), "AE_Tune Data Load Fail...");
 }
 
@@ -231,15 +180,10 @@ TEST_F(AeTunePage, FullSaveWaitsForTheFlash) {
   user_.click("File/Flash Save");
   EXPECT_EQ(host_.last_status(), "AE_Tune Data Saving...");
   values.ae_target = 50;
-  const Traffic expected = [&values] {
-    StepGrid grid = decode_step_bank(values.banks[0]);
-    grid[kRowSharpness][3] = 7;
-    return dynamic_save(values, grid, UserDataImage{}).traffic;
-  }();
-  std::string bytes;
-  for (const Batch& batch : expected) bytes += frames(batch);
-  EXPECT_EQ(wire(100 + 50 * static_cast<int>(expected.size())), bytes);
-  EXPECT_EQ(bytes.substr(0, 48), "@f901*@fa01*@5f00*@3701*@3801*@3901*@3c00*@3b01*");
+  StepGrid grid = decode_step_bank(values.banks[0]);
+  grid[kRowSharpness][3] = 7;
+  const Traffic expected = dynamic_save(values, grid, UserDataImage{}).traffic;
+  EXPECT_EQ(wire(100 + 50 * static_cast<int>(expected.size())), bytes_of(expected));
   EXPECT_EQ(host_.last_status(), "AE_Tune Data Saving...") << "the chip is storing";
   EXPECT_EQ(host_.busy.back(), true);
   fake_.advance(10000);
@@ -248,18 +192,19 @@ TEST_F(AeTunePage, FullSaveWaitsForTheFlash) {
 }
 
 TEST_F(AeTunePage, WhatIsSavedComesBackFromFileAndChip) {
-  for (unsigned seed = 1; seed <= 10; ++seed) {
-    const DynamicValues values = random_values(seed);
+  std::mt19937 random(1);
+  for (int round = 0; round < 10; ++round) {
+    const DynamicValues values = test::random_dynamic_values(random);
     save_to_user_data(values, host_.doc.user_data);
     user_.click("Load <- File");
     const UserDataImage before = host_.doc.user_data;
     host_.doc.user_data.assign({});
     page_.save_to_user_data();
-    EXPECT_TRUE(host_.doc.user_data == before) << seed;
-    answer_load(encode_dynamic_reply(values));
+    EXPECT_TRUE(host_.doc.user_data == before) << round;
+    load(encode_dynamic_reply(values));
     host_.doc.user_data.assign({});
     page_.save_to_user_data();
-    EXPECT_TRUE(host_.doc.user_data == before) << seed;
+    EXPECT_TRUE(host_.doc.user_data == before) << round;
   }
   user_.type("NR Step 5", 300);
   page_.save_to_user_data();

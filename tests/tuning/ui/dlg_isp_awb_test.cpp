@@ -4,25 +4,14 @@
 
 #include <random>
 
-#include "support/fake_page_host.h"
-#include "support/page_driver.h"
+#include "support/page_bench.h"
 
 namespace qv5123 {
 namespace {
 
-class AwbPage : public testing::Test {
+class AwbPage : public test::PageBench<CDlgIspAwb> {
  protected:
-  const std::string& wire() {
-    fake_.advance(2000);
-    return sent_ = fake_.sender.wire();
-  }
   const AwbChartView& chart() { return *page_.findChild<AwbChartView*>(); }
-
-  test::FakeWire fake_;
-  test::FakePageHost host_{fake_};
-  CDlgIspAwb page_{host_};
-  test::PageDriver user_{page_};
-  std::string sent_;
 };
 
 TEST_F(AwbPage, SetLimitsTheRowAndSendsItKept) {
@@ -44,42 +33,42 @@ TEST_F(AwbPage, KeysSendOneWriteEach) {
   EXPECT_EQ(wire(), "@3200*@3300*@3400*@0100*@0101*@0102*@0103*");
 }
 
-TEST_F(AwbPage, TheChipsLinesFillThePage) {
+TEST_F(AwbPage, TheChipsLinesFillThePageAndAreSavedAsTheyCame) {
   user_.type("A Slope", 7);
   user_.click("Load <- ISP");
   EXPECT_TRUE(page_.loading());
-  fake_.advance(100);
-  fake_.receive("~0102020303200321ffff0005000600078000ffff^");
-  fake_.advance(300);
+  answer_load("01020203fffefce0032001050106010704098000");
   EXPECT_FALSE(page_.loading());
-  EXPECT_EQ(fake_.sender.wire(), "@3600*");
+  EXPECT_EQ(wire(), "@3600*");
   EXPECT_EQ(host_.last_status(), "Load Isp Ok.");
   EXPECT_EQ(user_.number("A Slope"), 0x102);
-  EXPECT_EQ(user_.number("B Slope"), 800);
-  EXPECT_EQ(user_.number("B Intercept"), 801 - 65536);
-  EXPECT_EQ(user_.number("C Slope"), -1);
-  EXPECT_EQ(user_.number("E Intercept"), -32768);
-  EXPECT_EQ(user_.number("F Intercept"), -1);
+  EXPECT_EQ(user_.number("B Slope"), -2);
+  EXPECT_EQ(user_.number("F Intercept"), -32768);
 
-  user_.click("Load <- ISP");
-  fake_.advance(2000);
-  EXPECT_EQ(host_.last_status(), "AWB Data Load Fail...");
-  EXPECT_EQ(user_.number("A Slope"), 0x102);
-}
-
-TEST_F(AwbPage, FullSave) {
-  user_.type("A Slope", 0x102);
-  user_.type("F Intercept", -1);
   user_.click("File/Flash Save");
   user_.click("File/Flash Save");
   EXPECT_EQ(host_.last_status(), "AWB Data Saving...");
   fake_.advance(300);
   EXPECT_EQ(host_.busy, std::vector<bool>{true});
   EXPECT_EQ(wire(),
-            "@f901*@fa01*@0d01*@0d02*@0e00*@0e00*@0f00*@0f00*@1000*@1000*@1100*@1100*@1200*@1200*@1300*@1300*"
-            "@1400*@1400*@1500*@1500*@16ff*@16ff*@fa00*@f900*");
-  EXPECT_EQ(fake_.sender.writes.size(), 14u);
+            "@f901*@fa01*@0d01*@0d02*@0e02*@0e03*@0fff*@0ffe*@10fc*@10e0*@1103*@1120*@1201*@1205*@1301*@1306*"
+            "@1401*@1407*@1504*@1509*@1680*@1600*@fa00*@f900*");
+  EXPECT_EQ(fake_.sender.writes.size(), 1u + 14) << "each word in a flush of its own, and one save only";
   EXPECT_EQ(host_.last_status(), "AWB Data Save Done.");
+}
+
+TEST_F(AwbPage, OnlyAWholeReplyIsTakenAndWordsBeyondTheLimitAreNegative) {
+  user_.click("Load <- ISP");
+  answer_load("01020203032003210000000000000000000000000");
+  EXPECT_EQ(user_.number("B Intercept"), 801 - 65536);
+  user_.click("Load <- ISP");
+  answer_load("000102030405060708090a0b0c0d0e0f101112f");
+  fake_.advance(2000);
+  EXPECT_EQ(user_.number("A Slope"), 0x102) << "a half of the last word is no word";
+  user_.click("Load <- ISP");
+  fake_.advance(2000);
+  EXPECT_EQ(host_.last_status(), "AWB Data Load Fail...");
+  EXPECT_EQ(user_.number("A Slope"), 0x102);
 }
 
 TEST_F(AwbPage, MeasuredColourBecomesTheSelectedPatch) {

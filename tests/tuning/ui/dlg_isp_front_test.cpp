@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <memory>
 
-#include "support/fake_page_host.h"
-#include "support/page_driver.h"
+#include "support/page_bench.h"
 #include "support/temporary_folder.h"
 
 namespace qv5123 {
@@ -14,40 +12,18 @@ namespace {
 
 // 2M PAL C, RGGB, External, "+"; clamps 0x0123, 0x0234, 0x0345, 0xFFFF; Gamma, Sharpness, HUE, DPC, Raw Data;
 // Color Suppress, dimmer 200, WDR Auto.
-const std::string kReply =
-    "04020301"
-    "0123"
-    "02340345ffff"
-    "0800"
-    "11"
-    "20"
-    "08"
-    "80"
-    "c8"
-    "02";
+const std::string kReply = std::string("04020301") + "012302340345ffff" + "080011200880c802";
 
-class FrontPage : public testing::Test {
+class FrontPage : public test::PageBench<CDlgIspFront> {
  protected:
   FrontPage() {
-    page_->resize(900, 650);
-    page_->show();
+    page_.show();
     fake_.advance(100);
     wire();
-  }
-  /// What was sent since the last call.
-  std::string wire() {
-    fake_.advance(1000);
-    const std::string all = fake_.sender.wire();
-    return all.substr(std::exchange(seen_, all.size()));
   }
   void load() {
     fake_.receive("~" + kReply + "^");
     wire();
-  }
-  void answer(const std::string& request, const std::string& reply) {
-    fake_.sender.chip = [this, request, reply](const std::string& bytes) {
-      if (bytes == request) fake_.receive("~" + reply + "^");
-    };
   }
   void reveal_service_area() {
     user_.type("Bit editor address", "000");
@@ -58,26 +34,20 @@ class FrontPage : public testing::Test {
   }
   QString console() { return user_.find<QPlainTextEdit>("ISP tune console")->toPlainText(); }
   bool service_area_shown() { return user_.find<QPlainTextEdit>("ISP tune console")->isVisible(); }
-
-  test::FakeWire fake_;
-  test::FakePageHost host_{fake_};
-  std::unique_ptr<CDlgIspFront> page_ = std::make_unique<CDlgIspFront>(host_);
-  test::PageDriver user_{*page_};
-  std::size_t seen_ = 0;
 };
 
 TEST_F(FrontPage, ReadsTheChipWhenOpenedAndWhenChosenAgain) {
   user_.expect_named_controls();
-  EXPECT_EQ(page_->focusWidget(), user_.find<QPushButton>("Load Isp")) << "which sets nothing on the chip";
+  EXPECT_EQ(page_.focusWidget(), user_.find<QPushButton>("Load Isp")) << "which sets nothing on the chip";
   EXPECT_EQ(fake_.sender.writes.at(0), "@be00*");
-  EXPECT_TRUE(page_->loading());
+  EXPECT_TRUE(page_.loading());
   fake_.advance(2000);
   EXPECT_EQ(host_.last_status(), "ISP Load Fail...");
   user_.type("Delay", 77);
-  page_->chosen_again();
+  page_.chosen_again();
   fake_.advance(100);
   load();
-  EXPECT_FALSE(page_->loading());
+  EXPECT_FALSE(page_.loading());
   EXPECT_EQ(user_.index("Video Mode"), 4);
   EXPECT_EQ(user_.index("RGB Order"), 2);
   EXPECT_EQ(user_.index("TDN Mode"), 2);
@@ -102,7 +72,7 @@ TEST_F(FrontPage, IndexesThatNoListHasAreLeftUnselectedAndKept) {
   user_.click("File/Flash Save");
   EXPECT_EQ(wire().substr(0, 24), "@fa01*@6f09*@6ec8*@7004*");
   host_.doc.fourth_tdn_mode = true;
-  page_->chosen_again();
+  page_.chosen_again();
   fake_.advance(100);
   load();
   ASSERT_EQ(user_.find<QComboBox>("TDN Mode")->count(), 4);
@@ -126,15 +96,20 @@ TEST_F(FrontPage, ControlsStoreAndSend) {
   EXPECT_EQ(user_.number("LED Dimmer"), 88);
   user_.click("Polarity -");
   EXPECT_EQ(user_.find<QAbstractButton>("Polarity -")->text(), "-");
-  user_.type("GB(0~4095)", 0x1234);
-  user_.click("GB(0~4095) S");
+  for (const char* clamp : {"R(0~4095)", "GR(0~4095)", "GB(0~4095)", "B(0~4095)"}) {
+    user_.type(clamp, 0x1234);
+    user_.click(QString(clamp) + " S");
+  }
   user_.choose("WDR State", 1);
-  user_.click("HUE");
-  user_.click("AWB Task");
+  EXPECT_EQ(wire(), "@8d58*@aa00*@7812*@7834*@7912*@7934*@7a12*@7a34*@7b12*@7b34*@8901*");
+  for (const char* flag : {"Test Pattern", "Raw Data", "Gamma", "Brightness", "Sharpness", "Saturation",
+                           "HUE", "DPC", "AE Task", "AWB Task"})
+    user_.click(flag);
+  EXPECT_EQ(wire(), "@8201*@8300*@8400*@8501*@8600*@8701*@8800*@8b00*@a000*@a100*");
   EXPECT_EQ(host_.user_data_writes, 0);
   user_.click("Color Suppress");
   EXPECT_EQ(host_.user_data_writes, 1);
-  EXPECT_EQ(wire(), "@8d58*@aa00*@7a12*@7a34*@8901*@8800*@a100*@ab00*");
+  EXPECT_EQ(wire(), "@ab00*");
   const std::map<std::size_t, int> stored{{454, 15}, {456, 1}, {457, 5},    {458, 5},    {462, 1}, {464, 6},
                                           {582, 88}, {551, 0}, {469, 0x12}, {470, 0x34}, {549, 1}, {552, 0}};
   for (const auto& [entry, value] : stored) EXPECT_EQ(host_.doc.user_data.entry(entry), value) << entry;
@@ -245,8 +220,8 @@ TEST_F(FrontPage, ParametersAreStoredWrittenSentAndReadBack) {
   user_.click("Userdata Set");
   wire();
   EXPECT_TRUE(console().endsWith("Contrast Knee Thr_L : 0x00\n")) << "the other file wins";
-  page_->hide();
-  page_->show();
+  page_.hide();
+  page_.show();
   EXPECT_FALSE(service_area_shown());
 }
 
@@ -277,7 +252,7 @@ TEST_F(FrontPage, ClosingThePageEndsWhatIsUnderWay) {
   user_.click("Read(1Byte)");
   user_.click("File/Flash Save");
   fake_.advance(120);
-  page_.reset();
+  owned_.reset();
   fake_.advance(20000);
   EXPECT_EQ(host_.busy.back(), false);
 }

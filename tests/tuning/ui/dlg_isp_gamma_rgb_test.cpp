@@ -7,23 +7,20 @@
 
 #include <random>
 
-#include "support/fake_page_host.h"
-#include "support/page_driver.h"
+#include "support/page_bench.h"
 #include "tuning/gamma_curve.h"
 
 namespace qv5123 {
 namespace {
 
-class GammaPage : public testing::Test {
+class GammaPage : public test::PageBench<CDlgIspGammaRgb> {
  protected:
-  GammaPage() { page_.resize(900, 650); }
-
   QSpinBox* point(int number, const char* curve) {
-    return drive_.find<QSpinBox>(QString("Point %1 %2").arg(number).arg(curve));
+    return user_.find<QSpinBox>(QString("Point %1 %2").arg(number).arg(curve));
   }
-  void click(const char* name) { drive_.click(name); }
+  void click(const char* name) { user_.click(name); }
   void mouse(QEvent::Type type, ChartPixel at) {
-    auto* chart = drive_.find<GammaChartView>("Gamma curves");
+    auto* chart = user_.find<GammaChartView>("Gamma curves");
     const auto buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
     QMouseEvent event(type, chart->to_widget(at), chart->mapToGlobal(chart->to_widget(at)),
                       type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
@@ -31,73 +28,68 @@ class GammaPage : public testing::Test {
   }
   void key(Qt::Key key) {
     QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
-    QApplication::sendEvent(drive_.find<GammaChartView>("Gamma curves"), &event);
+    QApplication::sendEvent(user_.find<GammaChartView>("Gamma curves"), &event);
   }
-
-  test::FakeWire wire_;
-  test::FakePageHost host_{wire_};
-  CDlgIspGammaRgb page_{host_};
-  test::PageDriver drive_{page_};
 };
 
 TEST_F(GammaPage, ComputesAndAppliesTheSelectedCurve) {
   EXPECT_EQ(host_.doc.front_gamma_level, 16);
   click("Channel G");
-  drive_.find<QDoubleSpinBox>("Gamma Value")->setValue(1);
+  user_.find<QDoubleSpinBox>("Gamma Value")->setValue(1);
   click("Gamma Value Set");
   EXPECT_EQ(point(22, "G")->value(), 1016);
   EXPECT_EQ(point(21, "G")->value(), 896);
   EXPECT_EQ(point(22, "R")->value(), 0);
-  EXPECT_TRUE(drive_.find<QPlainTextEdit>("Messages")->toPlainText().startsWith("G: 0, 0, 5, 13,"));
+  EXPECT_TRUE(user_.find<QPlainTextEdit>("Messages")->toPlainText().startsWith("G: 0, 0, 5, 13,"));
   click("Clear");
-  EXPECT_EQ(drive_.find<QPlainTextEdit>("Messages")->toPlainText(), "");
+  EXPECT_EQ(user_.find<QPlainTextEdit>("Messages")->toPlainText(), "");
 
   point(1, "G")->setValue(0x123);
   click("Apply");
   EXPECT_EQ(host_.last_status(), "Gamma data applying...");
-  wire_.advance(22 * 50);
-  ASSERT_EQ(wire_.sender.writes.size(), 22u);
-  EXPECT_EQ(wire_.sender.writes.front(), "@0401*@0423*");
-  EXPECT_EQ(wire_.sender.writes.back(), "@0403*@04f8*");
+  fake_.advance(22 * 50);
+  ASSERT_EQ(fake_.sender.writes.size(), 22u);
+  EXPECT_EQ(fake_.sender.writes.front(), "@0401*@0423*");
+  EXPECT_EQ(fake_.sender.writes.back(), "@0403*@04f8*");
   EXPECT_EQ(host_.last_status(), "Gamma data apply done");
 }
 
 TEST_F(GammaPage, TheOtherValueBeingZeroIsRefused) {
-  drive_.find<QDoubleSpinBox>("Front Gamma Value")->setValue(0);
+  user_.find<QDoubleSpinBox>("Front Gamma Value")->setValue(0);
   click("Gamma Value Set");
   ASSERT_EQ(host_.user.messages.size(), 1u);
   EXPECT_EQ(host_.user.messages[0].text, "Invalid values.");
   EXPECT_EQ(point(22, "R")->value(), 0);
-  drive_.find<QDoubleSpinBox>("Gamma Value")->setValue(0);
+  user_.find<QDoubleSpinBox>("Gamma Value")->setValue(0);
   click("Front Gamma Value Set");
   EXPECT_EQ(host_.user.messages[1].text, "Invalid values");
-  drive_.find<QDoubleSpinBox>("Gamma Value")->setValue(2);
-  drive_.find<QDoubleSpinBox>("Front Gamma Value")->setValue(1);
+  user_.find<QDoubleSpinBox>("Gamma Value")->setValue(2);
+  user_.find<QDoubleSpinBox>("Front Gamma Value")->setValue(1);
   click("Front Gamma Value Set");
   EXPECT_EQ(host_.last_status(), "Calculate Front Gamma values.");
   EXPECT_EQ(point(21, "Front")->value(), 896);
 }
 
 TEST_F(GammaPage, FrontControlsHideBehindMoreAndTheRadioFallsBack) {
-  auto* radio = drive_.find<QAbstractButton>("Channel Front Gamma");
+  auto* radio = user_.find<QAbstractButton>("Channel Front Gamma");
   EXPECT_TRUE(radio->isHidden());
   click("More");
   EXPECT_FALSE(radio->isHidden());
   click("Channel B");
   radio->click();
-  EXPECT_TRUE(drive_.checked("Channel RGB"));
+  EXPECT_TRUE(user_.checked("Channel RGB"));
   EXPECT_FALSE(point(1, "Front")->isEnabled());
-  drive_.expect_named_controls();
+  user_.expect_named_controls();
 }
 
 TEST_F(GammaPage, LoadsFromTheChipOrSaysThatItFailed) {
   std::string reply(352, '0');
   reply.replace(4, 4, "0ffc").replace(88, 4, "0123").replace(260, 4, "00AB").replace(348, 4, "03f8");
   click("Load <- ISP");
-  wire_.advance(100);
-  EXPECT_EQ(wire_.sender.wire(), "@0700*");
-  wire_.receive("~" + reply + "^");
-  wire_.advance(300);
+  fake_.advance(100);
+  EXPECT_EQ(fake_.sender.wire(), "@0700*");
+  fake_.receive("~" + reply + "^");
+  fake_.advance(300);
   EXPECT_EQ(point(2, "Front")->value(), 1023);
   EXPECT_EQ(point(1, "R")->value(), 0x123);
   EXPECT_EQ(point(22, "G")->value(), 0xAB);
@@ -107,9 +99,9 @@ TEST_F(GammaPage, LoadsFromTheChipOrSaysThatItFailed) {
   for (const bool answered : {true, false}) {
     host_.statuses.clear();
     click("Load <- ISP");
-    wire_.advance(100);
-    if (answered) wire_.receive("~" + reply.substr(8) + "^");
-    wire_.advance(2000);
+    fake_.advance(100);
+    if (answered) fake_.receive("~" + reply.substr(8) + "^");
+    fake_.advance(2000);
     EXPECT_EQ(host_.statuses, std::vector<std::string>{"ISP Load Fail..."});
     EXPECT_EQ(point(1, "R")->value(), 0x123);
   }
@@ -120,19 +112,19 @@ TEST_F(GammaPage, SavesEverythingBetweenTheBrackets) {
   host_.doc.user_data.set_entry(44, 2);
   click("Load <- File");
   EXPECT_EQ(host_.last_status(), "Load File ok..");
-  EXPECT_TRUE(drive_.checked("Channel R"));
+  EXPECT_TRUE(user_.checked("Channel R"));
   EXPECT_EQ(host_.doc.gamma_channel, 2);
   click("Channel G");
   point(22, "B")->setValue(0x2FE);
   click("File/Flash Save");
   EXPECT_EQ(host_.last_status(), "Gamma Data Saving...");
-  wire_.advance(1000);
+  fake_.advance(1000);
   EXPECT_EQ(host_.busy, std::vector<bool>{true});
   EXPECT_FALSE(host_.progress.empty());
   point(1, "R")->setValue(1);  // too late for this save
-  wire_.advance(10000);
-  ASSERT_EQ(wire_.sender.writes.size(), 2u + 66 + 1 + 2);
-  const std::string wire = wire_.sender.wire();
+  fake_.advance(10000);
+  ASSERT_EQ(fake_.sender.writes.size(), 2u + 66 + 1 + 2);
+  const std::string wire = fake_.sender.wire();
   EXPECT_EQ(wire.substr(0, 24), "@f901*@fa01*@0300*@0300*");
   EXPECT_EQ(wire.substr(wire.size() - 30), "@0502*@05fe*@0602*@fa00*@f900*");
   EXPECT_EQ(host_.last_status(), "Gamma Save Done.");
@@ -168,7 +160,7 @@ TEST_F(GammaPage, DraggingAndKeysMovePoints) {
   mouse(QEvent::MouseMove, gamma_pixel(256, 100));
   EXPECT_EQ(point(14, "G")->value(), 500) << "let go";
 
-  auto* chart = drive_.find<GammaChartView>("Gamma curves");
+  auto* chart = user_.find<GammaChartView>("Gamma curves");
   EXPECT_EQ(chart->readout(), "Point 14 at 256:  G = 500");
   key(Qt::Key_PageDown);
   EXPECT_EQ(point(14, "G")->value(), 484);
@@ -178,7 +170,7 @@ TEST_F(GammaPage, DraggingAndKeysMovePoints) {
   EXPECT_EQ(chart->readout(), "Point 15 at 320:  G = 1");
   click("Channel R");
   EXPECT_EQ(chart->readout(), "");
-  EXPECT_TRUE(wire_.sender.writes.empty()) << "nothing is sent before Apply";
+  EXPECT_TRUE(fake_.sender.writes.empty()) << "nothing is sent before Apply";
 }
 
 TEST_F(GammaPage, AnyArrowChoosesAPointWhereNoneIsChosen) {
