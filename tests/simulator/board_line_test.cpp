@@ -103,14 +103,6 @@ TEST(Faults, DelayedBytesKeepTheirOrder) {
   EXPECT_EQ(received, sent);
 }
 
-TEST(BoardLine, BreaksOnAHangupAndStartsAnew) {
-  Board board(with_fault("hangup=1"));
-  EXPECT_EQ(board.ask("@3777*"), "");
-  EXPECT_TRUE(board.line.take_hangup());
-  EXPECT_FALSE(board.line.take_hangup());
-  EXPECT_EQ(board.chip.state().frames, 0u);
-}
-
 TEST(BoardLine, AnnouncesTheChipToAHostThatListens) {
   Board board;
   board.line.host_opened(board.now);

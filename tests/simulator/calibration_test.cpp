@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string>
 
-#include "simulator/simulated_chip.h"
+#include "support/chip_talk.h"
 #include "support/fake_wire.h"
 #include "tuning/lens_calibration.h"
 #include "tuning/matrix_flow.h"
@@ -25,13 +25,7 @@ constexpr std::uint64_t kSeeds = 8;
 struct Bench {
   Bench(const Scene& scene, const CameraTruth& truth) {
     chip.set_camera(Camera(scene, truth));
-    chip.power_on();
-    chip.take_output();
-    wire.sender.chip = [this](const std::string& bytes) {
-      chip.receive({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
-      const auto answer = chip.take_output();
-      wire.receive({answer.begin(), answer.end()});
-    };
+    wire.sender.chip = [this](const std::string& bytes) { wire.receive(test::ask(chip, bytes)); };
   }
 
   void run(Task<> task) {
@@ -77,7 +71,7 @@ struct Bench {
   }
 
   test::FakeWire wire;
-  SimulatedChip chip;
+  test::ListeningChip chip;
   LensValues lens;
   LensCalibrationResult calibrated;
   MatrixValues matrix;

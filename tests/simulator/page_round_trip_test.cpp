@@ -4,7 +4,8 @@
 #include <random>
 #include <string>
 
-#include "simulator/simulated_chip.h"
+#include "support/chip_talk.h"
+#include "support/random_settings.h"
 #include "tuning/awb.h"
 #include "tuning/dynamic.h"
 #include "tuning/front.h"
@@ -19,22 +20,13 @@ namespace {
 /// A chip that pages load from and save to.
 class PageRoundTrip : public testing::TestWithParam<unsigned> {
  protected:
-  PageRoundTrip() : random(GetParam()) {
-    chip.power_on();
-    chip.take_output();
-  }
   int any(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }
-  std::string ask(const std::string& bytes) {
-    chip.receive({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
-    const auto output = chip.take_output();
-    return {output.begin(), output.end()};
-  }
   void send(const Traffic& traffic) {
-    for (const Batch& batch : traffic) EXPECT_EQ(ask(frames(batch)), "");
+    for (const Batch& batch : traffic) EXPECT_EQ(test::ask(chip, frames(batch)), "");
   }
   /// What stands in the reply block that `trigger` brings.
   std::string load(std::uint8_t trigger) {
-    const std::string block = ask(frame({trigger, 0}));
+    const std::string block = test::ask(chip, frame({trigger, 0}));
     EXPECT_TRUE(block.size() >= 2 && block.front() == '~' && block.back() == '^') << block;
     return block.substr(1, block.size() - 2);
   }
@@ -46,14 +38,18 @@ class PageRoundTrip : public testing::TestWithParam<unsigned> {
     EXPECT_EQ(image, chip.state().user_data);
     EXPECT_EQ(image, chip.state().kept_data);
   }
-  UserDataImage loaded_image() const {
+  /// What a page shows of the chip's own settings.
+  template <class Values>
+  Values shown() const {
     UserDataImage image = chip.state().user_data;
     image.mark_loaded();
-    return image;
+    Values values;
+    reload_from_user_data(values, image);
+    return values;
   }
 
-  std::mt19937 random;
-  SimulatedChip chip;
+  std::mt19937 random{GetParam()};
+  test::ListeningChip chip;
 };
 
 }  // namespace
@@ -61,8 +57,7 @@ class PageRoundTrip : public testing::TestWithParam<unsigned> {
 INSTANTIATE_TEST_SUITE_P(Seeds, PageRoundTrip, testing::Range(1u, 6u));
 
 TEST_P(PageRoundTrip, Gamma) {
-  GammaValues values;
-  reload_from_user_data(values, loaded_image());
+  auto values = shown<GammaValues>();
   EXPECT_EQ(load(kGammaLoadTrigger), encode_gamma_reply(values)) << "a page shows the defaults either way";
   for (const auto id : {kRedCurve, kGreenCurve, kBlueCurve}) {
     for (int& point : values.curves[id]) point = any(0, kGammaMaximum);
@@ -74,8 +69,7 @@ TEST_P(PageRoundTrip, Gamma) {
 }
 
 TEST_P(PageRoundTrip, Awb) {
-  AwbValues values;
-  reload_from_user_data(values, loaded_image());
+  auto values = shown<AwbValues>();
   EXPECT_EQ(load(kAwbQuery), encode_awb_reply(values));
   for (std::size_t i = 0; i < kAwbWordCount; ++i)
     values.words[i] = i < 8 ? any(-kAwbLineLimit, kAwbLineLimit) : any(-32768, 32767);
@@ -85,11 +79,10 @@ TEST_P(PageRoundTrip, Awb) {
 }
 
 TEST_P(PageRoundTrip, Dynamic) {
-  DynamicValues values;
-  reload_from_user_data(values, loaded_image());
+  auto values = shown<DynamicValues>();
   EXPECT_EQ(load(kDynamicQuery), encode_dynamic_reply(values));
-  for (const DynamicNumber& number : kDynamicNumbers) values.*(number.value) = any(0, 255);
-  values.orientation = any(0, 3);
+  values = test::random_dynamic_values(random);
+  values.video_mode = 0;
   for (StepBank& bank : values.banks) {
     for (std::size_t row = 0; row < kStepRows; ++row) {
       for (std::uint8_t& byte : bank[row]) byte = static_cast<std::uint8_t>(any(32, 80));
@@ -97,14 +90,6 @@ TEST_P(PageRoundTrip, Dynamic) {
     }
     bank[kRowIso][0] = 1;
   }
-  for (std::size_t i = 0; i < kLightSources; ++i) {
-    values.light_sources[i] = {any(0, 2), any(0, 255)};
-    values.saturation[i] = any(-64, 191);
-    values.weights[i] = {any(-50, 50), any(-50, 50)};
-  }
-  values.hue_angle = any(-45, 45);
-  values.dpc_decision = any(1, 255);
-  values.smart_ir = any(0, 3);
   const DynamicSave save = dynamic_save(values, decode_step_bank(values.banks[0]), chip.state().user_data);
   EXPECT_TRUE(save.messages.empty());
   send(save.traffic);
@@ -113,8 +98,7 @@ TEST_P(PageRoundTrip, Dynamic) {
 }
 
 TEST_P(PageRoundTrip, Matrix) {
-  MatrixValues values;
-  reload_from_user_data(values, loaded_image());
+  auto values = shown<MatrixValues>();
   EXPECT_EQ(load(kMatrixLoadTrigger), encode_matrix_reply(values));
   for (ModeTable& table : values.tables) {
     for (auto& row : table) {
@@ -131,8 +115,7 @@ TEST_P(PageRoundTrip, Matrix) {
 }
 
 TEST_P(PageRoundTrip, LensShading) {
-  LensValues values;
-  reload_from_user_data(values, loaded_image());
+  auto values = shown<LensValues>();
   EXPECT_EQ(load(0x6B), encode_lens_reply(values));
   for (int& parameter : values.parameter1) parameter = any(0, kLensParameterMaximum);
   for (int& parameter : values.parameter2) parameter = any(0, kLensParameterMaximum);
@@ -142,8 +125,7 @@ TEST_P(PageRoundTrip, LensShading) {
 }
 
 TEST_P(PageRoundTrip, Front) {
-  FrontValues values;
-  reload_from_user_data(values, loaded_image());
+  auto values = shown<FrontValues>();
   const auto first = decode_front_reply(load(kFrontQuery), values);
   ASSERT_TRUE(first);
   values = *first;

@@ -66,26 +66,3 @@ TEST(SimulatedBoard, ComesBackAfterAHangup) {
   board.advance();
   EXPECT_TRUE(board.open("", {}).ok());
 }
-
-TEST(SimulatedBoard, ServesDelaysByItself) {
-  LineOptions options;
-  options.faults.delay = 0.2;
-  SimulatedBoard board(options);
-  ASSERT_TRUE(board.open("", {}).ok());
-  std::string text;
-  while (text.find('^') == std::string::npos && board.wait() == SerialDevice::Wait::received) {
-    text += received(board);
-  }
-  EXPECT_NE(text.find("QV5120042"), std::string::npos) << "late, but whole";
-}
-
-TEST(SimulatedBoard, GivesUpATransferWhenItsClockSaysSo) {
-  TimePoint now{1h};
-  SimulatedBoard board({}, [&] { return now; });
-  ASSERT_TRUE(board.open("", {}).ok());
-  send(board, std::string("C\x02\0half", 7));
-  received(board);
-  now += 2s;
-  board.advance();
-  EXPECT_EQ(received(board), "\r\nFont: given up after 0 of 2 blocks, old image kept\r\n");
-}
