@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "console/atomic_file.h"
+#include "support/temporary_folder.h"
 
 namespace qv5123 {
 namespace {
@@ -13,9 +13,7 @@ namespace {
 namespace fs = std::filesystem;
 
 TEST(AtomicFilePosix, AFullDiskLeavesTheOldFileWhole) {
-  const fs::path folder =
-      fs::temp_directory_path() / ("qv5123_full_" + std::to_string(detail::process_number()));
-  fs::create_directories(folder);
+  const test::TemporaryFolder folder;
   ASSERT_TRUE(write_file_atomically(folder / "s.dat", "old").ok());
 
   // The smallest way to make a write come up short: no file may grow past 100 bytes.
@@ -29,17 +27,12 @@ TEST(AtomicFilePosix, AFullDiskLeavesTheOldFileWhole) {
   std::signal(SIGXFSZ, handler);
 
   EXPECT_NE(result.text.find("s.dat"), std::string::npos);
-  std::string bytes;
-  EXPECT_TRUE(read_whole_file(folder / "s.dat", bytes).ok());
-  EXPECT_EQ(bytes, "old");
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1);
-  fs::remove_all(folder);
+  EXPECT_EQ(folder.read("s.dat"), "old");
+  EXPECT_EQ(folder.size(), 1);
 }
 
 TEST(AtomicFilePosix, KeepsPermissionsAndLinks) {
-  const fs::path folder =
-      fs::temp_directory_path() / ("qv5123_link_" + std::to_string(detail::process_number()));
-  fs::create_directories(folder);
+  const test::TemporaryFolder folder;
   ASSERT_TRUE(write_file_atomically(folder / "real", "1").ok());
   ::chmod((folder / "real").c_str(), 0640);
   fs::create_symlink("real", folder / "link");
@@ -47,10 +40,7 @@ TEST(AtomicFilePosix, KeepsPermissionsAndLinks) {
 
   EXPECT_TRUE(fs::is_symlink(folder / "link"));
   EXPECT_EQ(fs::status(folder / "real").permissions(), fs::perms(0640));
-  std::string bytes;
-  EXPECT_TRUE(read_whole_file(folder / "real", bytes).ok());
-  EXPECT_EQ(bytes, "2");
-  fs::remove_all(folder);
+  EXPECT_EQ(folder.read("real"), "2");
 }
 
 }  // namespace

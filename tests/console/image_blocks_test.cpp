@@ -12,9 +12,12 @@ std::vector<std::string> writes(const std::vector<Chunk>& chunks) {
   return all;
 }
 
+BlockImage blocks(const std::string& file) {
+  return blocks_of({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
+}
+
 std::vector<std::string> image_of(const std::string& file) {
-  const BlockImage image = blocks_of({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
-  return writes(image_chunks(image, style_of(TransferKind::font)));
+  return writes(image_chunks(blocks(file), style_of(TransferKind::font)));
 }
 
 std::string bytes(std::initializer_list<int> values) {
@@ -44,8 +47,7 @@ TEST(ImageBlocks, CountWrapsAt65536Bytes) {
 }
 
 TEST(ImageBlocks, OnlyFirmwareBlocksHurryAndWaitBeforeTheChecksum) {
-  const std::string file(512, 'x');
-  const BlockImage image = blocks_of({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
+  const BlockImage image = blocks(std::string(512, 'x'));
   for (const TransferKind kind : {TransferKind::firmware, TransferKind::font, TransferKind::user_data}) {
     const bool hurries = kind == TransferKind::firmware;
     const std::vector<Chunk> chunks = image_chunks(image, style_of(kind));
@@ -60,8 +62,8 @@ TEST(ImageBlocks, OnlyFirmwareBlocksHurryAndWaitBeforeTheChecksum) {
 }
 
 TEST(ImageBlocks, RejectionFillsUpAndSpoilsTheChecksum) {
-  const std::string file = std::string(256, '\x01') + std::string(256, '\x02') + std::string(255, '\x03');
-  const BlockImage image = blocks_of({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
+  const BlockImage image =
+      blocks(std::string(256, '\x01') + std::string(256, '\x02') + std::string(255, '\x03'));
   const TransferStyle& style = style_of(TransferKind::font);
   const std::string filler(256, '\xFF');
   // All blocks cancel out in themselves, so that the right checksum is the header's 3.
@@ -72,17 +74,10 @@ TEST(ImageBlocks, RejectionFillsUpAndSpoilsTheChecksum) {
   EXPECT_THAT(writes(rejecting_chunks(image, 0, style)), ElementsAre(bytes({0, 0}), bytes({0xFF})));
 }
 
-TEST(ImageBlocks, BarPositions) {
-  EXPECT_EQ(bar_position(TransferKind::firmware, 1, 3), 33);
+TEST(ImageBlocks, BarPositionsOfTheLargestAndTheEmptyImage) {
   EXPECT_EQ(bar_position(TransferKind::font, 255, 255), 100);
-  EXPECT_EQ(bar_position(TransferKind::user_data, 1, 4), 0);
-  EXPECT_EQ(bar_position(TransferKind::user_data, 4, 4), 75);
-  EXPECT_EQ(final_bar_position(TransferKind::firmware, 1), 100);
-  EXPECT_EQ(final_bar_position(TransferKind::firmware, 3), 33);
   EXPECT_EQ(final_bar_position(TransferKind::firmware, 255), 0);
   EXPECT_EQ(final_bar_position(TransferKind::firmware, 0), 100);
-  EXPECT_EQ(final_bar_position(TransferKind::font, 255), 100);
-  EXPECT_EQ(final_bar_position(TransferKind::user_data, 4), 100);
 }
 
 }  // namespace

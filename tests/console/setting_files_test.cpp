@@ -32,21 +32,6 @@ TEST(SettingFile, IsALinePerEntryAndComesBackAsItWas) {
   EXPECT_TRUE(again.loaded());
 }
 
-TEST(SettingFile, ReadsWhateverNumbersThereAre) {
-  const test::TemporaryFolder folder;
-  UserDataImage image;
-  ASSERT_TRUE(read_setting_file(folder.write("short.dat", "1 256\n-1\t511 9"), image).ok());
-  EXPECT_THAT(std::vector<int>({image.entry(0), image.entry(1), image.entry(2), image.entry(3)}),
-              ElementsAre(1, 0, 255, 255));
-  EXPECT_EQ(image.entry(4), 9);
-  EXPECT_EQ(image.entry(1023), 9) << "the last number stands for the missing ones";
-  ASSERT_TRUE(read_setting_file(folder.write("letters.dat", "5 six 7"), image).ok());
-  EXPECT_EQ(image.entry(1), 5);
-  EXPECT_EQ(image.entry(1023), 5) << "a letter is never passed";
-  ASSERT_TRUE(read_setting_file(folder.write("long.dat", lines("3", 1024) + "77\r\n"), image).ok());
-  EXPECT_EQ(image.entry(1023), 3);
-}
-
 TEST(SettingFile, FailuresNameTheFileAndChangeNothing) {
   const test::TemporaryFolder folder;
   UserDataImage image;
@@ -184,21 +169,19 @@ TEST_F(SettingFilesTest, SaveWritesTheRememberedFileOnlyWithWhatItsPagesWrite) {
   EXPECT_FALSE(fs::exists(doc.setting_file));
 }
 
-TEST_F(SettingFilesTest, SaveAsksOnceWhereNoFileIsRemembered) {
-  user.paths = {folder.path() / "first.dat"};
-  save();
-  EXPECT_EQ(user.saves.size(), 1u);
-  EXPECT_EQ(doc.setting_file, folder.path() / "first.dat");
-}
-
-TEST_F(SettingFilesTest, WriteUserDataFileAsksForAFileAndRemembersIt) {
+TEST_F(SettingFilesTest, SavesAskOnceForAFileAndRememberIt) {
   EXPECT_FALSE(done(files.write_user_data_file()));
   EXPECT_TRUE(doc.setting_file.empty());
-  user.paths = {folder.path() / "user.dat"};
+  user.paths = {folder / "user.dat"};
   EXPECT_TRUE(done(files.write_user_data_file()));
   EXPECT_TRUE(done(files.write_user_data_file()));
   EXPECT_EQ(user.saves.size(), 2u) << "not asked again";
   EXPECT_EQ(folder.read("user.dat"), lines("0", 1024));
+  doc.setting_file.clear();
+  user.paths = {folder / "first.dat"};
+  save();
+  EXPECT_EQ(user.saves.size(), 3u);
+  EXPECT_EQ(doc.setting_file, folder / "first.dat");
 }
 
 TEST_F(SettingFilesTest, ExitAsksAndEndsOnlyWhenNothingIsLost) {

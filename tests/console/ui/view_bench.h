@@ -3,9 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QComboBox>
-#include <QPushButton>
-#include <QSpinBox>
 #include <memory>
 
 #include "console/ui/console_view.h"
@@ -15,6 +12,7 @@
 #include "support/fake_prompts.h"
 #include "support/fake_wire.h"
 #include "support/inline_background.h"
+#include "support/page_driver.h"
 #include "support/temporary_folder.h"
 
 namespace qv5123::test {
@@ -45,6 +43,7 @@ struct ViewBench {
   std::vector<std::string> record;
   CQV5123View* view = new CQV5123View(wire.link, user, work, document, factories());
   CMainFrame frame{view};
+  PageDriver driver{frame};
   std::vector<std::string> statuses;
 
   ViewBench() {
@@ -67,19 +66,10 @@ struct ViewBench {
     return pages;
   }
 
-  /// The control that accessibility tools find under `name`.
-  template <class Widget>
-  Widget* control(const char* name) {
-    for (Widget* widget : frame.findChildren<Widget*>()) {
-      if (widget->accessibleName() == QLatin1String(name)) return widget;
-    }
-    ADD_FAILURE() << "no control " << name;
-    return nullptr;
-  }
-  void click(const char* name) { control<QPushButton>(name)->click(); }
+  void click(const char* name) { driver.click(name); }
   /// The user picks an entry of a list.
   void pick(const char* name, int index) {
-    auto* list = control<QComboBox>(name);
+    auto* list = driver.find<QComboBox>(name);
     list->setCurrentIndex(index);
     emit list->activated(index);
   }
