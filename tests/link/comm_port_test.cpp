@@ -3,64 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <condition_variable>
-#include <deque>
 #include <mutex>
+
+#include "link/in_process_device.h"
 
 namespace qv5123 {
 namespace {
-
-/// A device that plays what the test puts into it.
-class ScriptedDevice : public SerialDevice {
- public:
-  OpenResult open(const std::string&, const LineSettings&) override {
-    closed_ = false;
-    return {};
-  }
-  void close() override {
-    const std::lock_guard lock(mutex_);
-    closed_ = true;
-    changed_.notify_all();
-  }
-  Wait wait() override {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return closed_ || lost_ || !received_.empty(); });
-    if (closed_) return Wait::closed;
-    return received_.empty() ? Wait::lost : Wait::received;
-  }
-  std::size_t read(std::span<std::uint8_t> buffer) override {
-    const std::lock_guard lock(mutex_);
-    std::size_t count = 0;
-    while (count < buffer.size() && !received_.empty()) {
-      buffer[count++] = received_.front();
-      received_.pop_front();
-    }
-    return count;
-  }
-  std::size_t write(std::span<const std::uint8_t> bytes) override {
-    sent.append(bytes.begin(), bytes.end());
-    return bytes.size();
-  }
-
-  void receive(const std::string& bytes) {
-    const std::lock_guard lock(mutex_);
-    received_.insert(received_.end(), bytes.begin(), bytes.end());
-    changed_.notify_all();
-  }
-  void lose() {
-    const std::lock_guard lock(mutex_);
-    lost_ = true;
-    changed_.notify_all();
-  }
-
-  std::string sent;
-
- private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  std::deque<std::uint8_t> received_;
-  bool closed_ = true;
-  bool lost_ = false;
-};
 
 /// Counts the port's events and lets the test wait for them.
 struct PortOnScript {
@@ -83,13 +31,18 @@ struct PortOnScript {
     ++counter;
     changed.notify_all();
   }
+  void receive(const std::string& bytes) {
+    device->deliver({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+  }
   std::unique_ptr<SerialDevice> take_device() {
-    auto owned = std::make_unique<ScriptedDevice>();
+    auto owned = std::make_unique<InProcessDevice>(
+        [this](std::span<const std::uint8_t> bytes) { sent.append(bytes.begin(), bytes.end()); });
     device = owned.get();
     return owned;
   }
 
-  ScriptedDevice* device = nullptr;
+  InProcessDevice* device = nullptr;
+  std::string sent;
   CommandBuffer buffer;
   std::mutex mutex;
   std::condition_variable changed;
@@ -127,16 +80,16 @@ TEST(CCommPort, EveryWritePaysThePacingAndEmptiesTheCommandBuffer) {
   on.buffer.append_register_write(1, 2);
   on.port.write({}, Pacing::bulk);
   EXPECT_EQ(on.buffer.fill_index(), 0u) << "a write of nothing empties it too";
-  EXPECT_EQ(on.device->sent, "@ab0f*");
+  EXPECT_EQ(on.sent, "@ab0f*");
 }
 
 TEST(CCommPort, AReadThatDoesNotFitWithRoomToSpareIsLostWhole) {
   PortOnScript on;
   ASSERT_TRUE(on.port.open("script", {}).ok());
-  on.device->receive(std::string(2048 * 3, 'a') + std::string(2047, 'b'));
+  on.receive(std::string(2048 * 3, 'a') + std::string(2047, 'b'));
   on.wait_for(on.received, 4);
   EXPECT_EQ(on.port.receive_queue().count(), 8191u) << "2047 bytes into 2048 free slots";
-  on.device->receive("c");
+  on.receive("c");
   on.wait_for(on.trouble, 1);
   EXPECT_EQ(on.troubles, std::vector<std::string>{"m_QueueRead FULL!"});
   EXPECT_EQ(on.port.receive_queue().count(), 8191u);
@@ -145,7 +98,7 @@ TEST(CCommPort, AReadThatDoesNotFitWithRoomToSpareIsLostWhole) {
 TEST(CCommPort, WaitsForTheConsumerBeforeItLosesBytes) {
   PortOnScript on({CCommPort::ReceiveMode::queue, std::chrono::seconds(10)});
   ASSERT_TRUE(on.port.open("script", {}).ok());
-  on.device->receive(std::string(40000, 'x'));
+  on.receive(std::string(40000, 'x'));
   std::size_t taken = 0;
   std::uint8_t byte = 0;
   while (taken < 40000) {
@@ -157,13 +110,13 @@ TEST(CCommPort, WaitsForTheConsumerBeforeItLosesBytes) {
 TEST(CCommPort, QueueSurvivesReconnectAndLossIsTold) {
   PortOnScript on;
   ASSERT_TRUE(on.port.open("script", {}).ok());
-  on.device->receive("abc");
+  on.receive("abc");
   on.wait_for(on.received, 1);
   on.port.close();
   EXPECT_EQ(on.port.write({}), 0u);
   ASSERT_TRUE(on.port.open("script", {}).ok());
   EXPECT_EQ(on.port.receive_queue().count(), 3u);
-  on.device->lose();
+  on.device->hang_up();
   on.wait_for(on.lost, 1);
   on.port.close();
 }
@@ -171,8 +124,8 @@ TEST(CCommPort, QueueSurvivesReconnectAndLossIsTold) {
 TEST(CCommPort, RawCaptureStopsAtItsBuffersEnd) {
   PortOnScript on({CCommPort::ReceiveMode::raw_capture, std::chrono::milliseconds(0)});
   ASSERT_TRUE(on.port.open("script", {}).ok());
-  on.device->receive(std::string(5000, 'r'));
-  on.device->lose();
+  on.receive(std::string(5000, 'r'));
+  on.device->hang_up();
   on.wait_for(on.lost, 1);
   on.port.close();
   EXPECT_EQ(on.port.raw_capture().size(), CCommPort::kRawCaptureSize);

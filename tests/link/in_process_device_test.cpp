@@ -18,16 +18,6 @@ std::string read_all(SerialDevice& device) {
   return {buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(count)};
 }
 
-TEST(InProcessDevice, APeerAnswersFromWithinTheWrite) {
-  InProcessDevice* line = nullptr;
-  InProcessDevice device([&line](std::span<const std::uint8_t> bytes) { line->deliver(bytes); });
-  line = &device;
-  ASSERT_TRUE(device.open("any", {}).ok());
-  EXPECT_EQ(device.write(Bytes{'h', 'i'}), 2u);
-  EXPECT_EQ(device.wait(), SerialDevice::Wait::received);
-  EXPECT_EQ(read_all(device), "hi");
-}
-
 TEST(InProcessDevice, ALineThatIsNotUpLosesWhatIsSentToIt) {
   InProcessDevice device([](std::span<const std::uint8_t>) {});
   device.deliver(Bytes{'a'});
@@ -57,14 +47,6 @@ TEST(InProcessDevice, APacedLineHandsBytesOverInPiecesOfItsSettings) {
   EXPECT_EQ(pieces, (std::vector<std::size_t>{16, 16, 8}));
   EXPECT_EQ(paced, pieces);
   EXPECT_EQ(rate, 9600u);
-}
-
-TEST(InProcessDevice, AWriteOnAPacedLineTakesAsLongAsTheLine) {
-  InProcessDevice device([](std::span<const std::uint8_t>) {}, line_time);
-  ASSERT_TRUE(device.open("any", {.baud_rate = 19200}).ok());
-  const auto start = std::chrono::steady_clock::now();
-  device.write(Bytes(96));  // 50 ms
-  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(49));
 }
 
 }  // namespace

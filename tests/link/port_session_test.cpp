@@ -65,25 +65,10 @@ struct SessionOnLine {
 Task<> open(PortSession& session, OpenResult& result) {
   result = co_await session.open("line", {});
 }
-Task<> read(CommandLink& link, int& value) {
-  value = co_await link.wide_read(0x123);
-}
 
 Task<> send_job(CommandLink& link, Job job, JobResult& result, bool& over) {
   result = co_await link.send(std::move(job));
   over = true;
-}
-
-TEST(PortSession, CarriesARequestAndItsReply) {
-  SessionOnLine on;
-  OpenResult opened{OpenError::failed, ""};
-  on.run(open(on.session, opened));
-  EXPECT_TRUE(opened.ok());
-  int value = 0;
-  on.run(read(on.session.link(), value));
-  EXPECT_EQ(value, 0x5A);
-  EXPECT_EQ(on.console, "ok ");
-  EXPECT_EQ(on.wire(), "@9401*@9423*");
 }
 
 TEST(PortSession, AnUnpluggedPortIsBackWithinASecondAndNothingIsSentTwice) {

@@ -12,14 +12,9 @@ namespace {
 
 using std::chrono::nanoseconds;
 
-TEST(PortName, TakesTheDevicePathFormFromTen) {
-  EXPECT_EQ(comm_device_name(1), "COM1");
+TEST(PortName, TakesTheDevicePathFormFromTenHoweverItIsTyped) {
   EXPECT_EQ(comm_device_name(9), "COM9");
   EXPECT_EQ(comm_device_name(10), R"(\\.\COM10)");
-  EXPECT_EQ(comm_device_name(256), R"(\\.\COM256)");
-}
-
-TEST(PortName, ATypedNameOpensWithOrWithoutTheDevicePath) {
   EXPECT_EQ(openable_name("COM12"), R"(\\.\COM12)");
   EXPECT_EQ(openable_name("com3"), "COM3");
   for (const char* same : {"", "COM", R"(\\.\COM12)", "COM12x", "COM-1", "COM0", "/dev/ttyUSB0", "CNCA0"})
@@ -37,17 +32,11 @@ TEST(PortName, ItsNumberFollowsTheFirstCom) {
 TEST(PortList, TakesEnabledComPortsOfThePortsClassOnly) {
   const PortProperties usb{"Ports", 0, "USB Serial Port (COM12)", "COM12"};
   EXPECT_EQ(port_from_properties(usb), (PortInfo{12, R"(\\.\COM12)", "USB Serial Port (COM12)"}));
-  PortProperties other = usb;
-  other.class_name = "Modem";
-  EXPECT_EQ(port_from_properties(other), std::nullopt);
-  other = usb;
-  other.port_name = "LPT1";
-  EXPECT_EQ(port_from_properties(other), std::nullopt);
-  other = usb;
-  other.problem = 22;
-  EXPECT_EQ(port_from_properties(other), std::nullopt) << "disabled";
-  other.problem = 10;
-  EXPECT_EQ(port_from_properties(other)->number, 12) << "a failed start is for the open to tell";
+  EXPECT_EQ(port_from_properties({"Modem", 0, "USB Modem (COM12)", "COM12"}), std::nullopt);
+  EXPECT_EQ(port_from_properties({"Ports", 0, "Printer Port (LPT1)", "LPT1"}), std::nullopt);
+  EXPECT_EQ(port_from_properties({"Ports", 22, "Disabled (COM12)", "COM12"}), std::nullopt);
+  EXPECT_EQ(port_from_properties({"Ports", 10, "x (COM12)", "COM12"})->number, 12)
+      << "a failed start is for the open to tell";
 }
 
 TEST(LineSettings, AByteTakesItsBitsOnTheLine) {
@@ -58,15 +47,6 @@ TEST(LineSettings, AByteTakesItsBitsOnTheLine) {
   EXPECT_EQ(line_time(5, {.baud_rate = 0}), nanoseconds(0));
   EXPECT_GT(line_time(std::numeric_limits<std::size_t>::max(), {.baud_rate = 1, .stop_bits = 255}),
             nanoseconds(0));
-}
-
-TEST(LineSettings, FaultsNameTheValue) {
-  EXPECT_EQ(settings_fault({}), "");
-  EXPECT_EQ(settings_fault({.data_bits = 5, .stop_bits = 2, .parity = 4, .flow_flags = 7}), "");
-  EXPECT_EQ(settings_fault({.baud_rate = 0}), "a baud rate of 0 is none");
-  EXPECT_EQ(settings_fault({.data_bits = 9}), "9 data bits are not between 5 and 8");
-  EXPECT_EQ(settings_fault({.stop_bits = 3}), "stop bit code 3 is not between 0 and 2");
-  EXPECT_EQ(settings_fault({.parity = 5}), "parity code 5 is not between 0 and 4");
 }
 
 TEST(OpenError, SaysWhatToDo) {

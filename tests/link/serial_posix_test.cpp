@@ -13,6 +13,7 @@
 #include "link/serial_line_posix.h"
 #include "link/system_serial_device.h"
 #include "support/pty_line_posix.h"
+#include "support/temporary_folder.h"
 
 namespace qv5123 {
 namespace {
@@ -81,7 +82,6 @@ TEST(SerialLinePosix, TellsWhatTheDriverDidNotTake) {
 
 class PosixPorts : public testing::Test {
  protected:
-  ~PosixPorts() override { fs::remove_all(root_); }
   void put(const fs::path& path, const std::string& text) const {
     fs::create_directories((root_ / path).parent_path());
     std::ofstream(root_ / path) << text << "\n";
@@ -95,7 +95,8 @@ class PosixPorts : public testing::Test {
     fs::create_directory_symlink(folder, root_ / "sys/class/tty" / name);
   }
 
-  const fs::path root_ = fs::temp_directory_path() / ("qv5123-ports-" + std::to_string(getpid()));
+  const test::TemporaryFolder folder_;
+  const fs::path root_ = folder_.path();
 };
 
 TEST_F(PosixPorts, ListsRealOnesWithTheirProductNames) {
@@ -152,7 +153,6 @@ TEST_F(PosixPorts, DeniedPermissionNamesTheGroupToJoin) {
 }
 
 TEST_F(PosixPorts, ThePortThisProgramHoldsIsBusyToOpenButFreeToChoose) {
-  fs::create_directories(root_);
   const std::string link = root_ / "port";
   PtyLine line(link);
   const auto device = make_serial_device();
@@ -167,7 +167,6 @@ TEST_F(PosixPorts, ThePortThisProgramHoldsIsBusyToOpenButFreeToChoose) {
 }
 
 TEST_F(PosixPorts, AHolderThatDoesNotLockIsFoundAndNamed) {
-  fs::create_directories(root_);
   const std::string link = root_ / "port";
   const PtyLine line(link);
   int held[2], release[2];
