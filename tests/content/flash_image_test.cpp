@@ -2,27 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
+#include "support/temporary_folder.h"
 
 namespace qv5123 {
 namespace {
-
-/// A folder of its own for a test, gone afterwards.
-class SerialFlashFiles : public testing::Test {
- protected:
-  SerialFlashFiles() { std::filesystem::create_directories(folder_); }
-  ~SerialFlashFiles() override { std::filesystem::remove_all(folder_); }
-
-  std::filesystem::path file(const std::string& name, const std::string& bytes) const {
-    std::ofstream(folder_ / name, std::ios::binary) << bytes;
-    return folder_ / name;
-  }
-
-  std::filesystem::path folder_ =
-      std::filesystem::temp_directory_path() /
-      (std::string("qv5123_flash_") + testing::UnitTest::GetInstance()->current_test_info()->name());
-};
 
 std::string counted(std::size_t size) {
   std::string bytes(size, '\0');
@@ -74,26 +57,23 @@ TEST(SerialFlashImage, ShortUserDataRepeatsItsLastNumber) {
   EXPECT_EQ(lay_out_flash({{}, {}, std::string()}).substr(0x10000, 2048), std::string(2048, '\0'));
 }
 
-TEST(SerialFlashImage, WithoutContentEverythingIsErased) {
-  EXPECT_EQ(lay_out_flash({}), erased(262144));
-}
-
-TEST_F(SerialFlashFiles, FullRegionsFitAndUnreadableFilesStayErased) {
+TEST(SerialFlashFiles, FullRegionsFitAndUnreadableFilesStayErased) {
+  const test::TemporaryFolder folder;
   const auto whole = counted(0x10000);
-  const auto built =
-      build_flash_image({file("fw.bin", whole), file("font.bin", whole), folder_ / "none.dat"});
+  const auto built = build_flash_image(
+      {folder.write("fw.bin", whole), folder.write("font.bin", whole), folder / "none.dat"});
   ASSERT_TRUE(built.ok()) << built.refusal;
   EXPECT_EQ(built.image, whole + erased(0x10000) + whole + whole);
-  const auto nothing = build_flash_image({folder_, folder_ / "none.bin", folder_ / "none.dat"});
+  const auto nothing = build_flash_image({folder.path(), folder / "none.bin", folder / "none.dat"});
   ASSERT_TRUE(nothing.ok());
   EXPECT_EQ(nothing.image, erased(262144));
 }
 
-TEST_F(SerialFlashFiles, AFileBeyondSixtyFourKibibytesIsRefusedWithSizeAndLimit) {
-  const auto large = file("large.bin", counted(0x10001));
-  const auto small = file("small.bin", "x");
-  const auto text = large.u8string();
-  const std::string name(text.begin(), text.end());
+TEST(SerialFlashFiles, AFileBeyondSixtyFourKibibytesIsRefusedWithSizeAndLimit) {
+  const test::TemporaryFolder folder;
+  const auto large = folder.write("large.bin", counted(0x10001));
+  const auto small = folder.write("small.bin", "x");
+  const std::string name = path_text(large);
   EXPECT_EQ(build_flash_image({large, small, small}).refusal,
             "fw file too large: " + name + " has 65537 bytes, the limit is 65536 bytes.");
   EXPECT_EQ(build_flash_image({small, large, small}).refusal,

@@ -5,6 +5,7 @@
 #include "registers/answering_chip.h"
 #include "registers/register_file.h"
 #include "support/fake_page_host.h"
+#include "support/temporary_folder.h"
 
 namespace qv5123 {
 namespace {
@@ -27,28 +28,25 @@ class NoView : public RegisterView {
 
 class RegisterDeskTest : public testing::Test {
  protected:
-  RegisterDeskTest() {
-    chip_.values = {{0x800, 0xA5}, {0x801, 0x3C}, {0x0A5, 0x51}, {0xA20, 0x07}};
-    std::filesystem::create_directories(folder_);
-  }
-  ~RegisterDeskTest() override { std::filesystem::remove_all(folder_); }
-
+  RegisterDeskTest() { chip_.values = {{0x800, 0xA5}, {0x801, 0x3C}, {0x0A5, 0x51}, {0xA20, 0x07}}; }
   void open(std::u16string_view description = test::kSampleDescription) {
     desk_.emplace(host_, view_);
     desk_->describe(RegDescription::parse(std::u16string(description)));
+  }
+  /// Opened, and the first register has been read.
+  void open_and_read() {
+    open();
+    wire_.advance(200);
+    wire_.sender.writes.clear();
+    chip_.requests.clear();
   }
   const RegisterSheet& sheet() const { return desk_->sheet(); }
   int stored(std::size_t reg) const { return sheet().description().registers[reg].value; }
   std::size_t none() const { return sheet().description().registers.size(); }
 
-  std::filesystem::path file(const std::string& bytes) {
-    EXPECT_TRUE(write_file_atomically(folder_ / "r.txt", bytes).ok());
-    host_.user.paths.push_back(folder_ / "r.txt");
-    return folder_ / "r.txt";
-  }
+  void choose_file(const std::string& bytes) { host_.user.paths.push_back(folder_.write("r.txt", bytes)); }
 
-  const std::filesystem::path folder_ =
-      std::filesystem::temp_directory_path() / ("qv5123_desk_" + std::to_string(detail::process_number()));
+  const test::TemporaryFolder folder_;
   test::FakeWire wire_;
   test::AnsweringChip chip_{wire_};
   test::FakePageHost host_{wire_};
@@ -56,38 +54,22 @@ class RegisterDeskTest : public testing::Test {
   std::optional<RegisterDesk> desk_;
 };
 
-TEST_F(RegisterDeskTest, OpensOnTheFirstRegisterAndReadsIt) {
-  open();
-  wire_.advance(50);
-  EXPECT_EQ(wire_.sender.wire(), "@9408*@9400*");
-  wire_.advance(149);
-  EXPECT_EQ(stored(0), -1);
-  EXPECT_TRUE(desk_->reading());
-  wire_.advance(1);
-  EXPECT_FALSE(desk_->reading());
-  EXPECT_EQ(stored(0), 0xA5);
-  EXPECT_EQ(sheet().value_text(), u"0xA5");
-  EXPECT_EQ(sheet().value_cell(0), u"0xA5");
-}
-
 TEST_F(RegisterDeskTest, SelectingAnotherRowReadsIt) {
-  open();
-  wire_.advance(200);
+  open_and_read();
   desk_->select_row(0);
   wire_.advance(200);
-  EXPECT_EQ(chip_.requests, std::vector<int>{0x800}) << "it was current already";
+  EXPECT_TRUE(chip_.requests.empty()) << "it was current already";
   desk_->select_row(1);
-  EXPECT_EQ(sheet().address_text(), u"0xf801") << "as written";
-  EXPECT_EQ(sheet().data(0), " ");
   desk_->select_row(2);
   wire_.advance(500);
-  EXPECT_EQ(chip_.requests, (std::vector<int>{0x800, 0x801, 0x0A5}));
+  EXPECT_EQ(chip_.requests, (std::vector<int>{0x801, 0x0A5}));
   EXPECT_EQ(stored(1), -1) << "its read was overtaken";
   EXPECT_EQ(stored(2), 0x51);
 }
 
 TEST_F(RegisterDeskTest, AReplyUnderWayNeverLandsOnARegisterThatCannotBeRead) {
-  open(uR"(<isp chip="QV5123">
+  open(
+      uR"(<isp chip="QV5123">
 <category catname="C">
 <reg regname="A" addr="0xF800" write="W" reset="0x00">
 </reg>
@@ -105,9 +87,7 @@ TEST_F(RegisterDeskTest, AReplyUnderWayNeverLandsOnARegisterThatCannotBeRead) {
 }
 
 TEST_F(RegisterDeskTest, AddressZeroOrNoneIsNeitherReadNorWritten) {
-  open();
-  wire_.advance(200);
-  wire_.sender.writes.clear();
+  open_and_read();
   for (const auto address : {u"0x0000", u"F800", u""}) {
     desk_->type_address(address);
     desk_->read();
@@ -117,24 +97,8 @@ TEST_F(RegisterDeskTest, AddressZeroOrNoneIsNeitherReadNorWritten) {
   EXPECT_TRUE(wire_.sender.writes.empty());
 }
 
-TEST_F(RegisterDeskTest, WriteShowsTheValueButDoesNotKnowIt) {
-  open();
-  wire_.advance(200);
-  desk_->type_value(u"0x1F");
-  EXPECT_EQ(sheet().value_bits(), 0x1F);
-  desk_->set_bits(0x91);
-  EXPECT_EQ(sheet().value_text(), u"0x91");
-  desk_->write();
-  wire_.advance(50);
-  EXPECT_EQ(wire_.sender.writes.back(), "@9208*@9200*@9391*");
-  EXPECT_EQ(sheet().value_cell(0), u"0x91");
-  EXPECT_EQ(sheet().data(0), " 9");
-  EXPECT_EQ(stored(0), 0xA5);
-}
-
 TEST_F(RegisterDeskTest, ATypedAddressFindsItsRegisterAndRow) {
-  open();
-  wire_.advance(200);
+  open_and_read();
   desk_->type_address(u"0xFA20");
   EXPECT_EQ(sheet().current(), 3u);
   EXPECT_EQ(sheet().name_text(), u"K1");
@@ -162,9 +126,7 @@ TEST_F(RegisterDeskTest, ATypedAddressFindsItsRegisterAndRow) {
 }
 
 TEST_F(RegisterDeskTest, ACategoryIsReadRowByRowAndUnansweredRowsAgain) {
-  open();
-  wire_.advance(200);
-  chip_.requests.clear();
+  open_and_read();
   chip_.silent = true;
   desk_->load_category();
   EXPECT_FALSE(view_.buttons.load_category);
@@ -207,9 +169,7 @@ TEST_F(RegisterDeskTest, ACategoryChangeStopsTheCategorysSequence) {
 }
 
 TEST_F(RegisterDeskTest, LoadAllShowsItsProgressAndLetsOthersIn) {
-  open();
-  wire_.advance(200);
-  chip_.requests.clear();
+  open_and_read();
   desk_->load_all();
   EXPECT_FALSE(view_.buttons.load_all);
   wire_.advance(100 + 150 + 1);
@@ -245,29 +205,9 @@ TEST_F(RegisterDeskTest, SequencesHaltAtAnAddressThatCannotBeRead) {
   EXPECT_TRUE(view_.buttons.load_category) << "no rows to read";
 }
 
-TEST_F(RegisterDeskTest, SavesTheRegistersThatWereRead) {
-  open();
-  wire_.advance(200);
-  desk_->save_file();
-  EXPECT_FALSE(std::filesystem::exists(folder_ / "r.txt")) << "cancelled";
-  host_.user.paths.push_back(folder_ / "r.txt");
-  desk_->save_file();
-  std::string bytes;
-  EXPECT_TRUE(read_whole_file(folder_ / "r.txt", bytes).ok());
-  EXPECT_EQ(bytes, "0xF800=0xA5 //MODE\r\n");
-  EXPECT_EQ(host_.user.saves.back().filter, "REG Files (*.txt)|*.txt|All Files (*.*)|*.*||");
-  EXPECT_EQ(host_.user.saves.back().default_extension, "txt");
-  EXPECT_EQ(host_.user.saves.back().initial_name, "*.txt");
-  host_.user.paths.push_back(folder_ / "none" / "r.txt");
-  desk_->save_file();
-  EXPECT_NE(host_.user.messages.at(0).text.find("r.txt"), std::string::npos);
-}
-
 TEST_F(RegisterDeskTest, WritesARegisterFileToTheChip) {
-  open();
-  wire_.advance(200);
-  wire_.sender.writes.clear();
-  file("0xF801=0x11 //a\r\nnonsense\r\n0xF801=0x22 //b\r\n0xF800=0x33 //c\r\n0xFFFF=0x44 //d\r\n");
+  open_and_read();
+  choose_file("0xF801=0x11 //a\r\nnonsense\r\n0xF801=0x22 //b\r\n0xF800=0x33 //c\r\n0xFFFF=0x44 //d\r\n");
   desk_->load_file();
   EXPECT_EQ(host_.last_status(), "r.txt: 1 line skipped, the first is line 2");
   EXPECT_FALSE(view_.buttons.load_file);
@@ -288,15 +228,14 @@ TEST_F(RegisterDeskTest, WritesARegisterFileToTheChip) {
 }
 
 TEST_F(RegisterDeskTest, AFileThatCannotBeOpenedChangesNothing) {
-  open();
-  wire_.advance(200);
+  open_and_read();
   desk_->load_file();
   host_.user.paths.push_back(folder_ / "missing.txt");
   desk_->load_file();
   EXPECT_NE(host_.user.messages.at(0).text.find("missing.txt"), std::string::npos);
   EXPECT_EQ(stored(0), 0xA5);
   EXPECT_TRUE(view_.buttons.load_file);
-  file("");
+  choose_file("");
   desk_->load_file();
   wire_.advance(1000);
   EXPECT_EQ(sheet().value_cell(0), u"0xA5") << "nothing in the file; the first register was read again";
@@ -304,9 +243,7 @@ TEST_F(RegisterDeskTest, AFileThatCannotBeOpenedChangesNothing) {
 }
 
 TEST_F(RegisterDeskTest, FlashTakesTheMaskAndEightBlocks) {
-  open();
-  wire_.advance(200);
-  wire_.sender.writes.clear();
+  open_and_read();
   desk_->write_flash();
   wire_.advance(50 + 8 * 99);
   EXPECT_EQ(wire_.sender.writes.size(), 8u) << "each block waits 50 ms on top of the pacing";

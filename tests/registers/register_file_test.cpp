@@ -41,15 +41,5 @@ TEST(RegisterFile, SkipsAndCountsWhatDoesNotFit) {
   EXPECT_EQ(file.first_skipped, 3u);
 }
 
-TEST(RegisterFile, TheLastLineOfAnAddressWinsForEveryRegisterThere) {
-  RegDescription d;
-  d.registers = {entry(0xF800, 'W', 9, u"a"), entry(0xF801, 'W', 9, u"b"), entry(0xF800, 'R', 9, u"c")};
-  const RegisterFile file = RegisterFile::parse("0xF800=0x01 //\n0xF800=0x02 //\n0xFFFF=0x03 //\n");
-  EXPECT_EQ(apply_register_file(file, d), 4u);
-  EXPECT_EQ(d.registers[0].value, 2);
-  EXPECT_EQ(d.registers[1].value, -1);
-  EXPECT_EQ(d.registers[2].value, 2);
-}
-
 }  // namespace
 }  // namespace qv5123

@@ -2,27 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
-#include "console/atomic_file.h"
 #include "content/font_geometry.h"
 #include "content/font_text.h"
 #include "content/ui/font_preview_area.h"
 #include "content/ui/glyph_editor_area.h"
 #include "content/ui/glyph_rasterizer.h"
 #include "support/fake_page_host.h"
-#include "support/page_test.h"
+#include "support/page_driver.h"
+#include "support/temporary_folder.h"
 
 namespace qv5123 {
 namespace {
 
 using test::find;
-
-std::string bytes_of(const std::filesystem::path& path) {
-  std::string bytes;
-  read_whole_file(path, bytes);
-  return bytes;
-}
 
 class FontMakerPage : public testing::Test {
  protected:
@@ -113,6 +105,10 @@ TEST_F(FontMakerPage, ClicksActOnReleaseAndDragsPaintOneStroke) {
   mouse(area_, QEvent::MouseButtonPress, QPointF(0, 0));
   mouse(area_, QEvent::MouseButtonRelease, cell(0, 0));
   EXPECT_EQ(buffer().rows()[0], 0x8000);
+  mouse(area_, QEvent::MouseButtonPress, cell(0, 0));
+  mouse(area_, QEvent::MouseMove, cell(0, 9));
+  mouse(area_, QEvent::MouseButtonRelease, cell(0, 9));
+  EXPECT_EQ(buffer(), Glyph()) << "a stroke that starts on a set pixel clears";
 }
 
 TEST_F(FontMakerPage, WhatIsDrawnStandsWhereThePointerFindsIt) {
@@ -179,14 +175,14 @@ TEST_F(FontMakerPage, SavingWritesTheExportThenAsksForTheBinaryWhichReopensBitFo
   press("Invert");
   press("Set");
   press("Save font file...");
-  EXPECT_EQ(bytes_of(folder_ / "fntmkr.txt"), export_font_text(page_->editor().library()));
+  EXPECT_EQ(folder_.read("fntmkr.txt"), export_font_text(page_->editor().library()));
   ASSERT_EQ(host_.user.saves.size(), 1u);
   EXPECT_EQ(host_.user.saves[0].filter, "FONT Files (*.bin)|*.bin|All Files (*.*)|*.*||");
   EXPECT_EQ(host_.user.saves[0].initial_name, "fontT_16x24_.bin");
   EXPECT_EQ(host_.user.saves[0].default_extension, "bin");
   host_.user.paths = {folder_ / "saved.bin"};
   press("Save font file...");
-  const auto saved = bytes_of(folder_ / "saved.bin");
+  const auto saved = folder_.read("saved.bin");
   ASSERT_EQ(saved.size(), 49152u);
 
   std::filesystem::remove(folder_ / "fntmkr.txt");

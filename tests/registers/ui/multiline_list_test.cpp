@@ -33,15 +33,6 @@ class MultilineListTest : public testing::Test {
   CMultilineList list_;
 };
 
-TEST_F(MultilineListTest, WhatWasNeverSetHasItsDefaults) {
-  EXPECT_EQ(list_.cell_text(1, 1), " ");
-  EXPECT_EQ(list_.column_width(1), 100);
-  EXPECT_EQ(list_.column_heading(1), " ");
-  EXPECT_EQ(header_width(1), 100);
-  EXPECT_EQ(list_.selected_row(), -1);
-  EXPECT_EQ(list_.row_height(0), line() + 5);
-}
-
 TEST_F(MultilineListTest, ARowIsAsTallAsItsTallestCell) {
   list_.set_cell_text(0, 1, "one\r\ntwo");
   EXPECT_EQ(list_.row_height(1), 2 * line() + 5);
@@ -73,22 +64,6 @@ TEST_F(MultilineListTest, ShrinkingForgetsWhatIsBeyond) {
   list_.set_cell_text(7, 7, "nowhere");
   list_.set_cell_text(-1, 0, "nowhere");
   EXPECT_EQ(list_.cell_text(7, 7), " ");
-}
-
-TEST_F(MultilineListTest, ScrollBarsAppearWhereTheRowsDoNotFit) {
-  EXPECT_FALSE(list_.verticalScrollBar()->isVisible());
-  EXPECT_FALSE(list_.horizontalScrollBar()->isVisible());
-  list_.set_size(3, 50);
-  lay_out();
-  EXPECT_TRUE(list_.verticalScrollBar()->isVisible());
-  EXPECT_FALSE(list_.horizontalScrollBar()->isVisible());
-  EXPECT_EQ(list_.verticalScrollBar()->pageStep(), list_.viewport()->height());
-  EXPECT_EQ(list_.verticalScrollBar()->maximum(), 50 * (line() + 5) - list_.viewport()->height());
-  list_.set_column_width(0, 300);
-  lay_out();
-  EXPECT_TRUE(list_.horizontalScrollBar()->isVisible());
-  list_.horizontalScrollBar()->setValue(50);
-  EXPECT_EQ(list_.findChild<QHeaderView*>()->offset(), 50);
 }
 
 TEST_F(MultilineListTest, LinesScrollToRowBoundaries) {
@@ -141,21 +116,6 @@ TEST_F(MultilineListTest, APressSelectsTheRowAndShowsItWhole) {
   const QPointF inside =
       QPointF(list_.viewport()->geometry().bottomLeft() + QPoint(30, -3)) * picture.devicePixelRatio();
   EXPECT_EQ(picture.pixelColor(inside.toPoint()), list_.palette().color(QPalette::Highlight));
-}
-
-TEST_F(MultilineListTest, DraggingADividerChangesTheColumn) {
-  auto* header = list_.findChild<QHeaderView*>();
-  const QPoint divider(header->sectionPosition(1) - 1, header->height() / 2);
-  QTest::mousePress(header->viewport(), Qt::LeftButton, {}, divider);
-  QTest::mouseMove(header->viewport(), divider + QPoint(30, 0));
-  QMouseEvent move(QEvent::MouseMove, divider + QPoint(30, 0),
-                   header->viewport()->mapToGlobal(divider + QPoint(30, 0)), Qt::LeftButton, Qt::LeftButton,
-                   Qt::NoModifier);
-  QCoreApplication::sendEvent(header->viewport(), &move);
-  QTest::mouseRelease(header->viewport(), Qt::LeftButton, {}, divider + QPoint(30, 0));
-  EXPECT_NEAR(list_.column_width(0), 130, 1);
-  lay_out();
-  EXPECT_EQ(header_width(0), list_.column_width(0));
 }
 
 }  // namespace
