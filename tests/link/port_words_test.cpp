@@ -49,6 +49,15 @@ TEST(LineSettings, AByteTakesItsBitsOnTheLine) {
             nanoseconds(0));
 }
 
+TEST(LineSettings, FaultsNameTheValue) {
+  EXPECT_EQ(settings_fault({}), "");
+  EXPECT_EQ(settings_fault({.data_bits = 5, .stop_bits = 2, .parity = 4, .flow_flags = 7}), "");
+  EXPECT_EQ(settings_fault({.baud_rate = 0}), "a baud rate of 0 is none");
+  EXPECT_EQ(settings_fault({.data_bits = 9}), "9 data bits are not between 5 and 8");
+  EXPECT_EQ(settings_fault({.stop_bits = 3}), "stop bit code 3 is not between 0 and 2");
+  EXPECT_EQ(settings_fault({.parity = 5}), "parity code 5 is not between 0 and 4");
+}
+
 TEST(OpenError, SaysWhatToDo) {
   const auto text = [](OpenError error, const std::string& detail = {}) {
     return open_error(error, "COM5", detail).text;

@@ -70,6 +70,7 @@ TEST(GammaCurve, AnyNumberGivesPointsOnTheScale) {
   }
 }
 
+
 TEST(GammaChart, GrabsTheNearestShownPoint) {
   GammaValues values;
   values.curve(kRedCurve)[13] = 400;

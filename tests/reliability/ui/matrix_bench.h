@@ -20,7 +20,8 @@
 #include "support/fake_prompts.h"
 #include "support/faulty_line.h"
 #include "support/inline_background.h"
-#include "support/page_test.h"
+#include "support/page_driver.h"
+#include "support/temporary_folder.h"
 
 namespace qv5123::test {
 

@@ -59,7 +59,7 @@ TEST_F(AwbPage, TheChipsLinesFillThePageAndAreSavedAsTheyCame) {
 
 TEST_F(AwbPage, OnlyAWholeReplyIsTakenAndWordsBeyondTheLimitAreNegative) {
   user_.click("Load <- ISP");
-  answer_load("01020203032003210000000000000000000000000");
+  answer_load("0102020303200321000000000000000000000000");
   EXPECT_EQ(user_.number("B Intercept"), 801 - 65536);
   user_.click("Load <- ISP");
   answer_load("000102030405060708090a0b0c0d0e0f101112f");
