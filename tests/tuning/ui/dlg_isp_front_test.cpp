@@ -263,7 +263,7 @@ TEST_F(FrontPage, TakesWhatTheChipDoesNotReportFromTheSettingFile) {
   host_.doc.user_data.set_entry(464, 9);
   host_.doc.user_data.set_entry(582, 33);
   host_.doc.user_data.mark_loaded();
-  page_.reset();
+  owned_.reset();
   CDlgIspFront page(host_);
   const test::PageDriver user(page);
   EXPECT_EQ(user.number("LED Dimmer"), 33) << "until the chip says otherwise";
@@ -312,7 +312,7 @@ TEST_F(FrontPage, ARegisterFileWaitsForTheWireAndCanBeStopped) {
   EXPECT_EQ(host_.last_status(), "Register file: line 2 did not reach the chip.");
   fake_.sender.connected = true;
   user_.click("Register File Load");
-  page_->hide();
+  page_.hide();
   EXPECT_EQ(wire(), "") << "another page takes the place of this one";
 }
 

@@ -174,7 +174,7 @@ TEST_F(GammaPage, DraggingAndKeysMovePoints) {
 }
 
 TEST_F(GammaPage, AnyArrowChoosesAPointWhereNoneIsChosen) {
-  auto* chart = drive_.find<GammaChartView>("Gamma curves");
+  auto* chart = user_.find<GammaChartView>("Gamma curves");
   key(Qt::Key_Up);
   EXPECT_TRUE(chart->readout().startsWith("Point 1 at 0:"));
   EXPECT_EQ(point(1, "R")->value(), 0);

@@ -217,24 +217,24 @@ TEST_F(MatrixPage, ComesBackFromTheUserDataAsItWas) {
 }
 
 TEST_F(MatrixPage, ThePickerStaysWhereASilentChipOrALostPortLeftIt) {
-  drive_.click("Enable Color Picker");
-  wire_.advance(3000);
-  EXPECT_EQ(wire_.sender.wire(), "@940a*@9429*@940a*@9429*") << "nothing is made of no answer";
+  user_.click("Enable Color Picker");
+  fake_.advance(3000);
+  EXPECT_EQ(fake_.sender.wire(), "@940a*@9429*@940a*@9429*") << "nothing is made of no answer";
   EXPECT_EQ(host_.last_status(), "Color picker: no answer from 0xFA29");
-  EXPECT_FALSE(drive_.checked("Enable Color Picker"));
+  EXPECT_FALSE(user_.checked("Enable Color Picker"));
   EXPECT_FALSE(enabled("GET COLOR"));
 
   answer_reads();
-  drive_.click("Enable Color Picker");
+  user_.click("Enable Color Picker");
   EXPECT_EQ(host_.busy.back(), true);
-  wire_.advance(3000);
+  fake_.advance(3000);
   EXPECT_EQ(host_.busy.back(), false);
-  drive_.click("Enable Color Picker");
-  wire_.advance(120);
-  wire_.sender.connected = false;
-  wire_.advance(3000);
+  user_.click("Enable Color Picker");
+  fake_.advance(120);
+  fake_.sender.connected = false;
+  fake_.advance(3000);
   EXPECT_EQ(host_.last_status(), "Color picker: not all of it reached the chip");
-  EXPECT_TRUE(drive_.checked("Enable Color Picker"));
+  EXPECT_TRUE(user_.checked("Enable Color Picker"));
   EXPECT_TRUE(enabled("GET COLOR"));
 }
 
