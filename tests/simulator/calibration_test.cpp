@@ -29,10 +29,9 @@ struct Bench {
   }
 
   void run(Task<> task) {
-    FlowSet flows;
-    flows.spawn(std::move(task));
+    Flow flow(std::move(task));
     wire.advance(120'000);
-    EXPECT_FALSE(flows.running());
+    EXPECT_FALSE(flow.running());
   }
 
   Task<> calibrate_lens_shading() {
@@ -118,22 +117,18 @@ double ripple(Bench& bench, const Scene& scene) {
   return worst;
 }
 
-double determinant(const ColourMatrix& m) {
-  double sum = 0;
-  for (std::size_t j = 0; j < 3; ++j) {
-    sum += m[0][j] * (m[1][(j + 1) % 3] * m[2][(j + 2) % 3] - m[1][(j + 2) % 3] * m[2][(j + 1) % 3]);
-  }
-  return sum;
-}
-
+/// Over the adjugate, so that it shares nothing with the solver under test.
 ColourMatrix inverse(const ColourMatrix& m) {
   ColourMatrix result{};
   for (std::size_t i = 0; i < 3; ++i) {
     for (std::size_t j = 0; j < 3; ++j) {
-      const std::size_t r = j + 1, s = j + 2, c = i + 1, d = i + 2;
-      result[i][j] = (m[r % 3][c % 3] * m[s % 3][d % 3] - m[r % 3][d % 3] * m[s % 3][c % 3]) / determinant(m);
+      const auto at = [&](std::size_t row, std::size_t column) { return m[(j + row) % 3][(i + column) % 3]; };
+      result[i][j] = at(1, 1) * at(2, 2) - at(1, 2) * at(2, 1);
     }
   }
+  const double determinant = m[0][0] * result[0][0] + m[0][1] * result[1][0] + m[0][2] * result[2][0];
+  for (auto& row : result)
+    for (double& element : row) element /= determinant;
   return result;
 }
 
@@ -156,14 +151,9 @@ double largest_error(const Coefficients& fitted, const ColourMatrix& truth) {
   return largest;
 }
 
-struct Differences {
-  double mean = 0;
-  double worst = 0;
-};
-
 /// CIEDE2000 of all patches as the picker reads them off the picture, exposed so that the greys' greens
 /// match.
-Differences closed_loop(Bench& bench, const Scene& scene) {
+DifferenceSummary closed_loop(Bench& bench, const Scene& scene) {
   std::array<PerColour, kPatches> read{};
   for (std::size_t i = 0; i < kPatches; ++i) read[i] = bench.picked(patch_middle(scene, i));
   double counts = 0, reference = 0;
@@ -171,7 +161,7 @@ Differences closed_loop(Bench& bench, const Scene& scene) {
     counts += read[i][1];
     reference += kPatchReferences[i][1];
   }
-  Differences result;
+  DifferenceSummary result;
   for (std::size_t i = 0; i < kPatches; ++i) {
     LinearRgb colour{};
     for (std::size_t c = 0; c < 3; ++c) colour[c] = read[i][c] * reference / counts;
@@ -190,13 +180,6 @@ class Calibration : public testing::TestWithParam<bool> {
 
 INSTANTIATE_TEST_SUITE_P(Noise, Calibration, testing::Bool());
 
-void print_lens(const char* field, const char* noise, std::uint64_t seed, const LensFit& fit, int centre,
-                double gain, double before, double after) {
-  std::printf("%s %s seed %d: centre %+d", field, noise, static_cast<int>(seed), centre);
-  for (std::size_t c = 0; c < 3; ++c) std::printf("  a %.2f b %.2f", fit.a[c], fit.b[c]);
-  std::printf("  gain +-%.2f %%  ripple %.1f %% -> %.1f %%\n", gain, before, after);
-}
-
 void expect_flattened(const Scene& scene, bool noise, std::uint64_t seed) {
   const CameraTruth truth = truth_of(noise, seed);
   const bool small = scene.height == 720;
@@ -209,8 +192,11 @@ void expect_flattened(const Scene& scene, bool noise, std::uint64_t seed) {
   const LensCalibration& found = bench.calibrated.calibration;
   const int centre = found.centre.x - bench.chip.camera()->lens_centre().x;
   const double gain = gain_error(bench.lens, *bench.chip.camera());
-  print_lens(scene_name(scene).c_str(), noise ? "noise" : "quiet", seed, found.fit, centre, gain, before,
-             after);
+  std::printf("%s %s seed %d: centre %+d  gain +-%.2f %%  ripple %.1f %% -> %.1f %%",
+              scene_name(scene).c_str(), noise ? "noise" : "quiet", static_cast<int>(seed), centre, gain,
+              before, after);
+  for (std::size_t c = 0; c < 3; ++c) std::printf("  a %.2f b %.2f", found.fit.a[c], found.fit.b[c]);
+  std::printf("\n");
 
   EXPECT_LE(std::abs(centre), 4);
   EXPECT_LE(gain, 2.0);
@@ -240,9 +226,9 @@ void expect_true_colours(const Scene& scene, bool noise, std::uint64_t seed) {
   bench.lens.screen_index = scene.height == 720 ? 1 : 0;
   bench.run(bench.calibrate_lens_shading());
   bench.chip.set_camera(Camera(scene, truth));
-  const Differences before = closed_loop(bench, scene);
+  const DifferenceSummary before = closed_loop(bench, scene);
   bench.run(bench.calibrate_matrix(scene));
-  const Differences after = closed_loop(bench, scene);
+  const DifferenceSummary after = closed_loop(bench, scene);
   const double error = largest_error(bench.matrix.coefficients, true_matrix(truth));
   const auto page = patch_report(bench.matrix.measured, bench.matrix.coefficients);
   ASSERT_TRUE(page);
