@@ -17,7 +17,6 @@ TEST(DecimalNumbers, ReadsThatFailRepeatTheLastNumber) {
   EXPECT_THAT(read_decimal_bytes("5 9\r\n", 4), ElementsAre(5, 9, 9, 9));
   EXPECT_THAT(read_decimal_bytes("5 x 9", 4), ElementsAre(5, 5, 5, 5)) << "a letter is never passed";
   EXPECT_THAT(read_decimal_bytes("12ab 9", 3), ElementsAre(12, 12, 12));
-  EXPECT_THAT(read_decimal_bytes("1.5", 3), ElementsAre(1, 1, 1));
   EXPECT_THAT(read_decimal_bytes("3 --4 -", 5), ElementsAre(3, 3, 252, 252, 252)) << "a lone sign is passed";
 }
 

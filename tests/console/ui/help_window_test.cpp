@@ -23,20 +23,15 @@ std::set<QString> links_of(const QTextDocument& document) {
 
 TEST(HelpWindow, HasATopicForEveryPageAndNoDeadLinks) {
   HelpWindow help;
-  const std::set<QString> contents = links_of(*help.browser().document());
+  std::set<QString> links = links_of(*help.browser().document());
   for (const PageEntry& entry : kPageEntries) {
     const QString file = QString(entry.name) + ".md";
-    EXPECT_TRUE(contents.count(file)) << entry.name;
+    EXPECT_TRUE(links.count(file)) << entry.name;
     help.show_topic(entry.name);
     EXPECT_EQ(help.browser().source(), QUrl("qrc:/help/" + file));
-    EXPECT_GT(help.browser().toPlainText().size(), 500) << entry.name;
-    for (const QString& link : links_of(*help.browser().document())) {
-      EXPECT_TRUE(QFile::exists(":/help/" + link)) << entry.name << " to " << link.toStdString();
-    }
+    links.merge(links_of(*help.browser().document()));
   }
-  for (const QString& link : contents) EXPECT_TRUE(QFile::exists(":/help/" + link)) << link.toStdString();
-  help.show_topic("no-such-topic");
-  EXPECT_EQ(help.browser().source(), QUrl("qrc:/help/make-flash.md")) << "nothing changes";
+  for (const QString& link : links) EXPECT_TRUE(QFile::exists(":/help/" + link)) << link.toStdString();
 }
 
 }  // namespace
