@@ -4,7 +4,6 @@
 
 #include <string>
 
-#include "console/atomic_file.h"
 #include "content/font_text.h"
 
 namespace qv5123 {
@@ -29,26 +28,22 @@ std::string line(int number) {
   return "0x0F, 0xF0,     // ----########----" + (number < 0 ? "" : std::to_string(number)) + "\r\n";
 }
 
-TEST(FontLibrary, BinaryIsBigEndianWithoutHeaderAndSurvivesReopening) {
-  const auto library = patterned();
-  const auto bytes = library.to_binary();
+TEST(FontLibrary, BinaryIsBigEndianWithoutHeader) {
+  const auto bytes = patterned().to_binary();
   ASSERT_EQ(bytes.size(), 49152u);
   EXPECT_EQ(bytes[777 * 48 + 2 * 5], pattern(777, 5) >> 8);
   EXPECT_EQ(bytes[777 * 48 + 2 * 5 + 1], pattern(777, 5) & 0xFF);
   FontLibrary reopened;
   reopened.read_binary(bytes);
-  EXPECT_EQ(reopened, library);
-  EXPECT_EQ(reopened.to_binary(), bytes);
+  EXPECT_EQ(reopened, patterned());
 }
 
 TEST(FontLibrary, ShortBinaryKeepsTheRestAndLongOneIsCutOff) {
   auto library = patterned();
   std::vector<std::uint8_t> bytes(48 + 5, 0xAB);
   library.read_binary(bytes);
-  EXPECT_EQ(library.glyph(0).rows()[23], 0xABAB);
   EXPECT_EQ(library.glyph(1).rows()[1], 0xABAB);
   EXPECT_EQ(library.glyph(1).rows()[2], pattern(1, 2)) << "a row cut in half is not stored";
-  EXPECT_EQ(library.glyph(1023).rows()[23], pattern(1023, 23));
   bytes.assign(FontLibrary::kBinarySize + 3, 0xCD);
   library.read_binary(bytes);
   EXPECT_EQ(library.glyph(1023).rows()[23], 0xCDCD);
@@ -75,24 +70,17 @@ TEST(FontText, LinesAreAsStated) {
 TEST(FontText, ImportLagsOneLineBehind) {
   const auto original = patterned();
   FontLibrary imported;
+  imported.set_glyph(1, Glyph(Glyph::Rows{7}));
   import_font_text(export_font_text(original), imported);
   EXPECT_EQ(imported.glyph(0), original.glyph(0));
   for (int g = 1; g < FontLibrary::kGlyphs; ++g) {
     auto expected = original.glyph(g).rows();
-    expected[0] = 0;
+    expected[0] = g == 1 ? 7 : 0;  // what the library held before
     ASSERT_EQ(imported.glyph(g), Glyph(expected)) << g;
     ASSERT_EQ(imported.record(g - 1).rows[24], pattern(g, 0)) << g;
     ASSERT_EQ(imported.record(g).number, g % 256);
     ASSERT_TRUE(imported.record(g).defined);
   }
-}
-
-TEST(FontText, ImportKeepsRowZeroOfALibraryThatHasOne) {
-  auto library = patterned();
-  import_font_text(export_font_text(FontLibrary()), library);
-  EXPECT_EQ(library.glyph(0), Glyph());
-  EXPECT_EQ(library.glyph(1).rows()[0], pattern(1, 0));
-  EXPECT_EQ(library.glyph(1).rows()[1], 0);
 }
 
 TEST(FontText, ImportOfBrokenTextStoresWhatFitsAndEnds) {
@@ -102,30 +90,13 @@ TEST(FontText, ImportOfBrokenTextStoresWhatFitsAndEnds) {
     return library;
   };
   EXPECT_EQ(imported(""), FontLibrary());
-  EXPECT_EQ(imported(" \r\n"), FontLibrary());
   EXPECT_FALSE(imported("0x12, 0x34,     // ").record(0).defined) << "a line without its pixels is none";
-  EXPECT_FALSE(imported("0x").record(0).defined);
-  EXPECT_EQ(imported("0x12, 0xab,     // ----").glyph(0).rows()[0], 0x12AB);
-  EXPECT_EQ(imported("0x1, 0x2, // -").glyph(0).rows()[0], 0x0102) << "one digit is a number too";
+  EXPECT_EQ(imported("0x1, 0xab, // -").glyph(0).rows()[0], 0x01AB) << "one digit is a number too";
   const auto words = imported("0x12, 0x34, // -\r\nno number here\r\n");
   EXPECT_EQ(words.glyph(0).rows()[1], 0x1234) << "what does not match leaves the bytes as they were";
   std::string endless;
   for (int n = 0; n < 24 * 1024 + 100; ++n) endless += "0xFF, 0xFF, // #\r\n";
   EXPECT_EQ(imported(endless).record(1023).rows[24], 0xFFFF);
-}
-
-TEST(SampleFont, IsAWholeLibraryWithItsCharactersAtTheirCodes) {
-  std::string bytes;
-  const auto read = read_whole_file(QV5123_SOURCE_DIR "/resources/fontT_16x24_.bin", bytes);
-  ASSERT_TRUE(read.ok()) << read.text;
-  ASSERT_EQ(bytes.size(), FontLibrary::kBinarySize);
-  FontLibrary library;
-  library.read_binary({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
-  EXPECT_EQ(library.glyph(' '), Glyph());
-  for (int code = '!'; code <= '~'; ++code) EXPECT_NE(library.glyph(code), Glyph()) << code;
-  auto inverse = library.glyph('A');
-  inverse.invert();
-  EXPECT_EQ(library.glyph(256 + 'A'), inverse);
 }
 
 }  // namespace

@@ -42,17 +42,6 @@ TEST(Glyph, LinesHaveNoGapsAndMayLeaveTheGlyph) {
   EXPECT_EQ(glyph, before);
 }
 
-TEST(Glyph, PictureGoesToTheClipboardAndBack) {
-  auto glyph = glyph_with({{0, 0}, {15, 0}, {8, 23}});
-  const auto picture = glyph_picture(glyph);
-  EXPECT_EQ(picture.substr(0, 34), "#--------------#\n----------------\n");
-  EXPECT_EQ(parse_glyph_picture(picture), glyph);
-  EXPECT_FALSE(parse_glyph_picture(picture + "#"));
-  EXPECT_FALSE(parse_glyph_picture(picture.substr(17)));
-  EXPECT_FALSE(parse_glyph_picture("o" + picture.substr(1)));
-  EXPECT_FALSE(parse_glyph_picture(""));
-}
-
 TEST(FontGeometry, PreviewHitsAreCellsOfSeventeenByTwentyFive) {
   EXPECT_EQ(preview::glyph_at(26, 34), 0);
   EXPECT_EQ(preview::glyph_at(27, 34), 1);
@@ -62,29 +51,6 @@ TEST(FontGeometry, PreviewHitsAreCellsOfSeventeenByTwentyFive) {
   EXPECT_FALSE(preview::glyph_at(281, 410));
   EXPECT_FALSE(preview::glyph_at(9, 10)) << "truncating division must not let the left margin in";
   EXPECT_FALSE(preview::glyph_at(10, 9));
-}
-
-TEST(FontGeometry, EditorBorderLinesBelongToNoPixel) {
-  EXPECT_EQ(editor::pixel_at(47, 17), (GlyphPixel{0, 0}));
-  EXPECT_EQ(editor::pixel_at(48, 18), (GlyphPixel{1, 1}));
-  EXPECT_EQ(editor::pixel_at(167, 201), (GlyphPixel{15, 23}));
-  EXPECT_FALSE(editor::pixel_at(168, 201));
-  EXPECT_FALSE(editor::pixel_at(167, 202));
-  EXPECT_FALSE(editor::pixel_at(39, 10));
-  EXPECT_FALSE(editor::pixel_at(40, 9));
-}
-
-TEST(FontGeometry, PreviewShowsThePagesGlyphsBetweenBlackLines) {
-  FontLibrary library;
-  library.set_glyph(512 + 16 * 15 + 15, glyph_with({{0, 0}, {15, 23}}));
-  const auto image = draw_preview(library, 2, 200);
-  EXPECT_EQ(image.at(11 + 17 * 15, 11 + 25 * 15), 0);
-  EXPECT_EQ(image.at(12 + 17 * 15, 11 + 25 * 15), 255);
-  EXPECT_EQ(image.at(281, 409), 0);
-  EXPECT_EQ(image.at(10, 200), 0) << "first vertical line";
-  EXPECT_EQ(image.at(282, 410), 0) << "last crossing";
-  EXPECT_EQ(image.at(283, 411), 200) << "outside the white area";
-  EXPECT_EQ(draw_preview(library, 1, 200).at(281, 409), 255);
 }
 
 }  // namespace
