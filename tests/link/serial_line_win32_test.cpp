@@ -19,8 +19,6 @@ TEST(SerialLineWin32, SettingsGoIntoTheControlBlockAndLeaveTheRest) {
   EXPECT_EQ(line.Parity, MARKPARITY);
   EXPECT_EQ(line.XonChar, 0x11);
   EXPECT_EQ(line.XoffChar, 0x13);
-  EXPECT_EQ(line.XonLim, 1024);
-  EXPECT_EQ(line.XoffLim, 1024);
   EXPECT_TRUE(line.fBinary && line.fTXContinueOnXoff && line.EvtChar == 'e');
 }
 
@@ -35,16 +33,6 @@ TEST(SerialLineWin32, EachFlowFlagSwitchesItsOwnFields) {
     EXPECT_EQ(line.fOutX, flags >> 2 & 1u);
     EXPECT_EQ(line.fInX, flags >> 2 & 1u);
   }
-}
-
-TEST(SerialLineWin32, ReadsReturnAtOnceAndSlowLinesGetMoreTimeToWrite) {
-  const COMMTIMEOUTS timeouts = line_timeouts(19200);
-  EXPECT_EQ(timeouts.ReadIntervalTimeout, 0xFFFFFFFFu);
-  EXPECT_EQ(timeouts.ReadTotalTimeoutMultiplier + timeouts.ReadTotalTimeoutConstant, 0u);
-  EXPECT_EQ(timeouts.WriteTotalTimeoutMultiplier, 1u);
-  EXPECT_EQ(timeouts.WriteTotalTimeoutConstant, 0u);
-  EXPECT_EQ(line_timeouts(9600).WriteTotalTimeoutMultiplier, 2u);
-  EXPECT_EQ(line_timeouts(38400).WriteTotalTimeoutMultiplier, 0u);
 }
 
 TEST(PortListWin32, ProbesAndListsWithoutAnyPort) {

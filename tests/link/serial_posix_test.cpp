@@ -1,8 +1,4 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -12,6 +8,7 @@
 #include "link/port_list_posix.h"
 #include "link/serial_line_posix.h"
 #include "link/system_serial_device.h"
+#include "support/program.h"
 #include "support/pty_line_posix.h"
 #include "support/temporary_folder.h"
 
@@ -54,11 +51,8 @@ TEST(SerialLinePosix, IsRawAndKeepsWhatTheSettingsDoNotSpeakOf) {
 
 TEST(SerialLinePosix, HasEveryFrameAndFlow) {
   EXPECT_EQ(line_for({.data_bits = 5, .stop_bits = 1}).c_cflag & kFrame, tcflag_t{CS5 | CSTOPB});
-  EXPECT_EQ(line_for({.data_bits = 6, .stop_bits = 2}).c_cflag & kFrame, tcflag_t{CS6 | CSTOPB});
   EXPECT_EQ(line_for({.parity = 1}).c_cflag & kFrame, tcflag_t{CS8 | PARENB | PARODD});
-  EXPECT_EQ(line_for({.parity = 2}).c_cflag & kFrame, tcflag_t{CS8 | PARENB});
   EXPECT_EQ(line_for({.parity = 3}).c_cflag & kFrame, tcflag_t(CS8 | PARENB | PARODD | CMSPAR));
-  EXPECT_EQ(line_for({.parity = 4}).c_cflag & kFrame, tcflag_t(CS8 | PARENB | CMSPAR));
   EXPECT_EQ(line_for({.flow_flags = 2}).c_cflag & kFrame, tcflag_t(CS8 | CRTSCTS));
   const termios2 soft = line_for({.flow_flags = 4});
   EXPECT_EQ(soft.c_iflag, tcflag_t{IXON | IXOFF | IUTF8});
@@ -67,7 +61,7 @@ TEST(SerialLinePosix, HasEveryFrameAndFlow) {
 }
 
 TEST(SerialLinePosix, TellsWhatTheDriverDidNotTake) {
-  const termios2 wanted = line_for({.parity = 3, .flow_flags = 2});
+  const termios2 wanted = line_for({.parity = 3});
   const auto refused = [&](auto change) {
     termios2 got = wanted;
     change(got);
@@ -76,8 +70,6 @@ TEST(SerialLinePosix, TellsWhatTheDriverDidNotTake) {
   EXPECT_EQ(refused([](termios2& got) { got.c_ospeed = 19230; }), "") << "a divisor is never exact";
   EXPECT_EQ(refused([](termios2& got) { got.c_ospeed = 9600; }), "it does not do 19200 baud");
   EXPECT_EQ(refused([](termios2& got) { got.c_cflag &= ~CMSPAR; }), "it does not do that parity");
-  EXPECT_EQ(refused([](termios2& got) { got.c_cflag &= ~CSIZE; }), "it does not do that number of data bits");
-  EXPECT_EQ(refused([](termios2& got) { got.c_cflag &= ~CRTSCTS; }), "it does not do RTS/CTS flow control");
 }
 
 class PosixPorts : public testing::Test {
@@ -113,19 +105,12 @@ TEST_F(PosixPorts, ListsRealOnesWithTheirProductNames) {
   put("run/udev/data/c4:68", "E:ID_MODEL=0x9900\nE:ID_MODEL_FROM_DATABASE=Quad serial card");
   add_tty("ttyS0", "sys/devices/platform/serial8250");
   put("sys/class/tty/ttyS0/type", "0");  // a placeholder
-  add_tty("ttyAMA0", "sys/devices/platform/uart");
-  put("sys/class/tty/tty1/dev", "4:1");  // a console, with no device
   EXPECT_EQ(list_ports_below(root_), (std::vector<PortInfo>{
                                          {0, "/dev/ttyACM0", "Eval Board (/dev/ttyACM0)"},
-                                         {0, "/dev/ttyAMA0", "Serial port (/dev/ttyAMA0)"},
                                          {4, "/dev/ttyS4", "Quad serial card (/dev/ttyS4)"},
                                          {2, "/dev/ttyUSB2", "Bridge UART (/dev/ttyUSB2)"},
                                          {10, "/dev/ttyUSB10", "Bridge UART (/dev/ttyUSB10)"},
                                      }));
-}
-
-TEST_F(PosixPorts, AMissingTreeHasNone) {
-  EXPECT_TRUE(list_ports_below(root_).empty());
 }
 
 TEST_F(PosixPorts, ErrorsSayWhatIsWrongWithTheDevice) {
@@ -133,34 +118,20 @@ TEST_F(PosixPorts, ErrorsSayWhatIsWrongWithTheDevice) {
   const std::string file = root_ / "file";
   const auto device = make_serial_device();
   EXPECT_EQ(device->open(file, {}).text, file + " is not a serial port. Choose one from the list of ports.");
-  EXPECT_EQ(device->open(root_, {}).error, OpenError::not_a_port);
   EXPECT_EQ(device->open("/dev/null", {}).error, OpenError::not_a_port);
   EXPECT_EQ(device->open("", {}).error, OpenError::not_found);
-  EXPECT_EQ(probe_port(root_ / "none").error, OpenError::not_found);
+  fs::permissions(file, fs::perms(0600));
+  EXPECT_EQ(system_error(EACCES, file).text,
+            "No permission to use the port " + file + ". Ask the administrator of this computer for it.");
+  fs::permissions(file, fs::perms(0660));
+  EXPECT_NE(system_error(EACCES, file).text.find(": run \"sudo usermod -aG "), std::string::npos);
 }
 
-TEST_F(PosixPorts, DeniedPermissionNamesTheGroupToJoin) {
-  put("port", "");
-  const std::string port = root_ / "port";
-  ASSERT_EQ(chown(port.c_str(), getuid(), getgid()), 0);
-  fs::permissions(port, fs::perms(0660));
-  const OpenResult denied = system_error(EACCES, port);
-  EXPECT_EQ(denied.error, OpenError::permission_denied);
-  EXPECT_NE(denied.text.find(": run \"sudo usermod -aG "), std::string::npos) << denied.text;
-  fs::permissions(port, fs::perms(0600));
-  EXPECT_EQ(system_error(EACCES, port).text,
-            "No permission to use the port " + port + ". Ask the administrator of this computer for it.");
-}
-
-TEST_F(PosixPorts, ThePortThisProgramHoldsIsBusyToOpenButFreeToChoose) {
+TEST_F(PosixPorts, ThePortThisProgramHoldsIsFreeToChoose) {
   const std::string link = root_ / "port";
   PtyLine line(link);
   const auto device = make_serial_device();
   ASSERT_TRUE(device->open(link, {}).ok());
-  EXPECT_EQ(make_serial_device()->open(link, {}).text,
-            "The port " + link + " is in use by this program. Close it there, then open the port again.");
-  EXPECT_TRUE(probe_port(link).ok());
-  device->close();
   EXPECT_TRUE(probe_port(link).ok());
   line.hang_up();
   EXPECT_EQ(probe_port(link).error, OpenError::not_found);
@@ -169,24 +140,14 @@ TEST_F(PosixPorts, ThePortThisProgramHoldsIsBusyToOpenButFreeToChoose) {
 TEST_F(PosixPorts, AHolderThatDoesNotLockIsFoundAndNamed) {
   const std::string link = root_ / "port";
   const PtyLine line(link);
-  int held[2], release[2];
-  ASSERT_EQ(pipe(held) | pipe(release), 0);
-  const pid_t holder = fork();
-  if (holder == 0) {
-    char byte = open(link.c_str(), O_RDWR | O_NOCTTY) < 0;
-    if (write(held[1], &byte, 1) == 1) close(release[1]);
-    _exit(static_cast<int>(read(release[0], &byte, 1)));
-  }
-  char failed = 1;
-  ASSERT_EQ(read(held[0], &failed, 1), 1);
-  ASSERT_EQ(failed, 0);
+  test::Program holder("/bin/sh", {"-c", "exec 3<>\"$0\"; echo $$; read end", link});
+  const std::string process = holder.line();
   const OpenResult opened = make_serial_device()->open(link, {});
-  const OpenResult probed = probe_port(link);
-  for (const int end : {held[0], held[1], release[0], release[1]}) close(end);
-  waitpid(holder, nullptr, 0);
   EXPECT_EQ(opened.error, OpenError::busy);
-  EXPECT_NE(opened.text.find("(process " + std::to_string(holder) + ")"), std::string::npos) << opened.text;
-  EXPECT_EQ(probed.text, opened.text);
+  EXPECT_NE(opened.text.find("(process " + process + ")"), std::string::npos) << opened.text;
+  EXPECT_EQ(probe_port(link).text, opened.text);
+  holder.type("\n");
+  EXPECT_EQ(holder.end(), 0);
   EXPECT_TRUE(probe_port(link).ok()) << "it has ended";
 }
 
