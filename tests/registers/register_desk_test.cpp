@@ -13,10 +13,9 @@ namespace {
 class NoView : public RegisterView {
  public:
   RegisterButtons buttons;
-  int categories_shown = 0;
 
   void show_description() override {}
-  void show_category() override { ++categories_shown; }
+  void show_category() override {}
   void show_selection() override {}
   void show_value_cell(int) override {}
   void show_register() override {}
@@ -42,9 +41,6 @@ class RegisterDeskTest : public testing::Test {
   }
   const RegisterSheet& sheet() const { return desk_->sheet(); }
   int stored(std::size_t reg) const { return sheet().description().registers[reg].value; }
-  std::size_t none() const { return sheet().description().registers.size(); }
-
-  void choose_file(const std::string& bytes) { host_.user.paths.push_back(folder_.write("r.txt", bytes)); }
 
   const test::TemporaryFolder folder_;
   test::FakeWire wire_;
@@ -54,64 +50,27 @@ class RegisterDeskTest : public testing::Test {
   std::optional<RegisterDesk> desk_;
 };
 
-TEST_F(RegisterDeskTest, SelectingAnotherRowReadsIt) {
+TEST_F(RegisterDeskTest, AReadThatWasOvertakenIsDropped) {
   open_and_read();
-  desk_->select_row(0);
-  wire_.advance(200);
-  EXPECT_TRUE(chip_.requests.empty()) << "it was current already";
   desk_->select_row(1);
   desk_->select_row(2);
   wire_.advance(500);
   EXPECT_EQ(chip_.requests, (std::vector<int>{0x801, 0x0A5}));
-  EXPECT_EQ(stored(1), -1) << "its read was overtaken";
-  EXPECT_EQ(stored(2), 0x51);
-}
-
-TEST_F(RegisterDeskTest, AReplyUnderWayNeverLandsOnARegisterThatCannotBeRead) {
-  open(
-      uR"(<isp chip="QV5123">
-<category catname="C">
-<reg regname="A" addr="0xF800" write="W" reset="0x00">
-</reg>
-<reg regname="NONE" addr="0x0000" write="W" reset="0x00">
-</reg>
-</category>
-)");
-  ASSERT_EQ(sheet().rows(), 2u);
-  wire_.advance(100);
-  ASSERT_TRUE(desk_->reading());
-  desk_->select_row(1);
-  wire_.advance(500);
   EXPECT_EQ(stored(1), -1);
-  EXPECT_EQ(sheet().value_cell(1), sheet().value_cell(0)) << "neither is known";
-}
-
-TEST_F(RegisterDeskTest, AddressZeroOrNoneIsNeitherReadNorWritten) {
-  open_and_read();
-  for (const auto address : {u"0x0000", u"F800", u""}) {
-    desk_->type_address(address);
-    desk_->read();
-    desk_->write();
-  }
-  wire_.advance(500);
-  EXPECT_TRUE(wire_.sender.writes.empty());
+  EXPECT_EQ(stored(2), 0x51);
 }
 
 TEST_F(RegisterDeskTest, ATypedAddressFindsItsRegisterAndRow) {
   open_and_read();
   desk_->type_address(u"0xFA20");
   EXPECT_EQ(sheet().current(), 3u);
-  EXPECT_EQ(sheet().name_text(), u"K1");
-  EXPECT_EQ(sheet().value_text(), u"");
   EXPECT_EQ(sheet().current_row(), -1) << "of another category";
   EXPECT_NE(sheet().field(0), nullptr);
-
   desk_->type_address(u"0xF801");
   EXPECT_EQ(sheet().name_text(), u"GAIN");
   EXPECT_EQ(sheet().current_row(), 1);
   desk_->type_address(u"0x1234");
-  EXPECT_EQ(sheet().current(), none());
-  EXPECT_TRUE(sheet().selected_rows().empty());
+  EXPECT_EQ(sheet().current(), 5u) << "none of the five";
   chip_.values[0x234] = 0x42;
   desk_->read();
   wire_.advance(300);
@@ -121,8 +80,6 @@ TEST_F(RegisterDeskTest, ATypedAddressFindsItsRegisterAndRow) {
   desk_->choose_category(1);
   desk_->type_address(u"0xF801");
   EXPECT_EQ(sheet().current(), 4u) << "the listed register takes over from the first with this address";
-  wire_.advance(300);
-  EXPECT_EQ(stored(4), 0x3C);
 }
 
 TEST_F(RegisterDeskTest, ACategoryIsReadRowByRowAndUnansweredRowsAgain) {
@@ -139,20 +96,8 @@ TEST_F(RegisterDeskTest, ACategoryIsReadRowByRowAndUnansweredRowsAgain) {
   chip_.latency = 80;  // too late for the look after 60 ms, in time for the one before the next request
   wire_.advance(1000);
   EXPECT_EQ(chip_.requests, (std::vector<int>{0x800, 0x800, 0x800, 0x801, 0x0A5}));
-  EXPECT_EQ(stored(0), 0xA5);
-  EXPECT_EQ(stored(1), 0x3C);
-  EXPECT_EQ(sheet().value_cell(2), u"0x51");
-  EXPECT_TRUE(view_.buttons.load_category);
-}
-
-TEST_F(RegisterDeskTest, AChipSlowerThanAStepStillFillsTheRightRows) {
-  open();
-  wire_.advance(200);
-  chip_.latency = 120;
-  desk_->load_category();
-  wire_.advance(2000);
-  EXPECT_TRUE(view_.buttons.load_category);
   for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(stored(i), (std::vector{0xA5, 0x3C, 0x51})[i]) << i;
+  EXPECT_TRUE(view_.buttons.load_category);
 }
 
 TEST_F(RegisterDeskTest, ACategoryChangeStopsTheCategorysSequence) {
@@ -171,7 +116,6 @@ TEST_F(RegisterDeskTest, ACategoryChangeStopsTheCategorysSequence) {
 TEST_F(RegisterDeskTest, LoadAllShowsItsProgressAndLetsOthersIn) {
   open_and_read();
   desk_->load_all();
-  EXPECT_FALSE(view_.buttons.load_all);
   wire_.advance(100 + 150 + 1);
   EXPECT_EQ(view_.buttons.load_all_caption, "Load All From ISP(20%)");
   desk_->select_row(2);
@@ -179,7 +123,6 @@ TEST_F(RegisterDeskTest, LoadAllShowsItsProgressAndLetsOthersIn) {
   EXPECT_EQ(chip_.requests, (std::vector<int>{0x800, 0x801, 0x0A5, 0x0A5, 0xA20, 0x801}));
   for (std::size_t i = 0; i < 5; ++i)
     EXPECT_EQ(stored(i), (std::vector{0xA5, 0x3C, 0x51, 0x07, 0x3C})[i]) << i;
-  EXPECT_EQ(sheet().value_cell(1), u"0x3C");
   EXPECT_TRUE(view_.buttons.load_all);
   EXPECT_EQ(view_.buttons.load_all_caption, "Load All From ISP");
 }
@@ -188,18 +131,19 @@ TEST_F(RegisterDeskTest, SequencesHaltAtAnAddressThatCannotBeRead) {
   open(
       u"x\n<category catname=\"C\">\n<reg regname=\"a\" addr=\"0x801\" write=\"W\">\n</reg>\n"
       u"<reg regname=\"b\" addr=\"12\" write=\"W\">\n</reg>\n<category catname=\"Empty\">\n");
-  wire_.advance(200);
+  wire_.advance(100);
+  ASSERT_TRUE(desk_->reading());
+  desk_->select_row(1);
+  wire_.advance(500);
+  EXPECT_EQ(stored(1), -1) << "a reply under way never lands on it";
   desk_->load_category();
   desk_->load_all();
   wire_.advance(2000);
   EXPECT_FALSE(view_.buttons.load_category);
-  EXPECT_FALSE(view_.buttons.load_all);
   EXPECT_EQ(view_.buttons.load_all_caption, "Load All From ISP(0%)");
-  EXPECT_EQ(chip_.requests, (std::vector<int>{0x801, 0x801, 0x801}));
   desk_->choose_category(1);
   EXPECT_TRUE(view_.buttons.load_category) << "the next category change brings it back";
   EXPECT_FALSE(view_.buttons.load_all);
-  EXPECT_EQ(sheet().current(), none());
   desk_->load_category();
   wire_.advance(100);
   EXPECT_TRUE(view_.buttons.load_category) << "no rows to read";
@@ -207,10 +151,10 @@ TEST_F(RegisterDeskTest, SequencesHaltAtAnAddressThatCannotBeRead) {
 
 TEST_F(RegisterDeskTest, WritesARegisterFileToTheChip) {
   open_and_read();
-  choose_file("0xF801=0x11 //a\r\nnonsense\r\n0xF801=0x22 //b\r\n0xF800=0x33 //c\r\n0xFFFF=0x44 //d\r\n");
+  host_.user.paths = {folder_.write(
+      "r.txt", "0xF801=0x11 //a\r\nbad\r\n0xF801=0x22 //b\r\n0xF800=0x33 //c\r\n0xFFFF=0x44 //d\r\n")};
   desk_->load_file();
   EXPECT_EQ(host_.last_status(), "r.txt: 1 line skipped, the first is line 2");
-  EXPECT_FALSE(view_.buttons.load_file);
   wire_.advance(50);
   EXPECT_EQ(view_.buttons.load_file_caption, "Load REG to ISP(20%)") << "one of five matches";
   wire_.advance(90 + 90);
@@ -218,28 +162,10 @@ TEST_F(RegisterDeskTest, WritesARegisterFileToTheChip) {
       << "an address given twice ends it early";
   EXPECT_EQ(wire_.sender.writes,
             (std::vector<std::string>{"@9208*@9200*@9333*", "@9208*@9201*@9322*", "@9208*@9201*@9322*"}));
-  const int shown = view_.categories_shown;
   wire_.advance(40);
-  EXPECT_EQ(view_.categories_shown, shown + 1);
   EXPECT_EQ(sheet().value_cell(1), u"0x22");
   EXPECT_EQ(sheet().value_cell(2), u"") << "the file has no value for it";
-  EXPECT_TRUE(view_.buttons.load_file);
   EXPECT_EQ(view_.buttons.load_file_caption, "Load REG from File to ISP...");
-}
-
-TEST_F(RegisterDeskTest, AFileThatCannotBeOpenedChangesNothing) {
-  open_and_read();
-  desk_->load_file();
-  host_.user.paths.push_back(folder_ / "missing.txt");
-  desk_->load_file();
-  EXPECT_NE(host_.user.messages.at(0).text.find("missing.txt"), std::string::npos);
-  EXPECT_EQ(stored(0), 0xA5);
-  EXPECT_TRUE(view_.buttons.load_file);
-  choose_file("");
-  desk_->load_file();
-  wire_.advance(1000);
-  EXPECT_EQ(sheet().value_cell(0), u"0xA5") << "nothing in the file; the first register was read again";
-  EXPECT_TRUE(view_.buttons.load_file);
 }
 
 TEST_F(RegisterDeskTest, FlashTakesTheMaskAndEightBlocks) {
