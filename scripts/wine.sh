@@ -6,12 +6,27 @@ wine_server=/usr/lib/wine/wineserver64
 export WINEPREFIX=$build/wine WINESERVER=$wine_server WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 serial_port_shim=$build/serial_port_shim.so
 
+# wait_for_server PID: a program that finds no server starts one of its own, which knows nothing of our ports.
+wait_for_server() {
+  local left=100 server
+  server=/tmp/.wine-$(id -u)/server-$(stat -c %D "$WINEPREFIX")-$(printf %x "$(stat -c %i "$WINEPREFIX")")
+  until [ -S "$server/socket" ]; do
+    left=$((left - 1))
+    if [ $left -eq 0 ] || ! kill -0 "$1" 2>/dev/null; then
+      echo "The Wine server did not start; see $build/wineserver.log" >&2
+      return 1
+    fi
+    sleep 0.1
+  done
+}
+
 # start_wine: starts the server, then makes the prefix where there is none yet.
 start_wine() {
   mkdir -p "$WINEPREFIX"
   g++ -std=c++20 -O1 -Wall -Wextra -fPIC -shared -o "$serial_port_shim" "$root/tests/wine/serial_port_shim.cpp"
   # In the foreground: a server that is its own session's leader would take the tests' ports for its terminal.
   LD_PRELOAD=$serial_port_shim "$wine_server" -f -p 2>"$build/wineserver.log" &
+  wait_for_server $!
   "$wine" wineboot --init
   # There are none of Windows' own fonts here; left to itself Wine takes one with odd measures for them.
   "$wine" regedit /S "$root/tests/wine/fonts.reg"

@@ -1,6 +1,7 @@
 #include "console/atomic_file.h"
 
 #include <atomic>
+#include <exception>
 #include <fstream>
 #include <iterator>
 #include <system_error>
@@ -25,8 +26,12 @@ fs::path temporary_beside(const fs::path& target) {
 }  // namespace
 
 std::string path_text(const fs::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
+  try {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+  } catch (const std::exception&) {
+    return "(a name that is no Unicode text)";  // Windows allows such names
+  }
 }
 
 FileResult write_file_atomically(const fs::path& path, std::string_view bytes) {

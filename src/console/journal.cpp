@@ -104,14 +104,17 @@ Task<> Journal::keep() {
 }
 
 Task<bool> Journal::write(JournalEntry entry) {
-  // Told of once: what fails now fails again in five seconds.
-  const bool first = !written_;
-  written_ = entry;
-  std::function<FileResult()> work = [file = own_->file, entry = std::move(entry)] {
+  std::function<FileResult()> work = [file = own_->file, entry] {
     return write_file_atomically(file, journal_text(entry));
   };
   const FileResult result = co_await background_.run<FileResult>(std::move(work));
-  if (first && !result.ok()) surroundings_.show_status(kNotKept + result.text);
+  if (result.ok()) {
+    written_ = std::move(entry);
+  } else if (!told_) {
+    surroundings_.show_status(kNotKept + result.text);
+  }
+  // What fails now is tried again in five seconds, and told of once.
+  told_ = !result.ok();
   co_return result.ok();
 }
 

@@ -87,7 +87,8 @@ class Journal {
   const Surroundings surroundings_;
   UserDataImage saved_;
   std::optional<Slot> own_;
-  std::optional<JournalEntry> written_;
+  std::optional<JournalEntry> written_;  ///< what the file holds, as far as it could be written
+  bool told_ = false;                    ///< that it cannot be written at the moment
   Flow keeping_;
 };
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <exception>
 #include <vector>
 
 #include "console/atomic_file.h"
@@ -29,8 +30,13 @@ std::string sum_line(std::string_view text) {
   return line + '\n';
 }
 
-std::filesystem::path path_of(std::string_view utf8) {
-  return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+/// Nothing where Windows finds it to be no UTF-8.
+std::optional<std::filesystem::path> path_of(std::string_view utf8) {
+  try {
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+  } catch (const std::exception&) {
+    return std::nullopt;
+  }
 }
 
 UserDataImage image_of(std::string_view lines) {
@@ -59,8 +65,10 @@ std::optional<JournalEntry> read_journal(std::string_view text) {
   const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), length);
   const auto path_at = static_cast<std::size_t>(end - rest.data()) + 1;
   if (error != std::errc() || path_at > rest.size() || length > rest.size() - path_at) return std::nullopt;
+  auto path = path_of(rest.substr(path_at, length));
+  if (!path) return std::nullopt;
   JournalEntry entry;
-  entry.setting_file = path_of(rest.substr(path_at, length));
+  entry.setting_file = std::move(*path);
   entry.image = image_of(rest.substr(path_at + length));
   if (journal_text(entry) != text) return std::nullopt;
   return entry;

@@ -24,6 +24,11 @@ namespace {
 /// Characters drawn between two looks at the event loop: some two milliseconds' worth.
 constexpr std::size_t kFillStep = 32;
 
+struct ReadExport {
+  FontLibrary library;
+  bool unreadable = false;  // it is there, but cannot be read
+};
+
 struct ReadFont {
   bool read = false;
   std::string bytes;
@@ -212,16 +217,24 @@ void CDlgFontMaker::close_page() {
 }
 
 Task<> CDlgFontMaker::import_export() {
-  std::function<FontLibrary()> work = [path = export_path_] {
-    FontLibrary library;
+  std::function<ReadExport()> work = [path = export_path_] {
+    ReadExport read;
     std::string text;
-    if (read_whole_file(path, text).ok()) import_font_text(text, library);
-    return library;
+    std::error_code ignored;
+    if (read_whole_file(path, text).ok()) {
+      import_font_text(text, read.library);
+    } else {
+      read.unreadable = std::filesystem::exists(path, ignored);
+    }
+    return read;
   };
-  const FontLibrary imported = co_await host_.background().run<FontLibrary>(std::move(work));
-  editor_.take_import(imported);
+  const ReadExport read = co_await host_.background().run<ReadExport>(std::move(work));
+  editor_.take_import(read.library);
   refresh_all();
   importing_ = false;
+  // Whatever stands there is not ours to replace.
+  unreadable_ = read.unreadable;
+  if (unreadable_) host_.show_status("Cannot read " + path_text(export_path_) + ": it is left alone");
   if (export_waits_) begin_export();
 }
 
@@ -229,7 +242,7 @@ Task<> CDlgFontMaker::import_export() {
 void CDlgFontMaker::begin_export() {
   // It would replace what is only just being read.
   export_waits_ = importing_;
-  if (importing_) return;
+  if (importing_ || unreadable_) return;
   std::function<FileResult()> work = [path = export_path_, library = editor_.library()] {
     return write_file_atomically(path, export_font_text(library));
   };

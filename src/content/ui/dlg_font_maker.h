@@ -63,6 +63,7 @@ class CDlgFontMaker : public QWidget, public Page {
   FontEditor editor_;
   std::filesystem::path export_path_;
   bool importing_ = true;
+  bool unreadable_ = false;    // the export is there but could not be read
   bool export_waits_ = false;  // for the import
   QComboBox* page_selector_ = nullptr;
   QLabel* number_ = nullptr;
