@@ -146,6 +146,22 @@ TEST(Journal, OfADeadRunIsOfferedUntilTheUserDecides) {
   EXPECT_FALSE(computer.kept(2));
 }
 
+TEST(Journal, OfALivingRunIsLeftAlone) {
+  Computer computer;
+  std::vector<std::unique_ptr<Computer::Run>> runs;
+  for (int i = 0; i <= Journal::kSlots; ++i) {
+    runs.push_back(computer.begin());
+    runs.back()->now = entry_of(i + 1);
+    computer.clock.advance(Journal::kInterval);
+  }
+  EXPECT_TRUE(computer.user.questions.empty());
+  for (int i = 0; i < Journal::kSlots; ++i) {
+    EXPECT_EQ(computer.kept(i + 1), entry_of(i + 1));
+    EXPECT_TRUE(runs[i]->statuses.empty());
+  }
+  EXPECT_EQ(runs.back()->statuses.size(), 1u) << "one too many is told so";
+}
+
 TEST(Journal, ThatIsHalfAlteredOrForeignIsNeitherOfferedNorTouched) {
   Computer computer;
   const std::string whole = journal_text(entry_of(42));

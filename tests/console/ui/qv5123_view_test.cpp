@@ -122,6 +122,7 @@ TEST(MainForm, OffersTheSettingFilesUsedLast) {
   EXPECT_EQ(item(0)->text(), "&1 c.dat");
   EXPECT_EQ(item(1)->text(), "&2 a&&b.dat");
   item(1)->trigger();
+  QCoreApplication::processEvents();
   EXPECT_EQ(bench.driver.number("Version number 1"), 40);
   EXPECT_EQ(item(0)->text(), "&1 a&&b.dat");
 }

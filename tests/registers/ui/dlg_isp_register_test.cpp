@@ -93,6 +93,7 @@ TEST_F(RegisterPageTest, RowsAreReadWhenSelectedAndWhenDoubleClicked) {
   EXPECT_EQ(text("Name"), "ID");
   chip_.requests.clear();
   const QRect place = list()->visualRect(list()->model()->index(2, 1));
+  click_row(2);
   QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, place.center());
   wire_.advance(300);
   EXPECT_EQ(chip_.requests, std::vector<int>{0x0A5});
@@ -110,9 +111,6 @@ TEST_F(RegisterPageTest, TypedAddressesAndValuesAreSent) {
   QTest::keyClick(address, Qt::Key_Return);
   wire_.advance(300);
   EXPECT_EQ(text("Value"), "0x07");
-  click("Address down");
-  EXPECT_EQ(text("Address"), "0xFA1F");
-  click("Address up");
 
   auto* value = find<QLineEdit>("Value");
   value->setFocus(Qt::TabFocusReason);
@@ -124,6 +122,8 @@ TEST_F(RegisterPageTest, TypedAddressesAndValuesAreSent) {
   wire_.advance(50);
   EXPECT_EQ(wire_.sender.writes.back(), "@920a*@9220*@934a*");
   EXPECT_EQ(fields(0).back(), " 74");
+  click("Address down");
+  EXPECT_EQ(text("Address"), "0xFA1F");
 }
 
 TEST_F(RegisterPageTest, NothingGetsIntoTheEditsPastTheirKeys) {
