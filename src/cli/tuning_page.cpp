@@ -24,6 +24,8 @@ struct PageKind {
     reload_from_user_data(values, image);
   }
   static Task<> after_save(CommandLink&) { co_return; }
+  /// True where the full save sends every value that has an entry, whatever a trial of it makes of that.
+  static constexpr bool kSavesEverything = false;
 };
 
 struct FrontKind : PageKind {
@@ -61,6 +63,8 @@ struct AwbKind : PageKind {
 
 struct DynamicKind : PageKind {
   using Values = DynamicValues;
+  // A single cell tried in a row of zeros is corrected away before it is sent.
+  static constexpr bool kSavesEverything = true;
   static constexpr std::uint8_t kTrigger = kDynamicQuery;
   static Members<Values> members() { return dynamic_members(); }
   static auto decode(std::string_view reply) { return decode_dynamic_reply(reply, {}); }
@@ -177,7 +181,9 @@ class PageOf final : public TuningPage {
   Value find_out(const Member<Values>& member) const {
     const auto reply = [](const Values& values) { return Kind::encode(values); };
     const auto traffic = [](Values values) { return Kind::save(values, UserDataImage()).traffic; };
-    return {name() + "." + member.name, entries_of(member), reacts(member, reply), reacts(member, traffic)};
+    std::vector<std::size_t> entries = entries_of(member);
+    const bool in_save = Kind::kSavesEverything ? !entries.empty() : reacts(member, traffic);
+    return {name() + "." + member.name, std::move(entries), reacts(member, reply), in_save};
   }
 
   static Values trial(const Member<Values>& member, int number) {
