@@ -8,9 +8,9 @@ serial_port_shim=$build/serial_port_shim.so
 
 # wait_for_server PID: a program that finds no server starts one of its own, which knows nothing of our ports.
 wait_for_server() {
-  local left=100 server
-  server=/tmp/.wine-$(id -u)/server-$(stat -c %D "$WINEPREFIX")-$(printf %x "$(stat -c %i "$WINEPREFIX")")
-  until [ -S "$server/socket" ]; do
+  local left=100
+  # It works in the folder of its socket.
+  until [ -S "/proc/$1/cwd/socket" ]; do
     left=$((left - 1))
     if [ $left -eq 0 ] || ! kill -0 "$1" 2>/dev/null; then
       echo "The Wine server did not start; see $build/wineserver.log" >&2
