@@ -58,6 +58,16 @@ TEST(GammaCurve, AnyNumberGivesPointsOnTheScale) {
   }
 }
 
+TEST(GammaChart, PutsPointsOnPixelsAndPixelsOnPoints) {
+  EXPECT_EQ(gamma_pixel(0, 0), (ChartPixel{50, 532}));
+  EXPECT_EQ(gamma_pixel(1023, 1023), (ChartPixel{561, 21}));
+  EXPECT_EQ(gamma_pixel(256, 101), (ChartPixel{178, 482}));
+  EXPECT_EQ(gamma_value_at(482), 100);
+  EXPECT_EQ(gamma_value_at(-2147483647 - 1), 1023);
+  EXPECT_EQ(gamma_value_at(600), 0);
+  EXPECT_EQ(gamma_polyline(GammaCurve{}).size(), 23u);
+}
+
 TEST(GammaChart, GrabsTheNearestShownPoint) {
   GammaValues values;
   values.curve(kRedCurve)[13] = 400;
