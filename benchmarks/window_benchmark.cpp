@@ -18,17 +18,11 @@
 #include <string>
 
 #include "console/ui/frame.h"
+#include "console/ui/main_pages.h"
 #include "console/ui/page_area.h"
 #include "console/ui/program.h"
 #include "console/ui/qv5123_view.h"
-#include "registers/ui/dlg_isp_register.h"
 #include "simulator/simulated_board.h"
-#include "tuning/ui/dlg_ae_tune.h"
-#include "tuning/ui/dlg_isp_awb.h"
-#include "tuning/ui/dlg_isp_front.h"
-#include "tuning/ui/dlg_isp_gamma_rgb.h"
-#include "tuning/ui/dlg_isp_lsc.h"
-#include "tuning/ui/dlg_isp_matrix.h"
 #include "window_measurements.h"
 
 namespace {
@@ -45,22 +39,10 @@ std::unique_ptr<SimulatedBoard> make_board(bool timed) {
   return board;
 }
 
-PageFactories page_factories() {
-  PageFactories pages;
-  pages[PageId::registers] = page_factory<CDlgIspRegister>();
-  pages[PageId::isp_tune] = page_factory<CDlgIspFront>();
-  pages[PageId::gamma] = page_factory<CDlgIspGammaRgb>();
-  pages[PageId::lsc] = page_factory<CDlgIspLSC>();
-  pages[PageId::awb_tune] = page_factory<CDlgIspAwb>();
-  pages[PageId::linear_matrix] = page_factory<CDlgIspMatrix>();
-  pages[PageId::dynamic_control] = page_factory<CDlgAeTune>();
-  return pages;
-}
-
 Program::Parts parts(std::unique_ptr<SerialDevice> device) {
   Program::Parts parts;
   parts.device = std::move(device);
-  parts.pages = page_factories();
+  parts.pages = all_pages();
   PortSettings port;
   port.device = "simulated chip";
   parts.fixed_port = port;

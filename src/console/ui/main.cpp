@@ -8,24 +8,16 @@
 
 #include "console/parent_console.h"
 #include "console/ui/frame.h"
+#include "console/ui/main_pages.h"
 #include "console/ui/program.h"
 #include "console/ui/qv5123_app.h"
-#include "content/ui/dlg_font_maker.h"
-#include "content/ui/dlg_make_eeprom.h"
 #include "link/named_device.h"
 #include "link/port_list.h"
 #include "link/port_name.h"
 #include "link/system_serial_device.h"
 #include "link/ui/qt_text.h"
-#include "registers/ui/dlg_isp_register.h"
 #include "simulator/simulated_board.h"
 #include "simulator/ui/camera_dock.h"
-#include "tuning/ui/dlg_ae_tune.h"
-#include "tuning/ui/dlg_isp_awb.h"
-#include "tuning/ui/dlg_isp_front.h"
-#include "tuning/ui/dlg_isp_gamma_rgb.h"
-#include "tuning/ui/dlg_isp_lsc.h"
-#include "tuning/ui/dlg_isp_matrix.h"
 
 namespace {
 
@@ -54,20 +46,6 @@ int print(const EndAtOnce& end) {
   std::fputs(text.constData(), end.exit_code == 0 ? stdout : stderr);
   if (!text.endsWith('\n')) std::fputc('\n', end.exit_code == 0 ? stdout : stderr);
   return end.exit_code;
-}
-
-PageFactories page_factories() {
-  PageFactories pages;
-  pages[PageId::registers] = page_factory<CDlgIspRegister>();
-  pages[PageId::isp_tune] = page_factory<CDlgIspFront>();
-  pages[PageId::gamma] = page_factory<CDlgIspGammaRgb>();
-  pages[PageId::lsc] = page_factory<CDlgIspLSC>();
-  pages[PageId::awb_tune] = page_factory<CDlgIspAwb>();
-  pages[PageId::linear_matrix] = page_factory<CDlgIspMatrix>();
-  pages[PageId::dynamic_control] = page_factory<CDlgAeTune>();
-  pages[PageId::font_editor] = page_factory<CDlgFontMaker>();
-  pages[PageId::make_flash] = page_factory<CDlgMakeEeprom>();
-  return pages;
 }
 
 PortInfo simulated_port() {
@@ -119,7 +97,7 @@ Program::Parts program_parts(const ProgramOptions& options, const AppSettings& s
   parts.device = make_serial_device();
   parts.list_ports = list_ports;
   parts.probe_port = probe_port;
-  parts.pages = page_factories();
+  parts.pages = all_pages();
   parts.fixed_port = fixed_port(options, settings);
   if (!options.tour) parts.journal_folder = to_path(QStandardPaths::writableLocation(kJournalPlace));
   // At once: nothing is torn down, and what was to be saved is on the disk.

@@ -1,33 +1,9 @@
 // Every operation that talks to the chip under every fault of the line. Each cell runs with a few seeds and
 // must not crash or hang, must leave no page half updated, must say what came of it, and must leave a program
 // that works once the fault is gone. docs/reliability.md is made of what the cells record.
-#include "content/ui/dlg_font_maker.h"
-#include "content/ui/dlg_make_eeprom.h"
-#include "registers/ui/dlg_isp_register.h"
 #include "reliability/ui/matrix_bench.h"
-#include "tuning/ui/dlg_ae_tune.h"
-#include "tuning/ui/dlg_isp_awb.h"
-#include "tuning/ui/dlg_isp_front.h"
-#include "tuning/ui/dlg_isp_gamma_rgb.h"
-#include "tuning/ui/dlg_isp_lsc.h"
-#include "tuning/ui/dlg_isp_matrix.h"
 
 namespace qv5123 {
-
-PageFactories test::real_pages() {
-  PageFactories pages;
-  pages[PageId::registers] = page_factory<CDlgIspRegister>();
-  pages[PageId::isp_tune] = page_factory<CDlgIspFront>();
-  pages[PageId::gamma] = page_factory<CDlgIspGammaRgb>();
-  pages[PageId::lsc] = page_factory<CDlgIspLSC>();
-  pages[PageId::awb_tune] = page_factory<CDlgIspAwb>();
-  pages[PageId::linear_matrix] = page_factory<CDlgIspMatrix>();
-  pages[PageId::dynamic_control] = page_factory<CDlgAeTune>();
-  pages[PageId::font_editor] = page_factory<CDlgFontMaker>();
-  pages[PageId::make_flash] = page_factory<CDlgMakeEeprom>();
-  return pages;
-}
-
 namespace {
 
 using test::MatrixBench;

@@ -13,6 +13,7 @@
 
 #include "console/ui/console_view.h"
 #include "console/ui/frame.h"
+#include "console/ui/main_pages.h"
 #include "console/ui/page_area.h"
 #include "console/ui/qv5123_view.h"
 #include "registers/answering_chip.h"
@@ -24,9 +25,6 @@
 #include "support/temporary_folder.h"
 
 namespace qv5123::test {
-
-/// Factories of the window's real pages.
-PageFactories real_pages();
 
 /// The whole window with its real pages, on a line that fails, used as a user uses it.
 struct MatrixBench {
@@ -42,7 +40,7 @@ struct MatrixBench {
 
   MatrixBench() {
     write_description();
-    view = new CQV5123View(wire.link, user, work, document, real_pages());
+    view = new CQV5123View(wire.link, user, work, document, all_pages());
     frame = std::make_unique<CMainFrame>(view);
     document.setting_file = folder / "board.dat";
     line.on_text = [this](const std::string& text) { view->take_received(text); };

@@ -39,7 +39,7 @@ struct RealProgram {
     if (with_file) options.setting_file = folder / "board.dat";
     qv5123::Program::Parts parts;
     parts.device = std::make_unique<SimulatedBoard>();
-    parts.pages = real_pages();
+    parts.pages = all_pages();
     parts.fixed_port = PortSettings{};
     parts.list_ports = [] { return std::vector<PortInfo>{}; };
     parts.journal_folder = folder / "journal";
