@@ -67,15 +67,18 @@ std::optional<PortSettings> fixed_port(const ProgramOptions& options, const AppS
   return port;
 }
 
-/// The dock with the simulated camera's picture, and the menu item that shows and hides it.
+/// The dock with the simulated camera's picture, and the menu item that shows and hides it. It opens beside
+/// the pages, never in their place: on a screen that is not wide enough for both it waits as a window of its
+/// own.
 void add_camera(CMainFrame& frame, SimulatedBoard& board, bool visible) {
   auto* dock = new CameraDock([&board](const auto& use) { board.with_chip(use); }, &frame);
   frame.addDockWidget(Qt::RightDockWidgetArea, dock);
-  dock->setVisible(visible);
-  if (visible) {
-    // Beside the pages rather than in their place, where the screen is wide enough.
-    const QSize wider(frame.width() + kCameraWidth, frame.height());
-    frame.resize(wider.boundedTo(frame.screen()->availableGeometry().size()));
+  const QSize wider(frame.width() + kCameraWidth, frame.height());
+  const bool room = wider.width() <= frame.screen()->availableGeometry().width();
+  dock->setFloating(!room);
+  dock->setVisible(visible && room);
+  if (visible && room) {
+    frame.resize(wider);
     frame.resizeDocks({dock}, {kCameraWidth}, Qt::Horizontal);
   }
   QAction* show = dock->toggleViewAction();

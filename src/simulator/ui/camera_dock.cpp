@@ -50,8 +50,8 @@ CameraDock::CameraDock(WithChip with_chip, QWidget* parent)
   text_->setAccessibleName(tr("Exposure and white balance"));
   auto* layout = new QVBoxLayout(content);
   layout->addWidget(scene_);
-  layout->addWidget(view_, 1);
   layout->addWidget(text_);
+  layout->addWidget(view_, 1);
   setWidget(content);
 
   pool_.setMaxThreadCount(1);
