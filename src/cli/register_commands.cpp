@@ -158,6 +158,10 @@ Task<ExitCode> dump(Chip& chip, const DumpOptions& options) {
     text += lines;
     chip.out().text(printable(lines));
   }
+  if (chip.link().reply().overran()) {
+    const std::string trouble = overlong_dump_text(options.start, options.end);
+    throw Complaint{kNegative, trouble.substr(0, trouble.find('\r'))};
+  }
   chip.out().result(registers_of(text));
   co_return kDone;
 }

@@ -5,6 +5,9 @@
 namespace qv5123 {
 namespace {
 
+/// How often a request waits once more for the rest of a block.
+constexpr int kMoreWaits = 3;
+
 Chunk chunk_of(Batch batch) {
   Chunk chunk;
   chunk.writes = std::move(batch);
@@ -206,7 +209,11 @@ Task<std::optional<std::string>> CommandLink::request(Batch request, std::chrono
   const Turn turn = co_await this->turn();
   const JobResult sent = co_await send_request(std::move(request));
   if (sent.chunks_sent == 0) co_return std::nullopt;
-  co_return co_await next_block(timeout);
+  std::optional<std::string> block = co_await next_block(timeout);
+  for (int more = 0; !block && reply_.state() == ReplyBuffer::State::in_block && more < kMoreWaits; ++more) {
+    block = co_await next_block(timeout);
+  }
+  co_return block;
 }
 
 Task<int> CommandLink::wide_read(int address) {

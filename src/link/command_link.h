@@ -107,7 +107,8 @@ class CommandLink {
   Task<std::optional<std::string>> query(std::uint8_t trigger);
 
   /// Sends `request` and takes the reply block as soon as it is complete. Nothing when none came within
-  /// `timeout` of the sending, or when the request did not leave.
+  /// `timeout` of the sending, or when the request did not leave. A block that is arriving just then gets as
+  /// long again, up to three times: at 2400 baud the longest takes two seconds.
   Task<std::optional<std::string>> request(Batch request, std::chrono::milliseconds timeout);
   /// Takes the next reply block, for at most `timeout`. Whoever calls it holds the turn.
   Task<std::optional<std::string>> next_block(std::chrono::milliseconds timeout);

@@ -41,7 +41,7 @@ void ReplyBuffer::store(char c) {
 std::optional<std::string> ReplyBuffer::take_block() {
   if (state_ != State::complete) return std::nullopt;
   state_ = State::idle;
-  if (received_ > kSize) return std::nullopt;
+  if (overran()) return std::nullopt;
   return std::string(text_.data(), received_ == kSize ? kSize : index_);
 }
 

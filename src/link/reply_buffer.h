@@ -34,6 +34,9 @@ class ReplyBuffer {
   /// it overwrote its start.
   std::optional<std::string> take_block();
 
+  /// True when the last block, complete or not, did not fit and overwrote its start.
+  bool overran() const { return received_ > kSize; }
+
   /// The value of the last two characters stored, 0..255; nothing when fewer than two are there. Lowers the
   /// index by two, so that the same pair is not taken twice.
   std::optional<int> take_last_pair();

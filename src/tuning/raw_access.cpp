@@ -133,10 +133,6 @@ std::optional<std::string> answer_field(Access access, std::string_view reply) {
 }
 
 std::string dump_text(int start, int end, std::string_view reply) {
-  constexpr int kMostRegisters = ReplyBuffer::kSize / 2;
-  if (reply.size() >= ReplyBuffer::kSize && end - start >= kMostRegisters)
-    return formatted("Dump 0x%04X..0x%04X: the answer is too long, it can hold %d registers.\r\n",
-                     shown_isp_address(start), shown_isp_address(end), kMostRegisters);
   if (!all_hex_digits(reply))
     return formatted("Dump 0x%04X..0x%04X: the answer is damaged.\r\n", shown_isp_address(start),
                      shown_isp_address(end));
@@ -145,6 +141,12 @@ std::string dump_text(int start, int end, std::string_view reply) {
     text += formatted("0x%04X = 0x%02X\r\n", shown_isp_address(start + static_cast<int>(i)),
                       reply_byte(reply, i));
   return text;
+}
+
+std::string overlong_dump_text(int start, int end) {
+  constexpr int kMostRegisters = ReplyBuffer::kSize / 2;
+  return formatted("Dump 0x%04X..0x%04X: the answer is too long, it can hold %d registers.\r\n",
+                   shown_isp_address(start), shown_isp_address(end), kMostRegisters);
 }
 
 void ServiceGesture::click(int number, bool set) {

@@ -47,10 +47,12 @@ std::optional<std::string> answer_field(Access access, std::string_view reply);
 /// What is said of a read without an answer, or with one that holds no value.
 std::string no_answer_text(Access access, int address);
 
-/// Lines as those of a read for the answer to a dump of the registers `start`..`end`. An answer that did not
-/// fit into the reply buffer has overwritten its own start; of it nothing is shown but that it was too long,
-/// and of one that the line has damaged nothing but that.
+/// Lines as those of a read for the answer to a dump of the registers `start`..`end`. Of an answer that the
+/// line has damaged nothing is shown but that.
 std::string dump_text(int start, int end, std::string_view reply);
+/// What is said instead of an answer that did not fit into the reply buffer: it has overwritten its own
+/// start.
+std::string overlong_dump_text(int start, int end);
 
 /// The way into the service area: clicks on the bit radios, then "Get Info" at one address. The clicks are
 /// made with address 000, where they send nothing.

@@ -75,6 +75,13 @@ TEST(CommandLink, ARequestGoesOnAsSoonAsItsReplyIsComplete) {
   wire.advance(50);
   EXPECT_EQ(answers.back(), "12") << "an answer that was there before the request was reported sent";
 
+  wire.sender.chip = [&](const std::string&) { wire.receive("~ab"); };
+  flow.start(request(wire.link, isp_read_request(0x922), answers));
+  wire.advance(800);
+  wire.receive("cd^");
+  wire.advance(0);
+  EXPECT_EQ(answers.back(), "abcd") << "one that arrives slowly";
+
   wire.sender.chip = nullptr;
   flow.start(request(wire.link, isp_read_request(0x922), answers));
   wire.advance(450);
@@ -82,7 +89,7 @@ TEST(CommandLink, ARequestGoesOnAsSoonAsItsReplyIsComplete) {
   wire.sender.connected = false;
   flow.start(request(wire.link, isp_read_request(0x922), answers));
   wire.advance(50);
-  EXPECT_EQ(answers.size(), 4u) << "nothing to wait for";
+  EXPECT_EQ(answers.size(), 5u) << "nothing to wait for";
 }
 
 TEST(CommandLink, WhoAsksNextGetsNoAnswerOfOneThatGaveUp) {

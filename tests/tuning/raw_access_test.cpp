@@ -28,10 +28,7 @@ TEST(RawAccess, AnswersAreShownAsLines) {
   EXPECT_EQ(answer_text(Access::IspWord, 0x922, "123"), "");
   EXPECT_EQ(answer_field(Access::IspByte, "00ff0c"), "0C");
   EXPECT_EQ(dump_text(0x0FE, 0x100, "010203a"), "0xF0FE = 0x01\r\n0xF0FF = 0x02\r\n0xF100 = 0x03\r\n");
-  const std::string full_buffer(500, '1');
-  EXPECT_TRUE(dump_text(0x100, 0x1F9, full_buffer).ends_with("\r\n0xF1F9 = 0x11\r\n"));
-  EXPECT_EQ(dump_text(0x100, 0x1FA, full_buffer),
-            "Dump 0xF100..0xF1FA: the answer is too long, it can hold 250 registers.\r\n");
+  EXPECT_TRUE(dump_text(0x100, 0x1F9, std::string(500, '1')).ends_with("\r\n0xF1F9 = 0x11\r\n"));
 }
 
 TEST(ServiceGesture, OnlyTheWholeSequenceAtItsAddressReveals) {

@@ -228,6 +228,7 @@ void CDlgIspFront::dump() {
 Task<> CDlgIspFront::show_dump(int start, int end) {
   const auto reply = co_await link().request(dump_request(start, end), kReadWait);
   if (reply) host().append_console(dump_text(start, end, *reply));
+  if (!reply && link().reply().overran()) host().append_console(overlong_dump_text(start, end));
 }
 
 void CDlgIspFront::show_answer(Access access, int address, const std::string& reply) {

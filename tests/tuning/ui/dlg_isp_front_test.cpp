@@ -147,6 +147,14 @@ TEST_F(FrontPage, AnswersGoToTheMainConsoleAndTheFieldThatAsked) {
   user_.click("Dump");
   wire();
   EXPECT_EQ(host_.console, "0xF922 = 0x12\r\n0xFA10 = 0xA1\r\n0xFA11 = 0xB2\r\n");
+  answer("@9b01*@9b00*@9b01*@9bfa*", std::string(502, '1'));
+  user_.type("Address Start", "100");
+  user_.type("Address End", "1FA");
+  user_.click("Dump");
+  wire();
+  EXPECT_TRUE(
+      host_.console.ends_with("0xB2\r\nDump 0xF100..0xF1FA: the answer is too long, it can hold 250 "
+                              "registers.\r\n"));
   user_.click("Read(2Byte)");
   EXPECT_EQ(wire(), "@9700*@9700*");
   EXPECT_EQ(user_.text("2Byte data"), "0000") << "no answer changes nothing";
