@@ -29,7 +29,8 @@ constexpr int colour_byte(int value) {
 }
 
 constexpr Encoding kLineWord{same, negative_above_limit};
-constexpr Encoding kLineWordOfFile{same, [](int word) { return limited(negative_above_limit(word)); }};
+// A file may hold what was typed in and not limited yet: that becomes the nearest that the chip takes.
+constexpr Encoding kLineWordOfFile{same, [](int word) { return limited(static_cast<std::int16_t>(word)); }};
 constexpr Encoding kColour{colour_byte, same};
 
 template <class Values, class Visitor>

@@ -31,7 +31,7 @@ TEST_F(CtlTest, Settings) {
 
   const std::string before = folder.read("b.dat");
   for (const auto& [assignment, complaint] : std::map<std::string, std::string>{
-           {"awb.a_slope=900", "awb.a_slope: 900 is beyond its range, it would count as -800"},
+           {"awb.a_slope=900", "awb.a_slope: 900 is beyond its range, it would count as 800"},
            {"nobody=1", "No setting is named \"nobody\""},
            {"gamma.r=1", "\"gamma.r\" stands for 22 settings"}})
     EXPECT_EQ(ctl({"settings", "set", "b.dat", "0=1", assignment}).err, "qv5123ctl: " + complaint + "\n");
@@ -50,7 +50,7 @@ TEST_F(CtlTest, SettingsChecked) {
                                   "odd.dat: line 1027: \"x\" is no decimal number; what follows is not read\n"
                                   "odd.dat: it has 1027 numbers instead of 1024\n"
                                   "odd.dat: awb.a_slope: 181=3 182=132 is beyond its range, its page would "
-                                  "make it 181=252 182=224\n"));
+                                  "make it 181=3 182=32\n"));
 }
 
 TEST_F(CtlTest, FlashImages) {
