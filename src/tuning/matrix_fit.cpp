@@ -75,7 +75,8 @@ std::optional<MatrixFit> fit_matrix(const MeasuredColours& measured, int ratio) 
   for (std::size_t r = 0; r < kMatrixRows; ++r) {
     const auto [raw, determined] = fit_row(measured, *balanced, r);
     fit.coefficients[r] = finished_row(raw, r, ratio / 100.0);
-    fit.solvable = fit.solvable && determined && all_finite(fit.coefficients[r]);
+    // At 0 % the identity is the answer whatever was measured.
+    fit.solvable = fit.solvable && (determined || ratio == 0) && all_finite(fit.coefficients[r]);
   }
   return fit;
 }

@@ -17,8 +17,8 @@ bool is_measured(const MeasuredColour& patch);
 
 struct MatrixFit {
   Coefficients coefficients{};
-  /// False when the patches do not determine a matrix, or a row of it cannot be made to sum to 1; the
-  /// coefficients are then whatever the method came to and may be no numbers.
+  /// False when the patches do not determine a matrix (at 0 % nothing has to be determined), or a row of it
+  /// cannot be made to sum to 1; the coefficients are then whatever the method came to and may be no numbers.
   bool solvable = true;
 };
 

@@ -14,8 +14,7 @@ Task<std::string> switch_matrix_picker(CommandLink& link, MatrixValues& values, 
   co_return co_await switch_picker(link, on, picker_switch_bytes(on, enable), values.picker);
 }
 
-Task<bool> get_patch_color(CommandLink& link, MatrixValues& values) {
-  const std::size_t patch = values.patch;
+Task<bool> get_patch_color(CommandLink& link, MatrixValues& values, std::size_t patch) {
   const PerColour colour = co_await read_picker(link);
   if (*std::min_element(colour.begin(), colour.end()) < 0 || patch >= kPatches) co_return false;
   for (std::size_t c = 0; c < 3; ++c) values.measured[patch][c] = static_cast<std::uint32_t>(colour[c]);

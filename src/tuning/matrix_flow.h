@@ -11,9 +11,9 @@ namespace qv5123 {
 /// written where the chip does not tell the bits to keep.
 Task<std::string> switch_matrix_picker(CommandLink& link, MatrixValues& values, bool on);
 
-/// "GET COLOR": what the picker reads becomes the patch that was selected at the start, then the picker goes
-/// on by the patch step. False when the chip did not answer; the patch then keeps its values and the picker
-/// its place.
-Task<bool> get_patch_color(CommandLink& link, MatrixValues& values);
+/// "GET COLOR": what the picker reads becomes `patch`, 0..23, which was selected as the button was pressed;
+/// then the picker goes on by the patch step. False when the chip did not answer; the patch then keeps its
+/// values and the picker its place.
+Task<bool> get_patch_color(CommandLink& link, MatrixValues& values, std::size_t patch);
 
 }  // namespace qv5123

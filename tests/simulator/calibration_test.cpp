@@ -45,7 +45,7 @@ struct Bench {
     matrix.picker = {patch_middle(scene, 0).x, patch_middle(scene, 0).y};
     matrix.patch_step = patch_pitch(scene);
     co_await switch_matrix_picker(wire.link, matrix, true);
-    for (std::size_t i = 0; i < kPatches; ++i) co_await get_patch_color(wire.link, matrix);
+    for (std::size_t i = 0; i < kPatches; ++i) co_await get_patch_color(wire.link, matrix, matrix.patch);
     EXPECT_EQ(matrix.patch, 0u) << "round the chart";
     EXPECT_EQ(calculate_matrix(matrix), MatrixResult::ok);
     for (int row = 0; row < kMatrixRows; ++row) {

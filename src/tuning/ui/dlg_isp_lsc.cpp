@@ -172,6 +172,8 @@ void CDlgIspLSC::start_calibration() {
 }
 
 Task<> CDlgIspLSC::calibrate() {
+  // A line that was typed in last is the one to measure along.
+  co_await picker_->arrive();
   log_->clear();
   picker_->enable_keys(false);
   calibration_ = {};

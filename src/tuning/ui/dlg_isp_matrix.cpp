@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QRadioButton>
 #include <QVBoxLayout>
+#include <cmath>
 
 #include "tuning/matrix_fit.h"
 #include "tuning/matrix_flow.h"
@@ -202,7 +203,9 @@ bool CDlgIspMatrix::take_codes() {
     for (std::size_t column = 0; column < 3; ++column) {
       const QLineEdit* edit = codes_[row][column];
       const std::string text = edit->text().toStdString();
-      if (text == matrix_code_text(taken[row][column])) continue;
+      // What is no number stands there as a code, and is sent as that.
+      const bool shown = text == matrix_code_text(taken[row][column]);
+      if (shown && std::isfinite(taken[row][column])) continue;
       const std::optional<float> typed = text.empty() ? 0.0f : matrix_coefficient_of(text);
       if (!typed) {
         host().show_status(edit->accessibleName().toStdString() + " takes " + kCodeRange + ".");
@@ -231,10 +234,11 @@ void CDlgIspMatrix::get_color() {
 }
 
 Task<> CDlgIspMatrix::run_get_color() {
+  const std::size_t patch = values_.patch;
   co_await picker_->arrive();
   measuring_patch_ = true;
   enable_controls();
-  const bool measured = co_await get_patch_color(link(), values_);
+  const bool measured = co_await get_patch_color(link(), values_, patch);
   measuring_patch_ = false;
   if (!measured) host().show_status("GET COLOR: the chip did not answer.");
   take_typed_text(this);
@@ -296,8 +300,9 @@ Task<> CDlgIspMatrix::run_save() {
   const bool written = co_await host().save_everything();
   // Until the chip's exposure and white balance run again.
   const BusyScope busy(host());
-  if (!co_await save_on_chip(host(), std::move(save))) co_return;
+  const bool whole = co_await save_on_chip(host(), std::move(save));
   const std::string trouble = co_await end_capture();
+  if (!whole) co_return;
   if (trouble.empty()) host().show_status(kPickerOffStatus);
   host().show_status("Transfered Linear Matrix parameters to ISP. Enable color correction.");
   if (!written) host().show_status(kSavedOnChipOnly);
