@@ -109,6 +109,8 @@ QBoxLayout* CDlgFontMaker::make_file_row() {
   page_selector_->setAccessibleName("FontPage");
   page_selector_->setToolTip("Page of 256 glyphs to show");
   connect(page_selector_, &QComboBox::activated, this, [this](int page) {
+    // Chosen once more, it would put its first glyph in place of the drawing.
+    if (page == editor_.page()) return;
     editor_.choose_page(page);
     refresh_all();
   });

@@ -64,7 +64,9 @@ std::optional<GlyphPixel> GlyphEditorArea::pixel_at(QPointF point) const {
 }
 
 void GlyphEditorArea::mousePressEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) pressed_ = pixel_at(event->position());
+  if (event->button() != Qt::LeftButton) return;
+  pressed_ = pixel_at(event->position());
+  stroke_begun_ = false;
 }
 
 void GlyphEditorArea::mouseMoveEvent(QMouseEvent* event) {
@@ -72,8 +74,10 @@ void GlyphEditorArea::mouseMoveEvent(QMouseEvent* event) {
   const QPoint point = to_design(event->position());
   const GlyphPixel cell = cell_at(point.x(), point.y());
   if (!editor_.in_stroke()) {
-    if (cell == *pressed_) return;
+    // Undone or replaced meanwhile, it is over.
+    if (stroke_begun_ || cell == *pressed_) return;
     editor_.begin_stroke(*pressed_);
+    stroke_begun_ = true;
   }
   editor_.continue_stroke(cell);
   emit edited();
@@ -85,7 +89,7 @@ void GlyphEditorArea::mouseReleaseEvent(QMouseEvent* event) {
   if (editor_.in_stroke()) {
     editor_.end_stroke();
     emit edited();
-  } else if (const auto pixel = pixel_at(event->position())) {
+  } else if (const auto pixel = pixel_at(event->position()); pixel && !stroke_begun_) {
     toggle(*pixel);
   }
 }

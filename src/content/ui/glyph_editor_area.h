@@ -37,6 +37,7 @@ class GlyphEditorArea : public ScaledArea {
   FontEditor& editor_;
   /// Where the button went down; a drag becomes a stroke once it leaves that pixel.
   std::optional<GlyphPixel> pressed_;
+  bool stroke_begun_ = false;
   GlyphPixel cursor_;
 };
 

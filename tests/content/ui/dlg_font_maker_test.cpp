@@ -78,7 +78,9 @@ TEST_F(FontMakerPage, AGlyphIsPickedPaintedSetAndTakenBack) {
   EXPECT_EQ(glyph(579), buffer());
   press("Clear");
   choose_page(2);
-  EXPECT_EQ(number(), "Glyph: 0x200 / 512");
+  EXPECT_EQ(number(), "Glyph: 0x243 / 579") << "the page that is shown already";
+  choose_page(1);
+  EXPECT_EQ(number(), "Glyph: 0x100 / 256");
   press("Undo");
   press("Undo");
   EXPECT_EQ(number(), "Glyph: 0x243 / 579");
@@ -100,6 +102,12 @@ TEST_F(FontMakerPage, ClicksActOnReleaseAndDragsPaintOneStroke) {
   press("Undo");
   EXPECT_EQ(buffer(), Glyph());
   click(area_, cell(0, 0));
+  mouse(area_, QEvent::MouseButtonPress, cell(2, 2));
+  mouse(area_, QEvent::MouseMove, cell(6, 2));
+  press("Undo");
+  mouse(area_, QEvent::MouseMove, cell(6, 9));
+  mouse(area_, QEvent::MouseButtonRelease, cell(6, 9));
+  EXPECT_EQ(buffer().rows()[2] | buffer().rows()[9], 0) << "a stroke undone in the middle of it is over";
   mouse(area_, QEvent::MouseButtonPress, cell(0, 0));
   mouse(area_, QEvent::MouseMove, cell(0, 9));
   mouse(area_, QEvent::MouseButtonRelease, cell(0, 9));
