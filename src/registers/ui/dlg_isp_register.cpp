@@ -130,8 +130,10 @@ void CDlgIspRegister::make_list() {
   list_->setFixedWidth(width);
   // Where there is no scroll bar, names have its room.
   list_->horizontalHeader()->setSectionResizeMode(RegisterListModel::kName, QHeaderView::Stretch);
-  connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-          &CDlgIspRegister::rows_selected);
+  const QItemSelectionModel* selection = list_->selectionModel();
+  connect(selection, &QItemSelectionModel::selectionChanged, this, &CDlgIspRegister::follow_selection);
+  // A click on one of several selected rows selects nothing new.
+  connect(selection, &QItemSelectionModel::currentRowChanged, this, &CDlgIspRegister::follow_selection);
   connect(list_, &QTableView::doubleClicked, this, [this](const QModelIndex& index) {
     if (index.row() == desk_.sheet().current_row()) desk_.read();
   });
@@ -204,10 +206,10 @@ QPushButton* CDlgIspRegister::make_button(const QString& caption, const QString&
 }
 
 QBoxLayout* CDlgIspRegister::make_button_rows() {
-  load_category_ = make_button(tr("Load From ISP"), tr("Reads all registers of the category, 100 ms each"),
+  load_category_ = make_button(tr("Load From ISP"), tr("Reads all registers of the category, 150 ms each"),
                                &RegisterDesk::load_category);
   load_all_ =
-      make_button(tr(RegisterButtons::kLoadAll), tr("Reads every register of the description, 100 ms each"),
+      make_button(tr(RegisterButtons::kLoadAll), tr("Reads every register of the description, 150 ms each"),
                   &RegisterDesk::load_all);
   save_file_ = make_button(tr("Save REG to File..."), tr("Writes the registers read so far to a text file"),
                            &RegisterDesk::save_file);
@@ -253,10 +255,11 @@ void CDlgIspRegister::connect_edits() {
   connect(bits_, &BitBoxes::clicked, this, [this](int bits) { desk_.set_bits(bits); });
 }
 
-void CDlgIspRegister::rows_selected(const QItemSelection& selected) {
+void CDlgIspRegister::follow_selection() {
   if (showing_selection_) return;
-  for (const QItemSelectionRange& range : selected) {
-    for (int row = range.top(); row <= range.bottom(); ++row) desk_.select_row(row);
+  const QModelIndex current = list_->currentIndex();
+  if (current.isValid() && list_->selectionModel()->isRowSelected(current.row())) {
+    desk_.select_row(current.row());
   }
 }
 

@@ -7,7 +7,6 @@
 
 class QBoxLayout;
 class QComboBox;
-class QItemSelection;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -44,7 +43,7 @@ class CDlgIspRegister final : public QWidget, public Page, private RegisterView 
   void make_list();
   void make_field_table();
   void connect_edits();
-  void rows_selected(const QItemSelection& selected);
+  void follow_selection();
 
   void show_description() override;
   void show_category() override;

@@ -82,8 +82,10 @@ void CMyHexEdit::show_model() {
 
 void CMyHexEdit::step(int direction) {
   const std::u16string before = model_.text();
+  const int caret = cursorPosition();
   model_.step(direction);
   report_change(before);
+  setCursorPosition(caret);
 }
 
 void CMyHexEdit::report_change(const std::u16string& before) {

@@ -97,6 +97,10 @@ TEST_F(RegisterPageTest, RowsAreReadWhenSelectedAndWhenDoubleClicked) {
   QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, place.center());
   wire_.advance(300);
   EXPECT_EQ(chip_.requests, std::vector<int>{0x0A5});
+  QTest::keyClick(list(), Qt::Key_Up, Qt::ShiftModifier);
+  EXPECT_EQ(text("Address"), "0xf801");
+  click_row(2);
+  EXPECT_EQ(text("Name"), "ID") << "one of several that were selected already";
 }
 
 TEST_F(RegisterPageTest, TypedAddressesAndValuesAreSent) {
