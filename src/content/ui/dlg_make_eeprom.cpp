@@ -9,6 +9,7 @@
 
 #include "console/atomic_file.h"
 #include "content/flash_image.h"
+#include "link/ui/qt_text.h"
 
 namespace qv5123 {
 
@@ -16,12 +17,6 @@ namespace {
 
 FileChoice binary_choice() {
   return {"Binary File(*.bin)|*.bin", "bin", ".bin"};
-}
-
-/// UTF-8 goes to a path on every system and, unlike UTF-16, for whatever is typed.
-std::filesystem::path typed_path(const QLineEdit* edit) {
-  const auto bytes = edit->text().toUtf8();
-  return std::u8string(bytes.begin(), bytes.end());
 }
 
 Message warning(std::string text) {
@@ -84,7 +79,7 @@ Task<> CDlgMakeEeprom::make_image() {
     co_await host_.prompts().message(warning("Error!!  Any File is not assigned.."));
     co_return;
   }
-  FlashFiles files{typed_path(firmware_), typed_path(font_), typed_path(user_)};
+  FlashFiles files{to_path(firmware_->text()), to_path(font_->text()), to_path(user_->text())};
   std::function<FlashBuild()> work = [files = std::move(files)] { return build_flash_image(files); };
   auto build = co_await host_.background().run<FlashBuild>(std::move(work));
   if (build.ok()) {

@@ -16,12 +16,21 @@ inline std::string from_qt(const QString& text) {
   return text.toStdString();
 }
 
-/// Paths keep every character on both systems, whatever the code page.
+inline QString native_to_qt(const std::string& path) {
+  return to_qt(path);
+}
+inline QString native_to_qt(const std::wstring& path) {
+  return QString::fromStdWString(path);
+}
+
+/// Paths keep every character on both systems, whatever the code page. What is no Unicode text, as settings and
+/// disks can hold, is replaced; the library's own conversions would throw.
 inline QString path_to_qt(const std::filesystem::path& path) {
-  return QString::fromStdU16String(path.u16string());
+  return native_to_qt(path.native());
 }
 inline std::filesystem::path to_path(const QString& text) {
-  return std::filesystem::path(text.toStdU16String());
+  const QByteArray bytes = text.toUtf8();
+  return std::u8string(bytes.begin(), bytes.end());
 }
 
 /// A tool tip that shows `text` as it is. Qt itself takes what looks like markup for that, pictures from any

@@ -63,6 +63,8 @@ TEST(AppSettings, KeepThePortUnderTheNamesOfItsSection) {
   store.setValue("COMSetting/DataBits", "garbage");
   EXPECT_EQ(settings.port().line.data_bits, 8);
 
+  store.setValue("RecentFiles/File1", QString(QChar(0xD800)));
+  EXPECT_EQ(settings.recent_files().files().size(), 1u) << "no Unicode text";
   const std::vector<std::filesystem::path> files = {folder.path() / "b.dat", folder.path() / "a.dat"};
   settings.store_recent_files(RecentFiles(files));
   EXPECT_EQ(settings.recent_files().files(), files);
