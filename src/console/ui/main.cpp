@@ -70,8 +70,8 @@ std::optional<PortSettings> fixed_port(const ProgramOptions& options, const AppS
 /// The dock with the simulated camera's picture, and the menu item that shows and hides it. It opens beside
 /// the pages, never in their place: on a screen that is not wide enough for both it waits as a window of its
 /// own.
-void add_camera(CMainFrame& frame, SimulatedBoard& board, bool visible) {
-  auto* dock = new CameraDock([&board](const auto& use) { board.with_chip(use); }, &frame);
+void add_camera(CMainFrame& frame, Scheduler& scheduler, SimulatedBoard& board, bool visible) {
+  auto* dock = new CameraDock([&board](const auto& use) { board.with_chip(use); }, scheduler, &frame);
   frame.addDockWidget(Qt::RightDockWidgetArea, dock);
   const QSize wider(frame.width() + kCameraWidth, frame.height());
   const bool room = wider.width() <= frame.screen()->availableGeometry().width();
@@ -109,8 +109,9 @@ Program::Parts program_parts(const ProgramOptions& options, const AppSettings& s
   if (!options.simulate) return parts;
   auto board = simulated_board(options);
   // The board lives as long as the port session, which outlives the window.
-  parts.furnish = [board = board.get(), tour = options.tour.has_value()](CMainFrame& frame) {
-    add_camera(frame, *board, !tour);
+  parts.furnish = [board = board.get(), tour = options.tour.has_value()](CMainFrame& frame,
+                                                                         Scheduler& scheduler) {
+    add_camera(frame, scheduler, *board, !tour);
   };
   parts.device = std::make_unique<NamedDevice>(kSimulatedDevice, std::move(board), std::move(parts.device));
   parts.list_ports = [] {

@@ -160,7 +160,7 @@ void Program::open_window(PortSettings port) {
   });
   QObject::connect(view_, &CQV5123View::closing_confirmed, frame_.get(), [this] { flows_.spawn(end(0)); });
   QObject::connect(frame_.get(), &CMainFrame::help_wanted, frame_.get(), [this] { show_help(); });
-  if (parts_.furnish) parts_.furnish(*frame_);
+  if (parts_.furnish) parts_.furnish(*frame_, scheduler_);
   if (!parts_.journal_folder.empty()) keep_journal();
   frame_->show();
 }

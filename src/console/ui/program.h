@@ -38,7 +38,7 @@ class Program {
     /// Where unsaved values are kept for after a crash; empty: nowhere.
     std::filesystem::path journal_folder;
     /// Adds to the window what only this way to run has, before it is shown. May be empty.
-    std::function<void(CMainFrame&)> furnish;
+    std::function<void(CMainFrame&, Scheduler&)> furnish;
     /// Ends the process with this code, at once.
     std::function<void(int)> end_process;
     /// A line for whoever started the program.

@@ -33,8 +33,8 @@ QImage image_of(const Preview& preview) {
 
 }  // namespace
 
-CameraDock::CameraDock(WithChip with_chip, QWidget* parent)
-    : QDockWidget(tr("Camera"), parent), with_chip_(std::move(with_chip)) {
+CameraDock::CameraDock(WithChip with_chip, Scheduler& scheduler, QWidget* parent)
+    : QDockWidget(tr("Camera"), parent), with_chip_(std::move(with_chip)), background_(scheduler) {
   setObjectName("camera");
   auto* content = new QWidget(this);
   scene_ = new QComboBox(content);
@@ -54,15 +54,10 @@ CameraDock::CameraDock(WithChip with_chip, QWidget* parent)
   layout->addWidget(view_, 1);
   setWidget(content);
 
-  pool_.setMaxThreadCount(1);
   timer_.setInterval(kLook);
   connect(&timer_, &QTimer::timeout, this, &CameraDock::look);
   connect(scene_, &QComboBox::activated, this,
           [this](int index) { aim(scene_->itemData(index).toString()); });
-}
-
-CameraDock::~CameraDock() {
-  pool_.waitForDone();
 }
 
 const QImage& CameraDock::picture() const {
@@ -93,31 +88,24 @@ std::optional<CameraDock::Order> CameraDock::order() {
 }
 
 void CameraDock::look() {
-  if (computing_) return;
+  if (computing_.running()) return;
   const std::optional<Order> next = order();
   if (!next || next == shown_) return;
-  compute(*next);
+  computing_.start(compute(*next));
 }
 
-void CameraDock::compute(const Order& order) {
+Task<> CameraDock::compute(Order order) {
   shown_ = order;
-  computing_ = true;
   show_scene(order.camera.scene());
   const PictureSettings& settings = order.settings;
   text_->setText(tr("Gain %1   R %2   B %3")
                      .arg(settings.gain, 0, 'f', 2)
                      .arg(settings.white_balance[0], 0, 'f', 2)
                      .arg(settings.white_balance[2], 0, 'f', 2));
-  pool_.start([this, order] {
-    const QImage picture =
-        image_of(render_preview(order.camera, order.settings, order.size.width(), order.size.height()));
-    QMetaObject::invokeMethod(
-        this, [this, picture] { show_picture(picture); }, Qt::QueuedConnection);
-  });
-}
-
-void CameraDock::show_picture(const QImage& picture) {
-  computing_ = false;
+  std::function<QImage()> work = [order] {
+    return image_of(render_preview(order.camera, order.settings, order.size.width(), order.size.height()));
+  };
+  const QImage picture = co_await background_.run<QImage>(std::move(work));
   view_->set_picture(picture);
   emit picture_shown();
 }

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <QDockWidget>
-#include <QThreadPool>
 #include <QTimer>
 #include <functional>
 #include <optional>
 
+#include "link/background.h"
 #include "simulator/preview.h"
 
 class QComboBox;
@@ -28,9 +28,8 @@ class CameraDock final : public QDockWidget {
   /// How often the dock looks for something new.
   static constexpr std::chrono::milliseconds kLook{200};
 
-  explicit CameraDock(WithChip with_chip, QWidget* parent = nullptr);
-  /// Waits for a picture that is being computed.
-  ~CameraDock() override;
+  /// The scheduler must outlive the dock. Its end waits for a picture that is being computed.
+  CameraDock(WithChip with_chip, Scheduler& scheduler, QWidget* parent = nullptr);
 
   /// The picture shown; null before the first.
   const QImage& picture() const;
@@ -53,8 +52,7 @@ class CameraDock final : public QDockWidget {
 
   std::optional<Order> order();
   void look();
-  void compute(const Order& order);
-  void show_picture(const QImage& picture);
+  Task<> compute(Order order);
   void show_scene(const Scene& scene);
   void aim(const QString& scene);
 
@@ -64,8 +62,8 @@ class CameraDock final : public QDockWidget {
   QLabel* text_ = nullptr;
   QTimer timer_;
   std::optional<Order> shown_;  ///< or on its way
-  bool computing_ = false;
-  QThreadPool pool_;
+  BackgroundThread background_;
+  Flow computing_;
 };
 
 }  // namespace qv5123

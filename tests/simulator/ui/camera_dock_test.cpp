@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QSignalSpy>
 
+#include "console/ui/qt_scheduler.h"
 #include "support/chip_talk.h"
 
 namespace qv5123 {
@@ -12,7 +13,8 @@ namespace {
 
 struct DockBench {
   test::ListeningChip chip;
-  CameraDock dock{[this](const std::function<void(SimulatedChip&)>& use) { use(chip); }};
+  QtScheduler scheduler;
+  CameraDock dock{[this](const std::function<void(SimulatedChip&)>& use) { use(chip); }, scheduler};
   QSignalSpy shown{&dock, &CameraDock::picture_shown};
 
   DockBench() {
