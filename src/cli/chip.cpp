@@ -92,7 +92,7 @@ Chip::Signs Chip::signs() {
 Task<std::string> Chip::ask(Batch request, std::string what) {
   std::optional<std::string> reply = co_await link().request(std::move(request), timeout());
   if (!reply) throw Complaint{kNegative, what + ": the chip did not answer"};
-  if (!all_hex_digits(*reply)) throw Complaint{kNegative, what + ": the answer was damaged on the line"};
+  if (!whole_bytes(*reply)) throw Complaint{kNegative, what + ": the answer was damaged on the line"};
   co_return std::move(*reply);
 }
 

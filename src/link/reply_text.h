@@ -14,9 +14,14 @@ inline int reply_digit(std::string_view reply, std::size_t position) {
   return position < reply.size() ? hex_value(static_cast<unsigned char>(reply[position])) : 0;
 }
 
-/// False when the line has damaged the reply: digits that are none count as 0 and look like the chip's own.
-inline bool all_hex_digits(std::string_view reply) {
-  return reply.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+inline bool all_hex_digits(std::string_view text) {
+  return text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}
+
+/// False when the line has damaged the reply: what is no digit counts as 0 and looks like the chip's own, and
+/// one digit that was lost or doubled shifts all behind it.
+inline bool whole_bytes(std::string_view reply) {
+  return reply.size() % 2 == 0 && all_hex_digits(reply);
 }
 
 /// Two characters from `position` on, high digit first: 0..255.

@@ -11,12 +11,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kSettlingStep{100};
 
-/// A digit that was damaged on the line would count as 0 and be taken for the chip's own, and one that was lost or
-/// doubled would shift all behind it.
-bool whole_bytes(std::string_view reply) {
-  return reply.size() % 2 == 0 && all_hex_digits(reply);
-}
-
 int percent(std::size_t done, std::size_t of) {
   return of == 0 ? 100 : static_cast<int>(done * 100 / of);
 }

@@ -54,7 +54,7 @@ constexpr std::size_t answer_digits(Access access) {
 /// The answer's digits are the last of the reply, whatever came before them.
 std::optional<int> answer_value(Access access, std::string_view reply) {
   const std::size_t digits = answer_digits(access);
-  if (reply.size() < digits || !all_hex_digits(reply)) return std::nullopt;
+  if (reply.size() < digits || !whole_bytes(reply)) return std::nullopt;
   const std::size_t position = reply.size() - digits;
   return digits == 2 ? reply_byte_at(reply, position) : reply_word_at(reply, position);
 }
@@ -133,7 +133,7 @@ std::optional<std::string> answer_field(Access access, std::string_view reply) {
 }
 
 std::string dump_text(int start, int end, std::string_view reply) {
-  if (!all_hex_digits(reply))
+  if (!whole_bytes(reply))
     return formatted("Dump 0x%04X..0x%04X: the answer is damaged.\r\n", shown_isp_address(start),
                      shown_isp_address(end));
   std::string text;

@@ -176,7 +176,7 @@ Task<> CDlgIspFront::get_info(int address) {
   // A block too short for a byte, or damaged, must not become one: the next click on a bit would write it
   // back.
   const auto reply = link().reply().take_block();
-  if (reply && reply->size() >= 2 && all_hex_digits(*reply)) {
+  if (reply && reply->size() >= 2 && whole_bytes(*reply)) {
     bit_byte_ = reply_byte(*reply, 0);
     show_bits();
   }
