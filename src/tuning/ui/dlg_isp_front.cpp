@@ -179,6 +179,8 @@ Task<> CDlgIspFront::get_info(int address) {
   if (reply && reply->size() >= 2 && whole_bytes(*reply)) {
     bit_byte_ = reply_byte(*reply, 0);
     show_bits();
+  } else {
+    host().show_status(no_answer_text(Access::IspByte, address));
   }
   append_text(bit_editor_text(bit_byte_));
 }
