@@ -7,6 +7,10 @@
 namespace qv5123 {
 namespace {
 
+constexpr int kMostTries = 3;
+/// Before a position is read again: a reply that is late must not be taken for the next one.
+constexpr std::chrono::milliseconds kLateReply{500};
+
 /// What is wrong with the reading at `x`; empty when nothing is.
 std::string complaint(int x, const PerColour& rgb) {
   static constexpr const char* kNames[] = {"red", "green", "blue"};
@@ -23,6 +27,28 @@ LensCalibrationResult ended(CalibrationEnd end, std::string message = {}) {
   result.end = end;
   result.message = std::move(message);
   return result;
+}
+
+struct Reading {
+  PerColour rgb{};
+  std::string complaint;
+};
+
+/// Reads the picker at `x`, and again where a colour is missing: one byte that the line lost or held up is no
+/// reason to give up a whole sweep. Not so once the port is another `connection` than the sweep began on: a
+/// chip that was away measures no more, and what it says is no reading.
+Task<Reading> read_at(CommandLink& link, const LensValues& values, int x, unsigned connection) {
+  Reading reading;
+  for (int tries = 1;; ++tries) {
+    reading.rgb = co_await read_picker_at(link, picker_x_bytes(x));
+    reading.complaint = complaint(x, reading.rgb);
+    if (link.connection() != connection) {
+      reading.complaint = "Calibration stopped: the connection was lost at X pos " + std::to_string(x) + ".";
+      co_return reading;
+    }
+    if (reading.complaint.empty() || !values.picker_on || tries == kMostTries) co_return reading;
+    co_await Delay(link.scheduler(), kLateReply);
+  }
 }
 
 /// Why the picker could not be switched off; empty when it could.
@@ -48,18 +74,19 @@ Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values
   LensCalibrationResult result;
   LensCalibration& calibration = result.calibration;
   calibration.width = lens_line_width(values.screen_index);
+  const unsigned connection = link.connection();
 
   for (int x : lens_positions(calibration.width)) {
     if (!values.picker_on) co_return ended(CalibrationEnd::aborted);
-    const PerColour rgb = co_await read_picker_at(link, picker_x_bytes(x));
-    if (std::string message = complaint(x, rgb); !message.empty()) {
+    Reading reading = co_await read_at(link, values, x, connection);
+    if (!reading.complaint.empty()) {
       // The chip measures nothing while it is being switched off.
       if (!values.picker_on) co_return ended(CalibrationEnd::aborted);
-      LensCalibrationResult stopped = ended(CalibrationEnd::bad_reading, std::move(message));
+      LensCalibrationResult stopped = ended(CalibrationEnd::bad_reading, std::move(reading.complaint));
       stopped.picker = co_await end_measuring(link, values);
       co_return stopped;
     }
-    calibration.samples.push_back(lens_sample(x, rgb));
+    calibration.samples.push_back(lens_sample(x, reading.rgb));
     on_sample(calibration.samples.back());
   }
 

@@ -16,7 +16,7 @@ Task<std::string> switch_lens_picker(CommandLink& link, LensValues& values, bool
 enum class CalibrationEnd {
   done,
   aborted,      ///< the picker was switched off meanwhile
-  bad_reading,  ///< a reading failed or was 0
+  bad_reading,  ///< three readings in a row failed or were 0, or the port was lost
 };
 
 struct LensCalibrationResult {
@@ -28,8 +28,9 @@ struct LensCalibrationResult {
 };
 
 /// Sweeps the picker along the line, fits the parameters, puts them into `values`, sends them and switches
-/// the picker off. Unless it gets that far, nothing is sent and the old parameters stay. Who changes the
-/// ratio while it sends and switches gets the parameters for it at the end.
+/// the picker off. A position where a reading fails is read up to three times. Unless the sweep gets to its
+/// end, nothing is sent and the old parameters stay. Who changes the ratio while it sends and switches gets
+/// the parameters for it at the end.
 ///
 /// `values` are the page's own, kept up to date by its controls and looked at before each position;
 /// `on_sample` gets each sample as it comes.

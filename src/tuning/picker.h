@@ -70,6 +70,9 @@ IspBytes picker_switch_bytes(bool on, int enable);
 inline constexpr char kPickerOnStatus[] =
     "Start color capture. Please click direction button to move cursor on screen.";
 inline constexpr char kPickerOffStatus[] = "End color capture.";
+/// Why nothing is measured.
+inline constexpr char kPickerChipWasAway[] =
+    "the chip was away since the picker was switched on. Switch it off and on again.";
 
 /// Stops the AE and AWB tasks while the picker measures, and lets them run again.
 Traffic picker_task_traffic(bool on);

@@ -168,7 +168,11 @@ void CDlgIspLSC::set_flicker(int mode) {
 
 void CDlgIspLSC::start_calibration() {
   take_typed_text(this);
-  if (!calibrating_.running()) calibrating_.start(calibrate());
+  if (calibrating_.running()) return;
+  if (picker_->chip_was_away()) {
+    return spawn(host().prompts().message({"Calibration stopped: " + std::string(kPickerChipWasAway)}));
+  }
+  calibrating_.start(calibrate());
 }
 
 Task<> CDlgIspLSC::calibrate() {

@@ -236,6 +236,10 @@ void CDlgIspMatrix::get_color() {
 Task<> CDlgIspMatrix::run_get_color() {
   const std::size_t patch = values_.patch;
   co_await picker_->arrive();
+  if (picker_->chip_was_away()) {
+    host().show_status("GET COLOR: " + std::string(kPickerChipWasAway));
+    co_return;
+  }
   measuring_patch_ = true;
   enable_controls();
   const bool measured = co_await get_patch_color(link(), values_, patch);

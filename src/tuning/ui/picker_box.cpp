@@ -170,6 +170,7 @@ Task<> PickerBox::run_switch() {
   show_keys();
   do {
     on = picker_.on;
+    connection_ = host_.link().connection();
     x_typed_ = y_typed_ = false;
     const std::string trouble = co_await picker_.switch_chip(on);
     if (trouble.empty()) {

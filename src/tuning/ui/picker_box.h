@@ -42,6 +42,9 @@ class PickerBox : public QWidget {
   void enable_keys(bool enabled);
   /// Waits until the cursor is where the page says: what is measured before that belongs elsewhere.
   Task<> arrive();
+  /// Whether the port was lost or closed since the picker was switched on. The chip may have been without
+  /// power and measure nothing: its registers then hold what they always hold.
+  bool chip_was_away() const { return picker_.on && host_.link().connection() != connection_; }
 
  signals:
   /// The page's flag has changed: the user has clicked the switch, or the chip did not follow.
@@ -74,7 +77,8 @@ class PickerBox : public QWidget {
   QWidget* focused_key_ = nullptr;  // had the focus when the keys were disabled
   bool keys_wanted_ = false;
   bool switching_chip_ = false;
-  bool x_typed_ = false;  // and not sent yet
+  unsigned connection_ = 0;  // on which the chip was switched
+  bool x_typed_ = false;     // and not sent yet
   bool y_typed_ = false;
   Flow switching_;
   Flow typing_;

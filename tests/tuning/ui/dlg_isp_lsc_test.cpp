@@ -151,6 +151,22 @@ TEST_F(LensPage, AReadingThatIsZeroOrMissingStopsWithItsPlace) {
   EXPECT_EQ(fake_.sender.wire().find("@64"), std::string::npos);
 }
 
+TEST_F(LensPage, WhatAChipSaysThatWasAwayIsNoReading) {
+  answer_reads();
+  start_calibration();
+  fake_.advance(10000);
+  fake_.link.connection_changed();
+  fake_.advance(2000);
+  EXPECT_TRUE(host_.user.messages.at(0).text.starts_with("Calibration stopped: the connection was lost at "));
+  user_.click("Enable Color Picker");
+  fake_.advance(3000);
+  fake_.link.connection_changed();
+  wire();
+  user_.click("CALIBRATION");
+  EXPECT_EQ(wire(), "");
+  EXPECT_TRUE(host_.user.messages.at(1).text.ends_with(kPickerChipWasAway));
+}
+
 TEST_F(LensPage, LoadsFromTheChip) {
   user_.click("Load <- ISP");
   answer_load("ffff02030405060708090aFFff");
