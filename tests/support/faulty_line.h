@@ -27,11 +27,11 @@ struct Fault {
   bool spoils_bytes() const { return rates.drop + rates.corrupt + rates.duplicate > 0; }
 };
 
-/// The faults of the matrix. One byte in a hundred spoils about every third reply of a short page and nearly
-/// every one of a long page.
-inline std::vector<Fault> faults() {
-  return {{"drop", {.drop = 0.01}},   {"corrupt", {.corrupt = 0.01}},   {"duplicate", {.duplicate = 0.01}},
-          {"delay", {.delay = 0.01}}, {"hangup", {.hangup = 0.003}},    {"unplug and return", {}, true},
+/// The faults of the matrix, which strike every byte at this rate. One byte in a hundred spoils about every
+/// third reply of a short page and nearly every one of a long page.
+inline std::vector<Fault> faults(double rate = 0.01) {
+  return {{"drop", {.drop = rate}},   {"corrupt", {.corrupt = rate}},     {"duplicate", {.duplicate = rate}},
+          {"delay", {.delay = rate}}, {"hangup", {.hangup = 0.3 * rate}}, {"unplug and return", {}, true},
           {"flood", {}, false, 20},   {"no answer", {}, false, 0, true}};
 }
 

@@ -12,6 +12,7 @@
 #include <fstream>
 
 #include "console/ui/console_view.h"
+#include "console/ui/control_column.h"
 #include "console/ui/frame.h"
 #include "console/ui/main_pages.h"
 #include "console/ui/page_area.h"
@@ -39,7 +40,8 @@ struct MatrixBench {
   std::vector<std::string> statuses;
 
   MatrixBench() {
-    write_description();
+    folder.write("regu.xml",
+                 {reinterpret_cast<const char*>(kSampleDescription.data()), 2 * kSampleDescription.size()});
     view = new CQV5123View(wire.link, user, work, document, all_pages());
     frame = std::make_unique<CMainFrame>(view);
     document.setting_file = folder / "board.dat";
@@ -57,28 +59,19 @@ struct MatrixBench {
   Page& page() { return *view->pages().page(id_); }
   QWidget& widget() { return *view->pages().page_widget(id_); }
 
-  template <class Widget>
-  Widget* control(QWidget& in, const char* name) {
-    for (Widget* widget : in.findChildren<Widget*>()) {
-      if (widget->accessibleName() == QLatin1String(name)) return widget;
-    }
-    ADD_FAILURE() << "no control " << name;
-    return nullptr;
+  template <class Widget = QAbstractButton>
+  Widget* control(const char* name) {
+    return find<Widget>(widget(), name);
   }
-  QAbstractButton* button(const char* name) { return control<QAbstractButton>(widget(), name); }
-  void click(const char* name) { button(name)->click(); }
-  void click_in_column(const char* name) { control<QAbstractButton>(*frame, name)->click(); }
+  void click(const char* name) { control(name)->click(); }
+  void click_in_column(const char* name) {
+    find<QAbstractButton>(*frame->findChild<ControlColumn*>(), name)->click();
+  }
 
-  bool said(const std::string& status) const {
-    return std::find(statuses.begin(), statuses.end(), status) != statuses.end();
-  }
-  bool said_starting(const std::string& start) const {
+  /// Whether this was, or was part of, what the status bar said.
+  bool said(const std::string& text) const {
     return std::any_of(statuses.begin(), statuses.end(),
-                       [&](const std::string& status) { return status.starts_with(start); });
-  }
-  bool said_ending(const std::string& end) const {
-    return std::any_of(statuses.begin(), statuses.end(),
-                       [&](const std::string& status) { return status.ends_with(end); });
+                       [&](const std::string& status) { return status.find(text) != status.npos; });
   }
   bool console_has(std::string_view text) const {
     return view->console_text().text().find(text) != std::string_view::npos;
@@ -97,12 +90,9 @@ struct MatrixBench {
   std::string shown() {
     std::string all;
     for (const QWidget* child : widget().findChildren<QWidget*>()) {
-      if (auto* box = qobject_cast<const QAbstractSpinBox*>(child)) all += box->text().toStdString();
-      if (auto* list = qobject_cast<const QComboBox*>(child)) all += std::to_string(list->currentIndex());
-      if (auto* slider = qobject_cast<const QSlider*>(child)) all += std::to_string(slider->value());
-      if (auto* check = qobject_cast<const QAbstractButton*>(child)) all += check->isChecked() ? "+" : "-";
-      if (auto* edit = qobject_cast<const QLineEdit*>(child)) all += edit->text().toStdString();
-      all += '|';
+      for (const char* property : {"text", "value", "currentIndex", "checked"}) {
+        all += child->property(property).toString().toStdString() + '|';
+      }
     }
     return all;
   }
@@ -142,13 +132,6 @@ struct MatrixBench {
 
  private:
   static constexpr std::chrono::milliseconds kStep{100};
-
-  void write_description() {
-    std::ofstream file("regu.xml", std::ios::binary);
-    for (const char16_t c : kSampleDescription) {
-      file.put(static_cast<char>(c & 0xFF)).put(static_cast<char>(c >> 8));
-    }
-  }
 
   PageId id_ = PageId::registers;
 };

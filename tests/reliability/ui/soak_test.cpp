@@ -126,10 +126,9 @@ class RandomUser {
   void click(QWidget& widget) {
     // Into a list as well: its view lies inside it.
     if (qobject_cast<QComboBox*>(widget.parentWidget())) return;
-    const QPoint at(static_cast<int>(below(widget.width() + 1)),
-                    static_cast<int>(below(widget.height() + 1)));
-    const QPoint to(static_cast<int>(below(widget.width() + 1)),
-                    static_cast<int>(below(widget.height() + 1)));
+    const auto pixel = [this](int size) { return static_cast<int>(below(size + 1)); };
+    const QPoint at(pixel(widget.width()), pixel(widget.height()));
+    const QPoint to(pixel(widget.width()), pixel(widget.height()));
     QTest::mousePress(&widget, Qt::LeftButton, {}, at);
     if (below(3) == 0) QTest::mouseMove(&widget, to);
     QTest::mouseRelease(&widget, Qt::LeftButton, {}, at);
@@ -137,14 +136,14 @@ class RandomUser {
   }
 
   void type(QWidget& widget) {
-    static constexpr int kKeys[] = {Qt::Key_0,      Qt::Key_1,      Qt::Key_7,     Qt::Key_9,
-                                    Qt::Key_A,      Qt::Key_F,      Qt::Key_Minus, Qt::Key_Backspace,
-                                    Qt::Key_Delete, Qt::Key_Up,     Qt::Key_Down,  Qt::Key_Left,
-                                    Qt::Key_Right,  Qt::Key_Return, Qt::Key_Tab,   Qt::Key_Home,
-                                    Qt::Key_End,    Qt::Key_PageUp, Qt::Key_Space};
+    using enum Qt::Key;
+    static constexpr Qt::Key kKeys[] = {Key_0,    Key_1,     Key_7,         Key_9,      Key_A,
+                                        Key_F,    Key_Minus, Key_Backspace, Key_Delete, Key_Up,
+                                        Key_Down, Key_Left,  Key_Right,     Key_Return, Key_Tab,
+                                        Key_Home, Key_End,   Key_PageUp,    Key_Space};
     widget.setFocus();
     for (unsigned keys = below(6) + 1; keys > 0; --keys) {
-      QTest::keyClick(&widget, static_cast<Qt::Key>(kKeys[below(std::size(kKeys))]));
+      QTest::keyClick(&widget, kKeys[below(std::size(kKeys))]);
     }
   }
 
@@ -228,12 +227,11 @@ class Soak {
 };
 
 /// The highest of a third of the run.
-long highest(const std::vector<Memory>& memory, std::size_t third, long Memory::*kind) {
-  long highest = 0;
-  for (std::size_t i = memory.size() * third / 3; i < memory.size() * (third + 1) / 3; ++i) {
-    highest = std::max(highest, memory[i].*kind);
-  }
-  return highest;
+long highest(const std::vector<Memory>& memory, int third, long Memory::*kind) {
+  const auto begin = memory.begin();
+  const auto size = static_cast<std::ptrdiff_t>(memory.size());
+  const std::ranges::subrange part(begin + size * third / 3, begin + size * (third + 1) / 3);
+  return std::ranges::max(part, {}, kind).*kind;
 }
 
 TEST(Soak, ARandomUserOnALineWithRandomFaults) {

@@ -157,7 +157,6 @@ TEST_F(FrontPage, AnswersGoToTheMainConsoleAndTheFieldThatAsked) {
                               "registers.\r\n"));
   user_.click("Read(2Byte)");
   EXPECT_EQ(wire(), "@9700*@9700*");
-  EXPECT_EQ(user_.text("2Byte data"), "0000") << "no answer changes nothing";
 }
 
 TEST_F(FrontPage, BitEditor) {
