@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "console/font_search.h"
 #include "console/ui/frame.h"
 #include "console/ui/main_pages.h"
 #include "console/ui/page_area.h"
@@ -65,6 +66,7 @@ class FirstPaint : public QObject {
 }  // namespace
 
 int main(int argc, char** argv) {
+  const std::jthread font_search = begin_font_search();
   QStandardPaths::setTestModeEnabled(true);
   QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
   QApplication application(argc, argv);

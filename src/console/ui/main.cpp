@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "console/font_search.h"
 #include "console/parent_console.h"
 #include "console/ui/frame.h"
 #include "console/ui/main_pages.h"
@@ -132,6 +133,7 @@ int main(int argc, char** argv) {
   const auto options = early_options(argc, argv);
   if (const auto* end = std::get_if<EndAtOnce>(&options)) return print(*end);
   if (const auto fault = scene_fault(std::get<ProgramOptions>(options))) return print(*fault);
+  const std::jthread font_search = begin_font_search();
   CQV5123App application(argc, argv);
   QSettings store;
   const AppSettings settings(store);
