@@ -82,7 +82,7 @@ ExitCode run_save(Context& context, const FileOptions& options) {
 }
 
 RegisterFile read_register_file(const std::filesystem::path& path) {
-  RegisterFile file = RegisterFile::parse(read_file(path));
+  RegisterFile file = RegisterFile::parse(read_file(path, RegisterFile::kLargest));
   if (file.skipped > 0) {
     refuse(path_text(path) + ", line " + std::to_string(file.first_skipped) +
            ": not of the form \"0xF800=0x1A //NAME\"");

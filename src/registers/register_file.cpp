@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
-#include <map>
 #include <optional>
 #include <utility>
 
@@ -107,23 +106,29 @@ Task<LoadedRegisterFile> load_register_file(Background& background, std::filesys
   std::function<LoadedRegisterFile()> work = [path = std::move(path)] {
     LoadedRegisterFile loaded;
     std::string bytes;
-    loaded.result = read_whole_file(path, bytes);
+    loaded.result = read_whole_file(path, bytes, RegisterFile::kLargest);
     loaded.file = RegisterFile::parse(bytes);
     return loaded;
   };
   return background.run<LoadedRegisterFile>(std::move(work));
 }
 
+// First the lines, then the registers: each may be many, and many of both may be of one address.
 std::size_t apply_register_file(const RegisterFile& file, RegDescription& description) {
-  std::multimap<int, RegEntry*> by_address;
-  for (RegEntry& entry : description.registers) {
-    entry.value = -1;
-    by_address.emplace(entry.address, &entry);
+  struct Given {
+    int value = -1;
+    std::size_t lines = 0;
+  };
+  std::vector<Given> given(0x10000);
+  for (const RegisterFile::Line& line : file.lines) {
+    Given& at = given[static_cast<std::size_t>(line.address)];
+    at = {line.value, at.lines + 1};
   }
   std::size_t matches = 0;
-  for (const RegisterFile::Line& line : file.lines) {
-    const auto [first, last] = by_address.equal_range(line.address);
-    for (auto it = first; it != last; ++it, ++matches) it->second->value = line.value;
+  for (RegEntry& entry : description.registers) {
+    const Given last = entry.address < 0 ? Given() : given[static_cast<std::size_t>(entry.address)];
+    entry.value = last.value;
+    matches += last.lines;
   }
   return matches;
 }

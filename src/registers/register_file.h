@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -18,6 +19,9 @@ namespace qv5123 {
 ///
 /// four upper-case hex digits of the address, two of the value, CR LF. The name is a comment.
 struct RegisterFile {
+  /// Bytes of a file at most: several lines for each of 65536 addresses. Larger ones are refused.
+  static constexpr std::uintmax_t kLargest = std::uintmax_t{4} << 20;
+
   struct Line {
     int address = 0;  ///< 0..0xFFFF
     int value = 0;    ///< 0..0xFF
