@@ -36,7 +36,10 @@ class Parser {
 
  private:
   std::u16string attribute(std::u16string_view name) {
-    return std::u16string(scanner_.attribute(name).value_or(std::u16string_view()));
+    const std::u16string_view text = scanner_.attribute(name).value_or(std::u16string_view());
+    if (text.size() <= RegDescription::kMaxText) return std::u16string(text);
+    refuse("more than " + std::to_string(RegDescription::kMaxText) + " characters in a text");
+    return {};
   }
 
   bool refuse(const std::string& why) {
@@ -49,7 +52,9 @@ class Parser {
 
   void read_category() {
     if (!room(out_.categories.size(), RegDescription::kMaxCategories, "categories")) return;
-    out_.categories.push_back(attribute(u"catname"));
+    std::u16string name = attribute(u"catname");
+    if (!out_.problem.empty()) return;
+    out_.categories.push_back(std::move(name));
     scanner_.next_line();
     int index = 0;
     while (scanner_.line_starts_with(u"<reg")) {
@@ -81,7 +86,7 @@ class Parser {
   }
 
   bool read_bit_fields() {
-    while (scanner_.line_starts_with(u"<bit")) {
+    while (out_.problem.empty() && scanner_.line_starts_with(u"<bit")) {
       if (!room(out_.bit_fields.size(), RegDescription::kMaxBitFields, "bit fields")) return false;
       RegBitField field;
       field.reg = static_cast<int>(out_.registers.size());
@@ -92,7 +97,7 @@ class Parser {
       out_.bit_fields.push_back(std::move(field));
       scanner_.next_line();
     }
-    return true;
+    return out_.problem.empty();
   }
 
   RegScanner scanner_;
@@ -123,7 +128,7 @@ int ParseRegAddress(std::u16string_view text) {
 
 RegDescription RegDescription::load(const std::filesystem::path& path) {
   std::string bytes;
-  const FileResult result = read_whole_file(path, bytes);
+  const FileResult result = read_whole_file(path, bytes, kLargest);
   if (result.ok() && bytes.size() >= 2) return parse(utf16_of(bytes));
   std::error_code ignored;
   const bool there = !result.ok() && std::filesystem::is_regular_file(path, ignored);

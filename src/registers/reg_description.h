@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -56,13 +57,17 @@ struct RegDescription {
   static constexpr std::size_t kMaxCategories = 32;
   static constexpr std::size_t kMaxRegisters = 2048;
   static constexpr std::size_t kMaxBitFields = 4096;
+  /// Characters of a name or text: a line of 16 for each of 256 values. Longer ones would hold up the window.
+  static constexpr std::size_t kMaxText = 4096;
+  /// Bytes of the file: a thousand characters of text for each bit field, twice over.
+  static constexpr std::uintmax_t kLargest = std::uintmax_t{16} << 20;
   /// What problem says when there is no file, or one of less than two bytes.
   static constexpr std::string_view kNotFound = "Can't find regu.xml!";
 
   /// Reads the file. `path` is relative to the current directory.
   static RegDescription load(const std::filesystem::path& path = "regu.xml");
-  /// Reads a file's text. A description beyond the capacities, or a register without `write`, ends it with a
-  /// problem that names the line; the registers before it are kept.
+  /// Reads a file's text. A description beyond the limits above, or a register without `write`, ends it with
+  /// a problem that names the line; the registers before it are kept.
   static RegDescription parse(std::u16string text);
 
   /// Indexes into a table, [first, last).

@@ -132,6 +132,14 @@ TEST(RegDescription, RefusesWhatIsBeyondTheFormatAndKeepsWhatCameBefore) {
             "regu.xml, line 4100: more than 4096 bit fields");
   EXPECT_EQ(problem_of(u"x\n", 33, category + u"</category>\n"),
             "regu.xml, line 66: more than 32 categories");
+
+  for (const std::size_t length : {4096u, 4097u}) {
+    const RegDescription long_text = parse(u"x\n" + category + reg + u"</reg>\n" + reg + u"<bit desc=\"" +
+                                           std::u16string(length, u'd') + u"\">\n</reg>\n");
+    EXPECT_EQ(long_text.registers.size(), length > 4096 ? 1u : 2u);
+    EXPECT_EQ(long_text.problem,
+              length > 4096 ? "regu.xml, line 6: more than 4096 characters in a text" : "");
+  }
 }
 
 TEST(RegDescription, AnyTruncationAndAnyNoiseIsRead) {

@@ -13,6 +13,7 @@
 #include "registers/ui/hex_edits.h"
 #include "registers/ui/multiline_list.h"
 #include "registers/ui/register_list_model.h"
+#include "registers/ui/shown_name.h"
 #include "registers/ui/spin_arrows.h"
 
 namespace qv5123 {
@@ -62,8 +63,8 @@ void reserve_width(QPushButton* button, const QString& widest) {
   button->setText(caption);
 }
 
-QString cell_of(const std::u16string& text) {
-  return text.empty() ? QStringLiteral(" ") : QString::fromStdU16String(text);
+QString cell_of(const QString& text) {
+  return text.isEmpty() ? QStringLiteral(" ") : text;
 }
 
 }  // namespace
@@ -266,7 +267,7 @@ void CDlgIspRegister::follow_selection() {
 void CDlgIspRegister::show_description() {
   const QSignalBlocker blocker(category_);
   for (const std::u16string& name : desk_.sheet().description().categories) {
-    category_->addItem(QString::fromStdU16String(name));
+    category_->addItem(shown_name(name));
   }
 }
 
@@ -317,10 +318,10 @@ void CDlgIspRegister::show_fields() {
     const RegBitField* field = desk_.sheet().field(i);
     if (!field) field = &empty;
     const int row = static_cast<int>(i);
-    fields_->set_cell_text(kBit, row, cell_of(field->range));
-    fields_->set_cell_text(kFieldName, row, cell_of(field->name));
-    fields_->set_cell_text(kDescription, row, cell_of(field->description));
-    fields_->set_cell_text(kSample, row, cell_of(field->sample));
+    fields_->set_cell_text(kBit, row, cell_of(shown_name(field->range)));
+    fields_->set_cell_text(kFieldName, row, cell_of(shown_name(field->name)));
+    fields_->set_cell_text(kDescription, row, cell_of(QString::fromStdU16String(field->description)));
+    fields_->set_cell_text(kSample, row, cell_of(QString::fromStdU16String(field->sample)));
   }
   show_data();
 }

@@ -1,6 +1,7 @@
 #include "registers/ui/register_list_model.h"
 
 #include "link/ui/qt_text.h"
+#include "registers/ui/shown_name.h"
 
 namespace qv5123 {
 
@@ -18,9 +19,9 @@ QString RegisterListModel::text(int row, int column) const {
     case kNumber:
       return QString::number(row);
     case kAddress:
-      return QString::fromStdU16String(sheet_.row(at).address_text);
+      return shown_name(sheet_.row(at).address_text);
     case kName:
-      return QString::fromStdU16String(sheet_.row(at).name);
+      return shown_name(sheet_.row(at).name);
     default:
       return QString::fromStdU16String(sheet_.value_cell(at));
   }
