@@ -3,6 +3,7 @@
 #include <system_error>
 #include <utility>
 
+#include "console/elided.h"
 #include "console/setting_file.h"
 #include "link/command_link.h"
 
@@ -11,13 +12,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::size_t kShownOfPath = 200;  // a journal may claim any
 constexpr const char* kNotKept = "Unsaved values are not kept for after a crash: ";
 
 Question restore_question(const JournalEntry& entry) {
   Question question;
   question.title = kRestoreTitle;
   question.text = kRestoreQuestion;
-  if (!entry.setting_file.empty()) question.text += kRestoreFile + path_text(entry.setting_file);
+  const std::string file = path_text(entry.setting_file);
+  if (!file.empty()) question.text += kRestoreFile + elided(file, kShownOfPath);
   question.buttons = Question::Buttons::yes_no_cancel;
   return question;
 }
