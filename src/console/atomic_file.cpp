@@ -2,8 +2,6 @@
 
 #include <atomic>
 #include <exception>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 
 namespace qv5123 {
@@ -64,13 +62,11 @@ FileResult read_whole_file(const fs::path& path, std::string& bytes, std::uintma
   if (size > limit) {
     return failure("Cannot read", path, "larger than " + std::to_string(limit) + " bytes");
   }
-  std::ifstream file(path, std::ios::binary);
-  if (!file) return failure("Cannot read", path, "it cannot be opened");
   bytes.resize(static_cast<std::size_t>(size));
-  file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  if (static_cast<std::uintmax_t>(file.gcount()) == size) return {};
+  const std::string why = detail::fill_from_file(path, bytes);
+  if (why.empty()) return {};
   bytes.clear();
-  return failure("Cannot read", path, "it cannot be read to its end");
+  return failure("Cannot read", path, why);
 }
 
 }  // namespace qv5123

@@ -35,6 +35,9 @@ namespace detail {
 std::string write_new_file(const std::filesystem::path& temporary, std::string_view bytes,
                            const std::filesystem::path& like);
 std::string rename_over(const std::filesystem::path& temporary, const std::filesystem::path& target);
+/// Fills `bytes` from the beginning of a regular file. Waits for nobody, whatever may have come into the
+/// place of the file since it was looked at. The error is in words, empty on success.
+std::string fill_from_file(const std::filesystem::path& path, std::string& bytes);
 /// A number that no other running process shares.
 unsigned long process_number();
 

@@ -24,6 +24,23 @@ bool write_all(int file, std::string_view bytes) {
   return true;
 }
 
+bool read_all(int file, char* bytes, std::size_t size) {
+  while (size > 0) {
+    const ssize_t count = ::read(file, bytes, size);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    bytes += count;
+    size -= static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+std::string fill_from(int file, std::string& bytes) {
+  struct stat status;
+  if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) return "it is not a regular file";
+  return read_all(file, bytes.data(), bytes.size()) ? "" : "it cannot be read to its end";
+}
+
 // A file that is replaced keeps its permissions; a new one takes those of the user's mask.
 bool take_permissions(int file, const std::filesystem::path& like) {
   struct stat status;
@@ -53,6 +70,15 @@ std::string rename_over(const std::filesystem::path& temporary, const std::files
   ::fsync(handle);
   ::close(handle);
   return {};
+}
+
+std::string fill_from_file(const std::filesystem::path& path, std::string& bytes) {
+  // A pipe without a writer would hold up an open that waits.
+  const int file = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (file < 0) return last_error();
+  const std::string why = fill_from(file, bytes);
+  ::close(file);
+  return why;
 }
 
 unsigned long process_number() {

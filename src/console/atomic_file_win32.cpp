@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <fstream>
 #include <system_error>
 
 #include "console/atomic_file.h"
@@ -39,6 +40,13 @@ std::string write_new_file(const std::filesystem::path& temporary, std::string_v
 std::string rename_over(const std::filesystem::path& temporary, const std::filesystem::path& target) {
   const DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
   return MoveFileExW(temporary.c_str(), target.c_str(), flags) ? std::string() : last_error();
+}
+
+std::string fill_from_file(const std::filesystem::path& path, std::string& bytes) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return "it cannot be opened";
+  const bool filled(file.read(bytes.data(), static_cast<std::streamsize>(bytes.size())));
+  return filled ? "" : "it cannot be read to its end";
 }
 
 unsigned long process_number() {

@@ -43,5 +43,12 @@ TEST(AtomicFilePosix, KeepsPermissionsAndLinks) {
   EXPECT_EQ(folder.read("real"), "2");
 }
 
+TEST(AtomicFilePosix, APipeInAFilesPlaceHoldsNothingUp) {
+  const test::TemporaryFolder folder;
+  ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+  std::string bytes(1, ' ');
+  EXPECT_EQ(detail::fill_from_file(folder / "pipe", bytes), "it is not a regular file");
+}
+
 }  // namespace
 }  // namespace qv5123
