@@ -46,16 +46,22 @@ void LoopScheduler::run_until(const std::function<bool()>& done) {
   }
 }
 
+// Posted calls go first: what came from the chip is there before the wait for it is over. Without end they
+// must not hold up the timers.
 bool LoopScheduler::serve_one(std::unique_lock<std::mutex>& lock) {
   Callback callback;
-  if (!posted_.empty()) {
+  const bool timer_waits = posts_in_a_row_ >= kMostPostsInARow && timer_is_due();
+  if (!posted_.empty() && !timer_waits) {
+    ++posts_in_a_row_;
     callback = std::move(posted_.front());
     posted_.pop_front();
-  } else if (!timers_.empty() && timers_.begin()->first.at <= Clock::now()) {
+  } else if (timer_is_due()) {
+    posts_in_a_row_ = 0;
     callback = std::move(timers_.begin()->second);
     due_times_.erase(timers_.begin()->first.id);
     timers_.erase(timers_.begin());
   } else {
+    posts_in_a_row_ = 0;
     return false;
   }
   lock.unlock();

@@ -23,6 +23,8 @@ class LoopScheduler : public Scheduler {
 
  private:
   using Clock = std::chrono::steady_clock;
+  static constexpr int kMostPostsInARow = 64;
+  bool timer_is_due() const { return !timers_.empty() && timers_.begin()->first.at <= Clock::now(); }
   bool serve_one(std::unique_lock<std::mutex>& lock);
 
   struct Due {
@@ -37,6 +39,7 @@ class LoopScheduler : public Scheduler {
   std::mutex mutex_;
   std::condition_variable posted_signal_;
   std::deque<Callback> posted_;
+  int posts_in_a_row_ = 0;
 };
 
 }  // namespace qv5123

@@ -33,5 +33,15 @@ TEST(Background, WorksInOrderOnAThreadOfItsOwnAndFinishesThoughNobodyWaits) {
   EXPECT_TRUE(seen.empty());
 }
 
+TEST(LoopScheduler, CallsPostedWithoutEndDoNotHoldUpATimer) {
+  LoopScheduler scheduler;
+  bool fired = false;
+  std::function<void()> again = [&] { scheduler.post(again); };
+  again();
+  scheduler.call_after(std::chrono::milliseconds(0), [&] { fired = true; });
+  scheduler.run_until([&, turn = 0]() mutable { return fired || ++turn > 1000; });
+  EXPECT_TRUE(fired);
+}
+
 }  // namespace
 }  // namespace qv5123
