@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <ctime>
 #include <fstream>
+#include <optional>
 #include <utility>
 
 #include "cli/chip.h"
@@ -9,6 +10,7 @@
 #include "cli/line_input.h"
 #include "cli/line_splitter.h"
 #include "cli/reply_meaning.h"
+#include "cli/throttle.h"
 #include "console/atomic_file.h"
 
 namespace qv5123 {
@@ -43,6 +45,10 @@ class Monitor {
     if (!log_) refuse("Cannot write " + path_text(options.log));
   }
 
+  ~Monitor() { unsent_.end(); }
+  Monitor(const Monitor&) = delete;
+  Monitor& operator=(const Monitor&) = delete;
+
   Task<ExitCode> run() {
     chip_.on_console([this](const std::string& text) { take_console(text); });
     chip_.on_interrupt([this] { stop_.resolve(true); });
@@ -52,8 +58,9 @@ class Monitor {
     Flow reader(look_for_reader());
     // What a pipe has ready at once would be taken for asked by the blocks of the greeting.
     co_await chip_.wait_for_quiet(Chip::kGreeting, Chip::kLongestGreeting);
-    LineInput input([this](std::string line) {
-      chip_.link().scheduler().post([this, line = std::move(line)] { send(line); });
+    input_.emplace([this](std::string line) {
+      if (!unsent_.enter()) return;
+      chip_.link().scheduler().post([this, line = std::move(line)] { sending_.spawn(send(line)); });
     });
     co_await stop_.pending();
     console_.end();
@@ -82,12 +89,13 @@ class Monitor {
   }
 
   /// As typed, without a line end: the chip knows frames and letters, not lines.
-  void send(const std::string& line) {
+  Task<> send(std::string line) {
     meaning_.note_sent(line);
     record('>', "sent", line);
     Job job;
     job.chunks.emplace_back().bytes.assign(line.begin(), line.end());
-    chip_.link().send(std::move(job));
+    co_await chip_.link().send(std::move(job));
+    unsent_.leave();
   }
 
   Task<> end_in_time() {
@@ -113,6 +121,7 @@ class Monitor {
   }
 
   static constexpr std::chrono::milliseconds kLookEvery{200};
+  static constexpr std::size_t kMostUnsent = 64;  // a pipe has lines faster than the chip takes them
 
   Chip& chip_;
   const MonitorOptions& options_;
@@ -120,6 +129,9 @@ class Monitor {
   Resolver<bool> stop_;
   LineSplitter console_{[this](const std::string& line) { record('<', "console", line); }};
   ReplyMeaning meaning_;
+  FlowSet sending_;
+  Throttle unsent_{kMostUnsent};
+  std::optional<LineInput> input_;
 };
 
 Task<ExitCode> watch(Chip& chip, const MonitorOptions& options) {
