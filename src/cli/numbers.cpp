@@ -5,9 +5,12 @@
 #include <cstdio>
 
 #include "cli/complaint.h"
+#include "console/elided.h"
 
 namespace qv5123 {
 namespace {
+
+constexpr std::size_t kShown = 40;  // of a word that may be as long as a file
 
 /// Unlike from_chars, takes no sign of its own.
 std::optional<long long> parse_digits(std::string_view digits, int base) {
@@ -30,9 +33,9 @@ std::optional<long long> parse_number(std::string_view text) {
 
 int number_in(const std::string& name, std::string_view text, int lowest, int highest) {
   const auto value = parse_number(text);
-  if (!value) refuse(name + ": \"" + std::string(text) + "\" is no number (0x hex or decimal)");
+  if (!value) refuse(name + ": \"" + elided(text, kShown) + "\" is no number (0x hex or decimal)");
   if (*value < lowest || *value > highest) {
-    refuse(name + ": " + std::string(text) + " is not in " + std::to_string(lowest) + ".." +
+    refuse(name + ": " + elided(text, kShown) + " is not in " + std::to_string(lowest) + ".." +
            std::to_string(highest));
   }
   return static_cast<int>(*value);
@@ -42,7 +45,7 @@ double real_number(const std::string& name, std::string_view text) {
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (text.empty() || error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) {
-    refuse(name + ": \"" + std::string(text) + "\" is no number");
+    refuse(name + ": \"" + elided(text, kShown) + "\" is no number");
   }
   return value;
 }

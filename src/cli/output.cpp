@@ -15,18 +15,39 @@ std::string dumped(const Json& json, int indent) {
   return json.dump(indent, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-bool is_control(char c) {
-  const auto code = static_cast<unsigned char>(c);
-  return (code < 0x20 && c != '\n' && c != '\t') || (code >= 0x7F && code < 0xA0);
+/// Bytes of the UTF-8 character that `text` begins with; of what is none, one.
+std::size_t character_size(std::string_view text) {
+  const auto first = static_cast<unsigned char>(text[0]);
+  const std::size_t size = first < 0xC2 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+  const std::string_view character = text.substr(0, size);
+  const auto others =
+      std::count_if(character.begin(), character.end(), [](char c) { return (c & 0xC0) == 0x80; });
+  return static_cast<std::size_t>(others) + 1 == size ? size : 1;
+}
+
+bool is_control(std::string_view character) {
+  const auto code = static_cast<unsigned char>(character.back());
+  if (character.size() > 1) return character[0] == '\xC2' && code < 0xA0;
+  return (code < 0x20 && code != '\n' && code != '\t') || (code >= 0x7F && code < 0xA0);
+}
+
+std::string escaped(char c) {
+  char text[8];
+  std::snprintf(text, sizeof text, "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(c)));
+  return text;
 }
 
 }  // namespace
 
-void Output::print(std::string_view text) {
+void Output::write(std::string_view text) {
   if (!ok()) return;
   errno = 0;
   const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   if (!written || std::fflush(stdout) != 0) error_ = errno != 0 ? errno : EIO;
+}
+
+void Output::print(std::string_view text) {
+  write(visible(text));
 }
 
 void Output::text(std::string_view text) {
@@ -34,15 +55,15 @@ void Output::text(std::string_view text) {
 }
 
 void Output::result(const Json& json) {
-  if (json_) print(dumped(json, 2));
+  if (json_) write(dumped(json, 2));
 }
 
 void Output::result(const Json& json, std::string_view text) {
-  print(json_ ? dumped(json, 2) : std::string(text));
+  json_ ? result(json) : print(text);
 }
 
 void Output::event(const Json& json, std::string_view text) {
-  print(json_ ? dumped(json, -1) : std::string(text));
+  json_ ? write(dumped(json, -1)) : print(text);
 }
 
 void Output::remark(std::string_view text) {
@@ -51,12 +72,12 @@ void Output::remark(std::string_view text) {
 
 void Output::warning(const std::string& line) {
   progress("");
-  if (!quiet_) std::fprintf(stderr, "%s\n", line.c_str());
+  if (!quiet_) std::fprintf(stderr, "%s\n", visible(line).c_str());
 }
 
 void Output::progress(const std::string& text) {
   if (quiet_ || (text.empty() && !progress_shown_) || !stderr_is_terminal()) return;
-  std::fprintf(stderr, "\r%s\x1b[K", text.c_str());
+  std::fprintf(stderr, "\r%s\x1b[K", visible(text).c_str());
   std::fflush(stderr);
   progress_shown_ = !text.empty();
 }
@@ -73,25 +94,30 @@ ExitCode Output::end(ExitCode code) {
   return code == kDone ? kBadInput : code;
 }
 
-std::string printable(std::string_view latin1) {
+std::string visible(std::string_view utf8) {
   std::string text;
-  for (const char c : latin1) {
-    if (c == '\r') continue;
-    if (!is_control(c)) {
-      text += latin1_to_utf8({&c, 1});
-      continue;
+  while (!utf8.empty()) {
+    const std::string_view character = utf8.substr(0, character_size(utf8));
+    if (is_control(character) && !utf8.starts_with("\r\n")) {
+      text += escaped(character.back());
+    } else {
+      text += character;
     }
-    char escaped[8];
-    std::snprintf(escaped, sizeof escaped, "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(c)));
-    text += escaped;
+    utf8.remove_prefix(character.size());
   }
   return text;
+}
+
+std::string printable(std::string_view latin1) {
+  std::string text = latin1_to_utf8(latin1);
+  std::erase(text, '\r');
+  return visible(text);
 }
 
 void complain(std::string text) {
   std::erase(text, '\r');
   std::replace(text.begin(), text.end(), '\n', ' ');
-  std::fprintf(stderr, "qv5123ctl: %s\n", text.c_str());
+  std::fprintf(stderr, "qv5123ctl: %s\n", visible(text).c_str());
 }
 
 }  // namespace qv5123

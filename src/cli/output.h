@@ -9,7 +9,8 @@
 
 namespace qv5123 {
 
-/// What the program prints. Results go to stdout, all else to stderr.
+/// What the program prints. Results go to stdout, all else to stderr. Of text it prints what visible() makes
+/// of it: words of files and names of devices end up in it.
 ///
 /// A write that fails is remembered instead of reported at once: what prints may be in the middle of
 /// anything.
@@ -45,14 +46,19 @@ class Output {
   ExitCode end(ExitCode code);
 
  private:
+  void write(std::string_view text);
+
   bool json_ = false;
   bool quiet_ = false;
   int error_ = 0;
   bool progress_shown_ = false;
 };
 
-/// Text from the chip, 8-bit characters, so that it can be shown: UTF-8, without carriage returns, and with
-/// control characters, which could command the terminal, as "\x1b".
+/// UTF-8 text with its control characters, which could command the terminal, as "\x1b"; all but tabs and line
+/// ends.
+std::string visible(std::string_view utf8);
+
+/// Text from the chip, 8-bit characters, so that it can be shown: visible UTF-8 without carriage returns.
 std::string printable(std::string_view latin1);
 
 /// One line on stderr that names the program.

@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "cli/output.h"
+#include "console/elided.h"
 
 namespace qv5123 {
 namespace {
@@ -17,7 +18,7 @@ bool is_number(std::string_view word) {
 }
 
 std::string number_problem(std::string_view word) {
-  const std::string shown = "\"" + printable(word.substr(0, 40)) + "\"";
+  const std::string shown = "\"" + elided(printable(word), 40) + "\"";
   int value = 0;
   const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
   if (!is_number(word)) return shown + " is no decimal number; what follows is not read";

@@ -146,6 +146,7 @@ TEST_F(CtlTest, CommandsToASimulatedChip) {
 
 TEST_F(CtlTest, BadInputIsNamedInOneLine) {
   folder.write("two.csv", "7,8\n");
+  folder.write("odd.csv", "1,2,3\n\x1b]\xC2\x9B" + std::string(50, 'x') + ",2,3\n");
   folder.write("script.txt", "922,5A\r\n\r\n92x,5A\r\n");
   folder.write("font.txt", "0x0F, 0xF0,     // ----########----0\r\n\r\nfont\r\n");
   const struct {
@@ -167,6 +168,8 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
       {{"page", "show", "lens", "--simulate"},
        "No page is named \"lens\"; the pages are front, awb, dynamic, gamma, matrix, lsc"},
       {{"matrix", "fit", "two.csv"}, "two.csv, line 1: 3 numbers expected, not 2"},
+      {{"matrix", "fit", "odd.csv"},
+       R"(odd.csv, line 2: "\x1b]\x9bxxxxxxxxxxxxxxxx...xxxxxxxxxxxxxxxxxxxx" is no number (0x hex or decimal))"},
       {{"settings", "show", "none.dat"}, "Cannot read none.dat: No such file or directory"},
       {{"script", "script.txt", "--simulate"}, "script.txt, line 3: not of the form \"AAA,DD\""},
       {{"reg", "read", "1", "--simulate", "--trace", "no/trace"}, "Cannot write no/trace"},
