@@ -19,7 +19,7 @@ std::string path_text(const std::filesystem::path& path);
 /// Replaces the content of `path` (or makes the file) in one step: the bytes go to a temporary file beside
 /// it, reach the disk, and only then take the old file's place. Whatever fails, the old file stays whole and
 /// no temporary stays behind. A symbolic link keeps pointing to the file that is replaced; only regular files
-/// are replaced, never directories or devices.
+/// that may be written are replaced, never directories or devices.
 FileResult write_file_atomically(const std::filesystem::path& path, std::string_view bytes);
 
 /// Reads all of a regular file into `bytes`, which is left empty on failure. A file larger than `limit` bytes

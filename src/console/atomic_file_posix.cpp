@@ -52,6 +52,8 @@ bool take_permissions(int file, const std::filesystem::path& like) {
 
 std::string write_new_file(const std::filesystem::path& temporary, std::string_view bytes,
                            const std::filesystem::path& like) {
+  // Renaming asks for no more than the folder's permission; the file may be protected all the same.
+  if (::faccessat(AT_FDCWD, like.c_str(), W_OK, AT_EACCESS) != 0 && errno != ENOENT) return last_error();
   const int file = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   if (file < 0) return last_error();
   std::string why;

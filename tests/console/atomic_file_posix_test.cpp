@@ -1,5 +1,6 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 
@@ -48,6 +49,18 @@ TEST(AtomicFilePosix, APipeInAFilesPlaceHoldsNothingUp) {
   ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
   std::string bytes(1, ' ');
   EXPECT_EQ(detail::fill_from_file(folder / "pipe", bytes), "it is not a regular file");
+}
+
+TEST(AtomicFilePosix, AWriteProtectedFileStays) {
+  const test::TemporaryFolder folder;
+  ::chmod(folder.path().c_str(), 0777);
+  ::chmod(folder.write("s.dat", "old").c_str(), 0444);
+  const uid_t self = ::geteuid();
+  ASSERT_EQ(::seteuid(self == 0 ? 65534 : self), 0) << "nothing is protected from root";
+  const FileResult result = write_file_atomically(folder / "s.dat", "new");
+  ASSERT_EQ(::seteuid(self), 0);
+  EXPECT_FALSE(result.ok());
+  EXPECT_EQ(folder.read("s.dat"), "old");
 }
 
 }  // namespace
