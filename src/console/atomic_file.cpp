@@ -13,6 +13,12 @@ FileResult failure(const char* what, const fs::path& path, const std::string& wh
   return {std::string(what) + " " + path_text(path) + ": " + why};
 }
 
+FileResult refusal(const fs::path& path, const std::string& why) {
+  FileResult result = failure("Cannot read", path, why);
+  result.refused = true;
+  return result;
+}
+
 // Beside the target, since only a rename inside one file system is a single step.
 fs::path temporary_beside(const fs::path& target) {
   static std::atomic<unsigned> serial{0};
@@ -56,12 +62,10 @@ FileResult read_whole_file(const fs::path& path, std::string& bytes, std::uintma
   std::error_code error;
   const fs::file_status status = fs::status(path, error);
   if (!fs::exists(status)) return failure("Cannot read", path, error ? error.message() : "no such file");
-  if (!fs::is_regular_file(status)) return failure("Cannot read", path, "it is not a regular file");
+  if (!fs::is_regular_file(status)) return refusal(path, "it is not a regular file");
   const std::uintmax_t size = fs::file_size(path, error);
   if (error) return failure("Cannot read", path, error.message());
-  if (size > limit) {
-    return failure("Cannot read", path, "larger than " + std::to_string(limit) + " bytes");
-  }
+  if (size > limit) return refusal(path, "larger than " + std::to_string(limit) + " bytes");
   bytes.resize(static_cast<std::size_t>(size));
   const std::string why = detail::fill_from_file(path, bytes);
   if (why.empty()) return {};

@@ -7,9 +7,10 @@
 
 namespace qv5123 {
 
-/// What came of reading or writing a file. `text` says it in words and names the file; empty on success.
+/// What came of reading or writing a file.
 struct FileResult {
-  std::string text;
+  std::string text;      ///< in words, with the file's name; empty on success
+  bool refused = false;  ///< read_whole_file() found something that it would not read
   bool ok() const { return text.empty(); }
 };
 
@@ -23,7 +24,7 @@ std::string path_text(const std::filesystem::path& path);
 FileResult write_file_atomically(const std::filesystem::path& path, std::string_view bytes);
 
 /// Reads all of a regular file into `bytes`, which is left empty on failure. A file larger than `limit` bytes
-/// is refused, so that a wrong choice cannot fill the memory.
+/// is refused, so that a wrong choice cannot fill the memory, and so is what is no regular file.
 FileResult read_whole_file(const std::filesystem::path& path, std::string& bytes,
                            std::uintmax_t limit = std::uintmax_t{64} << 20);
 

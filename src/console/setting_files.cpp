@@ -35,8 +35,10 @@ Task<> SettingFiles::load() {
 }
 
 Task<> SettingFiles::load_from(std::filesystem::path path) {
-  document_.setting_file = path;
   const FileResult result = co_await read_setting_file(background_, path, document_.user_data);
+  // Not before: a save meanwhile holds the image of the file that was remembered until now. And never what
+  // was no setting file, or the next save would put one in its place.
+  if (!result.refused) document_.setting_file = path;
   // Even without a file: the pages show what the image holds, and so agree with each other again.
   reload_pages();
   if (result.ok()) {

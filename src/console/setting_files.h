@@ -39,7 +39,8 @@ class SettingFiles {
 
   /// "Load File...", also offered at the start: asks for a file and loads it.
   Task<> load();
-  /// Remembers `path`, reads it and lets the pages reload. A message names a file that cannot be read.
+  /// Reads `path`, remembers it unless it was refused, and lets the pages reload. A message names a file that
+  /// cannot be read.
   Task<> load_from(std::filesystem::path path);
   /// "Save File...": every page's values into the image, the remembered file where a page's save includes it,
   /// then the file that the user chooses. It is remembered only where none was.

@@ -90,6 +90,10 @@ TEST_F(SettingFilesTest, LoadRemembersReadsAndReloadsInOrder) {
   EXPECT_THAT(user.messages[0].text, testing::HasSubstr("gone.dat"));
   EXPECT_EQ(doc.user_data.entry(0), 9);
   EXPECT_THAT(used, ElementsAre("set.dat"));
+
+  user.paths = {folder.write("large", std::string(kSettingFileLimit + 1, '1'))};
+  load();
+  EXPECT_EQ(doc.setting_file, folder.path() / "gone.dat") << "what was refused is never written to";
 }
 
 /// The files' names in their order; what stands before them is the system's affair.
@@ -179,6 +183,18 @@ TEST_F(SettingFilesTest, WhatIsWrittenIsTheImageAtTheTimeOfTheSaveAndExitWaitsFo
   EXPECT_TRUE(ends);
   EXPECT_EQ(folder.read("user.dat").substr(0, 6), "0\r\n1\r\n");
   EXPECT_EQ(held.entry(0), 0) << "what came later is not saved";
+}
+
+TEST_F(SettingFilesTest, ASaveWhileAFileIsReadGoesToTheOneBeforeIt) {
+  doc.setting_file = folder / "old.dat";
+  user.paths = {folder.write("new.dat", lines("9", 1024))};
+  work.busy = true;
+  const Flow loading(files.load());
+  const Flow saving([](SettingFiles& files) -> Task<> { co_await files.write_user_data_file(); }(files));
+  work.catch_up();
+  EXPECT_EQ(folder.read("old.dat"), lines("0", 1024));
+  EXPECT_EQ(folder.read("new.dat"), lines("9", 1024));
+  EXPECT_EQ(doc.setting_file, folder / "new.dat");
 }
 
 }  // namespace
