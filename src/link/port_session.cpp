@@ -114,6 +114,7 @@ Pending<bool> PortSession::close() {
   set_connected(false);
   Resolver<bool> closed;
   close_port([closed] { closed.resolve(true); });
+  scheduler_.call_after(kClosePatience, [closed] { closed.resolve(false); });
   return closed.pending();
 }
 

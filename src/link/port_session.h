@@ -28,6 +28,8 @@ class PortSession {
  public:
   /// How often a lost port is tried: with what opening takes, it is back within a second.
   static constexpr std::chrono::milliseconds kReopenEvery{500};
+  /// How long close() lets a caller wait for a driver.
+  static constexpr std::chrono::milliseconds kClosePatience{1000};
 
   PortSession(Scheduler& scheduler, std::unique_ptr<SerialDevice> device, PortSessionEvents events,
               CCommPort::Options options = {});
@@ -37,7 +39,8 @@ class PortSession {
 
   /// Closes what is open and opens `name`, on a thread of its own; the caller goes on meanwhile.
   Task<OpenResult> open(std::string name, LineSettings settings);
-  /// Closes the port and gives up one that was lost. Resumes when it is closed; nobody need wait for that.
+  /// Closes the port and gives up one that was lost. Resumes with true when it is closed, with false while a
+  /// driver is still at it after kClosePatience; nobody need wait for that.
   Pending<bool> close();
   bool connected() const { return connected_; }
   /// The name last given to open().

@@ -14,6 +14,7 @@ struct SessionOnLine {
 
   std::unique_ptr<SerialDevice> take_device() {
     auto owned = std::make_unique<InProcessDevice>([this](std::span<const std::uint8_t> bytes) {
+      writing = true;
       const std::lock_guard lock(mutex);
       sent.append(bytes.begin(), bytes.end());
     });
@@ -48,6 +49,7 @@ struct SessionOnLine {
   LoopScheduler scheduler;
   std::mutex mutex;
   std::string sent;
+  std::atomic<bool> writing{false};
   InProcessDevice* line = nullptr;
   std::vector<std::string> statuses;
   std::vector<bool> connected;
@@ -97,6 +99,22 @@ TEST(PortSession, ClosingGivesUpALostPortAndAnOpenUnderWay) {
   EXPECT_FALSE(opened.ok());
   EXPECT_FALSE(on.session.connected());
   EXPECT_EQ(on.connected, (std::vector<bool>{true, false}));
+}
+
+Task<> close(PortSession& session, bool& closed) {
+  closed = co_await session.close();
+}
+
+TEST(PortSession, ClosingDoesNotWaitForADriverThatStandsStill) {
+  SessionOnLine on;
+  OpenResult opened;
+  on.run(open(on.session, opened));
+  std::unique_lock standstill(on.mutex);
+  on.session.link().send(Batch{{0x01, 0x00}});
+  while (!on.writing) std::this_thread::yield();
+  bool closed = true;
+  on.run(close(on.session, closed));
+  EXPECT_FALSE(closed);
 }
 
 TEST(PortSession, AJobDoesNotGoOnOnAPortThatWasOpenedAnew) {
