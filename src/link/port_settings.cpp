@@ -6,6 +6,8 @@
 #include <string_view>
 #include <utility>
 
+#include "link/port_name.h"
+
 namespace qv5123 {
 namespace {
 
@@ -37,6 +39,14 @@ LineSettings line_in(const StoredNumbers& numbers) {
   return line;
 }
 
+/// Whether `device` is a COM port of another number than the one stored.
+bool contradicts(const StoredNumbers& numbers, const std::string& device) {
+  const auto stored = numbers.find(kPortNumberKey);
+  const std::optional<int> named = port_number_from_name(device);
+  if (stored == numbers.end() || !named || *named == stored->second) return false;
+  return openable_name(device) == comm_device_name(*named);
+}
+
 int position_of(std::uint32_t baud_rate) {
   for (std::size_t i = 0; i < kBaudRates.size(); ++i) {
     if (kBaudRates[i] == baud_rate) return static_cast<int>(i);
@@ -49,9 +59,12 @@ int position_of(std::uint32_t baud_rate) {
 PortSettings port_settings_from(const StoredNumbers& numbers, std::string device, std::string description) {
   PortSettings settings;
   settings.number = static_cast<int>(value_in(numbers, kPortNumberKey, 1, 256, settings.number));
-  settings.device = std::move(device);
   settings.line = line_in(numbers);
-  settings.description = std::move(description);
+  // Whoever changed the number by hand means the port of that number.
+  if (!contradicts(numbers, device)) {
+    settings.device = std::move(device);
+    settings.description = std::move(description);
+  }
   const auto debug = numbers.find(kDebugKey);
   settings.debug = debug != numbers.end() && debug->second != 0;
   return settings;

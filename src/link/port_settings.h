@@ -30,7 +30,8 @@ inline constexpr const char* kDebugKey = "Debug";
 using StoredNumbers = std::map<std::string, long long>;
 
 /// Settings out of what is stored. What is missing or makes no sense takes its default; the baud rate is
-/// never 0.
+/// never 0. A device that is the COM port of another number than the one stored gives way to the number, and
+/// its description with it.
 PortSettings port_settings_from(const StoredNumbers& numbers, std::string device, std::string description);
 /// What is stored after "Open"; "Debug" is not among it.
 StoredNumbers stored_numbers(const PortSettings& settings);

@@ -12,6 +12,13 @@ TEST(PortSettings, NonsenseTakesTheDefault) {
   }
 }
 
+TEST(PortSettings, TheNumberHoldsAgainstAnotherCOMPortsName) {
+  const StoredNumbers seven{{"PortNumber", 7}};
+  EXPECT_EQ(port_settings_from(seven, R"(\\.\COM12)", "Twelve"), (PortSettings{7, "", {}, "", 0}));
+  for (const char* device : {"COM7", "/dev/ttyUSB3"})
+    EXPECT_EQ(port_settings_from(seven, device, "").device, device);
+}
+
 TEST(PortSelection, StandsForALineAndShowsIt) {
   PortSelection last_rates{7, 3, 0, 0, false, false, false};
   EXPECT_EQ(line_from(last_rates).baud_rate, 128000u) << "whatever the list says";
