@@ -9,11 +9,13 @@ std::string comm_device_name(int port) {
 }
 
 std::string openable_name(const std::string& name) {
-  const auto is = [&name](std::size_t at, char upper) { return (name[at] & ~0x20) == upper; };
-  if (name.size() < 4 || !is(0, 'C') || !is(1, 'O') || !is(2, 'M')) return name;
+  std::string_view plain = name;
+  if (plain.starts_with(R"(\\.\)")) plain.remove_prefix(4);
+  const auto is = [plain](std::size_t at, char upper) { return (plain[at] & ~0x20) == upper; };
+  if (plain.size() < 4 || !is(0, 'C') || !is(1, 'O') || !is(2, 'M')) return name;
   int number = 0;
-  const char* end = name.data() + name.size();
-  const auto parsed = std::from_chars(name.data() + 3, end, number);
+  const char* end = plain.data() + plain.size();
+  const auto parsed = std::from_chars(plain.data() + 3, end, number);
   return parsed.ec == std::errc() && parsed.ptr == end && number > 0 ? comm_device_name(number) : name;
 }
 

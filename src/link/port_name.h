@@ -11,7 +11,7 @@ namespace qv5123 {
 std::string comm_device_name(int port);
 
 /// What Windows opens for a name that a person types: comm_device_name() for "COM" and a number alone, in any
-/// case; every other name as it is.
+/// case and also behind "\\.\"; every other name as it is. One port has one such name.
 std::string openable_name(const std::string& name);
 
 /// The number that follows the first "COM" in `name`; none when there is no "COM", no number after it, or

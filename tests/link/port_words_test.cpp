@@ -17,6 +17,7 @@ TEST(PortName, TakesTheDevicePathFormFromTenHoweverItIsTyped) {
   EXPECT_EQ(comm_device_name(10), R"(\\.\COM10)");
   EXPECT_EQ(openable_name("COM12"), R"(\\.\COM12)");
   EXPECT_EQ(openable_name("com3"), "COM3");
+  EXPECT_EQ(openable_name(R"(\\.\Com3)"), "COM3");
   for (const char* same : {"", "COM", "COM12x", "COM0", "/dev/ttyUSB0"}) EXPECT_EQ(openable_name(same), same);
 }
 

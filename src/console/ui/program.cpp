@@ -11,6 +11,7 @@
 #include "console/ui/qv5123_view.h"
 #include "console/ui/tour.h"
 #include "console/ui/unattended_prompts.h"
+#include "link/port_name.h"
 #include "link/ui/qt_text.h"
 #include "link/ui/serial_port_setting.h"
 
@@ -101,7 +102,7 @@ Task<OpenResult> Program::probe(std::string device) {
 
 Task<OpenResult> Program::probe_chosen(std::string device) {
   // The port that is open here is closed before it is opened anew; Windows would call it busy.
-  if (session_.connected() && session_.name() == device) co_return OpenResult{};
+  if (session_.connected() && openable_name(session_.name()) == openable_name(device)) co_return OpenResult{};
   co_return co_await probe(std::move(device));
 }
 

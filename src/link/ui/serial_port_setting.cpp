@@ -14,6 +14,7 @@
 #include <span>
 #include <utility>
 
+#include "link/port_name.h"
 #include "link/ui/qt_text.h"
 
 namespace qv5123 {
@@ -24,7 +25,8 @@ void fill(QComboBox* list, std::span<const char* const> labels) {
 }
 
 bool stands_for(const PortInfo& port, const PortSettings& settings) {
-  return settings.device.empty() ? port.number == settings.number : port.device == settings.device;
+  if (settings.device.empty()) return port.number == settings.number;
+  return openable_name(port.device) == openable_name(settings.device);
 }
 
 }  // namespace

@@ -63,6 +63,9 @@ TEST(SerialPortSetting, ShowsThePortsAndTheStoredLine) {
   const auto* list = bench.control<QComboBox>("Serial Port");
   EXPECT_EQ(list->view()->minimumWidth(),
             list->fontMetrics().horizontalAdvance("Communications Port (COM3)") + 5);
+  current.device = "com12";
+  EXPECT_EQ(PortDialog(current).control<QComboBox>("Serial Port")->currentIndex(), 1)
+      << "as a person types it";
 }
 
 TEST(SerialPortSetting, OpenProbesAndTakesTheSelections) {
