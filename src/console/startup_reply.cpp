@@ -9,18 +9,15 @@ namespace qv5123 {
 
 std::string StartupReply::read(ReplyBuffer& reply) {
   std::string text;
-  if (const std::optional<std::string> block = reply.take_block()) {
-    switch (stage_) {
-      case Stage::version:
-        text = "\r\nLoad Version ok..";
-        break;
-      case Stage::serial_number:
-        take_serial_number(*block);
-        text = "\r\nLoad Serial_Number ok..";
-        break;
-      case Stage::done:
-        take_values(*block);
-        break;
+  if (stage_ == Stage::version) {
+    // Its content does not matter, and so neither does one that is longer than the buffer.
+    if (reply.state() == ReplyBuffer::State::complete) text = "\r\nLoad Version ok..";
+  } else if (const std::optional<std::string> block = reply.take_block()) {
+    if (stage_ == Stage::serial_number) {
+      take_serial_number(*block);
+      text = "\r\nLoad Serial_Number ok..";
+    } else {
+      take_values(*block);
     }
   }
   reply.clear();

@@ -17,6 +17,12 @@ void receive(ReplyBuffer& reply, const std::string& bytes) {
   reply.decode({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
 }
 
+TEST(StartupReply, AnyReplyStandsForTheVersion) {
+  ReplyBuffer reply;
+  receive(reply, "~" + std::string(ReplyBuffer::kSize + 1, '0') + "^");
+  EXPECT_EQ(StartupReply().read(reply), "\r\nLoad Version ok..");
+}
+
 TEST(StartupReply, TakesTheSerialNumberFromBytes18To26) {
   ReplyBuffer reply;
   StartupReply startup(StartupReply::Stage::serial_number);
