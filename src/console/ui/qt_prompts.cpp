@@ -29,6 +29,10 @@ class OpenDialog {
     QObject::connect(
         dialog_, &QDialog::finished, dialog_, [done = done_](int result) { done.resolve(result); },
         Qt::QueuedConnection);
+    // The program may close what it stands over, which takes this dialog with it.
+    QObject::connect(
+        dialog_, &QObject::destroyed, qApp, [done = done_] { done.resolve(QDialog::Rejected); },
+        Qt::QueuedConnection);
     dialog_->open();
     return done_.pending();
   }
@@ -138,8 +142,9 @@ Task<std::optional<std::filesystem::path>> QtPrompts::choose(FileChoice choice, 
   const bool pattern = choice.initial_name.find('*') != std::string::npos;
   if (!choice.initial_name.empty() && !(save && pattern)) chooser->selectFile(to_qt(choice.initial_name));
   const int result = co_await dialog.finished();
+  if (result != QDialog::Accepted) co_return std::nullopt;
   const QStringList files = chooser->selectedFiles();
-  if (result != QDialog::Accepted || files.isEmpty()) co_return std::nullopt;
+  if (files.isEmpty()) co_return std::nullopt;
   co_return to_path(files.first());
 }
 

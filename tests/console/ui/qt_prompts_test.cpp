@@ -39,6 +39,13 @@ TEST(QtPrompts, QuestionsResumeWithTheAnswer) {
   flow.start(ask(prompts, {"?"}, answers));
   flow.cancel();
   EXPECT_EQ(open_dialog<QMessageBox>(), nullptr) << "a dialog goes with who waits for it";
+
+  auto window = std::make_unique<QWidget>();
+  prompts.set_parent(window.get());
+  flow.start(ask(prompts, {"?"}, answers));
+  window.reset();
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(flow.running()) << "and nobody waits for one that is gone";
 }
 
 Task<> save(Prompts& prompts, FileChoice choice) {
