@@ -1,6 +1,7 @@
 #include "console/ui/app_settings.h"
 
 #include <QSettings>
+#include <utility>
 
 #include "link/ui/qt_text.h"
 
@@ -43,7 +44,6 @@ void AppSettings::store_port(const PortSettings& settings) {
   }
   store_.setValue(key_of(kPortDeviceKey), to_qt(settings.device));
   store_.setValue(key_of(kPortDescriptionKey), to_qt(settings.description));
-  store_.sync();
 }
 
 int AppSettings::debug() const {
@@ -66,6 +66,16 @@ void AppSettings::store_recent_files(const RecentFiles& recent) {
 
 bool AppSettings::fourth_tdn_mode() const {
   return store_.value(kFourthTdnModeKey, false).toBool();
+}
+
+std::function<bool()> AppSettings::changing(std::function<void(AppSettings&)> change) const {
+  return [name = store_.fileName(), format = store_.format(), change = std::move(change)] {
+    QSettings store(name, format);
+    AppSettings settings(store);
+    change(settings);
+    store.sync();
+    return store.status() == QSettings::NoError;
+  };
 }
 
 }  // namespace qv5123

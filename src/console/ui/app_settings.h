@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "console/recent_files.h"
 #include "link/port_settings.h"
 
@@ -27,6 +29,10 @@ class AppSettings {
 
   /// Whether the TDN modes have "Auto" as a fourth; off unless stored otherwise.
   bool fourth_tdn_mode() const;
+
+  /// Work that makes `change` in the same store and writes it through to the disk, through an object of its
+  /// own: for another thread, since a disk may take its time. True when it is there; it is seen here as well.
+  std::function<bool()> changing(std::function<void(AppSettings&)> change) const;
 
  private:
   QSettings& store_;

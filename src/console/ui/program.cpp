@@ -89,7 +89,8 @@ Task<PortSettings> Program::initial_port() {
   if (settings_.debug() != 0) co_return stored;
   const std::optional<PortSettings> chosen = co_await choose_port(stored);
   if (!chosen) co_return PortSettings{};
-  store_port(*chosen);
+  // Waited for, since the settings are read again when the window opens.
+  co_await store_port(*chosen);
   co_return *chosen;
 }
 
@@ -139,8 +140,15 @@ Task<std::optional<PortSettings>> Program::choose_port(PortSettings current) {
   co_return chosen;
 }
 
-void Program::store_port(const PortSettings& settings) {
-  if (!parts_.fixed_port) settings_.store_port(settings);
+// Begun at once, whether anybody waits for it or not.
+Task<bool> Program::store(std::function<void(AppSettings&)> change) {
+  std::function<bool()> work = [] { return true; };
+  if (!parts_.fixed_port) work = settings_.changing(std::move(change));
+  return files_.run<bool>(std::move(work));
+}
+
+Task<bool> Program::store_port(PortSettings settings) {
+  return store([settings = std::move(settings)](AppSettings& stored) { stored.store_port(settings); });
 }
 
 void Program::open_window(PortSettings port) {
@@ -153,11 +161,11 @@ void Program::open_window(PortSettings port) {
   };
   surroundings.close = [this] { session_.close(); };
   surroundings.choose = [this](PortSettings current) { return choose_port(std::move(current)); };
-  surroundings.store = [this](const PortSettings& settings) { store_port(settings); };
+  surroundings.store = [this](const PortSettings& settings) { (void)store_port(settings); };
   view_->use_port(std::move(port), std::move(surroundings));
   view_->set_recent_files(settings_.recent_files());
   QObject::connect(view_, &CQV5123View::recent_files_changed, frame_.get(), [this] {
-    if (!parts_.fixed_port) settings_.store_recent_files(view_->recent_files());
+    (void)store([recent = view_->recent_files()](AppSettings& stored) { stored.store_recent_files(recent); });
   });
   QObject::connect(view_, &CQV5123View::closing_confirmed, frame_.get(), [this] { flows_.spawn(end(0)); });
   QObject::connect(frame_.get(), &CMainFrame::help_wanted, frame_.get(), [this] { show_help(); });

@@ -61,7 +61,8 @@ class Program {
   std::unique_ptr<QDialog> make_port_dialog(std::vector<PortInfo> ports, const PortSettings& current);
   Task<std::optional<PortSettings>> choose_port(PortSettings current);
   void open_window(PortSettings port);
-  void store_port(const PortSettings& settings);
+  Task<bool> store(std::function<void(AppSettings&)> change);
+  Task<bool> store_port(PortSettings settings);
   void keep_journal();
   Task<> make_tour();
   void show_help();
