@@ -12,13 +12,11 @@ using testing::HasSubstr;
 TEST_F(CtlTest, BashCompletes) {
   folder.write("my setting.dat", "");
   const auto complete = [&](const std::string& words) {
-    test::Program bash("/bin/bash",
-                       {"-c",
-                        "source \"$0\"; COMP_WORDS=(qv5123ctl " + words +
-                            "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _qv5123ctl qv5123ctl qv; "
-                            "printf '%s\\n' \"${COMPREPLY[@]}\"",
-                        std::string(QV5123_SOURCE_DIR) + "/completions/qv5123ctl.bash"},
-                       folder.path());
+    const std::string script = "source \"$0\"; COMP_WORDS=(qv5123ctl " + words +
+                               "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _qv5123ctl qv5123ctl qv; "
+                               "printf '%s\\n' \"${COMPREPLY[@]}\"";
+    const std::string completions = QV5123_SOURCE_DIR "/completions/qv5123ctl.bash";
+    test::Program bash("/bin/bash", {"-c", script, completions}, folder.path());
     return bash.output();
   };
   EXPECT_EQ(complete("--simulate reg read --w"), "--wide\n");
