@@ -30,7 +30,7 @@ struct ReadExport {
 };
 
 struct ReadFont {
-  bool read = false;
+  FileResult result;
   std::string bytes;
 };
 
@@ -257,11 +257,12 @@ Task<> CDlgFontMaker::open_font_file() {
   if (!path) co_return;
   std::function<ReadFont()> work = [path = *path] {
     ReadFont font;
-    font.read = read_whole_file(path, font.bytes).ok();
+    font.result = read_whole_file(path, font.bytes);
     return font;
   };
   const ReadFont font = co_await host_.background().run<ReadFont>(std::move(work));
-  if (!font.read) co_return;
+  // No box to be clicked away: the library is as it was.
+  if (!font.result.ok()) co_return host_.show_status(font.result.text);
   editor_.open_binary({reinterpret_cast<const std::uint8_t*>(font.bytes.data()), font.bytes.size()});
   refresh_all();
 }
@@ -273,7 +274,8 @@ Task<> CDlgFontMaker::save_font_file() {
   std::function<FileResult()> work = [path = *path, bytes = editor_.library().to_binary()] {
     return write_file_atomically(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
   };
-  co_await host_.background().run<FileResult>(std::move(work));
+  const FileResult written = co_await host_.background().run<FileResult>(std::move(work));
+  if (!written.ok()) host_.show_status(written.text);
 }
 
 Task<> CDlgFontMaker::fill_range() {

@@ -184,6 +184,7 @@ TEST_F(FontMakerPage, SavingWritesTheExportThenAsksForTheBinaryWhichReopensBitFo
   press("Open font file...");
   EXPECT_EQ(page_->editor().library(), saved);
   EXPECT_TRUE(host_.user.messages.empty()) << "files that cannot be read or written are no message";
+  EXPECT_NE(host_.last_status().find("none.bin: "), std::string::npos) << "but are told";
 }
 
 TEST_F(FontMakerPage, ClosingAsksAndTheExportIsReadAtTheNextOpening) {
