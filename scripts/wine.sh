@@ -23,13 +23,13 @@ wait_for_server() {
 # start_wine: starts the server, then makes the prefix where there is none yet.
 start_wine() {
   mkdir -p "$WINEPREFIX"
-  g++ -std=c++20 -O1 -Wall -Wextra -fPIC -shared -o "$serial_port_shim" "$root/tests/wine/serial_port_shim.cpp"
+  g++ -std=c++20 -O1 -Wall -Wextra -fPIC -shared -o "$serial_port_shim" "$root/scripts/wine/serial_port_shim.cpp"
   # In the foreground: a server that is its own session's leader would take the tests' ports for its terminal.
   LD_PRELOAD=$serial_port_shim "$wine_server" -f -p 2>"$build/wineserver.log" &
   wait_for_server $!
   "$wine" wineboot --init
   # There are none of Windows' own fonts here; left to itself Wine takes one with odd measures for them.
-  "$wine" regedit /S "$root/tests/wine/fonts.reg"
+  "$wine" regedit /S "$root/scripts/wine/fonts.reg"
 }
 
 stop_wine() {
