@@ -7,6 +7,8 @@
 
 #include "simulator/preview.h"
 #include "support/chip_talk.h"
+#include "tuning/matrix_fit.h"
+#include "tuning/patch_report.h"
 
 using namespace qv5123;
 
@@ -129,4 +131,30 @@ TEST_F(Picture, PreviewShowsTheOutputWithTheCursor) {
   EXPECT_GT(std::count(checked.pixels.begin(), checked.pixels.end(), 0xFF00E000u), 2000);
   EXPECT_EQ(checked.pixels[54 * 192 + 100], 0xFFFFFFFFu) << "the square's edge";
   EXPECT_TRUE(render_preview(*chip.camera(), {}, 5, -1).pixels.empty());
+}
+
+TEST_F(Picture, TheMatrixFittedToTheChartUndoesTheCrosstalk) {
+  CameraTruth truth;
+  truth.read_noise = truth.shot_noise = 0;
+  truth.fall_off_a = truth.fall_off_b = {};
+  chip.set_camera(Camera(Scene{}, truth));
+  ask(Batch(6, {0x64, 0}));  // no lens, no correction of it
+  ask(Batch(6, {0x65, 0}));
+  chip.look();  // and expose
+  ask({{0xA0, 0}, {0xA1, 0}});
+  ask(isp_write(0xA20, 0x80));
+  switch_picker(true);
+  MatrixValues values;
+  for (std::size_t i = 0; i < kPatches; ++i) {
+    point_at(patch_middle(Scene{}, i));
+    std::ranges::copy(picked(), values.measured[i].begin());
+  }
+  EXPECT_EQ(calculate_matrix(values), MatrixResult::ok);
+  // The inverse of the crosstalk under the lamp with rows that sum to 1, worked out by hand.
+  constexpr double kTruth[3][3] = {{1.286, -0.261, -0.025}, {-0.215, 1.380, -0.165}, {-0.011, -0.763, 1.775}};
+  for (std::size_t i = 0; i < 9; ++i)
+    EXPECT_NEAR(values.coefficients[i / 3][i % 3], kTruth[i / 3][i % 3], 0.03);
+  const auto report = patch_report(values.measured, values.coefficients);
+  EXPECT_GT(report->before.mean, 5.5);
+  EXPECT_LE(report->after.mean, 1.1);
 }
