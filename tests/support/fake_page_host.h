@@ -24,13 +24,11 @@ class FakePageHost : public PageHost {
   std::string console;  ///< what the page appended; the chip's text is in the wire's
   std::vector<bool> busy;
 
-  int user_data_writes = 0;  ///< of both kinds of save
-  int full_saves = 0;
+  int user_data_writes = 0;    ///< of both kinds of save
   UserDataImage written;       ///< the image as last written
   bool write_succeeds = true;  ///< what the saves tell
   /// What "QV512xUser.dat" holds; nothing while there is no such file.
   std::optional<UserDataImage> current_directory;
-  int reloads = 0;
   /// The page's own part in a full save; may be null.
   Page* page = nullptr;
 
@@ -51,12 +49,10 @@ class FakePageHost : public PageHost {
     co_return write_succeeds;
   }
   Task<bool> save_everything() override {
-    ++full_saves;
     if (page) page->save_to_user_data();
     co_return co_await write_user_data_file();
   }
   Task<> reload_user_data_file() override {
-    ++reloads;
     if (!current_directory) co_return;
     doc.user_data.assign(current_directory->bytes());
     doc.user_data.mark_loaded();

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QSet>
 #include <QSlider>
 #include <QSpinBox>
@@ -23,6 +25,14 @@ Widget* find(const QWidget& page, const QString& name) {
   }
   EXPECT_NE(found, nullptr) << "no such control: " << name.toStdString();
   return found;
+}
+
+/// The left button goes down or up, or is held while the mouse moves.
+inline void mouse(QWidget* widget, QEvent::Type type, QPointF at) {
+  const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+  const auto held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+  QMouseEvent event(type, at, widget->mapToGlobal(at), button, held, Qt::NoModifier);
+  QApplication::sendEvent(widget, &event);
 }
 
 /// A page used as a user does, who finds controls by the names that assistive tools read out.

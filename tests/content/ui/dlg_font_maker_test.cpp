@@ -17,6 +17,7 @@ namespace qv5123 {
 namespace {
 
 using test::find;
+using test::mouse;
 
 class FontMakerPage : public testing::Test {
  protected:
@@ -29,13 +30,6 @@ class FontMakerPage : public testing::Test {
     return *page_;
   }
 
-  void mouse(QWidget* widget, QEvent::Type type, QPointF at) {
-    const bool up = type == QEvent::MouseButtonRelease;
-    QMouseEvent event(type, at, widget->mapToGlobal(at),
-                      type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
-                      up ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(widget, &event);
-  }
   void click(QWidget* widget, QPointF at) {
     mouse(widget, QEvent::MouseButtonPress, at);
     mouse(widget, QEvent::MouseButtonRelease, at);

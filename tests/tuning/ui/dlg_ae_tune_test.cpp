@@ -4,8 +4,6 @@
 
 #include <QSlider>
 
-#include <random>
-
 #include "support/page_bench.h"
 
 namespace qv5123 {
@@ -151,28 +149,6 @@ TEST_F(AeTunePage, FullSaveTakesWhatIsTypedAndNotSet) {
   EXPECT_EQ(host_.last_status(), "AE_Tune Data Saving...") << "the chip is storing";
   fake_.advance(10000);
   EXPECT_EQ(host_.last_status(), "Data Save Done...");
-}
-
-TEST_F(AeTunePage, WhatIsSavedComesBackFromFileAndChip) {
-  std::mt19937 random(1);
-  for (int round = 0; round < 10; ++round) {
-    UserDataImage any;
-    for (std::size_t i = 0; i < UserDataImage::kSize; ++i)
-      any.set_entry(i, static_cast<int>(random() & 0xFF));
-    DynamicValues values;
-    reload_from_user_data(values, any);
-    values.orientation = values.smart_ir = values.video_mode = round % 4;
-    save_to_user_data(values, host_.doc.user_data);
-    user_.click("Load <- File");
-    const UserDataImage before = host_.doc.user_data;
-    host_.doc.user_data.assign({});
-    page_.save_to_user_data();
-    EXPECT_TRUE(host_.doc.user_data == before) << round;
-    load(encode_dynamic_reply(values));
-    host_.doc.user_data.assign({});
-    page_.save_to_user_data();
-    EXPECT_TRUE(host_.doc.user_data == before) << round;
-  }
 }
 
 }  // namespace

@@ -3,9 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <QKeyEvent>
-#include <QMouseEvent>
-
-#include <random>
 
 #include "support/page_bench.h"
 #include "tuning/gamma_curve.h"
@@ -20,10 +17,7 @@ class GammaPage : public test::PageBench<CDlgIspGammaRgb> {
   }
   void mouse(QEvent::Type type, ChartPixel at) {
     auto* chart = user_.find<GammaChartView>("Gamma curves");
-    const auto buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
-    QMouseEvent event(type, chart->to_widget(at), chart->mapToGlobal(chart->to_widget(at)),
-                      type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
-    QApplication::sendEvent(chart, &event);
+    test::mouse(chart, type, chart->to_widget(at));
   }
   void key(Qt::Key key) {
     QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
@@ -96,23 +90,6 @@ TEST_F(GammaPage, SavesEverythingBetweenTheBrackets) {
   EXPECT_EQ(sent.substr(0, 24), "@f901*@fa01*@0300*@0300*");
   EXPECT_EQ(sent.substr(sent.size() - 30), "@0502*@05fe*@0602*@fa00*@f900*");
   EXPECT_EQ(host_.last_status(), "Gamma Save Done.");
-}
-
-TEST_F(GammaPage, ComesBackFromTheUserDataAsItWas) {
-  std::mt19937 random(3);
-  std::vector<QSpinBox*> boxes;
-  for (int number = 1; number <= 22; ++number) {
-    for (const char* curve : {"R", "G", "B"}) boxes.push_back(point(number, curve));
-  }
-  for (QSpinBox* box : boxes) box->setValue(static_cast<int>(random() % 1024));
-  user_.click("Channel B");
-  page_.save_to_user_data();
-  host_.doc.user_data.mark_loaded();
-  EXPECT_EQ(host_.doc.user_data.entry(44), 1);
-
-  CDlgIspGammaRgb other(host_);
-  for (QSpinBox* box : boxes) EXPECT_EQ(test::PageDriver(other).number(box->accessibleName()), box->value());
-  EXPECT_TRUE(test::PageDriver(other).checked("Channel B"));
 }
 
 TEST_F(GammaPage, DraggingAndKeysMovePoints) {

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "support/page_bench.h"
 #include "support/traffic_text.h"
 
@@ -128,23 +126,6 @@ TEST_F(MatrixPage, SavesAllMatricesAndEndsTheCapture) {
   EXPECT_TRUE(sent.ends_with("@f900*@940a*@9429*@920a*@9220*@9390*@920a*@9229*@9305*@a001*@a101*"));
   EXPECT_FALSE(user_.checked("Enable Color Picker"));
   EXPECT_EQ(host_.last_status(), "Transfered Linear Matrix parameters to ISP. Enable color correction.");
-}
-
-TEST_F(MatrixPage, ComesBackFromTheUserDataAsItWas) {
-  std::mt19937 random(5);
-  for (std::size_t base : {382, 749, 845, 635}) {
-    for (std::size_t i = 0; i < 54; ++i)
-      host_.doc.user_data.set_entry(base + i, static_cast<int>(random() & 0xFF));
-  }
-  const UserDataImage before = host_.doc.user_data;
-  page_.reload_from_user_data();
-  for (int mode = 0; mode < 4; ++mode) {
-    user_.choose("Video Mode", mode);
-    for (const char* light : {"Outdoor", "Light-1", "Light-2"}) user_.click(light);
-  }
-  host_.doc.user_data = {};
-  page_.save_to_user_data();
-  EXPECT_EQ(host_.doc.user_data, before);
 }
 
 }  // namespace

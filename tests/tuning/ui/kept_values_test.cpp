@@ -1,0 +1,61 @@
+#include <random>
+
+#include "support/page_bench.h"
+#include "tuning/ui/dlg_ae_tune.h"
+#include "tuning/ui/dlg_isp_awb.h"
+#include "tuning/ui/dlg_isp_gamma_rgb.h"
+#include "tuning/ui/dlg_isp_lsc.h"
+#include "tuning/ui/dlg_isp_matrix.h"
+
+namespace qv5123 {
+namespace {
+
+/// A page, what it edits, and how the chip reports that.
+template <class Page, class PageValues, auto kReply>
+struct Kept {
+  using Dialog = Page;
+  using Values = PageValues;
+  static std::string reply(const Values& values) { return kReply(values); }
+};
+
+template <class Case>
+class KeptValues : public test::PageBench<typename Case::Dialog> {};
+
+using Cases = testing::Types<
+    Kept<CDlgAeTune, DynamicValues, encode_dynamic_reply>, Kept<CDlgIspAwb, AwbValues, encode_awb_reply>,
+    Kept<CDlgIspGammaRgb, GammaValues, encode_gamma_reply>, Kept<CDlgIspLSC, LensValues, encode_lens_reply>,
+    Kept<CDlgIspMatrix, MatrixValues, encode_matrix_reply>>;
+TYPED_TEST_SUITE(KeptValues, Cases);
+
+TYPED_TEST(KeptValues, OfFileAndChipAreStoredAsTheyCame) {
+  std::mt19937 random(1);
+  UserDataImage& data = this->host_.doc.user_data;
+  for (int round = 0; round < 10; ++round) {
+    for (std::size_t i = 0; i < UserDataImage::kSize; ++i)
+      data.set_entry(i, static_cast<int>(random() & 0xFF));
+    data.mark_loaded();
+    typename TypeParam::Values values;
+    reload_from_user_data(values, data);
+    UserDataImage expected;
+    save_to_user_data(values, expected);
+    const auto expect_kept = [&] {
+      data = {};
+      this->page_.save_to_user_data();
+      EXPECT_EQ(data, expected) << round;
+    };
+    this->user_.click("Load <- File");
+    if constexpr (std::is_same_v<decltype(values), MatrixValues>) {
+      for (int mode = 0; mode < 4; ++mode) {
+        this->user_.choose("Video Mode", mode);
+        for (const char* light : {"Outdoor", "Light-1", "Light-2"}) this->user_.click(light);
+      }
+    }
+    expect_kept();
+    this->user_.click("Load <- ISP");
+    this->answer_load(TypeParam::reply(values));
+    expect_kept();
+  }
+}
+
+}  // namespace
+}  // namespace qv5123
