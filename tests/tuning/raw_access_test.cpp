@@ -27,6 +27,7 @@ TEST(RawAccess, AnswersAreShownAsLines) {
   EXPECT_EQ(answer_text(Access::IspWord, 0x922, "0aBc"), "0xF922 = 0x0ABC\r\n");
   EXPECT_EQ(answer_text(Access::IspWord, 0x922, "123"), "");
   EXPECT_EQ(answer_text(Access::IspByte, 0x922, "122"), "") << "which of them was doubled?";
+  EXPECT_FALSE(answer_field(Access::IspByte, "1x"));
   EXPECT_EQ(answer_field(Access::IspByte, "00ff0c"), "0C");
   EXPECT_EQ(dump_text(0x0FE, 0x100, "010203"), "0xF0FE = 0x01\r\n0xF0FF = 0x02\r\n0xF100 = 0x03\r\n");
   EXPECT_TRUE(dump_text(0x100, 0x1F9, std::string(500, '1')).ends_with("\r\n0xF1F9 = 0x11\r\n"));
