@@ -61,18 +61,6 @@ TEST(Matrix, CodesAreTwosComplement) {
   EXPECT_EQ(matrix_code(NAN), 0);
 }
 
-TEST(MatrixFit, RatioZeroIsTheIdentityWhateverWasMeasured) {
-  MatrixValues values;
-  values.ratio = 0;
-  values.measured.fill({7, 7, 7});
-  EXPECT_EQ(calculate_matrix(values), MatrixResult::ok);
-  for (std::size_t row = 0; row < 3; ++row) {
-    MatrixRowBytes one{};
-    one[2 * row] = 0x04;
-    EXPECT_EQ(values.tables[0][row][0], one);
-  }
-}
-
 TEST(MatrixFit, TakesGreysAloneButNotWithoutThem) {
   MatrixValues values;
   values.measured = leaking_chart(200);
