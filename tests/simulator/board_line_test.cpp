@@ -75,23 +75,6 @@ TEST(Faults, DoWhatTheySayAndTheSameForTheSameSeed) {
   EXPECT_EQ(corrupted, through("corrupt=0.1", 7));
 }
 
-TEST(Faults, DelayedBytesKeepTheirOrder) {
-  FaultInjector injector(with_fault("delay=0.2"), 3);
-  TimePoint now{1s};
-  std::string sent, received;
-  for (int i = 0; i < 200; ++i) {
-    sent += static_cast<char>('a' + i % 26);
-    injector.put(bytes_of(sent).last(1), now);
-    for (const std::uint8_t byte : injector.take(now)) received += static_cast<char>(byte);
-    now += 1ms;
-  }
-  while (const auto next = injector.next()) {
-    EXPECT_LE(*next, now + 400ms);
-    for (const std::uint8_t byte : injector.take(*next)) received += static_cast<char>(byte);
-  }
-  EXPECT_EQ(received, sent);
-}
-
 TEST(BoardLine, AnnouncesTheChipToAHostThatListens) {
   Board board;
   board.line.host_opened(board.now);
