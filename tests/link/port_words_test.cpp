@@ -3,7 +3,6 @@
 #include <limits>
 
 #include "link/line_settings.h"
-#include "link/open_error.h"
 #include "link/port_list.h"
 #include "link/port_name.h"
 
@@ -47,24 +46,6 @@ TEST(LineSettings, AByteTakesItsBitsOnTheLine) {
   EXPECT_EQ(line_time(5, {.baud_rate = 0}), nanoseconds(0));
   EXPECT_GT(line_time(std::numeric_limits<std::size_t>::max(), {.baud_rate = 1, .stop_bits = 255}),
             nanoseconds(0));
-}
-
-TEST(LineSettings, FaultsNameTheValue) {
-  EXPECT_EQ(settings_fault({}), "");
-  EXPECT_EQ(settings_fault({.data_bits = 5, .stop_bits = 2, .parity = 4, .flow_flags = 7}), "");
-  EXPECT_EQ(settings_fault({.baud_rate = 0}), "a baud rate of 0 is none");
-  EXPECT_EQ(settings_fault({.data_bits = 9}), "9 data bits are not between 5 and 8");
-  EXPECT_EQ(settings_fault({.stop_bits = 3}), "stop bit code 3 is not between 0 and 2");
-  EXPECT_EQ(settings_fault({.parity = 5}), "parity code 5 is not between 0 and 4");
-}
-
-TEST(OpenError, SaysWhatToDo) {
-  EXPECT_EQ(open_error(OpenError::not_found, "").text,
-            "No port is chosen. Choose one from the list of ports.");
-  EXPECT_EQ(open_error(OpenError::busy, "COM5").text,
-            "The port COM5 is in use by another program. Close that program, then open the port again.");
-  EXPECT_EQ(open_error(OpenError::bad_settings, "COM5", "a baud rate of 0 is none").text,
-            "The port COM5 cannot be set up as asked: a baud rate of 0 is none. Change the port's settings.");
 }
 
 }  // namespace
