@@ -55,11 +55,5 @@ TEST(ImageBlocks, RejectionFillsUpAndSpoilsTheChecksum) {
   EXPECT_THAT(writes(rejecting_chunks(image, 0, style)), ElementsAre(bytes({0, 0}), bytes({0xFF})));
 }
 
-TEST(ImageBlocks, BarPositionsOfTheLargestAndTheEmptyImage) {
-  EXPECT_EQ(bar_position(TransferKind::font, 255, 255), 100);
-  EXPECT_EQ(final_bar_position(TransferKind::firmware, 255), 0);
-  EXPECT_EQ(final_bar_position(TransferKind::firmware, 0), 100);
-}
-
 }  // namespace
 }  // namespace qv5123

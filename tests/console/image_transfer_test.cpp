@@ -52,7 +52,7 @@ class ImageTransferTest : public testing::Test {
     wire.sender.writes.push_back("|");
     wire.link.send_letter('?');
     wire.advance(100);
-    EXPECT_EQ(wire.sender.writes.back(), wire.sender.connected ? "?" : "|");
+    EXPECT_EQ(wire.sender.writes.back(), "?");
   }
   // The writes of the transfer.
   std::vector<std::string> sent() const {
@@ -153,24 +153,6 @@ TEST_F(ImageTransferTest, CancelTwiceStopsAndSaysWhatTheChipExpects) {
   const std::size_t blocks = sent().size() - 2;
   EXPECT_THAT(console, testing::EndsWith("still expects " + std::to_string(4 - blocks) +
                                          " blocks of 256 bytes and a checksum >"));
-}
-
-TEST_F(ImageTransferTest, ALostPortEndsItAtOnce) {
-  wire.sender.connected = false;
-  press(TransferKind::firmware);
-  run_to_end();
-  EXPECT_EQ(console, "\r\n< FIRMWARE not sent: the port is closed or lost >");
-  EXPECT_TRUE(user.opens.empty());
-
-  wire.sender.connected = true;
-  begin_font();
-  wire.advance(50);
-  wire.sender.connected = false;
-  run_to_end();
-  EXPECT_EQ(end, TransferEnd::lost);
-  EXPECT_THAT(console,
-              testing::EndsWith("< FONT broken off after 2 of 4 blocks: the port was closed or lost >"));
-  EXPECT_EQ(text, "");
 }
 
 TEST_F(ImageTransferTest, ALineThatStandsStillIsNoLostPort) {
