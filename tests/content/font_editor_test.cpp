@@ -32,20 +32,5 @@ TEST(FontEditor, UndoWalksBackThroughEveryKindOfStepAsFarAsItReaches) {
   EXPECT_EQ(undone, GlyphHistory::kSteps);
 }
 
-TEST(FontEditor, GlyphsThatAreNotThereAreNeitherChosenNorFilled) {
-  FontEditor editor;
-  editor.choose_page(4);
-  editor.select(256);
-  EXPECT_EQ(editor.selected_glyph(), 0);
-  editor.choose_page(3);
-  editor.select(255);
-  editor.fill(1022, {filled(1), filled(2), filled(3)});
-  EXPECT_EQ(editor.buffer(), filled(2)) << "the buffer follows its glyph";
-  editor.fill(-1, {filled(9)});
-  editor.fill(1024, {filled(9)});
-  editor.undo();
-  EXPECT_EQ(editor.library(), FontLibrary());
-}
-
 }  // namespace
 }  // namespace qv5123

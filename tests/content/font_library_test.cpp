@@ -67,22 +67,6 @@ TEST(FontText, LinesAreAsStated) {
   EXPECT_EQ(text.size(), 1024u * (24 * 37 + 4) + 4 * (10 + 90 * 2 + 156 * 3));
 }
 
-TEST(FontText, ImportLagsOneLineBehind) {
-  const auto original = patterned();
-  FontLibrary imported;
-  imported.set_glyph(1, Glyph(Glyph::Rows{7}));
-  import_font_text(export_font_text(original), imported);
-  EXPECT_EQ(imported.glyph(0), original.glyph(0));
-  for (int g = 1; g < FontLibrary::kGlyphs; ++g) {
-    auto expected = original.glyph(g).rows();
-    expected[0] = g == 1 ? 7 : 0;  // what the library held before
-    ASSERT_EQ(imported.glyph(g), Glyph(expected)) << g;
-    ASSERT_EQ(imported.record(g - 1).rows[24], pattern(g, 0)) << g;
-    ASSERT_EQ(imported.record(g).number, g % 256);
-    ASSERT_TRUE(imported.record(g).defined);
-  }
-}
-
 TEST(FontText, ImportOfBrokenTextStoresWhatFitsAndEnds) {
   const auto imported = [](const std::string& text) {
     FontLibrary library;

@@ -38,18 +38,6 @@ TEST_F(MultilineListTest, ARowIsAsTallAsItsTallestCell) {
   EXPECT_EQ(list_.row_height(2), line() + 5);
 }
 
-TEST_F(MultilineListTest, ShrinkingForgetsWhatIsBeyond) {
-  list_.set_cell_text(2, 4, "x");
-  list_.set_cell_text(0, 0, "kept");
-  list_.set_column_width(2, 30);
-  for (const auto& [columns, rows] : {std::pair{2, 4}, {3, 5}}) list_.set_size(columns, rows);
-  EXPECT_EQ(list_.cell_text(2, 4), " ");
-  EXPECT_EQ(list_.column_width(2), 100);
-  EXPECT_EQ(list_.cell_text(0, 0), "kept");
-  for (const int none : {-1, 7}) list_.set_cell_text(none, none, "nowhere");
-  EXPECT_EQ(list_.cell_text(7, 7), " ");
-}
-
 TEST_F(MultilineListTest, LinesScrollToRowBoundaries) {
   list_.set_size(3, 50);
   list_.set_cell_text(0, 1, "a\r\nb\r\nc");
