@@ -3,15 +3,17 @@
 
 #include <QFileDialog>
 #include <QMessageBox>
-#include <QProcess>
 #include <QPushButton>
 #include <QSpinBox>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "console/journal.h"
 #include "console/setting_file.h"
 #include "reliability/ui/real_program.h"
+#include "support/program.h"
 #include "support/program_posix.h"
 #include "support/temporary_folder.h"
 
@@ -45,15 +47,13 @@ TEST(Crash, OfTheKilledProgramTheNextStartOffersWhatWasUnsaved) {
   fs::copy(QV5123_SOURCE_DIR "/resources/sample.dat", folder / "board.dat");
   const fs::path kept = Journal::slot_file(folder / "journal", 1);
   qputenv(kFolder, QByteArray::fromStdString((folder / "").string()));
-  QProcess victim;
-  victim.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-  victim.start(QCoreApplication::applicationFilePath(),
-               {"--gtest_filter=Crash.DISABLED_Victim", "--gtest_also_run_disabled_tests"});
-  while (!fs::exists(kept) && !victim.waitForFinished(20)) {
+  test::Program victim(QCoreApplication::applicationFilePath().toStdString(),
+                       {"--gtest_filter=Crash.DISABLED_Victim", "--gtest_also_run_disabled_tests"});
+  for (int looks = 0; looks < 1500 && !fs::exists(kept); ++looks) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
-  ASSERT_TRUE(fs::exists(kept));
-  victim.kill();
-  victim.waitForFinished();
+  ASSERT_TRUE(fs::exists(kept)) << "within half a minute";
+  victim.end(SIGKILL);
 
   test::RealProgram next(folder / "", false);
   test::wait_until([] { return test::visible<QMessageBox>() != nullptr; });
