@@ -22,17 +22,23 @@ class TimedDevice final : public SerialDevice {
   Wait wait() override { return device_->wait(); }
   std::size_t read(std::span<std::uint8_t> buffer) override { return device_->read(buffer); }
   std::size_t write(std::span<const std::uint8_t> bytes) override {
-    note(Clock::now());
+    note(Clock::now(), bytes);
     return device_->write(bytes);
   }
 
   void start_over() {
     const std::lock_guard lock(mutex_);
-    writes_ = 0;
+    writes_ = wide_ = 0;
   }
   int writes() const {
     const std::lock_guard lock(mutex_);
     return writes_;
+  }
+  /// How many of the writes were accesses through the wide ports (registers 0x92 and 0x94), each of which is
+  /// followed by a wait.
+  int wide_accesses() const {
+    const std::lock_guard lock(mutex_);
+    return wide_;
   }
   /// From the first write since start_over() to the last, milliseconds.
   double elapsed() const {
@@ -41,8 +47,9 @@ class TimedDevice final : public SerialDevice {
   }
 
  private:
-  void note(Clock::time_point now) {
+  void note(Clock::time_point now, std::span<const std::uint8_t> bytes) {
     const std::lock_guard lock(mutex_);
+    if (bytes.size() > 3 && bytes[1] == '9' && (bytes[2] == '2' || bytes[2] == '4')) ++wide_;
     if (writes_++ == 0) first_ = now;
     last_ = now;
   }
@@ -50,6 +57,7 @@ class TimedDevice final : public SerialDevice {
   const std::unique_ptr<SerialDevice> device_;
   mutable std::mutex mutex_;
   int writes_ = 0;
+  int wide_ = 0;
   Clock::time_point first_;
   Clock::time_point last_;
 };
