@@ -221,6 +221,8 @@ void GammaChartView::paint_grid(QPainter& painter) const {
 void GammaChartView::paint_labels(QPainter& painter) const {
   painter.setFont(sized(font(), kLabelSize));
   const GammaCurve places = label_places();
+  // Short of the frame also where a small font is drawn wider than it measures.
+  constexpr double room = kGammaFrame.bottom - kGammaLabelY - 5;
   for (std::size_t i = 0; i < kGammaPoints; ++i) {
     painter.setPen(QPen(Qt::gray, 0));
     painter.drawLine(gamma_pixel(kGammaPositions[i], 0).x, kGammaPlot.bottom, places[i], kGammaLabelY - 1);
@@ -228,8 +230,12 @@ void GammaChartView::paint_labels(QPainter& painter) const {
     painter.save();
     painter.translate(places[i], kGammaLabelY);
     painter.rotate(90);
-    painter.drawText(QRectF(0, -kLabelSize, 30, 2 * kLabelSize), Qt::AlignLeft | Qt::AlignVCenter,
-                     QString::number(kGammaPositions[i]));
+    const QString text = QString::number(kGammaPositions[i]);
+    // Four digits of some fonts are longer than the margin.
+    const double width = painter.fontMetrics().horizontalAdvance(text);
+    painter.scale(std::min(1.0, room / width), 1);
+    painter.drawText(QRectF(0, -kLabelSize, width + 1, 2 * kLabelSize), Qt::AlignLeft | Qt::AlignVCenter,
+                     text);
     painter.restore();
   }
 }
