@@ -11,10 +11,6 @@ namespace qv5123 {
 namespace {
 
 /// File names need not be UTF-8.
-std::string dumped(const Json& json, int indent) {
-  return json.dump(indent, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
 /// Bytes of the UTF-8 character that `text` begins with; of what is none, one.
 std::size_t character_size(std::string_view text) {
   const auto first = static_cast<unsigned char>(text[0]);
@@ -31,10 +27,26 @@ bool is_control(std::string_view character) {
   return (code < 0x20 && code != '\n' && code != '\t') || (code >= 0x7F && code < 0xA0);
 }
 
-std::string escaped(char c) {
-  char text[8];
-  std::snprintf(text, sizeof text, "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(c)));
+/// `code_format` takes the code of a control character.
+std::string without_controls(std::string_view utf8, const char* code_format) {
+  std::string text;
+  while (!utf8.empty()) {
+    const std::string_view character = utf8.substr(0, character_size(utf8));
+    if (is_control(character) && !utf8.starts_with("\r\n")) {
+      char code[8];
+      std::snprintf(code, sizeof code, code_format, static_cast<unsigned char>(character.back()));
+      text += code;
+    } else {
+      text += character;
+    }
+    utf8.remove_prefix(character.size());
+  }
   return text;
+}
+
+/// JSON leaves some control characters as they are.
+std::string dumped(const Json& json, int indent) {
+  return without_controls(json.dump(indent, ' ', false, Json::error_handler_t::replace), "\\u%04x") + "\n";
 }
 
 }  // namespace
@@ -95,17 +107,7 @@ ExitCode Output::end(ExitCode code) {
 }
 
 std::string visible(std::string_view utf8) {
-  std::string text;
-  while (!utf8.empty()) {
-    const std::string_view character = utf8.substr(0, character_size(utf8));
-    if (is_control(character) && !utf8.starts_with("\r\n")) {
-      text += escaped(character.back());
-    } else {
-      text += character;
-    }
-    utf8.remove_prefix(character.size());
-  }
-  return text;
+  return without_controls(utf8, "\\x%02x");
 }
 
 std::string printable(std::string_view latin1) {

@@ -45,6 +45,11 @@ TEST_F(CtlTest, RegisterFiles) {
   copy_resource("regu.xml");
   EXPECT_EQ(ctl({"reg", "list", "--find", "gain_max_h"}).out,
             "Auto exposure  0xFA0A  GAIN_MAX_H  [7:0] HIGH\n");
+  std::string odd = folder.read("regu.xml");
+  odd[odd.find(std::string("G\0A\0I\0N\0_\0M\0A\0X\0_\0H", 19))] = '\x9B';
+  folder.write("odd.xml", odd);
+  EXPECT_THAT(ctl({"--json", "reg", "list", "--description", "odd.xml", "--find", "ain_max_h"}).out,
+              HasSubstr("\"\\u009bAIN_MAX_H\""));
 
   plug_in();
   EXPECT_EQ(on_board({"reg", "save", "regs.txt", "--category", "Auto exposure"}).code, 0);
