@@ -168,16 +168,16 @@ void CDlgIspLSC::set_flicker(int mode) {
 
 void CDlgIspLSC::start_calibration() {
   take_typed_text(this);
-  if (calibrating_.running()) return;
-  if (picker_->chip_was_away()) {
-    return spawn(host().prompts().message({"Calibration stopped: " + std::string(kPickerChipWasAway)}));
-  }
-  calibrating_.start(calibrate());
+  if (!calibrating_.running()) calibrating_.start(calibrate());
 }
 
 Task<> CDlgIspLSC::calibrate() {
   // A line that was typed in last is the one to measure along.
   co_await picker_->arrive();
+  if (picker_->chip_was_away()) {
+    spawn(host().prompts().message({"Calibration stopped: " + std::string(kPickerChipWasAway)}));
+    co_return;
+  }
   log_->clear();
   picker_->enable_keys(false);
   calibration_ = {};
