@@ -208,7 +208,11 @@ Task<std::optional<std::string>> CommandLink::next_block(std::chrono::millisecon
 Task<std::optional<std::string>> CommandLink::request(Batch request, std::chrono::milliseconds timeout) {
   const Turn turn = co_await this->turn();
   const JobResult sent = co_await send_request(std::move(request));
-  if (sent.chunks_sent == 0) co_return std::nullopt;
+  if (sent.chunks_sent == 0) {
+    // What is left of an earlier answer says nothing of this request.
+    reply_.forget();
+    co_return std::nullopt;
+  }
   std::optional<std::string> block = co_await next_block(timeout);
   for (int more = 0; !block && reply_.state() == ReplyBuffer::State::in_block && more < kMoreWaits; ++more) {
     block = co_await next_block(timeout);

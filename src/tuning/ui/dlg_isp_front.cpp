@@ -328,6 +328,7 @@ Task<> CDlgIspFront::play(std::string text) {
     if (!step.batch.empty()) sent.emplace(link().send(std::move(step.batch)));
   }
 }
+
 /// Texts bring their own line breaks and may end within a line.
 void CDlgIspFront::append_text(const std::string& text) {
   QTextCursor end(text_->document());

@@ -154,6 +154,12 @@ TEST_F(FrontPage, AnswersGoToTheMainConsoleAndTheFieldThatAsked) {
   EXPECT_TRUE(
       host_.console.ends_with("0xB2\r\nDump 0xF100..0xF1FA: the answer is too long, it can hold 250 "
                               "registers.\r\n"));
+  host_.console.clear();
+  fake_.sender.connected = false;
+  user_.click("Dump");
+  wire();
+  EXPECT_EQ(host_.console, "") << "the answer to the dump before is none to this one";
+  fake_.sender.connected = true;
   user_.click("Read(2Byte)");
   EXPECT_EQ(wire(), "@9700*@9700*");
 }
