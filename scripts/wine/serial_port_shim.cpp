@@ -35,27 +35,17 @@ int open_exclusively(const char* name, int flags, mode_t mode) {
   return -1;
 }
 
-mode_t mode_of(int flags, va_list arguments) {
-  return (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
-}
-
 }  // namespace
 
 extern "C" int open(const char* name, int flags, ...) {
   va_list arguments;
   va_start(arguments, flags);
-  const mode_t mode = mode_of(flags, arguments);
+  const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
   return open_exclusively(name, flags, mode);
 }
 
-extern "C" int open64(const char* name, int flags, ...) {
-  va_list arguments;
-  va_start(arguments, flags);
-  const mode_t mode = mode_of(flags, arguments);
-  va_end(arguments);
-  return open_exclusively(name, flags, mode);
-}
+extern "C" int open64(const char*, int, ...) __attribute__((alias("open")));
 
 extern "C" int ioctl(int fd, unsigned long request, ...) noexcept {
   static const auto real = next<int(int, unsigned long, ...)>("ioctl");
