@@ -133,7 +133,7 @@ void CDlgIspRegister::make_list() {
   list_->horizontalHeader()->setSectionResizeMode(RegisterListModel::kName, QHeaderView::Stretch);
   const QItemSelectionModel* selection = list_->selectionModel();
   connect(selection, &QItemSelectionModel::selectionChanged, this, &CDlgIspRegister::follow_selection);
-  // A click on one of several selected rows selects nothing new.
+  // A row that is found by typing is selected before it is current.
   connect(selection, &QItemSelectionModel::currentRowChanged, this, &CDlgIspRegister::follow_selection);
   connect(list_, &QTableView::doubleClicked, this, [this](const QModelIndex& index) {
     if (index.row() == desk_.sheet().current_row()) desk_.read();

@@ -61,6 +61,13 @@ TEST_F(MatrixPage, MeasuresPatchAfterPatch) {
   EXPECT_EQ(user_.number("X Pos"), 461) << "the start of the next row";
   EXPECT_EQ(user_.number("Y Pos"), 640);
 
+  user_.type("Y Pos", 650);
+  user_.click("GET COLOR");
+  user_.click(kPatchCaptions[9]);
+  fake_.advance(2000);
+  EXPECT_EQ(user_.number(patch(6, "B")), 30) << "the patch that was chosen as the button was pressed";
+  EXPECT_EQ(user_.number(patch(9, "B")), 0);
+
   fake_.link.connection_changed();
   user_.click("GET COLOR");
   EXPECT_TRUE(host_.last_status().ends_with(kPickerChipWasAway)) << "its picker may be off";
@@ -80,6 +87,12 @@ TEST_F(MatrixPage, CalculatesOnlyWithGrey) {
   const std::vector<QString> identity{"0x0400", "0x0000", "0x0000", "0x0000", "0x0400",
                                       "0x0000", "0x0000", "0x0000", "0x0400"};
   EXPECT_EQ(codes(), identity);
+  user_.type("Correction Ratio", 100);
+  user_.click("Calculate");
+  EXPECT_EQ(codes(), std::vector<QString>(9, "0x0000")) << "greys alone determine nothing";
+  user_.type("R from R", QString("0x0500"));
+  user_.click("Row R Set");
+  EXPECT_EQ(codes()[1], "0x1F00") << "what stood there as 0 counts as 0";
 
   user_.click("Clear");
   EXPECT_EQ(codes(), std::vector<QString>(9));
