@@ -131,10 +131,8 @@ void CDlgIspRegister::make_list() {
   list_->setFixedWidth(width);
   // Where there is no scroll bar, names have its room.
   list_->horizontalHeader()->setSectionResizeMode(RegisterListModel::kName, QHeaderView::Stretch);
-  const QItemSelectionModel* selection = list_->selectionModel();
-  connect(selection, &QItemSelectionModel::selectionChanged, this, &CDlgIspRegister::follow_selection);
-  // A row that is found by typing is selected before it is current.
-  connect(selection, &QItemSelectionModel::currentRowChanged, this, &CDlgIspRegister::follow_selection);
+  connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+          &CDlgIspRegister::follow_selection);
   connect(list_, &QTableView::doubleClicked, this, [this](const QModelIndex& index) {
     if (index.row() == desk_.sheet().current_row()) desk_.read();
   });
@@ -258,6 +256,7 @@ void CDlgIspRegister::connect_edits() {
 
 void CDlgIspRegister::follow_selection() {
   if (showing_selection_) return;
+  // Not what is newly selected: a click on one of several selected rows only takes the others away.
   const QModelIndex current = list_->currentIndex();
   if (current.isValid() && list_->selectionModel()->isRowSelected(current.row())) {
     desk_.select_row(current.row());
