@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "console/atomic_file.h"
+#include "base/atomic_file.h"
 #include "content/flash_image.h"
 #include "content/font_geometry.h"
 #include "content/font_text.h"

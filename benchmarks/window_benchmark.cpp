@@ -17,12 +17,12 @@
 #include <cstdlib>
 #include <string>
 
-#include "console/font_search.h"
-#include "console/ui/frame.h"
-#include "console/ui/main_pages.h"
-#include "console/ui/page_area.h"
-#include "console/ui/program.h"
-#include "console/ui/qv5123_view.h"
+#include "app/font_search.h"
+#include "app/ui/frame.h"
+#include "app/ui/main_pages.h"
+#include "app/ui/page_area.h"
+#include "app/ui/program.h"
+#include "app/ui/qv5123_view.h"
 #include "simulator/simulated_board.h"
 #include "window_measurements.h"
 

@@ -13,9 +13,9 @@
 #include <functional>
 #include <map>
 
-#include "console/ui/console_view.h"
-#include "console/ui/page_area.h"
-#include "console/ui/qv5123_view.h"
+#include "app/ui/console_view.h"
+#include "app/ui/page_area.h"
+#include "app/ui/qv5123_view.h"
 #include "registers/ui/dlg_isp_register.h"
 #include "tuning/gamma_chart.h"
 #include "tuning/ui/gamma_chart_view.h"

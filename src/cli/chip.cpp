@@ -2,7 +2,8 @@
 
 #include <utility>
 
-#include "console/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/delay.h"
 #include "link/reply_text.h"
 #include "link/system_serial_device.h"
 #include "simulator/simulated_board.h"
@@ -99,7 +100,8 @@ Task<std::string> Chip::ask(Batch request, std::string what) {
 Task<> Chip::send(Traffic traffic) {
   const std::size_t flushes = traffic.size();
   const JobResult result = co_await link().send(std::move(traffic));
-  if (result.failed || result.chunks_sent < flushes) throw Complaint{kPortFailed, session_->name() + " took no more"};
+  if (result.failed || result.chunks_sent < flushes)
+    throw Complaint{kPortFailed, session_->name() + " took no more"};
 }
 
 Task<bool> Chip::send_and_listen(Batch batch) {

@@ -7,11 +7,11 @@
 #include <optional>
 #include <string>
 
+#include "base/background.h"
+#include "base/loop_scheduler.h"
 #include "cli/context.h"
 #include "cli/interrupts.h"
 #include "cli/trace_device.h"
-#include "link/background.h"
-#include "link/loop_scheduler.h"
 #include "link/port_session.h"
 
 namespace qv5123 {

@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <array>
 
+#include "base/atomic_file.h"
 #include "cli/command.h"
 #include "cli/csv.h"
 #include "cli/files.h"
 #include "cli/numbers.h"
-#include "console/atomic_file.h"
 #include "tuning/gamma_curve.h"
 #include "tuning/lens_fit.h"
 #include "tuning/patch_report.h"

@@ -1,11 +1,12 @@
 #include <utility>
 
+#include "base/delay.h"
+#include "base/latin1.h"
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/headless_host.h"
 #include "console/image_transfer.h"
-#include "console/latin1.h"
 #include "console/setting_file.h"
 
 namespace qv5123 {

@@ -1,7 +1,7 @@
 #include "cli/files.h"
 
+#include "base/atomic_file.h"
 #include "cli/complaint.h"
-#include "console/atomic_file.h"
 #include "console/decimal_numbers.h"
 #include "console/setting_file.h"
 

@@ -1,7 +1,7 @@
+#include "base/atomic_file.h"
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/numbers.h"
-#include "console/atomic_file.h"
 #include "content/flash_image.h"
 #include "content/flash_inspection.h"
 

@@ -2,10 +2,10 @@
 #include <cstdio>
 #include <string_view>
 
+#include "base/atomic_file.h"
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/numbers.h"
-#include "console/atomic_file.h"
 #include "content/font_library.h"
 #include "content/font_text.h"
 

@@ -5,9 +5,9 @@
 #include <future>
 #include <thread>
 
+#include "base/handle_win32.h"
 #include "cli/line_input.h"
 #include "cli/line_splitter.h"
-#include "link/handle_win32.h"
 
 namespace qv5123 {
 

@@ -5,13 +5,13 @@
 #include <optional>
 #include <utility>
 
+#include "base/atomic_file.h"
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/line_input.h"
 #include "cli/line_splitter.h"
 #include "cli/reply_meaning.h"
 #include "cli/throttle.h"
-#include "console/atomic_file.h"
 
 namespace qv5123 {
 namespace {

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "base/elided.h"
 #include "cli/complaint.h"
-#include "console/elided.h"
 
 namespace qv5123 {
 namespace {

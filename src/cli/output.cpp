@@ -4,8 +4,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "base/latin1.h"
 #include "cli/terminal.h"
-#include "console/latin1.h"
 
 namespace qv5123 {
 namespace {

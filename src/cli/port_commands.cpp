@@ -1,5 +1,5 @@
+#include "base/atomic_file.h"
 #include "cli/command.h"
-#include "console/atomic_file.h"
 #include "link/port_list.h"
 
 namespace qv5123 {

@@ -4,6 +4,7 @@
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/numbers.h"
+#include "link/indirect_access.h"
 #include "tuning/raw_access.h"
 
 namespace qv5123 {

@@ -1,10 +1,11 @@
 #include <utility>
 
+#include "base/utf8.h"
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/numbers.h"
-#include "cli/utf8.h"
+#include "link/indirect_access.h"
 #include "link/reply_text.h"
 #include "registers/register_file.h"
 #include "registers/register_loader.h"

@@ -3,6 +3,7 @@
 #include <variant>
 
 #include "cli/tuning_page.h"
+#include "link/indirect_access.h"
 
 namespace qv5123 {
 namespace {

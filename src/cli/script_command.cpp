@@ -3,10 +3,10 @@
 #include <string_view>
 #include <utility>
 
+#include "base/atomic_file.h"
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/files.h"
-#include "console/atomic_file.h"
 #include "link/reply_text.h"
 #include "tuning/register_script.h"
 

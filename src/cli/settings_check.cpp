@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "base/elided.h"
 #include "cli/output.h"
-#include "console/elided.h"
 
 namespace qv5123 {
 namespace {

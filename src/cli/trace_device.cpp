@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <utility>
 
+#include "base/atomic_file.h"
+#include "base/hex.h"
 #include "cli/complaint.h"
-#include "console/atomic_file.h"
-#include "simulator/hex_text.h"
 
 namespace qv5123 {
 namespace {
@@ -53,7 +53,7 @@ void Trace::note(char direction, std::span<const std::uint8_t> bytes) {
   std::string line = head;
   std::string characters;
   for (const std::uint8_t byte : bytes) {
-    line += ' ' + hex_text(byte);
+    line += ' ' + lower_hex(byte);
     characters += shown(byte);
   }
   const std::lock_guard lock(mutex_);

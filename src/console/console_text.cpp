@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "console/latin1.h"
+#include "base/latin1.h"
 
 namespace qv5123 {
 namespace {

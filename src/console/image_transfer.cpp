@@ -6,7 +6,8 @@
 #include <system_error>
 #include <utility>
 
-#include "console/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/delay.h"
 #include "console/setting_file.h"
 
 namespace qv5123 {

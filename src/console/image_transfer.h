@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "base/background.h"
 #include "console/document.h"
 #include "console/image_blocks.h"
 #include "console/prompts.h"
-#include "link/background.h"
 #include "link/command_link.h"
 
 namespace qv5123 {

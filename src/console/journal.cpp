@@ -3,7 +3,8 @@
 #include <system_error>
 #include <utility>
 
-#include "console/elided.h"
+#include "base/delay.h"
+#include "base/elided.h"
 #include "console/setting_file.h"
 #include "link/command_link.h"
 

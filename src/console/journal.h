@@ -7,12 +7,12 @@
 #include <optional>
 #include <string>
 
-#include "console/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/background.h"
+#include "base/scheduler.h"
+#include "base/task.h"
 #include "console/journal_entry.h"
 #include "console/prompts.h"
-#include "link/background.h"
-#include "link/scheduler.h"
-#include "link/task.h"
 
 namespace qv5123 {
 

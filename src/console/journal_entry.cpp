@@ -7,7 +7,7 @@
 #include <exception>
 #include <vector>
 
-#include "console/atomic_file.h"
+#include "base/atomic_file.h"
 #include "console/decimal_numbers.h"
 #include "console/setting_file.h"
 

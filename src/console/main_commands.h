@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "console/user_data_image.h"
+#include "link/indirect_access.h"
 #include "link/register_write.h"
 
 namespace qv5123 {

@@ -3,11 +3,11 @@
 #include <optional>
 #include <string>
 
+#include "base/background.h"
+#include "base/scheduler.h"
 #include "console/document.h"
 #include "console/prompts.h"
-#include "link/background.h"
 #include "link/command_link.h"
-#include "link/scheduler.h"
 
 namespace qv5123 {
 

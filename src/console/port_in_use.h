@@ -4,11 +4,11 @@
 #include <optional>
 #include <string>
 
+#include "base/scheduler.h"
+#include "base/task.h"
 #include "console/prompts.h"
 #include "link/port_settings.h"
-#include "link/scheduler.h"
 #include "link/serial_device.h"
-#include "link/task.h"
 
 namespace qv5123 {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "link/task.h"
+#include "base/task.h"
 
 namespace qv5123 {
 

@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <string>
 
-#include "console/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/background.h"
 #include "console/user_data_image.h"
-#include "link/background.h"
 
 namespace qv5123 {
 

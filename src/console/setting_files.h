@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "console/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/background.h"
 #include "console/document.h"
 #include "console/page_host.h"
 #include "console/prompts.h"
-#include "link/background.h"
 
 namespace qv5123 {
 

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "console/latin1.h"
+#include "base/latin1.h"
 #include "link/reply_text.h"
 
 namespace qv5123 {

@@ -4,7 +4,7 @@
 #include <system_error>
 #include <vector>
 
-#include "console/atomic_file.h"
+#include "base/atomic_file.h"
 #include "console/decimal_numbers.h"
 
 namespace qv5123 {

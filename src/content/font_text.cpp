@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 
+#include "base/hex.h"
 #include "link/register_write.h"
 
 namespace qv5123 {

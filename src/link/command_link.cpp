@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "base/delay.h"
+#include "link/indirect_access.h"
+
 namespace qv5123 {
 namespace {
 

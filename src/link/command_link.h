@@ -9,11 +9,12 @@
 #include <string>
 #include <utility>
 
+#include "base/delay.h"
+#include "base/scheduler.h"
+#include "base/task.h"
 #include "link/register_write.h"
 #include "link/reply_buffer.h"
-#include "link/scheduler.h"
 #include "link/sender.h"
-#include "link/task.h"
 
 namespace qv5123 {
 
@@ -182,32 +183,6 @@ class CommandLink::Admission {
   CommandLink& link_;
   std::shared_ptr<Request> request_;
   bool consumed_ = false;
-};
-
-/// Resumes its awaiter after a delay; dropping it cancels the timer.
-class Delay {
- public:
-  Delay(Scheduler& scheduler, std::chrono::milliseconds delay) : scheduler_(scheduler), delay_(delay) {}
-  Delay(const Delay&) = delete;
-  Delay& operator=(const Delay&) = delete;
-  ~Delay() {
-    if (waiting_) scheduler_.cancel(timer_);
-  }
-  bool await_ready() const { return false; }
-  void await_suspend(std::coroutine_handle<> waiter) {
-    waiting_ = true;
-    timer_ = scheduler_.call_after(delay_, [this, waiter] {
-      waiting_ = false;
-      waiter.resume();
-    });
-  }
-  void await_resume() const {}
-
- private:
-  Scheduler& scheduler_;
-  std::chrono::milliseconds delay_;
-  Scheduler::TimerId timer_ = 0;
-  bool waiting_ = false;
 };
 
 }  // namespace qv5123

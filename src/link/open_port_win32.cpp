@@ -2,8 +2,8 @@
 
 #include <windows.h>
 
+#include "base/text_win32.h"
 #include "link/open_error.h"
-#include "link/text_win32.h"
 
 namespace qv5123 {
 

@@ -7,12 +7,12 @@
 
 #include <array>
 
-#include "link/handle_win32.h"
+#include "base/handle_win32.h"
+#include "base/text_win32.h"
 #include "link/open_error.h"
 #include "link/open_port_win32.h"
 #include "link/port_list.h"
 #include "link/port_name.h"
-#include "link/text_win32.h"
 
 namespace qv5123 {
 namespace {

@@ -3,10 +3,10 @@
 #include <atomic>
 #include <functional>
 
+#include "base/scheduler.h"
+#include "base/worker_thread.h"
 #include "link/comm_port.h"
-#include "link/scheduler.h"
 #include "link/sender.h"
-#include "link/worker_thread.h"
 
 namespace qv5123 {
 

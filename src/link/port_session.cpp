@@ -3,6 +3,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/delay.h"
+
 namespace qv5123 {
 
 PortSession::PortSession(Scheduler& scheduler, std::unique_ptr<SerialDevice> device, PortSessionEvents events,

@@ -6,11 +6,11 @@
 #include <memory>
 #include <string>
 
+#include "base/scheduler.h"
+#include "base/task.h"
 #include "link/comm_port.h"
 #include "link/command_link.h"
 #include "link/port_sender.h"
-#include "link/scheduler.h"
-#include "link/task.h"
 
 namespace qv5123 {
 

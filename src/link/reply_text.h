@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "base/hex.h"
 #include "link/register_write.h"
 
 namespace qv5123 {

@@ -2,15 +2,15 @@
 
 #include <mutex>
 
+#include "base/handle_win32.h"
+#include "base/text_win32.h"
 #include "link/device_gate.h"
-#include "link/handle_win32.h"
 #include "link/line_settings.h"
 #include "link/open_error.h"
 #include "link/open_port_win32.h"
 #include "link/port_name.h"
 #include "link/serial_line_win32.h"
 #include "link/system_serial_device.h"
-#include "link/text_win32.h"
 
 namespace qv5123 {
 namespace {

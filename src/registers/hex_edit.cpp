@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/hex.h"
 #include "link/register_write.h"
 #include "registers/reg_description.h"
 

@@ -4,7 +4,8 @@
 #include <system_error>
 #include <utility>
 
-#include "console/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/hex.h"
 #include "link/register_write.h"
 #include "registers/reg_scanner.h"
 

@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "link/indirect_access.h"
 #include "registers/register_file.h"
 
 namespace qv5123 {

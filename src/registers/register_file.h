@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "console/atomic_file.h"
-#include "link/background.h"
+#include "base/atomic_file.h"
+#include "base/background.h"
 #include "registers/reg_description.h"
 
 namespace qv5123 {

@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include "link/indirect_access.h"
+
 namespace qv5123 {
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
+#include "base/hex.h"
 #include "link/register_write.h"
-#include "simulator/hex_text.h"
 
 namespace qv5123 {
 namespace {
@@ -69,9 +69,9 @@ std::string boot_banner(const ChipState& chip) {
 std::string version_reply(const ChipState& chip) {
   std::string text;
   for (std::size_t i = 0; i < 3 * kVersionDigits; ++i) {
-    text += hex_text(chip.user_data.entry(kVersionEntries + i));
+    text += lower_hex(chip.user_data.entry(kVersionEntries + i));
   }
-  for (const char c : std::string_view(kSerialNumber)) text += hex_text(static_cast<unsigned char>(c));
+  for (const char c : std::string_view(kSerialNumber)) text += lower_hex(static_cast<unsigned char>(c));
   return text;
 }
 
@@ -79,11 +79,11 @@ std::string dump_text(const ChipState& chip, std::uint16_t start, std::uint16_t 
   const unsigned first = start & 0xFFFu;
   const unsigned last = end & 0xFFFu;
   if (last < first) {
-    return "\r\ndump: 0xF" + upper_hex_text(last, 3) + " lies before 0xF" + upper_hex_text(first, 3) + "\r\n";
+    return "\r\ndump: 0xF" + upper_hex(last, 3) + " lies before 0xF" + upper_hex(first, 3) + "\r\n";
   }
   std::string text = "\r\n";
   for (unsigned address = first; address <= last; ++address) {
-    text += "0xF" + upper_hex_text(address, 3) + " = 0x" + upper_hex_text(chip.isp[address]) + "\r\n";
+    text += "0xF" + upper_hex(address, 3) + " = 0x" + upper_hex(chip.isp[address]) + "\r\n";
   }
   return text;
 }
@@ -104,18 +104,18 @@ std::string awb_info_text(const ChipState& chip) {
 }
 
 std::string ae_info_reply(const ChipState& chip) {
-  std::string text = hex_text(chip.direct[reg::kAeTask] != 0 ? 1 : 0);
+  std::string text = lower_hex(chip.direct[reg::kAeTask] != 0 ? 1 : 0);
   for (const std::size_t entry : {288u, 288u, 289u, 285u, 286u, 287u}) {
-    text += hex_text(chip.user_data.entry(entry));
+    text += lower_hex(chip.user_data.entry(entry));
   }
   return text;
 }
 
 std::string awb_info_reply(const ChipState& chip) {
   const std::size_t weights = awb_weights(chip);
-  return hex_text(chip.direct[reg::kAwbTask] != 0 ? 1 : 0) + hex_text(chip.direct[kLightSource]) +
-         hex_text(static_cast<unsigned>(chip.user_data.word(weights)), 4) +
-         hex_text(static_cast<unsigned>(chip.user_data.word(weights + 2)), 4);
+  return lower_hex(chip.direct[reg::kAwbTask] != 0 ? 1 : 0) + lower_hex(chip.direct[kLightSource]) +
+         lower_hex(static_cast<unsigned>(chip.user_data.word(weights)), 4) +
+         lower_hex(static_cast<unsigned>(chip.user_data.word(weights + 2)), 4);
 }
 
 }  // namespace qv5123

@@ -1,5 +1,7 @@
 #include "simulator/frame_parser.h"
 
+#include "base/hex.h"
+
 namespace qv5123 {
 namespace {
 

@@ -1,5 +1,7 @@
 #include "simulator/indirect_ports.h"
 
+#include "link/indirect_access.h"
+
 namespace qv5123 {
 
 using Kind = PortAccess::Kind;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "link/indirect_access.h"
 #include "simulator/write_run.h"
 
 namespace qv5123 {

@@ -1,6 +1,6 @@
 #include "simulator/page_replies.h"
 
-#include "simulator/hex_text.h"
+#include "base/hex.h"
 
 namespace qv5123 {
 namespace {
@@ -9,7 +9,7 @@ namespace {
 constexpr std::uint8_t kBlackAndWhite = 2;
 
 std::string entry(const ChipState& chip, std::size_t index) {
-  return hex_text(chip.user_data.entry(index));
+  return lower_hex(chip.user_data.entry(index));
 }
 
 /// The entries first..last.
@@ -27,7 +27,7 @@ struct Flag {
 std::string flags(const ChipState& chip, std::initializer_list<Flag> list) {
   unsigned byte = 0;
   for (const Flag& flag : list) byte |= (chip.direct[flag.address] != 0 ? 1u : 0u) << flag.bit;
-  return hex_text(byte);
+  return lower_hex(byte);
 }
 
 std::string gamma_reply(const ChipState& chip) {
@@ -59,7 +59,7 @@ std::string dynamic_reply(const ChipState& chip) {
   }
   text += entries(chip, 376, 381) + entries(chip, 436, 438) + entry(chip, 478) + entry(chip, 439);
   text += entries(chip, 201, 212) + entry(chip, 583);
-  text += hex_text(chip.user_data.entry(462) == kBlackAndWhite ? 1 : 0);
+  text += lower_hex(chip.user_data.entry(462) == kBlackAndWhite ? 1 : 0);
   return text + entry(chip, 454);
 }
 

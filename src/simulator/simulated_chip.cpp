@@ -4,10 +4,11 @@
 #include <string_view>
 #include <utility>
 
+#include "base/hex.h"
+#include "link/indirect_access.h"
 #include "simulator/camera_registers.h"
 #include "simulator/chip_defaults.h"
 #include "simulator/chip_texts.h"
-#include "simulator/hex_text.h"
 #include "simulator/settings_registers.h"
 
 namespace qv5123 {
@@ -44,15 +45,15 @@ std::string blocks_text(std::size_t count) {
 }
 
 std::string isp_name(std::uint16_t address) {
-  return "ISP 0xF" + upper_hex_text(address, 3);
+  return "ISP 0xF" + upper_hex(address, 3);
 }
 
 std::string hex_byte(unsigned value) {
-  return "0x" + upper_hex_text(value);
+  return "0x" + upper_hex(value);
 }
 
 std::string hex_word(unsigned value) {
-  return "0x" + upper_hex_text(value, 4);
+  return "0x" + upper_hex(value, 4);
 }
 
 /// Registers that the flash holds valid values for start with those.
@@ -283,17 +284,17 @@ void SimulatedChip::access(const PortAccess& access) {
       break;
     case PortAccess::Kind::isp_read:
       trace("  " + isp_name(address) + " is " + hex_byte(state_.isp[address]));
-      reply(hex_text(state_.isp[address]));
+      reply(lower_hex(state_.isp[address]));
       break;
     case PortAccess::Kind::isp_wide_read:
-      reply(hex_text(state_.isp[address]) + hex_text(state_.isp[(address + 1) & 0xFFF]));
+      reply(lower_hex(state_.isp[address]) + lower_hex(state_.isp[(address + 1) & 0xFFF]));
       break;
     case PortAccess::Kind::sensor_write:
       trace("  sensor " + hex_word(access.address) + " <- " + hex_word(access.value));
       state_.sensor[access.address] = access.value;
       break;
     case PortAccess::Kind::sensor_read:
-      reply(hex_text(state_.sensor[access.address], 4));
+      reply(lower_hex(state_.sensor[access.address], 4));
       break;
     case PortAccess::Kind::dump:
       say(dump_text(state_, access.address, access.value));

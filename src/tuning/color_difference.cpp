@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "link/saturate.h"
+#include "base/saturate.h"
 
 namespace qv5123 {
 namespace {

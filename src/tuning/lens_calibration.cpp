@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/delay.h"
 #include "tuning/picker_flow.h"
 
 namespace qv5123 {

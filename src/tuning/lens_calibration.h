@@ -3,8 +3,8 @@
 #include <functional>
 #include <string>
 
+#include "base/task.h"
 #include "link/command_link.h"
-#include "link/task.h"
 #include "tuning/lens_fit.h"
 
 namespace qv5123 {

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "link/saturate.h"
+#include "base/saturate.h"
 #include "tuning/linear_solve.h"
 
 namespace qv5123 {

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cstdio>
 
-#include "link/saturate.h"
+#include "base/saturate.h"
 #include "tuning/full_save.h"
 
 namespace qv5123 {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/task.h"
 #include "link/command_link.h"
-#include "link/task.h"
 #include "tuning/matrix.h"
 
 namespace qv5123 {

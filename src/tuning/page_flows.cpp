@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "base/delay.h"
 #include "link/reply_text.h"
 
 namespace qv5123 {

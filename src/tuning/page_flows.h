@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
+#include "base/task.h"
 #include "console/page_host.h"
 #include "link/register_write.h"
-#include "link/task.h"
 
 /// What the tuning pages do alike: read their settings back from the chip, and save them on it.
 namespace qv5123 {

@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "base/task.h"
 #include "link/command_link.h"
-#include "link/task.h"
 #include "tuning/picker.h"
 
 namespace qv5123 {

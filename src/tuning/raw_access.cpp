@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <vector>
 
+#include "base/hex.h"
+#include "link/indirect_access.h"
 #include "link/reply_buffer.h"
 #include "link/reply_text.h"
 

@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "link/indirect_access.h"
+
 namespace qv5123 {
 namespace {
 

@@ -6,6 +6,7 @@
 #include <istream>
 #include <memory>
 
+#include "base/hex.h"
 #include "link/register_write.h"
 
 namespace qv5123 {

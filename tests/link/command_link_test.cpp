@@ -1,7 +1,9 @@
 #include "link/command_link.h"
+#include "base/delay.h"
 
 #include <gtest/gtest.h>
 
+#include "link/indirect_access.h"
 #include "support/fake_wire.h"
 
 namespace qv5123 {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/loop_scheduler.h"
 #include "link/in_process_device.h"
-#include "link/loop_scheduler.h"
 
 namespace qv5123 {
 namespace {

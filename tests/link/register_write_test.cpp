@@ -1,4 +1,5 @@
 #include "link/register_write.h"
+#include "link/indirect_access.h"
 
 #include <gtest/gtest.h>
 

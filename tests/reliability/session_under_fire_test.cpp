@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
+#include "base/background.h"
+#include "base/loop_scheduler.h"
 #include "console/image_transfer.h"
-#include "link/background.h"
-#include "link/loop_scheduler.h"
 #include "link/port_session.h"
 #include "simulator/simulated_board.h"
 #include "support/fake_prompts.h"

@@ -1,4 +1,5 @@
 #include "simulator/camera.h"
+#include "link/indirect_access.h"
 
 #include <gtest/gtest.h>
 

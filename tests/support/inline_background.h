@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/background.h"
+#include "base/background.h"
 
 namespace qv5123::test {
 

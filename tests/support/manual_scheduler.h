@@ -5,7 +5,7 @@
 #include <map>
 #include <utility>
 
-#include "link/scheduler.h"
+#include "base/scheduler.h"
 
 namespace qv5123::test {
 

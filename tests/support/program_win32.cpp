@@ -5,8 +5,8 @@
 #include <thread>
 #include <utility>
 
-#include "link/handle_win32.h"
-#include "link/text_win32.h"
+#include "base/handle_win32.h"
+#include "base/text_win32.h"
 #include "support/program.h"
 
 namespace qv5123::test {

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <string>
 
-#include "console/atomic_file.h"
+#include "base/atomic_file.h"
 
 namespace qv5123::test {
 

@@ -6,7 +6,7 @@
 #include <QFileDialog>
 #include <QMessageBox>
 
-#include "link/ui/qt_text.h"
+#include "base/ui/qt_text.h"
 
 namespace qv5123 {
 namespace {

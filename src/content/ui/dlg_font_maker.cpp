@@ -10,7 +10,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-#include "console/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/delay.h"
 #include "content/font_text.h"
 #include "content/ui/fill_range_box.h"
 #include "content/ui/font_preview_area.h"

@@ -7,9 +7,9 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "console/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/ui/qt_text.h"
 #include "content/flash_image.h"
-#include "link/ui/qt_text.h"
 
 namespace qv5123 {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "link/saturate.h"
+#include "base/saturate.h"
 
 namespace qv5123 {
 

@@ -14,8 +14,8 @@
 #include <span>
 #include <utility>
 
+#include "base/ui/qt_text.h"
 #include "link/port_name.h"
-#include "link/ui/qt_text.h"
 
 namespace qv5123 {
 namespace {

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "base/task.h"
 #include "link/port_list.h"
 #include "link/port_settings.h"
-#include "link/task.h"
 
 class QCheckBox;
 class QComboBox;

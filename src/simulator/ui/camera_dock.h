@@ -5,7 +5,7 @@
 #include <functional>
 #include <optional>
 
-#include "link/background.h"
+#include "base/background.h"
 #include "simulator/preview.h"
 
 class QComboBox;

@@ -4,6 +4,8 @@
 #include <QSlider>
 #include <algorithm>
 
+#include "base/delay.h"
+
 namespace qv5123 {
 namespace {
 

@@ -6,6 +6,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "base/delay.h"
+
 namespace qv5123 {
 namespace {
 

@@ -9,7 +9,9 @@
 #include <optional>
 #include <sstream>
 
-#include "console/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/delay.h"
+#include "link/indirect_access.h"
 #include "link/reply_text.h"
 #include "tuning/register_script.h"
 #include "tuning/userdata_parameters.h"

@@ -3,6 +3,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include "link/indirect_access.h"
 #include "tuning/ui/dlg_isp_front.h"
 #include "tuning/userdata_parameters.h"
 

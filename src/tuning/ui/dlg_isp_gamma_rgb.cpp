@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include "base/delay.h"
 #include "tuning/gamma_curve.h"
 
 namespace qv5123 {

@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "base/delay.h"
 #include "tuning/page_flows.h"
 #include "tuning/picker_flow.h"
 

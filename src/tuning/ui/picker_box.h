@@ -5,8 +5,8 @@
 
 #include <functional>
 
+#include "base/task.h"
 #include "console/page_host.h"
-#include "link/task.h"
 #include "tuning/picker.h"
 #include "tuning/ui/page_parts.h"
 

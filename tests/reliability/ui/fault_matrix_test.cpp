@@ -1,6 +1,7 @@
 // Every operation that talks to the chip under every fault of the line. Each cell runs with a few seeds and
 // must not crash or hang, must leave no page half updated, must say what came of it, and must leave a program
 // that works once the fault is gone. docs/reliability.md is made of what the cells record.
+#include "link/indirect_access.h"
 #include "reliability/ui/matrix_bench.h"
 
 namespace qv5123 {

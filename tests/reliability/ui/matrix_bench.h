@@ -11,12 +11,12 @@
 #include <QTableView>
 #include <fstream>
 
-#include "console/ui/console_view.h"
-#include "console/ui/control_column.h"
-#include "console/ui/frame.h"
-#include "console/ui/main_pages.h"
-#include "console/ui/page_area.h"
-#include "console/ui/qv5123_view.h"
+#include "app/ui/console_view.h"
+#include "app/ui/control_column.h"
+#include "app/ui/frame.h"
+#include "app/ui/main_pages.h"
+#include "app/ui/page_area.h"
+#include "app/ui/qv5123_view.h"
 #include "registers/answering_chip.h"
 #include "simulator/camera.h"
 #include "support/fake_prompts.h"

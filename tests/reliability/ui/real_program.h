@@ -6,10 +6,10 @@
 #include <functional>
 #include <memory>
 
-#include "console/ui/frame.h"
-#include "console/ui/page_area.h"
-#include "console/ui/program.h"
-#include "console/ui/qv5123_view.h"
+#include "app/ui/frame.h"
+#include "app/ui/page_area.h"
+#include "app/ui/program.h"
+#include "app/ui/qv5123_view.h"
 #include "reliability/ui/matrix_bench.h"
 #include "simulator/simulated_board.h"
 

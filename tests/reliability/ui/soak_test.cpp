@@ -14,8 +14,8 @@
 #include <fstream>
 #include <random>
 
+#include "app/ui/lock_file.h"
 #include "console/journal.h"
-#include "console/ui/lock_file.h"
 #include "reliability/ui/real_program.h"
 
 namespace qv5123 {

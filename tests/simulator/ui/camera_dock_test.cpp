@@ -5,7 +5,7 @@
 #include <QComboBox>
 #include <QSignalSpy>
 
-#include "console/ui/qt_scheduler.h"
+#include "base/ui/qt_scheduler.h"
 #include "support/chip_talk.h"
 
 namespace qv5123 {

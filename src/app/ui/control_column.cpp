@@ -1,0 +1,280 @@
+#include "app/ui/control_column.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QToolButton>
+#include <algorithm>
+
+#include "app/ui/console_view.h"
+#include "base/ui/qt_text.h"
+#include "console/version_box.h"
+
+namespace qv5123 {
+namespace {
+
+/// The box's frame costs height that the console needs more.
+QBoxLayout* box_layout(QGroupBox* box, QBoxLayout::Direction direction) {
+  auto* layout = new QBoxLayout(direction, box);
+  layout->setContentsMargins(8, 4, 8, 6);
+  layout->setSpacing(6);
+  return layout;
+}
+
+}  // namespace
+
+ControlColumn::ControlColumn(QWidget* parent) : QWidget(parent) {
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(6, 6, 6, 6);
+  column->setSpacing(5);
+  add_port_box(*column);
+  add_file_box(*column);
+  add_factory_buttons(*column);
+  add_version_box(*column);
+  add_osd_pattern(*column);
+  add_osd_keys(*column);
+  add_download_box(*column);
+  add_console(*column);
+  add_text_sender();
+}
+
+QPushButton* ControlColumn::button(const QString& text, const QString& tip, Signal signal) {
+  auto* made = new QPushButton(text, this);
+  made->setToolTip(tip);
+  made->setAccessibleName(text);
+  made->setAccessibleDescription(tip);
+  made->setMinimumWidth(24);
+  connect(made, &QPushButton::clicked, this, signal);
+  return made;
+}
+
+void ControlColumn::add_port_box(QBoxLayout& column) {
+  column.addWidget(new QLabel(tr("COM Port (Baudrate = 19200)"), this));
+  port_ = new QLineEdit(this);
+  port_->setReadOnly(true);
+  port_->setAccessibleName(tr("COM port"));
+  port_->setToolTip(tr("The port in use"));
+  column.addWidget(port_);
+  column.addWidget(button(tr("Change COM Port..."), tr("Choose another port or other line settings"),
+                          &ControlColumn::change_port));
+}
+
+void ControlColumn::add_file_box(QBoxLayout& column) {
+  auto* box = new QGroupBox(tr("Load/save setting file"), this);
+  QBoxLayout* row = box_layout(box, QBoxLayout::LeftToRight);
+  row->addWidget(button(tr("Load File..."), tr("Load the user data from a setting file into every page"),
+                        &ControlColumn::load_file));
+  recent_files_ = new QToolButton(box);
+  recent_files_->setArrowType(Qt::DownArrow);
+  recent_files_->setPopupMode(QToolButton::InstantPopup);
+  recent_files_->setMenu(new QMenu(recent_files_));
+  recent_files_->setAccessibleName(tr("Recent setting files"));
+  recent_files_->setToolTip(tr("Load one of the setting files used last"));
+  recent_files_->setEnabled(false);
+  row->addWidget(recent_files_);
+  row->addWidget(button(tr("Save File..."), tr("Save the values of every page to a setting file"),
+                        &ControlColumn::save_file));
+  column.addWidget(box);
+}
+
+void ControlColumn::add_factory_buttons(QBoxLayout& column) {
+  column.addWidget(button(tr("Factory Reset"),
+                          tr("The chip returns to its factory settings at once (ISP register 0x922 = 0xCC)"),
+                          &ControlColumn::factory_reset));
+  column.addWidget(button(tr("Current ISP Setting copy to Factory"),
+                          tr("The chip's current user data becomes its factory data (register 0xBF)"),
+                          &ControlColumn::copy_to_factory));
+}
+
+void ControlColumn::add_version_box(QBoxLayout& column) {
+  auto* box = new QGroupBox(tr("Version"), this);
+  QBoxLayout* row = box_layout(box, QBoxLayout::LeftToRight);
+  slot_ = new QComboBox(box);
+  for (const char* name : kVersionSlotNames) slot_->addItem(name);
+  slot_->setAccessibleName(tr("Version slot"));
+  slot_->setToolTip(tr("Which of the three version numbers to show (registers 0xCB, 0xCC, 0xCD)"));
+  connect(slot_, &QComboBox::activated, this, &ControlColumn::version_slot_chosen);
+  row->addWidget(slot_, 1);
+  for (std::size_t i = 0; i < version_.size(); ++i) {
+    version_[i] = new QSpinBox(box);
+    version_[i]->setRange(0, kVersionNumberMax);
+    version_[i]->setButtonSymbols(QAbstractSpinBox::NoButtons);
+    version_[i]->setAlignment(Qt::AlignCenter);
+    version_[i]->setFixedWidth(44);
+    version_[i]->setAccessibleName(tr("Version number %1").arg(i + 1));
+    version_[i]->setToolTip(tr("Number %1 of the version, 0..99").arg(i + 1));
+    row->addWidget(version_[i]);
+  }
+  QPushButton* store =
+      button(tr("S"), tr("Store the three numbers, send them to the chip and write the setting file"),
+             &ControlColumn::version_store);
+  store->setAccessibleName(tr("Store version"));
+  store->setFixedWidth(40);
+  row->addWidget(store);
+  column.addWidget(box);
+}
+
+void ControlColumn::add_osd_pattern(QBoxLayout& column) {
+  auto* row = new QHBoxLayout;
+  auto* label = new QLabel(tr("OSD Pattern Choice"), this);
+  osd_pattern_ = new QComboBox(this);
+  for (const char* name : kOsdPatterns) osd_pattern_->addItem(name);
+  osd_pattern_->setAccessibleName(tr("OSD Pattern Choice"));
+  osd_pattern_->setToolTip(
+      tr("The pattern that the chip shows (register 0xC9); also written to the setting file"));
+  label->setBuddy(osd_pattern_);
+  connect(osd_pattern_, &QComboBox::activated, this, &ControlColumn::osd_pattern_chosen);
+  row->addWidget(label);
+  row->addWidget(osd_pattern_, 1);
+  column.addLayout(row);
+}
+
+void ControlColumn::add_osd_keys(QBoxLayout& column) {
+  struct Key {
+    const char* name;
+    OsdKey key;
+    int row, column;
+  };
+  static constexpr std::array<Key, 5> kKeys = {{{"Up", OsdKey::up, 0, 1},
+                                                {"Set", OsdKey::set, 1, 1},
+                                                {"Down", OsdKey::down, 2, 1},
+                                                {"Left", OsdKey::left, 1, 0},
+                                                {"Right", OsdKey::right, 1, 2}}};
+  auto* box = new QGroupBox(tr("OSD MENU Button"), this);
+  auto* grid = new QGridLayout(box);
+  grid->setContentsMargins(8, 4, 8, 6);
+  grid->setSpacing(4);
+  for (const Key& key : kKeys) {
+    auto* made = new QPushButton(tr(key.name), box);
+    made->setAccessibleName(tr("OSD %1").arg(tr(key.name)));
+    made->setToolTip(
+        tr("Key of the chip's on-screen menu (register 0x01 = %1)").arg(static_cast<int>(key.key)));
+    connect(made, &QPushButton::clicked, this, [this, key = key.key] { emit osd_key(key); });
+    grid->addWidget(made, key.row, key.column);
+  }
+  column.addWidget(box);
+}
+
+void ControlColumn::add_download_box(QBoxLayout& column) {
+  auto* box = new QGroupBox(tr("Download"), this);
+  QBoxLayout* rows = box_layout(box, QBoxLayout::TopToBottom);
+  auto* buttons = new QHBoxLayout;
+  buttons->addWidget(button(tr("FW"), tr("Send a firmware image of at most 65536 bytes to the chip"),
+                            &ControlColumn::download_firmware));
+  buttons->addWidget(button(tr("FONT"), tr("Send a font image of at most 65536 bytes to the chip"),
+                            &ControlColumn::download_font));
+  buttons->addWidget(
+      button(tr("System"),
+             tr("Send 1024 bytes of user data to the chip: those of the setting file that is chosen, or with "
+                "Cancel in the chooser the present ones"),
+             &ControlColumn::send_user_data));
+  rows->addLayout(buttons);
+  auto* state = new QHBoxLayout;
+  progress_ = new QProgressBar(box);
+  progress_->setRange(0, 100);
+  progress_->setValue(0);
+  progress_->setTextVisible(false);
+  // Some styles would have it wider than the column.
+  progress_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  progress_->setAccessibleName(tr("Download progress"));
+  progress_->setToolTip(tr("How much of the image has been sent, in percent"));
+  state->addWidget(progress_, 1);
+  state->addWidget(new QLabel(tr("Progressing . . ."), box));
+  cancel_ =
+      button(tr("Cancel"),
+             tr("End the transfer after the block that is being sent; one that waits for its turn, at once"),
+             &ControlColumn::cancel_transfer);
+  cancel_->setAccessibleName(tr("Cancel download"));
+  cancel_->setEnabled(false);
+  state->addWidget(cancel_);
+  rows->addLayout(state);
+  column.addWidget(box);
+}
+
+void ControlColumn::add_console(QBoxLayout& column) {
+  console_ = new ConsoleView(this);
+  console_->setAccessibleName(tr("Console"));
+  console_->setToolTip(tr("What the chip says"));
+  console_->setMinimumHeight(110);
+  column.addWidget(console_, 1);
+  auto* row = new QHBoxLayout;
+  row->addWidget(button(tr("Clear"), tr("Empty the console"), &ControlColumn::clear_console));
+  row->addWidget(button(tr("AE Info"), tr("Let the chip print its exposure values (register 0xA2)"),
+                        &ControlColumn::ae_info));
+  row->addWidget(button(tr("AWB Info"), tr("Let the chip print its white balance values (register 0xA5)"),
+                        &ControlColumn::awb_info));
+  column.addLayout(row);
+}
+
+void ControlColumn::add_text_sender() {
+  // Kept for whoever enables it from a debugger: no user reaches it.
+  auto* text = new QLineEdit(this);
+  auto* send = new QPushButton(tr("SEND"), this);
+  text->setObjectName("manual-text");
+  send->setObjectName("manual-send");
+  for (QWidget* widget : std::initializer_list<QWidget*>{text, send}) {
+    widget->setGeometry(0, 0, 6, 6);
+    widget->setEnabled(false);
+    widget->setVisible(false);
+  }
+  connect(send, &QPushButton::clicked, this, [this, text] { emit send_text(text->text()); });
+}
+
+void ControlColumn::set_port_description(const QString& text) {
+  port_->setText(text);
+  port_->setCursorPosition(0);
+  port_->setToolTip(text.isEmpty() ? tr("The port in use") : plain_tool_tip(text));
+}
+
+void ControlColumn::set_recent_files(const QStringList& paths) {
+  QMenu* menu = recent_files_->menu();
+  menu->clear();
+  menu->setToolTipsVisible(true);
+  for (int i = 0; i < paths.size(); ++i) {
+    // In a menu's text '&' marks the key.
+    const QString name = QFileInfo(paths[i]).fileName().replace(u'&', QStringLiteral("&&"));
+    QAction* action = menu->addAction(QStringLiteral("&%1 %2").arg(i + 1).arg(name));
+    action->setToolTip(plain_tool_tip(paths[i]));
+    // Queued, since what it starts makes the menu anew.
+    connect(
+        action, &QAction::triggered, this, [this, i] { emit recent_file_chosen(i); }, Qt::QueuedConnection);
+  }
+  recent_files_->setEnabled(!paths.isEmpty());
+}
+
+int ControlColumn::version_slot() const {
+  return slot_->currentIndex();
+}
+
+std::array<int, 3> ControlColumn::version_numbers() const {
+  std::array<int, 3> numbers{};
+  std::transform(version_.begin(), version_.end(), numbers.begin(),
+                 [](QSpinBox* box) { return box->value(); });
+  return numbers;
+}
+
+void ControlColumn::set_version_numbers(const std::array<int, 3>& numbers) {
+  for (std::size_t i = 0; i < numbers.size(); ++i) version_[i]->setValue(numbers[i]);
+}
+
+void ControlColumn::set_osd_pattern(int selection) {
+  osd_pattern_->setCurrentIndex(selection);
+}
+
+void ControlColumn::set_transferring(bool on) {
+  cancel_->setEnabled(on);
+}
+
+void ControlColumn::set_progress(int percent) {
+  progress_->setValue(std::clamp(percent, 0, 100));
+}
+
+}  // namespace qv5123

@@ -1,0 +1,144 @@
+#include <QAction>
+#include <QMenuBar>
+#include <QScreen>
+#include <QSettings>
+#include <QStandardPaths>
+#include <cstdio>
+#include <cstdlib>
+
+#include "app/font_search.h"
+#include "app/parent_console.h"
+#include "app/ui/frame.h"
+#include "app/ui/main_pages.h"
+#include "app/ui/program.h"
+#include "app/ui/qv5123_app.h"
+#include "base/ui/qt_text.h"
+#include "link/named_device.h"
+#include "link/port_list.h"
+#include "link/port_name.h"
+#include "link/system_serial_device.h"
+#include "simulator/simulated_board.h"
+#include "simulator/ui/camera_dock.h"
+
+namespace {
+
+using namespace qv5123;
+
+constexpr int kCameraWidth = 340;
+/// Beside the settings; where those are in the registry, the folder of this program's local data.
+constexpr QStandardPaths::StandardLocation kJournalPlace = QStandardPaths::AppConfigLocation;
+constexpr const char* kSimulatedDevice = "simulated chip";
+
+/// Reads the command line before there is a window system to connect to: help needs none.
+std::variant<ProgramOptions, EndAtOnce> early_options(int& argc, char** argv) {
+  QCoreApplication application(argc, argv);
+  return read_options(QCoreApplication::arguments());
+}
+
+/// What is wrong with the scene asked for; nothing when it is one, or none was.
+std::optional<EndAtOnce> scene_fault(const ProgramOptions& options) {
+  if (!options.scene || scene_named(*options.scene)) return std::nullopt;
+  const QString scene = QString::fromStdString(*options.scene).simplified();
+  return EndAtOnce{QStringLiteral("QV5123: There is no scene '%1'.").arg(scene), 2};
+}
+
+int print(const EndAtOnce& end) {
+  const QByteArray text = end.text.toLocal8Bit();
+  std::fputs(text.constData(), end.exit_code == 0 ? stdout : stderr);
+  if (!text.endsWith('\n')) std::fputc('\n', end.exit_code == 0 ? stdout : stderr);
+  return end.exit_code;
+}
+
+PortInfo simulated_port() {
+  return {1, kSimulatedDevice, "Simulated chip"};
+}
+
+std::optional<PortSettings> fixed_port(const ProgramOptions& options, const AppSettings& settings) {
+  if (!options.port && !options.simulate) return std::nullopt;
+  PortSettings port;
+  if (options.simulate) {
+    port.device = kSimulatedDevice;
+    port.description = simulated_port().name;
+    return port;
+  }
+  port = settings.port();
+  port.device = *options.port;
+  port.number = port_number_from_name(*options.port).value_or(port.number);
+  port.description = *options.port;
+  return port;
+}
+
+/// The dock with the simulated camera's picture, and the menu item that shows and hides it. It opens beside
+/// the pages, never in their place: on a screen that is not wide enough for both it waits as a window of its
+/// own.
+void add_camera(CMainFrame& frame, Scheduler& scheduler, SimulatedBoard& board, bool visible) {
+  auto* dock = new CameraDock([&board](const auto& use) { board.with_chip(use); }, scheduler, &frame);
+  frame.addDockWidget(Qt::RightDockWidgetArea, dock);
+  const QSize wider(frame.width() + kCameraWidth, frame.height());
+  const bool room = wider.width() <= frame.screen()->availableGeometry().width();
+  dock->setFloating(!room);
+  dock->setVisible(visible && room);
+  if (visible && room) {
+    frame.resize(wider);
+    frame.resizeDocks({dock}, {kCameraWidth}, Qt::Horizontal);
+  }
+  QAction* show = dock->toggleViewAction();
+  show->setText(CameraDock::tr("&Camera"));
+  show->setStatusTip(CameraDock::tr("Shows the picture of the simulated camera"));
+  frame.menuBar()->addAction(show);
+}
+
+std::unique_ptr<SimulatedBoard> simulated_board(const ProgramOptions& options) {
+  auto board = std::make_unique<SimulatedBoard>();
+  const Scene scene = scene_named(options.scene.value_or(kSceneNames[0])).value_or(Scene{});
+  board->with_chip([&](SimulatedChip& chip) { chip.set_camera(Camera(scene)); });
+  return board;
+}
+
+/// The real ports, and the simulated chip when the program was started on it.
+Program::Parts program_parts(const ProgramOptions& options, const AppSettings& settings) {
+  Program::Parts parts;
+  parts.device = make_serial_device();
+  parts.list_ports = list_ports;
+  parts.probe_port = probe_port;
+  parts.pages = all_pages();
+  parts.fixed_port = fixed_port(options, settings);
+  if (!options.tour) parts.journal_folder = to_path(QStandardPaths::writableLocation(kJournalPlace));
+  // At once: nothing is torn down, and what was to be saved is on the disk.
+  parts.end_process = [](int code) { std::_Exit(code); };
+  parts.report = [](const std::string& text) { std::fprintf(stderr, "QV5123: %s\n", text.c_str()); };
+  if (!options.simulate) return parts;
+  auto board = simulated_board(options);
+  // The board lives as long as the port session, which outlives the window.
+  parts.furnish = [board = board.get(), tour = options.tour.has_value()](CMainFrame& frame,
+                                                                         Scheduler& scheduler) {
+    add_camera(frame, scheduler, *board, !tour);
+  };
+  parts.device = std::make_unique<NamedDevice>(kSimulatedDevice, std::move(board), std::move(parts.device));
+  parts.list_ports = [] {
+    std::vector<PortInfo> ports = list_ports();
+    ports.insert(ports.begin(), simulated_port());
+    return ports;
+  };
+  parts.probe_port = [](const std::string& device) {
+    return device == kSimulatedDevice ? OpenResult{} : probe_port(device);
+  };
+  return parts;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  use_parent_console();
+  const auto options = early_options(argc, argv);
+  if (const auto* end = std::get_if<EndAtOnce>(&options)) return print(*end);
+  if (const auto fault = scene_fault(std::get<ProgramOptions>(options))) return print(*fault);
+  const std::jthread font_search = begin_font_search();
+  CQV5123App application(argc, argv);
+  QSettings store;
+  const AppSettings settings(store);
+  const auto& chosen = std::get<ProgramOptions>(options);
+  Program program(chosen, settings, program_parts(chosen, settings));
+  program.start();
+  return application.exec();
+}

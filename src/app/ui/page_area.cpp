@@ -1,0 +1,114 @@
+#include "app/ui/page_area.h"
+
+#include <QAction>
+#include <QEvent>
+#include <QScrollArea>
+
+namespace qv5123 {
+namespace {
+
+const PageEntry& entry_of(PageId id) {
+  return kPageEntries[static_cast<std::size_t>(id)];
+}
+
+/// The control that the page itself or the user last chose in it.
+QWidget* chosen_control(QWidget* page) {
+  QWidget* chosen = page->focusWidget();
+  return chosen && chosen->isVisible() && chosen->isEnabled() ? chosen : nullptr;
+}
+
+/// The first control of a page that the tab key stops at.
+QWidget* first_control(QWidget* page) {
+  for (QWidget* next = page->nextInFocusChain(); next != page; next = next->nextInFocusChain()) {
+    if (page->isAncestorOf(next) && next->isVisible() && next->isEnabled() &&
+        next->focusPolicy() & Qt::TabFocus)
+      return next;
+  }
+  return nullptr;
+}
+
+QScrollArea* scrolled(QWidget* page) {
+  auto* area = new QScrollArea;
+  area->setFrameShape(QFrame::NoFrame);
+  area->setWidgetResizable(true);
+  area->setFocusPolicy(Qt::NoFocus);
+  area->setWidget(page);
+  return area;
+}
+
+}  // namespace
+
+PageArea::PageArea(PageHost& host, PageFactories factories, QWidget* parent)
+    : QStackedWidget(parent), host_(host), factories_(std::move(factories)) {
+  addWidget(new QWidget);  // the area before any page is chosen
+  for (const PageEntry& entry : kPageEntries) {
+    auto* action = new QAction(QString::fromLatin1(entry.menu_text), this);
+    action->setObjectName(QString::fromLatin1(entry.name));
+    action->setStatusTip(QString::fromLatin1(entry.status_text));
+    action->setEnabled(available(entry.id));
+    connect(action, &QAction::triggered, this, [this, id = entry.id] { choose(id); });
+    actions_ << action;
+  }
+}
+
+Page* PageArea::page(PageId id) const {
+  const auto found = slots_.find(id);
+  return found == slots_.end() ? nullptr : found->second.page;
+}
+
+QWidget* PageArea::page_widget(PageId id) const {
+  const auto found = slots_.find(id);
+  return found == slots_.end() ? nullptr : found->second.widget;
+}
+
+void PageArea::choose(PageId id) {
+  if (!available(id)) return;
+  update_actions(id);
+  current_ = id;
+  const bool exists = slots_.count(id) > 0;
+  if (exists) show_slot(slots_[id]);
+  if (id == PageId::make_flash || id == PageId::font_editor) host_.show_status("");
+  host_.show_status(entry_of(id).status_text);
+  if (exists) {
+    slots_[id].page->chosen_again();
+  } else {
+    create(id);
+  }
+  emit chosen(id);
+}
+
+bool PageArea::eventFilter(QObject* watched, QEvent* event) {
+  // Its item chooses it again. Sent to what is hidden by itself, not with the area around it.
+  if (event->type() == QEvent::HideToParent && current_ && watched == page_widget(*current_)) {
+    update_actions(std::nullopt);
+  }
+  return QStackedWidget::eventFilter(watched, event);
+}
+
+void PageArea::update_actions(std::optional<PageId> chosen) {
+  for (const PageEntry& entry : kPageEntries) {
+    actions_[static_cast<qsizetype>(entry.id)]->setEnabled(available(entry.id) && entry.id != chosen);
+  }
+}
+
+void PageArea::create(PageId id) {
+  CreatedPage created = factories_[id](host_);
+  Slot& slot = slots_[id];
+  slot.widget = created.widget.release();
+  slot.page = created.page;
+  slot.frame = scrolled(slot.widget);
+  addWidget(slot.frame);
+  show_slot(slot);
+  slot.widget->installEventFilter(this);
+}
+
+void PageArea::show_slot(const Slot& slot) {
+  setCurrentWidget(slot.frame);
+  slot.widget->show();  // a page may have hidden itself
+  // The keyboard starts where the eye does, on the left; from the page's end it goes on to the column.
+  QWidget* control = chosen_control(slot.widget);
+  if (!control) control = first_control(slot.widget);
+  if (control) control->setFocus(Qt::OtherFocusReason);
+}
+
+}  // namespace qv5123

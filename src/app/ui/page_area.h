@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QStackedWidget>
+#include <map>
+
+#include "app/ui/pages.h"
+
+class QAction;
+
+namespace qv5123 {
+
+/// The left area, in which exactly one page at a time is shown, and the menu items that choose it. Pages are
+/// made on first use and live until exit.
+class PageArea final : public QStackedWidget {
+  Q_OBJECT
+
+ public:
+  PageArea(PageHost& host, PageFactories factories, QWidget* parent = nullptr);
+
+  /// The nine menu items in their order.
+  const QList<QAction*>& actions_in_order() const { return actions_; }
+  /// Shows `id`, as if chosen from the menu. Nothing for a page that has no factory.
+  void choose(PageId id);
+  bool available(PageId id) const { return factories_.count(id) > 0; }
+  /// The page, or null until it is first chosen.
+  Page* page(PageId id) const;
+  QWidget* page_widget(PageId id) const;
+  std::optional<PageId> current() const { return current_; }
+
+ signals:
+  void chosen(qv5123::PageId id);
+
+ protected:
+  /// Watches the pages for one that hides itself.
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  struct Slot {
+    QWidget* frame = nullptr;  // scrolls the page where the window is too small for it
+    QWidget* widget = nullptr;
+    Page* page = nullptr;
+  };
+  void update_actions(std::optional<PageId> chosen);
+  void create(PageId id);
+  void show_slot(const Slot& slot);
+
+  PageHost& host_;
+  PageFactories factories_;
+  QList<QAction*> actions_;
+  std::map<PageId, Slot> slots_;
+  std::optional<PageId> current_;
+};
+
+}  // namespace qv5123

@@ -1,0 +1,216 @@
+#include "app/ui/program.h"
+
+#include <QPointer>
+#include <exception>
+#include <utility>
+
+#include "app/ui/frame.h"
+#include "app/ui/help_window.h"
+#include "app/ui/lock_file.h"
+#include "app/ui/page_area.h"
+#include "app/ui/qv5123_view.h"
+#include "app/ui/tour.h"
+#include "app/ui/unattended_prompts.h"
+#include "base/ui/qt_text.h"
+#include "link/port_name.h"
+#include "link/ui/serial_port_setting.h"
+
+namespace qv5123 {
+namespace {
+
+std::unique_ptr<Prompts> make_prompts(bool attended, const std::function<void(const std::string&)>& report) {
+  if (attended) return std::make_unique<QtPrompts>();
+  return std::make_unique<UnattendedPrompts>(report);
+}
+
+}  // namespace
+
+Program::Program(ProgramOptions options, AppSettings settings, Parts parts)
+    : options_(std::move(options)),
+      settings_(settings),
+      parts_(std::move(parts)),
+      prompts_(make_prompts(!options_.tour, parts_.report)),
+      session_(scheduler_, std::move(parts_.device), session_events()) {
+  document_.fourth_tdn_mode = settings_.fourth_tdn_mode();
+}
+
+Program::~Program() {
+  trouble_.cancel();
+  flows_.cancel();
+  journal_.reset();
+  // Its flows own dialogs that the frame would delete as well.
+  delete view_;
+}
+
+PortSessionEvents Program::session_events() {
+  PortSessionEvents events;
+  events.console = [this](const std::string& text) {
+    if (view_) view_->take_received(text);
+  };
+  events.status = [this](const std::string& text) {
+    if (view_) view_->show_status(text);
+  };
+  events.trouble = [this](const std::string& text) {
+    // A flood says the same again and again; once it is read it may say it once more.
+    if (trouble_.running()) return;
+    Message message;
+    message.text = text;
+    message.icon = Message::Icon::warning;
+    trouble_.start(prompts_->message(std::move(message)));
+  };
+  events.connected = [this](bool connected) {
+    if (frame_) frame_->show_connected(connected);
+  };
+  return events;
+}
+
+void Program::start() {
+  flows_.spawn(run());
+}
+
+Task<> Program::run() {
+  PortSettings port = co_await initial_port();
+  open_window(std::move(port));
+  CQV5123View::Startup startup;
+  startup.setting_file = options_.setting_file;
+  startup.offer_setting_file = !options_.tour;
+  if (journal_) startup.restore = [this] { return journal_->start(*prompts_); };
+  view_->start(std::move(startup));
+  if (options_.tour) co_await make_tour();
+}
+
+Task<PortSettings> Program::initial_port() {
+  if (parts_.fixed_port) co_return *parts_.fixed_port;
+  const PortSettings stored = settings_.port();
+  if (settings_.has_port()) {
+    const OpenResult probed = co_await probe(device_name(stored));
+    if (probed.ok()) co_return stored;
+  }
+  if (settings_.debug() != 0) co_return stored;
+  const std::optional<PortSettings> chosen = co_await choose_port(stored);
+  if (!chosen) co_return PortSettings{};
+  // Waited for, since the settings are read again when the window opens.
+  co_await store_port(*chosen);
+  co_return *chosen;
+}
+
+Task<OpenResult> Program::probe(std::string device) {
+  std::function<OpenResult()> work = [probe = parts_.probe_port, device = std::move(device)] {
+    return probe(device);
+  };
+  co_return co_await ports_.run<OpenResult>(std::move(work));
+}
+
+Task<OpenResult> Program::probe_chosen(std::string device) {
+  // The port that is open here is closed before it is opened anew; Windows would call it busy.
+  if (session_.connected() && openable_name(session_.name()) == openable_name(device)) co_return OpenResult{};
+  co_return co_await probe(std::move(device));
+}
+
+std::unique_ptr<QDialog> Program::make_port_dialog(std::vector<PortInfo> ports, const PortSettings& current) {
+  const auto probe_one = [this](std::string device) { return probe_chosen(std::move(device)); };
+  return std::make_unique<CSerialPortSetting>(std::move(ports), current, probe_one, frame_.get());
+}
+
+Task<std::optional<PortSettings>> Program::choose_port(PortSettings current) {
+  std::vector<PortInfo> ports = co_await ports_.run<std::vector<PortInfo>>(parts_.list_ports);
+  std::unique_ptr<QDialog> dialog;
+  try {
+    dialog = make_port_dialog(std::move(ports), current);
+  } catch (const std::exception&) {
+    dialog.reset();
+  }
+  if (!dialog) {
+    Message failure;
+    failure.text = "Dialog box could not be created!";
+    co_await prompts_->message(std::move(failure));
+    co_return std::nullopt;
+  }
+  Resolver<int> finished;
+  QObject::connect(
+      dialog.get(), &QDialog::finished, dialog.get(), [finished](int result) { finished.resolve(result); },
+      Qt::QueuedConnection);
+  dialog->open();
+  const int result = co_await finished.pending();
+  auto* setting = static_cast<CSerialPortSetting*>(dialog.get());
+  const PortSettings chosen = setting->settings();
+  // The flow goes on inside one of the dialog's own events.
+  dialog.release()->deleteLater();
+  if (result != QDialog::Accepted) co_return std::nullopt;
+  co_return chosen;
+}
+
+// Begun at once, whether anybody waits for it or not.
+Task<bool> Program::store(std::function<void(AppSettings&)> change) {
+  std::function<bool()> work = [] { return true; };
+  if (!parts_.fixed_port) work = settings_.changing(std::move(change));
+  return files_.run<bool>(std::move(work));
+}
+
+Task<bool> Program::store_port(PortSettings settings) {
+  return store([settings = std::move(settings)](AppSettings& stored) { stored.store_port(settings); });
+}
+
+void Program::open_window(PortSettings port) {
+  view_ = new CQV5123View(session_.link(), *prompts_, files_, document_, std::move(parts_.pages));
+  frame_ = std::make_unique<CMainFrame>(view_);
+  if (auto* dialogs = dynamic_cast<QtPrompts*>(prompts_.get())) dialogs->set_parent(frame_.get());
+  PortInUse::Surroundings surroundings;
+  surroundings.open = [this](std::string name, LineSettings line) {
+    return session_.open(std::move(name), line);
+  };
+  surroundings.close = [this] { session_.close(); };
+  surroundings.choose = [this](PortSettings current) { return choose_port(std::move(current)); };
+  surroundings.store = [this](const PortSettings& settings) { (void)store_port(settings); };
+  view_->use_port(std::move(port), std::move(surroundings));
+  view_->set_recent_files(settings_.recent_files());
+  QObject::connect(view_, &CQV5123View::recent_files_changed, frame_.get(), [this] {
+    (void)store([recent = view_->recent_files()](AppSettings& stored) { stored.store_recent_files(recent); });
+  });
+  QObject::connect(view_, &CQV5123View::closing_confirmed, frame_.get(), [this] { flows_.spawn(end(0)); });
+  QObject::connect(frame_.get(), &CMainFrame::help_wanted, frame_.get(), [this] { show_help(); });
+  if (parts_.furnish) parts_.furnish(*frame_, scheduler_);
+  if (!parts_.journal_folder.empty()) keep_journal();
+  frame_->show();
+}
+
+void Program::keep_journal() {
+  Journal::Surroundings surroundings;
+  surroundings.folder = parts_.journal_folder;
+  surroundings.lock = lock_file;
+  surroundings.unsaved = [this] { return view_->unsaved(); };
+  surroundings.restore = [this](const JournalEntry& entry) { view_->restore(entry); };
+  surroundings.show_status = [this](const std::string& text) { view_->show_status(text); };
+  journal_ = std::make_unique<Journal>(scheduler_, files_, std::move(surroundings));
+  QObject::connect(view_, &CQV5123View::image_saved, frame_.get(),
+                   [this](const UserDataImage& image) { journal_->saved(image); });
+}
+
+Task<> Program::make_tour() {
+  Tour tour(*frame_, *view_, *options_.tour);
+  std::vector<PortInfo> ports = co_await ports_.run<std::vector<PortInfo>>(parts_.list_ports);
+  const std::string fault = co_await tour.run(
+      [this, &ports] { return make_port_dialog(std::move(ports), view_->port()->settings()); });
+  if (!fault.empty()) parts_.report(fault);
+  co_await end(fault.empty() ? 0 : 1);
+}
+
+void Program::show_help() {
+  if (!help_) help_ = std::make_unique<HelpWindow>();
+  const std::optional<PageId> page = view_->pages().current();
+  help_->show_topic(page ? QLatin1String(kPageEntries[static_cast<std::size_t>(*page)].name) : QString());
+  help_->show();
+  help_->raise();
+  help_->activateWindow();
+}
+
+Task<> Program::end(int exit_code) {
+  if (journal_) co_await journal_->end();
+  co_await session_.close();
+  // Nothing is torn down, so what is being written must be whole before.
+  const std::function<bool()> all_before = [] { return true; };
+  co_await files_.run<bool>(all_before);
+  parts_.end_process(exit_code);
+}
+
+}  // namespace qv5123

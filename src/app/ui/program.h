@@ -1,0 +1,88 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "app/ui/app_settings.h"
+#include "app/ui/pages.h"
+#include "app/ui/program_options.h"
+#include "base/background.h"
+#include "base/ui/qt_scheduler.h"
+#include "console/document.h"
+#include "console/journal.h"
+#include "console/ui/qt_prompts.h"
+#include "link/port_list.h"
+#include "link/port_session.h"
+
+class QDialog;
+
+namespace qv5123 {
+
+class CMainFrame;
+class CQV5123View;
+class HelpWindow;
+
+/// The window with everything behind it, from the start of the application to its end.
+class Program {
+ public:
+  /// What differs between the real program and another way to run it.
+  struct Parts {
+    std::unique_ptr<SerialDevice> device;
+    PageFactories pages;
+    /// The port to use at once, without trying and without storing anything.
+    std::optional<PortSettings> fixed_port;
+    std::function<std::vector<PortInfo>()> list_ports;
+    std::function<OpenResult(const std::string& device)> probe_port;
+    /// Where unsaved values are kept for after a crash; empty: nowhere.
+    std::filesystem::path journal_folder;
+    /// Adds to the window what only this way to run has, before it is shown. May be empty.
+    std::function<void(CMainFrame&, Scheduler&)> furnish;
+    /// Ends the process with this code, at once.
+    std::function<void(int)> end_process;
+    /// A line for whoever started the program.
+    std::function<void(const std::string&)> report;
+  };
+
+  Program(ProgramOptions options, AppSettings settings, Parts parts);
+  ~Program();
+
+  /// Begins; the event loop does the rest.
+  void start();
+  CMainFrame* frame() { return frame_.get(); }
+
+ private:
+  PortSessionEvents session_events();
+  Task<> run();
+  Task<PortSettings> initial_port();
+  Task<OpenResult> probe(std::string device);
+  Task<OpenResult> probe_chosen(std::string device);
+  std::unique_ptr<QDialog> make_port_dialog(std::vector<PortInfo> ports, const PortSettings& current);
+  Task<std::optional<PortSettings>> choose_port(PortSettings current);
+  void open_window(PortSettings port);
+  Task<bool> store(std::function<void(AppSettings&)> change);
+  Task<bool> store_port(PortSettings settings);
+  void keep_journal();
+  Task<> make_tour();
+  void show_help();
+  Task<> end(int exit_code);
+
+  const ProgramOptions options_;
+  AppSettings settings_;
+  Parts parts_;
+  QtScheduler scheduler_;
+  BackgroundThread ports_{scheduler_};  // looking for ports may take seconds; no file waits for it
+  BackgroundThread files_{scheduler_};
+  CQV5123Doc document_;
+  std::unique_ptr<Prompts> prompts_;
+  PortSession session_;
+  std::unique_ptr<CMainFrame> frame_;
+  CQV5123View* view_ = nullptr;  // the frame's
+  std::unique_ptr<HelpWindow> help_;
+  std::unique_ptr<Journal> journal_;
+  FlowSet flows_;
+  Flow trouble_;
+};
+
+}  // namespace qv5123

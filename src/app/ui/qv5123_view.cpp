@@ -1,0 +1,313 @@
+#include "app/ui/qv5123_view.h"
+
+#include <QHBoxLayout>
+#include <QScrollArea>
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "app/ui/console_view.h"
+#include "app/ui/control_column.h"
+#include "app/ui/page_area.h"
+#include "base/delay.h"
+#include "base/ui/qt_text.h"
+#include "console/main_commands.h"
+#include "console/setting_file.h"
+#include "console/version_box.h"
+
+namespace qv5123 {
+namespace {
+
+/// Characters that the status bar's message pane takes.
+constexpr std::size_t kStatusLimit = 256;
+
+/// How long closing waits for the end of a download that is under way. At 19200 baud the chip takes some 30
+/// blocks in this time; with more of them still to fill up it is left waiting.
+constexpr std::chrono::seconds kTransferPatience{5};
+
+/// The column keeps its width; a window too low for it scrolls it.
+QScrollArea* scrolled_column(ControlColumn* column) {
+  auto* area = new QScrollArea;
+  area->setFrameShape(QFrame::NoFrame);
+  area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  area->setWidgetResizable(true);
+  area->setFocusPolicy(Qt::NoFocus);
+  area->setWidget(column);
+  area->setFixedWidth(ControlColumn::kWidth);
+  return area;
+}
+
+}  // namespace
+
+CQV5123View::CQV5123View(CommandLink& link, Prompts& prompts, Background& background, CQV5123Doc& document,
+                         PageFactories factories, QWidget* parent)
+    : QWidget(parent),
+      link_(link),
+      prompts_(prompts),
+      background_(background),
+      document_(document),
+      files_(document, prompts, background, files_surroundings()),
+      transfer_(link, document, prompts, background, transfer_view()) {
+  pages_ = new PageArea(*this, std::move(factories));
+  column_ = new ControlColumn;
+  auto* row = new QHBoxLayout(this);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(0);
+  row->addWidget(pages_, 1);
+  auto* border = new QFrame;
+  border->setFrameStyle(QFrame::VLine | QFrame::Sunken);
+  row->addWidget(border);
+  row->addWidget(scrolled_column(column_));
+  connect(pages_, &PageArea::chosen, this, &CQV5123View::page_chosen);
+  connect_column();
+  connect_downloads();
+}
+
+CQV5123View::~CQV5123View() {
+  exit_.cancel();
+  port_change_.cancel();
+  flows_.cancel();
+  // The pages' own flows use this form, so they go before it does.
+  delete pages_;
+}
+
+void CQV5123View::connect_column() {
+  using C = ControlColumn;
+  connect(column_, &C::change_port, this, &CQV5123View::change_port);
+  connect(column_, &C::load_file, this, [this] { flows_.spawn(load_file(std::nullopt)); });
+  connect(column_, &C::recent_file_chosen, this, &CQV5123View::load_recent_file);
+  connect(column_, &C::save_file, this, [this] { flows_.spawn(files_.save()); });
+  connect(column_, &C::factory_reset, this, [this] { link_.send(qv5123::factory_reset()); });
+  connect(column_, &C::copy_to_factory, this, [this] { flows_.spawn(copy_to_factory()); });
+  connect(column_, &C::version_slot_chosen, this, &CQV5123View::show_version);
+  connect(column_, &C::version_store, this, [this] { flows_.spawn(store_version()); });
+  connect(column_, &C::osd_pattern_chosen, this, [this](int n) { flows_.spawn(choose_osd_pattern(n)); });
+  connect(column_, &C::osd_key, this, [this](OsdKey key) { link_.send(qv5123::osd_key(key)); });
+  connect(column_, &C::ae_info, this, [this] { link_.send(qv5123::ae_info()); });
+  connect(column_, &C::awb_info, this, [this] { link_.send(qv5123::awb_info()); });
+  connect(column_, &C::send_text, this, &CQV5123View::send_text);
+  connect(column_, &C::clear_console, this, [this] {
+    console_text_.clear();
+    column_->console().clear_text();
+  });
+}
+
+void CQV5123View::connect_downloads() {
+  using C = ControlColumn;
+  const auto begin = [this](TransferKind kind) { return [this, kind] { flows_.spawn(transfer(kind)); }; };
+  connect(column_, &C::download_firmware, this, begin(TransferKind::firmware));
+  connect(column_, &C::download_font, this, begin(TransferKind::font));
+  connect(column_, &C::send_user_data, this, begin(TransferKind::user_data));
+  connect(column_, &C::cancel_transfer, this, [this] { transfer_.cancel(); });
+}
+
+SettingFiles::Surroundings CQV5123View::files_surroundings() {
+  SettingFiles::Surroundings surroundings;
+  surroundings.pages = [this] {
+    std::vector<Page*> existing;
+    for (const PageId id :
+         {PageId::gamma, PageId::awb_tune, PageId::dynamic_control, PageId::linear_matrix, PageId::lsc}) {
+      if (Page* page = pages_->page(id)) existing.push_back(page);
+    }
+    return existing;
+  };
+  surroundings.font_editor = [this] { return pages_->page(PageId::font_editor); };
+  surroundings.show_status = [this](const std::string& text) { show_status(text); };
+  surroundings.file_used = [this](const std::filesystem::path& path, const UserDataImage& image) {
+    file_used(path);
+    emit image_saved(image);
+  };
+  return surroundings;
+}
+
+TransferView CQV5123View::transfer_view() {
+  TransferView view;
+  view.set_progress = [this](int percent) { column_->set_progress(percent); };
+  view.show_progress_text = [this](const std::string& text) { show_status(text); };
+  view.append_console = [this](const std::string& text) { append_console(text); };
+  return view;
+}
+
+void CQV5123View::use_port(PortSettings settings, PortInUse::Surroundings surroundings) {
+  surroundings.show = [this](const PortSettings& shown) {
+    column_->set_port_description(to_qt(shown.description.empty() ? shown_port(shown) : shown.description));
+  };
+  surroundings.append_console = [this](const std::string& text) { append_console(text); };
+  surroundings.empty_write = [this] { link_.send(Batch{}); };
+  port_.emplace(std::move(settings), prompts_, std::move(surroundings));
+}
+
+void CQV5123View::start(Startup startup) {
+  starting_ = true;
+  flows_.spawn(run_start(std::move(startup)));
+}
+
+Task<> CQV5123View::run_start(Startup startup) {
+  if (port_) co_await port_->open();
+  co_await begin_with_image(std::move(startup));
+  show_version(column_->version_slot());
+  co_await Delay(scheduler(), std::chrono::milliseconds(StartupReply::kDelayMs));
+  read_startup_reply();
+  pages_->choose(PageId::registers);
+  starting_ = false;
+}
+
+Task<> CQV5123View::begin_with_image(Startup startup) {
+  if (startup.restore) {
+    // A file would take the place of what was just restored.
+    const bool restored = co_await startup.restore();
+    if (restored) co_return;
+  }
+  if (startup.setting_file || startup.offer_setting_file) co_await load_file(std::move(startup.setting_file));
+}
+
+void CQV5123View::restore(const JournalEntry& entry) {
+  document_.user_data = entry.image;
+  document_.setting_file = entry.setting_file;
+  files_.reload_pages();
+  show_image();
+}
+
+void CQV5123View::read_startup_reply() {
+  const std::string text = startup_reply_.read(link_.reply());
+  if (!text.empty()) append_console(text);
+}
+
+Task<> CQV5123View::load_file(std::optional<std::filesystem::path> path) {
+  if (path) {
+    co_await files_.load_from(std::move(*path));
+  } else {
+    co_await files_.load();
+  }
+  show_image();
+}
+
+void CQV5123View::set_recent_files(RecentFiles files) {
+  recent_files_ = std::move(files);
+  QStringList paths;
+  for (const std::filesystem::path& file : recent_files_.files()) paths << path_to_qt(file);
+  column_->set_recent_files(paths);
+}
+
+void CQV5123View::file_used(const std::filesystem::path& path) {
+  RecentFiles files = recent_files_;
+  if (!files.use(path)) return;
+  set_recent_files(std::move(files));
+  emit recent_files_changed();
+}
+
+void CQV5123View::load_recent_file(int position) {
+  const auto& files = recent_files_.files();
+  if (static_cast<std::size_t>(position) >= files.size()) return;
+  flows_.spawn(load_file(files[static_cast<std::size_t>(position)]));
+}
+
+void CQV5123View::change_port() {
+  // Until its dialog is there the button can be clicked again.
+  if (port_ && !port_change_.running()) port_change_.start(port_->change());
+}
+
+void CQV5123View::close_serial() {
+  if (port_) port_->close();
+}
+
+Task<> CQV5123View::copy_to_factory() {
+  Question question;
+  question.text = kCopyToFactoryQuestion;
+  const Answer answer = co_await prompts_.ask(std::move(question));
+  if (answer == Answer::yes) link_.send(qv5123::copy_to_factory());
+}
+
+Task<> CQV5123View::store_version() {
+  const int slot = column_->version_slot();
+  const VersionNumbers numbers = column_->version_numbers();
+  qv5123::store_version(document_.user_data, slot, numbers);
+  // Each number is a flush of its own, and another command may come between two of them.
+  for (Batch& batch : version_traffic(slot, numbers)) link_.send(std::move(batch));
+  co_await files_.write_user_data_file();
+}
+
+Task<> CQV5123View::choose_osd_pattern(int selection) {
+  document_.user_data.set_entry(kOsdPatternEntry, selection);
+  co_await files_.write_user_data_file();
+  link_.send(osd_pattern(selection));
+}
+
+Task<> CQV5123View::transfer(TransferKind kind) {
+  ++transfers_;
+  column_->set_transferring(true);
+  co_await transfer_.run(kind);
+  if (kind == TransferKind::user_data) show_image();
+  column_->set_transferring(--transfers_ > 0);
+}
+
+void CQV5123View::show_version(int slot) {
+  column_->set_version_numbers(load_version(document_.user_data, slot));
+}
+
+void CQV5123View::show_image() {
+  show_version(column_->version_slot());
+  column_->set_osd_pattern(osd_pattern_selection(document_.user_data));
+}
+
+void CQV5123View::page_chosen(PageId id) {
+  if (id == PageId::registers) column_->set_osd_pattern(osd_pattern_selection(document_.user_data));
+}
+
+void CQV5123View::send_text(const QString& text) {
+  const QByteArray bytes = text.toLatin1();
+  Job job;
+  job.chunks.emplace_back().bytes.assign(bytes.begin(), bytes.end());
+  link_.send(std::move(job));
+}
+
+void CQV5123View::request_exit() {
+  if (!exit_.running()) exit_.start(exit_flow());
+}
+
+Task<> CQV5123View::exit_flow() {
+  if (busy_ || transfer_.running()) {
+    Question question;
+    question.text = "Something is still being sent to the chip. Close all the same?";
+    question.title = "Save setting";
+    const Answer answer = co_await prompts_.ask(std::move(question));
+    if (answer != Answer::yes) co_return;
+  }
+  if (!co_await files_.may_exit()) co_return;
+  // A chip left in the middle of an image takes what the next start sends for the rest of it.
+  if (transfers_ > 0) show_status("Ending the download...");
+  co_await transfer_.end_all(kTransferPatience);
+  emit closing_confirmed();
+}
+
+void CQV5123View::show_status(const std::string& text) {
+  emit status_changed(to_qt(text).left(kStatusLimit));
+}
+
+void CQV5123View::show_progress(std::optional<int> percent) {
+  emit progress_changed(percent);
+}
+
+void CQV5123View::set_busy(bool busy) {
+  busy_ += busy ? 1 : -1;
+  if (busy_ == 0) show_progress(std::nullopt);
+}
+
+Task<> CQV5123View::reload_user_data_file() {
+  const FileResult result = co_await qv5123::reload_user_data_file(background_, document_.user_data);
+  if (!result.ok()) show_status(result.text);
+}
+
+ConsoleView& CQV5123View::console() {
+  return column_->console();
+}
+
+void CQV5123View::take_received(const std::string& text) {
+  column_->console().apply(console_text_.append_received(text));
+}
+
+void CQV5123View::append_console(const std::string& text) {
+  column_->console().apply(console_text_.append(text));
+}
+
+}  // namespace qv5123

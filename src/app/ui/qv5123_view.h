@@ -1,0 +1,136 @@
+#pragma once
+
+#include <QWidget>
+#include <filesystem>
+#include <optional>
+
+#include "app/ui/pages.h"
+#include "console/console_text.h"
+#include "console/image_transfer.h"
+#include "console/journal_entry.h"
+#include "console/page_host.h"
+#include "console/port_in_use.h"
+#include "console/recent_files.h"
+#include "console/setting_files.h"
+#include "console/startup_reply.h"
+
+namespace qv5123 {
+
+class ConsoleView;
+class ControlColumn;
+class PageArea;
+
+/// The main form: the tool pages on the left, the column with port, files, keys, downloads and console on the
+/// right. It is what the pages know of the window.
+class CQV5123View final : public QWidget, public PageHost {
+  Q_OBJECT
+
+ public:
+  /// What happens by itself at the start.
+  struct Startup {
+    /// Loaded instead of offering the file dialog.
+    std::optional<std::filesystem::path> setting_file;
+    bool offer_setting_file = true;
+    /// Restores what an earlier run left, before any file is loaded; true when it did, which leaves no file
+    /// to load. May be empty.
+    std::function<Task<bool>()> restore = {};
+  };
+
+  CQV5123View(CommandLink& link, Prompts& prompts, Background& background, CQV5123Doc& document,
+              PageFactories factories, QWidget* parent = nullptr);
+  ~CQV5123View() override;
+
+  /// Hands over the port, which says what it has to say through the calls below. Once, before start().
+  void use_port(PortSettings settings, PortInUse::Surroundings surroundings);
+  /// The setting files to offer beside "Load File...". recent_files_changed() tells of others.
+  void set_recent_files(RecentFiles files);
+  const RecentFiles& recent_files() const { return recent_files_; }
+  /// Opens the port, offers the setting file and opens the Registers page once the chip had time to report.
+  void start(Startup startup);
+  /// From start() until the Registers page is open.
+  bool starting() const { return starting_; }
+
+  /// What saving would write now, and takes it over in another run. image_saved() tells what a file holds.
+  JournalEntry unsaved() const { return {files_.unsaved(), document_.setting_file}; }
+  void restore(const JournalEntry& entry);
+
+  /// Text from the chip, 8-bit characters.
+  void take_received(const std::string& text);
+  /// The exit question. closing_confirmed() follows unless the user stays.
+  void request_exit();
+
+  CommandLink& link() override { return link_; }
+  CQV5123Doc& document() override { return document_; }
+  Prompts& prompts() override { return prompts_; }
+  Background& background() override { return background_; }
+  void show_status(const std::string& text) override;
+  void show_progress(std::optional<int> percent) override;
+  void append_console(const std::string& text) override;
+  Task<bool> write_user_data_file() override { return files_.write_user_data_file(); }
+  Task<bool> save_everything() override { return files_.save_everything(); }
+  Task<> reload_user_data_file() override;
+  void set_busy(bool busy) override;
+
+  PageArea& pages() { return *pages_; }
+  const ConsoleText& console_text() const { return console_text_; }
+  ConsoleView& console();
+  const StartupReply& startup_reply() const { return startup_reply_; }
+  PortInUse* port() { return port_ ? &*port_ : nullptr; }
+
+ public slots:
+  void change_port();
+  /// The serial close command.
+  void close_serial();
+
+ signals:
+  void status_changed(const QString& text);
+  void recent_files_changed();
+  void image_saved(const qv5123::UserDataImage& image);
+  void progress_changed(std::optional<int> percent);
+  /// The user has answered that the program is to end; what was to be saved is whole on the disk.
+  void closing_confirmed();
+
+ private:
+  void connect_column();
+  void connect_downloads();
+  SettingFiles::Surroundings files_surroundings();
+  TransferView transfer_view();
+
+  Task<> run_start(Startup startup);
+  Task<> begin_with_image(Startup startup);
+  Task<> load_file(std::optional<std::filesystem::path> path);
+  Task<> copy_to_factory();
+  Task<> store_version();
+  Task<> choose_osd_pattern(int selection);
+  Task<> transfer(TransferKind kind);
+  Task<> exit_flow();
+  void read_startup_reply();
+  void show_version(int slot);
+  void show_image();
+  void file_used(const std::filesystem::path& path);
+  void load_recent_file(int position);
+  void page_chosen(PageId id);
+  void send_text(const QString& text);
+
+  CommandLink& link_;
+  Prompts& prompts_;
+  Background& background_;
+  CQV5123Doc& document_;
+  ConsoleText console_text_;
+  StartupReply startup_reply_;
+  std::optional<PortInUse> port_;
+  RecentFiles recent_files_;
+  SettingFiles files_;
+  ImageTransfer transfer_;
+  PageArea* pages_ = nullptr;
+  ControlColumn* column_ = nullptr;
+  int transfers_ = 0;
+  int busy_ = 0;  // how many pages are at work
+  bool starting_ = false;
+  // Last, so that what waits ends before anything it uses.
+  FlowSet flows_;
+  Flow port_change_;
+  Flow exit_;
+};
+
+}  // namespace qv5123

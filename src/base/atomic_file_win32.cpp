@@ -1,0 +1,56 @@
+#include <windows.h>
+
+#include <algorithm>
+#include <fstream>
+#include <system_error>
+
+#include "base/atomic_file.h"
+
+namespace qv5123::detail {
+namespace {
+
+std::string last_error() {
+  return std::system_category().message(static_cast<int>(GetLastError()));
+}
+
+bool write_all(HANDLE file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const DWORD piece = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1u << 20));
+    DWORD written = 0;
+    if (!WriteFile(file, bytes.data(), piece, &written, nullptr)) return false;
+    bytes.remove_prefix(written);
+  }
+  return true;
+}
+
+}  // namespace
+
+// Files inherit their permissions from the folder here, so `like` has nothing to add.
+std::string write_new_file(const std::filesystem::path& temporary, std::string_view bytes,
+                           const std::filesystem::path&) {
+  const HANDLE file =
+      CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return last_error();
+  std::string why;
+  if (!write_all(file, bytes) || !FlushFileBuffers(file)) why = last_error();
+  if (!CloseHandle(file) && why.empty()) why = last_error();
+  return why;
+}
+
+std::string rename_over(const std::filesystem::path& temporary, const std::filesystem::path& target) {
+  const DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+  return MoveFileExW(temporary.c_str(), target.c_str(), flags) ? std::string() : last_error();
+}
+
+std::string fill_from_file(const std::filesystem::path& path, std::string& bytes) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return "it cannot be opened";
+  const bool filled(file.read(bytes.data(), static_cast<std::streamsize>(bytes.size())));
+  return filled ? "" : "it cannot be read to its end";
+}
+
+unsigned long process_number() {
+  return GetCurrentProcessId();
+}
+
+}  // namespace qv5123::detail

@@ -1,0 +1,259 @@
+#include "app/ui/qv5123_view.h"
+
+#include <QCloseEvent>
+#include <QLabel>
+#include <QMenuBar>
+
+#include "app/ui/view_bench.h"
+#include "base/delay.h"
+#include "console/setting_file.h"
+
+namespace qv5123 {
+namespace {
+
+using test::ViewBench;
+using Strings = std::vector<std::string>;
+
+TEST(MainForm, EveryButtonSendsItsFixedCommand) {
+  ViewBench bench;
+  EXPECT_EQ(bench.sent_by("OSD Up"), Strings{"@0100*"});
+  EXPECT_EQ(bench.sent_by("OSD Down"), Strings{"@0101*"});
+  EXPECT_EQ(bench.sent_by("OSD Left"), Strings{"@0102*"});
+  EXPECT_EQ(bench.sent_by("OSD Right"), Strings{"@0103*"});
+  EXPECT_EQ(bench.sent_by("OSD Set"), Strings{"@0104*"});
+  EXPECT_EQ(bench.sent_by("Factory Reset"), Strings{"@9209*@9222*@93cc*"});
+  EXPECT_EQ(bench.sent_by("AE Info"), Strings{"@a201*"});
+  EXPECT_EQ(bench.sent_by("AWB Info"), Strings{"@a501*"});
+  EXPECT_TRUE(bench.user.questions.empty());
+
+  EXPECT_EQ(bench.sent_by("Current ISP Setting copy to Factory"), Strings{}) << "cancelled";
+  bench.user.answers = {Answer::yes};
+  EXPECT_EQ(bench.sent_by("Current ISP Setting copy to Factory"), Strings{"@bf00*"});
+  EXPECT_EQ(bench.user.questions.back().text,
+            "would you really want to rewrite factorydata by current userdata?");
+}
+
+TEST(MainForm, VersionBoxShowsASlotAndStoresIt) {
+  ViewBench bench;
+  bench.document.setting_file = bench.folder.path() / "board.dat";
+  for (const auto& [entry, digit] : {std::pair{695, 1}, {696, 2}, {697, 0}, {698, 7}, {699, 9}, {700, 9}}) {
+    bench.document.user_data.set_entry(entry, digit);
+  }
+  bench.pick("Version slot", 1);
+  EXPECT_EQ(bench.driver.number("Version number 1"), 12);
+  EXPECT_EQ(bench.driver.number("Version number 2"), 7);
+  EXPECT_EQ(bench.driver.number("Version number 3"), 99);
+
+  bench.driver.type("Version number 2", 34);
+  EXPECT_EQ(bench.sent_by("Store version"), (Strings{"@cc01*@cc02*", "@cc03*@cc04*", "@cc09*@cc09*"}));
+  EXPECT_EQ(bench.document.user_data.entry(697), 3);
+  EXPECT_EQ(bench.folder.read("board.dat"), setting_text(bench.document.user_data));
+}
+
+TEST(MainForm, OsdPatternIsStoredWrittenAndSentAndShownWithoutSending) {
+  ViewBench bench;
+  bench.document.setting_file = bench.folder.path() / "board.dat";
+  bench.pick("OSD Pattern Choice", 1);
+  EXPECT_EQ(bench.document.user_data.entry(634), 1);
+  EXPECT_EQ(bench.folder.read("board.dat"), setting_text(bench.document.user_data));
+  bench.document.user_data.set_entry(634, 0);
+  bench.item(PageId::registers)->trigger();
+  bench.wire.advance(100);
+  EXPECT_EQ(bench.driver.index("OSD Pattern Choice"), 0);
+  EXPECT_EQ(bench.wire.sender.wire(), "@c901*");
+}
+
+TEST(MainForm, MenuChoosesOnePageAndGreysItsItem) {
+  ViewBench bench;
+  QStringList texts;
+  for (QAction* action : bench.frame.menuBar()->actions()) texts << action->text();
+  EXPECT_EQ(
+      texts.join(' '),
+      "&Registers &ISPTune &Gamma &LSC &AWBTune &LinearMatrix &DynamicControl FontEditor &MakeFlash &Help");
+  const auto greyed = [&] {
+    std::string names;
+    for (QAction* action : bench.view->pages().actions_in_order()) {
+      if (!action->isEnabled()) names += action->text().toStdString();
+    }
+    return names;
+  };
+  const auto shown = [&](PageId id) { return bench.view->pages().page_widget(id)->isVisible(); };
+  bench.item(PageId::isp_tune)->trigger();
+  bench.item(PageId::font_editor)->trigger();
+  EXPECT_EQ(greyed(), "&LSCFontEditor") << "the LSC has no page here";
+  EXPECT_TRUE(shown(PageId::font_editor) && !shown(PageId::isp_tune));
+  EXPECT_EQ(bench.statuses, (Strings{"ISP tune and debug tool", "", "Edit Font Library"}));
+  bench.view->pages().page_widget(PageId::font_editor)->hide();
+  EXPECT_EQ(greyed(), "&LSC") << "it closed itself";
+  bench.item(PageId::font_editor)->trigger();
+  bench.item(PageId::isp_tune)->trigger();
+  bench.view->pages().choose(PageId::lsc);
+  EXPECT_TRUE(shown(PageId::isp_tune));
+  EXPECT_EQ(bench.record,
+            (Strings{"isp-tune made", "font-editor made", "font-editor again", "isp-tune again"}));
+}
+
+TEST(MainForm, SettingFilesPassThroughThePagesInTheirOrder) {
+  ViewBench bench;
+  UserDataImage image;
+  image.set_entry(634, 1);
+  bench.user.paths = {bench.folder.write("board.dat", setting_text(image)), bench.folder / "copy.dat"};
+  for (const PageEntry& entry : kPageEntries) bench.view->pages().choose(entry.id);
+  bench.record.clear();
+  bench.click("Load File...");
+  EXPECT_EQ(bench.driver.index("OSD Pattern Choice"), 1);
+  bench.click("Save File...");
+  EXPECT_EQ(bench.record, (Strings{"gamma reloaded", "awb-tune reloaded", "dynamic-control reloaded",
+                                   "linear-matrix reloaded", "gamma saved", "awb-tune saved",
+                                   "dynamic-control saved", "linear-matrix saved"}));
+  EXPECT_EQ(bench.folder.read("copy.dat"), setting_text(image));
+}
+
+TEST(MainForm, OffersTheSettingFilesUsedLast) {
+  ViewBench bench;
+  auto* recent = bench.driver.find<QToolButton>("Recent setting files");
+  EXPECT_FALSE(recent->isEnabled());
+  UserDataImage image;
+  image.set_entry(689, 4);
+  bench.user.paths = {bench.folder.write("a&b.dat", setting_text(image)), bench.folder.path() / "c.dat"};
+  bench.click("Load File...");
+  bench.document.user_data.set_entry(689, 7);
+  bench.click("Save File...");
+  const auto item = [&](int at) { return recent->menu()->actions().at(at); };
+  EXPECT_EQ(item(0)->text(), "&1 c.dat");
+  EXPECT_EQ(item(1)->text(), "&2 a&&b.dat");
+  item(1)->trigger();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(bench.driver.number("Version number 1"), 40);
+  EXPECT_EQ(item(0)->text(), "&1 a&&b.dat");
+}
+
+TEST(MainForm, ClosingAsksAndObeysAndAsksAgainWhileAPageIsBusy) {
+  ViewBench bench;
+  int ends = 0;
+  QObject::connect(bench.view, &CQV5123View::closing_confirmed, [&] { ++ends; });
+  bench.user.answers = {Answer::no, Answer::cancel, Answer::no};
+  bench.frame.close();
+  EXPECT_EQ(ends, 1);
+  bench.view->set_busy(true);
+  bench.frame.close();
+  EXPECT_EQ(ends, 1) << "the user stays";
+}
+
+TEST(MainForm, ClosingEndsADownloadAsTheChipCanTake) {
+  ViewBench bench;
+  int ends = 0;
+  QObject::connect(bench.view, &CQV5123View::closing_confirmed, [&] { ++ends; });
+  bench.user.paths = {bench.folder.write("font.bin", std::string(1024, 'f'))};
+  bench.click("FONT");
+  bench.click("FW");
+  bench.wire.advance(50 + 50 + 50);
+  bench.user.answers = {Answer::yes, Answer::no};
+  bench.frame.close();
+  EXPECT_EQ(ends, 0);
+  bench.wire.advance(1000);
+  EXPECT_EQ(ends, 1);
+  EXPECT_EQ(bench.wire.sender.writes.size(), 7u)
+      << "the announced four blocks, and no letter of the next one";
+  EXPECT_EQ(bench.wire.sender.writes.back(), std::string(1, static_cast<char>(~4)));
+}
+
+TEST(MainForm, ControlsHaveNamesOfTheirOwnAndTips) {
+  ViewBench bench;
+  bench.driver.expect_named_controls();
+}
+
+TEST(MainForm, ManualTextSenderIsThereButOutOfReach) {
+  ViewBench bench;
+  auto* text = bench.frame.findChild<QLineEdit*>("manual-text");
+  auto* send = bench.frame.findChild<QPushButton*>("manual-send");
+  EXPECT_FALSE(text->isVisible() || send->isVisible() || text->isEnabled() || send->isEnabled());
+  text->setText("@0104*");
+  send->setEnabled(true);
+  send->click();
+  bench.wire.advance(50);
+  EXPECT_EQ(bench.wire.sender.wire(), "@0104*");
+}
+
+/// The port as the start sees it.
+struct PortBench : ViewBench {
+  OpenResult result;
+  Strings opened;
+  std::optional<PortSettings> choice;
+  std::vector<PortSettings> stored;
+  int closed = 0;
+  int dialogs = 0;
+  bool user_thinks = false;
+
+  explicit PortBench(int number) {
+    PortSettings settings;
+    settings.number = number;
+    settings.description = "USB adapter";
+    PortInUse::Surroundings around;
+    around.open = [this](std::string name, LineSettings) -> Task<OpenResult> {
+      opened.push_back(name);
+      co_return result;
+    };
+    around.close = [this] { ++closed; };
+    around.choose = [this](PortSettings) -> Task<std::optional<PortSettings>> {
+      ++dialogs;
+      if (user_thinks) co_await Delay(wire.scheduler, std::chrono::seconds(1));
+      co_return choice;
+    };
+    around.store = [this](const PortSettings& settings) { stored.push_back(settings); };
+    view->use_port(settings, std::move(around));
+  }
+};
+
+TEST(MainFormStart, OpensThePortOffersAFileAndThenTheRegisters) {
+  PortBench bench(12);
+  bench.view->start({});
+  EXPECT_EQ(bench.opened, Strings{"\\\\.\\COM12"});
+  EXPECT_EQ(bench.driver.find<QLineEdit>("COM port")->text(), "USB adapter");
+  EXPECT_EQ(bench.console(), "COM12 open ! \n");
+  EXPECT_EQ(bench.user.opens.size(), 1u);
+  bench.wire.advance(300);
+  bench.wire.receive("~0102^");
+  bench.wire.advance(199);
+  EXPECT_TRUE(bench.record.empty());
+  bench.wire.advance(1);
+  EXPECT_EQ(bench.record, Strings{"registers made"});
+  EXPECT_EQ(bench.console(), "COM12 open ! \n\nLoad Version ok..");
+  EXPECT_EQ(bench.wire.link.reply().state(), ReplyBuffer::State::idle);
+  EXPECT_FALSE(bench.view->starting());
+
+  bench.view->close_serial();
+  bench.view->close_serial();
+  EXPECT_EQ(bench.closed, 1);
+  EXPECT_EQ(bench.console(), "COM12 open ! \n\nLoad Version ok..Serial closed ..\n");
+}
+
+TEST(MainFormStart, APortThatFailsLeavesTheWindowUsableAndCanBeChanged) {
+  PortBench bench(3);
+  bench.result = {OpenError::busy, "COM3 is in use by another program."};
+  const auto path = bench.folder.write("board.dat", setting_text(UserDataImage{}));
+  bench.view->start({path, true});
+  EXPECT_EQ(bench.user.messages.back().text, "Serial open Fail..\n\nCOM3 is in use by another program.");
+  EXPECT_TRUE(bench.user.opens.empty()) << "the given file is loaded instead";
+  EXPECT_EQ(bench.document.setting_file, path);
+  bench.wire.advance(500);
+  EXPECT_EQ(bench.console(), "COM3 open fail \n");
+  EXPECT_EQ(bench.record, Strings{"registers made"});
+
+  bench.click("Change COM Port...");
+  EXPECT_EQ(bench.opened.size(), 1u) << "cancelled";
+  bench.result = {};
+  bench.choice.emplace().number = 4;
+  bench.click("Change COM Port...");
+  EXPECT_EQ(bench.opened.back(), "COM4");
+  EXPECT_EQ(bench.stored, std::vector{*bench.choice});
+
+  bench.dialogs = 0;
+  bench.user_thinks = true;
+  bench.click("Change COM Port...");
+  bench.click("Change COM Port...");
+  EXPECT_EQ(bench.dialogs, 1) << "one dialog at a time";
+}
+
+}  // namespace
+}  // namespace qv5123
