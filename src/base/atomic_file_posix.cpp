@@ -50,16 +50,21 @@ bool take_permissions(int file, const std::filesystem::path& like) {
 
 }  // namespace
 
-std::string write_new_file(const std::filesystem::path& temporary, std::string_view bytes,
-                           const std::filesystem::path& like) {
+NewFile write_new_file(const std::filesystem::path& temporary, std::string_view bytes,
+                       const std::filesystem::path& like) {
   // Renaming asks for no more than the folder's permission; the file may be protected all the same.
-  if (::faccessat(AT_FDCWD, like.c_str(), W_OK, AT_EACCESS) != 0 && errno != ENOENT) return last_error();
+  if (::faccessat(AT_FDCWD, like.c_str(), W_OK, AT_EACCESS) != 0 && errno != ENOENT)
+    return {last_error(), false, false};
   const int file = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  if (file < 0) return last_error();
-  std::string why;
-  if (!write_all(file, bytes) || !take_permissions(file, like) || ::fsync(file) != 0) why = last_error();
-  if (::close(file) != 0 && why.empty()) why = last_error();
-  return why;
+  if (file < 0) {
+    const bool taken = errno == EEXIST;
+    return {last_error(), false, taken};
+  }
+  NewFile made;
+  made.is_there = true;
+  if (!write_all(file, bytes) || !take_permissions(file, like) || ::fsync(file) != 0) made.why = last_error();
+  if (::close(file) != 0 && made.why.empty()) made.why = last_error();
+  return made;
 }
 
 std::string rename_over(const std::filesystem::path& temporary, const std::filesystem::path& target) {
@@ -81,6 +86,11 @@ std::string fill_from_file(const std::filesystem::path& path, std::string& bytes
   const std::string why = fill_from(file, bytes);
   ::close(file);
   return why;
+}
+
+bool is_own_file(const std::filesystem::path& path) {
+  struct stat status;
+  return ::lstat(path.c_str(), &status) == 0 && status.st_uid == ::geteuid();
 }
 
 unsigned long process_number() {

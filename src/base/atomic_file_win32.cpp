@@ -26,15 +26,19 @@ bool write_all(HANDLE file, std::string_view bytes) {
 }  // namespace
 
 // Files inherit their permissions from the folder here, so `like` has nothing to add.
-std::string write_new_file(const std::filesystem::path& temporary, std::string_view bytes,
-                           const std::filesystem::path&) {
+NewFile write_new_file(const std::filesystem::path& temporary, std::string_view bytes,
+                       const std::filesystem::path&) {
   const HANDLE file =
       CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return last_error();
-  std::string why;
-  if (!write_all(file, bytes) || !FlushFileBuffers(file)) why = last_error();
-  if (!CloseHandle(file) && why.empty()) why = last_error();
-  return why;
+  if (file == INVALID_HANDLE_VALUE) {
+    const bool taken = GetLastError() == ERROR_FILE_EXISTS;
+    return {last_error(), false, taken};
+  }
+  NewFile made;
+  made.is_there = true;
+  if (!write_all(file, bytes) || !FlushFileBuffers(file)) made.why = last_error();
+  if (!CloseHandle(file) && made.why.empty()) made.why = last_error();
+  return made;
 }
 
 std::string rename_over(const std::filesystem::path& temporary, const std::filesystem::path& target) {
@@ -47,6 +51,11 @@ std::string fill_from_file(const std::filesystem::path& path, std::string& bytes
   if (!file) return "it cannot be opened";
   const bool filled(file.read(bytes.data(), static_cast<std::streamsize>(bytes.size())));
   return filled ? "" : "it cannot be read to its end";
+}
+
+// The name tells enough: who may write in a folder here is who may remove from it.
+bool is_own_file(const std::filesystem::path&) {
+  return true;
 }
 
 unsigned long process_number() {

@@ -59,15 +59,28 @@ bool make_raw(const char* path) {
   return ::tcsetattr(far_end.get(), TCSANOW, &mode) == 0;
 }
 
+/// Makes a link to `target` beside `link`, under a name that is free.
+std::error_code make_link_beside(const fs::path& link, const std::string& target, fs::path& fresh) {
+  constexpr int kNames = 100;
+  std::error_code error;
+  for (int name = 0; name < kNames; ++name) {
+    fresh = link.string() + ".qv5123-" + std::to_string(::getpid()) + "-" + std::to_string(name) + ".tmp";
+    fs::create_symlink(target, fresh, error);
+    if (error != std::errc::file_exists) break;
+  }
+  return error;
+}
+
 /// Puts the link in place in one step, over an older link but over nothing else.
 std::string place_link(const fs::path& link, const std::string& target) {
   std::error_code error;
   const fs::file_status status = fs::symlink_status(link, error);
   if (fs::exists(status) && !fs::is_symlink(status))
     return "--link " + link.string() + " exists and is not a link";
-  const fs::path fresh = link.string() + "." + std::to_string(::getpid());
-  fs::create_symlink(target, fresh, error);
-  if (!error) fs::rename(fresh, link, error);
+  fs::path fresh;
+  error = make_link_beside(link, target, fresh);
+  if (error) return "--link " + link.string() + ": " + error.message();
+  fs::rename(fresh, link, error);
   if (!error) return {};
   const std::string reason = error.message();
   fs::remove(fresh, error);

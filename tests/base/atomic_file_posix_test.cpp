@@ -44,6 +44,15 @@ TEST(AtomicFilePosix, KeepsPermissionsAndLinks) {
   EXPECT_EQ(folder.read("real"), "2");
 }
 
+TEST(AtomicFilePosix, ALinkToNoFileIsRefusedAndStays) {
+  const test::TemporaryFolder folder;
+  fs::create_symlink("gone.dat", folder / "link.dat");
+  const FileResult result = write_file_atomically(folder / "link.dat", "2");
+  EXPECT_EQ(result.text, "Cannot write " + path_text(folder / "link.dat") + ": it is a link to no file");
+  EXPECT_TRUE(fs::is_symlink(folder / "link.dat"));
+  EXPECT_EQ(folder.size(), 1);
+}
+
 TEST(AtomicFilePosix, APipeInAFilesPlaceHoldsNothingUp) {
   const test::TemporaryFolder folder;
   ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);

@@ -33,5 +33,28 @@ TEST_F(AtomicFile, FailureNamesTheFileAndLeavesNothingBehind) {
   EXPECT_EQ(folder_.size(), 1);
 }
 
+TEST_F(AtomicFile, TemporariesTouchNothingThatWasThere) {
+  const std::string start = "s.dat.qv5123-" + std::to_string(detail::process_number()) + "-";
+  for (int serial = 1; serial <= 50; ++serial)
+    folder_.write(start + std::to_string(serial) + ".tmp", "user's");
+  EXPECT_EQ(write_file_atomically(folder_ / "s.dat", "new").text, "");
+  EXPECT_EQ(folder_.read("s.dat"), "new");
+  EXPECT_EQ(folder_.size(), 51);
+  for (int serial = 1; serial <= 50; ++serial)
+    EXPECT_EQ(folder_.read(start + std::to_string(serial) + ".tmp"), "user's");
+}
+
+TEST_F(AtomicFile, LeftOversOfKilledRunsGoAfterADay) {
+  const auto now = fs::file_time_type::clock::now();
+  for (const char* name : {"s.dat.qv5123-12-3.tmp", "s.dat.12-3.tmp", "s.dat.qv5123-notes.tmp",
+                           "t.dat.qv5123-12-3.tmp", "s.dat.qv5123-12-4.tmp"}) {
+    fs::last_write_time(folder_.write(name, "x"), now - std::chrono::hours(25));
+  }
+  fs::last_write_time(folder_ / "s.dat.qv5123-12-4.tmp", now - std::chrono::hours(23));
+  ASSERT_TRUE(write_file_atomically(folder_ / "s.dat", "new").ok());
+  EXPECT_FALSE(fs::exists(folder_ / "s.dat.qv5123-12-3.tmp"));
+  EXPECT_EQ(folder_.size(), 5) << "what is young, another file's or not ours stays";
+}
+
 }  // namespace
 }  // namespace qv5123
