@@ -8,6 +8,7 @@
 
 #include "app/font_search.h"
 #include "app/parent_console.h"
+#include "app/ui/arguments.h"
 #include "app/ui/frame.h"
 #include "app/ui/main_pages.h"
 #include "app/ui/program.h"
@@ -32,7 +33,7 @@ constexpr const char* kSimulatedDevice = "simulated chip";
 /// Reads the command line before there is a window system to connect to: help needs none.
 std::variant<ProgramOptions, EndAtOnce> early_options(int& argc, char** argv) {
   QCoreApplication application(argc, argv);
-  return read_options(QCoreApplication::arguments());
+  return read_options(program_arguments(argc, argv));
 }
 
 /// What is wrong with the scene asked for; nothing when it is one, or none was.

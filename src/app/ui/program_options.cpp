@@ -2,9 +2,11 @@
 
 #include <QCommandLineParser>
 #include <QDir>
-#include <QFileInfo>
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <iterator>
+#include <system_error>
 
 #include "base/ui/qt_text.h"
 
@@ -37,10 +39,11 @@ QString fault_of(const QCommandLineParser& parser) {
     }
   }
   const QString file = parser.value("settings");
-  if (parser.isSet("settings") && !QFileInfo(file).isFile()) {
+  std::error_code error;
+  if (parser.isSet("settings") && !std::filesystem::is_regular_file(to_path(file), error)) {
     return QStringLiteral("Setting file '%1' does not exist.").arg(file);
   }
-  if (parser.isSet("settings") && !QFileInfo(file).isReadable()) {
+  if (parser.isSet("settings") && !std::ifstream(to_path(file))) {
     return QStringLiteral("Setting file '%1' cannot be read.").arg(file);
   }
   const QString folder = parser.value("tour");

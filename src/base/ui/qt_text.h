@@ -16,22 +16,14 @@ inline std::string from_qt(const QString& text) {
   return text.toStdString();
 }
 
-inline QString native_to_qt(const std::string& path) {
-  return to_qt(path);
-}
-inline QString native_to_qt(const std::wstring& path) {
-  return QString::fromStdWString(path);
-}
-
-/// Paths keep every character on both systems, whatever the code page. What is no Unicode text, as settings
-/// and disks can hold, is replaced; the library's own conversions would throw.
+/// Paths keep every character on both systems, whatever the code page. Bytes of a name that are no UTF-8, as
+/// disks can hold, go through Qt as halves of surrogate pairs, U+DC80 to U+DCFF, and come back as they were.
+QString native_to_qt(const std::string& path);
+QString native_to_qt(const std::wstring& path);
 inline QString path_to_qt(const std::filesystem::path& path) {
   return native_to_qt(path.native());
 }
-inline std::filesystem::path to_path(const QString& text) {
-  const QByteArray bytes = text.toUtf8();
-  return std::u8string(bytes.begin(), bytes.end());
-}
+std::filesystem::path to_path(const QString& text);
 
 /// A tool tip that shows `text` as it is. Qt itself takes what looks like markup for that, pictures from any
 /// path included; names from files and of files are neither.
