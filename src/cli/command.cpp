@@ -43,6 +43,11 @@ CLI::Option* add_number(CLI::App& command, const std::string& name, int& number,
   return command.add_option_function<std::string>(name, take, help)->type_name(name[0] == '-' ? "N" : "");
 }
 
+CLI::Option* add_lenient(CLI::App& command, bool& lenient) {
+  return command.add_flag("--lenient", lenient,
+                          "Take a setting file that is not 1024 decimal numbers, as the window does");
+}
+
 CLI::Option* add_real(CLI::App& command, const std::string& name, double& number, const std::string& help) {
   const auto take = [&number, name](const std::string& text) { number = real_number(name, text); };
   return command.add_option_function<std::string>(name, take, help)->type_name("X");

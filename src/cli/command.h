@@ -43,6 +43,8 @@ CLI::Option* add_numbers(CLI::App& command, const std::string& name, std::vector
                          int highest, const std::string& help);
 CLI::Option* add_number(CLI::App& command, const std::string& name, int& number, int lowest, int highest,
                         const std::string& help);
+/// For commands that refuse a setting file which is not 1024 decimal numbers.
+CLI::Option* add_lenient(CLI::App& command, bool& lenient);
 CLI::Option* add_real(CLI::App& command, const std::string& name, double& number, const std::string& help);
 
 // The groups of commands.

@@ -15,6 +15,7 @@ namespace {
 struct DownloadOptions {
   std::filesystem::path file;
   std::string expect;
+  bool lenient = false;
 };
 
 /// The number of blocks is told in one byte. The window sends a file that makes it 0 like any other, and the
@@ -22,9 +23,10 @@ struct DownloadOptions {
 constexpr std::size_t kLargest = 255 * 256;
 
 /// Before the chip is told of an image that then does not come.
-void check_file(TransferKind kind, const std::filesystem::path& path) {
+void check_file(TransferKind kind, const DownloadOptions& options) {
+  const std::filesystem::path& path = options.file;
   if (kind == TransferKind::user_data) {
-    read_settings(path);
+    read_whole_settings(path, options.lenient);
     return;
   }
   const std::size_t size = read_file(path).size();
@@ -37,7 +39,10 @@ void check_file(TransferKind kind, const std::filesystem::path& path) {
 class Download {
  public:
   Download(Chip& chip, TransferKind kind, const DownloadOptions& options)
-      : chip_(chip), kind_(kind), options_(options), prompts_(options.file) {}
+      : chip_(chip), kind_(kind), options_(options), prompts_(options.file) {
+    // What was to be refused was so before anything was sent.
+    prompts_.answer(Answer::yes);
+  }
 
   Task<ExitCode> run() {
     chip_.on_console([this](const std::string& text) { take_console(text); });
@@ -120,7 +125,7 @@ Task<ExitCode> download(Chip& chip, TransferKind kind, const DownloadOptions& op
 
 template <TransferKind kind>
 ExitCode run(Context& context, const DownloadOptions& options) {
-  check_file(kind, options.file);
+  check_file(kind, options);
   return run_on_chip(context, [&](Chip& chip) { return download(chip, kind, options); });
 }
 
@@ -132,13 +137,18 @@ void declare(CLI::App& command, DownloadOptions& options) {
       ->type_name("TEXT");
 }
 
+void declare_user(CLI::App& command, DownloadOptions& options) {
+  declare(command, options);
+  add_lenient(command, options.lenient);
+}
+
 }  // namespace
 
 void add_download_commands(CLI::App& app, Context& context) {
   CLI::App* group = add_group(app, "download", "Send an image to the chip");
   add_command<DownloadOptions>(*group, context, "fw", "Firmware", declare, run<TransferKind::firmware>);
   add_command<DownloadOptions>(*group, context, "font", "OSD font", declare, run<TransferKind::font>);
-  add_command<DownloadOptions>(*group, context, "user", "User data: a setting file", declare,
+  add_command<DownloadOptions>(*group, context, "user", "User data: a setting file", declare_user,
                                run<TransferKind::user_data>);
 }
 

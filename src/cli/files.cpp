@@ -4,6 +4,7 @@
 #include "cli/complaint.h"
 #include "console/decimal_numbers.h"
 #include "console/setting_file.h"
+#include "console/setting_format.h"
 
 namespace qv5123 {
 namespace {
@@ -29,11 +30,25 @@ bool holds_settings(std::string_view text) {
   return DecimalReader(text).read(number);
 }
 
-UserDataImage read_settings(const std::filesystem::path& path) {
-  if (!holds_settings(read_file(path, kSettingFileLimit))) refuse(path_text(path) + " holds no settings");
-  UserDataImage image;
-  check(read_setting_file(path, image));
-  return image;
+UserDataImage read_settings(Output& out, const std::filesystem::path& path) {
+  const std::string text = read_file(path, kSettingFileLimit);
+  if (!holds_settings(text)) refuse(path_text(path) + " holds no settings");
+  const std::string oddity = format_summary(text);
+  if (!oddity.empty()) out.warning(path_text(path) + ": " + oddity);
+  return image_of(text);
+}
+
+void check_settings_text(const std::filesystem::path& path, std::string_view text, std::size_t count,
+                         bool lenient) {
+  if (lenient) return;
+  const std::string oddity = format_summary(text, count);
+  if (!oddity.empty()) refuse(path_text(path) + ": " + oddity);
+}
+
+UserDataImage read_whole_settings(const std::filesystem::path& path, bool lenient) {
+  const std::string text = read_file(path, kSettingFileLimit);
+  check_settings_text(path, text, UserDataImage::kSize, lenient);
+  return image_of(text);
 }
 
 }  // namespace qv5123

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "cli/output.h"
 #include "console/user_data_image.h"
 
 namespace qv5123 {
@@ -16,7 +17,13 @@ std::string read_file(const std::filesystem::path& path, std::uintmax_t limit = 
 void write_file(const std::filesystem::path& path, std::string_view bytes);
 /// Whether a setting file's text has any number. Reading makes an image of zeros of one that has none.
 bool holds_settings(std::string_view text);
-/// A file without any number is none.
-UserDataImage read_settings(const std::filesystem::path& path);
+/// For looking at. A file without any number is none; what else is odd about one is told on stderr.
+UserDataImage read_settings(Output& out, const std::filesystem::path& path);
+/// For what goes on to the chip or into a file: refuses what is not 1024 decimal numbers 0..255. Lenient, it
+/// takes what the window would.
+UserDataImage read_whole_settings(const std::filesystem::path& path, bool lenient);
+/// Refuses what is not `count` decimal numbers 0..255, unless lenient.
+void check_settings_text(const std::filesystem::path& path, std::string_view text, std::size_t count,
+                         bool lenient);
 
 }  // namespace qv5123

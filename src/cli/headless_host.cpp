@@ -10,7 +10,7 @@ Task<> HeadlessPrompts::message(Message message) {
 }
 
 Task<Answer> HeadlessPrompts::ask(Question) {
-  co_return Answer::cancel;
+  co_return answer_;
 }
 
 Task<std::optional<std::filesystem::path>> HeadlessPrompts::choose_open(FileChoice) {

@@ -5,8 +5,8 @@
 
 namespace qv5123 {
 
-/// The user who is not there. Nothing is ever asked: questions are answered with Cancel, choosers with the
-/// file that the command line named, and what had to be acknowledged is kept.
+/// The user who is not there. Nothing is ever asked: questions are answered with Cancel unless told
+/// otherwise, choosers with the file that the command line named, and what had to be acknowledged is kept.
 class HeadlessPrompts final : public Prompts {
  public:
   explicit HeadlessPrompts(std::filesystem::path file = {}) : file_(std::move(file)) {}
@@ -16,12 +16,15 @@ class HeadlessPrompts final : public Prompts {
   Task<std::optional<std::filesystem::path>> choose_open(FileChoice choice) override;
   Task<std::optional<std::filesystem::path>> choose_save(FileChoice choice) override;
 
+  /// What questions are answered with.
+  void answer(Answer answer) { answer_ = answer; }
   /// The last message; empty while there was none.
   const std::string& last_message() const { return last_message_; }
 
  private:
   std::filesystem::path file_;
   std::string last_message_;
+  Answer answer_ = Answer::cancel;
 };
 
 /// The main form as the pages' flows see it, without a window. No file is written behind the user's back:

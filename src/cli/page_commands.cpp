@@ -16,6 +16,7 @@ struct PageOptions {
   std::string name;
   std::filesystem::path file;
   bool verify = false;
+  bool lenient = false;
 };
 
 using Numbers = TuningPage::Numbers;
@@ -133,13 +134,13 @@ ExitCode run_show(Context& context, const PageOptions& options) {
 }
 
 ExitCode run_save(Context& context, const PageOptions& options) {
-  const UserDataImage image = read_settings(options.file);
+  const UserDataImage image = read_whole_settings(options.file, options.lenient);
   const auto page = make_tuning_page(options.name);
   return run_on_chip(context, [&](Chip& chip) { return save(chip, *page, image, options); });
 }
 
 ExitCode run_diff(Context& context, const PageOptions& options) {
-  const UserDataImage image = read_settings(options.file);
+  const UserDataImage image = read_whole_settings(options.file, options.lenient);
   const auto page = make_tuning_page(options.name);
   return run_on_chip(context, [&](Chip& chip) { return diff(chip, *page, image); });
 }
@@ -161,11 +162,13 @@ void declare_save(CLI::App& command, PageOptions& options) {
   declare_name(command, options);
   add_path(command, "--from", options.file, "The setting file to take the values from")->required();
   command.add_flag("--verify", options.verify, "Read the page back afterwards and compare");
+  add_lenient(command, options.lenient);
 }
 
 void declare_diff(CLI::App& command, PageOptions& options) {
   declare_name(command, options);
   add_path(command, "FILE", options.file, "A setting file")->required();
+  add_lenient(command, options.lenient);
 }
 
 }  // namespace

@@ -1,10 +1,13 @@
+#include <chrono>
 #include <utility>
 
+#include "base/lock_file.h"
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/numbers.h"
 #include "cli/settings_check.h"
 #include "console/setting_file.h"
+#include "console/setting_format.h"
 
 namespace qv5123 {
 namespace {
@@ -13,7 +16,11 @@ struct SettingsOptions {
   std::filesystem::path file;
   std::filesystem::path other;
   std::vector<std::string> names;
+  bool lenient = false;
 };
+
+/// Longer than another command takes to change the file.
+constexpr std::chrono::seconds kLockPatience{5};
 
 std::vector<Setting> wanted(const SettingsTable& table, const std::vector<std::string>& names) {
   if (names.empty()) return table.settings();
@@ -27,7 +34,7 @@ std::vector<Setting> wanted(const SettingsTable& table, const std::vector<std::s
 }
 
 ExitCode show(Context& context, const SettingsOptions& options) {
-  const UserDataImage image = read_settings(options.file);
+  const UserDataImage image = read_settings(context.out, options.file);
   Json values = Json::object();
   std::string text;
   for (const Setting& setting : wanted(SettingsTable(), options.names)) {
@@ -62,7 +69,10 @@ void assign(const SettingsTable& table, const std::string& text, UserDataImage& 
 
 ExitCode set(Context& context, const SettingsOptions& options) {
   const SettingsTable table;
-  UserDataImage image = read_settings(options.file);
+  // What another command changes meanwhile must not be lost.
+  const FileLock lock = lock_beside(options.file, kLockPatience);
+  if (lock.busy) refuse(path_text(options.file) + " is being changed by another program");
+  UserDataImage image = read_whole_settings(options.file, options.lenient);
   for (const std::string& assignment : options.names) assign(table, assignment, image);
   write_file(options.file, setting_text(image));
   context.out.result(Json{{"file", path_text(options.file)}, {"set", options.names.size()}});
@@ -93,8 +103,8 @@ void add_difference(const Setting& setting, const UserDataImage& a, const UserDa
 }
 
 ExitCode diff(Context& context, const SettingsOptions& options) {
-  const UserDataImage a = read_settings(options.file);
-  const UserDataImage b = read_settings(options.other);
+  const UserDataImage a = read_settings(context.out, options.file);
+  const UserDataImage b = read_settings(context.out, options.other);
   const SettingsTable table;
   Json json = Json::array();
   std::string text;
@@ -109,7 +119,7 @@ ExitCode check(Context& context, const SettingsOptions& options) {
   const std::string written = read_file(options.file, kSettingFileLimit);
   std::vector<std::string> problems = format_problems(written);
   if (holds_settings(written)) {
-    const std::vector<std::string> more = value_problems(SettingsTable(), read_settings(options.file));
+    const std::vector<std::string> more = value_problems(SettingsTable(), image_of(written));
     problems.insert(problems.end(), more.begin(), more.end());
   }
   std::string text;
@@ -132,6 +142,7 @@ void declare_show(CLI::App& command, SettingsOptions& options) {
 void declare_set(CLI::App& command, SettingsOptions& options) {
   declare_file(command, options);
   command.add_option("NAME=VALUE", options.names, "Name or index, and a number")->type_name("")->required();
+  add_lenient(command, options.lenient);
 }
 
 void declare_diff(CLI::App& command, SettingsOptions& options) {

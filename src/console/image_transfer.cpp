@@ -305,13 +305,23 @@ Task<std::optional<BlockImage>> ImageTransfer::read_binary(std::filesystem::path
 Task<std::optional<BlockImage>> ImageTransfer::read_user_data(std::optional<std::filesystem::path> path) {
   // A file only replaces the image. Without one the image is sent as it is.
   if (path) {
-    const FileResult result = co_await read_setting_file(background_, *path, document_.user_data);
-    if (!result.ok()) {
-      co_await warn(result.text);
+    const ReadSettings read = co_await read_setting_file(background_, std::move(*path));
+    if (!read.result.ok()) {
+      co_await warn(read.result.text);
       co_return std::nullopt;
     }
+    const bool wanted = read.oddity.empty() || co_await may_send(read.oddity);
+    if (!wanted) co_return std::nullopt;
+    document_.user_data = read.image;
   }
   co_return blocks_of(document_.user_data.bytes());
+}
+
+Task<bool> ImageTransfer::may_send(std::string oddity) {
+  view_.append_console("\r\n" + oddity);
+  Question question =
+      careful_question("This is no whole setting file.\n\n" + oddity + "\n\nSend it all the same?");
+  co_return co_await prompts_.ask(std::move(question)) == Answer::yes;
 }
 
 Task<> ImageTransfer::warn(std::string text) {

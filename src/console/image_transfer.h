@@ -68,6 +68,7 @@ class ImageTransfer {
   Task<std::optional<BlockImage>> choose_image(TransferKind kind);
   Task<std::optional<BlockImage>> read_binary(std::filesystem::path path);
   Task<std::optional<BlockImage>> read_user_data(std::optional<std::filesystem::path> path);
+  Task<bool> may_send(std::string oddity);
   Task<> warn(std::string text);
   Task<TransferEnd> send_image(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image);
   Task<bool> is_lost(const Transfer& transfer, JobResult sent);

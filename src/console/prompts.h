@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "base/task.h"
 
@@ -16,15 +17,31 @@ struct Message {
   Icon icon = Icon::information;
 };
 
+enum class Answer { yes, no, cancel };  // OK counts as yes
+
 /// A question with a fixed set of answers.
 struct Question {
   enum class Buttons { ok_cancel, yes_no, yes_no_cancel };
   std::string text;
   std::string title = "QV5123";
   Buttons buttons = Buttons::ok_cancel;
+  /// What the Enter key answers; without it, what stands first.
+  std::optional<Answer> preferred = {};
+  /// What the buttons say where "Yes", "No" and "Cancel" would say too little.
+  std::string yes_text = {};
+  std::string no_text = {};
+  std::string cancel_text = {};
 };
 
-enum class Answer { yes, no, cancel };  // OK counts as yes
+/// A question before something that cannot be taken back: Enter answers No.
+inline Question careful_question(std::string text, std::string title = "QV5123") {
+  Question question;
+  question.text = std::move(text);
+  question.title = std::move(title);
+  question.buttons = Question::Buttons::yes_no;
+  question.preferred = Answer::no;
+  return question;
+}
 
 /// What a file chooser offers.
 struct FileChoice {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "console/decimal_numbers.h"
+#include "console/setting_format.h"
 
 namespace qv5123 {
 
@@ -18,16 +19,26 @@ std::string setting_text(const UserDataImage& image) {
   return text;
 }
 
-FileResult read_setting_file(const std::filesystem::path& path, UserDataImage& image) {
-  std::string text;
-  FileResult result = read_whole_file(path, text, kSettingFileLimit);
-  if (!result.ok()) return result;
+UserDataImage image_of(std::string_view text) {
   const std::vector<std::uint8_t> numbers = read_decimal_bytes(text, UserDataImage::kSize);
   std::array<std::uint8_t, UserDataImage::kSize> bytes{};
   std::copy(numbers.begin(), numbers.end(), bytes.begin());
+  UserDataImage image;
   image.assign(bytes);
   image.mark_loaded();
-  return result;
+  return image;
+}
+
+ReadSettings read_setting_file(const std::filesystem::path& path) {
+  ReadSettings read;
+  std::string text;
+  read.result = read_whole_file(path, text, kSettingFileLimit);
+  if (!read.result.ok()) return read;
+  read.image = image_of(text);
+  const std::string summary = format_summary(text);
+  if (!summary.empty()) read.oddity = path_text(path.filename()) + ": " + summary;
+  read.text = std::move(text);
+  return read;
 }
 
 FileResult write_setting_file(const std::filesystem::path& path, const UserDataImage& image) {
@@ -36,47 +47,27 @@ FileResult write_setting_file(const std::filesystem::path& path, const UserDataI
 
 namespace {
 
-/// An image as read, and whether it was.
-struct ReadImage {
-  FileResult result;
-  UserDataImage image;
-};
-
-Task<FileResult> take_over(Task<ReadImage> reading, UserDataImage& image) {
-  const ReadImage read = co_await std::move(reading);
+Task<ReadSettings> take_over(Task<ReadSettings> reading, UserDataImage& image) {
+  ReadSettings read = co_await std::move(reading);
   if (read.image.loaded()) image = read.image;
-  co_return read.result;
+  co_return read;
 }
 
 }  // namespace
 
-Task<FileResult> read_setting_file(Background& background, std::filesystem::path path, UserDataImage& image) {
-  std::function<ReadImage()> work = [path = std::move(path)] {
-    ReadImage read;
-    read.result = read_setting_file(path, read.image);
-    return read;
-  };
-  return take_over(background.run<ReadImage>(std::move(work)), image);
+Task<ReadSettings> read_setting_file(Background& background, std::filesystem::path path) {
+  std::function<ReadSettings()> work = [path = std::move(path)] { return read_setting_file(path); };
+  return background.run<ReadSettings>(std::move(work));
 }
 
-Task<FileResult> write_setting_file(Background& background, std::filesystem::path path,
-                                    const UserDataImage& image) {
-  std::function<FileResult()> work = [path = std::move(path), image] {
-    return write_setting_file(path, image);
-  };
-  return background.run<FileResult>(std::move(work));
-}
-
-Task<FileResult> reload_user_data_file(Background& background, UserDataImage& image,
-                                       std::filesystem::path folder) {
-  std::function<ReadImage()> work = [path = std::move(folder) / kUserDataFile] {
-    ReadImage read;
+Task<ReadSettings> reload_user_data_file(Background& background, UserDataImage& image,
+                                         std::filesystem::path folder) {
+  std::function<ReadSettings()> work = [path = std::move(folder) / kUserDataFile] {
     std::error_code error;
     const auto type = std::filesystem::status(path, error).type();
-    if (type != std::filesystem::file_type::not_found) read.result = read_setting_file(path, read.image);
-    return read;
+    return type == std::filesystem::file_type::not_found ? ReadSettings() : read_setting_file(path);
   };
-  return take_over(background.run<ReadImage>(std::move(work)), image);
+  return take_over(background.run<ReadSettings>(std::move(work)), image);
 }
 
 }  // namespace qv5123

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "base/atomic_file.h"
 #include "base/background.h"
@@ -24,22 +26,28 @@ inline constexpr std::uintmax_t kSettingFileLimit = 1u << 20;
 /// The image as the content of a setting file.
 std::string setting_text(const UserDataImage& image);
 
-/// Reads the file into the image and marks the image as loaded. On failure the image stays as it is.
-FileResult read_setting_file(const std::filesystem::path& path, UserDataImage& image);
-
-/// The same for a file that may be slow to read. The image must outlive the task.
-Task<FileResult> read_setting_file(Background& background, std::filesystem::path path, UserDataImage& image);
+/// The image that the content of a setting file stands for, marked as loaded.
+UserDataImage image_of(std::string_view text);
 
 /// Replaces the file in one step; on failure the old one stays whole.
 FileResult write_setting_file(const std::filesystem::path& path, const UserDataImage& image);
 
-/// Writes the image as it is now. Writes that follow each other reach the disk in their order.
-Task<FileResult> write_setting_file(Background& background, std::filesystem::path path,
-                                    const UserDataImage& image);
+/// A setting file as it was read.
+struct ReadSettings {
+  FileResult result;
+  UserDataImage image;              ///< loaded() if the file could be read
+  std::optional<std::string> text;  ///< of the file; nothing if it could not be read
+  /// What is odd about it, format_summary() behind its name; empty for a whole setting file.
+  std::string oddity;
+};
+
+ReadSettings read_setting_file(const std::filesystem::path& path);
+/// The same for a file that may be slow to read.
+Task<ReadSettings> read_setting_file(Background& background, std::filesystem::path path);
 
 /// ReloadUserDataFile: reads kUserDataFile of `folder` into the image, which must outlive the task. A file
 /// that does not exist is no failure and changes nothing.
-Task<FileResult> reload_user_data_file(Background& background, UserDataImage& image,
-                                       std::filesystem::path folder = ".");
+Task<ReadSettings> reload_user_data_file(Background& background, UserDataImage& image,
+                                         std::filesystem::path folder = ".");
 
 }  // namespace qv5123

@@ -53,6 +53,51 @@ TEST_F(CtlTest, SettingsChecked) {
                                   "make it 181=3 182=32\n"));
 }
 
+TEST_F(CtlTest, AFileThatIsNo1024NumbersIsRefusedUnlessLenient) {
+  copy_resource("sample.dat");
+  folder.write("regs.txt", "0x0000=0x12 //R\r\n");
+  folder.write("bin", std::string(300, '\x01'));
+  const std::string refusal =
+      "qv5123ctl: regs.txt: 1 number of 1024, the rest repeats 0 (line 1: \"0x0000=0x12\" is no decimal "
+      "number)\n";
+  const std::vector<std::vector<std::string>> commands = {
+      {"settings", "set", "regs.txt", "0=1"},
+      {"page", "save", "lsc", "--from", "regs.txt", "--simulate"},
+      {"page", "diff", "lsc", "regs.txt", "--simulate"},
+      {"download", "user", "regs.txt", "--simulate"},
+      {"flash", "make", "--fw", "bin", "--font", "bin", "--user", "regs.txt", "-o", "image"}};
+  for (const std::vector<std::string>& command : commands) {
+    const auto refused = ctl(command);
+    EXPECT_EQ(refused.code, 2) << command[1];
+    EXPECT_EQ(refused.err, refusal);
+  }
+  EXPECT_EQ("qv5123ctl: " + ctl({"settings", "show", "regs.txt", "0"}).err, refusal)
+      << "a look at it is only warned of";
+
+  std::vector<std::string> lenient = commands.back();
+  lenient.push_back("--lenient");
+  EXPECT_EQ(ctl(lenient).code, 0);
+  EXPECT_EQ(ctl({"download", "user", "regs.txt", "--simulate", "--lenient"}).code, 0);
+  EXPECT_EQ(ctl({"settings", "set", "regs.txt", "0=1", "--lenient"}).code, 0);
+  EXPECT_EQ(folder.read("regs.txt").substr(0, 6), "1\r\n0\r\n");
+  folder.write("long.dat", folder.read("regs.txt") + folder.read("regs.txt"));
+  std::vector<std::string> whole = commands.back();
+  whole[7] = "long.dat";
+  EXPECT_EQ(ctl(whole).code, 0) << "the image has room for twice as many";
+}
+
+TEST_F(CtlTest, SettingsSetAtTheSameTimeAreAllKept) {
+  copy_resource("sample.dat");
+  std::vector<std::unique_ptr<test::Program>> programs;
+  for (int entry = 1000; entry < 1008; ++entry)
+    programs.push_back(start({"settings", "set", "sample.dat", std::to_string(entry) + "=77"}));
+  for (const auto& program : programs) EXPECT_EQ(program->end(), 0);
+  for (int entry = 1000; entry < 1008; ++entry)
+    EXPECT_EQ(ctl({"settings", "show", "sample.dat", std::to_string(entry)}).out,
+              std::to_string(entry) + " = 77\n");
+  EXPECT_EQ(folder.size(), 1);
+}
+
 TEST_F(CtlTest, FlashImages) {
   copy_resource("sample.dat");
   folder.write("fw.bin", std::string(300, '\x01'));
@@ -63,6 +108,11 @@ TEST_F(CtlTest, FlashImages) {
       "image: 262144 bytes\n");
   EXPECT_EQ(ctl({"flash", "inspect", "image", "--json"}).json()["regions"][0]["used"], 300);
   std::string image = folder.read("image");
+  folder.write("no-font",
+               std::string(image).replace(flash::kFontOffset, 0x10000, std::string(0x10000, '\xFF')));
+  const auto no_font = ctl({"flash", "inspect", "no-font"});
+  EXPECT_THAT(no_font.out, HasSubstr("No font: erased\n"));
+  EXPECT_EQ(no_font.code, 1);
   image[flash::kSecondFirmwareOffset] = '\x07';
   image[flash::kUserOffset + 5 * flash::kSectorSize + 232] ^= 1;
   folder.write("broken", image);

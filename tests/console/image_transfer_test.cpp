@@ -88,15 +88,26 @@ TEST_F(ImageTransferTest, FontEndsWithAFullBarAndTellsSpeed) {
 TEST_F(ImageTransferTest, SystemSendsTheChosenSettingFile) {
   doc.setting_file = "remembered.dat";
   user.paths = {folder.write("set.dat", "7 5")};
+  user.answers = {Answer::yes};
   press(TransferKind::user_data);
   run_to_end();
   const std::string fives(256, '\x05');
   EXPECT_THAT(sent(), ElementsAre("U", std::string("\x04\0", 2), "\x07" + fives.substr(1), fives, fives,
                                   fives, std::string(1, 4 ^ 7 ^ 5)));
   EXPECT_THAT(bar, ElementsAre(0, 0, 25, 50, 75, 100));
-  EXPECT_EQ(console, "\r\n User data sent..");
+  EXPECT_EQ(console, "\r\nset.dat: 2 numbers of 1024, the rest repeats 5\r\n User data sent..");
+  EXPECT_EQ(user.questions.at(0).preferred, Answer::no);
   EXPECT_EQ(doc.user_data.entry(1023), 5);
   EXPECT_EQ(doc.setting_file, "remembered.dat");
+}
+
+TEST_F(ImageTransferTest, SystemSendsNoOddFileUnasked) {
+  user.paths = {folder.write("regs.txt", "0x0000=0x12\r\n")};
+  press(TransferKind::user_data);
+  run_to_end();
+  EXPECT_THAT(user.questions.at(0).text, HasSubstr("regs.txt: 1 number of 1024, the rest repeats 0"));
+  EXPECT_THAT(sent(), ElementsAre("U"));
+  EXPECT_FALSE(doc.user_data.loaded()) << "the image is what it was";
 }
 
 TEST_F(ImageTransferTest, SystemWithoutAFileSendsThePresentImage) {

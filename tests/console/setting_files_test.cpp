@@ -4,6 +4,7 @@
 #include "console/setting_file.h"
 #include "support/fake_prompts.h"
 #include "support/inline_background.h"
+#include "support/manual_scheduler.h"
 #include "support/temporary_folder.h"
 
 namespace qv5123 {
@@ -48,6 +49,9 @@ class SettingFilesTest : public testing::Test {
   std::vector<std::string> calls;
   std::vector<std::string> statuses;
   std::vector<std::string> used;
+  std::vector<std::string> done_texts;
+  std::string console;
+  test::ManualScheduler clock;
   UserDataImage held;  // by the file used last
   NumberedPage gamma{1, doc.user_data, calls};
   NumberedPage lens{5, doc.user_data, calls};
@@ -56,12 +60,15 @@ class SettingFilesTest : public testing::Test {
   SettingFiles files{doc,
                      user,
                      work,
+                     clock,
                      {[this] { return pages; }, [this]() -> Page* { return &font; },
                       [this](const std::string& text) { statuses.push_back(text); },
                       [this](const fs::path& path, const UserDataImage& image) {
                         used.push_back(path.filename().string());
                         held = image;
-                      }}};
+                      },
+                      [this](const std::string& text) { done_texts.push_back(text); },
+                      [this](const std::string& text) { console += text; }}};
 
   void load() { const Flow flow(files.load()); }
   void save() { const Flow flow(files.save()); }
@@ -159,8 +166,8 @@ TEST_F(SettingFilesTest, ExitAsksAndEndsOnlyWhenNothingIsLost) {
 
 TEST_F(SettingFilesTest, ReloadTakesTheFixedFileIfThereIsOne) {
   const auto reload = [this]() -> Task<> {
-    const FileResult result = co_await reload_user_data_file(work, doc.user_data, folder.path());
-    EXPECT_TRUE(result.ok());
+    const ReadSettings read = co_await reload_user_data_file(work, doc.user_data, folder.path());
+    EXPECT_TRUE(read.result.ok());
   };
   Flow flow(reload());
   EXPECT_FALSE(doc.user_data.loaded());
@@ -180,6 +187,7 @@ TEST_F(SettingFilesTest, WhatIsWrittenIsTheImageAtTheTimeOfTheSaveAndExitWaitsFo
   doc.user_data.set_entry(0, 99);
   EXPECT_FALSE(ends);
   work.catch_up();
+  clock.advance(std::chrono::milliseconds(0));
   EXPECT_TRUE(ends);
   EXPECT_EQ(folder.read("user.dat").substr(0, 6), "0\r\n1\r\n");
   EXPECT_EQ(held.entry(0), 0) << "what came later is not saved";
@@ -195,6 +203,100 @@ TEST_F(SettingFilesTest, ASaveWhileAFileIsReadGoesToTheOneBeforeIt) {
   EXPECT_EQ(folder.read("old.dat"), lines("0", 1024));
   EXPECT_EQ(folder.read("new.dat"), lines("9", 1024));
   EXPECT_EQ(doc.setting_file, folder / "new.dat");
+}
+
+TEST_F(SettingFilesTest, AFileThatIsNoneIsNamedAndWrittenOverOnlyWhenAsked) {
+  const std::string oddity =
+      "regs.txt: 1 number of 1024, the rest repeats 0 (line 1: \"0x0000=0x12\" is no decimal number)";
+  user.paths = {folder.write("regs.txt", "0x0000=0x12 //R\r\n")};
+  load();
+  EXPECT_EQ(statuses.back(), oddity);
+  EXPECT_EQ(console, "\r\n" + oddity);
+  EXPECT_THAT(calls, ElementsAre("reload 1 0", "reload 5 0")) << "its values are taken all the same";
+
+  EXPECT_FALSE(done(files.save_everything()));
+  EXPECT_EQ(folder.read("regs.txt"), "0x0000=0x12 //R\r\n");
+  EXPECT_THAT(user.questions.at(0).text, testing::HasSubstr(oddity));
+  EXPECT_EQ(user.questions[0].preferred, Answer::no);
+  user.answers = {Answer::yes};
+  EXPECT_TRUE(done(files.save_everything()));
+  EXPECT_EQ(folder.read("regs.txt~"), "0x0000=0x12 //R\r\n");
+  EXPECT_TRUE(done(files.save_everything()));
+  EXPECT_EQ(user.questions.size(), 2u) << "it is one now";
+}
+
+TEST_F(SettingFilesTest, ALoadedFileIsKeptOnceAndEveryWriteIsNamed) {
+  const std::string loaded = lines("9", 1024);
+  const std::string path = path_text(folder / "set.dat");
+  user.paths = {folder.write("set.dat", loaded)};
+  load();
+  EXPECT_EQ(done_texts.back(), "Setting file loaded: " + path);
+  EXPECT_TRUE(done(files.write_user_data_file()));
+  EXPECT_FALSE(fs::exists(folder / "set.dat~")) << "nothing was changed yet";
+  for (int value : {1, 2}) {
+    doc.user_data.set_entry(900, value);
+    user.on_prompt = [&] {
+      EXPECT_THAT(done_texts.back(), testing::StartsWith("Setting file written: " + path))
+          << "before the chooser";
+    };
+    save();
+    EXPECT_EQ(done_texts.back(), "Setting file written: " + path + ", and no other file");
+    EXPECT_EQ(folder.read("set.dat~"), loaded);
+  }
+  user.on_prompt = nullptr;
+  doc.setting_file.clear();
+  save();
+  EXPECT_EQ(done_texts.back(), "No setting file was written");
+  EXPECT_TRUE(user.questions.empty());
+}
+
+TEST_F(SettingFilesTest, AFileThatAnotherProgramChangedIsNotWrittenUnasked) {
+  const std::string others = lines("3", 1024);
+  const auto change = [&] { folder.write("set.dat", others); };
+  user.paths = {folder.write("set.dat", lines("9", 1024))};
+  load();
+  doc.user_data.set_entry(900, 1);
+  change();
+  user.answers = {Answer::no, Answer::yes};
+  EXPECT_FALSE(done(files.write_user_data_file()));
+  EXPECT_EQ(user.questions.at(0).text,
+            path_text(folder / "set.dat") +
+                " was changed by another program: overwrite, load it, or save under another name?");
+  EXPECT_EQ(folder.read("set.dat"), others);
+  EXPECT_EQ(doc.user_data.entry(900), 3) << "loaded";
+
+  doc.user_data.set_entry(900, 1);
+  EXPECT_TRUE(done(files.write_user_data_file()));
+  EXPECT_EQ(user.questions.size(), 1u) << "since then it is known";
+  change();
+  EXPECT_TRUE(done(files.write_user_data_file()));
+  EXPECT_EQ(folder.read("set.dat"), setting_text(doc.user_data));
+
+  change();
+  EXPECT_FALSE(done(files.write_user_data_file())) << "the other chooser is cancelled";
+  user.paths = {folder / "mine.dat"};
+  EXPECT_TRUE(done(files.write_user_data_file()));
+  EXPECT_EQ(folder.read("set.dat"), others);
+  EXPECT_EQ(folder.read("mine.dat"), setting_text(doc.user_data));
+  EXPECT_EQ(doc.setting_file, folder / "mine.dat");
+}
+
+TEST_F(SettingFilesTest, ADiskThatStandsStillIsToldOfAndDoesNotHoldUpTheEnd) {
+  doc.setting_file = folder / "user.dat";
+  work.busy = true;
+  bool ends = false;
+  user.answers = {Answer::yes, Answer::no, Answer::yes};
+  Flow exit([](SettingFiles& files, bool& ends) -> Task<> { ends = co_await files.may_exit(); }(files, ends));
+  clock.advance(std::chrono::milliseconds(1999));
+  EXPECT_TRUE(statuses.empty());
+  clock.advance(std::chrono::milliseconds(1));
+  EXPECT_EQ(statuses.back(), "Still writing " + path_text(folder / "user.dat") + " ...");
+  EXPECT_EQ(user.questions.size(), 2u);
+  EXPECT_FALSE(ends) << "No waits on";
+  clock.advance(std::chrono::seconds(10));
+  EXPECT_TRUE(ends);
+  EXPECT_TRUE(files.given_up());
+  work.catch_up();
 }
 
 }  // namespace

@@ -32,10 +32,9 @@ std::string repeated(std::string_view part, std::size_t count) {
 }  // namespace
 
 TEST(ChipStart, IsWithTheTuningOfTheSampleSettings) {
-  UserDataImage image;
-  const FileResult read = read_setting_file(QV5123_SOURCE_DIR "/resources/sample.dat", image);
-  ASSERT_TRUE(read.ok()) << read.text;
-  EXPECT_EQ(image, factory_user_data());
+  const ReadSettings read = read_setting_file(QV5123_SOURCE_DIR "/resources/sample.dat");
+  ASSERT_TRUE(read.result.ok()) << read.result.text;
+  EXPECT_EQ(read.image, factory_user_data());
 }
 
 TEST(ChipStart, AnnouncesItselfWithVersionAndSerialNumber) {

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QPushButton>
 
 #include "base/ui/qt_text.h"
 
@@ -85,6 +86,32 @@ QMessageBox::StandardButtons buttons_of(Question::Buttons buttons) {
   }
 }
 
+/// The box's own button for an answer; null where it has none.
+QPushButton* button_for(const QMessageBox& box, Answer answer) {
+  const auto first = [&box](QMessageBox::StandardButton one, QMessageBox::StandardButton other) {
+    auto* button = box.button(one);
+    return qobject_cast<QPushButton*>(button ? button : box.button(other));
+  };
+  if (answer == Answer::yes) return first(QMessageBox::Yes, QMessageBox::Ok);
+  return answer == Answer::no ? first(QMessageBox::No, QMessageBox::No)
+                              : first(QMessageBox::Cancel, QMessageBox::Cancel);
+}
+
+void name_button(const QMessageBox& box, Answer answer, const std::string& text) {
+  QPushButton* button = button_for(box, answer);
+  if (button && !text.empty()) button->setText(to_qt(text));
+}
+
+QMessageBox* question_box(const Question& question, QWidget* parent) {
+  auto* box =
+      message_box(question.title, question.text, QMessageBox::Question, buttons_of(question.buttons), parent);
+  name_button(*box, Answer::yes, question.yes_text);
+  name_button(*box, Answer::no, question.no_text);
+  name_button(*box, Answer::cancel, question.cancel_text);
+  if (question.preferred) box->setDefaultButton(button_for(*box, *question.preferred));
+  return box;
+}
+
 Answer answer_of(int button) {
   if (button == QMessageBox::Yes || button == QMessageBox::Ok) return Answer::yes;
   return button == QMessageBox::No ? Answer::no : Answer::cancel;
@@ -117,8 +144,7 @@ Task<> QtPrompts::message(Message message) {
 }
 
 Task<Answer> QtPrompts::ask(Question question) {
-  OpenDialog dialog(message_box(question.title, question.text, QMessageBox::Question,
-                                buttons_of(question.buttons), parent()));
+  OpenDialog dialog(question_box(question, parent()));
   co_return answer_of(co_await dialog.finished());
 }
 

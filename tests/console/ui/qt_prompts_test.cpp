@@ -36,6 +36,16 @@ TEST(QtPrompts, QuestionsResumeWithTheAnswer) {
   QCoreApplication::processEvents();
   EXPECT_EQ(answers, (std::vector<Answer>{Answer::no, Answer::cancel}));
 
+  Question careful = careful_question("Write over it?");
+  careful.yes_text = "Write";
+  flow.start(ask(prompts, careful, answers));
+  box = open_dialog<QMessageBox>();
+  EXPECT_EQ(box->button(QMessageBox::Yes)->text(), "Write");
+  EXPECT_EQ(box->defaultButton(), box->button(QMessageBox::No));
+  box->reject();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(answers.back(), Answer::no) << "Escape is no Yes either";
+
   flow.start(ask(prompts, {"?"}, answers));
   flow.cancel();
   EXPECT_EQ(open_dialog<QMessageBox>(), nullptr) << "a dialog goes with who waits for it";
