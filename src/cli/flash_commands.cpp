@@ -2,6 +2,8 @@
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/numbers.h"
+#include "console/setting_file.h"
+#include "console/setting_format.h"
 #include "content/flash_image.h"
 #include "content/flash_inspection.h"
 
@@ -11,15 +13,23 @@ namespace {
 struct MakeOptions {
   FlashFiles files;
   std::filesystem::path output;
+  bool lenient = false;
 };
 struct InspectOptions {
   std::filesystem::path image;
 };
 
+/// The image has room for twice as many numbers as a setting file has; a file with all of them is whole too.
+void check_user_file(const MakeOptions& options) {
+  const std::string text = read_file(options.files.user, kSettingFileLimit);
+  if (format_summary(text, flash::kUserSize).empty()) return;
+  check_settings_text(options.files.user, text, UserDataImage::kSize, options.lenient);
+}
+
 ExitCode make(Context& context, const MakeOptions& options) {
   // The window leaves out what it cannot read; what is named here must be there.
   for (const auto& path : {options.files.firmware, options.files.font}) read_file(path);
-  read_settings(options.files.user);
+  check_user_file(options);
   const FlashBuild build = build_flash_image(options.files);
   if (!build.ok()) refuse(build.refusal);
   write_file(options.output, build.image);
@@ -38,6 +48,7 @@ Json json_of(const FlashInspection& inspection) {
                        {"crc32", region.crc32}});
   }
   return {{"regions", regions},
+          {"erased", inspection.erased},
           {"firmware_copies_agree", inspection.firmware_copies_agree},
           {"user_copies_agree", inspection.user_copies_agree}};
 }
@@ -50,6 +61,7 @@ std::string text_of(const FlashInspection& inspection) {
                              : std::to_string(region.used) + " of " + std::to_string(region.size) +
                                    " bytes, CRC-32 " + hex(region.crc32, 8) + "\n";
   }
+  for (const std::string& name : inspection.erased) text += "No " + name + ": erased\n";
   const auto agree = [](bool copies) { return copies ? "agree\n" : "differ\n"; };
   text += std::string("The two copies of the firmware ") + agree(inspection.firmware_copies_agree);
   return text + "The two copies of the user data " + agree(inspection.user_copies_agree);
@@ -63,7 +75,8 @@ ExitCode inspect(Context& context, const InspectOptions& options) {
   }
   const FlashInspection inspection = inspect_flash_image(image);
   context.out.result(json_of(inspection), text_of(inspection));
-  return inspection.firmware_copies_agree && inspection.user_copies_agree ? kDone : kNegative;
+  const bool whole = inspection.erased.empty();
+  return whole && inspection.firmware_copies_agree && inspection.user_copies_agree ? kDone : kNegative;
 }
 
 void declare_make(CLI::App& command, MakeOptions& options) {
@@ -71,6 +84,7 @@ void declare_make(CLI::App& command, MakeOptions& options) {
   add_path(command, "--font", options.files.font, "The font, at most 65536 bytes")->required();
   add_path(command, "--user", options.files.user, "The user data: a setting file")->required();
   add_path(command, "-o,--output", options.output, "The image to write")->required();
+  add_lenient(command, options.lenient);
 }
 
 }  // namespace
@@ -79,7 +93,8 @@ void add_flash_commands(CLI::App& app, Context& context) {
   CLI::App* flash = add_group(app, "flash", "The image of the camera's serial flash");
   add_command<MakeOptions>(*flash, context, "make", "Make an image of 262144 bytes", declare_make, make);
   add_command<InspectOptions>(
-      *flash, context, "inspect", "Print an image's regions and check that its copies agree",
+      *flash, context, "inspect",
+      "Print an image's regions, and check that none is erased and its copies agree",
       [](CLI::App& command, InspectOptions& options) {
         add_path(command, "IMAGE", options.image, "A flash image")->required();
       },

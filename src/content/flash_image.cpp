@@ -6,6 +6,7 @@
 
 #include "base/atomic_file.h"
 #include "console/decimal_numbers.h"
+#include "console/setting_format.h"
 
 namespace qv5123 {
 
@@ -35,10 +36,20 @@ std::string size_refusal(const char* label, const std::filesystem::path& path) {
          " bytes, the limit is " + std::to_string(flash::kFileLimit) + " bytes.";
 }
 
-std::optional<std::string> read_if_readable(const std::filesystem::path& path) {
+/// The file's bytes; nothing if it cannot be read, which a remark tells.
+std::optional<std::string> read_if_readable(const std::filesystem::path& path, const char* label,
+                                            const char* region, std::vector<std::string>& remarks) {
   std::string bytes;
-  if (!read_whole_file(path, bytes).ok()) return std::nullopt;
-  return bytes;
+  const FileResult read = read_whole_file(path, bytes);
+  if (read.ok()) return bytes;
+  remarks.push_back(std::string(label) + ": " + read.text + ". Erased: " + region);
+  return std::nullopt;
+}
+
+void remark_oddity(const FlashFiles& files, const std::string& text, std::vector<std::string>& remarks) {
+  if (format_summary(text, flash::kUserSize).empty()) return;
+  const std::string summary = format_summary(text);
+  if (!summary.empty()) remarks.push_back("user file: " + path_text(files.user.filename()) + ": " + summary);
 }
 
 }  // namespace
@@ -55,10 +66,15 @@ std::string lay_out_flash(const FlashContent& content) {
 FlashBuild build_flash_image(const FlashFiles& files) {
   auto refusal = size_refusal("fw file", files.firmware);
   if (refusal.empty()) refusal = size_refusal("font file", files.font);
-  if (!refusal.empty()) return {{}, refusal};
-  const FlashContent content{read_if_readable(files.firmware), read_if_readable(files.font),
-                             read_if_readable(files.user)};
-  return {lay_out_flash(content), {}};
+  if (!refusal.empty()) return {{}, refusal, {}};
+  FlashBuild build;
+  FlashContent content;
+  content.firmware = read_if_readable(files.firmware, "fw file", "0x00000 and 0x30000", build.remarks);
+  content.font = read_if_readable(files.font, "font file", "0x20000", build.remarks);
+  content.user_text = read_if_readable(files.user, "user file", "0x10000 to 0x15000", build.remarks);
+  if (content.user_text) remark_oddity(files, *content.user_text, build.remarks);
+  build.image = lay_out_flash(content);
+  return build;
 }
 
 }  // namespace qv5123

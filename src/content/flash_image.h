@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace qv5123 {
 
@@ -54,11 +55,15 @@ struct FlashFiles {
 struct FlashBuild {
   std::string image;
   std::string refusal;
+  /// What the image does not have as it should: files that could not be read, with what stays erased for
+  /// them, and a user file that is no whole setting file. A line each.
+  std::vector<std::string> remarks = {};
   bool ok() const { return refusal.empty(); }
 };
 
-/// Builds the image from files. A file that cannot be read leaves its region erased. A firmware or font file
-/// larger than flash::kFileLimit is refused with its size and the limit, before any file is read.
+/// Builds the image from files. A file that cannot be read leaves its region erased, and a remark says so. A
+/// firmware or font file larger than flash::kFileLimit is refused with its size and the limit, before any
+/// file is read.
 FlashBuild build_flash_image(const FlashFiles& files);
 
 }  // namespace qv5123

@@ -61,6 +61,11 @@ FlashInspection inspect_flash_image(std::string_view image) {
   }
   add("font", flash::kFontOffset, flash::kFileLimit);
   add("second firmware", flash::kSecondFirmwareOffset, flash::kFileLimit);
+  // A piece of the user data may well hold nothing but 255.
+  for (const FlashRegion& one : inspection.regions) {
+    const bool needed = one.name == "firmware" || one.name == "font" || one.name == "user data";
+    if (needed && one.used == 0) inspection.erased.push_back(one.name);
+  }
   const std::string_view firmware = image.substr(flash::kFirmwareOffset, flash::kFileLimit);
   inspection.firmware_copies_agree =
       firmware == image.substr(flash::kSecondFirmwareOffset, flash::kFileLimit);

@@ -20,6 +20,8 @@ struct FlashRegion {
 /// What a flash image holds.
 struct FlashInspection {
   std::vector<FlashRegion> regions;
+  /// The regions that an image must have and of which nothing is written: firmware, font, user data.
+  std::vector<std::string> erased;
   bool firmware_copies_agree = false;
   bool user_copies_agree = false;
 };

@@ -47,7 +47,15 @@ TEST(SerialFlashFiles, FullRegionsFitUnreadableFilesStayErasedAndLargeOnesAreRef
   const auto full = folder.write("full.bin", whole);
   const auto none = folder / "none.dat";
   EXPECT_EQ(build_flash_image({full, full, none}).image, whole + erased(0x10000) + whole + whole);
-  EXPECT_EQ(build_flash_image({folder.path(), none, none}).image, erased(262144));
+  const FlashBuild nothing = build_flash_image({folder.path(), none, none});
+  EXPECT_EQ(nothing.image, erased(262144));
+  EXPECT_EQ(nothing.remarks,
+            (std::vector<std::string>{
+                "fw file: Cannot read " + path_text(folder.path()) +
+                    ": it is not a regular file. Erased: 0x00000 and 0x30000",
+                "font file: Cannot read " + path_text(none) + ": No such file or directory. Erased: 0x20000",
+                "user file: Cannot read " + path_text(none) +
+                    ": No such file or directory. Erased: 0x10000 to 0x15000"}));
   const auto large = folder.write("large.bin", counted(0x10001));
   EXPECT_EQ(build_flash_image({full, large, full}).refusal,
             "font file too large: " + path_text(large) + " has 65537 bytes, the limit is 65536 bytes.");

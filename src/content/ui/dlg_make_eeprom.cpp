@@ -9,7 +9,6 @@
 
 #include "base/atomic_file.h"
 #include "base/ui/qt_text.h"
-#include "content/flash_image.h"
 
 namespace qv5123 {
 
@@ -24,6 +23,21 @@ Message warning(std::string text) {
   message.text = std::move(text);
   message.icon = Message::Icon::warning;
   return message;
+}
+
+/// The path as it was meant: file managers and shells put quotes around the ones that they copy.
+QString meant_path(const QString& text) {
+  QString path = text.trimmed();
+  const bool quoted =
+      path.size() > 1 && path.front() == path.back() && (path.front() == u'"' || path.front() == u'\'');
+  return quoted ? path.mid(1, path.size() - 2).trimmed() : path;
+}
+
+/// What there is to say of the image in one line.
+std::string joined(const std::vector<std::string>& remarks) {
+  std::string text;
+  for (const std::string& remark : remarks) text += (text.empty() ? "" : "; ") + remark;
+  return text;
 }
 
 Message information(std::string text) {
@@ -71,35 +85,42 @@ QLineEdit* CDlgMakeEeprom::add_path_row(QGridLayout* layout, const QString& labe
 
 Task<> CDlgMakeEeprom::choose_path(QLineEdit* edit, FileChoice choice) {
   const auto path = co_await host_.prompts().choose_open(std::move(choice));
-  if (path) edit->setText(QString::fromStdString(path_text(*path)));
+  if (path) edit->setText(path_to_qt(*path));
 }
 
 Task<> CDlgMakeEeprom::make_image() {
-  if (firmware_->text().isEmpty() || font_->text().isEmpty() || user_->text().isEmpty()) {
+  const QString firmware = meant_path(firmware_->text());
+  const QString font = meant_path(font_->text());
+  const QString user = meant_path(user_->text());
+  if (firmware.isEmpty() || font.isEmpty() || user.isEmpty()) {
     co_await host_.prompts().message(warning("Error!!  Any File is not assigned.."));
     co_return;
   }
-  FlashFiles files{to_path(firmware_->text()), to_path(font_->text()), to_path(user_->text())};
+  FlashFiles files{to_path(firmware), to_path(font), to_path(user)};
   std::function<FlashBuild()> work = [files = std::move(files)] { return build_flash_image(files); };
   auto build = co_await host_.background().run<FlashBuild>(std::move(work));
   if (build.ok()) {
-    co_await save_image(std::move(build.image));
+    for (const std::string& remark : build.remarks) host_.append_console("\r\n" + remark);
+    host_.show_status(joined(build.remarks));
+    co_await save_image(std::move(build));
   } else {
     co_await host_.prompts().message(warning(build.refusal));
   }
 }
 
 // "Ok.." follows whatever came of the output, a cancelled chooser included: the pairing is kept deliberately.
-Task<> CDlgMakeEeprom::save_image(std::string image) {
+Task<> CDlgMakeEeprom::save_image(FlashBuild build) {
   FileChoice choice{"Binary(*.bin)|*.bin", "bin", ".bin"};
   const auto path = co_await host_.prompts().choose_save(std::move(choice));
   if (path) {
-    std::function<FileResult()> work = [path = *path, image = std::move(image)] {
+    std::function<FileResult()> work = [path = *path, image = std::move(build.image)] {
       return write_file_atomically(path, image);
     };
     const auto written = co_await host_.background().run<FileResult>(std::move(work));
-    if (!written.ok()) host_.show_status(written.text);
+    const std::string but = build.remarks.empty() ? "" : ", but " + joined(build.remarks);
+    host_.show_status(written.ok() ? "Flash image written: " + path_text(*path) + but : written.text);
   } else {
+    host_.show_status("No flash image was written");
     co_await host_.prompts().message(warning("Flash file generation error"));
   }
   co_await host_.prompts().message(information("Ok.. QV512x Flash data.bin"));

@@ -3,6 +3,7 @@
 #include <QWidget>
 
 #include "console/page_host.h"
+#include "content/flash_image.h"
 
 class QGridLayout;
 class QLineEdit;
@@ -20,7 +21,7 @@ class CDlgMakeEeprom : public QWidget, public Page {
   QLineEdit* add_path_row(QGridLayout* layout, const QString& label, const FileChoice& choice);
   Task<> choose_path(QLineEdit* edit, FileChoice choice);
   Task<> make_image();
-  Task<> save_image(std::string image);
+  Task<> save_image(FlashBuild build);
 
   PageHost& host_;
   QLineEdit* firmware_;

@@ -47,6 +47,24 @@ TEST_F(MakeEepromPage, ChoosersFillTheirEditsAndTheImageIsSaved) {
             build_flash_image({folder_ / "fw.bin", folder_ / "font.bin", folder_ / "user.dat"}).image);
 }
 
+TEST_F(MakeEepromPage, PastedPathsAreReadAndWhatIsMissingIsNamedToTheEnd) {
+  type_all();
+  user_.type("fw file", QString::fromStdString("  \"" + path_text(folder_ / "fw.bin") + "\"\n"));
+  user_.type("font file", QString::fromStdString(path_text(folder_ / "no.bin")));
+  host_.user.paths = {folder_ / "out.bin"};
+  make();
+  EXPECT_EQ(folder_.read("out.bin")[0], '\1');
+  const std::string font = "font file: Cannot read " + path_text(folder_ / "no.bin") +
+                           ": No such file or directory. Erased: 0x20000";
+  const std::string user = "user file: user.dat: 2 numbers of 1024, the rest repeats 4";
+  EXPECT_EQ(host_.console, "\r\n" + font + "\r\n" + user);
+  EXPECT_EQ(host_.last_status(),
+            "Flash image written: " + path_text(folder_ / "out.bin") + ", but " + font + "; " + user);
+  user_.type("font file", " \" \" ");
+  make();
+  EXPECT_EQ(shown().back(), "Error!!  Any File is not assigned..");
+}
+
 TEST_F(MakeEepromPage, AnEmptyPathStopsBeforeAnythingIsRead) {
   type_all();
   user_.type("font file", QString());
@@ -59,10 +77,11 @@ TEST_F(MakeEepromPage, ACancelledOutputIsAnErrorAndOneThatCannotBeCreatedAStatus
   type_all();
   make();
   EXPECT_EQ(shown(), (std::vector<std::string>{"Flash file generation error", kDone}));
+  EXPECT_EQ(host_.last_status(), "No flash image was written");
   host_.user.paths = {folder_ / "no folder" / "out.bin"};
   make();
   EXPECT_EQ(shown().back(), kDone);
-  EXPECT_NE(host_.statuses.at(0).find("out.bin"), std::string::npos);
+  EXPECT_NE(host_.last_status().find("Cannot write "), std::string::npos);
 }
 
 }  // namespace
