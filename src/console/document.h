@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 #include "console/user_data_image.h"
 
@@ -16,6 +17,8 @@ class CQV5123Doc {
   double front_gamma_level = 0.0;
   /// Gamma channel selection, 0..4, as last loaded from the user data.
   int gamma_channel = 3;
+  /// The draft of the font that a run which died has left. The font editor takes it when it opens.
+  std::string font_draft;
   /// Whether the TDN modes have "Auto" as a fourth. An application setting.
   bool fourth_tdn_mode = false;
 };

@@ -40,6 +40,8 @@ class PageHost {
   /// Reads "QV512xUser.dat" of the current directory into the image, whatever setting file is remembered. A
   /// file that does not exist changes nothing; one that cannot be read is named in the status bar.
   virtual Task<> reload_user_data_file() = 0;
+  /// What Page::draft() told before is in a file now.
+  virtual void draft_saved() {}
   /// Work that closing the window should ask about first, such as a full save, begins or ends. Calls nest,
   /// and the end of the last takes the progress away.
   virtual void set_busy(bool busy) = 0;
@@ -54,6 +56,11 @@ class Page {
   /// Puts into `image` what save_to_user_data() would, but for text that is still being typed. The page stays
   /// as it is, so that it can be asked at any time.
   virtual void put_values(UserDataImage&) const {}
+  /// Asked when the program is to end: false when the user stays to save what no setting file holds.
+  virtual Task<bool> may_leave() { co_return true; }
+  /// What neither the user data nor a file of the page's own holds yet, as text that another run's page goes
+  /// on with; may be empty.
+  virtual std::string draft() const { return {}; }
   /// Whether "Save File..." writes the remembered setting file once this page has saved, before it asks for
   /// the file to write.
   virtual bool save_writes_file() const { return false; }

@@ -1,9 +1,23 @@
 #include "content/font_editor.h"
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
+#include "base/hex.h"
+
 namespace qv5123 {
+namespace {
+
+std::vector<std::uint8_t> bytes_of(std::string_view hex) {
+  std::vector<std::uint8_t> bytes(hex.size() / 2);
+  const auto digit = [hex](std::size_t at) { return hex_value(static_cast<unsigned char>(hex[at])); };
+  for (std::size_t i = 0; i < bytes.size(); ++i)
+    bytes[i] = static_cast<std::uint8_t>(digit(2 * i) * 16 + digit(2 * i + 1));
+  return bytes;
+}
+
+}  // namespace
 
 void FontEditor::choose_page(int page) {
   if (page < 0 || page >= FontLibrary::kPages) return;
@@ -28,6 +42,8 @@ void FontEditor::take_import(const FontLibrary& imported) {
     for (const std::uint16_t row : record.rows) library_.import_row(glyph, slot++, row);
   }
   if (!buffer_edited) buffer_ = library_.glyph(selected_glyph());
+  in_export_ = imported.to_binary();
+  in_file_ = in_export_;
 }
 
 void FontEditor::open_binary(std::span<const std::uint8_t> bytes) {
@@ -40,6 +56,33 @@ void FontEditor::open_binary(std::span<const std::uint8_t> bytes) {
   select(0);
   edit.library_after = glyphs(0, FontLibrary::kGlyphs);
   record(std::move(edit));
+  in_file_ = library_.to_binary();
+}
+
+std::string FontEditor::draft() const {
+  if (!is_unset() && !differs_from_file()) return {};
+  std::string text = std::to_string(selected_glyph()) + "\n";
+  for (const std::uint16_t row : buffer_.rows()) text += lower_hex(row, 4);
+  text += "\n";
+  for (const std::uint8_t byte : library_.to_binary()) text += lower_hex(byte);
+  return text;
+}
+
+bool FontEditor::take_draft(std::string_view draft) {
+  int glyph = -1;
+  const auto [end, error] = std::from_chars(draft.data(), draft.data() + draft.size(), glyph);
+  if (error != std::errc() || glyph < 0 || glyph >= FontLibrary::kGlyphs) return false;
+  const std::string_view rest = draft.substr(static_cast<std::size_t>(end - draft.data()));
+  constexpr std::size_t kBuffer = 1 + 2 * FontLibrary::kGlyphBytes;
+  if (rest.size() != kBuffer + 1 + 2 * FontLibrary::kBinarySize) return false;
+  FontLibrary buffer;
+  buffer.read_binary(bytes_of(rest.substr(1, kBuffer - 1)));
+  end_stroke();
+  library_.read_binary(bytes_of(rest.substr(kBuffer + 1)));
+  edited_.set();
+  go_to(glyph);
+  buffer_ = buffer.glyph(0);
+  return true;
 }
 
 void FontEditor::toggle_pixel(GlyphPixel pixel) {

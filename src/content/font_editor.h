@@ -5,6 +5,9 @@
 #include <functional>
 #include <optional>
 #include <span>
+#include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "content/font_library.h"
@@ -31,6 +34,22 @@ class FontEditor {
   void choose_page(int page);
   /// Copies glyph `index`, 0..255, of the page into the edit buffer. Another index is ignored.
   void select(int index);
+
+  /// Whether something is drawn that store() has not put into the library.
+  bool is_unset() const { return buffer_ != library_.glyph(selected_glyph()); }
+  /// Whether the library holds something else than the binary file last read or written, or than the text
+  /// export. Before there was a file, what the export held at the beginning counts for both.
+  bool differs_from_file() const { return library_.to_binary() != in_file_; }
+  bool differs_from_export() const { return library_.to_binary() != in_export_; }
+  /// A file holds this library now, in the binary form.
+  void mark_in_file(std::vector<std::uint8_t> binary) { in_file_ = std::move(binary); }
+  void mark_in_export(std::vector<std::uint8_t> binary) { in_export_ = std::move(binary); }
+
+  /// Library, glyph and edit buffer as text that another run can go on with; empty while nothing is unset and
+  /// the file holds all.
+  std::string draft() const;
+  /// Goes on with a draft, without a way back. False for a text that is none, which changes nothing.
+  bool take_draft(std::string_view draft);
 
   /// Takes over the glyphs that a text export defines, without a way back. What was edited before stays.
   void take_import(const FontLibrary& imported);
@@ -77,6 +96,8 @@ class FontEditor {
   void go_to(int glyph);
 
   FontLibrary library_;
+  std::vector<std::uint8_t> in_file_ = FontLibrary().to_binary();
+  std::vector<std::uint8_t> in_export_ = in_file_;
   std::bitset<FontLibrary::kGlyphs> edited_;  // library glyphs that were ever replaced
   GlyphHistory history_;
   Glyph buffer_;

@@ -9,9 +9,12 @@
 #include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
 
 #include "base/atomic_file.h"
 #include "base/delay.h"
+#include "base/ui/qt_text.h"
 #include "content/font_text.h"
 #include "content/ui/fill_range_box.h"
 #include "content/ui/font_preview_area.h"
@@ -24,6 +27,7 @@ namespace {
 
 /// Characters drawn between two looks at the event loop: some two milliseconds' worth.
 constexpr std::size_t kFillStep = 32;
+constexpr const char* kSaveTitle = "Save data";
 
 struct ReadExport {
   FontLibrary library;
@@ -94,8 +98,12 @@ CDlgFontMaker::CDlgFontMaker(PageHost& host, QWidget* parent)
   editing->addWidget(fill_);
   add_action("Close", QKeySequence("Ctrl+W"), "Close the font editor", [this] { close_page(); });
 
-  connect(preview_, &FontPreviewArea::glyph_picked, this,
-          [this](int index) { edit([this, index] { editor_.select(index); }); });
+  connect(preview_, &FontPreviewArea::glyph_picked, this, [this](int index) {
+    edit([this, index] {
+      tell_unset();
+      editor_.select(index);
+    });
+  });
   connect(editor_area_, &GlyphEditorArea::edited, this, &CDlgFontMaker::refresh_buffer);
   connect(fill_, &FillRangeBox::fill_requested, this, [this] { flows_.spawn(fill_range()); });
   flows_.spawn(import_export());
@@ -112,6 +120,7 @@ QBoxLayout* CDlgFontMaker::make_file_row() {
   connect(page_selector_, &QComboBox::activated, this, [this](int page) {
     // Chosen once more, it would put its first glyph in place of the drawing.
     if (page == editor_.page()) return;
+    tell_unset();
     editor_.choose_page(page);
     refresh_all();
   });
@@ -125,6 +134,8 @@ QBoxLayout* CDlgFontMaker::make_file_row() {
   number_->setAccessibleName("Glyph number");
   number_->setMinimumWidth(number_->fontMetrics().horizontalAdvance(number_text(FontLibrary::kGlyphs)));
   number_->setToolTip("Number of the glyph being edited, in the whole library");
+  state_ = new QLabel;
+  state_->setAccessibleName("Glyph state");
 
   auto* row = new QHBoxLayout;
   row->addWidget(caption);
@@ -132,6 +143,7 @@ QBoxLayout* CDlgFontMaker::make_file_row() {
   row->addWidget(open);
   row->addWidget(save);
   row->addStretch(1);
+  row->addWidget(state_);
   row->addWidget(number_);
   return row;
 }
@@ -159,7 +171,7 @@ QBoxLayout* CDlgFontMaker::make_edit_rows() {
     return action(text, QKeySequence(keys), "Move the pixels by one",
                   [this, direction] { editor_.shift(direction); });
   };
-  undo_ = action("Undo", QKeySequence::Undo, "Take the last change back", [this] { editor_.undo(); });
+  undo_ = action("Undo", QKeySequence::Undo, "Take the last change back", [this] { undo(); });
   redo_ = action("Redo", QKeySequence::Redo, "Do it again", [this] { editor_.redo(); });
   auto* copy = action("Copy", QKeySequence::Copy, "Copy the edited glyph", [this] { copy_glyph(); });
   auto* paste = action("Paste", QKeySequence::Paste, "Edit the copied glyph here", [this] { paste_glyph(); });
@@ -189,7 +201,8 @@ QAction* CDlgFontMaker::add_action(const QString& text, const QKeySequence& keys
 void CDlgFontMaker::refresh_buffer() {
   const int glyph = editor_.selected_glyph();
   number_->setText(number_text(glyph));
-  undo_->setEnabled(editor_.can_undo());
+  state_->setText(editor_.is_unset() ? "Drawn, not set" : "");
+  undo_->setEnabled(editor_.can_undo() || fills_ > 0);
   redo_->setEnabled(editor_.can_redo());
   editor_area_->update();
 }
@@ -233,24 +246,70 @@ Task<> CDlgFontMaker::import_export() {
   };
   const ReadExport read = co_await host_.background().run<ReadExport>(std::move(work));
   editor_.take_import(read.library);
-  refresh_all();
   importing_ = false;
+  // What a run that died left is newer than any export.
+  editor_.take_draft(std::exchange(host_.document().font_draft, {}));
+  refresh_all();
   // Whatever stands there is not ours to replace.
   unreadable_ = read.unreadable;
   if (unreadable_) host_.show_status("Cannot read " + path_text(export_path_) + ": it is left alone");
-  if (export_waits_) begin_export();
+  begin_export(export_waits_);
 }
 
 // An export that cannot be written is no reason to disturb the user: the binary file is the font's own form.
-void CDlgFontMaker::begin_export() {
+void CDlgFontMaker::begin_export(Export wanted) {
   // It would replace what is only just being read.
-  export_waits_ = importing_;
-  if (importing_ || unreadable_) return;
+  if (importing_) export_waits_ = std::max(export_waits_, wanted);
+  if (importing_ || unreadable_ || wanted == Export::none) return;
+  // Reading the export again loses rows; an unchanged one is better than what it would be written to.
+  if (wanted == Export::if_changed && !editor_.differs_from_export()) return;
+  flows_.spawn(write_export());
+}
+
+Task<> CDlgFontMaker::write_export() {
+  std::vector<std::uint8_t> binary = editor_.library().to_binary();
   std::function<FileResult()> work = [path = export_path_, library = editor_.library()] {
     return write_file_atomically(path, export_font_text(library));
   };
-  // Begun is enough: nobody waits for it but the program's end.
-  const Task<FileResult> written = host_.background().run<FileResult>(std::move(work));
+  const FileResult written = co_await host_.background().run<FileResult>(std::move(work));
+  if (written.ok()) editor_.mark_in_export(std::move(binary));
+}
+
+std::string CDlgFontMaker::draft() const {
+  const std::string& waiting = host_.document().font_draft;
+  return waiting.empty() ? editor_.draft() : waiting;
+}
+
+std::string CDlgFontMaker::unset_text() const {
+  if (!editor_.is_unset()) return {};
+  return from_qt(number_text(editor_.selected_glyph())) + " is drawn but not set.";
+}
+
+void CDlgFontMaker::tell_unset() {
+  if (editor_.is_unset()) host_.show_status(unset_text() + " Undo and Redo show the drawing again.");
+}
+
+Task<bool> CDlgFontMaker::agreed(std::string question) {
+  co_return co_await host_.prompts().ask(careful_question(std::move(question), kSaveTitle)) == Answer::yes;
+}
+
+Task<bool> CDlgFontMaker::may_leave() {
+  std::string text = unset_text();
+  if (editor_.differs_from_file()) {
+    text += text.empty() ? "" : "\n";
+    text += "The font is not in a binary font file as it is now.";
+  }
+  if (text.empty()) co_return true;
+  co_return co_await agreed(text + "\n\nLeave without saving it?");
+}
+
+void CDlgFontMaker::undo() {
+  // It would take back what was done before the fill, which then comes on top.
+  if (fills_ > 0) {
+    ++undos_;
+  } else {
+    editor_.undo();
+  }
 }
 
 Task<> CDlgFontMaker::open_font_file() {
@@ -266,20 +325,43 @@ Task<> CDlgFontMaker::open_font_file() {
   if (!font.result.ok()) co_return host_.show_status(font.result.text);
   editor_.open_binary({reinterpret_cast<const std::uint8_t*>(font.bytes.data()), font.bytes.size()});
   refresh_all();
+  const std::size_t glyphs = font.bytes.size() / FontLibrary::kGlyphBytes;
+  const std::string part =
+      glyphs < FontLibrary::kGlyphs ? ", " + std::to_string(glyphs) + " of 1024 glyphs" : "";
+  host_.show_status("Font file read: " + path_text(*path) + part);
 }
 
 Task<> CDlgFontMaker::save_font_file() {
-  begin_export();
+  const std::string unset = unset_text();
+  if (!unset.empty()) {
+    const bool without = co_await agreed(unset + "\n\nSave the font without it?");
+    if (!without) co_return;
+  }
+  begin_export(Export::always);
   const auto path = co_await host_.prompts().choose_save(font_file_choice("fontT_16x24_.bin"));
   if (!path) co_return;
-  std::function<FileResult()> work = [path = *path, bytes = editor_.library().to_binary()] {
-    return write_file_atomically(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  std::vector<std::uint8_t> binary = editor_.library().to_binary();
+  std::function<FileResult()> work = [path = *path, binary] {
+    return write_file_atomically(path, {reinterpret_cast<const char*>(binary.data()), binary.size()});
   };
   const FileResult written = co_await host_.background().run<FileResult>(std::move(work));
-  if (!written.ok()) host_.show_status(written.text);
+  if (written.ok()) {
+    editor_.mark_in_file(std::move(binary));
+    host_.draft_saved();
+  }
+  host_.show_status(written.ok() ? "Font file written: " + path_text(*path) : written.text);
 }
 
 Task<> CDlgFontMaker::fill_range() {
+  ++fills_;
+  refresh_buffer();
+  co_await draw_range();
+  --fills_;
+  for (; fills_ == 0 && undos_ > 0; --undos_) editor_.undo();
+  refresh_all();
+}
+
+Task<> CDlgFontMaker::draw_range() {
   const auto choice = fill_->choice();
   const QFont font = font_for_glyphs(choice.font);
   const int room = std::min(choice.count, FontLibrary::kGlyphs - choice.first_glyph);
@@ -289,12 +371,16 @@ Task<> CDlgFontMaker::fill_range() {
     if (glyphs.size() % kFillStep == 0) co_await Delay(host_.scheduler(), std::chrono::milliseconds(0));
   }
   editor_.fill(choice.first_glyph, std::move(glyphs));
-  refresh_all();
 }
 
 Task<> CDlgFontMaker::ask_and_close() {
-  const Question question{"Do you want to save before exit?", "Save data", Question::Buttons::yes_no};
-  if (co_await host_.prompts().ask(question) == Answer::yes) begin_export();
+  const std::string unset = unset_text();
+  if (!unset.empty()) {
+    const bool without = co_await agreed(unset + "\n\nLeave without it?");
+    if (!without) co_return;
+  }
+  const Question question{"Do you want to save before exit?", kSaveTitle, Question::Buttons::yes_no};
+  if (co_await host_.prompts().ask(question) == Answer::yes) begin_export(Export::if_changed);
   hide();
 }
 

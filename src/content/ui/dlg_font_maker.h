@@ -26,8 +26,12 @@ class CDlgFontMaker : public QWidget, public Page {
   explicit CDlgFontMaker(PageHost& host, QWidget* parent = nullptr);
   ~CDlgFontMaker() override;
 
-  /// Writes the text export; the font has no place in the user data.
-  void save_to_user_data() override { begin_export(); }
+  /// Writes the text export where the font is not what it holds; the font has no place in the user data.
+  void save_to_user_data() override { begin_export(Export::if_changed); }
+  /// Asks where something is drawn but not set, or the binary file does not hold the font.
+  Task<bool> may_leave() override;
+  /// What no file holds of the font.
+  std::string draft() const override;
   /// True until the text export is read.
   bool loading() const override { return importing_; }
 
@@ -52,7 +56,16 @@ class CDlgFontMaker : public QWidget, public Page {
   void paste_glyph();
 
   Task<> import_export();
-  void begin_export();
+  enum class Export { none, if_changed, always };
+  void begin_export(Export wanted);
+  Task<> write_export();
+
+  /// The drawing that is not in the library, in words; empty while there is none.
+  std::string unset_text() const;
+  void tell_unset();
+  Task<bool> agreed(std::string question);
+  void undo();
+  Task<> draw_range();
 
   Task<> open_font_file();
   Task<> save_font_file();
@@ -63,10 +76,13 @@ class CDlgFontMaker : public QWidget, public Page {
   FontEditor editor_;
   std::filesystem::path export_path_;
   bool importing_ = true;
-  bool unreadable_ = false;    // the export is there but could not be read
-  bool export_waits_ = false;  // for the import
+  bool unreadable_ = false;             // the export is there but could not be read
+  Export export_waits_ = Export::none;  // for the import
+  int fills_ = 0;                       // under way
+  int undos_ = 0;                       // wait for a fill
   QComboBox* page_selector_ = nullptr;
   QLabel* number_ = nullptr;
+  QLabel* state_ = nullptr;
   FontPreviewArea* preview_ = nullptr;
   GlyphEditorArea* editor_area_ = nullptr;
   FillRangeBox* fill_ = nullptr;

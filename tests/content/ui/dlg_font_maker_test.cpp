@@ -150,7 +150,7 @@ TEST_F(FontMakerPage, GlyphsAreShiftedInvertedAndCarriedOver) {
   QGuiApplication::clipboard()->setText("no glyph");
   press("Paste");
   EXPECT_EQ(buffer().rows()[5], 0xFBFF);
-  EXPECT_EQ(host_.statuses, std::vector<std::string>{"The clipboard holds no glyph"});
+  EXPECT_EQ(host_.last_status(), "The clipboard holds no glyph");
 }
 
 TEST_F(FontMakerPage, SavingWritesTheExportThenAsksForTheBinaryWhichReopensBitForBit) {
@@ -199,6 +199,11 @@ TEST_F(FontMakerPage, ClosingAsksAndTheExportIsReadAtTheNextOpening) {
   EXPECT_EQ(glyph(1).rows()[1], 0xFFFF);
   std::filesystem::remove(folder_ / "fntmkr.txt");
   page_->save_to_user_data();
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "fntmkr.txt")) << "nothing was changed";
+  press("Set");
+  press("Invert");
+  press("Set");
+  page_->save_to_user_data();
   EXPECT_TRUE(std::filesystem::exists(folder_ / "fntmkr.txt"));
   EXPECT_EQ(host_.doc.user_data, UserDataImage{});
 }
@@ -240,6 +245,112 @@ TEST_F(FontMakerPage, ARangeIsFilledFromAnInstalledFontInOneStep) {
   EXPECT_EQ(glyph(999), Glyph());
   press("Undo");
   EXPECT_EQ(page_->editor().library(), FontLibrary());
+}
+
+TEST_F(FontMakerPage, ADrawingThatIsNotSetIsSaid) {
+  open();
+  const auto* state = find<QLabel>(*page_, "Glyph state");
+  EXPECT_EQ(state->text(), "");
+  pick(3, 4);
+  press("Invert");
+  EXPECT_EQ(state->text(), "Drawn, not set");
+  press("Save font file...");
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "fntmkr.txt")) << "asked first";
+  page_->close_page();
+  EXPECT_FALSE(page_->isHidden());
+  ASSERT_EQ(host_.user.questions.size(), 2u);
+  for (const Question& question : host_.user.questions) {
+    EXPECT_EQ(question.text.find("Glyph: 0x043 / 67 is drawn but not set."), 0u);
+    EXPECT_EQ(question.preferred, Answer::no);
+  }
+  const Glyph drawn = buffer();
+  pick(5, 5);
+  EXPECT_EQ(host_.last_status(),
+            "Glyph: 0x043 / 67 is drawn but not set. Undo and Redo show the drawing again.");
+  press("Undo");
+  press("Redo");
+  EXPECT_EQ(buffer(), drawn);
+  press("Set");
+  EXPECT_EQ(state->text(), "");
+  host_.user.paths = {folder_ / "a.bin", folder_ / "no folder" / "b.bin"};
+  press("Save font file...");
+  EXPECT_EQ(host_.last_status(), "Font file written: " + path_text(folder_ / "a.bin"));
+  press("Save font file...");
+  host_.user.paths = {folder_.write("short.bin", std::string(100, 'x'))};
+  press("Open font file...");
+  EXPECT_EQ(host_.last_status(), "Font file read: " + path_text(folder_ / "short.bin") + ", 2 of 1024 glyphs")
+      << "a success takes the place of the failure before it";
+  EXPECT_EQ(host_.user.questions.size(), 2u);
+}
+
+TEST_F(FontMakerPage, LeavingAsksForAFontThatIsInNoFile) {
+  const auto leaves = [this] {
+    bool leaves = false;
+    const Flow flow(
+        [](Page& page, bool& leaves) -> Task<> { leaves = co_await page.may_leave(); }(*page_, leaves));
+    return leaves;
+  };
+  open();
+  EXPECT_TRUE(leaves());
+  EXPECT_EQ(page_->draft(), "");
+  press("Invert");
+  press("Set");
+  click(area_, cell(2, 3));
+  EXPECT_FALSE(leaves());
+  EXPECT_EQ(host_.user.questions.back().text,
+            "Glyph: 0x000 / 0 is drawn but not set.\nThe font is not in a binary font file as it is now.\n\n"
+            "Leave without saving it?");
+  host_.user.answers = {Answer::yes};
+  EXPECT_TRUE(leaves());
+
+  // What a run that died had comes back, unsaved as it was.
+  const std::string draft = page_->draft();
+  const FontLibrary library = page_->editor().library();
+  const Glyph drawn = buffer();
+  host_.doc.font_draft = draft;
+  host_.work.busy = true;
+  open();
+  EXPECT_EQ(page_->draft(), draft) << "before the text export is read, too";
+  host_.work.busy = false;
+  host_.work.catch_up();
+  EXPECT_EQ(page_->editor().library().to_binary(), library.to_binary());
+  EXPECT_EQ(buffer(), drawn);
+  EXPECT_EQ(page_->draft(), draft);
+  EXPECT_FALSE(leaves());
+  press("Set");
+  host_.user.paths = {folder_ / "a.bin"};
+  press("Save font file...");
+  EXPECT_TRUE(leaves());
+  EXPECT_EQ(page_->draft(), "");
+}
+
+TEST_F(FontMakerPage, AVisitLeavesTheExportAsItWas) {
+  FontLibrary library;
+  library.set_glyph(1, Glyph(Glyph::Rows{0xFFFF, 0x00FF}));
+  const std::string text = export_font_text(library);
+  folder_.write("fntmkr.txt", text);
+  open();
+  pick(1, 0);
+  page_->save_to_user_data();
+  host_.user.answers = {Answer::yes};
+  page_->close_page();
+  EXPECT_EQ(folder_.read("fntmkr.txt"), text) << "row 0 of glyph 1 is still there";
+}
+
+TEST_F(FontMakerPage, UndoWaitsForAFill) {
+  open();
+  press("Invert");
+  find<QSpinBox>(*page_, "Fill: First character")->setValue('A');
+  find<QSpinBox>(*page_, "Fill: First glyph")->setValue(100);
+  find<QSpinBox>(*page_, "Fill: Glyphs")->setValue(100);
+  press("Fill glyphs");
+  press("Undo");
+  EXPECT_NE(buffer(), Glyph()) << "what was done before is not what was meant";
+  wire_.advance(1);
+  EXPECT_EQ(page_->editor().library(), FontLibrary());
+  EXPECT_NE(buffer(), Glyph());
+  press("Redo");
+  EXPECT_NE(glyph(150), Glyph());
 }
 
 }  // namespace
