@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "base/delay.h"
-#include "base/elided.h"
 #include "console/setting_file.h"
 #include "link/command_link.h"
 
@@ -13,18 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kShownOfPath = 200;  // a journal may claim any
 constexpr const char* kNotKept = "Unsaved values are not kept for after a crash: ";
-
-Question restore_question(const JournalEntry& entry) {
-  Question question;
-  question.title = kRestoreTitle;
-  question.text = kRestoreQuestion;
-  const std::string file = path_text(entry.setting_file);
-  if (!file.empty()) question.text += kRestoreFile + elided(file, kShownOfPath);
-  question.buttons = Question::Buttons::yes_no_cancel;
-  return question;
-}
 
 }  // namespace
 
@@ -64,6 +52,7 @@ void Journal::look_into(Slots& slots, Slot slot) {
   std::optional<JournalEntry> entry = read_journal(text);
   if (!entry) return;
   slots.entry = std::move(*entry);
+  slots.age = age_of(slot.file, slots.entry);
   slots.left = std::move(slot);
 }
 
@@ -81,7 +70,7 @@ Task<bool> Journal::start(Prompts& prompts) {
 }
 
 Task<bool> Journal::offer(Prompts& prompts, Slots slots) {
-  Question question = restore_question(slots.entry);
+  Question question = restore_question(slots.entry, slots.age);
   const Answer answer = co_await prompts.ask(std::move(question));
   if (answer == Answer::cancel) co_return false;
   if (answer == Answer::yes) {
@@ -94,17 +83,33 @@ Task<bool> Journal::offer(Prompts& prompts, Slots slots) {
   co_return answer == Answer::yes;
 }
 
+bool Journal::is_saved(const JournalEntry& entry) const {
+  return entry.image == saved_ && entry.font.empty() && entry.typed.empty();
+}
+
 Task<> Journal::keep() {
   for (;;) {
     co_await Delay(scheduler_, kInterval);
     JournalEntry entry = surroundings_.unsaved();
-    if (entry.image != saved_) {
-      if (entry != written_) co_await write(std::move(entry));
-    } else if (written_) {
-      written_.reset();
-      co_await remove(*own_);
-    }
+    if (!is_saved(entry) && entry != written_) co_await write(std::move(entry));
+    // Saved meanwhile, too.
+    co_await clear_if_saved();
   }
+}
+
+Task<> Journal::clear_if_saved() {
+  if (!own_ || !written_ || !is_saved(surroundings_.unsaved())) co_return;
+  written_.reset();
+  co_await remove(*own_);
+}
+
+void Journal::saved(const UserDataImage& image) {
+  saved_ = image;
+  look_again();
+}
+
+void Journal::look_again() {
+  if (!clearing_.running()) clearing_.start(clear_if_saved());
 }
 
 Task<bool> Journal::write(JournalEntry entry) {
@@ -133,6 +138,7 @@ Task<> Journal::remove(Slot slot) {
 
 Task<> Journal::end() {
   keeping_.cancel();
+  clearing_.cancel();
   if (!own_) co_return;
   co_await remove(*std::exchange(own_, std::nullopt));
 }

@@ -12,18 +12,10 @@
 #include "base/scheduler.h"
 #include "base/task.h"
 #include "console/journal_entry.h"
+#include "console/journal_offer.h"
 #include "console/prompts.h"
 
 namespace qv5123 {
-
-inline constexpr const char* kRestoreQuestion =
-    "The program ended without saving the values of its pages, but they were kept.\n\n"
-    "Yes: go on with these values.\n"
-    "No: throw them away.\n"
-    "Cancel: keep them and ask again at the next start.";
-/// Stands behind the question where a setting file was in use, before its name.
-inline constexpr const char* kRestoreFile = "\n\nThe setting file was: ";
-inline constexpr const char* kRestoreTitle = "Unsaved values";
 
 /// Keeps what is not saved in a file of its own, and finds what a run left there that did not come to its
 /// end. Each running program has one of a few slots, a file and a lock beside it, so that none writes over
@@ -55,8 +47,10 @@ class Journal {
   /// Takes a slot, keeps the journal from then on, and offers what was left in another slot. True when it was
   /// restored; its old file goes once it is journalled anew.
   Task<bool> start(Prompts& prompts);
-  /// A file holds this image now.
-  void saved(const UserDataImage& image) { saved_ = image; }
+  /// A file holds this image now. What is kept goes at once where nothing else is unsaved.
+  void saved(const UserDataImage& image);
+  /// Something else than the image was saved.
+  void look_again();
   /// The end as it should be: what is not saved is not wanted.
   Task<> end();
 
@@ -73,12 +67,15 @@ class Journal {
     std::optional<Slot> own;
     std::optional<Slot> left;
     JournalEntry entry;  ///< of `left`
+    JournalAge age;
   };
   static Slots take_slots(const Surroundings& surroundings);
   static void look_into(Slots& slots, Slot slot);
 
   Task<bool> offer(Prompts& prompts, Slots slots);
+  bool is_saved(const JournalEntry& entry) const;
   Task<> keep();
+  Task<> clear_if_saved();
   Task<bool> write(JournalEntry entry);
   Task<> remove(Slot slot);
 
@@ -90,6 +87,7 @@ class Journal {
   std::optional<JournalEntry> written_;  ///< what the file holds, as far as it could be written
   bool told_ = false;                    ///< that it cannot be written at the moment
   Flow keeping_;
+  Flow clearing_;
 };
 
 }  // namespace qv5123

@@ -1,20 +1,16 @@
 #include "console/journal_entry.h"
 
-#include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstdint>
 #include <exception>
-#include <vector>
 
 #include "base/atomic_file.h"
-#include "console/decimal_numbers.h"
 #include "console/setting_file.h"
 
 namespace qv5123 {
 namespace {
 
-constexpr std::string_view kFirstLine = "QV5123 journal 1\nfile ";
+constexpr std::string_view kFirstLine = "QV5123 journal 2\n";
 
 /// FNV-1a with its usual start and prime: it is to notice accidents, not forgers.
 std::uint32_t checksum(std::string_view text) {
@@ -39,37 +35,43 @@ std::optional<std::filesystem::path> path_of(std::string_view utf8) {
   }
 }
 
-UserDataImage image_of(std::string_view lines) {
-  std::array<std::uint8_t, UserDataImage::kSize> bytes{};
-  const std::vector<std::uint8_t> numbers = read_decimal_bytes(lines, UserDataImage::kSize);
-  std::copy(numbers.begin(), numbers.end(), bytes.begin());
-  UserDataImage image;
-  image.assign(bytes);
-  image.mark_loaded();
-  return image;
+std::string field(std::string_view name, std::string_view text) {
+  return std::string(name) + ' ' + std::to_string(text.size()) + ' ' + std::string(text) + '\n';
+}
+
+/// Takes a field of that name off the beginning of `rest`; nothing if there is none.
+std::optional<std::string_view> take_field(std::string_view name, std::string_view& rest) {
+  if (!rest.starts_with(name)) return std::nullopt;
+  std::string_view left = rest.substr(name.size());
+  if (!left.starts_with(' ')) return std::nullopt;
+  left.remove_prefix(1);
+  std::size_t length = 0;
+  const auto [end, error] = std::from_chars(left.data(), left.data() + left.size(), length);
+  const auto text_at = static_cast<std::size_t>(end - left.data()) + 1;
+  if (error != std::errc() || text_at > left.size() || length >= left.size() - text_at) return std::nullopt;
+  rest = left.substr(text_at + length + 1);
+  return left.substr(text_at, length);
 }
 
 }  // namespace
 
 std::string journal_text(const JournalEntry& entry) {
-  const std::string path = path_text(entry.setting_file);
   std::string text(kFirstLine);
-  text += std::to_string(path.size()) + ' ' + path + '\n' + setting_text(entry.image);
+  text +=
+      field("file", path_text(entry.setting_file)) + field("font", entry.font) + field("typed", entry.typed);
+  text += setting_text(entry.image);
   return text + sum_line(text);
 }
 
 std::optional<JournalEntry> read_journal(std::string_view text) {
   if (!text.starts_with(kFirstLine)) return std::nullopt;
-  const std::string_view rest = text.substr(kFirstLine.size());
-  std::size_t length = 0;
-  const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), length);
-  const auto path_at = static_cast<std::size_t>(end - rest.data()) + 1;
-  if (error != std::errc() || path_at > rest.size() || length > rest.size() - path_at) return std::nullopt;
-  auto path = path_of(rest.substr(path_at, length));
-  if (!path) return std::nullopt;
-  JournalEntry entry;
-  entry.setting_file = std::move(*path);
-  entry.image = image_of(rest.substr(path_at + length));
+  std::string_view rest = text.substr(kFirstLine.size());
+  const auto file = take_field("file", rest);
+  const auto font = file ? take_field("font", rest) : std::nullopt;
+  const auto typed = font ? take_field("typed", rest) : std::nullopt;
+  auto path = path_of(file.value_or(""));
+  if (!typed || !path) return std::nullopt;
+  JournalEntry entry{image_of(rest), std::move(*path), std::string(*font), std::string(*typed)};
   if (journal_text(entry) != text) return std::nullopt;
   return entry;
 }

@@ -15,14 +15,20 @@ struct JournalEntry {
   UserDataImage image;
   /// The remembered setting file; may be empty.
   std::filesystem::path setting_file;
+  /// What no file holds of the font, as its editor tells it; may be empty.
+  std::string font = {};
+  /// The text that was being typed, behind the name of its edit; may be empty.
+  std::string typed = {};
 
   friend bool operator==(const JournalEntry&, const JournalEntry&) = default;
 };
 
 /// The content of a journal file:
 ///
-///     QV5123 journal 1
+///     QV5123 journal 2
 ///     file <length in bytes> <path in UTF-8>
+///     font <length in bytes> <draft of the font>
+///     typed <length in bytes> <text in UTF-8>
 ///     <the 1024 lines of a setting file>
 ///     sum <8 hex digits: FNV-1a, 32 bits, over all bytes before this line>
 std::string journal_text(const JournalEntry& entry);

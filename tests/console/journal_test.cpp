@@ -94,8 +94,14 @@ TEST(Journal, HoldsWhatIsUnsavedWrittenAtMostOnceInAnInterval) {
   EXPECT_EQ(computer.kept(1), entry_of(10));
 
   run->journal->saved(run->now.image);
-  computer.clock.advance(Journal::kInterval);
   EXPECT_FALSE(std::filesystem::exists(computer.file(1))) << "a file holds it now";
+  computer.disk.busy = true;
+  run->now = entry_of(12);
+  computer.clock.advance(Journal::kInterval);
+  run->journal->saved(run->now.image);
+  computer.disk.busy = false;
+  computer.disk.catch_up();
+  EXPECT_FALSE(std::filesystem::exists(computer.file(1))) << "saved while it was being kept";
   run->now = entry_of(11);
   computer.clock.advance(Journal::kInterval);
   EXPECT_EQ(computer.kept(1), entry_of(11));
@@ -121,7 +127,9 @@ TEST(Journal, OfADeadRunIsOfferedUntilTheUserDecides) {
     EXPECT_EQ(computer.kept(2), entry_of(50));
     Flow(between->journal->end());
   }
-  EXPECT_EQ(computer.user.questions[0].text, std::string(kRestoreQuestion) + kRestoreFile + "Gerät\n.dat");
+  EXPECT_EQ(computer.user.questions[0].text,
+            std::string(kRestoreQuestion) + "\n\nKept less than a minute ago: 1024 values other than 0." +
+                kRestoreFile + "Gerät\n.dat");
 
   computer.user.hesitates = true;
   computer.user.answers = {Answer::yes};
@@ -144,6 +152,55 @@ TEST(Journal, OfADeadRunIsOfferedUntilTheUserDecides) {
   EXPECT_TRUE(last->restored.empty());
   EXPECT_FALSE(computer.kept(1));
   EXPECT_FALSE(computer.kept(2));
+}
+
+TEST(Journal, ThatIsOfferedTellsAgeCountAndANewerFile) {
+  Computer computer;
+  JournalEntry entry = entry_of(7, computer.folder / "board.dat");
+  entry.font = "0\nfont";
+  entry.typed = "AE Target: 5";
+  auto run = computer.begin();
+  run->now = entry;
+  computer.clock.advance(Journal::kInterval);
+  run.reset();
+  EXPECT_EQ(computer.kept(1), entry) << "font and text as well";
+  const auto now = std::filesystem::file_time_type::clock::now();
+  std::filesystem::last_write_time(computer.file(1), now - 3h - 5min);
+  UserDataImage image = entry.image;
+  image.set_entry(5, 8);
+  const std::filesystem::path file = computer.folder.write("board.dat", setting_text(image));
+  std::filesystem::last_write_time(file, now - 4h);
+  const std::string kept = std::string(kRestoreQuestion) +
+                           "\n\nKept 3 hours ago: 1 value that the setting file has otherwise."
+                           "\nThe font that was edited is kept as well.\nBeing typed: AE Target: 5" +
+                           kRestoreFile + path_text(file);
+  computer.begin();
+  std::filesystem::last_write_time(file, now);
+  computer.begin();
+  ASSERT_EQ(computer.user.questions.size(), 2u);
+  EXPECT_EQ(computer.user.questions[0].text, kept);
+  EXPECT_EQ(computer.user.questions[1].text, kept + kRestoreOlder);
+  for (const auto& [time, text] : {std::pair<std::chrono::seconds, const char*>{59s, "less than a minute"},
+                                   {60s, "1 minute"},
+                                   {47h, "47 hours"},
+                                   {48h, "2 days"}})
+    EXPECT_EQ(duration_text(time), text);
+}
+
+TEST(Journal, KeepsTextAndFontOfAnImageThatIsSavedUntilTheyAreToo) {
+  Computer computer;
+  auto run = computer.begin();
+  run->now.typed = "Value: 1";
+  computer.clock.advance(Journal::kInterval);
+  EXPECT_EQ(computer.kept(1), run->now);
+  run->now.typed.clear();
+  run->now.font = "5";
+  run->journal->saved(run->now.image);
+  computer.clock.advance(Journal::kInterval);
+  EXPECT_EQ(computer.kept(1), run->now);
+  run->now.font.clear();
+  run->journal->look_again();
+  EXPECT_FALSE(std::filesystem::exists(computer.file(1)));
 }
 
 TEST(Journal, OfALivingRunIsLeftAlone) {
@@ -169,10 +226,10 @@ TEST(Journal, ThatIsHalfAlteredOrForeignIsNeitherOfferedNorTouched) {
                                     "some file\n",
                                     setting_text(entry_of(42).image),
                                     whole + "\n",
-                                    "QV5123 journal 1\nfile 99999999999999999999 x",
-                                    "QV5123 journal 1\nfile -1 x",
-                                    "QV5123 journal 1\nfile 9",
-                                    "QV5123 journal 1\nfile 2 \xFF\xFE\n" + setting_text({})};
+                                    "QV5123 journal 2\nfile 99999999999999999999 x",
+                                    "QV5123 journal 2\nfile -1 x",
+                                    "QV5123 journal 2\nfile 9",
+                                    "QV5123 journal 2\nfile 2 \xFF\xFE\n" + setting_text({})};
   for (std::size_t length = 1; length < whole.size(); length += 37) wrong.push_back(whole.substr(0, length));
   for (std::size_t at = 0; at < whole.size(); at += 41) {
     wrong.push_back(whole);

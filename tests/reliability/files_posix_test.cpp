@@ -9,9 +9,11 @@
 #include <random>
 #include <thread>
 
+#include "console/journal_entry.h"
 #include "console/setting_file.h"
 #include "content/flash_image.h"
 #include "registers/register_file.h"
+#include "support/program.h"
 #include "support/temporary_folder.h"
 #include "tuning/register_script.h"
 
@@ -99,8 +101,7 @@ TEST(HostileFolders, ARemovedOneIsNamed) {
   const fs::path path = folder.path() / "gone" / "board.dat";
   EXPECT_EQ(write_setting_file(path, image_of(1)).text,
             "Cannot write " + path.string() + ": No such file or directory");
-  UserDataImage image;
-  EXPECT_EQ(read_setting_file(path, image).text,
+  EXPECT_EQ(read_setting_file(path).result.text,
             "Cannot read " + path.string() + ": No such file or directory");
   EXPECT_FALSE(fs::exists(folder.path() / "gone"));
 }
@@ -110,13 +111,24 @@ TEST(HostileFolders, NamesInAnyLanguageAreFound) {
   const fs::path path = folder.path() / fs::path(u8"Größe 設定") / fs::path(u8"файл.dat");
   fs::create_directories(path.parent_path());
   ASSERT_EQ(write_setting_file(path, image_of(7)).text, "");
-  UserDataImage image;
-  ASSERT_EQ(read_setting_file(path, image).text, "");
-  EXPECT_EQ(image.entry(9), 7);
-  EXPECT_THAT(read_setting_file(path / "x", image).text, testing::HasSubstr("Größe 設定/файл.dat"));
+  const ReadSettings read = read_setting_file(path);
+  ASSERT_EQ(read.result.text, "");
+  EXPECT_EQ(read.image.entry(9), 7);
+  EXPECT_THAT(read_setting_file(path / "x").result.text, testing::HasSubstr("Größe 設定/файл.dat"));
   const FlashBuild build = build_flash_image({path, path, path});
   EXPECT_EQ(build.refusal, "");
   EXPECT_EQ(build.image[flash::kUserOffset + 9], 7);
+}
+
+TEST(HostileFolders, NamesThatAreNoUnicodeTextAreFound) {
+  const test::TemporaryFolder folder;
+  const fs::path path = folder / "board\xE4\xFF.dat";
+  ASSERT_EQ(write_setting_file(path, image_of(7)).text, "");
+  EXPECT_EQ(read_setting_file(path).image.entry(9), 7);
+  JournalEntry entry{image_of(7), path};
+  EXPECT_EQ(read_journal(journal_text(entry)), entry);
+  EXPECT_EQ(test::Program("qv5123ctl", {"settings", "set", path.string(), "9=8", "--json"}).end(), 0);
+  EXPECT_EQ(read_setting_file(path).image.entry(9), 8);
 }
 
 /// Four gigabytes that take no room.
@@ -124,10 +136,9 @@ TEST(HugeFile, IsRefusedOrReadInPiecesWhereASmallOneBelongs) {
   const test::TemporaryFolder folder;
   const fs::path path = folder.write("huge", "");
   fs::resize_file(path, std::uintmax_t{4} << 30);
-  UserDataImage image;
-  EXPECT_EQ(read_setting_file(path, image).text,
-            "Cannot read " + path.string() + ": larger than 1048576 bytes");
-  EXPECT_FALSE(image.loaded());
+  const ReadSettings read = read_setting_file(path);
+  EXPECT_EQ(read.result.text, "Cannot read " + path.string() + ": larger than 1048576 bytes");
+  EXPECT_FALSE(read.image.loaded());
   std::string bytes;
   EXPECT_FALSE(read_whole_file(path, bytes).ok());
   EXPECT_THAT(RegDescription::load(path).problem, testing::HasSubstr("larger than"));

@@ -6,17 +6,22 @@
 
 #include "app/ui/frame.h"
 #include "app/ui/help_window.h"
-#include "app/ui/lock_file.h"
 #include "app/ui/page_area.h"
 #include "app/ui/qv5123_view.h"
 #include "app/ui/tour.h"
 #include "app/ui/unattended_prompts.h"
+#include "base/delay.h"
+#include "base/lock_file.h"
 #include "base/ui/qt_text.h"
 #include "link/port_name.h"
 #include "link/ui/serial_port_setting.h"
 
 namespace qv5123 {
 namespace {
+
+/// A disk that takes longer at the end is told of.
+constexpr std::chrono::seconds kSlowDisk{2};
+constexpr std::chrono::seconds kAskAgain{10};
 
 std::unique_ptr<Prompts> make_prompts(bool attended, const std::function<void(const std::string&)>& report) {
   if (attended) return std::make_unique<QtPrompts>();
@@ -177,13 +182,14 @@ void Program::open_window(PortSettings port) {
 void Program::keep_journal() {
   Journal::Surroundings surroundings;
   surroundings.folder = parts_.journal_folder;
-  surroundings.lock = lock_file;
+  surroundings.lock = [](const std::filesystem::path& path) { return lock_file(path).held; };
   surroundings.unsaved = [this] { return view_->unsaved(); };
   surroundings.restore = [this](const JournalEntry& entry) { view_->restore(entry); };
   surroundings.show_status = [this](const std::string& text) { view_->show_status(text); };
   journal_ = std::make_unique<Journal>(scheduler_, files_, std::move(surroundings));
   QObject::connect(view_, &CQV5123View::image_saved, frame_.get(),
                    [this](const UserDataImage& image) { journal_->saved(image); });
+  QObject::connect(view_, &CQV5123View::font_saved, frame_.get(), [this] { journal_->look_again(); });
 }
 
 Task<> Program::make_tour() {
@@ -205,12 +211,37 @@ void Program::show_help() {
 }
 
 Task<> Program::end(int exit_code) {
-  if (journal_) co_await journal_->end();
   co_await session_.close();
-  // Nothing is torn down, so what is being written must be whole before.
+  if (!view_->gave_up_writing()) co_await finish_files();
+  parts_.end_process(exit_code);
+}
+
+// Nothing is torn down, so what is being written must be whole before, or the user does without.
+Task<> Program::finish_files() {
+  const Resolver<bool> over;
+  const Flow writing(write_out(over));
+  const Flow asking(offer_to_go(over));
+  co_await over.pending();
+}
+
+Task<> Program::write_out(Resolver<bool> over) {
+  if (journal_) co_await journal_->end();
   const std::function<bool()> all_before = [] { return true; };
   co_await files_.run<bool>(all_before);
-  parts_.end_process(exit_code);
+  // Posted, since who waits for it ends this flow.
+  scheduler_.post([over] { over.resolve(true); });
+}
+
+Task<> Program::offer_to_go(Resolver<bool> over) {
+  for (std::chrono::seconds patience = kSlowDisk;; patience = kAskAgain) {
+    co_await Delay(scheduler_, patience);
+    view_->show_status("Still writing ...");
+    Question question = careful_question("Files are still being written.\n\nClose without waiting for them?");
+    const Answer answer = co_await prompts_->ask(std::move(question));
+    if (answer != Answer::yes) continue;
+    scheduler_.post([over] { over.resolve(true); });
+    co_return;
+  }
 }
 
 }  // namespace qv5123

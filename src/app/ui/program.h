@@ -67,6 +67,9 @@ class Program {
   Task<> make_tour();
   void show_help();
   Task<> end(int exit_code);
+  Task<> finish_files();
+  Task<> write_out(Resolver<bool> over);
+  Task<> offer_to_go(Resolver<bool> over);
 
   const ProgramOptions options_;
   AppSettings settings_;

@@ -9,6 +9,7 @@
 #include "app/ui/console_view.h"
 #include "app/ui/control_column.h"
 #include "app/ui/page_area.h"
+#include "app/ui/typed_text.h"
 #include "base/delay.h"
 #include "base/ui/qt_text.h"
 #include "console/main_commands.h"
@@ -46,10 +47,11 @@ CQV5123View::CQV5123View(CommandLink& link, Prompts& prompts, Background& backgr
       prompts_(prompts),
       background_(background),
       document_(document),
-      files_(document, prompts, background, files_surroundings()),
+      files_(document, prompts, background, link.scheduler(), files_surroundings()),
       transfer_(link, document, prompts, background, transfer_view()) {
   pages_ = new PageArea(*this, std::move(factories));
   column_ = new ControlColumn;
+  typed_ = new TypedText(this);
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(0);
@@ -115,8 +117,11 @@ SettingFiles::Surroundings CQV5123View::files_surroundings() {
   surroundings.show_status = [this](const std::string& text) { show_status(text); };
   surroundings.file_used = [this](const std::filesystem::path& path, const UserDataImage& image) {
     file_used(path);
+    typed_->mark_taken();
     emit image_saved(image);
   };
+  surroundings.show_done = [this](const std::string& text) { show_status(text); };
+  surroundings.append_console = [this](const std::string& text) { append_console(text); };
   return surroundings;
 }
 
@@ -161,9 +166,20 @@ Task<> CQV5123View::begin_with_image(Startup startup) {
   if (startup.setting_file || startup.offer_setting_file) co_await load_file(std::move(startup.setting_file));
 }
 
+JournalEntry CQV5123View::unsaved() const {
+  JournalEntry entry{files_.unsaved(), document_.setting_file};
+  const Page* editor = pages_->page(PageId::font_editor);
+  entry.font = editor ? editor->draft() : document_.font_draft;
+  entry.typed = typed_->text();
+  return entry;
+}
+
 void CQV5123View::restore(const JournalEntry& entry) {
+  document_.font_draft = entry.font;
+  if (!entry.typed.empty()) append_console("\r\nWas being typed: " + entry.typed);
   document_.user_data = entry.image;
   document_.setting_file = entry.setting_file;
+  files_.remember(entry.setting_file);
   files_.reload_pages();
   show_image();
 }
@@ -294,8 +310,9 @@ void CQV5123View::set_busy(bool busy) {
 }
 
 Task<> CQV5123View::reload_user_data_file() {
-  const FileResult result = co_await qv5123::reload_user_data_file(background_, document_.user_data);
-  if (!result.ok()) show_status(result.text);
+  const ReadSettings read = co_await qv5123::reload_user_data_file(background_, document_.user_data);
+  if (!read.result.ok()) show_status(read.result.text);
+  if (!read.oddity.empty()) show_status(read.oddity);
 }
 
 ConsoleView& CQV5123View::console() {

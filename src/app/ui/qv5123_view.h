@@ -19,6 +19,7 @@ namespace qv5123 {
 class ConsoleView;
 class ControlColumn;
 class PageArea;
+class TypedText;
 
 /// The main form: the tool pages on the left, the column with port, files, keys, downloads and console on the
 /// right. It is what the pages know of the window.
@@ -51,11 +52,13 @@ class CQV5123View final : public QWidget, public PageHost {
   bool starting() const { return starting_; }
 
   /// What saving would write now, and takes it over in another run. image_saved() tells what a file holds.
-  JournalEntry unsaved() const { return {files_.unsaved(), document_.setting_file}; }
+  JournalEntry unsaved() const;
   void restore(const JournalEntry& entry);
 
   /// Text from the chip, 8-bit characters.
   void take_received(const std::string& text);
+  /// Whether the user would not wait for a save that stands still.
+  bool gave_up_writing() const { return files_.given_up(); }
   /// The exit question. closing_confirmed() follows unless the user stays.
   void request_exit();
 
@@ -70,6 +73,7 @@ class CQV5123View final : public QWidget, public PageHost {
   Task<bool> save_everything() override { return files_.save_everything(); }
   Task<> reload_user_data_file() override;
   void set_busy(bool busy) override;
+  void draft_saved() override { emit font_saved(); }
 
   PageArea& pages() { return *pages_; }
   const ConsoleText& console_text() const { return console_text_; }
@@ -86,6 +90,7 @@ class CQV5123View final : public QWidget, public PageHost {
   void status_changed(const QString& text);
   void recent_files_changed();
   void image_saved(const qv5123::UserDataImage& image);
+  void font_saved();
   void progress_changed(std::optional<int> percent);
   /// The user has answered that the program is to end; what was to be saved is whole on the disk.
   void closing_confirmed();
@@ -124,6 +129,7 @@ class CQV5123View final : public QWidget, public PageHost {
   ImageTransfer transfer_;
   PageArea* pages_ = nullptr;
   ControlColumn* column_ = nullptr;
+  TypedText* typed_ = nullptr;
   int transfers_ = 0;
   int busy_ = 0;  // how many pages are at work
   bool starting_ = false;

@@ -1,0 +1,72 @@
+#include "console/journal_offer.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "base/elided.h"
+#include "console/setting_file.h"
+
+namespace qv5123 {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kShown = 200;  // of a path or a text: a journal may claim any
+
+std::size_t differing(const UserDataImage& a, const UserDataImage& b) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < UserDataImage::kSize; ++i) count += a.entry(i) != b.entry(i) ? 1 : 0;
+  return count;
+}
+
+std::string counted(long long count, const std::string& unit) {
+  return std::to_string(count) + " " + unit + (count == 1 ? "" : "s");
+}
+
+std::string what_was_kept(const JournalEntry& entry, const JournalAge& age) {
+  std::string text = "\n\nKept " + duration_text(age.age) +
+                     " ago: " + counted(static_cast<long long>(age.differing), "value") +
+                     (age.has_file ? " that the setting file has otherwise." : " other than 0.");
+  if (!entry.font.empty()) text += "\nThe font that was edited is kept as well.";
+  if (!entry.typed.empty()) text += "\nBeing typed: " + elided(entry.typed, kShown);
+  return text;
+}
+
+}  // namespace
+
+std::string duration_text(std::chrono::seconds time) {
+  const auto minutes = std::chrono::duration_cast<std::chrono::minutes>(time).count();
+  if (minutes < 1) return "less than a minute";
+  if (minutes < 60) return counted(minutes, "minute");
+  if (minutes < 48 * 60) return counted(minutes / 60, "hour");
+  return counted(minutes / (24 * 60), "day");
+}
+
+JournalAge age_of(const fs::path& file, const JournalEntry& entry) {
+  JournalAge age;
+  std::error_code error;
+  const fs::file_time_type kept = fs::last_write_time(file, error);
+  if (error) return age;
+  age.age =
+      std::max(std::chrono::seconds(0),
+               std::chrono::duration_cast<std::chrono::seconds>(fs::file_time_type::clock::now() - kept));
+  const ReadSettings settings = read_setting_file(entry.setting_file);
+  age.has_file = settings.result.ok();
+  age.differing = differing(entry.image, settings.image);
+  const fs::file_time_type written = fs::last_write_time(entry.setting_file, error);
+  age.file_is_newer = !error && written > kept;
+  return age;
+}
+
+Question restore_question(const JournalEntry& entry, const JournalAge& age) {
+  Question question;
+  question.title = kRestoreTitle;
+  question.text = kRestoreQuestion + what_was_kept(entry, age);
+  const std::string file = path_text(entry.setting_file);
+  if (!file.empty()) question.text += kRestoreFile + elided(file, kShown);
+  if (age.file_is_newer) question.text += kRestoreOlder;
+  question.buttons = Question::Buttons::yes_no_cancel;
+  return question;
+}
+
+}  // namespace qv5123
