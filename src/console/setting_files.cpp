@@ -135,6 +135,7 @@ Task<bool> SettingFiles::may_exit() {
   // A save that failed, or that was given up when asked for a file, must not take the work with it.
   const Resolver<bool> over;
   leaving_ = over;
+  given_up_ = false;
   std::optional<bool> saved;
   const Flow saving(save_for_exit(saved, over));
   if (!saved) co_await over.pending();
@@ -208,7 +209,7 @@ Task<> SettingFiles::tell_slow(std::string name) {
   while (leaving_) {
     Question question = careful_question(name + kGoWithoutQuestion, kSaveQuestionTitle);
     const Answer answer = co_await prompts_.ask(std::move(question));
-    if (answer == Answer::yes) {
+    if (answer == Answer::yes && leaving_) {
       given_up_ = true;
       // Posted, since who waits for it ends this flow.
       scheduler_.post([over = *leaving_] { over.resolve(true); });
