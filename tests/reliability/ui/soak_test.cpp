@@ -14,7 +14,7 @@
 #include <fstream>
 #include <random>
 
-#include "app/ui/lock_file.h"
+#include "base/lock_file.h"
 #include "console/journal.h"
 #include "reliability/ui/real_program.h"
 
@@ -158,7 +158,7 @@ class Soak {
   explicit Soak(unsigned seed) : user_(bench_, seed) {
     Journal::Surroundings around;
     around.folder = bench_.folder / "journal";
-    around.lock = lock_file;
+    around.lock = [](const fs::path& path) { return lock_file(path).held; };
     around.unsaved = [this] { return bench_.view->unsaved(); };
     around.restore = [this](const JournalEntry& entry) { bench_.view->restore(entry); };
     around.show_status = [this](const std::string& text) { bench_.view->show_status(text); };
