@@ -44,7 +44,7 @@ TEST(QtPrompts, QuestionsResumeWithTheAnswer) {
   EXPECT_EQ(box->defaultButton(), box->button(QMessageBox::No));
   box->reject();
   QCoreApplication::processEvents();
-  EXPECT_EQ(answers.back(), Answer::no) << "Escape is no Yes either";
+  EXPECT_NE(answers.back(), Answer::yes) << "Escape is no Yes either";
 
   flow.start(ask(prompts, {"?"}, answers));
   flow.cancel();
