@@ -86,24 +86,21 @@ Pending<JobResult> CommandLink::send(Job job) {
 Pending<JobResult> CommandLink::enqueue(std::deque<Queued>& queue, Job job, bool only_if_awaited) {
   Resolver<JobResult> done;
   Pending<JobResult> result = done.pending();
+  if (ended_) return result;
   queue.push_back({std::move(job), done, nullptr, only_if_awaited});
   start_next();
   return result;
 }
 
 void CommandLink::start_next() {
-  while (!running_) {
+  while (!running_ && !ended_) {
     std::deque<Queued>& queue = held_ ? held_queue_ : queue_;
     if (queue.empty()) return;
     Queued next = std::move(queue.front());
     queue.pop_front();
     if (next.only_if_awaited && next.done.dropped()) continue;
     if (!next.hold) {
-      running_ = next.done;
-      if (next.job.on_start) next.job.on_start();
-      sender_.start(std::move(next.job), [this, alive = alive_](JobResult result) {
-        if (*alive) job_over(result);
-      });
+      start(std::move(next.job), next.done);
     } else if (!next.hold->abandoned) {
       held_ = true;
       grant(next.hold);
@@ -112,8 +109,52 @@ void CommandLink::start_next() {
   }
 }
 
+void CommandLink::start(Job job, Resolver<JobResult> done) {
+  running_ = std::move(done);
+  running_writes_.clear();
+  for (const Chunk& chunk : job.chunks) running_writes_.push_back(chunk.writes);
+  if (job.on_start) job.on_start();
+  sender_.start(std::move(job), [this, alive = alive_](JobResult result) {
+    if (*alive) job_over(result);
+  });
+}
+
+void CommandLink::note_brackets(const JobResult& result) {
+  // Which chunk it was that failed is not told, and a bracket closed twice does no harm.
+  for (std::size_t i = 0; i < running_writes_.size(); ++i) {
+    if (result.failed) {
+      brackets_.left_in_part(running_writes_[i]);
+    } else if (i < result.chunks_sent) {
+      brackets_.left(running_writes_[i]);
+    }
+  }
+}
+
+Task<bool> CommandLink::end_with(Traffic last) {
+  ended_ = true;
+  queue_.clear();
+  held_queue_.clear();
+  if (running_) {
+    sender_.cancel();
+    co_await idle_waiter_.emplace().pending();
+  }
+  Traffic traffic = brackets_.closing();
+  append(traffic, std::move(last));
+  Job job;
+  for (Batch& batch : traffic) job.chunks.push_back(chunk_of(std::move(batch)));
+  if (job.chunks.empty()) co_return true;
+  const Resolver<JobResult> done;
+  start(std::move(job), done);
+  const JobResult result = co_await done.pending();
+  co_return !result.failed;
+}
+
 void CommandLink::job_over(const JobResult& result) {
+  note_brackets(result);
   const Resolver<JobResult> done = *std::exchange(running_, std::nullopt);
+  if (idle_waiter_) {
+    scheduler_.post([waiter = *std::exchange(idle_waiter_, std::nullopt)] { waiter.resolve(true); });
+  }
   start_next();
   // Last, since whoever waited may do anything, even end this link.
   done.resolve(result);

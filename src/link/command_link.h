@@ -12,6 +12,7 @@
 #include "base/delay.h"
 #include "base/scheduler.h"
 #include "base/task.h"
+#include "link/open_brackets.h"
 #include "link/register_write.h"
 #include "link/reply_buffer.h"
 #include "link/sender.h"
@@ -84,6 +85,10 @@ class CommandLink {
   Pending<JobResult> send_request(Batch request);
   /// Asks the running job to end at the next boundary between its chunks.
   void cancel_running_job() { sender_.cancel(); }
+  /// The end of all sending. What waits is dropped and never resumes who waits for it, and so is whatever is
+  /// sent from now on; the running job ends at its next boundary between chunks. Then brackets that are open
+  /// are closed, and `last` leaves. Resumes with whether all of that did.
+  Task<bool> end_with(Traffic last);
   /// Jobs not yet over, the running one included.
   std::size_t jobs_waiting() const { return queue_.size() + held_queue_.size() + (running_ ? 1 : 0); }
 
@@ -137,7 +142,9 @@ class CommandLink {
 
   Pending<JobResult> enqueue(std::deque<Queued>& queue, Job job, bool only_if_awaited = false);
   void start_next();
+  void start(Job job, Resolver<JobResult> done);
   void job_over(const JobResult& result);
+  void note_brackets(const JobResult& result);
   void release_turn();
   void hand_over_turn();
   void release_hold();
@@ -150,6 +157,10 @@ class CommandLink {
   std::deque<Queued> queue_;
   std::deque<Queued> held_queue_;  // what the holder sends
   std::optional<Resolver<JobResult>> running_;
+  std::vector<Batch> running_writes_;  // by chunk
+  OpenBrackets brackets_;
+  bool ended_ = false;
+  std::optional<Resolver<bool>> idle_waiter_;
   bool held_ = false;
   bool turn_taken_ = false;
   unsigned connection_ = 0;

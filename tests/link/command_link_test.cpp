@@ -153,5 +153,31 @@ TEST(CommandLink, AHoldKeepsEverythingElseWaitingAndLosesNothing) {
   EXPECT_EQ(wire.sender.wire(), "@0100*UHEADBLOCK@0101*@0102*U@0103*") << "a hold that is dropped lets go";
 }
 
+TEST(CommandLink, EndsWithOpenBracketsClosedAndNothingAfterwards) {
+  FakeWire wire;
+  FlowSet flows;
+  const auto end_with = [&](Traffic last) -> Task<> { co_await wire.link.end_with(std::move(last)); };
+  Traffic save = flushed_singly({{reg::kSaveBracket, 1}, {reg::kKeepBracket, 1}, {0x20, 1}, {0x21, 1}});
+  append(save, flushed_singly({{reg::kKeepBracket, 0}, {reg::kSaveBracket, 0}}));
+  wire.link.send(save);
+  wire.link.send(Batch{{0x30, 1}});
+  wire.advance(149);
+  flows.spawn(end_with({{{0x43, 0}}}));
+  wire.link.send(Batch{{0x31, 1}});
+  wire.advance(1000);
+  EXPECT_EQ(wire.sender.wire(), "@f901*@fa01*@2001*@fa00*@f900*@4300*");
+  EXPECT_FALSE(flows.running());
+}
+
+TEST(OpenBrackets, CountWhatMayHaveLeftAsOpen) {
+  OpenBrackets brackets;
+  brackets.left({{reg::kSaveBracket, 1}, {reg::kKeepBracket, 1}});
+  brackets.left({{reg::kKeepBracket, 0}});
+  EXPECT_EQ(brackets.closing(), (Traffic{{{reg::kSaveBracket, 0}}}));
+  brackets.left_in_part({{reg::kSaveBracket, 0}});
+  brackets.left_in_part({{reg::kKeepBracket, 1}});
+  EXPECT_EQ(brackets.closing(), flushed_singly({{reg::kKeepBracket, 0}, {reg::kSaveBracket, 0}}));
+}
+
 }  // namespace
 }  // namespace qv5123

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "link/register_write.h"
+
+namespace qv5123 {
+
+/// Which of the brackets around what the chip is to keep are open, going by what has left for it. A chip
+/// whose brackets stay open goes on keeping whatever it is told.
+class OpenBrackets {
+ public:
+  /// All of `batch` has left.
+  void left(const Batch& batch) { note(batch, true); }
+  /// Some of it may have: what it opens counts, what it closes does not.
+  void left_in_part(const Batch& batch) { note(batch, false); }
+
+  /// What closes those that are open, the inner one first, each a flush of its own.
+  Traffic closing() const;
+
+ private:
+  void note(const Batch& batch, bool whole);
+
+  bool keep_ = false;
+  bool save_ = false;
+};
+
+}  // namespace qv5123
