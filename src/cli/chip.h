@@ -8,9 +8,9 @@
 #include <string>
 
 #include "base/background.h"
+#include "base/interrupts.h"
 #include "base/loop_scheduler.h"
 #include "cli/context.h"
-#include "cli/interrupts.h"
 #include "cli/trace_device.h"
 #include "link/port_session.h"
 

@@ -1,4 +1,4 @@
-#include "cli/interrupts.h"
+#include "base/interrupts.h"
 
 #include <atomic>
 #include <csignal>

@@ -1,4 +1,4 @@
-#include "cli/interrupts.h"
+#include "base/interrupts.h"
 
 #include <windows.h>
 
@@ -15,8 +15,11 @@ HANDLE request_event() {
   return event;
 }
 
-BOOL WINAPI on_console_event(DWORD) {
+BOOL WINAPI on_console_event(DWORD event) {
+  constexpr DWORD kLongerThanTheSystemWaits = 30'000;
   SetEvent(request_event());
+  // The system ends the process as soon as this returns, or after some seconds.
+  if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(kLongerThanTheSystemWaits);
   return TRUE;
 }
 
