@@ -18,17 +18,40 @@ Task<bool> PortInUse::open() {
   const PortSettings tried = settings_;
   const OpenResult result = co_await surroundings_.open(device_name(tried), tried.line);
   open_ = result.ok();
+  awaited_ = false;
   if (open_) {
-    surroundings_.append_console(port_open_text(tried));
-    surroundings_.empty_write();
+    say_open(tried);
     co_return true;
   }
+  if (result.error == OpenError::not_found) await_port(tried);
   Message failure;
   failure.text = std::string(kSerialOpenFail) + (result.text.empty() ? "" : "\n\n" + result.text);
   failure.icon = Message::Icon::warning;
   co_await prompts_.message(std::move(failure));
   surroundings_.append_console(port_fail_text(tried));
   co_return false;
+}
+
+void PortInUse::say_open(const PortSettings& opened) {
+  surroundings_.append_console(port_open_text(opened));
+  surroundings_.empty_write();
+}
+
+void PortInUse::await_port(const PortSettings& tried) {
+  // Where nobody ever chose a port there is none to wait for.
+  if (!surroundings_.open_when_there || tried == PortSettings{}) return;
+  awaited_ = true;
+  surroundings_.open_when_there();
+  if (surroundings_.say) {
+    surroundings_.say(true, shown_port(tried) + " is not there. It is opened when it appears.");
+  }
+}
+
+void PortInUse::connected() {
+  if (!awaited_) return;
+  awaited_ = false;
+  open_ = true;
+  say_open(settings_);
 }
 
 Task<> PortInUse::change() {
@@ -40,10 +63,11 @@ Task<> PortInUse::change() {
 }
 
 void PortInUse::close() {
-  if (!open_) return;
+  if (!open_ && !awaited_) return;
   surroundings_.close();
-  open_ = false;
-  surroundings_.append_console(kSerialClosedText);
+  if (open_) surroundings_.append_console(kSerialClosedText);
+  open_ = awaited_ = false;
+  if (surroundings_.say) surroundings_.say(false, shown_port(settings_) + " is closed.");
 }
 
 }  // namespace qv5123

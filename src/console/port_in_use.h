@@ -26,6 +26,10 @@ class PortInUse {
     std::function<void(const PortSettings&)> store;
     std::function<void(const PortSettings&)> show;
     std::function<void(const std::string&)> append_console;
+    /// A port that is not there is to be opened as soon as it is; connected() is called then. May be empty.
+    std::function<void()> open_when_there = {};
+    /// Says what the state of the port is, and whether that is a fault. May be empty.
+    std::function<void(bool fault, const std::string&)> say = {};
   };
 
   PortInUse(PortSettings settings, Prompts& prompts, Surroundings surroundings);
@@ -38,14 +42,20 @@ class PortInUse {
   Task<bool> open();
   /// "Change COM Port...": the dialog, then the port it chose is stored and opened anew.
   Task<> change();
-  /// The serial close command.
+  /// The serial close command. Also ends the promise to open a port that is away.
   void close();
+  /// The port that was waited for is open.
+  void connected();
 
  private:
+  void await_port(const PortSettings& tried);
+  void say_open(const PortSettings& opened);
+
   PortSettings settings_;
   Prompts& prompts_;
   Surroundings surroundings_;
   bool open_ = false;
+  bool awaited_ = false;
 };
 
 /// What the device of `settings` is opened by.

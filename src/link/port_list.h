@@ -9,7 +9,9 @@
 namespace qv5123 {
 
 struct PortInfo {
-  int number = 0;      ///< the COM port's number; on other systems the number at the end of the device's name
+  /// The COM port's number; on other systems the number at the end of the device's name. Negative for what is
+  /// no port of this computer.
+  int number = 0;
   std::string device;  ///< what SerialDevice::open() takes
   std::string name;    ///< what to show, in words
   friend bool operator==(const PortInfo&, const PortInfo&) = default;

@@ -130,10 +130,10 @@ void PortSession::lost(unsigned epoch) {
   close_port({});
   set_connected(false);
   if (events_.status) events_.status(name_ + " is gone. It is opened again when it comes back.");
-  reopen_.start(reopen());
+  reopen_.start(reopen(name_ + " is back."));
 }
 
-Task<> PortSession::reopen() {
+Task<> PortSession::reopen(std::string text) {
   OpenError told = OpenError::not_found;
   while (true) {
     co_await Delay(scheduler_, kReopenEvery);
@@ -143,7 +143,7 @@ Task<> PortSession::reopen() {
     if (result.error != told && events_.status) events_.status(result.text);
     told = result.error;
   }
-  if (events_.status) events_.status(name_ + " is back.");
+  if (events_.status) events_.status(text);
 }
 
 }  // namespace qv5123

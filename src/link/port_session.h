@@ -39,6 +39,9 @@ class PortSession {
 
   /// Closes what is open and opens `name`, on a thread of its own; the caller goes on meanwhile.
   Task<OpenResult> open(std::string name, LineSettings settings);
+  /// After an open() that found no such port: tries it again until it is there, or until the next open() or
+  /// close(). The event tells when it is open.
+  void open_when_there() { reopen_.start(reopen(name_ + " is there and was opened.")); }
   /// Closes the port and gives up one that was lost. Resumes with true when it is closed, with false while a
   /// driver is still at it after kClosePatience; nobody need wait for that.
   Pending<bool> close();
@@ -58,7 +61,7 @@ class PortSession {
   void set_connected(bool connected);
   Task<OpenResult> open_port();
   void port_opened(const OpenResult& result, unsigned epoch);
-  Task<> reopen();
+  Task<> reopen(std::string text);
 
   Scheduler& scheduler_;
   PortSessionEvents events_;
