@@ -29,20 +29,38 @@ bool stands_for(const PortInfo& port, const PortSettings& settings) {
   return openable_name(port.device) == openable_name(settings.device);
 }
 
+/// The port in use where the system does not list it: it is away, or of a kind that is not looked for.
+PortInfo entry_of(const PortSettings& settings) {
+  const std::string device = settings.device.empty() ? comm_device_name(settings.number) : settings.device;
+  return {settings.number, device,
+          settings.description.empty() ? shown_port(settings) : settings.description};
+}
+
 }  // namespace
 
 CSerialPortSetting::CSerialPortSetting(std::vector<PortInfo> ports, const PortSettings& current, Probe probe,
-                                       QWidget* parent)
+                                       const std::string& why_asked, QWidget* parent)
     : QDialog(parent), ports_(std::move(ports)), settings_(current), probe_(std::move(probe)) {
   setWindowTitle(tr("Serial Port Setting"));
   auto* form = new QFormLayout(this);
   form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+  add_reason(*form, why_asked);
   add_port_list(*form);
   add_line_lists(*form);
   add_flow_boxes(*form);
   add_send_delay(*form);
   add_buttons(*form);
   show_selection(selection_of(current.line));
+  update_open_button();
+}
+
+void CSerialPortSetting::add_reason(QFormLayout& form, const std::string& why_asked) {
+  if (why_asked.empty()) return;
+  auto* reason = new QLabel(to_qt(why_asked), this);
+  reason->setObjectName("why-asked");
+  reason->setTextFormat(Qt::PlainText);
+  reason->setWordWrap(true);
+  form.addRow(reason);
 }
 
 QComboBox* CSerialPortSetting::list(const QString& name, const QString& tip) {
@@ -53,15 +71,42 @@ QComboBox* CSerialPortSetting::list(const QString& name, const QString& tip) {
 }
 
 void CSerialPortSetting::add_port_list(QFormLayout& form) {
-  port_ = list(tr("Serial Port"), tr("The serial ports that are there now"));
+  const bool listed =
+      std::ranges::any_of(ports_, [this](const PortInfo& port) { return stands_for(port, settings_); });
+  if (!listed && settings_ != PortSettings{}) ports_.insert(ports_.begin(), entry_of(settings_));
+  port_ =
+      list(tr("Serial Port"), "The serial ports that are there now; the path of another one can be typed");
+  port_->setEditable(true);
+  port_->setInsertPolicy(QComboBox::NoInsert);
+  port_->setCompleter(nullptr);  // a path that is the start of another one is meant as it is
+  port_->lineEdit()->setAccessibleName("Serial Port or its path");
   port_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   port_->setMinimumContentsLength(30);
   for (const PortInfo& port : ports_) port_->addItem(to_qt(port.name));
-  const auto current = std::find_if(ports_.begin(), ports_.end(),
-                                    [this](const PortInfo& p) { return stands_for(p, settings_); });
-  if (current != ports_.end()) port_->setCurrentIndex(static_cast<int>(current - ports_.begin()));
+  port_->setCurrentIndex(first_shown());
   widen_drop_down();
+  connect(port_, &QComboBox::editTextChanged, this, &CSerialPortSetting::update_open_button);
   form.addRow(tr("Serial Port:"), port_);
+}
+
+int CSerialPortSetting::first_shown() const {
+  const auto position = [this](auto found) {
+    return found == ports_.end() ? -1 : static_cast<int>(found - ports_.begin());
+  };
+  const int current =
+      position(std::ranges::find_if(ports_, [this](const PortInfo& p) { return stands_for(p, settings_); }));
+  // What has a negative number is no port of this computer, and nothing to open by mistake.
+  return current >= 0
+             ? current
+             : position(std::ranges::find_if(ports_, [](const PortInfo& p) { return p.number >= 0; }));
+}
+
+void CSerialPortSetting::update_open_button() {
+  const bool chosen = !port_->currentText().trimmed().isEmpty();
+  open_->setEnabled(chosen && !opening_.running());
+  open_->setToolTip(chosen           ? tr("Use this port")
+                    : ports_.empty() ? tr("No serial port was found")
+                                     : "Choose a port");
 }
 
 void CSerialPortSetting::widen_drop_down() {
@@ -117,11 +162,9 @@ void CSerialPortSetting::add_buttons(QFormLayout& form) {
   auto* box = new QDialogButtonBox(this);
   open_ = box->addButton(tr("Open"), QDialogButtonBox::AcceptRole);
   open_->setDefault(true);
-  open_->setEnabled(!ports_.empty());
   QPushButton* cancel = box->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
   open_->setAccessibleName(tr("Open port"));
   cancel->setAccessibleName(tr("Cancel port setting"));
-  open_->setToolTip(ports_.empty() ? tr("No serial port was found") : tr("Use this port"));
   cancel->setToolTip(tr("Change nothing"));
   connect(box, &QDialogButtonBox::accepted, this, [this] {
     if (!opening_.running()) opening_.start(try_open());
@@ -154,14 +197,25 @@ PortSelection CSerialPortSetting::selection() const {
 
 PortSettings CSerialPortSetting::chosen() const {
   PortSettings result = settings_;
-  const auto selected = static_cast<std::size_t>(port_->currentIndex());
-  if (selected < ports_.size()) {
-    result.number = ports_[selected].number;
-    result.device = ports_[selected].device;
-    result.description = ports_[selected].name;
-  }
+  take_port(result);
   result.line = line_from(selection());
   return result;
+}
+
+void CSerialPortSetting::take_port(PortSettings& result) const {
+  const QString text = port_->currentText();
+  int at = port_->currentIndex();
+  if (at < 0 || port_->itemText(at) != text) at = port_->findText(text, Qt::MatchExactly);
+  if (at >= 0) {
+    const PortInfo& port = ports_[static_cast<std::size_t>(at)];
+    result.number = std::max(port.number, 0);
+    result.device = port.device;
+    result.description = port.name;
+    return;
+  }
+  result.device = from_qt(text.trimmed());
+  result.number = port_number_from_name(result.device).value_or(0);
+  result.description = result.device;
 }
 
 Task<> CSerialPortSetting::try_open() {

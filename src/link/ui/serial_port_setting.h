@@ -25,16 +25,21 @@ class CSerialPortSetting final : public QDialog {
   /// Tells whether a device can be opened.
   using Probe = std::function<Task<OpenResult>(std::string device)>;
 
-  /// `current` is what the lists show first. Every call is made while the dialog exists.
+  /// `current` is what the lists show first; its port is among them wherever it was found. `why_asked` says
+  /// why the dialog came by itself; empty where the user asked for it. Every call is made while the dialog
+  /// exists.
   CSerialPortSetting(std::vector<PortInfo> ports, const PortSettings& current, Probe probe,
-                     QWidget* parent = nullptr);
+                     const std::string& why_asked = {}, QWidget* parent = nullptr);
 
   /// What was chosen; `current` until "Open" went well.
   const PortSettings& settings() const { return settings_; }
 
  private:
   QComboBox* list(const QString& name, const QString& tip);
+  void add_reason(QFormLayout& form, const std::string& why_asked);
   void add_port_list(QFormLayout& form);
+  int first_shown() const;
+  void update_open_button();
   void add_line_lists(QFormLayout& form);
   void add_flow_boxes(QFormLayout& form);
   void add_send_delay(QFormLayout& form);
@@ -43,10 +48,11 @@ class CSerialPortSetting final : public QDialog {
   void show_selection(const PortSelection& selection);
   PortSelection selection() const;
   PortSettings chosen() const;
+  void take_port(PortSettings& result) const;
   Task<> try_open();
   void say_probe_failed(const PortSettings& tried, const OpenResult& result);
 
-  const std::vector<PortInfo> ports_;
+  std::vector<PortInfo> ports_;
   PortSettings settings_;
   const Probe probe_;
   QComboBox* port_ = nullptr;

@@ -91,6 +91,24 @@ TEST(SerialPortSetting, OpenProbesAndTakesTheSelections) {
             (PortSettings{12, "\\\\.\\COM12", {19200, 8, 1, 4, 2}, "USB Serial Adapter (COM12)", 0}));
 }
 
+TEST(SerialPortSetting, ThePortInUseIsThereAndAnotherCanBeTyped) {
+  PortSettings current{0, "/dev/pts/7", {}, "", 0};
+  PortDialog bench(current);
+  EXPECT_EQ(bench.control<QComboBox>("Serial Port")->currentText(), "/dev/pts/7");
+  EXPECT_EQ(bench.control<QComboBox>("Serial Port")->count(), 3);
+  bench.control<QComboBox>("Serial Port")->lineEdit()->setText("");
+  EXPECT_FALSE(bench.control<QPushButton>("Open port")->isEnabled());
+  bench.control<QComboBox>("Serial Port")->lineEdit()->setText(" /tmp/chip ");
+  bench.open();
+  EXPECT_EQ(bench.dialog.settings(), (PortSettings{0, "/tmp/chip", {}, "/tmp/chip", 0}));
+
+  PortDialog simulated({}, {{-1, "simulated chip", "Simulated chip"}});
+  EXPECT_FALSE(simulated.control<QPushButton>("Open port")->isEnabled()) << "not by mistake";
+  simulated.control<QComboBox>("Serial Port")->setCurrentIndex(0);
+  simulated.open();
+  EXPECT_EQ(simulated.dialog.settings().device, "simulated chip");
+}
+
 TEST(SerialPortSetting, WithoutPortsOnlyCancelIsLeft) {
   PortDialog bench({}, {});
   EXPECT_FALSE(bench.control<QPushButton>("Open port")->isEnabled());
