@@ -38,20 +38,22 @@ VersionNumbers load_version(const UserDataImage& image, int slot) {
 
 void store_version(UserDataImage& image, int slot, const VersionNumbers& numbers) {
   if (!has_slot(slot)) return;
+  const VersionNumbers held = load_version(image, slot);
   for (std::size_t i = 0; i < numbers.size(); ++i) {
+    if (numbers[i] == held[i]) continue;
     const std::size_t tens = entry_of(slot, i);
     image.set_entry(tens, in_range(numbers[i]) / 10);
     image.set_entry(tens + 1, in_range(numbers[i]) % 10);
   }
 }
 
-Traffic version_traffic(int slot, const VersionNumbers& numbers) {
+Traffic version_traffic(const UserDataImage& image, int slot) {
   Traffic traffic;
   if (!has_slot(slot)) return traffic;
   const auto address = static_cast<std::uint8_t>(kFirstRegister + slot);
-  for (const int number : numbers) {
-    traffic.push_back(
-        {{address, low_byte(in_range(number) / 10)}, {address, low_byte(in_range(number) % 10)}});
+  for (std::size_t i = 0; i < VersionNumbers{}.size(); ++i) {
+    const std::size_t tens = entry_of(slot, i);
+    traffic.push_back({{address, image.entry(tens)}, {address, image.entry(tens + 1)}});
   }
   return traffic;
 }

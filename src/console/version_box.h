@@ -17,10 +17,12 @@ using VersionNumbers = std::array<int, 3>;
 /// The numbers of slot 0..2; zeros for any other slot.
 VersionNumbers load_version(const UserDataImage& image, int slot);
 
-/// Stores the numbers, each held within 0..99. A slot outside 0..2 stores nothing.
+/// Stores the numbers, each held within 0..99; the entries of one that they hold already stay as they are,
+/// also where they are no digits. A slot outside 0..2 stores nothing.
 void store_version(UserDataImage& image, int slot, const VersionNumbers& numbers);
 
-/// What "S" sends: per number a flush of its tens digit and its units digit. Nothing for a slot outside 0..2.
-Traffic version_traffic(int slot, const VersionNumbers& numbers);
+/// What "S" sends of the slot as it is stored: per number a flush of its tens digit and its units digit.
+/// Nothing for a slot outside 0..2.
+Traffic version_traffic(const UserDataImage& image, int slot);
 
 }  // namespace qv5123

@@ -11,6 +11,7 @@ TEST(VersionBox, NumbersAreHeldTo99AndASlotThatIsNotThereIsLeftAlone) {
   for (const int none : {-1, 3}) store_version(image, none, {1, 2, 3});
   EXPECT_EQ(image, before);
   EXPECT_EQ(load_version(image, 2), (VersionNumbers{99, 0, 40}));
+  EXPECT_TRUE(version_traffic(image, 3).empty());
 }
 
 void receive(ReplyBuffer& reply, const std::string& bytes) {
