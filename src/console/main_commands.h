@@ -14,6 +14,11 @@ namespace qv5123 {
 
 enum class OsdKey : std::uint8_t { up = 0, down = 1, left = 2, right = 3, set = 4 };
 
+inline const char* osd_key_name(OsdKey key) {
+  constexpr const char* kNames[] = {"Up", "Down", "Left", "Right", "Set"};
+  return kNames[static_cast<std::size_t>(key)];
+}
+
 inline Batch osd_key(OsdKey key) {
   return {{reg::kOsdKey, static_cast<std::uint8_t>(key)}};
 }

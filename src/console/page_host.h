@@ -26,6 +26,15 @@ class PageHost {
 
   /// Shows a message of at most 256 characters in the status bar's message pane.
   virtual void show_status(const std::string& text) = 0;
+  /// Shows that something did not work. It stays there, beside what else is said, until the user has read it
+  /// or the same page has something to show again.
+  virtual void show_failure(const std::string& text) { show_status(text); }
+  /// Sends one flush and says what came of it, under the name that the user knows it by: "Saturation: 1
+  /// register sent". For controls that have no text of their own.
+  virtual void send_and_tell(const std::string& what, Batch batch) {
+    (void)what;
+    link().send(std::move(batch));
+  }
   /// Shows how far a long operation is, 0..100, beside the status message. Taken away again by an empty
   /// `percent`, and by the end of the last work under set_busy().
   virtual void show_progress(std::optional<int> percent) = 0;
@@ -68,6 +77,10 @@ class Page {
   virtual void reload_from_user_data() {}
   /// Chosen from the menu while it exists already.
   virtual void chosen_again() {}
+  /// What the chip must still be told when the program ends, so that it is left as it would be without the
+  /// page, such as a colour picker that is switched off. Asked for once, after everything else has left or
+  /// was dropped.
+  virtual Traffic leave() { return {}; }
   /// Reads the page's values from the chip, as its own button for that does. The tour calls it.
   virtual void read_back() {}
   /// True while what the page asked the chip for at its opening is still under way. The tour waits for it.
