@@ -16,6 +16,8 @@ namespace {
 constexpr std::size_t kHeader = 1;  // chunks before the first block
 constexpr std::size_t kHeaderBytes = 2;
 constexpr std::size_t kChecksumBytes = 1;
+/// What a block takes at 9600 baud, and some more.
+constexpr std::chrono::milliseconds kBlockPatience{400};
 /// A device that is pulled out fails the write first, and is found gone a little later.
 constexpr std::chrono::milliseconds kLossNews{300};
 
@@ -193,15 +195,18 @@ void ImageTransfer::cancel() {
 
 Task<> ImageTransfer::end_all(std::chrono::milliseconds patience) {
   constexpr std::chrono::milliseconds kLook{50};
-  const std::vector<std::weak_ptr<Transfer>> begun = begun_;
-  // From the last one on, so that none has its turn by the end of another.
-  for (auto each = begun.rbegin(); each != begun.rend(); ++each) {
-    if (const auto transfer = each->lock()) transfer->cancel();
-  }
-  const auto expired = [](const auto& each) { return each.expired(); };
-  const auto end = link_.scheduler().now() + patience;
-  while (!std::ranges::all_of(begun, expired) && link_.scheduler().now() < end) {
-    co_await Delay(link_.scheduler(), kLook);
+  // Cancelled once more, what is left stops where it stands: after the block that is being sent.
+  for (const std::chrono::milliseconds wait : {patience, kBlockPatience}) {
+    const std::vector<std::weak_ptr<Transfer>> begun = begun_;
+    // From the last one on, so that none has its turn by the end of another.
+    for (auto each = begun.rbegin(); each != begun.rend(); ++each) {
+      if (const auto transfer = each->lock()) transfer->cancel();
+    }
+    const auto expired = [](const auto& each) { return each.expired(); };
+    const auto end = link_.scheduler().now() + wait;
+    while (!std::ranges::all_of(begun, expired) && link_.scheduler().now() < end) {
+      co_await Delay(link_.scheduler(), kLook);
+    }
   }
 }
 

@@ -52,7 +52,8 @@ class ImageTransfer {
   /// that still waits for its turn is given up at once and sends nothing.
   void cancel();
 
-  /// Cancels all that were begun and resumes when they are over, or after `patience`.
+  /// Cancels all that were begun and resumes when they are over. What is not after `patience` is stopped
+  /// where it stands, and has a little more time to say what the chip still expects.
   Task<> end_all(std::chrono::milliseconds patience);
 
   /// From the command letter to the end.

@@ -136,6 +136,17 @@ Task<> Journal::remove(Slot slot) {
   co_await background_.run<bool>(std::move(work));
 }
 
+Task<> Journal::keep_to_the_end() {
+  keeping_.cancel();
+  if (!own_) co_return;
+  JournalEntry entry = surroundings_.unsaved();
+  if (is_saved(entry)) {
+    co_await remove(*std::exchange(own_, std::nullopt));
+  } else if (entry != written_) {
+    co_await write(std::move(entry));
+  }
+}
+
 Task<> Journal::end() {
   keeping_.cancel();
   clearing_.cancel();

@@ -51,6 +51,8 @@ class Journal {
   void saved(const UserDataImage& image);
   /// Something else than the image was saved.
   void look_again();
+  /// The end that nobody was asked about: what is not saved is kept for the next start, as after a crash.
+  Task<> keep_to_the_end();
   /// The end as it should be: what is not saved is not wanted.
   Task<> end();
 

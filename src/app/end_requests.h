@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <mutex>
+
+#include "base/interrupts.h"
+
+namespace qv5123 {
+
+/// The system's requests to end the program. The first is passed on, so that the chip and the files are left
+/// as they should be; the second ends the process at once, and so does any before there is somebody to pass
+/// it on to. To be made before any thread is started.
+class EndRequests {
+ public:
+  /// `end_process` ends it at once.
+  explicit EndRequests(std::function<void()> end_process);
+
+  /// `on_first` is called on another thread. Empty: nobody is there any more.
+  void pass_on_to(std::function<void()> on_first);
+
+ private:
+  void requested();
+
+  const std::function<void()> end_process_;
+  std::mutex mutex_;
+  std::function<void()> on_first_;
+  Interrupts interrupts_;
+};
+
+}  // namespace qv5123
