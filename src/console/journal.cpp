@@ -138,6 +138,7 @@ Task<> Journal::remove(Slot slot) {
 
 Task<> Journal::keep_to_the_end() {
   keeping_.cancel();
+  clearing_.cancel();
   if (!own_) co_return;
   JournalEntry entry = surroundings_.unsaved();
   if (is_saved(entry)) {

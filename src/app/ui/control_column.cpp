@@ -10,9 +10,14 @@
 #include <QMenu>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QSpinBox>
+#include <QTimer>
 #include <QToolButton>
 #include <algorithm>
+#include <functional>
+#include <memory>
+#include <utility>
 
 #include "app/ui/console_view.h"
 #include "base/ui/qt_text.h"
@@ -27,6 +32,31 @@ QBoxLayout* box_layout(QGroupBox* box, QBoxLayout::Direction direction) {
   layout->setContentsMargins(8, 4, 8, 6);
   layout->setSpacing(6);
   return layout;
+}
+
+/// Two digits, as the version is written; more where the entries hold no digits.
+class VersionEdit final : public QSpinBox {
+ public:
+  using QSpinBox::QSpinBox;
+
+ protected:
+  QString textFromValue(int value) const override {
+    return QStringLiteral("%1").arg(value, 2, 10, QLatin1Char('0'));
+  }
+};
+
+/// Calls `take` for what the user chooses in `list`, by whatever means: what assistive tools choose is a
+/// change alone, and the entry that was chosen before is none.
+void on_choice(QComboBox* list, std::function<void(int)> take) {
+  auto taken = std::make_shared<bool>(false);
+  QObject::connect(list, &QComboBox::currentIndexChanged, list, [list, taken, take](int index) {
+    *taken = true;
+    QTimer::singleShot(0, list, [taken] { *taken = false; });
+    take(index);
+  });
+  QObject::connect(list, &QComboBox::activated, list, [taken, take](int index) {
+    if (!std::exchange(*taken, false)) take(index);
+  });
 }
 
 }  // namespace
@@ -101,10 +131,10 @@ void ControlColumn::add_version_box(QBoxLayout& column) {
   for (const char* name : kVersionSlotNames) slot_->addItem(name);
   slot_->setAccessibleName(tr("Version slot"));
   slot_->setToolTip(tr("Which of the three version numbers to show (registers 0xCB, 0xCC, 0xCD)"));
-  connect(slot_, &QComboBox::activated, this, &ControlColumn::version_slot_chosen);
+  on_choice(slot_, [this](int slot) { emit version_slot_chosen(slot); });
   row->addWidget(slot_, 1);
   for (std::size_t i = 0; i < version_.size(); ++i) {
-    version_[i] = new QSpinBox(box);
+    version_[i] = new VersionEdit(box);
     version_[i]->setRange(0, kVersionNumberMax);
     version_[i]->setButtonSymbols(QAbstractSpinBox::NoButtons);
     version_[i]->setAlignment(Qt::AlignCenter);
@@ -131,7 +161,7 @@ void ControlColumn::add_osd_pattern(QBoxLayout& column) {
   osd_pattern_->setToolTip(
       tr("The pattern that the chip shows (register 0xC9); also written to the setting file"));
   label->setBuddy(osd_pattern_);
-  connect(osd_pattern_, &QComboBox::activated, this, &ControlColumn::osd_pattern_chosen);
+  on_choice(osd_pattern_, [this](int selection) { emit osd_pattern_chosen(selection); });
   row->addWidget(label);
   row->addWidget(osd_pattern_, 1);
   column.addLayout(row);
@@ -262,10 +292,14 @@ std::array<int, 3> ControlColumn::version_numbers() const {
 }
 
 void ControlColumn::set_version_numbers(const std::array<int, 3>& numbers) {
-  for (std::size_t i = 0; i < numbers.size(); ++i) version_[i]->setValue(numbers[i]);
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    version_[i]->setMaximum(std::max(kVersionNumberMax, numbers[i]));
+    version_[i]->setValue(numbers[i]);
+  }
 }
 
 void ControlColumn::set_osd_pattern(int selection) {
+  const QSignalBlocker shown(osd_pattern_);
   osd_pattern_->setCurrentIndex(selection);
 }
 

@@ -7,9 +7,13 @@
 #include <QProgressBar>
 #include <QScreen>
 #include <QStatusBar>
+#include <QStatusTipEvent>
+#include <QToolTip>
 
+#include "app/ui/message_list.h"
 #include "app/ui/page_area.h"
 #include "app/ui/qv5123_view.h"
+#include "app/ui/status_pane.h"
 #include "base/ui/qt_text.h"
 
 namespace qv5123 {
@@ -25,7 +29,8 @@ CMainFrame::CMainFrame(CQV5123View* view) : view_(*view) {
   setCentralWidget(view);
   fill_menu_bar();
   fill_status_bar();
-  connect(view, &CQV5123View::status_changed, this, &CMainFrame::show_status);
+  connect(view, &CQV5123View::status_changed, this, &CMainFrame::show_messages);
+  connect(view, &CQV5123View::messages_read, this, &CMainFrame::show_messages);
   connect(view, &CQV5123View::progress_changed, this, &CMainFrame::show_progress);
   fit_to_screen();
 }
@@ -43,23 +48,28 @@ void CMainFrame::fill_menu_bar() {
   close_port->setShortcut(QKeySequence(tr("Ctrl+Shift+C")));
   connect(close_port, &QAction::triggered, &view_, &CQV5123View::close_serial);
   addAction(close_port);
+
+  auto* list = new QAction("List messages", this);
+  list->setObjectName("list-messages");
+  list->setShortcut(QKeySequence("Ctrl+Shift+M"));
+  connect(list, &QAction::triggered, this, &CMainFrame::list_messages);
+  addAction(list);
 }
 
 void CMainFrame::fill_status_bar() {
-  message_ = new QLabel(this);
-  message_->setTextFormat(Qt::PlainText);
-  message_->setAccessibleName(tr("Status message"));
-  // A long message is cut, it never widens the window.
-  message_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  messages_ = new StatusPane(this);
+  connect(messages_, &StatusPane::clicked, this, &CMainFrame::list_messages);
   progress_ = new QProgressBar(this);
   progress_->setRange(0, 100);
   progress_->setFixedWidth(160);
-  progress_->setMaximumHeight(message_->sizeHint().height());
+  progress_->setMaximumHeight(messages_->sizeHint().height());
   progress_->setAccessibleName(tr("Progress of the page's operation"));
   progress_->hide();
   connection_ = new QLabel(this);
-  connection_->setAccessibleName(tr("Port state"));
-  statusBar()->addWidget(message_, 1);
+  // Its text is what assistive tools read out; a name would stand in its place.
+  connection_->setObjectName("port-state");
+  connection_->setAccessibleDescription("Port state");
+  statusBar()->addWidget(messages_, 1);
   statusBar()->addPermanentWidget(progress_);
   statusBar()->addPermanentWidget(connection_);
   show_connected(false);
@@ -69,9 +79,18 @@ void CMainFrame::fit_to_screen() {
   resize(kUsualSize.boundedTo(screen()->availableGeometry().size()));
 }
 
-void CMainFrame::show_status(const QString& text) {
-  message_->setText(text);
-  message_->setToolTip(plain_tool_tip(text));
+void CMainFrame::show_messages() {
+  messages_->show_messages(view_.board());
+  if (list_ && list_->isVisible()) list_->show_messages(view_.board());
+}
+
+void CMainFrame::list_messages() {
+  if (!list_) list_ = new MessageList(this);
+  list_->show_messages(view_.board());
+  list_->show();
+  list_->raise();
+  list_->activateWindow();
+  view_.mark_read();
 }
 
 void CMainFrame::show_progress(std::optional<int> percent) {
@@ -81,6 +100,18 @@ void CMainFrame::show_progress(std::optional<int> percent) {
 
 void CMainFrame::show_connected(bool connected) {
   connection_->setText(connected ? tr("Port open") : tr("Port closed"));
+}
+
+bool CMainFrame::event(QEvent* event) {
+  if (event->type() != QEvent::StatusTip) return QMainWindow::event(event);
+  const QString tip = static_cast<QStatusTipEvent*>(event)->tip();
+  QAction* item = menuBar()->activeAction();
+  if (tip.isEmpty() || !item) {
+    QToolTip::hideText();
+  } else {
+    QToolTip::showText(menuBar()->mapToGlobal(menuBar()->actionGeometry(item).bottomLeft()), tip, menuBar());
+  }
+  return true;
 }
 
 void CMainFrame::closeEvent(QCloseEvent* event) {

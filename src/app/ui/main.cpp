@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "app/end_requests.h"
 #include "app/font_search.h"
 #include "app/parent_console.h"
 #include "app/ui/arguments.h"
@@ -13,7 +14,9 @@
 #include "app/ui/main_pages.h"
 #include "app/ui/program.h"
 #include "app/ui/qv5123_app.h"
+#include "app/ui/session_end.h"
 #include "base/ui/qt_text.h"
+#include "link/deferred_device.h"
 #include "link/named_device.h"
 #include "link/port_list.h"
 #include "link/port_name.h"
@@ -26,6 +29,8 @@ namespace {
 using namespace qv5123;
 
 constexpr int kCameraWidth = 340;
+/// What shells make of a program that Ctrl-C ended.
+constexpr int kEndedByRequest = 130;
 /// Beside the settings; where those are in the registry, the folder of this program's local data.
 constexpr QStandardPaths::StandardLocation kJournalPlace = QStandardPaths::AppConfigLocation;
 constexpr const char* kSimulatedDevice = "simulated chip";
@@ -51,10 +56,10 @@ int print(const EndAtOnce& end) {
 }
 
 PortInfo simulated_port() {
-  return {1, kSimulatedDevice, "Simulated chip"};
+  return {-1, kSimulatedDevice, "Simulated chip"};
 }
 
-std::optional<PortSettings> fixed_port(const ProgramOptions& options, const AppSettings& settings) {
+std::optional<PortSettings> fixed_port(const ProgramOptions& options) {
   if (!options.port && !options.simulate) return std::nullopt;
   PortSettings port;
   if (options.simulate) {
@@ -62,7 +67,6 @@ std::optional<PortSettings> fixed_port(const ProgramOptions& options, const AppS
     port.description = simulated_port().name;
     return port;
   }
-  port = settings.port();
   port.device = *options.port;
   port.number = port_number_from_name(*options.port).value_or(port.number);
   port.description = *options.port;
@@ -96,40 +100,51 @@ std::unique_ptr<SimulatedBoard> simulated_board(const ProgramOptions& options) {
   return board;
 }
 
-/// The real ports, and the simulated chip when the program was started on it.
-Program::Parts program_parts(const ProgramOptions& options, const AppSettings& settings) {
+/// The real ports, and the simulated chip as the last of them.
+std::vector<PortInfo> ports_to_choose() {
+  std::vector<PortInfo> ports = list_ports();
+  ports.push_back(simulated_port());
+  return ports;
+}
+
+OpenResult probe_any(const std::string& device) {
+  return device == kSimulatedDevice ? OpenResult{} : probe_port(device);
+}
+
+/// Which of the two devices is used is told by the name that is opened.
+std::unique_ptr<SerialDevice> device_beside(std::unique_ptr<SerialDevice> simulated) {
+  return std::make_unique<NamedDevice>(kSimulatedDevice, std::move(simulated), make_serial_device());
+}
+
+Program::Parts program_parts(const ProgramOptions& options) {
   Program::Parts parts;
-  parts.device = make_serial_device();
-  parts.list_ports = list_ports;
-  parts.probe_port = probe_port;
+  parts.list_ports = ports_to_choose;
+  parts.probe_port = probe_any;
   parts.pages = all_pages();
-  parts.fixed_port = fixed_port(options, settings);
+  parts.fixed_port = fixed_port(options);
   if (!options.tour) parts.journal_folder = to_path(QStandardPaths::writableLocation(kJournalPlace));
   // At once: nothing is torn down, and what was to be saved is on the disk.
   parts.end_process = [](int code) { std::_Exit(code); };
   parts.report = [](const std::string& text) { std::fprintf(stderr, "QV5123: %s\n", text.c_str()); };
-  if (!options.simulate) return parts;
+  if (!options.simulate) {
+    parts.device = device_beside(std::make_unique<DeferredDevice>([] { return simulated_board({}); }));
+    return parts;
+  }
   auto board = simulated_board(options);
   // The board lives as long as the port session, which outlives the window.
   parts.furnish = [board = board.get(), tour = options.tour.has_value()](CMainFrame& frame,
                                                                          Scheduler& scheduler) {
     add_camera(frame, scheduler, *board, !tour);
   };
-  parts.device = std::make_unique<NamedDevice>(kSimulatedDevice, std::move(board), std::move(parts.device));
-  parts.list_ports = [] {
-    std::vector<PortInfo> ports = list_ports();
-    ports.insert(ports.begin(), simulated_port());
-    return ports;
-  };
-  parts.probe_port = [](const std::string& device) {
-    return device == kSimulatedDevice ? OpenResult{} : probe_port(device);
-  };
+  parts.device = device_beside(std::move(board));
   return parts;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  // First, since every thread takes over what it does with signals.
+  EndRequests end_requests([] { std::_Exit(kEndedByRequest); });
   use_parent_console();
   const auto options = early_options(argc, argv);
   if (const auto* end = std::get_if<EndAtOnce>(&options)) return print(*end);
@@ -139,7 +154,13 @@ int main(int argc, char** argv) {
   QSettings store;
   const AppSettings settings(store);
   const auto& chosen = std::get<ProgramOptions>(options);
-  Program program(chosen, settings, program_parts(chosen, settings));
+  Program program(chosen, settings, program_parts(chosen));
   program.start();
+  end_requests.pass_on_to([&program] { program.end_unasked(); });
+  QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
+                   [&program](QSessionManager& session) {
+                     hold_session_end(session);
+                     program.end_unasked();
+                   });
   return application.exec();
 }

@@ -67,8 +67,8 @@ void PageArea::choose(PageId id) {
   current_ = id;
   const bool exists = slots_.count(id) > 0;
   if (exists) show_slot(slots_[id]);
-  if (id == PageId::make_flash || id == PageId::font_editor) host_.show_status("");
-  host_.show_status(entry_of(id).status_text);
+  if (id == PageId::make_flash || id == PageId::font_editor) emit says(QString());
+  emit says(QString::fromLatin1(entry_of(id).status_text));
   if (exists) {
     slots_[id].page->chosen_again();
   } else {

@@ -29,6 +29,8 @@ class PageArea final : public QStackedWidget {
 
  signals:
   void chosen(qv5123::PageId id);
+  /// The text of the page that is being chosen.
+  void says(const QString& text);
 
  protected:
   /// Watches the pages for one that hides itself.

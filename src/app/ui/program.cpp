@@ -22,10 +22,22 @@ namespace {
 /// A disk that takes longer at the end is told of.
 constexpr std::chrono::seconds kSlowDisk{2};
 constexpr std::chrono::seconds kAskAgain{10};
+/// How long the end of the program waits for a download to end as the chip can take, where nobody was asked,
+/// and for what the chip must be told last.
+constexpr std::chrono::milliseconds kTransferPatience{1000};
+constexpr std::chrono::milliseconds kChipPatience{1000};
+
+constexpr const char* kNoPortYet = "No port was chosen yet.";
 
 std::unique_ptr<Prompts> make_prompts(bool attended, const std::function<void(const std::string&)>& report) {
   if (attended) return std::make_unique<QtPrompts>();
   return std::make_unique<UnattendedPrompts>(report);
+}
+
+Task<> resolved_after(Task<> task, Scheduler& scheduler, Resolver<bool> over) {
+  co_await std::move(task);
+  // Posted, since who waits for it ends this flow.
+  scheduler.post([over] { over.resolve(true); });
 }
 
 }  // namespace
@@ -53,7 +65,8 @@ PortSessionEvents Program::session_events() {
     if (view_) view_->take_received(text);
   };
   events.status = [this](const std::string& text) {
-    if (view_) view_->show_status(text);
+    if (!view_) return;
+    view_->say(session_.connected() ? StatusRank::outcome : StatusRank::failure, kAboutPort, text);
   };
   events.trouble = [this](const std::string& text) {
     // A flood says the same again and again; once it is read it may say it once more.
@@ -65,6 +78,7 @@ PortSessionEvents Program::session_events() {
   };
   events.connected = [this](bool connected) {
     if (frame_) frame_->show_connected(connected);
+    if (connected && view_ && view_->port()) view_->port()->connected();
   };
   return events;
 }
@@ -87,12 +101,14 @@ Task<> Program::run() {
 Task<PortSettings> Program::initial_port() {
   if (parts_.fixed_port) co_return *parts_.fixed_port;
   const PortSettings stored = settings_.port();
+  std::string why_asked = kNoPortYet;
   if (settings_.has_port()) {
     const OpenResult probed = co_await probe(device_name(stored));
     if (probed.ok()) co_return stored;
+    why_asked = probed.text;
   }
   if (settings_.debug() != 0) co_return stored;
-  const std::optional<PortSettings> chosen = co_await choose_port(stored);
+  const std::optional<PortSettings> chosen = co_await choose_port(stored, std::move(why_asked));
   if (!chosen) co_return PortSettings{};
   // Waited for, since the settings are read again when the window opens.
   co_await store_port(*chosen);
@@ -112,16 +128,17 @@ Task<OpenResult> Program::probe_chosen(std::string device) {
   co_return co_await probe(std::move(device));
 }
 
-std::unique_ptr<QDialog> Program::make_port_dialog(std::vector<PortInfo> ports, const PortSettings& current) {
+std::unique_ptr<QDialog> Program::make_port_dialog(std::vector<PortInfo> ports, const PortSettings& current,
+                                                   const std::string& why_asked) {
   const auto probe_one = [this](std::string device) { return probe_chosen(std::move(device)); };
-  return std::make_unique<CSerialPortSetting>(std::move(ports), current, probe_one, frame_.get());
+  return std::make_unique<CSerialPortSetting>(std::move(ports), current, probe_one, why_asked, frame_.get());
 }
 
-Task<std::optional<PortSettings>> Program::choose_port(PortSettings current) {
+Task<std::optional<PortSettings>> Program::choose_port(PortSettings current, std::string why_asked) {
   std::vector<PortInfo> ports = co_await ports_.run<std::vector<PortInfo>>(parts_.list_ports);
   std::unique_ptr<QDialog> dialog;
   try {
-    dialog = make_port_dialog(std::move(ports), current);
+    dialog = make_port_dialog(std::move(ports), current, why_asked);
   } catch (const std::exception&) {
     dialog.reset();
   }
@@ -165,7 +182,8 @@ void Program::open_window(PortSettings port) {
     return session_.open(std::move(name), line);
   };
   surroundings.close = [this] { session_.close(); };
-  surroundings.choose = [this](PortSettings current) { return choose_port(std::move(current)); };
+  surroundings.choose = [this](PortSettings current) { return choose_port(std::move(current), {}); };
+  surroundings.open_when_there = [this] { session_.open_when_there(); };
   surroundings.store = [this](const PortSettings& settings) { (void)store_port(settings); };
   view_->use_port(std::move(port), std::move(surroundings));
   view_->set_recent_files(settings_.recent_files());
@@ -185,7 +203,9 @@ void Program::keep_journal() {
   surroundings.lock = [](const std::filesystem::path& path) { return lock_file(path).held; };
   surroundings.unsaved = [this] { return view_->unsaved(); };
   surroundings.restore = [this](const JournalEntry& entry) { view_->restore(entry); };
-  surroundings.show_status = [this](const std::string& text) { view_->show_status(text); };
+  surroundings.show_status = [this](const std::string& text) {
+    view_->say(StatusRank::failure, kAboutJournal, text);
+  };
   journal_ = std::make_unique<Journal>(scheduler_, files_, std::move(surroundings));
   QObject::connect(view_, &CQV5123View::image_saved, frame_.get(),
                    [this](const UserDataImage& image) { journal_->saved(image); });
@@ -196,7 +216,7 @@ Task<> Program::make_tour() {
   Tour tour(*frame_, *view_, *options_.tour);
   std::vector<PortInfo> ports = co_await ports_.run<std::vector<PortInfo>>(parts_.list_ports);
   const std::string fault = co_await tour.run(
-      [this, &ports] { return make_port_dialog(std::move(ports), view_->port()->settings()); });
+      [this, &ports] { return make_port_dialog(std::move(ports), view_->port()->settings(), {}); });
   if (!fault.empty()) parts_.report(fault);
   co_await end(fault.empty() ? 0 : 1);
 }
@@ -211,6 +231,8 @@ void Program::show_help() {
 }
 
 Task<> Program::end(int exit_code) {
+  ending_ = true;
+  co_await view_->leave_chip(kChipPatience);
   co_await session_.close();
   if (!view_->gave_up_writing()) co_await finish_files();
   parts_.end_process(exit_code);
@@ -235,13 +257,38 @@ Task<> Program::write_out(Resolver<bool> over) {
 Task<> Program::offer_to_go(Resolver<bool> over) {
   for (std::chrono::seconds patience = kSlowDisk;; patience = kAskAgain) {
     co_await Delay(scheduler_, patience);
-    view_->show_status("Still writing ...");
+    view_->say(StatusRank::outcome, kAboutFiles, "Still writing ...");
     Question question = careful_question("Files are still being written.\n\nClose without waiting for them?");
     const Answer answer = co_await prompts_->ask(std::move(question));
     if (answer != Answer::yes) continue;
     scheduler_.post([over] { over.resolve(true); });
     co_return;
   }
+}
+
+void Program::end_unasked() {
+  scheduler_.post([this] {
+    if (!std::exchange(ending_, true)) flows_.spawn(run_unasked_end());
+  });
+}
+
+Task<> Program::run_unasked_end() {
+  scheduler_.call_after(kEndPatience, [this] { parts_.end_process(0); });
+  Flow keeping;
+  Resolver<bool> kept;
+  if (journal_) {
+    keeping.start(resolved_after(journal_->keep_to_the_end(), scheduler_, kept));
+  } else {
+    kept.resolve(true);
+  }
+  if (view_) {
+    co_await view_->end_transfers(kTransferPatience);
+    co_await view_->leave_chip(kChipPatience);
+    for (const StatusMessage& failure : view_->board().failures()) parts_.report(failure.text);
+  }
+  co_await session_.close();
+  co_await kept.pending();
+  parts_.end_process(0);
 }
 
 }  // namespace qv5123

@@ -48,8 +48,14 @@ class Program {
   Program(ProgramOptions options, AppSettings settings, Parts parts);
   ~Program();
 
+  /// How long end_unasked() takes at most, whatever line, driver and disk do.
+  static constexpr std::chrono::milliseconds kEndPatience{2800};
+
   /// Begins; the event loop does the rest.
   void start();
+  /// Ends the program as the exit does, without a question: what is being sent ends at its next boundary, the
+  /// chip's brackets are closed, unsaved values go into the journal. May be called from any thread.
+  void end_unasked();
   CMainFrame* frame() { return frame_.get(); }
 
  private:
@@ -58,8 +64,9 @@ class Program {
   Task<PortSettings> initial_port();
   Task<OpenResult> probe(std::string device);
   Task<OpenResult> probe_chosen(std::string device);
-  std::unique_ptr<QDialog> make_port_dialog(std::vector<PortInfo> ports, const PortSettings& current);
-  Task<std::optional<PortSettings>> choose_port(PortSettings current);
+  std::unique_ptr<QDialog> make_port_dialog(std::vector<PortInfo> ports, const PortSettings& current,
+                                            const std::string& why_asked);
+  Task<std::optional<PortSettings>> choose_port(PortSettings current, std::string why_asked);
   void open_window(PortSettings port);
   Task<bool> store(std::function<void(AppSettings&)> change);
   Task<bool> store_port(PortSettings settings);
@@ -70,6 +77,7 @@ class Program {
   Task<> finish_files();
   Task<> write_out(Resolver<bool> over);
   Task<> offer_to_go(Resolver<bool> over);
+  Task<> run_unasked_end();
 
   const ProgramOptions options_;
   AppSettings settings_;
@@ -86,6 +94,7 @@ class Program {
   std::unique_ptr<Journal> journal_;
   FlowSet flows_;
   Flow trouble_;
+  bool ending_ = false;
 };
 
 }  // namespace qv5123

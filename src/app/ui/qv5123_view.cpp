@@ -61,6 +61,8 @@ CQV5123View::CQV5123View(CommandLink& link, Prompts& prompts, Background& backgr
   row->addWidget(border);
   row->addWidget(scrolled_column(column_));
   connect(pages_, &PageArea::chosen, this, &CQV5123View::page_chosen);
+  connect(pages_, &PageArea::says, this,
+          [this](const QString& text) { say(StatusRank::text, page_kind(), from_qt(text)); });
   connect_column();
   connect_downloads();
 }
@@ -79,14 +81,16 @@ void CQV5123View::connect_column() {
   connect(column_, &C::load_file, this, [this] { flows_.spawn(load_file(std::nullopt)); });
   connect(column_, &C::recent_file_chosen, this, &CQV5123View::load_recent_file);
   connect(column_, &C::save_file, this, [this] { flows_.spawn(files_.save()); });
-  connect(column_, &C::factory_reset, this, [this] { link_.send(qv5123::factory_reset()); });
+  connect(column_, &C::factory_reset, this,
+          [this] { tell_sent("Factory Reset", {qv5123::factory_reset()}); });
   connect(column_, &C::copy_to_factory, this, [this] { flows_.spawn(copy_to_factory()); });
   connect(column_, &C::version_slot_chosen, this, &CQV5123View::show_version);
   connect(column_, &C::version_store, this, [this] { flows_.spawn(store_version()); });
   connect(column_, &C::osd_pattern_chosen, this, [this](int n) { flows_.spawn(choose_osd_pattern(n)); });
-  connect(column_, &C::osd_key, this, [this](OsdKey key) { link_.send(qv5123::osd_key(key)); });
-  connect(column_, &C::ae_info, this, [this] { link_.send(qv5123::ae_info()); });
-  connect(column_, &C::awb_info, this, [this] { link_.send(qv5123::awb_info()); });
+  connect(column_, &C::osd_key, this,
+          [this](OsdKey key) { tell_sent(std::string("OSD ") + osd_key_name(key), {qv5123::osd_key(key)}); });
+  connect(column_, &C::ae_info, this, [this] { tell_sent("AE Info", {qv5123::ae_info()}); });
+  connect(column_, &C::awb_info, this, [this] { tell_sent("AWB Info", {qv5123::awb_info()}); });
   connect(column_, &C::send_text, this, &CQV5123View::send_text);
   connect(column_, &C::clear_console, this, [this] {
     console_text_.clear();
@@ -114,13 +118,13 @@ SettingFiles::Surroundings CQV5123View::files_surroundings() {
     return existing;
   };
   surroundings.font_editor = [this] { return pages_->page(PageId::font_editor); };
-  surroundings.show_status = [this](const std::string& text) { show_status(text); };
+  surroundings.show_status = [this](const std::string& text) { say(StatusRank::failure, kAboutFiles, text); };
   surroundings.file_used = [this](const std::filesystem::path& path, const UserDataImage& image) {
     file_used(path);
     typed_->mark_taken();
     emit image_saved(image);
   };
-  surroundings.show_done = [this](const std::string& text) { show_status(text); };
+  surroundings.show_done = [this](const std::string& text) { say(StatusRank::outcome, kAboutFiles, text); };
   surroundings.append_console = [this](const std::string& text) { append_console(text); };
   return surroundings;
 }
@@ -128,7 +132,9 @@ SettingFiles::Surroundings CQV5123View::files_surroundings() {
 TransferView CQV5123View::transfer_view() {
   TransferView view;
   view.set_progress = [this](int percent) { column_->set_progress(percent); };
-  view.show_progress_text = [this](const std::string& text) { show_status(text); };
+  view.show_progress_text = [this](const std::string& text) {
+    say(StatusRank::progress, kAboutDownload, text);
+  };
   view.append_console = [this](const std::string& text) { append_console(text); };
   return view;
 }
@@ -138,6 +144,9 @@ void CQV5123View::use_port(PortSettings settings, PortInUse::Surroundings surrou
     column_->set_port_description(to_qt(shown.description.empty() ? shown_port(shown) : shown.description));
   };
   surroundings.append_console = [this](const std::string& text) { append_console(text); };
+  surroundings.say = [this](bool fault, const std::string& text) {
+    say(fault ? StatusRank::failure : StatusRank::outcome, kAboutPort, text);
+  };
   surroundings.empty_write = [this] { link_.send(Batch{}); };
   port_.emplace(std::move(settings), prompts_, std::move(surroundings));
 }
@@ -231,22 +240,22 @@ Task<> CQV5123View::copy_to_factory() {
   Question question;
   question.text = kCopyToFactoryQuestion;
   const Answer answer = co_await prompts_.ask(std::move(question));
-  if (answer == Answer::yes) link_.send(qv5123::copy_to_factory());
+  if (answer == Answer::yes) tell_sent("Copy to factory", {qv5123::copy_to_factory()});
 }
 
 Task<> CQV5123View::store_version() {
   const int slot = column_->version_slot();
   const VersionNumbers numbers = column_->version_numbers();
   qv5123::store_version(document_.user_data, slot, numbers);
-  // Each number is a flush of its own, and another command may come between two of them.
-  for (Batch& batch : version_traffic(slot, numbers)) link_.send(std::move(batch));
+  tell_sent("Version", version_traffic(document_.user_data, slot));
+  show_version(slot);
   co_await files_.write_user_data_file();
 }
 
 Task<> CQV5123View::choose_osd_pattern(int selection) {
   document_.user_data.set_entry(kOsdPatternEntry, selection);
   co_await files_.write_user_data_file();
-  link_.send(osd_pattern(selection));
+  tell_sent("OSD Pattern Choice", {osd_pattern(selection)});
 }
 
 Task<> CQV5123View::transfer(TransferKind kind) {
@@ -290,14 +299,72 @@ Task<> CQV5123View::exit_flow() {
     if (answer != Answer::yes) co_return;
   }
   if (!co_await files_.may_exit()) co_return;
-  // A chip left in the middle of an image takes what the next start sends for the rest of it.
-  if (transfers_ > 0) show_status("Ending the download...");
-  co_await transfer_.end_all(kTransferPatience);
+  co_await end_transfers(kTransferPatience);
   emit closing_confirmed();
 }
 
-void CQV5123View::show_status(const std::string& text) {
-  emit status_changed(to_qt(text).left(kStatusLimit));
+Task<> CQV5123View::end_transfers(std::chrono::milliseconds patience) {
+  if (transfers_ == 0) co_return;
+  // A chip left in the middle of an image takes what the next start sends for the rest of it.
+  say(StatusRank::outcome, kAboutDownload, "Ending the download...");
+  co_await transfer_.end_all(patience);
+}
+
+Task<> CQV5123View::leave_chip(std::chrono::milliseconds patience) {
+  const Resolver<bool> over;
+  const Flow last_words(send_last_words(over));
+  const Scheduler::TimerId timer = scheduler().call_after(patience, [over] { over.resolve(false); });
+  co_await over.pending();
+  scheduler().cancel(timer);
+}
+
+Task<> CQV5123View::send_last_words(Resolver<bool> over) {
+  Traffic last;
+  for (const PageEntry& entry : kPageEntries) {
+    if (Page* page = pages_->page(entry.id)) append(last, page->leave());
+  }
+  // A chip in the middle of an image would take it for the rest of that.
+  if (!transfer_.running()) co_await link_.end_with(std::move(last));
+  // Posted, since who waits for it ends this flow.
+  scheduler().post([over] { over.resolve(true); });
+}
+
+void CQV5123View::say(StatusRank rank, const std::string& kind, const std::string& text) {
+  const QString shown = to_qt(text).left(kStatusLimit);
+  board_.show(rank, kind, from_qt(shown));
+  emit status_changed(shown);
+}
+
+void CQV5123View::mark_read() {
+  board_.read();
+  emit messages_read();
+}
+
+std::string CQV5123View::page_kind() const {
+  const std::optional<PageId> page = pages_->current();
+  return page ? kPageEntries[static_cast<std::size_t>(*page)].name : "";
+}
+
+void CQV5123View::tell_sent(std::string what, Traffic traffic, std::string kind) {
+  Batch all;
+  std::vector<Pending<JobResult>> sent;
+  for (Batch& batch : traffic) {
+    all.insert(all.end(), batch.begin(), batch.end());
+    sent.push_back(link_.send(std::move(batch)));
+  }
+  std::string text = sent_text(what, all);
+  flows_.spawn(tell_what_left(std::move(what), std::move(sent), std::move(text), std::move(kind)));
+}
+
+Task<> CQV5123View::tell_what_left(std::string what, std::vector<Pending<JobResult>> sent,
+                                   std::string sent_text, std::string kind) {
+  for (Pending<JobResult>& each : sent) {
+    const JobResult result = co_await each;
+    if (!result.failed && result.chunks_sent > 0) continue;
+    say(StatusRank::failure, kind, not_sent_text(what, result));
+    co_return;
+  }
+  say(StatusRank::outcome, kind, sent_text);
 }
 
 void CQV5123View::show_progress(std::optional<int> percent) {
@@ -311,8 +378,8 @@ void CQV5123View::set_busy(bool busy) {
 
 Task<> CQV5123View::reload_user_data_file() {
   const ReadSettings read = co_await qv5123::reload_user_data_file(background_, document_.user_data);
-  if (!read.result.ok()) show_status(read.result.text);
-  if (!read.oddity.empty()) show_status(read.oddity);
+  if (!read.result.ok()) say(StatusRank::failure, kAboutFiles, read.result.text);
+  if (!read.oddity.empty()) say(StatusRank::failure, kAboutFiles, read.oddity);
 }
 
 ConsoleView& CQV5123View::console() {

@@ -13,6 +13,7 @@
 #include "console/recent_files.h"
 #include "console/setting_files.h"
 #include "console/startup_reply.h"
+#include "console/status_board.h"
 
 namespace qv5123 {
 
@@ -59,6 +60,11 @@ class CQV5123View final : public QWidget, public PageHost {
   void take_received(const std::string& text);
   /// Whether the user would not wait for a save that stands still.
   bool gave_up_writing() const { return files_.given_up(); }
+  /// Ends the downloads that are under way as the chip can take, or after `patience` where they stand.
+  Task<> end_transfers(std::chrono::milliseconds patience);
+  /// The end of all sending, for at most `patience`: open brackets are closed and every page's last words
+  /// leave. Nothing reaches the chip afterwards.
+  Task<> leave_chip(std::chrono::milliseconds patience);
   /// The exit question. closing_confirmed() follows unless the user stays.
   void request_exit();
 
@@ -66,7 +72,17 @@ class CQV5123View final : public QWidget, public PageHost {
   CQV5123Doc& document() override { return document_; }
   Prompts& prompts() override { return prompts_; }
   Background& background() override { return background_; }
-  void show_status(const std::string& text) override;
+  /// From a page: it is about the one that is shown.
+  void show_status(const std::string& text) override { say(StatusRank::outcome, page_kind(), text); }
+  void show_failure(const std::string& text) override { say(StatusRank::failure, page_kind(), text); }
+  void send_and_tell(const std::string& what, Batch batch) override {
+    tell_sent(what, {std::move(batch)}, page_kind());
+  }
+  /// Says something in the status bar. At most 256 characters are shown.
+  void say(StatusRank rank, const std::string& kind, const std::string& text);
+  const StatusBoard& board() const { return board_; }
+  /// The user has read the failures.
+  void mark_read();
   void show_progress(std::optional<int> percent) override;
   void append_console(const std::string& text) override;
   Task<bool> write_user_data_file() override { return files_.write_user_data_file(); }
@@ -88,6 +104,7 @@ class CQV5123View final : public QWidget, public PageHost {
 
  signals:
   void status_changed(const QString& text);
+  void messages_read();
   void recent_files_changed();
   void image_saved(const qv5123::UserDataImage& image);
   void font_saved();
@@ -109,6 +126,7 @@ class CQV5123View final : public QWidget, public PageHost {
   Task<> choose_osd_pattern(int selection);
   Task<> transfer(TransferKind kind);
   Task<> exit_flow();
+  Task<> send_last_words(Resolver<bool> over);
   void read_startup_reply();
   void show_version(int slot);
   void show_image();
@@ -116,11 +134,17 @@ class CQV5123View final : public QWidget, public PageHost {
   void load_recent_file(int position);
   void page_chosen(PageId id);
   void send_text(const QString& text);
+  std::string page_kind() const;
+  /// Sends flush by flush, another command may come between two, and says what came of it.
+  void tell_sent(std::string what, Traffic traffic, std::string kind = kAboutForm);
+  Task<> tell_what_left(std::string what, std::vector<Pending<JobResult>> sent, std::string sent_text,
+                        std::string kind);
 
   CommandLink& link_;
   Prompts& prompts_;
   Background& background_;
   CQV5123Doc& document_;
+  StatusBoard board_;
   ConsoleText console_text_;
   StartupReply startup_reply_;
   std::optional<PortInUse> port_;

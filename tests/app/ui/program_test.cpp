@@ -140,7 +140,9 @@ TEST(ProgramStart, AStoredPortIsTriedAndACancelledDialogLeavesTheDefaults) {
   bench.present = false;
   {
     const auto program = bench.program();
-    wait_for<CSerialPortSetting>()->reject();
+    auto* dialog = wait_for<CSerialPortSetting>();
+    EXPECT_EQ(dialog->findChild<QLabel*>("why-asked")->text(), "It is not there.");
+    dialog->reject();
     auto* frame = wait_for<CMainFrame>();
     EXPECT_EQ(frame->findChild<CQV5123View*>()->port()->settings(), PortSettings{});
     EXPECT_EQ(bench.store.value("COMSetting/PortNumber"), 9) << "cancel stores nothing";

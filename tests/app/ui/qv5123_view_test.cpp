@@ -2,8 +2,13 @@
 
 #include <QCloseEvent>
 #include <QLabel>
+#include <QListWidget>
 #include <QMenuBar>
+#include <QStatusTipEvent>
+#include <QTest>
 
+#include "app/ui/message_list.h"
+#include "app/ui/status_pane.h"
 #include "app/ui/view_bench.h"
 #include "base/delay.h"
 #include "console/setting_file.h"
@@ -31,6 +36,10 @@ TEST(MainForm, EveryButtonSendsItsFixedCommand) {
   EXPECT_EQ(bench.sent_by("Current ISP Setting copy to Factory"), Strings{"@bf00*"});
   EXPECT_EQ(bench.user.questions.back().text,
             "would you really want to rewrite factorydata by current userdata?");
+  EXPECT_EQ(bench.statuses.back(), "Copy to factory: 1 register sent");
+  bench.wire.sender.connected = false;
+  bench.sent_by("OSD Up");
+  EXPECT_EQ(bench.statuses.back(), "OSD Up: not sent, the port is not open");
 }
 
 TEST(MainForm, VersionBoxShowsASlotAndStoresIt) {
@@ -48,6 +57,17 @@ TEST(MainForm, VersionBoxShowsASlotAndStoresIt) {
   EXPECT_EQ(bench.sent_by("Store version"), (Strings{"@cc01*@cc02*", "@cc03*@cc04*", "@cc09*@cc09*"}));
   EXPECT_EQ(bench.document.user_data.entry(697), 3);
   EXPECT_EQ(bench.folder.read("board.dat"), setting_text(bench.document.user_data));
+  EXPECT_EQ(bench.driver.find<QSpinBox>("Version number 3")->text(), "99");
+
+  bench.document.user_data.set_entry(695, 0);
+  bench.document.user_data.set_entry(699, 200);
+  const UserDataImage before = bench.document.user_data;
+  bench.driver.find<QComboBox>("Version slot")->setCurrentIndex(0);  // as assistive tools do
+  bench.driver.find<QComboBox>("Version slot")->setCurrentIndex(1);
+  EXPECT_EQ(bench.driver.find<QSpinBox>("Version number 1")->text(), "02");
+  EXPECT_EQ(bench.driver.number("Version number 3"), 2009) << "no digits";
+  EXPECT_EQ(bench.sent_by("Store version"), (Strings{"@cc00*@cc02*", "@cc03*@cc04*", "@ccc8*@cc09*"}));
+  EXPECT_EQ(bench.document.user_data, before);
 }
 
 TEST(MainForm, OsdPatternIsStoredWrittenAndSentAndShownWithoutSending) {
@@ -158,6 +178,45 @@ TEST(MainForm, ClosingEndsADownloadAsTheChipCanTake) {
   EXPECT_EQ(bench.wire.sender.writes.back(), std::string(1, static_cast<char>(~4)));
 }
 
+TEST(MainForm, AFailureStaysInThePaneUntilTheListOfMessagesIsOpened) {
+  ViewBench bench;
+  const auto pane = [&] { return bench.frame.findChild<StatusPane*>(); };
+  const auto shown = [&](const char* label) { return pane()->findChild<QLabel*>(label)->text(); };
+  bench.view->pages().choose(PageId::gamma);
+  bench.view->show_failure("Nothing more reached the chip");
+  bench.view->say(StatusRank::failure, kAboutPort, "ttyUSB0 is gone.");
+  bench.view->say(StatusRank::outcome, kAboutPort, "ttyUSB0 is back.");
+  bench.view->pages().choose(PageId::awb_tune);
+  EXPECT_EQ(shown("failure"), "Nothing more reached the chip");
+  EXPECT_EQ(shown("latest"), "AWB static parameters for white color detection ");
+  EXPECT_TRUE(pane()->accessibleName().startsWith("Nothing more reached the chip\n"));
+  QStatusTipEvent hover("Make EEPROM flash binary");
+  QApplication::sendEvent(&bench.frame, &hover);
+  EXPECT_TRUE(pane()->isVisible());
+  EXPECT_EQ(bench.frame.findChild<QLabel*>("port-state")->text(), "Port closed");
+  EXPECT_EQ(bench.frame.findChild<QLabel*>("port-state")->accessibleName(), "") << "or it hid the text";
+
+  QTest::keyClick(pane(), Qt::Key_Space);
+  auto* list = bench.frame.findChild<MessageList*>()->findChild<QListWidget*>();
+  EXPECT_EQ(list->count(), 5);
+  EXPECT_TRUE(list->item(1)->text().endsWith("  Failed: Nothing more reached the chip"));
+  EXPECT_EQ(shown("failure"), "") << "it was read";
+  bench.view->say(StatusRank::outcome, kAboutForm, "AE Info: 1 register sent");
+  EXPECT_EQ(list->count(), 6) << "while it is open";
+}
+
+TEST(MainForm, EndsWithWhatEveryPageMustSayLast) {
+  ViewBench bench;
+  bench.view->pages().choose(PageId::gamma);
+  bench.last_words = {{{0x43, 0}}};
+  bench.wire.link.send(Traffic{{{reg::kKeepBracket, 1}}, {{0x20, 1}}});
+  bench.wire.advance(50);
+  Flow end(bench.view->leave_chip(std::chrono::seconds(1)));
+  bench.wire.advance(1000);
+  EXPECT_FALSE(end.running());
+  EXPECT_EQ(bench.wire.sender.wire(), "@fa01*@2001*@fa00*@4300*");
+}
+
 TEST(MainForm, ControlsHaveNamesOfTheirOwnAndTips) {
   ViewBench bench;
   bench.driver.expect_named_controls();
@@ -184,6 +243,7 @@ struct PortBench : ViewBench {
   int closed = 0;
   int dialogs = 0;
   bool user_thinks = false;
+  int awaited = 0;
 
   explicit PortBench(int number) {
     PortSettings settings;
@@ -200,6 +260,7 @@ struct PortBench : ViewBench {
       if (user_thinks) co_await Delay(wire.scheduler, std::chrono::seconds(1));
       co_return choice;
     };
+    around.open_when_there = [this] { ++awaited; };
     around.store = [this](const PortSettings& settings) { stored.push_back(settings); };
     view->use_port(settings, std::move(around));
   }
@@ -247,6 +308,17 @@ TEST(MainFormStart, APortThatFailsLeavesTheWindowUsableAndCanBeChanged) {
   bench.click("Change COM Port...");
   EXPECT_EQ(bench.opened.back(), "COM4");
   EXPECT_EQ(bench.stored, std::vector{*bench.choice});
+
+  bench.result = {OpenError::not_found, "There is no port COM4."};
+  bench.click("Change COM Port...");
+  EXPECT_EQ(bench.awaited, 1);
+  EXPECT_EQ(bench.statuses.back(), "COM4 is not there. It is opened when it appears.");
+  bench.view->port()->connected();
+  EXPECT_TRUE(bench.console().ends_with("COM4 open ! \n"));
+  bench.click("Change COM Port...");
+  bench.view->close_serial();
+  EXPECT_EQ(bench.closed, 1) << "it is no longer waited for";
+  EXPECT_TRUE(bench.view->board().failures().empty()) << "nor is it said to be";
 
   bench.dialogs = 0;
   bench.user_thinks = true;

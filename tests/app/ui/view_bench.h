@@ -20,17 +20,19 @@ namespace qv5123::test {
 /// A page that records what the main form does with it.
 class RecordingPage : public QWidget, public Page {
  public:
-  RecordingPage(std::string name, std::vector<std::string>& record)
-      : name_(std::move(name)), record_(record) {
+  RecordingPage(std::string name, std::vector<std::string>& record, const Traffic& last_words)
+      : name_(std::move(name)), record_(record), last_words_(last_words) {
     record_.push_back(name_ + " made");
   }
   void save_to_user_data() override { record_.push_back(name_ + " saved"); }
   void reload_from_user_data() override { record_.push_back(name_ + " reloaded"); }
+  Traffic leave() override { return last_words_; }
   void chosen_again() override { record_.push_back(name_ + " again"); }
 
  private:
   const std::string name_;
   std::vector<std::string>& record_;
+  const Traffic& last_words_;
 };
 
 /// The main window over a fake wire, driven as a user drives it.
@@ -41,6 +43,7 @@ struct ViewBench {
   CQV5123Doc document;
   TemporaryFolder folder;
   std::vector<std::string> record;
+  Traffic last_words;  ///< of every page
   CQV5123View* view = new CQV5123View(wire.link, user, work, document, factories());
   CMainFrame frame{view};
   PageDriver driver{frame};
@@ -58,7 +61,7 @@ struct ViewBench {
     for (const PageEntry& entry : kPageEntries) {
       if (entry.id == PageId::lsc) continue;
       pages[entry.id] = [this, name = std::string(entry.name)](PageHost&) {
-        auto page = std::make_unique<RecordingPage>(name, record);
+        auto page = std::make_unique<RecordingPage>(name, record, last_words);
         Page* side = page.get();
         return CreatedPage{std::move(page), side};
       };
@@ -72,6 +75,7 @@ struct ViewBench {
     auto* list = driver.find<QComboBox>(name);
     list->setCurrentIndex(index);
     emit list->activated(index);
+    QCoreApplication::processEvents();
   }
   /// Clicks and returns what reached the wire by it, one string per write.
   std::vector<std::string> sent_by(const char* name) {
