@@ -9,7 +9,8 @@ Task<> HeadlessPrompts::message(Message message) {
   co_return;
 }
 
-Task<Answer> HeadlessPrompts::ask(Question) {
+Task<Answer> HeadlessPrompts::ask(Question question) {
+  last_message_ = std::move(question.text);
   co_return answer_;
 }
 

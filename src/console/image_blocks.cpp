@@ -77,19 +77,40 @@ std::vector<Chunk> image_chunks(const BlockImage& image, const TransferStyle& st
   return chunks;
 }
 
-std::vector<Chunk> rejecting_chunks(const BlockImage& image, std::size_t chunks_sent,
-                                    const TransferStyle& style) {
+void ExpectedRest::take(std::span<const std::uint8_t> bytes) {
+  for (const std::uint8_t byte : bytes) {
+    if (got_ == 0) announced_ = byte;
+    sum_ ^= byte;
+    ++got_;
+  }
+}
+
+std::size_t ExpectedRest::bytes() const {
+  const std::size_t all = kHeaderBytes + announced_ * kBlockSize + 1;
+  return all > got_ ? all - got_ : 0;
+}
+
+std::string ExpectedRest::text() const {
+  if (got_ == 0) return "an image";
+  const std::size_t before_checksum = bytes() - 1;
+  if (got_ < kHeaderBytes || before_checksum % kBlockSize != 0) return std::to_string(bytes()) + " bytes";
+  const std::size_t blocks = before_checksum / kBlockSize;
+  if (blocks == 0) return "a checksum";
+  return std::to_string(blocks) + (blocks == 1 ? " block" : " blocks") + " of 256 bytes and a checksum";
+}
+
+std::vector<Chunk> ExpectedRest::ending(const TransferStyle& style) const {
   std::vector<Chunk> chunks;
-  BlockImage sent = image;
-  if (chunks_sent == 0) {
-    sent = BlockImage();
-    chunks.push_back(chunk_of({0, 0}));
+  ExpectedRest rest = *this;
+  const auto add = [&](Chunk chunk) {
+    rest.take(chunk.bytes);
+    chunks.push_back(std::move(chunk));
+  };
+  if (got_ < kHeaderBytes) add(chunk_of(std::vector<std::uint8_t>(kHeaderBytes - got_, 0)));
+  while (rest.bytes() > 1) {
+    add(block_chunk(std::vector<std::uint8_t>(std::min(rest.bytes() - 1, kBlockSize), 0xFF), style));
   }
-  for (std::size_t i = chunks_sent == 0 ? 0 : chunks_sent - 1; i < sent.count; ++i) {
-    chunks.push_back(block_chunk(std::vector<std::uint8_t>(kBlockSize, 0xFF), style));
-    std::fill_n(sent.bytes.begin() + static_cast<std::ptrdiff_t>(i * kBlockSize), kBlockSize, 0xFF);
-  }
-  chunks.push_back(checksum_chunk(static_cast<std::uint8_t>(~sent.checksum()), style));
+  if (rest.bytes() == 1) add(checksum_chunk(static_cast<std::uint8_t>(~rest.sum_), style));
   return chunks;
 }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "link/sender.h"
@@ -30,7 +31,9 @@ struct TransferStyle {
 const TransferStyle& style_of(TransferKind kind);
 
 inline constexpr std::size_t kBlockSize = 256;
-/// The block count is one byte. A file of exactly this size wraps it to 0, and no block is sent.
+/// The block count is one byte, so this is what fits.
+inline constexpr std::size_t kImageFits = 255 * kBlockSize;
+/// What is read of a file. One that is larger than kImageFits wraps the count to 0, and no block is sent.
 inline constexpr std::size_t kImageLimit = 65536;
 
 /// What a block transfer carries: `count` blocks of 256 bytes.
@@ -48,10 +51,25 @@ BlockImage blocks_of(std::span<const std::uint8_t> file);
 /// The transfer after its letter, one chunk each: header, the blocks, checksum.
 std::vector<Chunk> image_chunks(const BlockImage& image, const TransferStyle& style);
 
-/// What ends a transfer of which only the first `chunks_sent` chunks left: blocks of 0xFF up to the announced
-/// number and a checksum that is wrong. A chip that still waits for the header is told of no blocks.
-std::vector<Chunk> rejecting_chunks(const BlockImage& image, std::size_t chunks_sent,
-                                    const TransferStyle& style);
+/// What a chip still expects of a transfer after its letter: header, the announced blocks, checksum.
+class ExpectedRest {
+ public:
+  /// The chip got these, in order.
+  void take(std::span<const std::uint8_t> bytes);
+  std::size_t bytes() const;
+  /// "3 blocks of 256 bytes and a checksum", "385 bytes", or "an image" before the header.
+  std::string text() const;
+  /// What ends its waiting: 0xFF up to the announced number, no blocks where none was announced yet, and a
+  /// checksum that is wrong.
+  std::vector<Chunk> ending(const TransferStyle& style) const;
+
+ private:
+  static constexpr std::size_t kHeaderBytes = 2;
+
+  std::size_t got_ = 0;
+  std::size_t announced_ = 0;
+  std::uint8_t sum_ = 0;
+};
 
 /// The progress bar, 0..100, after `blocks_sent` of `count` blocks; both at least 1.
 int bar_position(TransferKind kind, std::size_t blocks_sent, std::size_t count);

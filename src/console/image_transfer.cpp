@@ -3,65 +3,22 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <system_error>
 #include <utility>
 
 #include "base/atomic_file.h"
 #include "base/delay.h"
+#include "console/image_file.h"
 #include "console/setting_file.h"
+#include "console/transfer_text.h"
 
 namespace qv5123 {
 namespace {
 
 constexpr std::size_t kHeader = 1;  // chunks before the first block
-constexpr std::size_t kHeaderBytes = 2;
-constexpr std::size_t kChecksumBytes = 1;
 /// What a block takes at 9600 baud, and some more.
 constexpr std::chrono::milliseconds kBlockPatience{400};
 /// A device that is pulled out fails the write first, and is found gone a little later.
 constexpr std::chrono::milliseconds kLossNews{300};
-
-std::string kibibytes(double bytes) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.1f", bytes / 1024);
-  return text;
-}
-
-// "12.5 of 64.0 KiB, 1.8 KiB/s, 29 s left". Without a speed as long as no time has passed.
-std::string progress_text(std::size_t sent, std::size_t total, std::chrono::milliseconds time) {
-  std::string text =
-      kibibytes(static_cast<double>(sent)) + " of " + kibibytes(static_cast<double>(total)) + " KiB";
-  if (time.count() <= 0 || sent == 0) return text;
-  const double speed = static_cast<double>(sent) * 1000 / static_cast<double>(time.count());
-  const auto left = static_cast<long long>(static_cast<double>(total - sent) / speed + 0.5);
-  return text + ", " + kibibytes(speed) + " KiB/s, " + std::to_string(left) + " s left";
-}
-
-// "64.0 KiB in 35 s".
-std::string summary(std::size_t bytes, std::chrono::milliseconds time) {
-  return kibibytes(static_cast<double>(bytes)) + " KiB in " + std::to_string((time.count() + 500) / 1000) +
-         " s";
-}
-
-/// An image file, or why there is none.
-struct ReadFile {
-  std::string bytes;
-  FileResult result;
-  std::string too_large;
-};
-
-ReadFile read_image_file(const std::filesystem::path& path) {
-  ReadFile file;
-  std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  if (!error && size > kImageLimit) {
-    file.too_large = path_text(path) + " has " + std::to_string(size) + " bytes. An image has at most " +
-                     std::to_string(kImageLimit) + " bytes.";
-  } else {
-    file.result = read_whole_file(path, file.bytes, kImageLimit);
-  }
-  return file;
-}
 
 std::string bracketed(const std::string& text) {
   return "\r\n< " + text + " >";
@@ -74,35 +31,36 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
  public:
   Transfer(TransferKind kind, CommandLink& link, const TransferView& view)
       : kind_(kind), link_(link), view_(view) {}
+  /// The end of one that was left waiting for `rest`.
+  Transfer(TransferKind kind, CommandLink& link, const TransferView& view, const ExpectedRest& rest)
+      : kind_(kind), link_(link), view_(view), announced_(true), rest_(rest) {}
 
   TransferKind kind() const { return kind_; }
   const TransferStyle& style() const { return style_of(kind_); }
   /// "FIRMWARE" and what came of it, on the console.
   void say(const std::string& what) const { view_.append_console(bracketed(style().name + (" " + what))); }
+  /// The same in the status bar as well.
+  void tell(bool failed, const std::string& what) const {
+    say(what);
+    if (view_.tell) view_.tell(failed, style().name + (" " + what));
+  }
+  const ExpectedRest& rest() const { return rest_; }
+  /// Whether the letter left, and what belongs behind it did not.
+  bool is_awaited() const { return announced_ && rest_.bytes() > 0; }
 
   /// The end of a transfer that lost its chip after `chunks_sent` chunks of the image.
   TransferEnd break_off(std::size_t chunks_sent) const {
     say_broken_off(chunks_sent, "the port was closed or lost");
     return TransferEnd::lost;
   }
-  /// The end of a transfer of `announced` blocks of which only `sent` has left, to a chip that is still
-  /// there.
-  TransferEnd cut_short(const JobResult& sent, std::size_t announced) const {
-    const std::size_t expected = kHeaderBytes + announced * kBlockSize + kChecksumBytes - sent.bytes_sent;
-    say_broken_off(sent.chunks_sent,
-                   "a write was cut short, the chip still " +
-                       (sent.bytes_sent < kHeaderBytes ? "waits for it"
-                                                       : "expects " + std::to_string(expected) + " bytes"));
+  /// The end of a transfer of which only a part has left, to a chip that is still there.
+  TransferEnd cut_short(std::size_t chunks_sent) const {
+    say_broken_off(chunks_sent, "a write was cut short");
     return TransferEnd::cut_short;
   }
-  /// What the chip waits for after a transfer that was left where it stood: after `image_chunks` of the image
-  /// and `rejecting_chunks` of what was to make the chip reject it.
-  void say_expected(const BlockImage& image, std::size_t image_chunks, std::size_t rejecting_chunks) const {
-    const std::size_t sent = image_chunks + rejecting_chunks;
-    if (sent == 0) return say("stopped: the chip still waits for it");
-    const std::size_t announced = image_chunks == 0 ? 0 : image.count;
-    say("stopped: the chip still expects " + std::to_string(announced - (sent - kHeader)) +
-        " blocks of 256 bytes and a checksum");
+  void tell_rejected() const { tell(false, "ended with a wrong checksum: the chip expects commands again"); }
+  void tell_awaited(const std::string& how) const {
+    tell(true, how + ": the chip still expects " + rest_.text());
   }
 
   /// Resolved with whether to go on once the wire is held, or as soon as the transfer is given up.
@@ -124,6 +82,9 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
   /// Whether the port was away since. The chip then takes what follows for commands, or is another one.
   bool reconnected() const { return link_.connection() != connection_; }
 
+  /// The letter has left.
+  void announce() { announced_ = true; }
+
   /// Speed and time left count from here.
   void begin(std::size_t block_count) {
     block_count_ = block_count;
@@ -133,7 +94,9 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
   /// All has left.
   void finish(const BlockImage& image) const {
     view_.set_progress(final_bar_position(kind_, image.count));
-    view_.show_progress_text(summary(image.bytes.size(), link_.scheduler().now() - started_));
+    const std::string sent = summary(image.bytes.size(), link_.scheduler().now() - started_);
+    view_.show_progress_text(sent);
+    if (view_.tell) view_.tell(false, style().name + (" sent: " + sent));
     if (kind_ == TransferKind::user_data) return view_.append_console("\r\n User data sent..");
     char checksum[8];
     std::snprintf(checksum, sizeof checksum, "0x%02X", static_cast<unsigned>(image.checksum()));
@@ -144,7 +107,7 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
   Task<JobResult> send(CommandLink::Hold& hold, std::vector<Chunk> chunks, std::size_t other_chunks,
                        std::size_t blocks_before) {
     Job job;
-    job.chunks = std::move(chunks);
+    job.chunks = chunks;
     job.on_progress = [weak = weak_from_this(), other_chunks, blocks_before](std::size_t sent) {
       const auto self = weak.lock();
       if (self && sent > other_chunks) self->show(blocks_before + sent - other_chunks);
@@ -152,6 +115,7 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
     sending_ = true;
     const JobResult result = co_await hold.send(std::move(job));
     sending_ = false;
+    if (announced_) note_sent(chunks, result.bytes_sent);
     co_return result;
   }
 
@@ -161,7 +125,8 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
     view_.show_progress_text("");
     const std::size_t blocks = std::min(chunks_sent > kHeader ? chunks_sent - kHeader : 0, block_count_);
     const std::string after = std::to_string(blocks) + " of " + std::to_string(block_count_);
-    say("broken off " + (block_count_ == 0 ? "before the image" : "after " + after + " blocks") + ": " + why);
+    tell(true, "broken off " + (block_count_ == 0 ? "before the image" : "after " + after + " blocks") +
+                   ": " + why + ", the chip still expects " + rest_.text());
   }
 
   void show(std::size_t blocks_sent) const {
@@ -171,9 +136,19 @@ class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
     view_.show_progress_text(progress_text(blocks_sent * kBlockSize, block_count_ * kBlockSize, time));
   }
 
+  void note_sent(const std::vector<Chunk>& chunks, std::size_t bytes_sent) {
+    for (const Chunk& chunk : chunks) {
+      const std::size_t count = std::min(bytes_sent, chunk.bytes.size());
+      rest_.take(std::span(chunk.bytes).first(count));
+      bytes_sent -= count;
+    }
+  }
+
   TransferKind kind_;
   CommandLink& link_;
   const TransferView view_;
+  bool announced_ = false;
+  ExpectedRest rest_;
   Resolver<bool> turn_;
   Resolver<bool> asked_;
   unsigned connection_ = 0;
@@ -195,6 +170,7 @@ void ImageTransfer::cancel() {
 
 Task<> ImageTransfer::end_all(std::chrono::milliseconds patience) {
   constexpr std::chrono::milliseconds kLook{50};
+  Flow ending;
   // Cancelled once more, what is left stops where it stands: after the block that is being sent.
   for (const std::chrono::milliseconds wait : {patience, kBlockPatience}) {
     const std::vector<std::weak_ptr<Transfer>> begun = begun_;
@@ -202,9 +178,10 @@ Task<> ImageTransfer::end_all(std::chrono::milliseconds patience) {
     for (auto each = begun.rbegin(); each != begun.rend(); ++each) {
       if (const auto transfer = each->lock()) transfer->cancel();
     }
+    if (waiting_ && !ending.running()) ending.start(end_waiting());
     const auto expired = [](const auto& each) { return each.expired(); };
     const auto end = link_.scheduler().now() + wait;
-    while (!std::ranges::all_of(begun, expired) && link_.scheduler().now() < end) {
+    while ((!std::ranges::all_of(begun, expired) || ending.running()) && link_.scheduler().now() < end) {
       co_await Delay(link_.scheduler(), kLook);
     }
   }
@@ -241,6 +218,36 @@ Task<TransferEnd> ImageTransfer::run(TransferKind kind) {
 }
 
 Task<TransferEnd> ImageTransfer::send_letter(CommandLink::Hold hold, std::shared_ptr<Transfer> transfer) {
+  const TransferEnd end = co_await send_all(hold, transfer);
+  if (view_.keeps_waiting && transfer->is_awaited()) {
+    waiting_.emplace(std::move(hold), transfer->kind(), transfer->rest());
+  }
+  co_return end;
+}
+
+std::string ImageTransfer::waiting_text() const {
+  return std::string(style_of(waiting_->kind).name) + ": the chip still expects " + waiting_->rest.text();
+}
+
+Task<> ImageTransfer::end_waiting() {
+  if (!waiting_) co_return;
+  Waiting ended = std::move(*waiting_);
+  waiting_.reset();
+  const auto transfer = std::make_shared<Transfer>(ended.kind, link_, view_, ended.rest);
+  begun_.insert(begun_.begin(), transfer);
+  current_ = transfer;
+  std::vector<Chunk> chunks = ended.rest.ending(transfer->style());
+  const std::size_t count = chunks.size();
+  const JobResult result = co_await transfer->send(ended.hold, std::move(chunks), count, 0);
+  if (result.failed || result.cancelled) {
+    transfer->tell_awaited("not ended");
+    waiting_.emplace(std::move(ended.hold), ended.kind, transfer->rest());
+  } else {
+    transfer->tell_rejected();
+  }
+}
+
+Task<TransferEnd> ImageTransfer::send_all(CommandLink::Hold& hold, std::shared_ptr<Transfer> transfer) {
   current_ = transfer;
   view_.set_progress(0);
   view_.show_progress_text("");
@@ -257,13 +264,14 @@ Task<TransferEnd> ImageTransfer::send_letter(CommandLink::Hold hold, std::shared
     transfer->say("not sent");
     co_return TransferEnd::cancelled;
   }
+  transfer->announce();
   if (*transfer->style().ready_text) view_.append_console(transfer->style().ready_text);
   std::optional<BlockImage> image;
   if (!transfer->cancelled() && !transfer->reconnected()) image = co_await ask_for_image(*transfer);
   if (transfer->reconnected()) co_return transfer->break_off(0);
-  if (transfer->cancelled()) co_return co_await end_cancelled(hold, *transfer, BlockImage(), 0);
+  if (transfer->cancelled()) co_return co_await end_cancelled(hold, *transfer, 0);
   if (image) co_return co_await send_image(hold, *transfer, *image);
-  transfer->say("not sent: the chip still waits for it");
+  transfer->tell(true, "not sent: the chip still waits for it");
   co_return TransferEnd::not_sent;
 }
 
@@ -293,6 +301,7 @@ Task<std::optional<BlockImage>> ImageTransfer::choose_image(TransferKind kind) {
 }
 
 Task<std::optional<BlockImage>> ImageTransfer::read_binary(std::filesystem::path path) {
+  const std::string name = path_text(path);
   std::function<ReadFile()> work = [path = std::move(path)] { return read_image_file(path); };
   const ReadFile file = co_await background_.run<ReadFile>(std::move(work));
   if (!file.too_large.empty()) {
@@ -304,7 +313,20 @@ Task<std::optional<BlockImage>> ImageTransfer::read_binary(std::filesystem::path
     co_await warn("file open error");
     co_return std::nullopt;
   }
+  const bool wanted = file.bytes.size() <= kImageFits || co_await may_send_wrapped(name, file.bytes.size());
+  if (!wanted) co_return std::nullopt;
   co_return blocks_of({reinterpret_cast<const std::uint8_t*>(file.bytes.data()), file.bytes.size()});
+}
+
+Task<bool> ImageTransfer::may_send_wrapped(std::string file, std::size_t size) {
+  Question question;
+  question.text =
+      file + " has " + std::to_string(size) + " bytes, " + std::to_string(kImageFits) +
+      " fit: the number of blocks is one byte and becomes 0, so that the chip gets a header and a "
+      "checksum and nothing of the file.\n\nSend that all the same?";
+  question.buttons = Question::Buttons::yes_no;
+  const Answer answer = co_await prompts_.ask(std::move(question));
+  co_return answer == Answer::yes;
 }
 
 Task<std::optional<BlockImage>> ImageTransfer::read_user_data(std::optional<std::filesystem::path> path) {
@@ -341,8 +363,8 @@ Task<TransferEnd> ImageTransfer::send_image(CommandLink::Hold& hold, Transfer& t
   transfer.begin(image.count);
   std::vector<Chunk> chunks = image_chunks(image, transfer.style());
   const JobResult result = co_await transfer.send(hold, std::move(chunks), kHeader, 0);
-  if (result.cancelled) co_return co_await end_cancelled(hold, transfer, image, result.chunks_sent);
-  if (result.failed) co_return co_await end_failed(transfer, result, image.count);
+  if (result.cancelled) co_return co_await end_cancelled(hold, transfer, result.chunks_sent);
+  if (result.failed) co_return co_await end_failed(transfer, result);
   transfer.finish(image);
   co_return TransferEnd::sent;
 }
@@ -352,36 +374,35 @@ Task<bool> ImageTransfer::is_lost(const Transfer& transfer, JobResult sent) {
   co_return sent.lost || transfer.reconnected();
 }
 
-Task<TransferEnd> ImageTransfer::end_failed(const Transfer& transfer, JobResult sent, std::size_t announced) {
+Task<TransferEnd> ImageTransfer::end_failed(const Transfer& transfer, JobResult sent) {
   const bool lost = co_await is_lost(transfer, sent);
-  co_return lost ? transfer.break_off(sent.chunks_sent) : transfer.cut_short(sent, announced);
+  co_return lost ? transfer.break_off(sent.chunks_sent) : transfer.cut_short(sent.chunks_sent);
 }
 
 Task<TransferEnd> ImageTransfer::end_cancelled(CommandLink::Hold& hold, Transfer& transfer,
-                                               const BlockImage& image, std::size_t chunks_sent) {
-  // Without a header the chip is told of no blocks, and what leaves is header and checksum. Else the
-  // announced number is filled up.
-  const std::size_t other_chunks = chunks_sent == 0 ? 2 : 0;
-  const std::size_t blocks_sent = chunks_sent == 0 ? 0 : chunks_sent - kHeader;
+                                               std::size_t chunks_sent) {
   if (transfer.reconnected()) co_return transfer.break_off(chunks_sent);
   transfer.say("cancelled: sending what makes the chip reject it");
   JobResult result;
   result.cancelled = transfer.cancelled_twice();
   if (!result.cancelled) {
-    std::vector<Chunk> chunks = rejecting_chunks(image, chunks_sent, transfer.style());
+    // Without a header the chip is told of no blocks, and what leaves is header and checksum. Else the
+    // announced number is filled up.
+    const std::size_t other_chunks = chunks_sent == 0 ? 2 : 0;
+    const std::size_t blocks_sent = chunks_sent == 0 ? 0 : chunks_sent - kHeader;
+    std::vector<Chunk> chunks = transfer.rest().ending(transfer.style());
     result = co_await transfer.send(hold, std::move(chunks), other_chunks, blocks_sent);
   }
   view_.set_progress(0);
   view_.show_progress_text("");
   if (result.failed) {
     result.chunks_sent += chunks_sent;
-    result.bytes_sent += chunks_sent == 0 ? 0 : kHeaderBytes + blocks_sent * kBlockSize;
-    co_return co_await end_failed(transfer, result, chunks_sent == 0 ? 0 : image.count);
+    co_return co_await end_failed(transfer, result);
   }
   if (result.cancelled) {
-    transfer.say_expected(image, chunks_sent, result.chunks_sent);
+    transfer.tell_awaited("stopped");
   } else {
-    transfer.say("ended with a wrong checksum: the chip expects commands again");
+    transfer.tell_rejected();
   }
   co_return TransferEnd::cancelled;
 }

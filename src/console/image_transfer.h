@@ -31,6 +31,11 @@ struct TransferView {
   std::function<void(int)> set_progress;                       ///< the bar's position, 0..100
   std::function<void(const std::string&)> show_progress_text;  ///< amount, speed and time left; may be empty
   std::function<void(const std::string&)> append_console;
+  /// What came of a transfer, in the status bar, and whether that is a failure. May be empty.
+  std::function<void(bool failed, const std::string&)> tell = {};
+  /// After a transfer that left the chip waiting for the rest, nothing else reaches the wire until
+  /// end_waiting() or forget_waiting().
+  bool keeps_waiting = false;
 };
 
 /// Sends image files to the chip: command letter, file chosen by the user, blocks, checksum. From the letter
@@ -56,12 +61,29 @@ class ImageTransfer {
   /// where it stands, and has a little more time to say what the chip still expects.
   Task<> end_all(std::chrono::milliseconds patience);
 
+  /// Whether the chip still expects something of a transfer that is over, and the wire is kept for it.
+  bool waiting() const { return waiting_.has_value(); }
+  /// "FIRMWARE: the chip still expects 3 blocks of 256 bytes and a checksum"; only while waiting().
+  std::string waiting_text() const;
+  /// Sends what ends the chip's waiting. If that fails it goes on waiting.
+  Task<> end_waiting();
+  /// The chip waits no more: it was switched off, or is another one.
+  void forget_waiting() { waiting_.reset(); }
+
   /// From the command letter to the end.
   bool running() const { return !current_.expired(); }
 
  private:
   class Transfer;
+  /// A chip that is left waiting, and the wire for it.
+  struct Waiting {
+    CommandLink::Hold hold;
+    TransferKind kind;
+    ExpectedRest rest;
+  };
 
+  Task<TransferEnd> send_all(CommandLink::Hold& hold, std::shared_ptr<Transfer> transfer);
+  Task<bool> may_send_wrapped(std::string file, std::size_t size);
   Task<std::optional<CommandLink::Hold>> wait_for_hold(Transfer& transfer);
   Task<TransferEnd> send_letter(CommandLink::Hold hold, std::shared_ptr<Transfer> transfer);
   Task<std::optional<BlockImage>> ask_for_image(Transfer& transfer);
@@ -73,9 +95,8 @@ class ImageTransfer {
   Task<> warn(std::string text);
   Task<TransferEnd> send_image(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image);
   Task<bool> is_lost(const Transfer& transfer, JobResult sent);
-  Task<TransferEnd> end_failed(const Transfer& transfer, JobResult sent, std::size_t announced);
-  Task<TransferEnd> end_cancelled(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image,
-                                  std::size_t chunks_sent);
+  Task<TransferEnd> end_failed(const Transfer& transfer, JobResult sent);
+  Task<TransferEnd> end_cancelled(CommandLink::Hold& hold, Transfer& transfer, std::size_t chunks_sent);
 
   CommandLink& link_;
   CQV5123Doc& document_;
@@ -83,6 +104,7 @@ class ImageTransfer {
   Background& background_;
   TransferView view_;
   std::weak_ptr<Transfer> current_;
+  std::optional<Waiting> waiting_;
   std::vector<std::weak_ptr<Transfer>> begun_;  // by the order of their buttons; the first is the current one
 };
 

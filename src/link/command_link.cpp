@@ -89,6 +89,11 @@ Pending<JobResult> CommandLink::enqueue(std::deque<Queued>& queue, Job job, bool
   if (ended_) return result;
   queue.push_back({std::move(job), done, nullptr, only_if_awaited});
   start_next();
+  if (held_ && waits_ && &queue == &queue_) {
+    scheduler_.post([this, alive = alive_] {
+      if (*alive) waits_();
+    });
+  }
   return result;
 }
 

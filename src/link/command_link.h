@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -100,6 +101,8 @@ class CommandLink {
   /// Waits until no other hold exists and what was sent before has left.
   Admission<Hold> hold();
   bool held() const { return held_; }
+  /// `told` is called, on the scheduler's thread, each time that something has to wait behind a hold.
+  void tell_of_waiting(std::function<void()> told) { waits_ = std::move(told); }
 
   /// Counts how often the port was opened, closed or lost. A transfer that spans more than one job compares
   /// it: a chip that was away has forgotten what it was told.
@@ -159,6 +162,7 @@ class CommandLink {
   std::optional<Resolver<JobResult>> running_;
   std::vector<Batch> running_writes_;  // by chunk
   OpenBrackets brackets_;
+  std::function<void()> waits_;
   bool ended_ = false;
   std::optional<Resolver<bool>> idle_waiter_;
   bool held_ = false;

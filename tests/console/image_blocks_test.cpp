@@ -44,15 +44,31 @@ TEST(ImageBlocks, OnlyFirmwareBlocksHurryAndWaitBeforeTheChecksum) {
   }
 }
 
-TEST(ImageBlocks, RejectionFillsUpAndSpoilsTheChecksum) {
-  const BlockImage image = blocks(std::string(512, '\x01') + std::string(255, '\x03'));
+/// What the chip still expects after it got these bytes.
+ExpectedRest after(const std::string& got) {
+  ExpectedRest rest;
+  rest.take({reinterpret_cast<const std::uint8_t*>(got.data()), got.size()});
+  return rest;
+}
+
+TEST(ExpectedRest, IsFilledUpAndEndsWithAChecksumThatIsWrong) {
   const TransferStyle& style = style_of(TransferKind::font);
   const std::string filler(256, '\xFF');
   // All blocks cancel out in themselves, so that the right checksum is the header's 3.
-  EXPECT_THAT(writes(rejecting_chunks(image, 2, style)), ElementsAre(filler, filler, bytes({0xFC})));
+  const ExpectedRest two = after(bytes({3, 0}) + std::string(256, '\x01'));
+  EXPECT_EQ(two.text(), "2 blocks of 256 bytes and a checksum");
+  EXPECT_THAT(writes(two.ending(style)), ElementsAre(filler, filler, bytes({0xFC})));
   // The last block holds 255 times 3 and one 0xFF.
-  EXPECT_THAT(writes(rejecting_chunks(image, 4, style)), ElementsAre(bytes({0xFF & ~(3 ^ 3 ^ 0xFF)})));
-  EXPECT_THAT(writes(rejecting_chunks(image, 0, style)), ElementsAre(bytes({0, 0}), bytes({0xFF})));
+  const ExpectedRest none = after(bytes({1, 0}) + std::string(255, '\x03') + "\xFF");
+  EXPECT_EQ(none.text(), "a checksum");
+  EXPECT_THAT(writes(none.ending(style)), ElementsAre(bytes({0xFF & ~(1 ^ 3 ^ 0xFF)})));
+  EXPECT_EQ(after("").text(), "an image");
+  EXPECT_THAT(writes(after("").ending(style)), ElementsAre(bytes({0, 0}), bytes({0xFF})));
+  // A write was cut short in the header, and in a block.
+  EXPECT_THAT(writes(after(bytes({1})).ending(style)), ElementsAre(bytes({0}), filler, bytes({0xFE})));
+  EXPECT_EQ(after(bytes({2, 0}) + std::string(200, 'x')).text(), "313 bytes");
+  EXPECT_EQ(writes(after(bytes({2, 0}) + std::string(200, 'x')).ending(style)).at(1),
+            std::string(56, '\xFF'));
 }
 
 }  // namespace

@@ -11,6 +11,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using Strings = std::vector<std::string>;
 
 class ImageTransferTest : public testing::Test {
  protected:
@@ -130,7 +131,7 @@ TEST_F(ImageTransferTest, NothingFollowsTheLetterWithoutAGoodFile) {
   ASSERT_EQ(user.messages.size(), 3u);
   EXPECT_EQ(user.messages[0].text, "file open error");
   EXPECT_EQ(user.messages[1].text,
-            path_text(folder.path() / "large.bin") + " has 65537 bytes. An image has at most 65536 bytes.");
+            path_text(folder.path() / "large.bin") + " has 65537 bytes. An image has at most 65280 bytes.");
   EXPECT_THAT(user.messages[2].text, HasSubstr("gone.dat"));
   EXPECT_THAT(console, HasSubstr("< FONT not sent: the chip still waits for it >"));
   EXPECT_THAT(console, HasSubstr(path_text(folder.path())));
@@ -194,8 +195,8 @@ TEST_F(ImageTransferTest, AChipThatWasAwayGetsNothingMoreAndNobodyIsWaitedFor) {
   wire.link.connection_changed();
   wire.advance(0);
   EXPECT_EQ(end, TransferEnd::lost) << "though the user has not answered";
-  EXPECT_THAT(console,
-              testing::EndsWith("< FONT broken off before the image: the port was closed or lost >"));
+  EXPECT_THAT(console, testing::EndsWith("< FONT broken off before the image: the port was closed or lost, "
+                                         "the chip still expects an image >"));
   press(TransferKind::font);
   wire.advance(50);
   transfer.cancel();
@@ -210,6 +211,69 @@ TEST_F(ImageTransferTest, AChipThatWasAwayGetsNothingMoreAndNobodyIsWaitedFor) {
   run_to_end();
   EXPECT_EQ(end, TransferEnd::lost);
   EXPECT_LE(sent().size(), 4u) << "no block that fills the image up";
+}
+
+TEST_F(ImageTransferTest, ACountThatWrapsIsAskedAbout) {
+  const auto path = folder.write("wraps.bin", std::string(65281, 'x'));
+  user.paths = {path, path};
+  user.answers = {Answer::no, Answer::yes};
+  press(TransferKind::font);
+  press(TransferKind::font);
+  run_to_end();
+  EXPECT_THAT(sent(), ElementsAre("C", "C", std::string(2, '\0'), std::string(1, '\0')));
+  EXPECT_THAT(user.questions.at(0).text, HasSubstr("wraps.bin has 65281 bytes, 65280 fit"));
+  EXPECT_THAT(console, HasSubstr("< FONT sent: 0 blocks, checksum 0x00 >"));
+}
+
+/// The same where the wire is kept for a chip that was left waiting.
+class WaitingChipTest : public ImageTransferTest {
+ protected:
+  Strings told;
+  ImageTransfer keeping{wire.link, doc, user, work, view()};
+
+  TransferView view() {
+    TransferView view{[](int) {}, [](const std::string&) {}, [](const std::string&) {}};
+    view.tell = [this](bool failed, const std::string& text) { told.push_back((failed ? "!" : "") + text); };
+    view.keeps_waiting = true;
+    return view;
+  }
+  Task<> run_keeping(TransferKind kind) { end = co_await keeping.run(kind); }
+};
+
+TEST_F(WaitingChipTest, NothingReachesItUntilItsWaitingIsEnded) {
+  flows.spawn(run_keeping(TransferKind::firmware));  // and no file is chosen
+  wire.advance(100);
+  EXPECT_EQ(told, Strings{"!FIRMWARE not sent: the chip still waits for it"});
+  EXPECT_EQ(keeping.waiting_text(), "FIRMWARE: the chip still expects an image");
+  wire.link.send(Batch{{0x20, 1}});
+  wire.advance(1000);
+  EXPECT_EQ(wire.sender.writes, Strings{"A"});
+  flows.spawn(keeping.end_waiting());
+  wire.advance(1000);
+  EXPECT_EQ(wire.sender.writes, (Strings{"A", std::string(2, '\0'), "\xFF", "@2001*"}));
+  EXPECT_EQ(told.back(), "FIRMWARE ended with a wrong checksum: the chip expects commands again");
+  EXPECT_FALSE(keeping.waiting());
+}
+
+TEST_F(WaitingChipTest, AfterAnUnplugItIsSaidAndTheRestCanStillBeSent) {
+  user.paths = {folder.write("font.bin", std::string(1024, 'f'))};
+  flows.spawn(run_keeping(TransferKind::font));
+  wire.advance(50 + 50 + 50 + 49);
+  wire.sender.connected = false;
+  wire.link.connection_changed();
+  wire.advance(1000);
+  EXPECT_EQ(told.back(),
+            "!FONT broken off after 1 of 4 blocks: the port was closed or lost, the chip still "
+            "expects 3 blocks of 256 bytes and a checksum");
+  flows.spawn(keeping.end_waiting());
+  wire.advance(100);
+  EXPECT_EQ(told.back(), "!FONT not ended: the chip still expects 3 blocks of 256 bytes and a checksum");
+  wire.sender.connected = true;
+  wire.sender.writes.clear();
+  flows.spawn(keeping.end_all(std::chrono::seconds(2)));
+  wire.advance(2000);
+  EXPECT_EQ(wire.sender.writes.size(), 4u);
+  EXPECT_FALSE(keeping.waiting() || flows.running());
 }
 
 }  // namespace
