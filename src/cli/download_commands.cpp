@@ -41,7 +41,7 @@ class Download {
   Download(Chip& chip, TransferKind kind, const DownloadOptions& options)
       : chip_(chip), kind_(kind), options_(options), prompts_(options.file) {
     // What was to be refused was so before anything was sent.
-    prompts_.answer(Answer::yes);
+    if (kind == TransferKind::user_data) prompts_.answer(Answer::yes);
   }
 
   Task<ExitCode> run() {

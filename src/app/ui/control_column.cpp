@@ -197,9 +197,9 @@ void ControlColumn::add_download_box(QBoxLayout& column) {
   auto* box = new QGroupBox(tr("Download"), this);
   QBoxLayout* rows = box_layout(box, QBoxLayout::TopToBottom);
   auto* buttons = new QHBoxLayout;
-  buttons->addWidget(button(tr("FW"), tr("Send a firmware image of at most 65536 bytes to the chip"),
+  buttons->addWidget(button(tr("FW"), tr("Send a firmware image of at most 65280 bytes to the chip"),
                             &ControlColumn::download_firmware));
-  buttons->addWidget(button(tr("FONT"), tr("Send a font image of at most 65536 bytes to the chip"),
+  buttons->addWidget(button(tr("FONT"), tr("Send a font image of at most 65280 bytes to the chip"),
                             &ControlColumn::download_font));
   buttons->addWidget(
       button(tr("System"),

@@ -22,10 +22,6 @@ namespace {
 /// Characters that the status bar's message pane takes.
 constexpr std::size_t kStatusLimit = 256;
 
-/// How long closing waits for the end of a download that is under way. At 19200 baud the chip takes some 30
-/// blocks in this time; with more of them still to fill up it is left waiting.
-constexpr std::chrono::seconds kTransferPatience{5};
-
 /// The column keeps its width; a window too low for it scrolls it.
 QScrollArea* scrolled_column(ControlColumn* column) {
   auto* area = new QScrollArea;
@@ -98,15 +94,6 @@ void CQV5123View::connect_column() {
   });
 }
 
-void CQV5123View::connect_downloads() {
-  using C = ControlColumn;
-  const auto begin = [this](TransferKind kind) { return [this, kind] { flows_.spawn(transfer(kind)); }; };
-  connect(column_, &C::download_firmware, this, begin(TransferKind::firmware));
-  connect(column_, &C::download_font, this, begin(TransferKind::font));
-  connect(column_, &C::send_user_data, this, begin(TransferKind::user_data));
-  connect(column_, &C::cancel_transfer, this, [this] { transfer_.cancel(); });
-}
-
 SettingFiles::Surroundings CQV5123View::files_surroundings() {
   SettingFiles::Surroundings surroundings;
   surroundings.pages = [this] {
@@ -127,28 +114,6 @@ SettingFiles::Surroundings CQV5123View::files_surroundings() {
   surroundings.show_done = [this](const std::string& text) { say(StatusRank::outcome, kAboutFiles, text); };
   surroundings.append_console = [this](const std::string& text) { append_console(text); };
   return surroundings;
-}
-
-TransferView CQV5123View::transfer_view() {
-  TransferView view;
-  view.set_progress = [this](int percent) { column_->set_progress(percent); };
-  view.show_progress_text = [this](const std::string& text) {
-    say(StatusRank::progress, kAboutDownload, text);
-  };
-  view.append_console = [this](const std::string& text) { append_console(text); };
-  return view;
-}
-
-void CQV5123View::use_port(PortSettings settings, PortInUse::Surroundings surroundings) {
-  surroundings.show = [this](const PortSettings& shown) {
-    column_->set_port_description(to_qt(shown.description.empty() ? shown_port(shown) : shown.description));
-  };
-  surroundings.append_console = [this](const std::string& text) { append_console(text); };
-  surroundings.say = [this](bool fault, const std::string& text) {
-    say(fault ? StatusRank::failure : StatusRank::outcome, kAboutPort, text);
-  };
-  surroundings.empty_write = [this] { link_.send(Batch{}); };
-  port_.emplace(std::move(settings), prompts_, std::move(surroundings));
 }
 
 void CQV5123View::start(Startup startup) {
@@ -227,15 +192,6 @@ void CQV5123View::load_recent_file(int position) {
   flows_.spawn(load_file(files[static_cast<std::size_t>(position)]));
 }
 
-void CQV5123View::change_port() {
-  // Until its dialog is there the button can be clicked again.
-  if (port_ && !port_change_.running()) port_change_.start(port_->change());
-}
-
-void CQV5123View::close_serial() {
-  if (port_) port_->close();
-}
-
 Task<> CQV5123View::copy_to_factory() {
   Question question;
   question.text = kCopyToFactoryQuestion;
@@ -258,14 +214,6 @@ Task<> CQV5123View::choose_osd_pattern(int selection) {
   tell_sent("OSD Pattern Choice", {osd_pattern(selection)});
 }
 
-Task<> CQV5123View::transfer(TransferKind kind) {
-  ++transfers_;
-  column_->set_transferring(true);
-  co_await transfer_.run(kind);
-  if (kind == TransferKind::user_data) show_image();
-  column_->set_transferring(--transfers_ > 0);
-}
-
 void CQV5123View::show_version(int slot) {
   column_->set_version_numbers(load_version(document_.user_data, slot));
 }
@@ -284,49 +232,6 @@ void CQV5123View::send_text(const QString& text) {
   Job job;
   job.chunks.emplace_back().bytes.assign(bytes.begin(), bytes.end());
   link_.send(std::move(job));
-}
-
-void CQV5123View::request_exit() {
-  if (!exit_.running()) exit_.start(exit_flow());
-}
-
-Task<> CQV5123View::exit_flow() {
-  if (busy_ || transfer_.running()) {
-    Question question;
-    question.text = "Something is still being sent to the chip. Close all the same?";
-    question.title = "Save setting";
-    const Answer answer = co_await prompts_.ask(std::move(question));
-    if (answer != Answer::yes) co_return;
-  }
-  if (!co_await files_.may_exit()) co_return;
-  co_await end_transfers(kTransferPatience);
-  emit closing_confirmed();
-}
-
-Task<> CQV5123View::end_transfers(std::chrono::milliseconds patience) {
-  if (transfers_ == 0) co_return;
-  // A chip left in the middle of an image takes what the next start sends for the rest of it.
-  say(StatusRank::outcome, kAboutDownload, "Ending the download...");
-  co_await transfer_.end_all(patience);
-}
-
-Task<> CQV5123View::leave_chip(std::chrono::milliseconds patience) {
-  const Resolver<bool> over;
-  const Flow last_words(send_last_words(over));
-  const Scheduler::TimerId timer = scheduler().call_after(patience, [over] { over.resolve(false); });
-  co_await over.pending();
-  scheduler().cancel(timer);
-}
-
-Task<> CQV5123View::send_last_words(Resolver<bool> over) {
-  Traffic last;
-  for (const PageEntry& entry : kPageEntries) {
-    if (Page* page = pages_->page(entry.id)) append(last, page->leave());
-  }
-  // A chip in the middle of an image would take it for the rest of that.
-  if (!transfer_.running()) co_await link_.end_with(std::move(last));
-  // Posted, since who waits for it ends this flow.
-  scheduler().post([over] { over.resolve(true); });
 }
 
 void CQV5123View::say(StatusRank rank, const std::string& kind, const std::string& text) {

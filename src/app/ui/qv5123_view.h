@@ -125,6 +125,17 @@ class CQV5123View final : public QWidget, public PageHost {
   Task<> store_version();
   Task<> choose_osd_pattern(int selection);
   Task<> transfer(TransferKind kind);
+  void cancel_transfer();
+  Task<> end_waiting();
+  /// A command cannot leave while the chip expects the rest of an image: asks what to do. True when it can
+  /// now.
+  Task<bool> may_interrupt_waiting();
+  Task<> ask_about_waiting();
+  void show_transferring();
+  /// As the exit asks while something is being sent; what is sent then ends first.
+  Task<bool> may_leave_port(std::string question);
+  Task<> run_change_port();
+  Task<> run_close_serial();
   Task<> exit_flow();
   Task<> send_last_words(Resolver<bool> over);
   void read_startup_reply();
@@ -155,6 +166,7 @@ class CQV5123View final : public QWidget, public PageHost {
   ControlColumn* column_ = nullptr;
   TypedText* typed_ = nullptr;
   int transfers_ = 0;
+  bool asking_about_waiting_ = false;
   int busy_ = 0;  // how many pages are at work
   bool starting_ = false;
   // Last, so that what waits ends before anything it uses.

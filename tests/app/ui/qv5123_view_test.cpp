@@ -217,6 +217,27 @@ TEST(MainForm, EndsWithWhatEveryPageMustSayLast) {
   EXPECT_EQ(bench.wire.sender.wire(), "@fa01*@2001*@fa00*@4300*");
 }
 
+TEST(MainForm, ACommandForAChipThatWaitsForAnImageIsAskedAbout) {
+  ViewBench bench;
+  bench.click("FW");  // and no file is chosen
+  bench.wire.advance(100);
+  EXPECT_TRUE(bench.driver.find<QPushButton>("Cancel download")->isEnabled());
+  bench.click("OSD Up");
+  bench.wire.advance(1000);
+  EXPECT_EQ(bench.wire.sender.writes, Strings{"A"});
+  EXPECT_EQ(bench.view->board().failures().back().text,
+            "FIRMWARE: the chip still expects an image. Commands wait.");
+  bench.user.answers = {Answer::yes};
+  bench.click("OSD Up");
+  bench.wire.advance(1000);
+  EXPECT_EQ(bench.wire.sender.writes, (Strings{"A", std::string(2, '\0'), "\xFF", "@0100*", "@0100*"}));
+  EXPECT_FALSE(bench.driver.find<QPushButton>("Cancel download")->isEnabled());
+  bench.click("FONT");
+  bench.wire.advance(100);
+  bench.click("Cancel download");
+  EXPECT_EQ(bench.sent_by("OSD Set"), (Strings{std::string(2, '\0'), "\xFF", "@0104*"}));
+}
+
 TEST(MainForm, ControlsHaveNamesOfTheirOwnAndTips) {
   ViewBench bench;
   bench.driver.expect_named_controls();
@@ -321,6 +342,12 @@ TEST(MainFormStart, APortThatFailsLeavesTheWindowUsableAndCanBeChanged) {
   EXPECT_TRUE(bench.view->board().failures().empty()) << "nor is it said to be";
 
   bench.dialogs = 0;
+  bench.view->set_busy(true);
+  bench.click("Change COM Port...");
+  EXPECT_EQ(bench.dialogs, 0);
+  EXPECT_EQ(bench.user.questions.back().text,
+            "Something is still being sent to the chip. Change the port all the same?");
+  bench.view->set_busy(false);
   bench.user_thinks = true;
   bench.click("Change COM Port...");
   bench.click("Change COM Port...");

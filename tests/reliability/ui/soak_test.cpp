@@ -192,6 +192,9 @@ class Soak {
   /// The fault is gone: every page still works, and the journal holds what is unsaved.
   void expect_works() {
     bench_.line.cure();
+    bench_.user.on_prompt = [this] { bench_.user.answers = {Answer::yes}; };
+    // A chip that a download left waiting.
+    test::find<QAbstractButton>(*bench_.frame, "Cancel download")->click();
     bench_.wait_until([&] { return bench_.wire.link.jobs_waiting() == 0; }, 600s);
     for (const PageId id : {PageId::isp_tune, PageId::gamma, PageId::lsc, PageId::awb_tune,
                             PageId::linear_matrix, PageId::dynamic_control}) {

@@ -1,0 +1,102 @@
+// The main form's port, and its end.
+#include <utility>
+
+#include "app/ui/control_column.h"
+#include "app/ui/page_area.h"
+#include "app/ui/qv5123_view.h"
+#include "base/ui/qt_text.h"
+
+namespace qv5123 {
+namespace {
+
+/// How long closing waits for the end of a download that is under way. At 19200 baud the chip takes some 30
+/// blocks in this time; with more of them still to fill up it is left waiting.
+constexpr std::chrono::seconds kTransferPatience{5};
+
+}  // namespace
+
+void CQV5123View::use_port(PortSettings settings, PortInUse::Surroundings surroundings) {
+  surroundings.show = [this](const PortSettings& shown) {
+    column_->set_port_description(to_qt(shown.description.empty() ? shown_port(shown) : shown.description));
+  };
+  surroundings.append_console = [this](const std::string& text) { append_console(text); };
+  surroundings.say = [this](bool fault, const std::string& text) {
+    say(fault ? StatusRank::failure : StatusRank::outcome, kAboutPort, text);
+  };
+  surroundings.empty_write = [this] { link_.send(Batch{}); };
+  port_.emplace(std::move(settings), prompts_, std::move(surroundings));
+}
+
+void CQV5123View::change_port() {
+  // Until its dialog is there the button can be clicked again.
+  if (port_ && !port_change_.running()) port_change_.start(run_change_port());
+}
+
+void CQV5123View::close_serial() {
+  if (port_) flows_.spawn(run_close_serial());
+}
+
+Task<> CQV5123View::run_change_port() {
+  const bool wanted = co_await may_leave_port("Change the port all the same?");
+  if (wanted) co_await port_->change();
+}
+
+Task<> CQV5123View::run_close_serial() {
+  const bool wanted = co_await may_leave_port("Close the port all the same?");
+  if (wanted) port_->close();
+}
+
+Task<bool> CQV5123View::may_leave_port(std::string question) {
+  if (!busy_ && !transfer_.running()) co_return true;
+  Question interrupt;
+  interrupt.text = "Something is still being sent to the chip. " + question;
+  const Answer answer = co_await prompts_.ask(std::move(interrupt));
+  if (answer != Answer::yes) co_return false;
+  co_await end_transfers(kTransferPatience);
+  co_return true;
+}
+
+void CQV5123View::request_exit() {
+  if (!exit_.running()) exit_.start(exit_flow());
+}
+
+Task<> CQV5123View::exit_flow() {
+  if (busy_ || transfer_.running()) {
+    Question question;
+    question.text = "Something is still being sent to the chip. Close all the same?";
+    question.title = "Save setting";
+    const Answer answer = co_await prompts_.ask(std::move(question));
+    if (answer != Answer::yes) co_return;
+  }
+  if (!co_await files_.may_exit()) co_return;
+  co_await end_transfers(kTransferPatience);
+  emit closing_confirmed();
+}
+
+Task<> CQV5123View::end_transfers(std::chrono::milliseconds patience) {
+  if (transfers_ == 0 && !transfer_.waiting()) co_return;
+  // A chip left in the middle of an image takes what the next start sends for the rest of it.
+  say(StatusRank::outcome, kAboutDownload, "Ending the download...");
+  co_await transfer_.end_all(patience);
+}
+
+Task<> CQV5123View::leave_chip(std::chrono::milliseconds patience) {
+  const Resolver<bool> over;
+  const Flow last_words(send_last_words(over));
+  const Scheduler::TimerId timer = scheduler().call_after(patience, [over] { over.resolve(false); });
+  co_await over.pending();
+  scheduler().cancel(timer);
+}
+
+Task<> CQV5123View::send_last_words(Resolver<bool> over) {
+  Traffic last;
+  for (const PageEntry& entry : kPageEntries) {
+    if (Page* page = pages_->page(entry.id)) append(last, page->leave());
+  }
+  // A chip in the middle of an image would take it for the rest of that.
+  if (!transfer_.running() && !transfer_.waiting()) co_await link_.end_with(std::move(last));
+  // Posted, since who waits for it ends this flow.
+  scheduler().post([over] { over.resolve(true); });
+}
+
+}  // namespace qv5123
