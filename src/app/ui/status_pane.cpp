@@ -1,7 +1,6 @@
 #include "app/ui/status_pane.h"
 
 #include <QAccessible>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QStyle>
 #include <QStyleOptionFocusRect>
@@ -14,12 +13,15 @@
 namespace qv5123 {
 namespace {
 
+constexpr const char* kHowToList = "Click to list all messages (Ctrl+Shift+M)";
+constexpr int kSpace = 4;
+/// The latest message keeps a quarter beside a failure.
+constexpr int kLatestPart = 4;
+
 QLabel* pane_label(QWidget* parent) {
   auto* label = new QLabel(parent);
   label->setTextFormat(Qt::PlainText);
   label->setAttribute(Qt::WA_TransparentForMouseEvents);
-  // A long message is cut, it never widens the window.
-  label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   return label;
 }
 
@@ -35,11 +37,11 @@ QString failure_text(const StatusBoard& board) {
 
 StatusPane::StatusPane(QWidget* parent) : QAbstractButton(parent) {
   setFocusPolicy(Qt::TabFocus);
+  // A long message is cut, it never widens the window.
   setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   setAccessibleName(QStringLiteral("No message"));
+  setToolTip(QLatin1String(kHowToList));
   setAccessibleDescription(QStringLiteral("Status messages. Press to list all of them."));
-  auto* row = new QHBoxLayout(this);
-  row->setContentsMargins(2, 0, 2, 0);
   mark_ = new QLabel(this);
   const int side = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
   mark_->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this).pixmap(side));
@@ -51,10 +53,6 @@ StatusPane::StatusPane(QWidget* parent) : QAbstractButton(parent) {
   failure_->setFont(bold);
   latest_ = pane_label(this);
   latest_->setObjectName("latest");
-  row->addWidget(mark_);
-  row->addWidget(failure_);
-  row->addWidget(latest_, 1);
-  lay_out();
 }
 
 void StatusPane::show_messages(const StatusBoard& board) {
@@ -66,7 +64,7 @@ void StatusPane::show_messages(const StatusBoard& board) {
   for (const StatusMessage& message : board.failures()) lines.prepend(to_qt(message.text));
   if (!board.latest().empty()) lines << latest_->text();
   setAccessibleName(lines.isEmpty() ? QStringLiteral("No message") : lines.join(u'\n'));
-  lines << QStringLiteral("Click to list all messages (Ctrl+Shift+M)");
+  lines << QLatin1String(kHowToList);
   setToolTip(plain_tool_tip(lines.join(u'\n')));
   lay_out();
   if (!fails_anew) return;
@@ -76,17 +74,23 @@ void StatusPane::show_messages(const StatusBoard& board) {
 
 // The failure has the room that it needs, but for a part that the latest message keeps.
 void StatusPane::lay_out() {
-  constexpr int kLatestPart = 4;
   const bool fails = !failure_->text().isEmpty();
   mark_->setVisible(fails);
   failure_->setVisible(fails);
-  const int wanted = failure_->sizeHint().width();
-  const int most = latest_->text().isEmpty() ? width() : width() - width() / kLatestPart;
-  failure_->setFixedWidth(std::clamp(wanted, 1, std::max(most, 1)));
+  int at = kSpace;
+  if (fails) {
+    mark_->setGeometry(at, 0, mark_->sizeHint().width(), height());
+    at = mark_->geometry().right() + kSpace;
+    const int most = latest_->text().isEmpty() ? width() : width() - width() / kLatestPart;
+    failure_->setGeometry(at, 0, std::clamp(failure_->sizeHint().width(), 0, std::max(most - at, 0)),
+                          height());
+    at = failure_->geometry().right() + 3 * kSpace;
+  }
+  latest_->setGeometry(at, 0, std::max(width() - at, 0), height());
 }
 
 QSize StatusPane::sizeHint() const {
-  return {0, layout()->sizeHint().height()};
+  return {0, std::max(mark_->sizeHint().height(), failure_->sizeHint().height())};
 }
 
 void StatusPane::resizeEvent(QResizeEvent* event) {
