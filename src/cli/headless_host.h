@@ -6,7 +6,8 @@
 namespace qv5123 {
 
 /// The user who is not there. Nothing is ever asked: questions are answered with Cancel unless told
-/// otherwise, choosers with the file that the command line named, and what had to be acknowledged or answered is kept.
+/// otherwise, choosers with the file that the command line named, and what had to be acknowledged or answered
+/// is kept.
 class HeadlessPrompts final : public Prompts {
  public:
   explicit HeadlessPrompts(std::filesystem::path file = {}) : file_(std::move(file)) {}

@@ -319,10 +319,11 @@ Task<std::optional<BlockImage>> ImageTransfer::read_binary(std::filesystem::path
 }
 
 Task<bool> ImageTransfer::may_send_wrapped(std::string file, std::size_t size) {
-  Question question = careful_question(
-      file + " has " + std::to_string(size) + " bytes, " + std::to_string(kImageFits) +
-      " fit: the number of blocks is one byte and becomes 0, so that the chip gets a header and a checksum and "
-      "nothing of the file.\n\nSend that all the same?");
+  Question question =
+      careful_question(file + " has " + std::to_string(size) + " bytes, " + std::to_string(kImageFits) +
+                       " fit: the number of blocks is one byte and becomes 0, so that the chip gets a header "
+                       "and a checksum and "
+                       "nothing of the file.\n\nSend that all the same?");
   const Answer answer = co_await prompts_.ask(std::move(question));
   co_return answer == Answer::yes;
 }
