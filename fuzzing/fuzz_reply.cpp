@@ -12,6 +12,7 @@
 #include "tuning/gamma.h"
 #include "tuning/lens_shading.h"
 #include "tuning/matrix.h"
+#include "tuning/page_model.h"
 
 using namespace qv5123;
 
@@ -27,10 +28,20 @@ void take(const std::optional<Values>& decoded) {
   reload_from_user_data(again, image);
 }
 
+template <class Page>
+void take_page(const std::string& block) {
+  const auto decoded = decode_page<Page>(block);
+  if (!decoded) return;
+  UserDataImage image;
+  store_page<Page>(*decoded, image);
+  typename Page::Values again;
+  load_page<Page>(again, image);
+}
+
 void read_as_every_page(const std::string& block) {
   take(decode_front_reply(block, {}));
   take(decode_gamma_reply(block, {}));
-  take(decode_lens_reply(block, {}));
+  take_page<LensPage>(block);
   take(decode_awb_reply(block, {}));
   take(decode_matrix_reply(block, {}));
   take(decode_dynamic_reply(block, {}));

@@ -11,6 +11,7 @@
 #include "tuning/gamma.h"
 #include "tuning/lens_shading.h"
 #include "tuning/matrix.h"
+#include "tuning/page_model.h"
 
 using namespace qv5123;
 
@@ -25,10 +26,18 @@ void through(UserDataImage image) {
   reload_from_user_data(again, image);
 }
 
+template <class Page>
+void through_page(UserDataImage image) {
+  typename Page::Values values;
+  load_page<Page>(values, image);
+  store_page<Page>(values, image);
+  load_page<Page>(values, image);
+}
+
 void through_every_page(const UserDataImage& image) {
   through<FrontValues>(image);
   through<GammaValues>(image);
-  through<LensValues>(image);
+  through_page<LensPage>(image);
   through<AwbValues>(image);
   through<MatrixValues>(image);
   through<DynamicValues>(image);

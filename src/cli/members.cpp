@@ -184,15 +184,4 @@ Members<MatrixValues> matrix_members() {
   return members;
 }
 
-Members<LensValues> lens_members() {
-  Members<LensValues> members;
-  for (std::size_t c = 0; c < kColours.size(); ++c)
-    add_member(
-        members, std::string("parameter1.") + kColours[c], [c](auto& v) -> auto& { return v.parameter1[c]; });
-  for (std::size_t c = 0; c < kColours.size(); ++c)
-    add_member(
-        members, std::string("parameter2.") + kColours[c], [c](auto& v) -> auto& { return v.parameter2[c]; });
-  return members;
-}
-
 }  // namespace qv5123

@@ -10,7 +10,6 @@
 #include "tuning/dynamic.h"
 #include "tuning/front.h"
 #include "tuning/gamma.h"
-#include "tuning/lens_shading.h"
 #include "tuning/matrix.h"
 
 namespace qv5123 {
@@ -44,6 +43,5 @@ Members<DynamicValues> dynamic_members();
 Members<GammaValues> gamma_members();
 /// Register codes of the coefficients, 1024 = 1.0, signed: "tvi.outdoor.r[0]" is the first of the red row.
 Members<MatrixValues> matrix_members();
-Members<LensValues> lens_members();
 
 }  // namespace qv5123

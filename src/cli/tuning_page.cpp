@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "cli/members.h"
+#include "tuning/lens_shading.h"
 #include "tuning/matrix_flow.h"
+#include "tuning/page_model.h"
 
 namespace qv5123 {
 namespace {
@@ -118,17 +120,6 @@ struct MatrixKind : PageKind {
   }
 };
 
-struct LensKind : PageKind {
-  using Values = LensValues;
-  static constexpr std::uint8_t kTrigger = kLensLoadTrigger;
-  static Members<Values> members() { return lens_members(); }
-  static auto decode(std::string_view reply) { return decode_lens_reply(reply, {}); }
-  static std::string encode(const Values& values) { return encode_lens_reply(values); }
-  static TuningPage::Save save(Values& values, const UserDataImage&) {
-    return {lens_full_save(values), {}, {}, {}};
-  }
-};
-
 template <class Kind>
 class PageOf final : public TuningPage {
  public:
@@ -217,6 +208,40 @@ class PageOf final : public TuningPage {
   const Members<Values> members_;
 };
 
+/// A page that has a model.
+template <class Page>
+class ModelPage final : public TuningPage {
+ public:
+  explicit ModelPage(std::string name, Traffic (*full_save)(const typename Page::Values&))
+      : TuningPage(std::move(name), Page::kTexts.trigger), full_save_(full_save) {
+    for (const FieldInfo& field : PageModel<Page>().fields())
+      values_.push_back({this->name() + "." + field.name, field.entries(), field.has_reply(), field.saved});
+  }
+  Numbers from_image(const UserDataImage& image) const override {
+    PageModel<Page> model;
+    model.load_all(image);
+    return model.numbers();
+  }
+  std::optional<Numbers> from_reply(std::string_view reply) const override {
+    PageModel<Page> model;
+    if (!model.take_reply(reply)) return std::nullopt;
+    return model.numbers();
+  }
+  void store(std::size_t value, int number, UserDataImage& image) const override {
+    PageModel<Page> model;
+    model.set_number(value, number);
+    model.store_field(value, image);
+  }
+  Save save(const UserDataImage& image) const override {
+    PageModel<Page> model;
+    model.load_all(image);
+    return {full_save_(model.values), {}, model.numbers(), {}};
+  }
+
+ private:
+  Traffic (*full_save_)(const typename Page::Values&);
+};
+
 template <class Kind>
 std::unique_ptr<TuningPage> make(std::string_view name) {
   return std::make_unique<PageOf<Kind>>(std::string(name));
@@ -230,7 +255,7 @@ std::unique_ptr<TuningPage> make_tuning_page(std::string_view name) {
   if (name == "dynamic") return make<DynamicKind>(name);
   if (name == "gamma") return make<GammaKind>(name);
   if (name == "matrix") return make<MatrixKind>(name);
-  return make<LensKind>(name);
+  return std::make_unique<ModelPage<LensPage>>(std::string(name), lens_full_save);
 }
 
 }  // namespace qv5123

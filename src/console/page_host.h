@@ -11,17 +11,13 @@
 
 namespace qv5123 {
 
-/// What a page may use of the main form. Everything belongs to the user-interface thread and outlives the
-/// pages.
-class PageHost {
+/// What a page's work needs of whoever runs it, window or command line: the way to the chip, and somebody to
+/// tell what becomes of it.
+class DeskHost {
  public:
-  virtual ~PageHost() = default;
+  virtual ~DeskHost() = default;
 
   virtual CommandLink& link() = 0;
-  virtual CQV5123Doc& document() = 0;
-  virtual Prompts& prompts() = 0;
-  /// For files that are written, or may be large. The program does not end before what was begun is done.
-  virtual Background& background() = 0;
   Scheduler& scheduler() { return link().scheduler(); }
 
   /// Shows a message of at most 256 characters in the status bar's message pane.
@@ -38,6 +34,20 @@ class PageHost {
   /// Shows how far a long operation is, 0..100, beside the status message. Taken away again by an empty
   /// `percent`, and by the end of the last work under set_busy().
   virtual void show_progress(std::optional<int> percent) = 0;
+  /// Work that closing the window should ask about first, such as a full save, begins or ends. Calls nest,
+  /// and the end of the last takes the progress away.
+  virtual void set_busy(bool busy) = 0;
+};
+
+/// What a page may use of the main form. Everything belongs to the user-interface thread and outlives the
+/// pages.
+class PageHost : public DeskHost {
+ public:
+  virtual CQV5123Doc& document() = 0;
+  virtual Prompts& prompts() = 0;
+  /// For files that are written, or may be large. The program does not end before what was begun is done.
+  virtual Background& background() = 0;
+
   /// Appends to the main console and scrolls to its end.
   virtual void append_console(const std::string& text) = 0;
 
@@ -51,9 +61,6 @@ class PageHost {
   virtual Task<> reload_user_data_file() = 0;
   /// What Page::draft() told before is in a file now.
   virtual void draft_saved() {}
-  /// Work that closing the window should ask about first, such as a full save, begins or ends. Calls nest,
-  /// and the end of the last takes the progress away.
-  virtual void set_busy(bool busy) = 0;
 };
 
 /// What the main form knows of a page.

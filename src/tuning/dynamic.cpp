@@ -37,8 +37,6 @@ constexpr Encoding kWeight{limited_weight, [](int word) {
                              return limited_weight(word > kWeightRange.highest ? word - 0x10000 : word);
                            }};
 constexpr Encoding kFormat{format_of_video_mode, video_mode_of_format};
-constexpr Encoding kFlag{[](int value) { return value != 0 ? 1 : 0; },
-                         [](int stored) { return stored != 0 ? 1 : 0; }};
 
 template <class Record, class Visitor>
 void record_image_layout(std::size_t source, Record& record, Visitor& visit) {

@@ -6,6 +6,7 @@
 
 #include "console/user_data_image.h"
 #include "link/reply_text.h"
+#include "tuning/field.h"
 
 /// A page says once where each of its values lives, as a layout: a function template that names every value
 /// with its place to a visitor.
@@ -18,17 +19,6 @@
 /// The visitors below turn the one layout into storing, loading, decoding and encoding, so that the two
 /// directions cannot drift apart.
 namespace qv5123 {
-
-/// How a value is kept as a byte or a word: `encode` on the way out, `decode` (its inverse) on the way in.
-struct Encoding {
-  int (*encode)(int) = [](int value) { return value; };
-  int (*decode)(int) = [](int stored) { return stored; };
-};
-
-inline constexpr Encoding kPlain{};
-/// 16 bits read back as two's complement.
-inline constexpr Encoding kSigned16{[](int value) { return value; },
-                                    [](int stored) { return stored >= 0x8000 ? stored - 0x10000 : stored; }};
 
 /// Stores values into the user data image. Places are entry indexes.
 class ImageWriter {

@@ -25,29 +25,6 @@ Traffic row_traffic(std::uint8_t address, const PerColour& row) {
 
 }  // namespace
 
-void save_to_user_data(const LensValues& values, UserDataImage& image) {
-  ImageWriter writer(image);
-  lens_image_layout(values, writer);
-}
-
-void reload_from_user_data(LensValues& values, const UserDataImage& image) {
-  ImageReader reader(image);
-  lens_image_layout(values, reader);
-}
-
-std::optional<LensValues> decode_lens_reply(std::string_view reply, LensValues current) {
-  ReplyReader reader(reply);
-  lens_reply_layout(current, reader);
-  if (reader.short_of()) return std::nullopt;
-  return current;
-}
-
-std::string encode_lens_reply(const LensValues& values) {
-  ReplyWriter writer;
-  lens_reply_layout(values, writer);
-  return writer.text();
-}
-
 Batch lens_send_parameter1(const LensValues& values) {
   return row_batch(kParameter1, values.parameter1);
 }

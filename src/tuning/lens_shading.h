@@ -2,14 +2,11 @@
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
 
 #include "console/user_data_image.h"
 #include "link/register_write.h"
-#include "tuning/layout.h"
+#include "tuning/desk_texts.h"
+#include "tuning/field_visitors.h"
 #include "tuning/picker.h"
 
 namespace qv5123 {
@@ -38,38 +35,46 @@ inline constexpr Encoding kLensParameter{
     [](int value) { return value; },
     [](int stored) { return stored > kLensParameterMaximum ? kLensParameterMaximum : stored; }};
 
-/// Entries 440..451.
-template <class Values, class Visitor>
-void lens_image_layout(Values& values, Visitor& visit) {
-  for (std::size_t c = 0; c < 3; ++c) {
-    visit.word(440 + 2 * c, values.parameter1[c], kLensParameter);
-    visit.word(446 + 2 * c, values.parameter2[c], kLensParameter);
+/// The page's controls that send values.
+enum class LensControl { parameter1, parameter2, flicker };
+
+/// The page: twelve entries from 440 on, and a reply of 24 characters in the same order.
+struct LensPage {
+  using Values = LensValues;
+  static constexpr DeskTexts kTexts{"lsc", 0x6B, "ISP Load Fail...", "Load Isp ok", "Load File ok"};
+
+  template <class V, class Visitor>
+  static constexpr void fields(V& values, Visitor& visit) {
+    row("parameter1", "Parameter-1", values.parameter1, 0, LensControl::parameter1, visit);
+    row("parameter2", "Parameter-2", values.parameter2, 1, LensControl::parameter2, visit);
   }
-}
 
-/// The reply to kLensLoadTrigger: 24 characters.
-template <class Values, class Visitor>
-void lens_reply_layout(Values& values, Visitor& visit) {
-  for (std::size_t c = 0; c < 3; ++c) {
-    visit.word(0 + 4 * c, values.parameter1[c], kLensParameter);
-    visit.word(12 + 4 * c, values.parameter2[c], kLensParameter);
+ private:
+  template <class Row, class Visitor>
+  static constexpr void row(const char* name, const char* caption, Row& row, int place, LensControl control,
+                            Visitor& visit) {
+    constexpr std::array kNames{"r", "g", "b"};
+    constexpr std::array kCaptions{"RED", "GREEN", "BLUE"};
+    for (int c = 0; c < 3; ++c)
+      visit.word({name, kNames[c]}, row[c],
+                 {.caption = {caption, kCaptions[c]},
+                  .entry = 440 + 6 * place + 2 * c,
+                  .reply = 12 * place + 4 * c,
+                  .range = {0, kLensParameterMaximum},
+                  .unit = "(1024 is 1.0)",
+                  .address = 0x64 + place,
+                  .sent_by = static_cast<int>(control),
+                  .saved = true,
+                  .as = &kLensParameter});
   }
-}
-
-void save_to_user_data(const LensValues& values, UserDataImage& image);
-void reload_from_user_data(LensValues& values, const UserDataImage& image);
-
-/// `current` with the parameters of the reply; nothing when the reply is shorter than 24 characters.
-std::optional<LensValues> decode_lens_reply(std::string_view reply, LensValues current);
-std::string encode_lens_reply(const LensValues& values);
+};
+static_assert(fields_hold<LensPage>());
 
 /// "S" beside Parameter-1 and beside Parameter-2, each one flush.
 Batch lens_send_parameter1(const LensValues& values);
 Batch lens_send_parameter2(const LensValues& values);
 /// Both, as after a calibration.
 Traffic lens_send_parameters(const LensValues& values);
-/// A write of 0 to it asks for the reply of "Load <- ISP".
-inline constexpr std::uint8_t kLensLoadTrigger = 0x6B;
 /// "File/Flash Save".
 Traffic lens_full_save(const LensValues& values);
 

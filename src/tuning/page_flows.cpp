@@ -16,7 +16,7 @@ int percent(std::size_t done, std::size_t of) {
   return of == 0 ? 100 : static_cast<int>(done * 100 / of);
 }
 
-Job job_of(PageHost& host, Traffic traffic) {
+Job job_of(DeskHost& host, Traffic traffic) {
   Job job;
   job.on_progress = [&host, flushes = traffic.size()](std::size_t sent) {
     host.show_progress(percent(sent, flushes));
@@ -25,7 +25,7 @@ Job job_of(PageHost& host, Traffic traffic) {
   return job;
 }
 
-Task<> wait_while_chip_stores(PageHost& host, std::chrono::milliseconds time) {
+Task<> wait_while_chip_stores(DeskHost& host, std::chrono::milliseconds time) {
   for (std::chrono::milliseconds waited{0}; waited < time; waited += kSettlingStep) {
     host.show_progress(
         percent(static_cast<std::size_t>(waited.count()), static_cast<std::size_t>(time.count())));
@@ -35,7 +35,7 @@ Task<> wait_while_chip_stores(PageHost& host, std::chrono::milliseconds time) {
 
 }  // namespace
 
-Task<bool> load_from_chip(PageHost& host, PageLoad load) {
+Task<bool> load_from_chip(DeskHost& host, PageLoad load) {
   const auto reply = co_await host.link().query(load.trigger);
   const bool taken = reply && whole_bytes(*reply) && load.take(*reply);
   const std::string& text = taken ? load.loaded : load.failed;
@@ -43,7 +43,7 @@ Task<bool> load_from_chip(PageHost& host, PageLoad load) {
   co_return taken;
 }
 
-Task<bool> save_on_chip(PageHost& host, PageSave save) {
+Task<bool> save_on_chip(DeskHost& host, PageSave save) {
   const BusyScope busy(host);
   const std::size_t flushes = save.traffic.size();
   // Nobody else's writes may reach a chip that is storing. They wait, and the window stays live.

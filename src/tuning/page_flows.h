@@ -24,7 +24,7 @@ struct PageLoad {
 };
 
 /// Asks the chip and hands the reply to the page. True when the page took it.
-Task<bool> load_from_chip(PageHost& host, PageLoad load);
+Task<bool> load_from_chip(DeskHost& host, PageLoad load);
 
 /// Traffic that takes a while: a page's full save, or all of its values at once.
 struct PageSave {
@@ -36,18 +36,21 @@ struct PageSave {
 /// Sends the traffic as one job with progress in the status bar, and waits while the chip stores. Closing the
 /// window asks meanwhile. False, and said in the status bar, when the port failed, cut a write short or
 /// was away before the chip had stored all.
-Task<bool> save_on_chip(PageHost& host, PageSave save);
+Task<bool> save_on_chip(DeskHost& host, PageSave save);
+
+/// Status text at the end of a save on file and chip of which no file was written.
+inline constexpr char kSavedOnChipOnly[] = "Only the chip was saved: no setting file was written.";
 
 /// Tells the host that something lasts which closing the window should ask about.
 class BusyScope {
  public:
-  explicit BusyScope(PageHost& host) : host_(host) { host_.set_busy(true); }
+  explicit BusyScope(DeskHost& host) : host_(host) { host_.set_busy(true); }
   BusyScope(const BusyScope&) = delete;
   BusyScope& operator=(const BusyScope&) = delete;
   ~BusyScope() { host_.set_busy(false); }
 
  private:
-  PageHost& host_;
+  DeskHost& host_;
 };
 
 }  // namespace qv5123

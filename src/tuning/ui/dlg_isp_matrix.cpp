@@ -25,6 +25,8 @@ constexpr char kCodeRange[] = "0x0000..0x1FFF in 13-bit two's complement, 0x0400
 
 CDlgIspMatrix::CDlgIspMatrix(PageHost& host)
     : TuningPage(host),
+      picker_desk_(host, {values_.picker_on, values_.picker, values_.step_index,
+                          [this](bool on) { return switch_matrix_picker(link(), values_, on); }}),
       picker_(make_picker()),
       patches_(new PatchGrid(values_.measured, values_.patch)),
       swatches_(new PatchSwatchView) {
@@ -53,9 +55,7 @@ CDlgIspMatrix::CDlgIspMatrix(PageHost& host)
 
 PickerBox* CDlgIspMatrix::make_picker() {
   auto* box = new PickerBox(
-      host(),
-      {values_.picker_on, values_.picker, values_.step_index,
-       [this](bool on) { return switch_matrix_picker(link(), values_, on); }},
+      picker_desk_,
       {"GET COLOR", "Measures around the cursor for the chosen patch, ISP registers 0xC3D, 0xC3E, 0xC3F",
        [this] { get_color(); }});
   patch_step_ =
@@ -64,8 +64,8 @@ PickerBox* CDlgIspMatrix::make_picker() {
                   "leaves it where it is");
   connect(patch_step_, &QSpinBox::valueChanged, this, [this](int step) { values_.patch_step = step; });
   box->add_setting("Patch Step:", patch_step_);
-  connect(box, &PickerBox::switched, this, &CDlgIspMatrix::enable_controls);
-  connect(box, &PickerBox::settled, this, [this] {
+  connect(box, &PickerBox::switch_changed, this, &CDlgIspMatrix::enable_controls);
+  connect(box, &PickerBox::chip_settled, this, [this] {
     take_typed_text(this);
     show_measurements();
   });
@@ -167,7 +167,7 @@ void CDlgIspMatrix::show_all() {
 
 /// Leaves the codes alone: some may have been typed and not been set yet.
 void CDlgIspMatrix::show_measurements() {
-  picker_->show_values();
+  picker_->show_picker();
   show_value(patch_step_, values_.patch_step);
   patches_->show_values();
   show_report();
@@ -193,7 +193,7 @@ void CDlgIspMatrix::enable_controls() {
   show_checked(manual_, values_.manual_input);
   patches_->allow(values_.manual_input ? Typing::all : values_.picker_on ? Typing::chosen : Typing::none);
   // An arrow would move the cursor away from what is being measured.
-  picker_->enable_keys(values_.picker_on && !measuring_patch_);
+  picker_desk_.want_keys(values_.picker_on && !measuring_patch_);
 }
 
 /// Only what was typed becomes a coefficient: a code holds less of one than the fit computed.
@@ -235,8 +235,8 @@ void CDlgIspMatrix::get_color() {
 
 Task<> CDlgIspMatrix::run_get_color() {
   const std::size_t patch = values_.patch;
-  co_await picker_->arrive();
-  if (picker_->chip_was_away()) {
+  co_await picker_desk_.arrive();
+  if (picker_desk_.chip_was_away()) {
     host().show_status("GET COLOR: " + std::string(kPickerChipWasAway));
     co_return;
   }

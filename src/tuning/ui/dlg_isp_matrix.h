@@ -6,6 +6,7 @@
 #include <array>
 
 #include "tuning/matrix.h"
+#include "tuning/picker_desk.h"
 #include "tuning/ui/page_parts.h"
 #include "tuning/ui/patch_grid.h"
 #include "tuning/ui/patch_swatch_view.h"
@@ -55,6 +56,7 @@ class CDlgIspMatrix : public TuningPage {
   Task<std::string> end_capture();
 
   MatrixValues values_;
+  PickerDesk picker_desk_;
   PickerBox* picker_;
   PatchGrid* patches_;
   PatchSwatchView* swatches_;

@@ -100,7 +100,7 @@ QComboBox* make_combo(const QStringList& items, const QString& name, const QStri
   return combo;
 }
 
-QString register_text(std::uint8_t address) {
+QString register_text(int address) {
   return QString("register 0x%1").arg(QString::number(address, 16).toUpper().rightJustified(2, '0'));
 }
 

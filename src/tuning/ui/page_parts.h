@@ -68,7 +68,7 @@ QStringList items_of(const Captions& captions) {
 }
 
 /// "register 0x3A", as tooltips call it.
-QString register_text(std::uint8_t address);
+QString register_text(int address);
 /// "<minimum>..<maximum>, register 0x3A".
 QString range_text(int minimum, int maximum, std::uint8_t address);
 

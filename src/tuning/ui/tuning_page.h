@@ -7,9 +7,6 @@
 
 namespace qv5123 {
 
-/// Status text at the end of a save on file and chip of which no file was written.
-inline constexpr char kSavedOnChipOnly[] = "Only the chip was saved: no setting file was written.";
-
 /// What the tuning pages' dialogs have in common: their host, and the flows that end with the page.
 class TuningPage : public QWidget, public Page {
  public:

@@ -1,6 +1,7 @@
 #include <random>
 
 #include "support/page_bench.h"
+#include "support/page_reply.h"
 #include "tuning/ui/dlg_ae_tune.h"
 #include "tuning/ui/dlg_isp_awb.h"
 #include "tuning/ui/dlg_isp_gamma_rgb.h"
@@ -16,15 +17,27 @@ struct Kept {
   using Dialog = Page;
   using Values = PageValues;
   static std::string reply(const Values& values) { return kReply(values); }
+  static void load(Values& values, const UserDataImage& image) { reload_from_user_data(values, image); }
+  static void store(const Values& values, UserDataImage& image) { save_to_user_data(values, image); }
+};
+
+template <class Window, class Page>
+struct KeptPage {
+  using Dialog = Window;
+  using Values = typename Page::Values;
+  static std::string reply(const Values& values) { return test::encode_page<Page>(values); }
+  static void load(Values& values, const UserDataImage& image) { load_page<Page>(values, image); }
+  static void store(const Values& values, UserDataImage& image) { store_page<Page>(values, image); }
 };
 
 template <class Case>
 class KeptValues : public test::PageBench<typename Case::Dialog> {};
 
-using Cases = testing::Types<
-    Kept<CDlgAeTune, DynamicValues, encode_dynamic_reply>, Kept<CDlgIspAwb, AwbValues, encode_awb_reply>,
-    Kept<CDlgIspGammaRgb, GammaValues, encode_gamma_reply>, Kept<CDlgIspLSC, LensValues, encode_lens_reply>,
-    Kept<CDlgIspMatrix, MatrixValues, encode_matrix_reply>>;
+using Cases =
+    testing::Types<Kept<CDlgAeTune, DynamicValues, encode_dynamic_reply>,
+                   Kept<CDlgIspAwb, AwbValues, encode_awb_reply>,
+                   Kept<CDlgIspGammaRgb, GammaValues, encode_gamma_reply>, KeptPage<CDlgIspLSC, LensPage>,
+                   Kept<CDlgIspMatrix, MatrixValues, encode_matrix_reply>>;
 TYPED_TEST_SUITE(KeptValues, Cases);
 
 TYPED_TEST(KeptValues, OfFileAndChipAreStoredAsTheyCame) {
@@ -35,9 +48,9 @@ TYPED_TEST(KeptValues, OfFileAndChipAreStoredAsTheyCame) {
       data.set_entry(i, static_cast<int>(random() & 0xFF));
     data.mark_loaded();
     typename TypeParam::Values values;
-    reload_from_user_data(values, data);
+    TypeParam::load(values, data);
     UserDataImage expected;
-    save_to_user_data(values, expected);
+    TypeParam::store(values, expected);
     const auto expect_kept = [&] {
       data = {};
       this->page_.save_to_user_data();

@@ -1,0 +1,48 @@
+#include "tuning/field.h"
+
+#include <algorithm>
+
+#include "base/hex.h"
+
+namespace qv5123 {
+namespace {
+
+std::string joined(const Words& words, const char* between, const char* before_number) {
+  std::string text;
+  for (std::size_t i = 0; i < words.words.size(); ++i) {
+    if (*words.words[i] == '\0') continue;
+    if (!text.empty()) text += between;
+    text += words.words[i];
+    if (i == 0 && words.number != Words::kNone) text += before_number + std::to_string(words.number);
+  }
+  if (words.index != Words::kNone) text += "[" + std::to_string(words.index) + "]";
+  return text;
+}
+
+}  // namespace
+
+std::string Words::name() const {
+  return joined(*this, ".", "");
+}
+
+std::string Words::caption() const {
+  return joined(*this, " ", " ");
+}
+
+std::vector<std::size_t> FieldInfo::entries() const {
+  std::vector<std::size_t> all;
+  if (entry != kNowhere) all.push_back(static_cast<std::size_t>(entry));
+  if (entry != kNowhere && size == FieldSize::word) all.push_back(static_cast<std::size_t>(entry) + 1);
+  if (also_entry != kNowhere) all.push_back(static_cast<std::size_t>(also_entry));
+  std::sort(all.begin(), all.end());
+  return all;
+}
+
+std::string FieldInfo::range_text() const {
+  std::string text = std::to_string(range.lowest) + ".." + std::to_string(range.highest);
+  if (*unit != '\0') text += std::string(" ") + unit;
+  if (address != kNowhere) text += ", register 0x" + upper_hex(static_cast<unsigned>(address));
+  return text;
+}
+
+}  // namespace qv5123

@@ -1,0 +1,120 @@
+#include "tuning/lens_desk.h"
+
+#include <functional>
+#include <utility>
+
+#include "tuning/page_flows.h"
+
+namespace qv5123 {
+
+LensDesk::LensDesk(DeskHost& host, UserDataImage& image)
+    : PageDesk(host, image),
+      picker_(host, {values_.picker_on, values_.picker, values_.step_index,
+                     [this](bool on) { return switch_lens_picker(link(), values_, on); }}) {
+  model().load(image);
+}
+
+void LensDesk::attach(View& view) {
+  TuningDesk::attach(view);
+  lens_view_ = &view;
+}
+
+Traffic LensDesk::control_traffic(int control) const {
+  switch (static_cast<LensControl>(control)) {
+    case LensControl::parameter1:
+      return {lens_send_parameter1(values_)};
+    case LensControl::parameter2:
+      return {lens_send_parameter2(values_)};
+    case LensControl::flicker:
+      return {flicker_mode_write(values_.flicker)};
+  }
+  return {};
+}
+
+void LensDesk::send_row(LensControl row) {
+  view().take_typed();
+  link().send(control_traffic(static_cast<int>(row)));
+}
+
+void LensDesk::move_ratio(int ratio) {
+  values_.ratio = ratio;
+  // A sweep under way takes the ratio when it gets there.
+  if (!values_.calibrated || calibrating()) return;
+  lens_view_->clear_log();
+  if (calibration_.samples.empty()) return;
+  lens_view_->add_to_log(recompute_lens(calibration_, values_));
+  view().show_values();
+  link().send(lens_send_parameters(values_));
+}
+
+void LensDesk::set_flicker(int mode) {
+  values_.flicker = mode;
+  view().show_values();
+  link().send(flicker_mode_write(mode));
+}
+
+void LensDesk::start_calibration(Prompts& prompts) {
+  view().take_typed();
+  if (!calibrating()) calibrating_.start(calibrate(prompts));
+}
+
+Task<> LensDesk::calibrate(Prompts& prompts) {
+  // A line that was typed in last is the one to measure along.
+  co_await picker_.arrive();
+  if (picker_.chip_was_away()) {
+    spawn(prompts.message({"Calibration stopped: " + std::string(kPickerChipWasAway)}));
+    co_return;
+  }
+  lens_view_->clear_log();
+  picker_.want_keys(false);
+  calibration_ = {};
+  calibration_.width = lens_line_width(values_.screen_index);
+  lens_view_->show_calibration();
+  host().show_status("Calibrating. Switch the color picker off to stop.");
+  const std::size_t positions = lens_positions(calibration_.width).size();
+  std::function<void(const LensSample&)> on_sample = [this, positions](const LensSample& sample) {
+    take_sample(sample, positions);
+  };
+  LensCalibrationResult result;
+  {
+    const BusyScope busy(host());
+    result = co_await calibrate_lens(link(), values_, std::move(on_sample));
+  }
+  Message complaint{result.message};
+  finish(std::move(result));
+  // Beside this flow, which is over: the ratio may move while the box is open.
+  if (!complaint.text.empty()) spawn(prompts.message(std::move(complaint)));
+}
+
+void LensDesk::take_sample(const LensSample& sample, std::size_t of) {
+  calibration_.samples.push_back(sample);
+  const std::size_t taken = calibration_.samples.size();
+  lens_view_->add_to_log(lens_sample_log(sample));
+  lens_view_->show_calibration();
+  host().show_progress(static_cast<int>(taken * 100 / of));
+  // What follows the last position switches the picker off by itself.
+  if (taken == of) lens_view_->allow_switch(false);
+}
+
+void LensDesk::finish(LensCalibrationResult result) {
+  const int width = calibration_.width;
+  calibration_ = std::move(result.calibration);
+  calibration_.width = width;
+  lens_view_->add_to_log(result.log);
+  view().show_values();
+  lens_view_->allow_switch(true);
+  picker_.want_keys(result.end == CalibrationEnd::aborted || values_.picker_on);
+  // An abort was a click on the switch, which says so itself.
+  if (result.end != CalibrationEnd::aborted)
+    host().show_status(result.picker.empty() ? kPickerOffStatus : result.picker);
+}
+
+Task<> LensDesk::save(PageHost& files) {
+  view().take_typed();
+  // Before the file, which may have to be chosen: what is loaded meanwhile belongs neither there nor here.
+  ChipSave on_chip = chip_save();
+  const bool written = co_await files.save_everything();
+  co_await send_save(std::move(on_chip), written ? "File save done" : kSavedOnChipOnly);
+}
+
+}  // namespace qv5123

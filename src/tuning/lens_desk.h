@@ -1,0 +1,61 @@
+#pragma once
+
+#include <string>
+
+#include "console/page_host.h"
+#include "console/prompts.h"
+#include "tuning/lens_calibration.h"
+#include "tuning/picker_desk.h"
+#include "tuning/tuning_desk.h"
+
+namespace qv5123 {
+
+/// The lens shading page without its window.
+class LensDesk final : public PageDesk<LensPage> {
+ public:
+  class View : public DeskView {
+   public:
+    /// A sweep has begun or a sample came in.
+    virtual void show_calibration() {}
+    virtual void clear_log() {}
+    virtual void add_to_log(const std::string&) {}
+    /// Whether the picker may be switched: not while a sweep does so by itself.
+    virtual void allow_switch(bool) {}
+  };
+  LensDesk(DeskHost& host, UserDataImage& image);
+  void attach(View& view);
+
+  const LensCalibration& calibration() const { return calibration_; }
+  PickerDesk& picker() { return picker_; }
+  bool calibrating() const { return calibrating_.running(); }
+
+  void choose_screen(int index) { values_.screen_index = index; }
+  /// Recomputes and sends the parameters once a calibration has succeeded.
+  void move_ratio(int ratio);
+  /// Clicks on "NTSC" and "PAL".
+  void click_ntsc() { set_flicker(flicker_after_ntsc(values_.flicker)); }
+  void click_pal() { set_flicker(flicker_after_pal(values_.flicker)); }
+  /// "S" beside a row.
+  void send_row(LensControl row);
+  /// "CALIBRATION"; ignored while one is under way.
+  void start_calibration(Prompts& prompts);
+  /// "File/Flash Save" on file and chip.
+  Task<> save(PageHost& files);
+
+  ChipSave chip_save() override { return {lens_full_save(values_), {}, {}}; }
+  Traffic control_traffic(int control) const override;
+
+ private:
+  void set_flicker(int mode);
+  Task<> calibrate(Prompts& prompts);
+  void take_sample(const LensSample& sample, std::size_t of);
+  void finish(LensCalibrationResult result);
+
+  View nobody_;
+  View* lens_view_ = &nobody_;
+  PickerDesk picker_;
+  LensCalibration calibration_;
+  Flow calibrating_;
+};
+
+}  // namespace qv5123

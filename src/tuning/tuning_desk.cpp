@@ -1,0 +1,38 @@
+#include "tuning/tuning_desk.h"
+
+#include "tuning/page_flows.h"
+
+namespace qv5123 {
+
+void TuningDesk::reload() {
+  model_.load(image_);
+  view_->show_values();
+}
+
+void TuningDesk::load_file() {
+  reload();
+  host_.show_status(model_.texts().loaded_file);
+}
+
+Task<bool> TuningDesk::load_from_chip() {
+  PageLoad load{model_.texts().trigger, model_.texts().failed, model_.texts().loaded,
+                [this](std::string_view reply) {
+                  view_->take_typed();
+                  const bool taken = model_.take_reply(reply);
+                  if (taken) view_->show_values();
+                  return taken;
+                }};
+  co_return co_await qv5123::load_from_chip(host_, std::move(load));
+}
+
+Task<bool> TuningDesk::send_save(ChipSave save, std::string done) {
+  PageSave on_chip;
+  on_chip.traffic = std::move(save.traffic);
+  on_chip.settling = save.settling;
+  on_chip.done = std::move(done);
+  const bool saved = co_await save_on_chip(host_, std::move(on_chip));
+  co_await after_save();
+  co_return saved;
+}
+
+}  // namespace qv5123
