@@ -11,12 +11,13 @@
 #include <vector>
 
 #include "support/program.h"
+#include "support/source_folder.h"
 #include "support/temporary_folder.h"
 
 namespace qv5123::test {
 
 inline std::string source_file(const std::string& name) {
-  std::ifstream file(std::filesystem::path(QV5123_SOURCE_DIR) / name, std::ios::binary);
+  std::ifstream file(source_folder() / name, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
@@ -55,8 +56,7 @@ class CtlTest : public testing::Test {
   }
 
   void copy_resource(const std::string& name) const {
-    std::filesystem::copy_file(std::filesystem::path(QV5123_SOURCE_DIR) / "resources" / name,
-                               folder.path() / name);
+    std::filesystem::copy_file(source_folder() / "resources" / name, folder.path() / name);
   }
 };
 

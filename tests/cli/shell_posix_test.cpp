@@ -2,6 +2,7 @@
 
 #include "cli/ctl_test.h"
 #include "support/program_posix.h"
+#include "support/source_folder.h"
 
 namespace qv5123 {
 namespace {
@@ -15,7 +16,7 @@ TEST_F(CtlTest, BashCompletes) {
     const std::string script = "source \"$0\"; COMP_WORDS=(qv5123ctl " + words +
                                "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _qv5123ctl qv5123ctl qv; "
                                "printf '%s\\n' \"${COMPREPLY[@]}\"";
-    const std::string completions = QV5123_SOURCE_DIR "/completions/qv5123ctl.bash";
+    const std::string completions = test::source_folder() / "completions/qv5123ctl.bash";
     test::Program bash("/bin/bash", {"-c", script, completions}, folder.path());
     return bash.output();
   };

@@ -7,6 +7,7 @@
 #include "console/setting_file.h"
 #include "simulator/chip_defaults.h"
 #include "support/chip_talk.h"
+#include "support/source_folder.h"
 
 using namespace qv5123;
 using namespace std::chrono_literals;
@@ -32,7 +33,7 @@ std::string repeated(std::string_view part, std::size_t count) {
 }  // namespace
 
 TEST(ChipStart, IsWithTheTuningOfTheSampleSettings) {
-  const ReadSettings read = read_setting_file(QV5123_SOURCE_DIR "/resources/sample.dat");
+  const ReadSettings read = read_setting_file(test::source_folder() / "resources/sample.dat");
   ASSERT_TRUE(read.result.ok()) << read.result.text;
   EXPECT_EQ(read.image, factory_user_data());
 }

@@ -15,6 +15,7 @@
 #include "reliability/ui/real_program.h"
 #include "support/program.h"
 #include "support/program_posix.h"
+#include "support/source_folder.h"
 #include "support/temporary_folder.h"
 
 namespace qv5123 {
@@ -43,8 +44,8 @@ TEST(Crash, DISABLED_Victim) {
 
 TEST(Crash, OfTheKilledProgramTheNextStartOffersWhatWasUnsaved) {
   const test::CurrentFolder folder;
-  fs::copy(QV5123_SOURCE_DIR "/resources/regu.xml", folder / "regu.xml");
-  fs::copy(QV5123_SOURCE_DIR "/resources/sample.dat", folder / "board.dat");
+  fs::copy(test::source_folder() / "resources/regu.xml", folder / "regu.xml");
+  fs::copy(test::source_folder() / "resources/sample.dat", folder / "board.dat");
   const fs::path kept = Journal::slot_file(folder / "journal", 1);
   qputenv(kFolder, QByteArray::fromStdString((folder / "").string()));
   test::Program victim(QCoreApplication::applicationFilePath().toStdString(),

@@ -17,6 +17,7 @@
 #include "base/lock_file.h"
 #include "console/journal.h"
 #include "reliability/ui/real_program.h"
+#include "support/source_folder.h"
 
 namespace qv5123 {
 namespace {
@@ -64,7 +65,7 @@ class RandomUser {
  public:
   RandomUser(MatrixBench& bench, unsigned seed) : bench_(bench), random_(seed) {
     for (const char* name : {"sample.dat", "firmware.bin", "fontT_16x24_.bin"}) {
-      fs::copy(fs::path(QV5123_SOURCE_DIR "/resources") / name, bench.folder / name);
+      fs::copy(test::source_folder() / "resources" / name, bench.folder / name);
     }
     std::ofstream("registers.txt") << "0xF800=0x12 //MODE\r\n";
     std::ofstream("script.txt") << "0x10,0x20\r\n";
