@@ -40,7 +40,7 @@ void take_page(const std::string& block) {
 
 void read_as_every_page(const std::string& block) {
   take(decode_front_reply(block, {}));
-  take(decode_gamma_reply(block, {}));
+  take_page<GammaPage>(block);
   take_page<LensPage>(block);
   take(decode_awb_reply(block, {}));
   take(decode_matrix_reply(block, {}));

@@ -36,7 +36,7 @@ void through_page(UserDataImage image) {
 
 void through_every_page(const UserDataImage& image) {
   through<FrontValues>(image);
-  through<GammaValues>(image);
+  through_page<GammaPage>(image);
   through_page<LensPage>(image);
   through<AwbValues>(image);
   through<MatrixValues>(image);

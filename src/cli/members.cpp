@@ -1,6 +1,5 @@
 #include "cli/members.h"
 
-#include <algorithm>
 #include <array>
 
 namespace qv5123 {
@@ -152,22 +151,6 @@ Members<DynamicValues> dynamic_members() {
       members, "ir_led", [](auto& v) -> auto& { return v.ir_led; });
   add_member(
       members, "video_mode", [](auto& v) -> auto& { return v.video_mode; });
-  return members;
-}
-
-Members<GammaValues> gamma_members() {
-  Members<GammaValues> members;
-  const auto set_channel = [](GammaValues& values, int number) {
-    values.channel = static_cast<GammaChannel>(
-        std::clamp(number, static_cast<int>(kGammaGreen), static_cast<int>(kGammaFront)));
-  };
-  members.push_back(
-      {"channel", [](const GammaValues& values) { return static_cast<int>(values.channel); }, set_channel});
-  constexpr std::array<const char*, kGammaCurves> kCurves{"r", "g", "b", "front"};
-  for (std::size_t c = 0; c < kCurves.size(); ++c)
-    for (std::size_t i = 0; i < kGammaPoints; ++i)
-      add_member(
-          members, indexed(kCurves[c], i), [ c, i ](auto& v) -> auto& { return v.curves[c][i]; });
   return members;
 }
 

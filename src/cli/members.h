@@ -9,7 +9,6 @@
 #include "tuning/awb.h"
 #include "tuning/dynamic.h"
 #include "tuning/front.h"
-#include "tuning/gamma.h"
 #include "tuning/matrix.h"
 
 namespace qv5123 {
@@ -39,8 +38,6 @@ void add_member(Members<Values>& members, std::string name, Access access) {
 Members<FrontValues> front_members();
 Members<AwbValues> awb_members();
 Members<DynamicValues> dynamic_members();
-/// Points are "r[0]".."r[21]", and so g, b and front.
-Members<GammaValues> gamma_members();
 /// Register codes of the coefficients, 1024 = 1.0, signed: "tvi.outdoor.r[0]" is the first of the red row.
 Members<MatrixValues> matrix_members();
 

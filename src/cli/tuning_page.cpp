@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "cli/members.h"
+#include "tuning/gamma.h"
 #include "tuning/lens_shading.h"
 #include "tuning/matrix_flow.h"
 #include "tuning/page_model.h"
@@ -80,27 +81,6 @@ struct DynamicKind : PageKind {
     for (const StepMessage& message : saved.messages)
       save.warnings.push_back(message.title + ": " + message.text);
     return save;
-  }
-};
-
-struct GammaKind : PageKind {
-  using Values = GammaValues;
-  static constexpr std::uint8_t kTrigger = kGammaLoadTrigger;
-  static Members<Values> members() { return gamma_members(); }
-  static auto decode(std::string_view reply) { return decode_gamma_reply(reply, {}); }
-  static std::string encode(const Values& values) { return encode_gamma_reply(values); }
-  static TuningPage::Save save(Values& values, const UserDataImage&) {
-    return {gamma_full_save(values), {}, {}, {}};
-  }
-  // The page loads the front curve but never stores it; here its entries have names like all others.
-  static void store(const Values& values, UserDataImage& image) {
-    save_to_user_data(values, image);
-    ImageWriter writer(image);
-    gamma_front_image_layout(values, writer);
-  }
-  static void load(Values& values, UserDataImage image) {
-    image.mark_loaded();
-    reload_from_user_data(values, image);
   }
 };
 
@@ -253,7 +233,7 @@ std::unique_ptr<TuningPage> make_tuning_page(std::string_view name) {
   if (name == "front") return make<FrontKind>(name);
   if (name == "awb") return make<AwbKind>(name);
   if (name == "dynamic") return make<DynamicKind>(name);
-  if (name == "gamma") return make<GammaKind>(name);
+  if (name == "gamma") return std::make_unique<ModelPage<GammaPage>>(std::string(name), gamma_full_save);
   if (name == "matrix") return make<MatrixKind>(name);
   return std::make_unique<ModelPage<LensPage>>(std::string(name), lens_full_save);
 }

@@ -15,8 +15,6 @@ class CQV5123Doc {
   std::filesystem::path setting_file;
   /// Front gamma level: set by the ISP tune page, read by the gamma page, which makes it 16 when it is 0.
   double front_gamma_level = 0.0;
-  /// Gamma channel selection, 0..4, as last loaded from the user data.
-  int gamma_channel = 3;
   /// The draft of the font that a run which died has left. The font editor takes it when it opens.
   std::string font_draft;
   /// Whether the TDN modes have "Auto" as a fourth. An application setting.

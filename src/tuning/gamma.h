@@ -3,14 +3,12 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "console/user_data_image.h"
 #include "link/register_write.h"
-#include "tuning/layout.h"
+#include "tuning/desk_texts.h"
+#include "tuning/field_visitors.h"
 
 namespace qv5123 {
 
@@ -25,24 +23,28 @@ using GammaCurve = std::array<int, kGammaPoints>;
 inline constexpr GammaCurve kGammaPositions = {0,   8,   16,  24,  32,  48,  64,  80,  96,  128, 160,
                                                192, 224, 256, 320, 384, 448, 512, 640, 768, 896, 1023};
 
-enum GammaCurveId { kRedCurve, kGreenCurve, kBlueCurve, kFrontCurve };
+enum class GammaCurveId { red, green, blue, front };
 inline constexpr std::size_t kGammaCurves = 4;
+inline constexpr std::array<const char*, kGammaCurves> kGammaCurveNames{"R", "G", "B", "Front"};
+/// In the order in which the page shows them.
+inline constexpr std::array kEndGammaCurves{GammaCurveId::red, GammaCurveId::green, GammaCurveId::blue};
 
 /// The radio buttons in the order of their values; the values are what the chip and the files keep.
-enum GammaChannel { kGammaGreen, kGammaBlue, kGammaRed, kGammaRgb, kGammaFront };
+enum class GammaChannel { green, blue, red, rgb, front };
+inline constexpr std::array<const char*, 5> kGammaChannels{"G", "B", "R", "RGB", "Front Gamma"};
 
 /// What the gamma page shows and edits.
 struct GammaValues {
   std::array<GammaCurve, kGammaCurves> curves{};  ///< by GammaCurveId, points 0..1023
-  GammaChannel channel = kGammaRgb;               ///< what Set and Apply act on
+  GammaChannel channel = GammaChannel::rgb;       ///< what Set and Apply act on
   /// The selection last loaded from the user data: the one that a full save keeps on the chip.
-  GammaChannel loaded_channel = kGammaRgb;
+  GammaChannel loaded_channel = GammaChannel::rgb;
   double gamma_value = 0.45;
   double front_gamma_value = 1.0;
   bool itu_709 = false;  ///< "Standard ITU.709 Gamma"
 
-  GammaCurve& curve(GammaCurveId id) { return curves[id]; }
-  const GammaCurve& curve(GammaCurveId id) const { return curves[id]; }
+  constexpr GammaCurve& curve(GammaCurveId id) { return curves[static_cast<std::size_t>(id)]; }
+  constexpr const GammaCurve& curve(GammaCurveId id) const { return curves[static_cast<std::size_t>(id)]; }
   friend bool operator==(const GammaValues&, const GammaValues&) = default;
 };
 
@@ -51,7 +53,7 @@ std::vector<GammaCurveId> selected_curves(GammaChannel channel);
 
 /// The selection after a click on the radio button `clicked`: the front radio falls back to all three.
 constexpr GammaChannel channel_after_click(GammaChannel clicked) {
-  return clicked == kGammaFront ? kGammaRgb : clicked;
+  return clicked == GammaChannel::front ? GammaChannel::rgb : clicked;
 }
 
 /// Where a spin button at `current` comes to stand after `delta`.
@@ -68,50 +70,78 @@ inline constexpr Encoding kFrontGammaPoint{
 /// What is no selection counts as all three curves, as before anything was chosen.
 inline constexpr Encoding kGammaChannel{
     [](int value) { return value; },
-    [](int stored) { return stored > kGammaFront ? static_cast<int>(kGammaRgb) : stored; }};
+    [](int stored) {
+      return stored > static_cast<int>(GammaChannel::front) ? static_cast<int>(GammaChannel::rgb) : stored;
+    }};
 
-/// Entries 44..176: the selection and the three end curves, red, green, blue.
-template <class Values, class Visitor>
-void gamma_image_layout(Values& values, Visitor& visit) {
-  visit.byte(44, values.channel, kGammaChannel);
-  for (std::size_t i = 0; i < kGammaPoints; ++i) {
-    visit.word(45 + 2 * i, values.curves[kRedCurve][i], kGammaPoint);
-    visit.word(89 + 2 * i, values.curves[kGreenCurve][i], kGammaPoint);
-    visit.word(133 + 2 * i, values.curves[kBlueCurve][i], kGammaPoint);
+/// Takes the points of the red curve, each as high byte and low byte; green and blue follow.
+inline constexpr std::uint8_t kGammaCurveRegister = 0x03;
+inline constexpr std::uint8_t kGammaChannelRegister = 0x06;
+
+/// The page: the selection in entry 44 and behind it 22 words for each of the three end curves. The front
+/// curve in entries 0..43 belongs to the chip: the page shows it and never stores it. The reply is 352
+/// characters, four to a point, the front curve first: "...0ffc" is a front point of 1023, "...03f8" an end
+/// point of 1016. What sends a point is its curve's number: "Apply" sends the curves that are selected.
+struct GammaPage {
+  using Values = GammaValues;
+  static constexpr DeskTexts kTexts{"gamma", 0x07, "ISP Load Fail...", "Load Isp ok..", "Load File ok.."};
+
+  template <class V, class Visitor>
+  static constexpr void fields(V& values, Visitor& visit) {
+    visit.byte({"channel"}, values.channel,
+               {.caption = {"Channel"},
+                .entry = 44,
+                .range = {0, static_cast<int>(kGammaChannels.size()) - 1},
+                .format = FieldFormat::list,
+                .items = kGammaChannels,
+                .address = kGammaChannelRegister,
+                .saved = true,
+                .as = &kGammaChannel});
+    for (const GammaCurveId id : kEndGammaCurves) end_curve(id, values.curve(id), visit);
+    front_curve(values.curve(GammaCurveId::front), visit);
   }
-}
 
-/// Entries 0..43: the front curve, which the page loads but never stores.
-template <class Values, class Visitor>
-void gamma_front_image_layout(Values& values, Visitor& visit) {
-  for (std::size_t i = 0; i < kGammaPoints; ++i) {
-    visit.word(2 * i, values.curves[kFrontCurve][i], kFrontGammaPoint);
+  /// With no file loaded into the image yet, all four curves become 0 and the selections stay.
+  static void load(Values& values, const UserDataImage& image);
+
+ private:
+  template <class Curve, class Visitor>
+  static constexpr void end_curve(GammaCurveId id, Curve& curve, Visitor& visit) {
+    constexpr std::array<const char*, 3> kNames{"r", "g", "b"};
+    const int place = static_cast<int>(id);
+    for (int i = 0; i < static_cast<int>(kGammaPoints); ++i)
+      visit.word(Words(kNames[place]).at(i), curve[i],
+                 {.caption = caption(id, i),
+                  .entry = 45 + 44 * place + 2 * i,
+                  .reply = 88 + 88 * place + 4 * i,
+                  .range = {0, kGammaMaximum},
+                  .address = kGammaCurveRegister + place,
+                  .sent_by = place,
+                  .saved = true,
+                  .as = &kGammaPoint});
   }
-}
-
-/// The reply to kGammaLoadTrigger: four characters to a point, 352 in all.
-template <class Values, class Visitor>
-void gamma_reply_layout(Values& values, Visitor& visit) {
-  for (std::size_t i = 0; i < kGammaPoints; ++i) {
-    visit.word(0 + 4 * i, values.curves[kFrontCurve][i], kFrontGammaPoint);
-    visit.word(88 + 4 * i, values.curves[kRedCurve][i], kGammaPoint);
-    visit.word(176 + 4 * i, values.curves[kGreenCurve][i], kGammaPoint);
-    visit.word(264 + 4 * i, values.curves[kBlueCurve][i], kGammaPoint);
+  template <class Curve, class Visitor>
+  static constexpr void front_curve(Curve& curve, Visitor& visit) {
+    for (int i = 0; i < static_cast<int>(kGammaPoints); ++i)
+      visit.word(Words("front").at(i), curve[i],
+                 {.caption = caption(GammaCurveId::front, i),
+                  .entry = 2 * i,
+                  .entry_use = EntryUse::only_loaded,
+                  .reply = 4 * i,
+                  .range = {0, kGammaMaximum},
+                  .as = &kFrontGammaPoint});
   }
-}
+  /// "Point 22 Front".
+  static constexpr Words caption(GammaCurveId id, int point) {
+    return Words("Point", kGammaCurveNames[static_cast<std::size_t>(id)]).numbered(point + 1);
+  }
+};
+static_assert(fields_hold<GammaPage>());
 
-void save_to_user_data(const GammaValues& values, UserDataImage& image);
-/// With no file loaded into the image yet, all four curves become 0 and the selections stay.
-void reload_from_user_data(GammaValues& values, const UserDataImage& image);
-
-/// `current` with the four curves of the reply; nothing when the reply ends before the last point.
-std::optional<GammaValues> decode_gamma_reply(std::string_view reply, GammaValues current);
-std::string encode_gamma_reply(const GammaValues& values);
-
-/// "Apply": the selected curves, one flush per point. The front curve has no register here.
+/// One end curve, one flush per point. The front curve has no register here.
+Traffic gamma_curve_traffic(const GammaValues& values, GammaCurveId id);
+/// "Apply": the selected curves.
 Traffic gamma_apply(const GammaValues& values);
-/// A write of 0 to it asks for the reply of "Load <- ISP".
-inline constexpr std::uint8_t kGammaLoadTrigger = 0x07;
 /// "File/Flash Save".
 Traffic gamma_full_save(const GammaValues& values);
 

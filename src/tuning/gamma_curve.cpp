@@ -68,7 +68,7 @@ GammaResult set_end_gamma(GammaValues& values, double front_level) {
 
 GammaResult set_front_gamma(GammaValues& values) {
   if (values.gamma_value == 0) return GammaResult::invalid;
-  values.curve(kFrontCurve) = front_gamma_curve(values.front_gamma_value);
+  values.curve(GammaCurveId::front) = front_gamma_curve(values.front_gamma_value);
   return GammaResult::ok;
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
@@ -45,6 +46,12 @@ class PageDriver {
     return test::find<Widget>(page_, name);
   }
   void click(const QString& name) const { find<QAbstractButton>(name)->click(); }
+  /// As assistive technology switches a check box or a radio button.
+  void toggle(const QString& name) const {
+    QAccessible::queryAccessibleInterface(find<QAbstractButton>(name))
+        ->actionInterface()
+        ->doAction(QAccessibleActionInterface::toggleAction());
+  }
   void type(const QString& name, int value) const { find<QSpinBox>(name)->setValue(value); }
   void type(const QString& name, const QString& text) const {
     auto* edit = find<QLineEdit>(name);

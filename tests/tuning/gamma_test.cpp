@@ -10,27 +10,6 @@
 namespace qv5123 {
 namespace {
 
-TEST(Gamma, LoadsOnlyFromAnImageThatAFileWasReadInto) {
-  UserDataImage image;
-  image.set_word(2, (777 << 2) | 3);
-  image.set_word(45, 500);
-  image.set_word(47, 0xFFFF);
-  image.set_entry(44, 99);
-  GammaValues values;
-  values.curve(kBlueCurve)[3] = 7;
-  reload_from_user_data(values, image);
-  EXPECT_EQ(values.curves, GammaValues().curves);
-  EXPECT_EQ(values.channel, kGammaRgb);
-
-  values.channel = kGammaBlue;
-  image.mark_loaded();
-  reload_from_user_data(values, image);
-  EXPECT_EQ(values.curve(kFrontCurve)[1], 777);
-  EXPECT_EQ(values.curve(kRedCurve)[0], 500);
-  EXPECT_EQ(values.curve(kRedCurve)[1], 1023) << "beyond the scale";
-  EXPECT_EQ(values.channel, kGammaRgb) << "beyond the last selection";
-}
-
 TEST(GammaCurve, FollowsThePowerLawWithADarkEnd) {
   // With N = (1 / 0.45)^3 = 10.97 point 2 would be 8 - 9.
   EXPECT_EQ(end_gamma_curve(1.0, false, 16),
@@ -70,10 +49,11 @@ TEST(GammaChart, PutsPointsOnPixelsAndPixelsOnPoints) {
 
 TEST(GammaChart, GrabsTheNearestShownPoint) {
   GammaValues values;
-  values.curve(kRedCurve)[13] = 400;
-  values.curve(kGreenCurve)[13] = values.curve(kBlueCurve)[13] = 440;
-  EXPECT_EQ(nearest_gamma_point(values, {180, 330}), (GammaHit{13, {kRedCurve}}));
-  EXPECT_EQ(nearest_gamma_point(values, {180, 313}), (GammaHit{13, {kGreenCurve, kBlueCurve}}))
+  values.curve(GammaCurveId::red)[13] = 400;
+  values.curve(GammaCurveId::green)[13] = values.curve(GammaCurveId::blue)[13] = 440;
+  EXPECT_EQ(nearest_gamma_point(values, {180, 330}), (GammaHit{13, {GammaCurveId::red}}));
+  EXPECT_EQ(nearest_gamma_point(values, {180, 313}),
+            (GammaHit{13, {GammaCurveId::green, GammaCurveId::blue}}))
       << "points on top of one another move together";
   EXPECT_EQ(nearest_gamma_point(values, {2147483647, -2147483647}), std::nullopt);
   EXPECT_EQ(spin_gamma_point(3, -2147483647), 0);

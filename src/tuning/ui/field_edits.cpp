@@ -6,6 +6,12 @@ QString field_tooltip(const FieldInfo& field) {
   return QString::fromStdString(field.range_text());
 }
 
+QString registers_text(const std::vector<int>& addresses) {
+  QStringList texts;
+  for (const int address : addresses) texts << register_text(address).section(' ', 1);
+  return "registers " + texts.join(", ");
+}
+
 QSpinBox* FieldEdits::number(std::size_t field, const QString& name) {
   const FieldInfo& info = desk_.model().fields()[field];
   const QString caption = QString::fromStdString(info.caption.caption());
@@ -17,6 +23,12 @@ QSpinBox* FieldEdits::number(std::size_t field, const QString& name) {
   });
   edits_.push_back({field, box});
   return box;
+}
+
+void FieldEdits::show(std::size_t field) {
+  const int number = desk_.model().numbers()[field];
+  for (const Edit& edit : edits_)
+    if (edit.field == field) show_value(edit.box, number);
 }
 
 void FieldEdits::show() {

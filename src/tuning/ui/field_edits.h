@@ -14,6 +14,8 @@ namespace qv5123 {
 
 /// "0..4095, register 0x64", as tooltips tell it of a field.
 QString field_tooltip(const FieldInfo& field);
+/// "registers 0x03, 0x04, 0x05".
+QString registers_text(const std::vector<int>& addresses);
 
 /// The edits of a desk's values. Name, range and tooltip come from the field; what is typed goes to the desk,
 /// and show() brings back what it holds.
@@ -29,6 +31,8 @@ class FieldEdits {
 
   /// Shows the desk's numbers in all edits; what has none of its range stays as it is.
   void show();
+  /// The same for one of them, where that alone has changed.
+  void show(std::size_t field);
 
  private:
   struct Edit {

@@ -19,7 +19,7 @@ constexpr int kPageStep = 16;
 
 QColor colour_of(GammaCurveId id) {
   constexpr Qt::GlobalColor kColours[] = {Qt::red, Qt::green, Qt::blue, Qt::black};
-  return kColours[id];
+  return kColours[static_cast<std::size_t>(id)];
 }
 
 QRectF rect_of(const ChartBox& box) {
@@ -85,10 +85,11 @@ ChartPixel GammaChartView::to_chart(QPointF point) const {
 QString GammaChartView::readout() const {
   const std::optional<GammaHit>& hit = hovered_ ? hovered_ : chosen_;
   if (!hit) return {};
-  constexpr const char* kNames[] = {"R", "G", "B", "Front"};
   QString text = QString("Point %1 at %2:").arg(hit->point + 1).arg(kGammaPositions[hit->point]);
   for (GammaCurveId id : hit->curves) {
-    text += QString("  %1 = %2").arg(kNames[id]).arg(values_.curve(id)[hit->point]);
+    text += QString("  %1 = %2")
+                .arg(kGammaCurveNames[static_cast<std::size_t>(id)])
+                .arg(values_.curve(id)[hit->point]);
   }
   return text;
 }
@@ -173,9 +174,9 @@ void GammaChartView::paintEvent(QPaintEvent*) {
   paint_background(painter);
   painter.setTransform(transform());
   painter.setRenderHint(QPainter::Antialiasing);
-  paint_curve(painter, kFrontCurve);
+  paint_curve(painter, GammaCurveId::front);
   for (GammaCurveId id : selected_curves(values_.channel)) {
-    if (id != kFrontCurve) paint_curve(painter, id);
+    if (id != GammaCurveId::front) paint_curve(painter, id);
   }
   paint_chosen(painter);
   if (hasFocus()) paint_focus(painter);

@@ -85,10 +85,18 @@ int typed_value(QSpinBox* box) {
 }
 
 QCheckBox* make_check(const QString& caption, const QString& name, const QString& tooltip,
-                      std::function<void(bool)> clicked) {
+                      std::function<void(bool)> toggled) {
   auto* box = named(new QCheckBox(caption), name.isEmpty() ? caption : name, tooltip);
-  QObject::connect(box, &QCheckBox::clicked, box, std::move(clicked));
+  // Assistive technology toggles without a click.
+  QObject::connect(box, &QCheckBox::toggled, box, std::move(toggled));
   return box;
+}
+
+void on_choice(QButtonGroup* group, std::function<void(int)> chosen) {
+  QObject::connect(group, &QButtonGroup::idToggled, group,
+                   [chosen = std::move(chosen)](int id, bool checked) {
+                     if (checked) chosen(id);
+                   });
 }
 
 QComboBox* make_combo(const QStringList& items, const QString& name, const QString& tooltip,
@@ -121,6 +129,11 @@ void show_value(QSpinBox* box, int value) {
 void show_checked(QAbstractButton* button, bool checked) {
   const QSignalBlocker quiet(button);
   button->setChecked(checked);
+}
+
+void show_choice(QButtonGroup* group, int id) {
+  const QSignalBlocker quiet(group);
+  if (QAbstractButton* button = group->button(id)) button->setChecked(true);
 }
 
 void show_index(QComboBox* combo, int index) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAbstractButton>
+#include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
@@ -48,9 +49,12 @@ void mark_refusals_of(QAbstractSpinBox* box);
 /// What stands in the edit, typed text that was not confirmed included.
 int typed_value(QSpinBox* box);
 
-/// A check box that tells the user's clicks.
+/// A check box that tells when it was switched, by whatever means, but for show_checked().
 QCheckBox* make_check(const QString& caption, const QString& name, const QString& tooltip,
-                      std::function<void(bool checked)> clicked);
+                      std::function<void(bool checked)> toggled);
+
+/// Tells which button of `group` was chosen, by whatever means, but for show_choice().
+void on_choice(QButtonGroup* group, std::function<void(int id)> chosen);
 
 /// A drop-down list that tells the user's choices.
 QComboBox* make_combo(const QStringList& items, const QString& name, const QString& tooltip,
@@ -79,6 +83,8 @@ void keep_wheel_from(QWidget* widget);
 /// Sets a value without the widget telling that it changed.
 void show_value(QSpinBox* box, int value);
 void show_checked(QAbstractButton* button, bool checked);
+/// The same for the button of that number.
+void show_choice(QButtonGroup* group, int id);
 /// Nothing is selected where the list has no such index.
 void show_index(QComboBox* combo, int index);
 

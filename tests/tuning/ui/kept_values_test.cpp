@@ -35,9 +35,8 @@ class KeptValues : public test::PageBench<typename Case::Dialog> {};
 
 using Cases =
     testing::Types<Kept<CDlgAeTune, DynamicValues, encode_dynamic_reply>,
-                   Kept<CDlgIspAwb, AwbValues, encode_awb_reply>,
-                   Kept<CDlgIspGammaRgb, GammaValues, encode_gamma_reply>, KeptPage<CDlgIspLSC, LensPage>,
-                   Kept<CDlgIspMatrix, MatrixValues, encode_matrix_reply>>;
+                   Kept<CDlgIspAwb, AwbValues, encode_awb_reply>, KeptPage<CDlgIspGammaRgb, GammaPage>,
+                   KeptPage<CDlgIspLSC, LensPage>, Kept<CDlgIspMatrix, MatrixValues, encode_matrix_reply>>;
 TYPED_TEST_SUITE(KeptValues, Cases);
 
 TYPED_TEST(KeptValues, OfFileAndChipAreStoredAsTheyCame) {

@@ -1,0 +1,105 @@
+#include "tuning/gamma_desk.h"
+
+#include <utility>
+
+#include "base/delay.h"
+#include "tuning/gamma_curve.h"
+#include "tuning/page_flows.h"
+
+namespace qv5123 {
+namespace {
+
+/// Lets the status line be painted before the save begins.
+constexpr std::chrono::milliseconds kBeforeSave{50};
+
+const char* name_of(GammaCurveId id) {
+  return kGammaCurveNames[static_cast<std::size_t>(id)];
+}
+
+std::string message_of(GammaCurveId id, const GammaCurve& curve) {
+  std::string text = name_of(id);
+  const char* before = ": ";
+  for (const int point : curve) text += std::exchange(before, ", ") + std::to_string(point);
+  return text;
+}
+
+}  // namespace
+
+GammaDesk::GammaDesk(DeskHost& host, UserDataImage& image, double& front_gamma_level)
+    : PageDesk(host, image), front_gamma_level_(front_gamma_level) {
+  if (front_gamma_level_ == 0) front_gamma_level_ = kDefaultFrontGammaLevel;
+  model().load(image);
+}
+
+void GammaDesk::attach(View& view) {
+  TuningDesk::attach(view);
+  gamma_view_ = &view;
+}
+
+Traffic GammaDesk::control_traffic(int control) const {
+  return gamma_curve_traffic(values_, static_cast<GammaCurveId>(control));
+}
+
+void GammaDesk::choose_channel(GammaChannel clicked) {
+  values_.channel = channel_after_click(clicked);
+  view().show_values();
+}
+
+void GammaDesk::compute_end(Prompts& prompts) {
+  view().take_typed();
+  if (set_end_gamma(values_, front_gamma_level_) == GammaResult::invalid)
+    return spawn(prompts.message({"Invalid values."}));
+  view().show_values();
+  for (const GammaCurveId id : selected_curves(values_.channel))
+    gamma_view_->add_message(message_of(id, values_.curve(id)));
+  host().show_status("Gamma values calculated: " + selected_names());
+}
+
+void GammaDesk::compute_front(Prompts& prompts) {
+  view().take_typed();
+  if (set_front_gamma(values_) == GammaResult::invalid) return spawn(prompts.message({"Invalid values"}));
+  host().show_status("Calculate Front Gamma values.");
+  view().show_values();
+}
+
+std::string GammaDesk::selected_names() const {
+  std::string names;
+  for (const GammaCurveId id : selected_curves(values_.channel))
+    names += (names.empty() ? "" : ", ") + std::string(name_of(id));
+  return names;
+}
+
+void GammaDesk::apply() {
+  view().take_typed();
+  host().show_status("Gamma data applying...");
+  spawn(run_apply());
+}
+
+Task<> GammaDesk::run_apply() {
+  PageSave curves;
+  curves.traffic = gamma_apply(values_);
+  curves.done = "Gamma data apply done";
+  co_await save_on_chip(host(), std::move(curves));
+}
+
+void GammaDesk::drag(const GammaHit& points, int value) {
+  move_gamma_point(values_, points, value);
+  gamma_view_->show_moved(points);
+}
+
+void GammaDesk::nudge(const GammaHit& points, int delta) {
+  for (const GammaCurveId id : points.curves) {
+    int& value = values_.curve(id)[points.point];
+    value = spin_gamma_point(value, delta);
+  }
+  gamma_view_->show_moved(points);
+}
+
+Task<> GammaDesk::save() {
+  host().show_status("Gamma Data Saving...");
+  co_await Delay(host().scheduler(), kBeforeSave);
+  view().take_typed();
+  co_await send_save(chip_save(), "Gamma Save Done.");
+}
+
+}  // namespace qv5123

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+#include "support/fake_page_host.h"
+
+namespace qv5123::test {
+
+/// The world around a page's desk: a fake wire, and the main form as a page sees it.
+class DeskBench : public testing::Test {
+ protected:
+  /// What was sent since the last call, once so much time has passed.
+  std::string wire(int milliseconds = 1000) {
+    fake_.advance(milliseconds);
+    const std::string all = fake_.sender.wire();
+    return all.substr(std::exchange(seen_, all.size()));
+  }
+  /// The chip's answer to the load that was started.
+  void answer_load(const std::string& reply) {
+    fake_.advance(60);
+    fake_.receive("~" + reply + "^");
+    fake_.advance(300);
+  }
+  UserDataImage& image() { return host_.doc.user_data; }
+
+  FakeWire fake_;
+  FakePageHost host_{fake_};
+
+ private:
+  std::size_t seen_ = 0;
+};
+
+}  // namespace qv5123::test
