@@ -18,7 +18,7 @@ class OpenLock {
         // A pipe without another end would hold up an open that waits.
         file_(::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600)) {}
   ~OpenLock() {
-    if (locked_ && empty()) ::unlink(path_.c_str());
+    if (ours_ && empty()) ::unlink(path_.c_str());
     if (file_ >= 0) ::close(file_);
   }
   OpenLock(const OpenLock&) = delete;
@@ -28,14 +28,20 @@ class OpenLock {
     struct stat status;
     return file_ >= 0 && ::fstat(file_, &status) == 0 && S_ISREG(status.st_mode);
   }
-  bool lock() { return locked_ = ::flock(file_, LOCK_EX | LOCK_NB) == 0; }
+  bool lock() {
+    const bool locked = ::flock(file_, LOCK_EX | LOCK_NB) == 0;
+    // Where the file system knows no locks, nobody else has it either.
+    ours_ = locked || errno != EWOULDBLOCK;
+    return locked;
+  }
+  bool ours() const { return ours_; }
   /// Whether the file still has its name: who held the lock before may have taken it along meanwhile.
   bool in_place() {
     struct stat own;
     struct stat there;
     const bool same = ::fstat(file_, &own) == 0 && ::stat(path_.c_str(), &there) == 0 &&
                       own.st_ino == there.st_ino && own.st_dev == there.st_dev;
-    if (!same) locked_ = false;
+    if (!same) ours_ = false;
     return same;
   }
 
@@ -47,7 +53,7 @@ class OpenLock {
 
   const std::filesystem::path path_;
   const int file_;
-  bool locked_ = false;
+  bool ours_ = false;  // to take along
 };
 
 }  // namespace
@@ -57,7 +63,7 @@ FileLock lock_file(const std::filesystem::path& path) {
   for (int i = 0; i < kTries; ++i) {
     const auto lock = std::make_shared<OpenLock>(path);
     if (!lock->usable()) return {};
-    if (!lock->lock()) return {nullptr, errno == EWOULDBLOCK};
+    if (!lock->lock()) return {nullptr, !lock->ours()};
     if (lock->in_place()) return {lock};
   }
   return {nullptr, true};
