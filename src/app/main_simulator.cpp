@@ -26,6 +26,7 @@ struct Options {
   std::string scene = kSceneNames[0];
   bool trace = false;
   LineOptions line;
+  int latency = 0;  // ms
   std::vector<std::string> faults;
 };
 
@@ -42,6 +43,9 @@ void declare(CLI::App& app, Options& options) {
                  "Let bytes through no faster than a line of this baud rate")
       ->type_name("BAUD")
       ->check(CLI::Range(1u, 100'000'000u));
+  app.add_option("--latency", options.latency, "Let the chip take this long for everything that it says")
+      ->type_name("MS")
+      ->check(CLI::Range(0, 60'000));
   app.add_option("--scene", options.scene, "What the camera looks at (default chart)")
       ->type_name("KIND")
       ->check(CLI::IsMember(std::vector<std::string>(kSceneNames.begin(), kSceneNames.end())));
@@ -122,6 +126,7 @@ int main(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return error.get_exit_code() == 0 ? app.exit(error) : complain(error.what(), kBadUsage);
   }
+  options.line.latency = std::chrono::milliseconds(options.latency);
   const std::string fault = take_faults(options);
   if (!fault.empty()) return complain(fault, kBadUsage);
   return run(options);

@@ -22,6 +22,7 @@ void earlier(std::optional<TimePoint>& time, std::optional<TimePoint> other) {
 
 BoardLine::BoardLine(SimulatedChip& chip, const LineOptions& options)
     : chip_(chip),
+      latency_(options.latency),
       in_pace_(options.line_rate),
       out_pace_(options.line_rate),
       in_faults_(options.faults, options.seed),
@@ -35,10 +36,17 @@ void BoardLine::put(std::span<const std::uint8_t> bytes, TimePoint now) {
 std::vector<std::uint8_t> BoardLine::take(TimePoint now) {
   pass_to_chip(now);
   announce_if_due(now);
-  out_faults_.put(chip_.take_output(), now);
+  pass_output(now);
   const auto arrived = out_faults_.take(now);
   to_host_.insert(to_host_.end(), arrived.begin(), arrived.end());
   return pop(to_host_, out_pace_.pass(to_host_.size(), now));
+}
+
+void BoardLine::pass_output(TimePoint now) {
+  if (auto bytes = chip_.take_output(); !bytes.empty()) said_.push_back({now + latency_, std::move(bytes)});
+  for (; !said_.empty() && said_.front().due <= now; said_.pop_front()) {
+    out_faults_.put(said_.front().bytes, now);
+  }
 }
 
 void BoardLine::pass_to_chip(TimePoint now) {
@@ -69,6 +77,7 @@ std::optional<TimePoint> BoardLine::next(TimePoint now) const {
   earlier(time, in_faults_.next());
   earlier(time, out_faults_.next());
   earlier(time, out_pace_.next(to_host_.size()));
+  if (!said_.empty()) earlier(time, said_.front().due);
   if (last_byte_ && chip_.transfer_open()) {
     const auto given_up = *last_byte_ + SimulatedChip::kTransferPatience + 4 * in_pace_.byte_time();
     if (given_up > now) earlier(time, given_up);
@@ -89,6 +98,7 @@ bool BoardLine::take_hangup() {
 
 void BoardLine::plug_in() {
   to_chip_.clear();
+  said_.clear();
   to_host_.clear();
   in_faults_.clear();
   out_faults_.clear();

@@ -14,7 +14,8 @@
 namespace qv5123 {
 
 struct LineOptions {
-  unsigned line_rate = 0;  ///< baud; 0: as fast as it comes
+  unsigned line_rate = 0;                ///< baud; 0: as fast as it comes
+  std::chrono::milliseconds latency{0};  ///< from what the chip says to when it leaves the board
   FaultRates faults;
   std::uint64_t seed = 1;
 };
@@ -51,13 +52,21 @@ class BoardLine {
   void pass_to_chip(TimePoint now);
   void pass_silence(TimePoint now);
   void announce_if_due(TimePoint now);
+  void pass_output(TimePoint now);
+
+  struct Said {
+    TimePoint due;
+    std::vector<std::uint8_t> bytes;
+  };
 
   SimulatedChip& chip_;
+  std::chrono::milliseconds latency_;
   LinePacer in_pace_;
   LinePacer out_pace_;
   FaultInjector in_faults_;
   FaultInjector out_faults_;
   std::deque<std::uint8_t> to_chip_;
+  std::deque<Said> said_;
   std::deque<std::uint8_t> to_host_;
   std::optional<TimePoint> last_byte_;
   std::optional<TimePoint> announce_at_;
