@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "base/task.h"
+#include "console/busy_scope.h"
 #include "console/page_host.h"
 #include "link/register_write.h"
 
@@ -40,17 +41,5 @@ Task<bool> save_on_chip(DeskHost& host, PageSave save);
 
 /// Status text at the end of a save on file and chip of which no file was written.
 inline constexpr char kSavedOnChipOnly[] = "Only the chip was saved: no setting file was written.";
-
-/// Tells the host that something lasts which closing the window should ask about.
-class BusyScope {
- public:
-  explicit BusyScope(DeskHost& host) : host_(host) { host_.set_busy(true); }
-  BusyScope(const BusyScope&) = delete;
-  BusyScope& operator=(const BusyScope&) = delete;
-  ~BusyScope() { host_.set_busy(false); }
-
- private:
-  DeskHost& host_;
-};
 
 }  // namespace qv5123
