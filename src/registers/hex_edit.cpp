@@ -46,6 +46,28 @@ void HexEdit::set_text(std::u16string_view text) {
   number_ = ParseRegAddress(text);
 }
 
+std::optional<int> HexEdit::number_in(std::u16string_view text) const {
+  constexpr std::u16string_view kBlanks = u" \t\r\n";
+  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+  text = text.substr(0, text.find_last_not_of(kBlanks) + 1);
+  if (text.starts_with(u"0x") || text.starts_with(u"0X")) text.remove_prefix(2);
+  if (text.empty() || text.size() > static_cast<std::size_t>(digits_)) return std::nullopt;
+  int number = 0;
+  for (const char16_t c : text) {
+    if (!is_hex_digit(c)) return std::nullopt;
+    number = number * 16 + hex_value(c);
+  }
+  return number;
+}
+
+bool HexEdit::take(std::u16string_view text) {
+  const auto number = number_in(text);
+  if (!number) return false;
+  number_ = *number;
+  show_number();
+  return true;
+}
+
 HexEdit::KeyResult HexEdit::press(int code, int caret) {
   if (code < kLowestCode || code > kHighestCode) return KeyResult::ignored;
   if (code == key::kTab || code == key::kClear || (code >= key::kPageDown && code <= key::kLeft) ||

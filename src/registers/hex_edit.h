@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -46,6 +47,12 @@ class HexEdit {
   /// Shows `text` as it is, which need not be of the edit's own form until the next key.
   void set_text(std::u16string_view text);
 
+  /// Takes a text that did not come key by key: hex digits, no more than the edit has, with or without "0x"
+  /// before and blanks around them. False for any other, and then nothing changed.
+  bool take(std::u16string_view text);
+  /// Whether take() would.
+  bool takes(std::u16string_view text) const { return number_in(text).has_value(); }
+
   /// Handles the key `code` with the caret before character `caret`.
   KeyResult press(int code, int caret);
   /// One step up or down, as the arrow keys and the spin do.
@@ -59,6 +66,7 @@ class HexEdit {
 
   bool at_digit(int position) const { return position >= 2 && position < 2 + digits_; }
   bool edit(int code, int& position);
+  std::optional<int> number_in(std::u16string_view text) const;
   void normalise();
   void put_digit(int position, char16_t digit);
   void show_number();

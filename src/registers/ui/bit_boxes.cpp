@@ -18,7 +18,8 @@ BitBoxes::BitBoxes(QWidget* parent)
     auto* box = new QCheckBox(this);
     box->setAccessibleName(tr("Bit %1").arg(bit));
     box->setToolTip(tr("Bit %1 of the value").arg(bit));
-    connect(box, &QCheckBox::clicked, this, [this] { emit clicked(bits()); });
+    // A screen reader toggles a box without a click.
+    connect(box, &QCheckBox::toggled, this, [this] { emit toggled(bits()); });
     boxes_[static_cast<std::size_t>(bit)] = box;
   }
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -32,7 +33,10 @@ int BitBoxes::bits() const {
 }
 
 void BitBoxes::set_bits(int bits) {
-  for (std::size_t bit = 0; bit < boxes_.size(); ++bit) boxes_[bit]->setChecked(bits >> bit & 1);
+  for (std::size_t bit = 0; bit < boxes_.size(); ++bit) {
+    const QSignalBlocker blocker(boxes_[bit]);
+    boxes_[bit]->setChecked(bits >> bit & 1);
+  }
 }
 
 // The label is one text, so its characters are moved apart until a box fits under each digit.

@@ -23,8 +23,8 @@ class BitBoxes final : public QWidget {
   QSize minimumSizeHint() const override { return sizeHint(); }
 
  signals:
-  /// The user clicked a box.
-  void clicked(int bits);
+  /// The user clicked or toggled a box.
+  void toggled(int bits);
 
  protected:
   void resizeEvent(QResizeEvent* event) override;

@@ -251,7 +251,7 @@ void CDlgIspRegister::connect_edits() {
   connect(address_, &CMyHexEdit::edited, this, [this] { desk_.type_address(address_->model().text()); });
   connect(address_, &CMyHexEdit::enter_pressed, this, [this] { desk_.read(); });
   connect(value_, &CMyHexEdit::edited, this, [this] { desk_.type_value(value_->model().text()); });
-  connect(bits_, &BitBoxes::clicked, this, [this](int bits) { desk_.set_bits(bits); });
+  connect(bits_, &BitBoxes::toggled, this, [this](int bits) { desk_.set_bits(bits); });
 }
 
 void CDlgIspRegister::follow_selection() {

@@ -1,5 +1,7 @@
 #include "registers/ui/hex_edits.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QValidator>
 #include <utility>
@@ -9,12 +11,13 @@ namespace {
 
 constexpr int kFirstDigit = 2;  // behind "0x"
 
-// Turns away whatever does not come through the model, such as a paste with the middle mouse button.
-class ModelTextOnly final : public QValidator {
+// Turns away what is no text of the edit's, such as a paste with the middle mouse button into the digits.
+class HexTextOnly final : public QValidator {
  public:
-  ModelTextOnly(const HexEdit& model, QObject* parent) : QValidator(parent), model_(model) {}
+  HexTextOnly(const HexEdit& model, QObject* parent) : QValidator(parent), model_(model) {}
   State validate(QString& input, int&) const override {
-    return input.toStdU16String() == model_.text() ? Acceptable : Invalid;
+    const std::u16string text = input.toStdU16String();
+    return text == model_.text() || model_.takes(text) ? Acceptable : Invalid;
   }
 
  private:
@@ -60,13 +63,25 @@ int code_of(const QKeyEvent& event) {
 }  // namespace
 
 CMyHexEdit::CMyHexEdit(HexEdit model, QWidget* parent) : QLineEdit(parent), model_(std::move(model)) {
-  setValidator(new ModelTextOnly(model_, this));
+  setValidator(new HexTextOnly(model_, this));
   setAcceptDrops(false);
   setDragEnabled(false);
   setContextMenuPolicy(Qt::NoContextMenu);
   setAttribute(Qt::WA_InputMethodEnabled, false);
   show_model();
   setCursorPosition(kFirstDigit);
+  connect(this, &QLineEdit::textChanged, this, &CMyHexEdit::take);
+}
+
+// What the edit shows by itself is the model's already.
+void CMyHexEdit::take(const QString& text) {
+  const std::u16string given = text.toStdU16String();
+  const std::u16string before = model_.text();
+  if (given == before) return;
+  const bool taken = model_.take(given);
+  show_model();
+  setCursorPosition(kFirstDigit);
+  if (taken && model_.text() != before) emit edited();
 }
 
 void CMyHexEdit::show_text(std::u16string_view text) {
@@ -96,6 +111,7 @@ void CMyHexEdit::report_change(const std::u16string& before) {
 
 void CMyHexEdit::keyPressEvent(QKeyEvent* event) {
   if (event->matches(QKeySequence::Copy)) return QLineEdit::keyPressEvent(event);
+  if (event->matches(QKeySequence::Paste)) return take(QGuiApplication::clipboard()->text());
   const std::u16string before = model_.text();
   const int caret = hasSelectedText() ? selectionStart() : cursorPosition();
   const HexEdit::KeyResult result = model_.press(code_of(*event), caret);

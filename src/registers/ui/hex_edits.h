@@ -7,7 +7,8 @@
 
 namespace qv5123 {
 
-/// A line edit that shows a HexEdit: every key goes through it, so the text always is "0x" and its digits.
+/// A line edit that shows a HexEdit: every key goes through it, so the text always is "0x" and its digits. A
+/// text that comes as a whole, pasted or set by a screen reader, is taken or refused as a whole.
 class CMyHexEdit : public QLineEdit {
   Q_OBJECT
 
@@ -33,6 +34,7 @@ class CMyHexEdit : public QLineEdit {
 
  private:
   void show_model();
+  void take(const QString& text);
   void report_change(const std::u16string& before);
 
   HexEdit model_;
