@@ -26,25 +26,29 @@ std::u16string utf16_of(const std::string& bytes) {
 
 class Parser {
  public:
-  explicit Parser(std::u16string text) : scanner_(std::move(text)) {}
+  Parser(std::u16string text, const std::string& name) : scanner_(std::move(text)), name_(name) {}
 
   RegDescription parse() {
     out_.chip = attribute(u"chip");
     scanner_.next_line();
     while (out_.problem.empty() && scanner_.line_starts_with(u"<category")) read_category();
+    if (cut_ > 1) out_.remark += ", and " + std::to_string(cut_ - 1) + " more";
     return std::move(out_);
   }
 
  private:
   std::u16string attribute(std::u16string_view name) {
     const std::u16string_view text = scanner_.attribute(name).value_or(std::u16string_view());
-    if (text.size() <= RegDescription::kMaxText) return std::u16string(text);
-    refuse("more than " + std::to_string(RegDescription::kMaxText) + " characters in a text");
-    return {};
+    if (text.size() > RegDescription::kMaxText && ++cut_ == 1) {
+      out_.remark = place() + "a text of " + std::to_string(text.size()) + " characters is cut to " +
+                    std::to_string(RegDescription::kMaxText);
+    }
+    return std::u16string(text.substr(0, RegDescription::kMaxText));
   }
 
+  std::string place() const { return name_ + ", line " + std::to_string(scanner_.line_number()) + ": "; }
   bool refuse(const std::string& why) {
-    out_.problem = "regu.xml, line " + std::to_string(scanner_.line_number()) + ": " + why;
+    out_.problem = place() + why;
     return false;
   }
   bool room(std::size_t count, std::size_t most, const char* what) {
@@ -53,9 +57,7 @@ class Parser {
 
   void read_category() {
     if (!room(out_.categories.size(), RegDescription::kMaxCategories, "categories")) return;
-    std::u16string name = attribute(u"catname");
-    if (!out_.problem.empty()) return;
-    out_.categories.push_back(std::move(name));
+    out_.categories.push_back(attribute(u"catname"));
     scanner_.next_line();
     int index = 0;
     while (scanner_.line_starts_with(u"<reg")) {
@@ -87,7 +89,7 @@ class Parser {
   }
 
   bool read_bit_fields() {
-    while (out_.problem.empty() && scanner_.line_starts_with(u"<bit")) {
+    while (scanner_.line_starts_with(u"<bit")) {
       if (!room(out_.bit_fields.size(), RegDescription::kMaxBitFields, "bit fields")) return false;
       RegBitField field;
       field.reg = static_cast<int>(out_.registers.size());
@@ -98,10 +100,12 @@ class Parser {
       out_.bit_fields.push_back(std::move(field));
       scanner_.next_line();
     }
-    return out_.problem.empty();
+    return true;
   }
 
   RegScanner scanner_;
+  const std::string& name_;
+  std::size_t cut_ = 0;  // texts
   RegDescription out_;
 };
 
@@ -127,10 +131,10 @@ int ParseRegAddress(std::u16string_view text) {
   return value;
 }
 
-RegDescription RegDescription::load(const std::filesystem::path& path) {
+RegDescription RegDescription::load(const std::filesystem::path& path, const std::string& name) {
   std::string bytes;
   const FileResult result = read_whole_file(path, bytes, kLargest);
-  if (result.ok() && bytes.size() >= 2) return parse(utf16_of(bytes));
+  if (result.ok() && bytes.size() >= 2) return parse(utf16_of(bytes), name);
   std::error_code ignored;
   const bool there = !result.ok() && std::filesystem::is_regular_file(path, ignored);
   RegDescription none;
@@ -138,9 +142,9 @@ RegDescription RegDescription::load(const std::filesystem::path& path) {
   return none;
 }
 
-RegDescription RegDescription::parse(std::u16string text) {
+RegDescription RegDescription::parse(std::u16string text, const std::string& name) {
   const std::size_t length = text.size();
-  RegDescription description = Parser(std::move(text)).parse();
+  RegDescription description = Parser(std::move(text), name).parse();
   description.length = length;
   return description;
 }

@@ -21,11 +21,17 @@ struct RegEntry {
   std::u16string name;
   std::u16string address_text;  ///< as written
   std::u16string reset_text;
-  char write = 0;    ///< low byte of the attribute's first character; 'W' marks a register that is saved
-  int value = -1;    ///< last value known, 0..255; -1 not yet read
-  int address = -1;  ///< of the address text, 0..65535; -1 when that holds no "0x"
+  char write = 0;        ///< low byte of the attribute's first character; 'W' marks a register that is saved
+  int value = -1;        ///< last value known, 0..255; -1 not yet read
+  int address = -1;      ///< of the address text, 0..65535; -1 when that holds no "0x"
+  bool written = false;  ///< by hand, since the value became known
 
   bool saved() const { return write == 'W'; }
+  /// Takes what was read from the chip, or is on its way there from a file; -1 forgets.
+  void know(int now) {
+    value = now;
+    written = false;
+  }
 };
 
 /// A group of bits of a register. Description and sample may hold CR LF line breaks.
@@ -57,18 +63,22 @@ struct RegDescription {
   static constexpr std::size_t kMaxCategories = 32;
   static constexpr std::size_t kMaxRegisters = 2048;
   static constexpr std::size_t kMaxBitFields = 4096;
-  /// Characters of a name or text: a line of 16 for each of 256 values. Longer ones would hold up the window.
+  /// Characters of a name or text that are kept: a line of 16 for each of 256 values. More would hold up the
+  /// window.
   static constexpr std::size_t kMaxText = 4096;
   /// Bytes of the file: a thousand characters of text for each bit field, twice over.
   static constexpr std::uintmax_t kLargest = std::uintmax_t{16} << 20;
   /// What problem says when there is no file, or one of less than two bytes.
   static constexpr std::string_view kNotFound = "Can't find regu.xml!";
 
-  /// Reads the file. `path` is relative to the current directory.
-  static RegDescription load(const std::filesystem::path& path = "regu.xml");
-  /// Reads a file's text. A description beyond the limits above, or a register without `write`, ends it with
-  /// a problem that names the line; the registers before it are kept.
-  static RegDescription parse(std::u16string text);
+  /// Reads the file. `path` is relative to the current directory; `name` is what problems and remarks call
+  /// it.
+  static RegDescription load(const std::filesystem::path& path = "regu.xml",
+                             const std::string& name = "regu.xml");
+  /// Reads a file's text. More categories, registers or bit fields than above, or a register without `write`,
+  /// end it with a problem that names the line; the registers before it are kept. A text that is too long is
+  /// cut, with a remark.
+  static RegDescription parse(std::u16string text, const std::string& name = "regu.xml");
 
   /// Indexes into a table, [first, last).
   struct Range {
@@ -88,6 +98,7 @@ struct RegDescription {
   std::vector<RegEntry> registers;
   std::vector<RegBitField> bit_fields;
   std::string problem;  ///< what went wrong, in words; empty when all of the file was read
+  std::string remark;   ///< what was left out although all was read; empty when nothing was
 };
 
 }  // namespace qv5123
