@@ -14,6 +14,8 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kLookEvery{10};
+/// Of other programs that had the port a moment ago, and this one's.
+constexpr int kMostGreetings = 8;
 
 std::string port_name(const GlobalOptions& globals) {
   return globals.simulate ? "the simulated chip" : globals.port;
@@ -79,7 +81,9 @@ Task<> Chip::main(Begin begin, const Work& work) {
     const LineSettings line;
     const OpenResult opened = co_await session_->open(name, line);
     if (!opened.ok()) throw Complaint{kPortFailed, opened.text};
+    const Signs before = signs();
     if (begin == Begin::after_greeting) co_await wait_for_quiet(kGreeting, kLongestGreeting);
+    greeted_ = signs() != before;
     result_ = co_await work(*this);
   } catch (...) {
     failure_ = std::current_exception();
@@ -90,9 +94,29 @@ Chip::Signs Chip::signs() {
   return {console_received_, link().reply().index(), link().reply().state()};
 }
 
+// A slow chip's greeting comes where the first answer is looked for, and so may one from the time when
+// another program had the port. Each is a block with text before it; the answer comes behind them.
+Task<std::string> Chip::behind_greeting(std::string reply, bool greeting, milliseconds took) {
+  for (int greetings = 0; greetings < kMostGreetings; ++greetings) {
+    const std::size_t said = console_received_;
+    const milliseconds wait = greeting ? timeout() : took + kGreeting;
+    std::optional<std::string> next = co_await link().next_block(wait);
+    if (!next) break;
+    reply = std::move(*next);
+    greeting = said != console_received_;
+  }
+  co_return std::move(reply);
+}
+
 Task<std::string> Chip::ask(Batch request, std::string what) {
+  const milliseconds asked = scheduler_.now();
+  const std::size_t said = console_received_;
   std::optional<std::string> reply = co_await link().request(std::move(request), timeout());
   if (!reply) throw Complaint{kNegative, what + ": the chip did not answer"};
+  const bool greeting = said != console_received_;
+  const bool doubtful = first_ask_ && (greeting || !greeted_);
+  first_ask_ = false;
+  if (doubtful) reply = co_await behind_greeting(std::move(*reply), greeting, scheduler_.now() - asked);
   if (!whole_bytes(*reply)) throw Complaint{kNegative, what + ": the answer was damaged on the line"};
   co_return std::move(*reply);
 }
@@ -105,17 +129,22 @@ Task<> Chip::send(Traffic traffic) {
 }
 
 Task<bool> Chip::send_and_listen(Batch batch) {
+  const bool heard = co_await send_and_hear(std::move(batch));
+  if (!heard) co_return false;
+  co_await wait_for_quiet(kQuiet, milliseconds::max());
+  co_return true;
+}
+
+Task<bool> Chip::send_and_hear(Batch batch) {
   link().reply().forget();
   const Signs before = signs();
   co_await send(one_flush(std::move(batch)));
   const milliseconds sent = scheduler_.now();
   while (signs() == before && scheduler_.now() - sent < timeout()) co_await Delay(scheduler_, kLookEvery);
-  if (signs() == before) co_return false;
-  co_await wait_for_quiet(kQuiet, milliseconds::max());
-  co_return true;
+  co_return signs() != before;
 }
 
-Task<> Chip::wait_for_quiet(milliseconds quiet, milliseconds longest) {
+Task<bool> Chip::wait_for_quiet(milliseconds quiet, milliseconds longest) {
   const milliseconds start = scheduler_.now();
   milliseconds heard = start;
   Signs last = signs();
@@ -125,6 +154,7 @@ Task<> Chip::wait_for_quiet(milliseconds quiet, milliseconds longest) {
     last = signs();
     heard = scheduler_.now();
   }
+  co_return scheduler_.now() - heard >= quiet;
 }
 
 ExitCode run_on_chip(Context& context, const Chip::Work& work, Chip::Begin begin) {

@@ -51,8 +51,10 @@ class Chip {
   Task<> send(Traffic traffic);
   /// Sends and waits until the chip has said what it has to say. False when it said nothing.
   Task<bool> send_and_listen(Batch batch);
-  /// Waits until the line has been quiet for `quiet`, for at most `longest`.
-  Task<> wait_for_quiet(std::chrono::milliseconds quiet, std::chrono::milliseconds longest);
+  /// Sends and waits for the chip's first sign. False when there was none.
+  Task<bool> send_and_hear(Batch batch);
+  /// Waits until the line has been quiet for `quiet`, for at most `longest`. False when it has not.
+  Task<bool> wait_for_quiet(std::chrono::milliseconds quiet, std::chrono::milliseconds longest);
 
   /// Gets the console text of the chip, 8-bit characters. Until it is set the text is dropped.
   void on_console(std::function<void(const std::string&)> take) { take_console_ = std::move(take); }
@@ -76,6 +78,7 @@ class Chip {
   PortSessionEvents session_events();
   void take_interrupt();
   Task<> main(Begin begin, const Work& work);
+  Task<std::string> behind_greeting(std::string reply, bool greeting, std::chrono::milliseconds took);
 
   Context& context_;
   LoopScheduler scheduler_;
@@ -88,6 +91,8 @@ class Chip {
   bool stopped_ = false;
   bool only_prints_ = false;
   bool gone_ = false;
+  bool greeted_ = false;
+  bool first_ask_ = true;
   std::size_t console_received_ = 0;
   ExitCode result_ = kDone;
   std::exception_ptr failure_;

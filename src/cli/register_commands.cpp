@@ -47,6 +47,11 @@ void check_address(Access access, int address) {
   if (access != Access::Sensor) check_isp_address("ADDR", address);
 }
 
+/// What reaches the chip of an address: of the ISP's own the low 12 bits, whichever way it was written.
+int sent_address(Access access, int address) {
+  return access == Access::Sensor ? address : address & 0xFFF;
+}
+
 int shown_address(Access access, int address) {
   return access == Access::Sensor ? address : 0xF000 | (address & 0xFFF);
 }
@@ -60,8 +65,8 @@ Task<ExitCode> read(Chip& chip, const AccessOptions& options) {
   Json json = Json::array();
   for (const int address : options.numbers) {
     const int shown = shown_address(options.access(), address);
-    const std::string reply =
-        co_await chip.ask(read_request(options.access(), address), hex(static_cast<unsigned>(shown), 4));
+    Batch request = read_request(options.access(), sent_address(options.access(), address));
+    const std::string reply = co_await chip.ask(std::move(request), hex(static_cast<unsigned>(shown), 4));
     const auto field = answer_field(options.access(), reply);
     if (!field)
       throw Complaint{kNegative, hex(static_cast<unsigned>(shown), 4) + ": the answer is too short"};
@@ -108,7 +113,8 @@ ExitCode run_write(Context& context, const AccessOptions& options) {
   Traffic traffic;
   for (const Pair& pair : pairs(options.numbers, options.access() == Access::IspByte ? 0xFF : 0xFFFF)) {
     check_address(options.access(), pair.address);
-    traffic.push_back(write_batch(options.access(), pair.address, pair.value));
+    const int address = sent_address(options.access(), pair.address);
+    traffic.push_back(write_batch(options.access(), address, pair.value));
   }
   return run_on_chip(context, [&traffic](Chip& chip) { return send_all(chip, traffic); });
 }
@@ -143,6 +149,17 @@ Json registers_of(const std::string& text) {
   return json;
 }
 
+/// Listens until the chip has finished. One that goes on and on is given up after the timeout, counted anew
+/// while more registers come: a long dump takes its time.
+Task<> hear_out(Chip& chip, const std::string& text) {
+  std::size_t registers = 0;
+  while (!co_await chip.wait_for_quiet(Chip::kQuiet, chip.timeout())) {
+    const std::size_t now = registers_of(text).size();
+    if (now == registers) co_return;
+    registers = now;
+  }
+}
+
 Task<ExitCode> dump(Chip& chip, const DumpOptions& options) {
   std::string text;
   chip.only_print();
@@ -150,9 +167,10 @@ Task<ExitCode> dump(Chip& chip, const DumpOptions& options) {
     text += received;
     chip.out().text(printable(received));
   });
-  if (!co_await chip.send_and_listen(dump_request(options.start, options.end))) {
-    throw Complaint{kNegative, "The chip did not answer"};
-  }
+  Batch request = dump_request(options.start & 0xFFF, options.end & 0xFFF);
+  const bool heard = co_await chip.send_and_hear(std::move(request));
+  if (!heard) throw Complaint{kNegative, "The chip did not answer"};
+  co_await hear_out(chip, text);
   // Some chips answer in a block instead of in words.
   if (const auto block = chip.link().reply().take_block()) {
     const std::string lines = dump_text(options.start, options.end, *block);

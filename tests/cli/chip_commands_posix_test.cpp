@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <map>
+#include <thread>
 
 #include "cli/ctl_test.h"
 #include "support/program_posix.h"
@@ -29,6 +30,40 @@ TEST_F(CtlTest, RegistersOfEveryKind) {
   EXPECT_EQ(on_board({"reg", "read", "0xF922"}).out, "0xF922 = 0x11\n");
 }
 
+TEST_F(CtlTest, OfAnIspAddressTwelveBitsAreSent) {
+  for (const auto& [command, frames] : std::map<std::vector<std::string>, std::string>{
+           {{"reg", "read", "--wide", "0xF922"}, "|@9709*@9722*|"},
+           {{"reg", "write", "--wide", "0xF922", "0x5A07"}, "|@9509*@9522*@965a*@9607*|"},
+           {{"reg", "dump", "0xF922", "0xF923"}, "|@9b09*@9b22*@9b09*@9b23*|"},
+           {{"reg", "write", "--sensor", "0xF922", "1"}, "|@98f9*@9822*@9900*@9901*|"}}) {
+    std::vector<std::string> words = command;
+    words.insert(words.end(), {"--simulate", "--trace", "trace.txt"});
+    EXPECT_EQ(ctl(words).code, 0);
+    EXPECT_THAT(folder.read("trace.txt"), HasSubstr(frames));
+  }
+}
+
+TEST_F(CtlTest, ASlowChipsValuesStayWithTheirRegisters) {
+  plug_in({"--latency", "300"});
+  EXPECT_EQ(on_board({"reg", "write", "0x801", "1", "0x802", "2", "0x803", "3"}).code, 0);
+  EXPECT_EQ(on_board({"reg", "read", "0x801", "0x802", "0x803"}).out,
+            "0xF801 = 0x01\n0xF802 = 0x02\n0xF803 = 0x03\n");
+}
+
+TEST_F(CtlTest, ADumpOfAChipThatChatsEndsAfterTheTimeout) {
+  const int chip = ::posix_openpt(O_RDWR | O_NOCTTY);
+  ASSERT_TRUE(chip >= 0 && ::grantpt(chip) == 0 && ::unlockpt(chip) == 0);
+  std::jthread chat([chip](const std::stop_token& end) {
+    for (; !end.stop_requested(); std::this_thread::sleep_for(std::chrono::milliseconds(50)))
+      EXPECT_NE(::write(chip, "so\r\n", 4), 0);
+  });
+  const auto dump = ctl({"reg", "dump", "1", "2", "--timeout", "300", "--port", ::ptsname(chip)});
+  chat = {};
+  ::close(chip);
+  EXPECT_EQ(dump.code, 0) << dump.err;
+  EXPECT_THAT(dump.out, StartsWith("so\n"));
+}
+
 TEST_F(CtlTest, ReadsAreDrivenByTheReply) {
   plug_in({});
   constexpr int kCount = 40;
@@ -50,6 +85,12 @@ TEST_F(CtlTest, RegisterFiles) {
   folder.write("odd.xml", odd);
   EXPECT_THAT(ctl({"--json", "reg", "list", "--description", "odd.xml", "--find", "ain_max_h"}).out,
               HasSubstr("\"\\u009bAIN_MAX_H\""));
+
+  std::string cut_off = folder.read("regu.xml");
+  cut_off.replace(cut_off.find(std::string("w\0r\0i\0t\0e\0", 10)), 2, std::string("v\0", 2));
+  folder.write("cut.xml", cut_off);
+  EXPECT_THAT(ctl({"reg", "list", "--description", "cut.xml"}).err,
+              MatchesRegex("qv5123ctl: cut.xml, line [0-9]+: register without \"write\"\n"));
 
   plug_in();
   EXPECT_EQ(on_board({"reg", "save", "regs.txt", "--category", "Auto exposure"}).code, 0);
