@@ -14,6 +14,7 @@ std::string ReplyBuffer::decode(std::span<const std::uint8_t> received) {
         state_ = State::in_block;
         index_ = 0;
         received_ = 0;
+        ++blocks_;
         break;
       case '^':
         if (state_ == State::in_block) state_ = State::complete;
@@ -46,16 +47,21 @@ std::optional<std::string> ReplyBuffer::take_block() {
 }
 
 std::optional<int> ReplyBuffer::take_last_pair() {
+  const auto pair = take_last_two();
+  return pair ? std::optional(reply_byte_at(*pair, 0)) : std::nullopt;
+}
+
+std::optional<std::string> ReplyBuffer::take_last_two() {
   if (index_ < 2) return std::nullopt;
-  const int value = reply_byte_at({text_.data(), kSize}, index_ - 2);
   index_ -= 2;
-  return value;
+  return std::string(text_.data() + index_, 2);
 }
 
 void ReplyBuffer::forget() {
   state_ = State::idle;
   index_ = 0;
   received_ = 0;
+  blocks_ = 0;
 }
 
 void ReplyBuffer::clear() {

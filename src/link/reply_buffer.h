@@ -30,6 +30,10 @@ class ReplyBuffer {
   /// The next write position, which is how many characters the block holds unless it filled the buffer.
   std::size_t index() const { return index_; }
 
+  /// How many blocks have begun since forget(). Answers do not say what they answer, so that whoever asks for
+  /// the same thing twice counts them.
+  std::size_t blocks() const { return blocks_; }
+
   /// The complete block's characters, at most 500, and back to idle. Nothing when none is complete, or when
   /// it overwrote its start.
   std::optional<std::string> take_block();
@@ -40,6 +44,8 @@ class ReplyBuffer {
   /// The value of the last two characters stored, 0..255; nothing when fewer than two are there. Lowers the
   /// index by two, so that the same pair is not taken twice.
   std::optional<int> take_last_pair();
+  /// The same two characters as they are.
+  std::optional<std::string> take_last_two();
 
   /// Drops what was received. Called before a request, so that a late answer to an earlier one is not taken
   /// for its reply. A block that is just arriving is dropped with it.
@@ -53,6 +59,7 @@ class ReplyBuffer {
   std::array<char, kSize> text_{};
   std::size_t index_ = 0;
   std::size_t received_ = 0;  // characters of the block, those overwritten included
+  std::size_t blocks_ = 0;
   State state_ = State::idle;
 };
 

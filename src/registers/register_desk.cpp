@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "console/busy_scope.h"
 #include "link/indirect_access.h"
 #include "registers/register_file.h"
 
@@ -26,6 +27,26 @@ std::string lost_text(std::size_t lost) {
          " did not reach the chip: load the file again.";
 }
 
+constexpr const char* kNoAnswer = ": no answer";
+constexpr const char* kDamaged = ": the answer was damaged on the line";
+
+std::string counted(std::size_t registers) {
+  return std::to_string(registers) + (registers == 1 ? " register" : " registers");
+}
+
+std::string written_text(std::size_t written) {
+  return std::string(written == 1 ? " was" : " were") + " written since " +
+         (written == 1 ? "it was" : "they were") + " read";
+}
+
+std::string saved_text(const std::filesystem::path& path, const SavedRegisters& registers) {
+  std::string text = path_text(path.filename()) + ": " + counted(registers.saved) + " saved";
+  if (registers.unread > 0) text += ", " + std::to_string(registers.unread) + " never read and left out";
+  if (registers.written > 0)
+    text += ", " + std::to_string(registers.written) + written_text(registers.written);
+  return text;
+}
+
 Message warning(const std::string& text) {
   Message message;
   message.text = text;
@@ -36,7 +57,7 @@ Message warning(const std::string& text) {
 }  // namespace
 
 RegisterDesk::RegisterDesk(PageHost& host, RegisterView& view)
-    : host_(host), view_(view), loader_(host.link(), sheet_, view) {}
+    : host_(host), view_(view), reader_(host.link()), loader_(host, reader_, sheet_, view) {}
 
 void RegisterDesk::open() {
   // Named now: the current directory may be another one by the time it is read.
@@ -54,6 +75,7 @@ void RegisterDesk::describe(RegDescription description) {
   view_.show_description();
   if (!sheet_.description().categories.empty()) choose_category(0);
   if (!sheet_.description().problem.empty()) say(sheet_.description().problem);
+  if (!sheet_.description().remark.empty()) host_.show_status(sheet_.description().remark);
 }
 
 void RegisterDesk::say(const std::string& text) {
@@ -89,21 +111,75 @@ void RegisterDesk::read() {
 }
 
 Task<> RegisterDesk::single_read(int address) {
-  CommandLink& link = host_.link();
-  const CommandLink::Turn turn = co_await link.turn();
-  co_await link.send_request(isp_read_request(address));
-  co_await link.delay(kReadWait);
-  const auto value = link.reply().take_last_pair();
-  if (!value) co_return;
-  sheet_.show_read(*value);
+  answer_is_late_ = false;
+  const CommandLink::Turn turn = co_await host_.link().turn();
+  co_await reader_.ask(address, turn);
+  co_await host_.link().delay(kReadWait);
+  RegisterAnswer answer = reader_.look();
+  if (!answer.came()) answer = co_await late_answer();
+  show_answer(address, answer);
+}
+
+// The value shown until now may be another register's.
+Task<RegisterAnswer> RegisterDesk::late_answer() {
+  answer_is_late_ = true;
+  sheet_.show_unread();
+  show_value();
+  RegisterAnswer answer;
+  for (auto waited = kReadWait; waited < RegisterReader::kPatience && reader_.asked() && !answer.came();
+       waited += kReadWait) {
+    co_await host_.link().delay(kReadWait);
+    answer = reader_.look();
+  }
+  answer_is_late_ = false;
+  co_return answer;
+}
+
+void RegisterDesk::show_answer(int address, const RegisterAnswer& answer) {
+  if (answer.has_value()) {
+    sheet_.show_read(answer.value);
+    if (read_failed_) host_.show_status(address_name(address) + ": answered");
+  } else {
+    sheet_.show_unread();
+    // Of a chip that is gone the main form tells.
+    if (reader_.asked()) host_.show_failure(address_name(address) + (answer.came() ? kDamaged : kNoAnswer));
+  }
+  read_failed_ = !answer.has_value() && reader_.asked();
+  show_value();
+}
+
+void RegisterDesk::show_value() {
   view_.show_value();
   view_.show_data();
   if (sheet_.current_row() >= 0) view_.show_value_cell(sheet_.current_row());
 }
 
+// What the user does meanwhile counts for more than an answer to what was before.
+void RegisterDesk::drop_late_answer() {
+  if (!answer_is_late_) return;
+  answer_is_late_ = false;
+  read_.cancel();
+}
+
 void RegisterDesk::write() {
   const int address = ParseRegAddress(sheet_.address_text());
   if (address <= 0) return;
+  drop_late_answer();
+  if (ParseRegAddress(sheet_.value_text()) >= 0) return write_to(address);
+  // An answer that came while the question stands would change what is asked.
+  read_.cancel();
+  if (!write_.running()) write_.start(write_unknown(address));
+}
+
+Task<> RegisterDesk::write_unknown(int address) {
+  Question question;
+  question.text = address_name(address) + " has no value yet: none was read or typed.\nWrite 0xFF to it?";
+  question.buttons = Question::Buttons::yes_no;
+  const Answer answer = co_await host_.prompts().ask(std::move(question));
+  if (answer == Answer::yes) write_to(address);
+}
+
+void RegisterDesk::write_to(int address) {
   host_.link().send(isp_write(address, ParseRegAddress(sheet_.value_text())));
   sheet_.show_written();
   view_.show_data();
@@ -121,11 +197,13 @@ void RegisterDesk::type_address(std::u16string_view text) {
 }
 
 void RegisterDesk::type_value(std::u16string_view text) {
+  drop_late_answer();
   sheet_.type_value(text);
   view_.show_value();
 }
 
 void RegisterDesk::set_bits(int bits) {
+  drop_late_answer();
   sheet_.set_bits(bits);
   view_.show_value();
 }
@@ -138,8 +216,37 @@ Task<> RegisterDesk::save_file_flow() {
   FileChoice choice = register_file_choice();
   const auto path = co_await host_.prompts().choose_save(std::move(choice));
   if (!path) co_return;
+  co_await offer_to_read_written();
+  const std::string outcome = saved_text(*path, saved_registers(sheet_.description()));
   const FileResult result = co_await save_register_file(host_.background(), *path, sheet_.description());
-  if (!result.ok()) say(result.text);
+  if (result.ok()) {
+    host_.show_status(outcome);
+  } else {
+    say(result.text);
+  }
+}
+
+Task<> RegisterDesk::offer_to_read_written() {
+  const std::size_t written = saved_registers(sheet_.description()).written;
+  if (written == 0) co_return;
+  Question question;
+  question.text = counted(written) + written_text(written) +
+                  ". The file gets the values that were read.\nRead them again first?";
+  question.buttons = Question::Buttons::yes_no;
+  const Answer answer = co_await host_.prompts().ask(std::move(question));
+  if (answer == Answer::yes) co_await read_written();
+}
+
+// One that does not answer keeps the value it has.
+Task<> RegisterDesk::read_written() {
+  for (std::size_t reg = 0; reg < sheet_.description().registers.size(); ++reg) {
+    const RegEntry& entry = sheet_.description().registers[reg];
+    if (!entry.saved() || !entry.written || entry.address <= 0) continue;
+    const RegisterAnswer answer = co_await loader_.read(entry.address);
+    if (!answer.has_value()) continue;
+    sheet_.store(reg, answer.value);
+    if (entry.category == sheet_.category()) view_.show_value_cell(entry.index_in_category);
+  }
 }
 
 void RegisterDesk::load_file() {
@@ -155,6 +262,7 @@ Task<> RegisterDesk::load_file_flow() {
     say(loaded.result.text);
     co_return;
   }
+  const BusyScope busy(host_);
   const RegisterFile& file = loaded.file;
   if (file.skipped > 0) host_.show_status(skipped_text(*path, file));
   loader_.enable_load_file(false);
@@ -162,7 +270,11 @@ Task<> RegisterDesk::load_file_flow() {
   const unsigned connection = host_.link().connection();
   const std::size_t lost = co_await loader_.write_known(matches);
   const bool forgotten = host_.link().connection() != connection;
-  if (lost > 0 || forgotten) host_.show_status(lost_text(lost));
+  if (lost > 0 || forgotten) {
+    host_.show_status(lost_text(lost));
+  } else if (file.skipped == 0) {
+    host_.show_status(path_text(path->filename()) + ": " + counted(sheet_.known()) + " sent");
+  }
   if (sheet_.category() >= 0) choose_category(sheet_.category());
   loader_.enable_load_file(true);
 }

@@ -16,7 +16,8 @@ namespace qv5123 {
 /// view is told what changed.
 class RegisterDesk {
  public:
-  /// From the request of a single read to the look for its reply.
+  /// From the request of a single read to the look for its reply. A slower chip is looked for as often as
+  /// RegisterReader::kPatience allows.
   static constexpr std::chrono::milliseconds kReadWait{150};
 
   RegisterDesk(PageHost& host, RegisterView& view);
@@ -32,10 +33,12 @@ class RegisterDesk {
 
   void choose_category(int category);
   void select_row(int row);
-  /// Reads the register at the address, which must be above 0; otherwise nothing happens.
+  /// Reads the register at the address, which must be above 0; otherwise nothing happens. A register that
+  /// does not answer shows no value, and the status bar says so.
   void read();
   bool reading() const { return read_.running(); }
-  /// Writes the value to the address, which must be above 0; otherwise nothing happens.
+  /// Writes the value to the address, which must be above 0; otherwise nothing happens. Asks first where
+  /// there is no value, which would be written as 0xFF.
   void write();
   void type_address(std::u16string_view text);
   void type_value(std::u16string_view text);
@@ -43,7 +46,11 @@ class RegisterDesk {
 
   void load_category() { loader_.load_category(); }
   void load_all() { loader_.load_all(); }
+  /// Ends both sequences.
+  void stop() { loader_.stop(); }
+  /// Saves the registers read so far, and says how many. Those written since may be read again before.
   void save_file();
+  /// Writes a file's registers to the chip. Closing the window asks meanwhile.
   void load_file();
   /// Stores the registers 0xF800..0xFFFF in the chip's flash. The page's button for it is disabled.
   void write_flash();
@@ -51,7 +58,15 @@ class RegisterDesk {
  private:
   Task<> read_description(std::filesystem::path path);
   Task<> single_read(int address);
+  Task<RegisterAnswer> late_answer();
+  void show_answer(int address, const RegisterAnswer& answer);
+  void show_value();
+  void drop_late_answer();
+  Task<> write_unknown(int address);
+  void write_to(int address);
   Task<> save_file_flow();
+  Task<> offer_to_read_written();
+  Task<> read_written();
   Task<> load_file_flow();
   void show_current();
   void say(const std::string& text);
@@ -59,10 +74,14 @@ class RegisterDesk {
   PageHost& host_;
   RegisterView& view_;
   RegisterSheet sheet_;
+  RegisterReader reader_;
   RegisterLoader loader_;
   FlashImage flash_;
+  bool answer_is_late_ = false;  ///< of the single read that runs
+  bool read_failed_ = false;     ///< the last one, and the status bar says so
   Flow open_;
   Flow read_;
+  Flow write_;
   Flow save_;
   Flow load_;
   FlowSet messages_;

@@ -95,6 +95,16 @@ std::string register_file_text(const RegDescription& description) {
   return text;
 }
 
+SavedRegisters saved_registers(const RegDescription& description) {
+  SavedRegisters registers;
+  for (const RegEntry& entry : description.registers) {
+    if (!entry.saved()) continue;
+    ++(entry.value < 0 ? registers.unread : registers.saved);
+    if (entry.written) ++registers.written;
+  }
+  return registers;
+}
+
 Task<FileResult> save_register_file(Background& background, std::filesystem::path path,
                                     const RegDescription& description) {
   std::function<FileResult()> work = [path = std::move(path), text = register_file_text(description)] {
@@ -128,7 +138,7 @@ std::size_t apply_register_file(const RegisterFile& file, RegDescription& descri
   std::size_t matches = 0;
   for (RegEntry& entry : description.registers) {
     const Given last = entry.address < 0 ? Given() : given[static_cast<std::size_t>(entry.address)];
-    entry.value = last.value;
+    entry.know(last.value);
     matches += last.lines;
   }
   return matches;

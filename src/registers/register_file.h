@@ -39,6 +39,14 @@ struct RegisterFile {
 /// byte of each of their first 256 characters.
 std::string register_file_text(const RegDescription& description);
 
+/// What of the registers that are marked as saved goes into a file.
+struct SavedRegisters {
+  std::size_t saved = 0;
+  std::size_t unread = 0;   ///< left out
+  std::size_t written = 0;  ///< of those saved: written by hand since, the file has the value that was read
+};
+SavedRegisters saved_registers(const RegDescription& description);
+
 /// Writes the registers as they are now.
 Task<FileResult> save_register_file(Background& background, std::filesystem::path path,
                                     const RegDescription& description);

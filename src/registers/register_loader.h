@@ -2,16 +2,18 @@
 
 #include <chrono>
 #include <cstddef>
-#include <functional>
+#include <string>
 
-#include "link/command_link.h"
+#include "console/page_host.h"
+#include "registers/register_reader.h"
 #include "registers/register_sheet.h"
 #include "registers/register_view.h"
 
 namespace qv5123 {
 
 /// The page's long sequences: reading a category or all registers from the chip, and writing the known values
-/// to it. They run on the scheduler, so the window stays live and other requests come in between.
+/// to it. They run on the scheduler, so the window stays live and other requests come in between. The status
+/// bar tells where a sequence stands still, and what came of it.
 class RegisterLoader {
  public:
   /// From one request of a sequence to the next. A request without a reply is repeated, without limit.
@@ -21,17 +23,24 @@ class RegisterLoader {
   /// Between the writes of a register file.
   static constexpr std::chrono::milliseconds kWriteWait{40};
 
-  RegisterLoader(CommandLink& link, RegisterSheet& sheet, RegisterView& view)
-      : link_(link), sheet_(sheet), view_(view) {}
+  RegisterLoader(PageHost& host, RegisterReader& reader, RegisterSheet& sheet, RegisterView& view)
+      : host_(host), reader_(reader), sheet_(sheet), view_(view) {}
 
   const RegisterButtons& buttons() const { return buttons_; }
 
   /// Reads the registers of the shown category. A row whose address is 0 or none halts it for good, with its
-  /// button disabled until the category is chosen again.
+  /// button disabled until the category is chosen again, or stop().
   void load_category();
   void stop_category();
-  /// Reads every register. A register whose address is 0 or none halts it, with its button disabled.
+  /// Reads every register. A register whose address is 0 or none halts it, with its button disabled until
+  /// stop().
   void load_all();
+  /// Ends both sequences, wherever they have come to, and makes their buttons live again.
+  void stop();
+
+  /// Reads the register as a sequence does, the request repeated until the answer comes. None when it has not
+  /// come within RegisterReader::kPatience.
+  Task<RegisterAnswer> read(int address);
 
   void enable_load_file(bool enable);
   /// Writes every register whose value is known, and tells how many of them did not leave. `matches` stands
@@ -41,13 +50,19 @@ class RegisterLoader {
  private:
   Task<> category_sequence();
   Task<> all_sequence();
-  Task<bool> step(int address, bool repeated, std::function<void(int)> take);
+  Task<int> value_of(int address);
   void show_cell(std::size_t reg);
+  void halt(const char* button, std::size_t reg, const char* remedy);
+  void end_all();
+  void show_buttons();
 
-  CommandLink& link_;
+  PageHost& host_;
+  RegisterReader& reader_;
   RegisterSheet& sheet_;
   RegisterView& view_;
   RegisterButtons buttons_;
+  std::size_t loaded_category_ = 0;  ///< registers that the sequence has read
+  std::size_t loaded_all_ = 0;
   Flow category_;
   Flow all_;
 };

@@ -1,5 +1,6 @@
 #include "registers/register_sheet.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "registers/hex_edit.h"
@@ -86,19 +87,33 @@ void RegisterSheet::set_bits(int bits) {
 
 void RegisterSheet::show_read(int value) {
   set_bits(value);
-  if (current_ < description_.registers.size()) description_.registers[current_].value = value;
+  if (current_ < description_.registers.size()) description_.registers[current_].know(value);
   show_data(value);
   if (current_row_ >= 0) value_cells_[static_cast<std::size_t>(current_row_)] = value_text_;
+}
+
+void RegisterSheet::show_unread() {
+  value_text_.clear();
+  clear_data();
+  if (current_row_ >= 0) value_cells_[static_cast<std::size_t>(current_row_)].clear();
 }
 
 void RegisterSheet::show_written() {
   if (current_row_ >= 0) value_cells_[static_cast<std::size_t>(current_row_)] = value_text_;
   show_data(ParseRegAddress(value_text_) & 0xFF);
+  mark_written(ParseRegAddress(address_text_));
+}
+
+// Of an address only the low 12 bits reach the chip.
+void RegisterSheet::mark_written(int address) {
+  for (RegEntry& entry : description_.registers) {
+    if (entry.address >= 0 && (entry.address & 0xFFF) == (address & 0xFFF)) entry.written = entry.value >= 0;
+  }
 }
 
 void RegisterSheet::store(std::size_t reg, int value) {
   RegEntry& entry = description_.registers[reg];
-  entry.value = value;
+  entry.know(value);
   if (entry.category == category_) {
     value_cells_[static_cast<std::size_t>(entry.index_in_category)] = hex_text(value, 2);
   }
@@ -106,6 +121,12 @@ void RegisterSheet::store(std::size_t reg, int value) {
 
 std::size_t RegisterSheet::apply(const RegisterFile& file) {
   return apply_register_file(file, description_);
+}
+
+std::size_t RegisterSheet::known() const {
+  const auto known =
+      std::ranges::count_if(description_.registers, [](auto& entry) { return entry.value >= 0; });
+  return static_cast<std::size_t>(known);
 }
 
 const RegBitField* RegisterSheet::field(std::size_t row) const {

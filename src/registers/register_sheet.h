@@ -61,13 +61,17 @@ class RegisterSheet {
 
   /// A value that was read from the current register's address.
   void show_read(int value);
-  /// The value text was written to the address: what is shown changes, what is known of the register does
-  /// not.
+  /// The current register's address has not answered: it shows no value. What is known of it stays.
+  void show_unread();
+  /// The value text was written to the address: what is shown changes. The values known of the registers
+  /// there do not, but are marked as written over.
   void show_written();
   /// A value that was read from register `reg` by a loading sequence.
   void store(std::size_t reg, int value);
   /// Takes the values of a register file, forgetting all others. See apply_register_file().
   std::size_t apply(const RegisterFile& file);
+  /// How many registers have a value.
+  std::size_t known() const;
 
   /// Position of a listed row in the register table.
   std::size_t register_of(std::size_t row) const { return range_.first + row; }
@@ -80,6 +84,7 @@ class RegisterSheet {
  private:
   void make_current(std::size_t reg, int row);
   void show_entry(const RegEntry& entry);
+  void mark_written(int address);
   void clear_data() { data_.fill(" "); }
   void show_data(int value);
 

@@ -12,6 +12,7 @@ struct RegisterButtons {
   bool load_category = true;
   bool load_all = true;
   bool load_file = true;
+  bool stop = false;
   std::string load_all_caption = kLoadAll;
   std::string load_file_caption = kLoadFile;
 };

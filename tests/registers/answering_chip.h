@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/hex.h"
 #include "support/fake_wire.h"
 
 namespace qv5123::test {
@@ -18,6 +19,8 @@ class AnsweringChip {
   std::map<int, int> values;  ///< by the 12 address bits that travel
   int latency = 10;           ///< ms
   bool silent = false;
+  std::map<int, std::string> damaged;  ///< what the next answer of a register is instead
+  std::size_t loses_every = 0;         ///< how many answers it takes until one is lost; 0: none is
   std::vector<int> requests;
 
  private:
@@ -26,10 +29,12 @@ class AnsweringChip {
     const int address = std::stoi(bytes.substr(3, 2) + bytes.substr(9, 2), nullptr, 16);
     requests.push_back(address);
     if (silent || !values.count(address)) return;
-    char reply[16];
-    std::snprintf(reply, sizeof reply, "~%02x^", static_cast<unsigned>(values[address]));
+    if (loses_every > 0 && requests.size() % loses_every == 0) return;
+    const auto spoilt = damaged.extract(address);
+    std::string reply =
+        spoilt ? spoilt.mapped() : "~" + lower_hex(static_cast<unsigned>(values[address])) + "^";
     wire_.scheduler.call_after(std::chrono::milliseconds(latency),
-                               [this, text = std::string(reply)] { wire_.receive(text); });
+                               [this, reply = std::move(reply)] { wire_.receive(reply); });
   }
 
   FakeWire& wire_;

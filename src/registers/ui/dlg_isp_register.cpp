@@ -210,6 +210,10 @@ QBoxLayout* CDlgIspRegister::make_button_rows() {
   load_all_ =
       make_button(tr(RegisterButtons::kLoadAll), tr("Reads every register of the description, 150 ms each"),
                   &RegisterDesk::load_all);
+  stop_ = make_button(tr("Stop"), tr("Ends the reading of registers, wherever it has come to"),
+                      &RegisterDesk::stop);
+  stop_->setAccessibleName(tr("Stop reading registers"));
+  stop_->setEnabled(false);
   save_file_ = make_button(tr("Save REG to File..."), tr("Writes the registers read so far to a text file"),
                            &RegisterDesk::save_file);
   load_file_ = make_button(tr(RegisterButtons::kLoadFile),
@@ -222,7 +226,7 @@ QBoxLayout* CDlgIspRegister::make_button_rows() {
   flash->setEnabled(false);
   reserve_width(load_all_, tr("Load All From ISP(100%)"));
   auto* upper = new QHBoxLayout;
-  for (QPushButton* button : {load_category_, load_all_}) upper->addWidget(button);
+  for (QPushButton* button : {load_category_, load_all_, stop_}) upper->addWidget(button);
   upper->addStretch();
   auto* lower = new QHBoxLayout;
   for (QPushButton* button : {save_file_, load_file_, flash}) lower->addWidget(button);
@@ -242,7 +246,7 @@ void CDlgIspRegister::set_tab_order() {
   for (QWidget* next : std::initializer_list<QWidget*>{list_, address_, read_, value_, write_}) then(next);
   for (QWidget* box : bits_->findChildren<QCheckBox*>()) then(box);
   for (QWidget* next :
-       std::initializer_list<QWidget*>{fields_, load_category_, load_all_, save_file_, load_file_}) {
+       std::initializer_list<QWidget*>{fields_, load_category_, load_all_, stop_, save_file_, load_file_}) {
     then(next);
   }
 }
@@ -335,6 +339,7 @@ void CDlgIspRegister::show_buttons(const RegisterButtons& buttons) {
   load_category_->setEnabled(buttons.load_category);
   load_all_->setEnabled(buttons.load_all);
   load_all_->setText(QString::fromStdString(buttons.load_all_caption));
+  stop_->setEnabled(buttons.stop);
   load_file_->setEnabled(buttons.load_file);
   load_file_->setText(QString::fromStdString(buttons.load_file_caption));
 }

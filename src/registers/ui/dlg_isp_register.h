@@ -67,6 +67,7 @@ class CDlgIspRegister final : public QWidget, public Page, private RegisterView 
   QPushButton* write_ = nullptr;
   QPushButton* load_category_ = nullptr;
   QPushButton* load_all_ = nullptr;
+  QPushButton* stop_ = nullptr;
   QPushButton* save_file_ = nullptr;
   QPushButton* load_file_ = nullptr;
   bool showing_selection_ = false;

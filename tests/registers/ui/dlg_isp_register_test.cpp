@@ -130,17 +130,59 @@ TEST_F(RegisterPageTest, TypedAddressesAndValuesAreSent) {
   EXPECT_EQ(text("Address"), "0xFA1F");
 }
 
-TEST_F(RegisterPageTest, NothingGetsIntoTheEditsPastTheirKeys) {
+TEST_F(RegisterPageTest, TextThatComesAsAWholeIsTakenOrRefusedAsAWhole) {
   open();
   auto* address = find<QLineEdit>("Address");
   QApplication::clipboard()->setText("1");
   address->paste();
   address->insert("9");
-  address->setCursorPosition(6);
-  address->backspace();
   address->selectAll();
   address->cut();
   EXPECT_EQ(address->text(), "0xF800");
+  const auto paste = [address](const char* text) {
+    QApplication::clipboard()->setText(text);
+    QTest::keyClick(address, Qt::Key_V, Qt::ControlModifier);
+    return address->text().toStdString();
+  };
+  EXPECT_EQ(paste(" 0xfa20\n"), "0xFA20");
+  EXPECT_EQ(text("Name"), "K1");
+  EXPECT_EQ(paste("12"), "0x0012");
+  for (const char* refused : {"F8011", "-1", "0x", "1 2", ""}) EXPECT_EQ(paste(refused), "0x0012");
+}
+
+TEST_F(RegisterPageTest, AScreenReaderSetsTextsAndTogglesBoxes) {
+  open();
+  wire_.advance(200);
+  const auto interface = [this](const char* name) {
+    return QAccessible::queryAccessibleInterface(find(name));
+  };
+  interface("Address")->setText(QAccessible::Value, "0xFA20");
+  EXPECT_EQ(text("Name"), "K1");
+  interface("Value")->editableTextInterface()->replaceText(0, 4, "5a");
+  EXPECT_EQ(text("Value"), "0x5A");
+  EXPECT_TRUE(find<QCheckBox>("Bit 6")->isChecked());
+  interface("Bit 0")->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+  EXPECT_EQ(text("Value"), "0x5B");
+  interface("Address")->setText(QAccessible::Value, "gain");
+  interface("Address")->editableTextInterface()->insertText(6, "7");
+  EXPECT_EQ(text("Address"), "0xFA20");
+  click("Write");
+  wire_.advance(50);
+  EXPECT_EQ(wire_.sender.writes.back(), "@920a*@9220*@935b*");
+}
+
+TEST_F(RegisterPageTest, StopIsLiveWhileASequenceRuns) {
+  open();
+  wire_.advance(200);
+  auto* stop = find<QPushButton>("Stop reading registers");
+  EXPECT_FALSE(stop->isEnabled());
+  chip_.silent = true;
+  click("Load From ISP");
+  wire_.advance(5000);
+  ASSERT_TRUE(stop->isEnabled());
+  stop->click();
+  EXPECT_TRUE(find("Load From ISP")->isEnabled());
+  EXPECT_EQ(host_.last_status(), "Load From ISP: stopped after 0 registers");
 }
 
 TEST_F(RegisterPageTest, SavesAndRestoresARegisterFile) {
@@ -159,6 +201,7 @@ TEST_F(RegisterPageTest, SavesAndRestoresARegisterFile) {
   EXPECT_EQ(wire_.sender.writes.back(), "@9208*@9200*@93a5*");
   EXPECT_EQ(restore->text(), "Load REG to ISP(100%)");
   wire_.advance(1000);
+  EXPECT_EQ(host_.last_status(), "r.txt: 1 register sent");
   restore->click();
   EXPECT_NE(host_.user.messages.at(1).text.find("gone.txt"), std::string::npos);
 }
