@@ -38,8 +38,8 @@ Task<> wait_while_chip_stores(DeskHost& host, std::chrono::milliseconds time) {
 Task<bool> load_from_chip(DeskHost& host, PageLoad load) {
   const auto reply = co_await host.link().query(load.trigger);
   const bool taken = reply && whole_bytes(*reply) && load.take(*reply);
-  const std::string& text = taken ? load.loaded : load.failed;
-  if (!text.empty()) host.show_status(text);
+  if (taken && !load.loaded.empty()) host.show_status(load.loaded);
+  if (!taken && !load.failed.empty()) host.show_failure(load.failed);
   co_return taken;
 }
 
@@ -55,18 +55,18 @@ Task<bool> save_on_chip(DeskHost& host, PageSave save) {
   Pending<JobResult> sent = hold ? hold->send(std::move(job)) : host.link().send(std::move(job));
   const JobResult result = co_await sent;
   if (result.chunks_sent < flushes) {
-    host.show_status("Nothing more reached the chip: the port failed after " +
-                     std::to_string(percent(result.chunks_sent, flushes)) + " % of the data.");
+    host.show_failure("Nothing more reached the chip: the port failed after " +
+                      std::to_string(percent(result.chunks_sent, flushes)) + " % of the data.");
     co_return false;
   }
   // What did reach the chip may make it store, so it is left alone also after a save that is not whole.
   co_await wait_while_chip_stores(host, save.settling);
   if (result.failed) {
-    host.show_status("Some of the data was cut short on the line: save again.");
+    host.show_failure("Some of the data was cut short on the line: save again.");
     co_return false;
   }
   if (host.link().connection() != *connection) {
-    host.show_status("The chip was away before it had stored all: save again.");
+    host.show_failure("The chip was away before it had stored all: save again.");
     co_return false;
   }
   if (!save.done.empty()) host.show_status(save.done);
