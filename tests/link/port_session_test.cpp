@@ -85,6 +85,19 @@ TEST(PortSession, AnUnpluggedPortIsBackWithinASecondAndNothingIsSentTwice) {
   EXPECT_EQ(on.wire(), "@0104*") << "what was sent while the line was gone is gone";
 }
 
+TEST(PortSession, APortThatIsNotThereIsOpenedWhenItAppears) {
+  SessionOnLine on;
+  on.line->hang_up();
+  OpenResult opened;
+  on.run(open(on.session, opened));
+  EXPECT_EQ(opened.error, OpenError::not_found);
+  on.session.open_when_there();
+  on.line->plug_in();
+  on.run_until([&] { return !on.statuses.empty(); });
+  EXPECT_TRUE(on.session.connected());
+  EXPECT_EQ(on.statuses, std::vector<std::string>{"line is there and was opened."});
+}
+
 TEST(PortSession, ClosingGivesUpALostPortAndAnOpenUnderWay) {
   SessionOnLine on;
   OpenResult opened;
