@@ -12,6 +12,9 @@ TEST(VersionBox, NumbersAreHeldTo99AndASlotThatIsNotThereIsLeftAlone) {
   EXPECT_EQ(image, before);
   EXPECT_EQ(load_version(image, 2), (VersionNumbers{99, 0, 40}));
   EXPECT_TRUE(version_traffic(image, 3).empty());
+  image.set_entry(701, 200);
+  store_version(image, 2, load_version(image, 2));
+  EXPECT_EQ(image.entry(701), 200) << "no digit, and not touched";
 }
 
 void receive(ReplyBuffer& reply, const std::string& bytes) {

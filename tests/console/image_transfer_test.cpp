@@ -155,15 +155,17 @@ TEST_F(ImageTransferTest, CancelEndsAsTheChipCanTake) {
 }
 
 TEST_F(ImageTransferTest, CancelTwiceStopsAndSaysWhatTheChipExpects) {
-  begin_font();
+  user.paths = {folder.write("font.bin", std::string(2048, 'f'))};
+  press(TransferKind::font);
+  wire.advance(50 + 50 + 50);
   transfer.cancel();
   wire.advance(100);
   const std::size_t so_far = wire.sender.writes.size();
-  ASSERT_LT(so_far, 6u);
+  ASSERT_LT(so_far, 10u);
   transfer.cancel();
   run_to_end();
   const std::size_t blocks = sent().size() - 2;
-  EXPECT_THAT(console, testing::EndsWith("still expects " + std::to_string(4 - blocks) +
+  EXPECT_THAT(console, testing::EndsWith("still expects " + std::to_string(8 - blocks) +
                                          " blocks of 256 bytes and a checksum >"));
 }
 

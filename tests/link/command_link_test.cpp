@@ -169,6 +169,19 @@ TEST(CommandLink, EndsWithOpenBracketsClosedAndNothingAfterwards) {
   EXPECT_FALSE(flows.running());
 }
 
+TEST(CommandLink, ClosesBracketsThatALineWhichStandsStillMayHaveLeftOpen) {
+  FakeWire wire;
+  wire.sender.cuts_short = true;
+  wire.link.send(flushed_singly({{reg::kKeepBracket, 1}, {reg::kKeepBracket, 0}}));
+  wire.advance(100);
+  wire.sender.cuts_short = false;
+  wire.sender.writes.clear();
+  const auto end = [&]() -> Task<> { co_await wire.link.end_with({}); };
+  const Flow ending(end());
+  wire.advance(100);
+  EXPECT_EQ(wire.sender.wire(), "@fa00*");
+}
+
 TEST(OpenBrackets, CountWhatMayHaveLeftAsOpen) {
   OpenBrackets brackets;
   brackets.left({{reg::kSaveBracket, 1}, {reg::kKeepBracket, 1}});
