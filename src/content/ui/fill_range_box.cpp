@@ -8,6 +8,8 @@
 
 #include "content/font_library.h"
 
+#include "base/ui/number_edit.h"
+
 namespace qv5123 {
 
 namespace {
@@ -17,8 +19,7 @@ constexpr int kFirstPrintable = 0x20;
 constexpr int kPrintables = 95;
 
 QSpinBox* add_number(QGridLayout* layout, int row, int column, const QString& caption, int from, int to) {
-  auto* spin = new QSpinBox;
-  spin->setRange(from, to);
+  auto* spin = new NumberEdit(from, to);
   spin->setAccessibleName("Fill: " + caption);
   auto* label = new QLabel(caption);
   label->setBuddy(spin);

@@ -13,17 +13,11 @@ namespace {
 constexpr double kHighestExponent = 100;
 
 QDoubleSpinBox* make_exponent(const QString& name, double value, std::function<void(double)> typed) {
-  auto* box = named(new QDoubleSpinBox, name, "Exponent of the power law, 0..100");
-  // The same point in every language, as in the files.
-  box->setLocale(QLocale::c());
-  box->setRange(0, kHighestExponent);
   // A value that was computed elsewhere comes in whole.
-  box->setDecimals(8);
+  auto* box = named(new RealEdit(0, kHighestExponent, 8), name, "Exponent of the power law, 0..100");
   box->setSingleStep(0.01);
   box->setValue(value);
-  box->setKeyboardTracking(false);
   keep_wheel_from(box);
-  mark_refusals_of(box);
   QObject::connect(box, &QDoubleSpinBox::valueChanged, box, std::move(typed));
   return box;
 }

@@ -1,6 +1,5 @@
 #include "tuning/ui/page_parts.h"
 
-#include <QDoubleSpinBox>
 #include <QEvent>
 #include <QFontMetrics>
 #include <QHBoxLayout>
@@ -8,7 +7,6 @@
 #include <QSignalBlocker>
 #include <QSlider>
 #include <algorithm>
-#include <memory>
 #include <utility>
 
 namespace qv5123 {
@@ -42,41 +40,9 @@ QPushButton* make_set_button(const QString& caption, const QString& value, const
 }
 
 QSpinBox* make_number(int minimum, int maximum, const QString& name, const QString& tooltip) {
-  auto* box = named(new QSpinBox, name, tooltip);
-  box->setRange(minimum, maximum);
-  box->setKeyboardTracking(false);
+  auto* box = named(new NumberEdit(minimum, maximum), name, tooltip);
   keep_wheel_from(box);
-  mark_refusals_of(box);
   return box;
-}
-
-void mark_refused(QLineEdit* edit, bool refused) {
-  QPalette palette;
-  if (refused) {
-    palette.setColor(QPalette::Base, QColor(0xC0, 0x30, 0x30));
-    palette.setColor(QPalette::Text, Qt::white);
-  }
-  // What is not set here comes from the page.
-  edit->setPalette(palette);
-}
-
-void mark_refusals_of(QAbstractSpinBox* box) {
-  auto* edit = box->findChild<QLineEdit*>();
-  auto mark = [edit, marked = std::make_shared<bool>(false)](bool refused) {
-    if (refused != std::exchange(*marked, refused)) mark_refused(edit, refused);
-  };
-  // An empty edit is on the way to another value.
-  QObject::connect(edit, &QLineEdit::textChanged, box, [edit, mark](const QString& text) mutable {
-    mark(!text.isEmpty() && !edit->hasAcceptableInput());
-  });
-  QObject::connect(edit, &QLineEdit::inputRejected, box, [mark]() mutable { mark(true); });
-  // The box is silent in its edit about what it writes there itself.
-  const auto unmark = [mark]() mutable { mark(false); };
-  QObject::connect(box, &QAbstractSpinBox::editingFinished, box, unmark);
-  if (auto* number = qobject_cast<QSpinBox*>(box))
-    QObject::connect(number, &QSpinBox::valueChanged, box, unmark);
-  if (auto* number = qobject_cast<QDoubleSpinBox*>(box))
-    QObject::connect(number, &QDoubleSpinBox::valueChanged, box, unmark);
 }
 
 int typed_value(QSpinBox* box) {

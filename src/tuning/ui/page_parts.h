@@ -15,6 +15,8 @@
 #include <cstdint>
 #include <functional>
 
+#include "base/ui/number_edit.h"
+
 /// The controls that the pages are put together from, each with its accessible name, which is unique on its
 /// page, and a tooltip that tells range, unit and register.
 namespace qv5123 {
@@ -36,15 +38,8 @@ QPushButton* make_button(const QString& caption, const QString& name, const QStr
 QPushButton* make_set_button(const QString& caption, const QString& value, const QString& tooltip,
                              std::function<void()> clicked);
 
-/// An edit with a spin for numbers of `minimum`..`maximum`. It tells its value while it is being typed only
-/// when Enter is pressed or the focus leaves.
+/// A NumberEdit for `minimum`..`maximum`.
 QSpinBox* make_number(int minimum, int maximum, const QString& name, const QString& tooltip);
-
-/// Marks `edit` as holding, or having been given, what it does not take; its tooltip tells the range.
-void mark_refused(QLineEdit* edit, bool refused);
-/// Marks the edit of `box` while what is typed into it is no value of its range, and when a key was refused
-/// for that, until it is told another value or left.
-void mark_refusals_of(QAbstractSpinBox* box);
 
 /// What stands in the edit, typed text that was not confirmed included.
 int typed_value(QSpinBox* box);

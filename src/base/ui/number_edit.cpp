@@ -1,0 +1,139 @@
+#include "base/ui/number_edit.h"
+
+#include <QPalette>
+#include <QRegularExpression>
+#include <QTimer>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace qv5123 {
+namespace {
+
+QLineEdit* edit_of(const QAbstractSpinBox* box) {
+  return box->findChild<QLineEdit*>();
+}
+
+/// Nothing typed yet, or what a number may begin with.
+bool is_begun(const QString& text, bool real) {
+  const qsizetype sign = text.startsWith('-') || text.startsWith('+') ? 1 : 0;
+  const QString rest = text.mid(sign);
+  return rest.isEmpty() || (real && (rest == "." || rest == ","));
+}
+
+std::optional<double> whole_number(const QString& text) {
+  static const QRegularExpression kWhole("^[+-]?\\d{1,15}$");
+  if (!kWhole.match(text).hasMatch()) return std::nullopt;
+  return text.toDouble();
+}
+
+/// A decimal comma counts as a point.
+std::optional<double> real_number(QString text) {
+  static const QRegularExpression kReal("^[+-]?(\\d{1,15}\\.?\\d{0,15}|\\.\\d{1,15})$");
+  text.replace(',', '.');
+  if (!kReal.match(text).hasMatch()) return std::nullopt;
+  return text.toDouble();
+}
+
+template <class Box, class Read>
+QValidator::State validated(const Box& box, const QString& text, Read read) {
+  const QString typed = text.trimmed();
+  if (is_begun(typed, std::is_same_v<decltype(box.value()), double>)) return QValidator::Intermediate;
+  const std::optional<double> number = read(typed);
+  if (!number) return QValidator::Invalid;
+  const bool held = *number >= box.minimum() && *number <= box.maximum();
+  return held ? QValidator::Acceptable : QValidator::Intermediate;
+}
+
+/// What is set while nobody types in it is what somebody wants there: it does not wait for the focus to
+/// leave.
+void take_what_is_set(QAbstractSpinBox* box) {
+  QLineEdit* edit = edit_of(box);
+  QObject::connect(edit, &QLineEdit::textChanged, box, [box, edit] {
+    if (!edit->hasFocus()) QTimer::singleShot(0, box, [box] { box->interpretText(); });
+  });
+}
+
+template <class Box>
+void prepare(Box* box) {
+  box->setLocale(QLocale::c());
+  box->setKeyboardTracking(false);
+  mark_refusals_of(box);
+  take_what_is_set(box);
+}
+
+}  // namespace
+
+void mark_refused(QLineEdit* edit, bool refused) {
+  QPalette palette;
+  if (refused) {
+    palette.setColor(QPalette::Base, QColor(0xC0, 0x30, 0x30));
+    palette.setColor(QPalette::Text, Qt::white);
+  }
+  // What is not set here comes from the page.
+  edit->setPalette(palette);
+}
+
+void mark_refusals_of(QAbstractSpinBox* box) {
+  QLineEdit* edit = edit_of(box);
+  auto mark = [edit, marked = std::make_shared<bool>(false)](bool refused) {
+    if (refused != std::exchange(*marked, refused)) mark_refused(edit, refused);
+  };
+  // An empty edit is on the way to another value.
+  auto look = [edit, mark]() mutable { mark(!edit->text().isEmpty() && !edit->hasAcceptableInput()); };
+  QObject::connect(edit, &QLineEdit::textChanged, box, [box, look]() mutable {
+    look();
+    // Text that is taken is replaced in silence where the value stays what it was.
+    QTimer::singleShot(0, box, [look]() mutable { look(); });
+  });
+  QObject::connect(edit, &QLineEdit::inputRejected, box, [mark]() mutable { mark(true); });
+  // The box is silent in its edit about what it writes there itself.
+  const auto unmark = [mark]() mutable { mark(false); };
+  QObject::connect(box, &QAbstractSpinBox::editingFinished, box, unmark);
+  if (auto* number = qobject_cast<QSpinBox*>(box))
+    QObject::connect(number, &QSpinBox::valueChanged, box, unmark);
+  if (auto* number = qobject_cast<QDoubleSpinBox*>(box))
+    QObject::connect(number, &QDoubleSpinBox::valueChanged, box, unmark);
+}
+
+NumberEdit::NumberEdit(int minimum, int maximum) {
+  setRange(minimum, maximum);
+  prepare(this);
+}
+
+QValidator::State NumberEdit::validate(QString& text, int&) const {
+  return validated(*this, text, whole_number);
+}
+
+void NumberEdit::fixup(QString& text) const {
+  const auto number = whole_number(text.trimmed());
+  if (number) text = QString::number(std::clamp<double>(*number, minimum(), maximum()), 'f', 0);
+}
+
+int NumberEdit::valueFromText(const QString& text) const {
+  return static_cast<int>(
+      std::clamp<double>(whole_number(text.trimmed()).value_or(value()), minimum(), maximum()));
+}
+
+RealEdit::RealEdit(double minimum, double maximum, int decimals) {
+  setDecimals(decimals);
+  setRange(minimum, maximum);
+  prepare(this);
+}
+
+QValidator::State RealEdit::validate(QString& text, int&) const {
+  return validated(*this, text, real_number);
+}
+
+void RealEdit::fixup(QString& text) const {
+  const auto number = real_number(text.trimmed());
+  if (number) text = QString::number(std::clamp(*number, minimum(), maximum()), 'f', decimals());
+}
+
+double RealEdit::valueFromText(const QString& text) const {
+  return std::clamp(real_number(text.trimmed()).value_or(value()), minimum(), maximum());
+}
+
+}  // namespace qv5123

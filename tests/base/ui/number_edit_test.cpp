@@ -1,0 +1,108 @@
+#include "base/ui/number_edit.h"
+
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QTest>
+
+namespace qv5123 {
+namespace {
+
+template <class Edit>
+QLineEdit* line(Edit& edit) {
+  return edit.template findChild<QLineEdit*>();
+}
+
+template <class Edit>
+void type(Edit& edit, const char* text) {
+  line(edit)->selectAll();
+  QTest::keyClicks(line(edit), text);
+}
+
+bool marked(const QAbstractSpinBox& edit) {
+  return edit.findChild<QLineEdit*>()->palette().color(QPalette::Text) == Qt::white;
+}
+
+template <class Edit>
+void paste(Edit& edit, const QString& text) {
+  QGuiApplication::clipboard()->setText(text);
+  line(edit)->selectAll();
+  line(edit)->paste();
+}
+
+TEST(NumberEdit, WhatIsOutOfRangeBecomesTheNearestEnd) {
+  NumberEdit edit(0, 50);
+  std::vector<int> told;
+  QObject::connect(&edit, &QSpinBox::valueChanged, &edit, [&](int value) { told.push_back(value); });
+  edit.show();
+  type(edit, "51");
+  EXPECT_EQ(line(edit)->text(), "51") << "let in, and marked";
+  EXPECT_TRUE(marked(edit));
+  EXPECT_TRUE(told.empty()) << "not before it is taken";
+  QTest::keyClick(line(edit), Qt::Key_Return);
+  EXPECT_EQ(edit.value(), 50);
+  EXPECT_FALSE(marked(edit));
+  // The same text again changes no value, and still must not stay.
+  type(edit, "5000");
+  edit.interpretText();
+  QTest::qWait(0);
+  EXPECT_EQ(line(edit)->text(), "50");
+  EXPECT_FALSE(marked(edit));
+  type(edit, "-3");
+  edit.interpretText();
+  EXPECT_EQ(told, (std::vector<int>{50, 0}));
+}
+
+TEST(NumberEdit, PastedTextIsTakenOrRefusedAsAWhole) {
+  NumberEdit edit(0, 4095);
+  edit.show();
+  edit.setValue(7);
+  for (const char* text : {"0x12", "1e3", "1 000", "1,5", "twelve"}) {
+    paste(edit, text);
+    EXPECT_EQ(line(edit)->text(), "7") << text;
+  }
+  for (const char* text : {" 12 ", "+12", "0012"}) {
+    edit.setValue(7);
+    paste(edit, text);
+    edit.interpretText();
+    EXPECT_EQ(edit.value(), 12) << text;
+    EXPECT_EQ(line(edit)->text(), "12") << text;
+  }
+}
+
+/// As assistive tools replace all that stands in an edit.
+void set_contents(QLineEdit* edit, const QString& text) {
+  QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(edit);
+  interface->editableTextInterface()->replaceText(0, static_cast<int>(edit->text().size()), text);
+  QTest::qWait(0);
+}
+
+TEST(NumberEdit, TextSetByAssistiveToolsIsTaken) {
+  NumberEdit edit(0, 50);
+  set_contents(line(edit), "20");
+  EXPECT_EQ(edit.value(), 20);
+  set_contents(line(edit), "99");
+  EXPECT_EQ(edit.value(), 50);
+}
+
+TEST(RealEdit, ADecimalCommaIsAPoint) {
+  RealEdit edit(0, 100, 4);
+  edit.show();
+  for (const char* text : {"0,45", ".45", "0.45"}) {
+    edit.setValue(1);
+    type(edit, text);
+    edit.interpretText();
+    EXPECT_DOUBLE_EQ(edit.value(), 0.45) << text;
+    EXPECT_EQ(line(edit)->text(), "0.4500");
+  }
+  type(edit, "450");
+  edit.interpretText();
+  EXPECT_DOUBLE_EQ(edit.value(), 100);
+  paste(edit, "1e1");
+  EXPECT_EQ(line(edit)->text(), "100.0000");
+}
+
+}  // namespace
+}  // namespace qv5123
