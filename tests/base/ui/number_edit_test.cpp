@@ -73,17 +73,17 @@ TEST(NumberEdit, PastedTextIsTakenOrRefusedAsAWhole) {
 }
 
 /// As assistive tools replace all that stands in an edit.
-void set_contents(QLineEdit* edit, const QString& text) {
-  QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(edit);
-  interface->editableTextInterface()->replaceText(0, static_cast<int>(edit->text().size()), text);
+void set_contents(QSpinBox& edit, const QString& text) {
+  QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(&edit);
+  interface->editableTextInterface()->replaceText(0, static_cast<int>(line(edit)->text().size()), text);
   QTest::qWait(0);
 }
 
 TEST(NumberEdit, TextSetByAssistiveToolsIsTaken) {
   NumberEdit edit(0, 50);
-  set_contents(line(edit), "20");
+  set_contents(edit, "20");
   EXPECT_EQ(edit.value(), 20);
-  set_contents(line(edit), "99");
+  set_contents(edit, "99");
   EXPECT_EQ(edit.value(), 50);
 }
 
