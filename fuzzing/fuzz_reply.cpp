@@ -43,7 +43,7 @@ void read_as_every_page(const std::string& block) {
   take_page<GammaPage>(block);
   take_page<LensPage>(block);
   take(decode_awb_reply(block, {}));
-  take(decode_matrix_reply(block, {}));
+  take_page<MatrixPage>(block);
   take(decode_dynamic_reply(block, {}));
 }
 

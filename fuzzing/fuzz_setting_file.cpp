@@ -39,7 +39,7 @@ void through_every_page(const UserDataImage& image) {
   through_page<GammaPage>(image);
   through_page<LensPage>(image);
   through<AwbValues>(image);
-  through<MatrixValues>(image);
+  through_page<MatrixPage>(image);
   through<DynamicValues>(image);
 }
 

@@ -5,29 +5,10 @@
 namespace qv5123 {
 namespace {
 
-constexpr std::array<const char*, 3> kColours{"r", "g", "b"};
 constexpr std::array<const char*, 3> kLights{"outdoor", "light1", "light2"};
 
-std::string indexed(const std::string& name, std::size_t index) {
-  return name + "[" + std::to_string(index) + "]";
-}
-
-/// A word that is kept as two bytes, read as two's complement.
-template <class Values, class Access>
-void add_code(Members<Values>& members, std::string name, Access access) {
-  const auto get = [access](const Values& values) {
-    const auto* bytes = access(values);
-    return kSigned16.decode(bytes[0] * 256 + bytes[1]);
-  };
-  const auto set = [access](Values& values, int number) {
-    auto* bytes = access(values);
-    bytes[0] = high_byte(number);
-    bytes[1] = low_byte(number);
-  };
-  members.push_back({std::move(name), get, set});
-}
-
-/// A cell of a step table as the grid shows it. The ISO row's offset always shows 1, so its byte is taken.
+/// A cell of a step table as the grid shows it. The ISO row's offset always
+/// shows 1, so its byte is taken.
 void add_step(Members<DynamicValues>& members, std::string name, std::size_t bank, std::size_t row,
               std::size_t column) {
   const auto byte = [=](auto& values) -> auto& {
@@ -151,19 +132,6 @@ Members<DynamicValues> dynamic_members() {
       members, "ir_led", [](auto& v) -> auto& { return v.ir_led; });
   add_member(
       members, "video_mode", [](auto& v) -> auto& { return v.video_mode; });
-  return members;
-}
-
-Members<MatrixValues> matrix_members() {
-  constexpr std::array<const char*, kVideoModes> kModes{"tvi", "ahd", "cvi", "cvbs"};
-  Members<MatrixValues> members;
-  for (std::size_t mode = 0; mode < kModes.size(); ++mode)
-    for (std::size_t light = 0; light < kMatrixLights; ++light)
-      for (std::size_t row = 0; row < kMatrixRows; ++row)
-        for (std::size_t j = 0; j < 3; ++j)
-          add_code(members,
-                   indexed(std::string(kModes[mode]) + "." + kLights[light] + "." + kColours[row], j),
-                   [=](auto& v) { return v.tables[mode][row][light].data() + 2 * j; });
   return members;
 }
 

@@ -9,7 +9,6 @@
 #include "tuning/awb.h"
 #include "tuning/dynamic.h"
 #include "tuning/front.h"
-#include "tuning/matrix.h"
 
 namespace qv5123 {
 
@@ -34,11 +33,10 @@ void add_member(Members<Values>& members, std::string name, Access access) {
   members.push_back({std::move(name), get, set});
 }
 
-// The numbers of the tuning pages as the pages show them, in the order in which they are printed.
+// The numbers of the tuning pages as the pages show them, in the order in which
+// they are printed.
 Members<FrontValues> front_members();
 Members<AwbValues> awb_members();
 Members<DynamicValues> dynamic_members();
-/// Register codes of the coefficients, 1024 = 1.0, signed: "tvi.outdoor.r[0]" is the first of the red row.
-Members<MatrixValues> matrix_members();
 
 }  // namespace qv5123

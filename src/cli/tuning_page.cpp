@@ -13,7 +13,8 @@
 namespace qv5123 {
 namespace {
 
-/// Numbers to try a value with. What reacts to none of them does not depend on it.
+/// Numbers to try a value with. What reacts to none of them does not depend on
+/// it.
 constexpr std::array kTrials{0, 1, 2, 3, -1, 50, -50, 100, 255, 256, 1023, 4095, -30000, 0xFFFF};
 
 /// What differs from page to page. The pages' own functions do the work.
@@ -26,8 +27,8 @@ struct PageKind {
   static void load(Values& values, const UserDataImage& image) {
     reload_from_user_data(values, image);
   }
-  static Task<> after_save(CommandLink&) { co_return; }
-  /// True where the full save sends every value that has an entry, whatever a trial of it makes of that.
+  /// True where the full save sends every value that has an entry, whatever a
+  /// trial of it makes of that.
   static constexpr bool kSavesEverything = false;
 };
 
@@ -84,21 +85,15 @@ struct DynamicKind : PageKind {
   }
 };
 
-struct MatrixKind : PageKind {
-  using Values = MatrixValues;
-  static constexpr std::uint8_t kTrigger = kMatrixLoadTrigger;
-  static Members<Values> members() { return matrix_members(); }
-  static auto decode(std::string_view reply) { return decode_matrix_reply(reply, {}); }
-  static std::string encode(const Values& values) { return encode_matrix_reply(values); }
-  static TuningPage::Save save(Values& values, const UserDataImage&) {
-    return {matrix_full_save(values), {}, {}, {}};
-  }
-  /// Ends a capture, which makes the chip correct colours again.
-  static Task<> after_save(CommandLink& link) {
-    MatrixValues values;
-    co_await switch_matrix_picker(link, values, false);
-  }
-};
+/// Ends a capture, which makes the chip correct colours again.
+Task<> end_capture(CommandLink& link) {
+  MatrixValues values;
+  co_await switch_matrix_picker(link, values, false);
+}
+
+Task<> nothing_after_save(CommandLink&) {
+  co_return;
+}
 
 template <class Kind>
 class PageOf final : public TuningPage {
@@ -138,8 +133,6 @@ class PageOf final : public TuningPage {
     return save;
   }
 
-  Task<> after_save(CommandLink& link) const override { return Kind::after_save(link); }
-
  private:
   Numbers numbers(const Values& values) const {
     Numbers numbers;
@@ -147,8 +140,8 @@ class PageOf final : public TuningPage {
     return numbers;
   }
 
-  /// Where a value goes is found out by changing it and looking what changes with it, so that no place is
-  /// named a second time here.
+  /// Where a value goes is found out by changing it and looking what changes
+  /// with it, so that no place is named a second time here.
   Value find_out(const Member<Values>& member) const {
     const auto reply = [](const Values& values) { return Kind::encode(values); };
     const auto traffic = [](Values values) { return Kind::save(values, UserDataImage()).traffic; };
@@ -192,8 +185,10 @@ class PageOf final : public TuningPage {
 template <class Page>
 class ModelPage final : public TuningPage {
  public:
-  explicit ModelPage(std::string name, Traffic (*full_save)(const typename Page::Values&))
-      : TuningPage(std::move(name), Page::kTexts.trigger), full_save_(full_save) {
+  using FullSave = Traffic (*)(const typename Page::Values&);
+  using AfterSave = Task<> (*)(CommandLink&);
+  ModelPage(std::string name, FullSave full_save, AfterSave after_save = nothing_after_save)
+      : TuningPage(std::move(name), Page::kTexts.trigger), full_save_(full_save), after_save_(after_save) {
     for (const FieldInfo& field : PageModel<Page>().fields())
       values_.push_back({this->name() + "." + field.name, field.entries(), field.has_reply(), field.saved});
   }
@@ -217,9 +212,11 @@ class ModelPage final : public TuningPage {
     model.load_all(image);
     return {full_save_(model.values), {}, model.numbers(), {}};
   }
+  Task<> after_save(CommandLink& link) const override { return after_save_(link); }
 
  private:
-  Traffic (*full_save_)(const typename Page::Values&);
+  FullSave full_save_;
+  AfterSave after_save_;
 };
 
 template <class Kind>
@@ -234,7 +231,8 @@ std::unique_ptr<TuningPage> make_tuning_page(std::string_view name) {
   if (name == "awb") return make<AwbKind>(name);
   if (name == "dynamic") return make<DynamicKind>(name);
   if (name == "gamma") return std::make_unique<ModelPage<GammaPage>>(std::string(name), gamma_full_save);
-  if (name == "matrix") return make<MatrixKind>(name);
+  if (name == "matrix")
+    return std::make_unique<ModelPage<MatrixPage>>(std::string(name), matrix_full_save, end_capture);
   return std::make_unique<ModelPage<LensPage>>(std::string(name), lens_full_save);
 }
 

@@ -10,9 +10,6 @@
 namespace qv5123 {
 namespace {
 
-constexpr std::uint8_t kLightSelect = 0x4E;
-constexpr std::uint8_t kModeSelect = 0xCA;
-constexpr std::uint8_t kFirstRow = 0x52;
 constexpr float kCodeUnit = 1024;
 /// Of the 13 bits that the edits show.
 constexpr int kLargestCode = 0x1FFF;
@@ -21,24 +18,17 @@ bool has_table(const MatrixValues& values) {
   return values.mode >= 0 && values.mode < kVideoModes && values.light >= 0 && values.light < kMatrixLights;
 }
 
-MatrixRowBytes row_bytes(const std::array<float, 3>& row) {
-  MatrixRowBytes bytes{};
-  for (std::size_t j = 0; j < 3; ++j) {
-    bytes[2 * j] = high_byte(matrix_code(row[j]));
-    bytes[2 * j + 1] = low_byte(matrix_code(row[j]));
-  }
-  return bytes;
-}
-
 Traffic row_traffic(const ModeTable& table, int light, int row) {
-  const auto address = static_cast<std::uint8_t>(kFirstRow + 3 * light + row);
+  const auto address = static_cast<std::uint8_t>(kMatrixFirstRegister + 3 * light + row);
   Traffic traffic;
-  for (std::uint8_t byte : table[row][light]) append(traffic, RegisterWrite{address, byte});
+  for (int code : table[row][light]) {
+    for (const RegisterWrite& byte : word_write(address, code)) append(traffic, byte);
+  }
   return traffic;
 }
 
 Traffic mode_traffic(const MatrixValues& values, int mode) {
-  Traffic traffic{{{kModeSelect, low_byte(mode)}}};
+  Traffic traffic{{{kMatrixModeRegister, low_byte(mode)}}};
   for (int row = 0; row < kMatrixRows; ++row) {
     for (int light = 0; light < kMatrixLights; ++light) {
       append(traffic, row_traffic(values.tables[mode], light, row));
@@ -49,29 +39,8 @@ Traffic mode_traffic(const MatrixValues& values, int mode) {
 
 }  // namespace
 
-void save_to_user_data(const MatrixValues& values, UserDataImage& image) {
-  ImageWriter writer(image);
-  matrix_image_layout(values, writer);
-}
-
-void reload_from_user_data(MatrixValues& values, const UserDataImage& image) {
-  ImageReader reader(image);
-  matrix_image_layout(values, reader);
+void MatrixPage::loaded(MatrixValues& values) {
   show_matrix(values);
-}
-
-std::optional<MatrixValues> decode_matrix_reply(std::string_view reply, MatrixValues current) {
-  ReplyReader reader(reply);
-  matrix_reply_layout(current, reader);
-  if (reader.short_of()) return std::nullopt;
-  show_matrix(current);
-  return current;
-}
-
-std::string encode_matrix_reply(const MatrixValues& values) {
-  ReplyWriter writer;
-  matrix_reply_layout(values, writer);
-  return writer.text();
 }
 
 int matrix_code(float coefficient) {
@@ -109,17 +78,17 @@ Coefficients as_registers_hold(const Coefficients& coefficients) {
 void show_matrix(MatrixValues& values) {
   if (!has_table(values)) return;
   for (std::size_t r = 0; r < kMatrixRows; ++r) {
-    const MatrixRowBytes& bytes = values.tables[values.mode][r][values.light];
-    for (std::size_t j = 0; j < 3; ++j) {
-      values.coefficients[r][j] = matrix_coefficient(bytes[2 * j] * 256 + bytes[2 * j + 1]);
-    }
+    const MatrixCodes& codes = values.tables[values.mode][r][values.light];
+    for (std::size_t j = 0; j < 3; ++j) values.coefficients[r][j] = matrix_coefficient(codes[j]);
   }
 }
 
 void store_matrix(MatrixValues& values) {
   if (!has_table(values)) return;
   for (std::size_t r = 0; r < kMatrixRows; ++r) {
-    values.tables[values.mode][r][values.light] = row_bytes(values.coefficients[r]);
+    MatrixCodes& codes = values.tables[values.mode][r][values.light];
+    for (std::size_t j = 0; j < 3; ++j)
+      codes[j] = kSigned16.decode(matrix_code(values.coefficients[r][j]) & 0xFFFF);
   }
 }
 
@@ -153,8 +122,8 @@ void go_to_next_patch(MatrixValues& values) {
 }
 
 Traffic matrix_send_row(const MatrixValues& values, int row) {
-  Traffic traffic =
-      flushed_singly({{kLightSelect, low_byte(values.light)}, {kModeSelect, low_byte(values.mode)}});
+  Traffic traffic = flushed_singly(
+      {{kMatrixLightRegister, low_byte(values.light)}, {kMatrixModeRegister, low_byte(values.mode)}});
   if (!has_table(values) || row < 0 || row >= kMatrixRows) return traffic;
   append(traffic, row_traffic(values.tables[values.mode], values.light, row));
   return traffic;

@@ -9,7 +9,8 @@
 
 #include "console/user_data_image.h"
 #include "link/register_write.h"
-#include "tuning/layout.h"
+#include "tuning/desk_texts.h"
+#include "tuning/field_visitors.h"
 #include "tuning/patch_chart.h"
 #include "tuning/picker.h"
 
@@ -21,10 +22,19 @@ inline constexpr int kVideoModes = 4;
 inline constexpr int kMatrixLights = 3;  ///< "Outdoor", "Light-1", "Light-2"
 inline constexpr int kMatrixRows = 3;    ///< output red, green, blue
 
-/// Coefficients 0, 1, 2 of one row, each high byte then low byte of its 16-bit code.
-using MatrixRowBytes = std::array<std::uint8_t, 6>;
+inline constexpr std::array<const char*, kVideoModes> kMatrixModeNames{"TVI", "AHD", "CVI", "CVBS"};
+inline constexpr std::array<const char*, kMatrixLights> kMatrixLightNames{"Outdoor", "Light-1", "Light-2"};
+inline constexpr std::array<const char*, kMatrixRows> kMatrixRowNames{"Red", "Green", "Blue"};
+/// By row (output) and column (input).
+inline constexpr std::array<std::array<const char*, 3>, kMatrixRows> kMatrixCodeNames{
+    {{"R from R", "R from G", "R from B"},
+     {"G from R", "G from G", "G from B"},
+     {"B from R", "B from G", "B from B"}}};
+
+/// Codes of coefficients 0, 1, 2 of one row, 1024 = 1.0, -32768..32767.
+using MatrixCodes = std::array<int, 3>;
 /// By row and light source.
-using ModeTable = std::array<std::array<MatrixRowBytes, kMatrixLights>, kMatrixRows>;
+using ModeTable = std::array<std::array<MatrixCodes, kMatrixLights>, kMatrixRows>;
 /// By row (output) and column (input).
 using Coefficients = std::array<std::array<float, 3>, kMatrixRows>;
 /// As fetched from the chip or typed; a component of 0 is not measured.
@@ -37,83 +47,121 @@ struct MatrixValues {
   bool manual_input = false;  ///< "Input Manually"
   PickerPosition picker;
   int step_index = 6;  ///< of "Move Step:", 0..7
-  int patch_step = 0;  ///< position units from patch to patch; 0 leaves the picker where it is
+  int patch_step = 0;  ///< position units from patch to patch; 0 leaves the
+                       ///< picker where it is
   std::size_t patch = 0;
   MeasuredColours measured{};
   int light = 0;    ///< light source, 0..2
   int mode = kTvi;  ///< VideoMode
-  int ratio = 100;  ///< correction ratio, percent, 0..100
+  int ratio = 100;  ///< correction ratio, percent, see kCorrectionRatio
   Coefficients coefficients{};
   std::array<ModeTable, kVideoModes> tables{};  ///< by VideoMode
 
   friend bool operator==(const MatrixValues&, const MatrixValues&) = default;
 };
 
-/// The four tables of 54 entries at 382 (TVI), 749 (AHD), 845 (CVI) and 635 (CVBS).
-template <class Values, class Visitor>
-void matrix_image_layout(Values& values, Visitor& visit) {
-  constexpr std::size_t kBases[kVideoModes] = {382, 749, 845, 635};
-  for (std::size_t mode = 0; mode < kVideoModes; ++mode) {
-    for (std::size_t light = 0; light < kMatrixLights; ++light) {
-      for (std::size_t row = 0; row < kMatrixRows; ++row) {
-        for (std::size_t k = 0; k < 6; ++k) {
-          visit.byte(kBases[mode] + 18 * light + 6 * row + k, values.tables[mode][row][light][k]);
-        }
-      }
+/// Percent of the way from the identity to the fit.
+inline constexpr Range kCorrectionRatio{0, 100};
+
+/// Chooses the light source of what follows, 0..2.
+inline constexpr std::uint8_t kMatrixLightRegister = 0x4E;
+/// Chooses the video mode of what follows.
+inline constexpr std::uint8_t kMatrixModeRegister = 0xCA;
+/// Takes the six bytes of the red row of "Outdoor". Green and blue follow, then
+/// the other light sources.
+inline constexpr int kMatrixFirstRegister = 0x52;
+
+/// The page's controls that send values: "Set" beside each row.
+enum class MatrixControl { red_row, green_row, blue_row };
+
+/// The page: four tables of 54 entries at 382 (TVI), 749 (AHD), 845 (CVI) and
+/// 635 (CVBS), in each the light sources, of each the rows, of each three codes
+/// as words: 0xFF 0x00 is -0.25.
+///
+/// The reply is 432 characters in another order: modes TVI, CVBS, AHD, CVI; in
+/// a mode the rows, in a row the bytes, of each byte the three light sources.
+/// So "1f....80" holds 0x1F80 as the first code of TVI's red row outdoors, and
+/// what the dots stand for are the high bytes for the other light sources.
+struct MatrixPage {
+  using Values = MatrixValues;
+  static constexpr DeskTexts kTexts{"matrix", 0x6A, "ISP Load Fail...", "", "Load File ok"};
+
+  template <class V, class Visitor>
+  static constexpr void fields(V& values, Visitor& visit) {
+    for (int mode = 0; mode < kVideoModes; ++mode)
+      for (int light = 0; light < kMatrixLights; ++light)
+        for (int r = 0; r < kMatrixRows; ++r) row({mode, light, r}, values.tables[mode][r][light], visit);
+  }
+  /// Shows the matrix of the current mode and light source.
+  static void loaded(Values& values);
+
+ private:
+  struct Place {
+    int mode;
+    int light;
+    int row;
+  };
+  template <class Codes, class Visitor>
+  static constexpr void row(const Place& place, Codes& codes, Visitor& visit) {
+    constexpr std::array kEntries{382, 749, 845, 635};
+    constexpr std::array kReplies{0, 216, 324, 108};
+    constexpr int kReplyByte = 2 * kMatrixLights;  // from a byte to the next of the same light source
+    for (int j = 0; j < 3; ++j) {
+      const int reply = kReplies[place.mode] + (6 * place.row + 2 * j) * kReplyByte + 2 * place.light;
+      visit.word(name(place).at(static_cast<std::size_t>(j)), codes[j],
+                 {.caption = {kMatrixModeNames[place.mode], kMatrixLightNames[place.light],
+                              kMatrixCodeNames[place.row][j]},
+                  .entry = kEntries[place.mode] + 18 * place.light + 6 * place.row + 2 * j,
+                  .reply = reply,
+                  .reply_low = reply + kReplyByte,
+                  .range = {-0x8000, 0x7FFF},
+                  .unit = "(1024 is 1.0)",
+                  .address = kMatrixFirstRegister + 3 * place.light + place.row,
+                  .sent_by = place.row,
+                  .saved = true,
+                  .as = &kSigned16});
     }
   }
-}
-
-/// The reply to kMatrixLoadTrigger, 432 characters: modes TVI, CVBS, AHD, CVI; in a mode the rows, in a row
-/// the bytes, of each byte the three light sources.
-template <class Values, class Visitor>
-void matrix_reply_layout(Values& values, Visitor& visit) {
-  std::size_t position = 0;
-  for (VideoMode mode : {kTvi, kCvbs, kAhd, kCvi}) {
-    for (std::size_t row = 0; row < kMatrixRows; ++row) {
-      for (std::size_t k = 0; k < 6; ++k) {
-        for (std::size_t light = 0; light < kMatrixLights; ++light, position += 2) {
-          visit.byte(position, values.tables[mode][row][light][k]);
-        }
-      }
-    }
+  static constexpr Words name(const Place& place) {
+    constexpr std::array<const char*, kVideoModes> kModes{"tvi", "ahd", "cvi", "cvbs"};
+    constexpr std::array<const char*, kMatrixLights> kLights{"outdoor", "light1", "light2"};
+    constexpr std::array<const char*, kMatrixRows> kRows{"r", "g", "b"};
+    return {kModes[place.mode], kLights[place.light], kRows[place.row]};
   }
-}
+};
+static_assert(fields_hold<MatrixPage>());
 
-void save_to_user_data(const MatrixValues& values, UserDataImage& image);
-/// Takes the tables and shows the matrix of the current mode and light source.
-void reload_from_user_data(MatrixValues& values, const UserDataImage& image);
+/// What the edits of the codes take.
+inline constexpr char kMatrixCodeRange[] = "0x0000..0x1FFF in 13-bit two's complement, 0x0400 is 1.0";
 
-/// `current` with the tables of the reply, showing the matrix of the current mode and light source; nothing
-/// when the reply is shorter than 432 characters.
-std::optional<MatrixValues> decode_matrix_reply(std::string_view reply, MatrixValues current);
-std::string encode_matrix_reply(const MatrixValues& values);
-/// A write of 0 to it asks for the reply of "Load <- ISP".
-inline constexpr std::uint8_t kMatrixLoadTrigger = 0x6A;
-
-/// The register form of a coefficient, 1024 = 1.0, truncated. Saturates at the ends of int; no number is 0.
+/// The register form of a coefficient, 1024 = 1.0, truncated. Saturates at the
+/// ends of int; no number is 0.
 int matrix_code(float coefficient);
 /// The coefficient that the low 16 bits of a code stand for.
 float matrix_coefficient(int code);
 /// What the edits show: the low 13 bits as "0x%04X".
 std::string matrix_code_text(float coefficient);
-/// The coefficient that such a text stands for, with or without "0x" and in either case: -4 up to 4. Nothing
-/// for any other text.
+/// The coefficient that such a text stands for, with or without "0x" and in
+/// either case: -4 up to 4. Nothing for any other text.
 std::optional<float> matrix_coefficient_of(std::string_view text);
 /// The coefficients as the registers hold them, after rounding.
 Coefficients as_registers_hold(const Coefficients& coefficients);
 
-/// Makes the tables' matrix of the current mode and light source the current one.
+/// Makes the tables' matrix of the current mode and light source the current
+/// one.
 void show_matrix(MatrixValues& values);
-/// Puts the current matrix into the tables at the current mode and light source.
+/// Puts the current matrix into the tables at the current mode and light
+/// source.
 void store_matrix(MatrixValues& values);
-/// Row "Set" before sending: derives one coefficient of each row so that the row sums to 1, and stores.
+/// Row "Set" before sending: derives one coefficient of each row so that the
+/// row sums to 1, and stores.
 void set_matrix_rows(MatrixValues& values);
 /// "Clear": measured patches and current matrix; the tables stay.
 void clear_matrix(MatrixValues& values);
 
-/// Selects the next patch, wrapping from the last to the first; with a patch step of at least 1 the picker
-/// follows, along the row or to the start of the next. Nothing happens with a patch step of 0.
+/// Selects the next patch, wrapping from the last to the first; with a patch
+/// step of at least 1 the picker follows, along the row or to the start of the
+/// next. Nothing happens with a patch step of 0.
 void go_to_next_patch(MatrixValues& values);
 
 /// Row "Set": row 0..2 of the current mode and light source.

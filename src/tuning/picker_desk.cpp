@@ -33,13 +33,15 @@ void PickerDesk::type_y(int y) {
   send_typed();
 }
 
-/// Brings the cursor to what was typed, unless something else moves it at present: then it waits, and where
-/// the picker is switched off it needs no sending, for switching on does that.
+/// Brings the cursor to what was typed, unless something else moves it at
+/// present: then it waits, and where the picker is switched off it needs no
+/// sending, for switching on does that.
 void PickerDesk::send_typed() {
   if (!typing_.running()) typing_.start(run_send_typed());
 }
 
-/// One position at a time: who spins fast gets to the last one without those before.
+/// One position at a time: who spins fast gets to the last one without those
+/// before.
 Task<> PickerDesk::run_send_typed() {
   while (picker_.on && keys_enabled() && (x_typed_ || y_typed_)) {
     if (std::exchange(y_typed_, false)) {
@@ -71,6 +73,11 @@ void PickerDesk::click_switch(bool on) {
   view_->take_typed();
   picker_.on = on;
   if (!switching_.running()) switching_.start(run_switch());
+  switched();
+}
+
+void PickerDesk::switched() {
+  if (picker_.switched) picker_.switched();
   view_->switched();
 }
 
@@ -89,13 +96,13 @@ Task<> PickerDesk::run_switch() {
     } else {
       host_.show_status(trouble);
       on = picker_.on = !on;
-      view_->switched();
+      switched();
     }
   } while (picker_.on != on);
   switching_chip_ = false;
   view_->show_picker();
   show_keys();
-  view_->settled();
+  if (picker_.settled) picker_.settled();
 }
 
 }  // namespace qv5123

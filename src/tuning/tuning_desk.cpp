@@ -6,6 +6,7 @@ namespace qv5123 {
 
 void TuningDesk::reload() {
   model_.load(image_);
+  values_loaded();
   view_->show_values();
 }
 
@@ -19,8 +20,10 @@ Task<bool> TuningDesk::load_from_chip() {
                 [this](std::string_view reply) {
                   view_->take_typed();
                   const bool taken = model_.take_reply(reply);
-                  if (taken) view_->show_values();
-                  return taken;
+                  if (!taken) return false;
+                  values_loaded();
+                  view_->show_values();
+                  return true;
                 }};
   co_return co_await qv5123::load_from_chip(host_, std::move(load));
 }
@@ -33,6 +36,17 @@ Task<bool> TuningDesk::send_save(ChipSave save, std::string done) {
   const bool saved = co_await save_on_chip(host_, std::move(on_chip));
   co_await after_save();
   co_return saved;
+}
+
+Task<> TuningDesk::run_send(std::string what, Traffic traffic) {
+  std::size_t writes = 0;
+  for (const Batch& batch : traffic) writes += batch.size();
+  const JobResult result = co_await link().send(std::move(traffic));
+  if (result.failed || result.cancelled)
+    host_.show_status(what + ": not all of it reached the chip");
+  else
+    host_.show_status(what + ": " + std::to_string(writes) +
+                      (writes == 1 ? " register sent" : " registers sent"));
 }
 
 }  // namespace qv5123

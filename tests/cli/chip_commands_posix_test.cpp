@@ -72,7 +72,8 @@ TEST_F(CtlTest, ReadsAreDrivenByTheReply) {
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(on_board(command).code, 0);
   const auto taken = std::chrono::steady_clock::now() - start;
-  // A fixed wait of 60 ms behind the pacing would take 110; what it really takes is for ./bench to say.
+  // A fixed wait of 60 ms behind the pacing would take 110; what it really
+  // takes is for ./bench to say.
   EXPECT_LT(taken / kCount, std::chrono::milliseconds(105));
 }
 
@@ -132,6 +133,13 @@ TEST_F(CtlTest, PagesShowSaveAndDiff) {
   const auto changed = on_board({"page", "diff", "awb", "sample.dat"});
   EXPECT_EQ(changed.out, "awb.a_slope: chip 100, file -300\n");
   EXPECT_EQ(changed.code, 1);
+}
+
+TEST_F(CtlTest, AfterTheMatrixSaveThePickerIsOff) {
+  copy_resource("sample.dat");
+  plug_in();
+  EXPECT_EQ(on_board({"page", "save", "matrix", "--from", "sample.dat"}).code, 0);
+  EXPECT_THAT(board->expect("@a101*"), HasSubstr("@fa00*\n@f900*\n@940a*\n@9429*\n@920a*\n@9220*\n@9390*\n"));
 }
 
 TEST_F(CtlTest, AnInterruptedSaveIsClosed) {
@@ -217,7 +225,8 @@ TEST_F(CtlTest, AnUnpluggedBoardAndASilentOne) {
   EXPECT_EQ(monitor->errors(), "qv5123ctl: board is gone\n");
   EXPECT_EQ(monitor->end(), 3);
   EXPECT_EQ(on_board({"osd", "up"}).err,
-            "qv5123ctl: There is no port board. Plug the board in, or choose another port.\n");
+            "qv5123ctl: There is no port board. Plug the board in, or choose "
+            "another port.\n");
 
   plug_in({"--fault", "drop=1"});
   const auto silent = on_board({"reg", "read", "0x922", "--timeout", "100"});

@@ -11,7 +11,8 @@ namespace qv5123 {
 namespace {
 
 constexpr int kRows = 12;
-/// Of one patch in the layout: its button, three edits, and the gap to the other half.
+/// Of one patch in the layout: its button, three edits, and the gap to the
+/// other half.
 constexpr int kColumns = 5;
 constexpr std::array<const char*, 3> kColours{"R", "G", "B"};
 constexpr std::uint32_t kHighest = std::numeric_limits<int>::max();
@@ -25,8 +26,7 @@ int column_of(std::size_t patch) {
 
 }  // namespace
 
-PatchGrid::PatchGrid(MeasuredColours& measured, std::size_t& chosen)
-    : measured_(measured), chosen_(chosen), choice_(new QButtonGroup(this)) {
+PatchGrid::PatchGrid(MatrixDesk& desk) : desk_(desk), choice_(new QButtonGroup(this)) {
   auto* group = new QGroupBox("Color Patch");
   auto* grid = new QGridLayout(group);
   grid->setContentsMargins(6, 2, 6, 4);
@@ -36,10 +36,7 @@ PatchGrid::PatchGrid(MeasuredColours& measured, std::size_t& chosen)
   add_header(grid, 0);
   add_header(grid, kColumns);
   for (std::size_t patch = 0; patch < kPatches; ++patch) add_patch(grid, patch);
-  connect(choice_, &QButtonGroup::idClicked, this, [this](int patch) {
-    chosen_ = static_cast<std::size_t>(patch);
-    emit this->chosen();
-  });
+  on_choice(choice_, [this](int patch) { desk_.choose_patch(static_cast<std::size_t>(patch)); });
   auto* whole = new QVBoxLayout(this);
   whole->setContentsMargins(0, 0, 0, 0);
   whole->addWidget(group);
@@ -66,29 +63,31 @@ void PatchGrid::add_edit(QGridLayout* grid, std::size_t patch, std::size_t colou
                            "0..2147483647 counts, 0 when not measured; the picker gives 0..255");
   edit->setButtonSymbols(QAbstractSpinBox::NoButtons);
   edit->setAlignment(Qt::AlignRight);
-  // Room for what the picker gives; the largest number that fits would make the page too wide.
+  // Room for what the picker gives; the largest number that fits would make the
+  // page too wide.
   edit->setMinimumWidth(edit->fontMetrics().horizontalAdvance("0000") + 10);
   edit->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   connect(edit, &QSpinBox::valueChanged, this, [this, patch, colour](int value) {
-    measured_[patch][colour] = static_cast<std::uint32_t>(value);
-    emit edited();
+    desk_.type_patch(patch, colour, static_cast<std::uint32_t>(value));
   });
   edits_[patch][colour] = edit;
   grid->addWidget(edit, row_of(patch), column_of(patch) + static_cast<int>(colour) + 1);
 }
 
 void PatchGrid::show_values() {
-  choice_->button(static_cast<int>(chosen_))->setChecked(true);
+  show_choice(choice_, static_cast<int>(desk_.values().patch));
   for (std::size_t patch = 0; patch < kPatches; ++patch) {
     for (std::size_t c = 0; c < 3; ++c) {
-      show_value(edits_[patch][c], static_cast<int>(std::min(measured_[patch][c], kHighest)));
+      show_value(edits_[patch][c], static_cast<int>(std::min(desk_.values().measured[patch][c], kHighest)));
     }
   }
 }
 
-void PatchGrid::allow(Typing typing) {
+void PatchGrid::show_typing() {
+  using Typing = MatrixDesk::Typing;
+  const Typing typing = desk_.typing();
   for (std::size_t patch = 0; patch < kPatches; ++patch) {
-    const bool on = typing == Typing::all || (typing == Typing::chosen && patch == chosen_);
+    const bool on = typing == Typing::all || (typing == Typing::chosen && patch == desk_.values().patch);
     for (QSpinBox* edit : edits_[patch]) edit->setEnabled(on);
   }
 }

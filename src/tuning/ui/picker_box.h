@@ -10,7 +10,8 @@
 
 namespace qv5123 {
 
-/// The colour picker's controls: its switch, its position, and the keys that move it.
+/// The colour picker's controls: its switch, its position, and the keys that
+/// move it.
 class PickerBox : public QWidget, public PickerDesk::View {
   Q_OBJECT
 
@@ -30,13 +31,11 @@ class PickerBox : public QWidget, public PickerDesk::View {
   void show_picker() override;
   void show_keys() override;
   void switched() override { emit switch_changed(); }
-  void settled() override { emit chip_settled(); }
 
  signals:
-  /// The page's flag has changed: the user has clicked the switch, or the chip did not follow.
+  /// The page's flag has changed: the user has clicked the switch, or the chip
+  /// did not follow.
   void switch_changed();
-  /// The chip has followed, or did not.
-  void chip_settled();
 
  private:
   void add_row(const QString& caption, QWidget* setting);

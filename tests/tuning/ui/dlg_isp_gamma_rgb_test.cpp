@@ -92,23 +92,5 @@ TEST_F(GammaPage, AnyArrowChoosesAPointWhereNoneIsChosen) {
   EXPECT_EQ(point(1, "R")->value(), 1);
 }
 
-TEST_F(GammaPage, MarksWhatAnEditDoesNotTake) {
-  QSpinBox* box = point(3, "G");
-  auto* edit = box->findChild<QLineEdit*>();
-  const auto type = [box](char digit) {
-    QKeyEvent event(QEvent::KeyPress, digit, Qt::NoModifier, QString(QChar(digit)));
-    QApplication::sendEvent(box, &event);
-  };
-  const auto marked = [edit] { return edit->palette().color(QPalette::Text) == QColor(Qt::white); };
-  box->selectAll();
-  for (char digit : {'2', '0', '4'}) type(digit);
-  EXPECT_FALSE(marked());
-  type('8');
-  EXPECT_EQ(edit->text(), "204");
-  EXPECT_TRUE(marked());
-  box->setValue(7);
-  EXPECT_FALSE(marked());
-}
-
 }  // namespace
 }  // namespace qv5123

@@ -36,7 +36,7 @@ class KeptValues : public test::PageBench<typename Case::Dialog> {};
 using Cases =
     testing::Types<Kept<CDlgAeTune, DynamicValues, encode_dynamic_reply>,
                    Kept<CDlgIspAwb, AwbValues, encode_awb_reply>, KeptPage<CDlgIspGammaRgb, GammaPage>,
-                   KeptPage<CDlgIspLSC, LensPage>, Kept<CDlgIspMatrix, MatrixValues, encode_matrix_reply>>;
+                   KeptPage<CDlgIspLSC, LensPage>, KeptPage<CDlgIspMatrix, MatrixPage>>;
 TYPED_TEST_SUITE(KeptValues, Cases);
 
 TYPED_TEST(KeptValues, OfFileAndChipAreStoredAsTheyCame) {

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "console/page_host.h"
+#include "console/prompts.h"
+#include "tuning/matrix.h"
+#include "tuning/picker_desk.h"
+#include "tuning/tuning_desk.h"
+
+namespace qv5123 {
+
+/// The linear matrix page without its window.
+class MatrixDesk final : public PageDesk<MatrixPage> {
+ public:
+  class View : public DeskView {
+   public:
+    /// What was measured, and all that has to do with measuring. The codes are
+    /// left alone.
+    virtual void show_measurements() {}
+    /// Which patches may be typed into.
+    virtual void show_typing() {}
+    virtual void show_codes() {}
+    /// How close the patches come to what they should be.
+    virtual void show_report() {}
+    /// Whether the picker may be switched: not while a save does so by itself.
+    virtual void allow_switch(bool) {}
+  };
+  /// The patches that may be typed into.
+  enum class Typing { none, chosen, all };
+
+  MatrixDesk(DeskHost& host, UserDataImage& image);
+  void attach(View& view);
+
+  PickerDesk& picker() { return picker_; }
+
+  void choose_light(int light);
+  void choose_mode(int mode);
+  void choose_patch(std::size_t patch);
+  void choose_patch_step(int step) { values_.patch_step = step; }
+  void choose_manual_input(bool on);
+  Typing typing() const;
+  /// The count of a colour, 0..2, of a patch.
+  void type_patch(std::size_t patch, std::size_t colour, std::uint32_t count);
+  /// One out of range is refused: it stands in its edit and Calculate does
+  /// nothing.
+  void type_ratio(int percent);
+  /// Taken by the next "Set" of a row.
+  void type_code(int row, int column, std::string text);
+  /// What stands in the edit of a code: what was typed there, or the matrix in
+  /// force.
+  std::string code_text(int row, int column) const;
+  /// Whether it is neither a code nor empty.
+  bool code_refused(int row, int column) const;
+
+  /// "GET COLOR"; ignored while one is under way.
+  void get_color();
+  void calculate(Prompts& prompts);
+  void clear();
+  /// "Set" beside a row.
+  void set_row(MatrixControl row);
+  /// "File/Flash Save" on file and chip.
+  Task<> save(PageHost& files);
+
+  ChipSave chip_save() override { return {matrix_full_save(values_), {}, {}}; }
+  /// Switches the picker off, which makes the chip correct colours again.
+  Task<> after_save() override;
+  Traffic control_traffic(int control) const override { return matrix_send_row(values_, control); }
+
+ private:
+  using TypedCodes = std::array<std::array<std::optional<std::string>, 3>, kMatrixRows>;
+
+  void values_loaded() override { typed_codes_ = {}; }
+  void show_matrix_in_force();
+  void update_keys();
+  void picker_settled();
+  Task<> run_get_color();
+  bool take_codes();
+
+  View nobody_;
+  View* matrix_view_ = &nobody_;
+  PickerDesk picker_;
+  int typed_ratio_;
+  TypedCodes typed_codes_;
+  bool measuring_patch_ = false;
+  std::string picker_trouble_;  ///< why the last save left the picker as it was
+  Flow measuring_;
+};
+
+}  // namespace qv5123

@@ -1,0 +1,231 @@
+#include "tuning/matrix_desk.h"
+
+#include <gmock/gmock.h>
+
+#include "support/desk_bench.h"
+#include "support/page_reply.h"
+#include "support/traffic_text.h"
+
+namespace qv5123 {
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::StartsWith;
+
+constexpr char kPickerOff[] = "@940a*@9429*@920a*@9220*@9390*@920a*@9229*@9305*@a001*@a101*";
+
+class MatrixDeskTest : public test::DeskBench {
+ protected:
+  std::vector<std::string> codes() const {
+    std::vector<std::string> texts;
+    for (int row = 0; row < 3; ++row)
+      for (int column = 0; column < 3; ++column) texts.push_back(desk_.code_text(row, column));
+    return texts;
+  }
+  /// Plays a chip whose picker reads 10, 20, 30.
+  void answer_reads() {
+    fake_.sender.chip = [this](const std::string& bytes) {
+      if (bytes == "@940c*@943d*") fake_.receive("~0a^");
+      if (bytes == "@940c*@943e*") fake_.receive("~14^");
+      if (bytes == "@940c*@943f*") fake_.receive("~1E^");
+      if (bytes == "@940a*@9429*") fake_.receive("~05^");
+    };
+  }
+  void type_patches(std::uint32_t count) {
+    for (std::size_t patch = 0; patch < kPatches; ++patch)
+      for (std::size_t colour = 0; colour < 3; ++colour) desk_.type_patch(patch, colour, count);
+  }
+  const MeasuredColour& patch(std::size_t i) const { return desk_.values().measured[i]; }
+
+  MatrixDesk desk_{host_, host_.doc.user_data};
+};
+
+TEST_F(MatrixDeskTest, MeasuresPatchAfterPatch) {
+  answer_reads();
+  desk_.choose_manual_input(true);
+  EXPECT_EQ(desk_.typing(), MatrixDesk::Typing::all);
+  desk_.picker().click_switch(true);
+  EXPECT_EQ(desk_.typing(), MatrixDesk::Typing::chosen) << "switching on ends manual input";
+  EXPECT_FALSE(desk_.picker().keys_enabled()) << "not before the chip has followed";
+  EXPECT_EQ(wire(3000),
+            "@940a*@9429*@920a*@9220*@9380*@920a*@9229*@9385*@a000*@a100*"
+            "@920c*@923a*@9302*@920c*@923b*@931c*@920c*@9238*@9303*@920c*@9239*"
+            "@93c0*");
+
+  desk_.choose_patch(5);
+  desk_.choose_patch_step(100);
+  desk_.picker().type_x(0x3C1);
+  desk_.get_color();
+  EXPECT_TRUE(wire(400).starts_with("@920c*@9238*@9303*@920c*@9239*@93c1*@940c*@943d*"))
+      << "not before the cursor is there";
+  EXPECT_FALSE(desk_.picker().keys_enabled());
+  fake_.advance(2000);
+  EXPECT_TRUE(desk_.picker().keys_enabled());
+  EXPECT_THAT(patch(5), ElementsAre(10, 20, 30));
+  EXPECT_EQ(host_.last_status(), "GET COLOR: Bluish green(R,G,B) is 10, 20, 30");
+  EXPECT_EQ(desk_.values().patch, 6u);
+  EXPECT_EQ(desk_.picker().position(), (PickerPosition{461, 640})) << "the start of the next row";
+
+  desk_.picker().type_y(650);
+  desk_.get_color();
+  desk_.choose_patch(9);
+  fake_.advance(2000);
+  EXPECT_THAT(patch(6), ElementsAre(10, 20, 30)) << "the patch that was chosen as the button was pressed";
+  EXPECT_THAT(patch(9), Each(0));
+
+  fake_.sender.chip = {};
+  desk_.get_color();
+  fake_.advance(5000);
+  EXPECT_EQ(host_.last_status(), "GET COLOR: the chip did not answer.");
+  answer_reads();
+  desk_.get_color();
+  fake_.advance(2000);
+  EXPECT_EQ(host_.last_status(), "GET COLOR: Purple(R,G,B) is 10, 20, 30") << "the failure is over";
+
+  fake_.link.connection_changed();
+  desk_.get_color();
+  EXPECT_TRUE(host_.last_status().ends_with(kPickerChipWasAway)) << "its picker may be off";
+}
+
+TEST_F(MatrixDeskTest, CalculatesOnlyWithGrey) {
+  desk_.calculate(host_.user);
+  ASSERT_EQ(host_.user.messages.size(), 1u);
+  EXPECT_EQ(host_.user.messages[0].text, "Please get color of gray!");
+
+  type_patches(100);
+  desk_.calculate(host_.user);
+  EXPECT_EQ(host_.last_status(), "The measured patches do not determine a matrix.");
+  EXPECT_THAT(codes(), Each("0x0000"));
+  desk_.type_code(0, 0, "0x0500");
+  desk_.set_row(MatrixControl::red_row);
+  EXPECT_EQ(codes()[1], "0x1F00") << "what stood there as 0 counts as 0";
+
+  desk_.type_ratio(0);
+  desk_.calculate(host_.user);
+  EXPECT_THAT(codes(), ElementsAre("0x0400", "0x0000", "0x0000", "0x0000", "0x0400", "0x0000", "0x0000",
+                                   "0x0000", "0x0400"));
+  EXPECT_EQ(host_.last_status(), "Matrix calculated from 24 patches.") << "the failure is over";
+
+  desk_.clear();
+  EXPECT_THAT(codes(), Each(""));
+  EXPECT_THAT(patch(23), Each(0));
+}
+
+TEST_F(MatrixDeskTest, ARatioOutOfRangeIsRefusedAsAWhole) {
+  type_patches(100);
+  desk_.type_ratio(0);
+  desk_.type_ratio(150);
+  desk_.calculate(host_.user);
+  EXPECT_EQ(host_.last_status(), "Correction Ratio takes 0..100 %: nothing was calculated.");
+  EXPECT_THAT(codes(), Each("0x0000"));
+  EXPECT_EQ(desk_.values().ratio, 0);
+  desk_.type_ratio(0);
+  desk_.calculate(host_.user);
+  EXPECT_EQ(codes()[0], "0x0400");
+}
+
+TEST_F(MatrixDeskTest, SetDerivesStoresAndSendsARow) {
+  desk_.choose_light(2);
+  desk_.choose_mode(3);
+  desk_.type_code(0, 0, "0x0500");
+  desk_.type_code(0, 2, "1F00");
+  desk_.set_row(MatrixControl::red_row);
+  EXPECT_EQ(codes()[1], "0x0000") << "1 - 1.25 + 0.25";
+  EXPECT_EQ(wire(), "@4e02*@ca03*@5805*@5800*@5800*@5800*@58ff*@5800*");
+  EXPECT_EQ(host_.last_status(), "Red row: 8 registers sent");
+  UserDataImage stored;
+  desk_.model().store(stored);
+  EXPECT_EQ(stored.word(635 + 36), 0x0500);
+  EXPECT_EQ(stored.word(635 + 36 + 4), 0xFF00);
+
+  desk_.type_code(1, 0, "0x2000");
+  EXPECT_TRUE(desk_.code_refused(1, 0));
+  desk_.set_row(MatrixControl::green_row);
+  EXPECT_EQ(wire(), "");
+  EXPECT_EQ(host_.last_status(),
+            "G from R takes 0x0000..0x1FFF in 13-bit "
+            "two's complement, 0x0400 is 1.0.");
+  EXPECT_EQ(codes()[3], "0x2000") << "to be corrected";
+  desk_.choose_light(2);
+  EXPECT_EQ(codes()[0], "0x0500") << "what was set is in the table";
+  EXPECT_EQ(codes()[3], "0x0000") << "what was refused is not";
+
+  fake_.sender.connected = false;
+  desk_.set_row(MatrixControl::blue_row);
+  fake_.advance(1000);
+  EXPECT_EQ(host_.last_status(), "Blue row: not all of it reached the chip");
+}
+
+TEST_F(MatrixDeskTest, LoadsFromTheChip) {
+  std::string reply(432, '0');
+  reply.replace(0, 2, "1f").replace(6, 2,
+                                    "80");  // TVI, row R, Outdoor: high and low byte of the first
+  reply.replace(430, 2, "7b");              // CVI, row B, Light-2: the last low byte
+  reply.replace(216 + 12 + 4, 2,
+                "ff");  // AHD, row R, Light-2: high byte of the second
+  reply.replace(108 + 36, 2,
+                "01");  // CVBS, row G, Outdoor: high byte of the first
+  desk_.type_code(0, 1, "0x0111");
+  desk_.start_load();
+  answer_load(reply);
+  EXPECT_EQ(wire(), "@6a00*");
+  EXPECT_EQ(codes()[0], "0x1F80");
+  EXPECT_EQ(codes()[1], "0x0000") << "what was typed is gone";
+  EXPECT_EQ(desk_.values().tables[kCvi][2][2][2], 0x7B);
+  EXPECT_EQ(desk_.values().tables[kAhd][0][2][1], -256);
+  EXPECT_EQ(desk_.values().tables[kCvbs][1][0][0], 0x100);
+
+  const MatrixValues kept = desk_.values();
+  desk_.start_load();
+  answer_load(reply.substr(0, 430));
+  EXPECT_EQ(host_.last_status(), "ISP Load Fail...");
+  EXPECT_EQ(desk_.values(), kept);
+}
+
+TEST_F(MatrixDeskTest, SavesAllMatricesAndEndsTheCapture) {
+  answer_reads();
+  for (int i = 0; i < 54; ++i) image().set_entry(382 + static_cast<std::size_t>(i), i);
+  desk_.load_file();
+  EXPECT_EQ(host_.last_status(), "Load File ok");
+  desk_.picker().click_switch(true);
+  wire(3000);
+  desk_.start_save(desk_.save(host_));
+  EXPECT_EQ(host_.last_status(), "CCM Data Saving... Please wait");
+  EXPECT_EQ(host_.user_data_writes, 1);
+  const std::string sent = wire(15000);
+  EXPECT_THAT(sent, StartsWith("@f901*@fa01*@ca00*@5200*@5201*@5202*@5203*@"
+                               "5204*@5205*@5512*@5513*"));
+  EXPECT_THAT(sent, EndsWith(std::string("@5a00*@fa00*@f900*") + kPickerOff));
+  EXPECT_EQ(sent.size(), (2u + 4 * 55 + 2 + 10) * 6);
+  EXPECT_FALSE(desk_.picker().on());
+  EXPECT_EQ(host_.last_status(), "Transfered Linear Matrix parameters to ISP. Enable color correction.");
+
+  host_.write_succeeds = false;
+  desk_.picker().click_switch(true);
+  fake_.advance(3000);
+  fake_.sender.chip = {};
+  desk_.start_save(desk_.save(host_));
+  fake_.advance(15000);
+  EXPECT_TRUE(desk_.picker().on()) << "the chip did not follow";
+  EXPECT_EQ(host_.last_status(), "Color picker: no answer from 0xFA29");
+  EXPECT_EQ(*(host_.statuses.end() - 2), "Only the chip was saved: no setting file was written.");
+}
+
+TEST_F(MatrixDeskTest, EveryNameStandsForItsOwnEntriesAndRegister) {
+  const auto& fields = desk_.model().fields();
+  ASSERT_EQ(fields.size(), 4u * 3 * 3 * 3);
+  const auto about = [&](std::size_t i) {
+    return fields[i].name + ", " + fields[i].range_text() + ", entry " + std::to_string(fields[i].entry);
+  };
+  const std::string range = ", -32768..32767 (1024 is 1.0), register ";
+  EXPECT_EQ(about(0), "tvi.outdoor.r[0]" + range + "0x52, entry 382");
+  EXPECT_EQ(about(27 + 9 + 3 + 1), "ahd.light1.g[1]" + range + "0x56, entry 775");
+  EXPECT_EQ(about(54 + 6), "cvi.outdoor.b[0]" + range + "0x54, entry 857");
+  EXPECT_EQ(about(107), "cvbs.light2.b[2]" + range + "0x5A, entry 687");
+  EXPECT_EQ(fields[40].caption.caption(), "AHD Light-1 G from G");
+}
+
+}  // namespace
+}  // namespace qv5123
