@@ -26,6 +26,8 @@ class Interrupts::Watch {
   }
   ~Watch() {
     ending_ = true;
+    // It is blocked in all threads, and only wakes the one that waits for it.
+    // NOLINTNEXTLINE(bugprone-bad-signal-to-kill-thread)
     pthread_kill(thread_.native_handle(), SIGTERM);
     thread_.join();
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
