@@ -139,7 +139,8 @@ TEST_F(CtlTest, AfterTheMatrixSaveThePickerIsOff) {
   copy_resource("sample.dat");
   plug_in();
   EXPECT_EQ(on_board({"page", "save", "matrix", "--from", "sample.dat"}).code, 0);
-  EXPECT_THAT(board->expect("@a101*"), HasSubstr("@fa00*\n@f900*\n@940a*\n@9429*\n@920a*\n@9220*\n@9390*\n"));
+  EXPECT_THAT(board->expect("@a101*"), testing::AllOf(HasSubstr("@fa00*\n@f900*\n@940a*\n@9429*\n"),
+                                                      HasSubstr("  ISP 0xFA20 <- 0x90\n")));
 }
 
 TEST_F(CtlTest, AnInterruptedSaveIsClosed) {
