@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -98,6 +99,8 @@ struct Field {
   /// Of a bit in its byte, 0..7.
   int reply_bit = 0;
   Range range = {};
+  /// What is taken and kept all the same where that is more than `range`; it is marked while it stands.
+  std::optional<Range> taken = {};
   FieldFormat format = FieldFormat::decimal;
   std::span<const char* const> items = {};
   const char* unit = "";
@@ -114,6 +117,7 @@ struct Field {
 
   constexpr const Encoding& in_entry() const { return entry_as ? *entry_as : *as; }
   constexpr const Encoding& in_reply() const { return reply_as ? *reply_as : *as; }
+  constexpr const Range& takes() const { return taken ? *taken : range; }
   constexpr bool has_entry() const { return entry != kNowhere; }
   constexpr bool has_reply() const { return reply != kNowhere; }
 };

@@ -58,7 +58,7 @@ class TuningModel {
   const DeskTexts& texts() const { return texts_; }
   virtual const std::vector<FieldInfo>& fields() const = 0;
   virtual std::vector<int> numbers() const = 0;
-  /// As if it had been typed: limited to the field's range.
+  /// As if it had been typed: limited to what the field takes.
   virtual void set_number(std::size_t field, int number) = 0;
 
   /// Copies what the page keeps into `image`.
@@ -98,8 +98,8 @@ class PageModel final : public TuningModel {
     return std::move(numbers.numbers);
   }
   void set_number(std::size_t field, int number) override {
-    const Range& range = fields()[field].range;
-    FieldSet set(field, std::clamp(number, range.lowest, range.highest));
+    const Range& taken = fields()[field].takes();
+    FieldSet set(field, std::clamp(number, taken.lowest, taken.highest));
     Page::fields(values, set);
   }
   void store(UserDataImage& image) const override { store_page<Page>(values, image); }

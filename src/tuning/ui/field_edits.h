@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -21,24 +22,42 @@ QString registers_text(const std::vector<int>& addresses);
 /// and show() brings back what it holds.
 class FieldEdits {
  public:
+  /// Tells which field, by its place in the desk's list, an edit is for at present. At first there has to be
+  /// one; while there is none the edit stays as it is.
+  using FieldOf = std::function<std::optional<std::size_t>()>;
+
   /// `changed` is told after the desk was, and may be empty.
   explicit FieldEdits(TuningDesk& desk, std::function<void()> changed = {})
       : desk_(desk), changed_(std::move(changed)) {}
 
   /// An edit for `field`, the place of the value in the desk's list. `name` is its accessible name where the
   /// field's caption does not serve.
+  /// What the field takes beyond its range is marked while it stands.
   QSpinBox* number(std::size_t field, const QString& name = {});
+  /// The same for one field out of several. `reach` is what can be typed where that is more than the field
+  /// takes: it becomes the nearest that it does.
+  QSpinBox* number(FieldOf field, std::optional<Range> reach = {});
+  /// A row of slider, edit and, with `set`, a "Set" button.
+  SliderRow slider(QGridLayout* grid, int row, FieldOf field, std::function<void()> set = {});
+  /// A list of the field's items. `used` is told the user's choices after the desk was.
+  QComboBox* list(std::size_t field, std::function<void()> used);
 
-  /// Shows the desk's numbers in all edits; what has none of its range stays as it is.
+  /// Shows the desk's numbers in all edits, also those that cannot be typed; what has none of its items stays
+  /// empty.
   void show();
   /// The same for one of them, where that alone has changed.
   void show(std::size_t field);
 
  private:
   struct Edit {
-    std::size_t field;
-    QSpinBox* box;
+    FieldOf field;
+    std::function<void(const FieldInfo&, int)> show;
   };
+
+  QSpinBox* number(FieldOf field, const QString& name, std::optional<Range> reach);
+  const FieldInfo& info(std::size_t field) const { return desk_.model().fields()[field]; }
+  void take_number(std::size_t field, int number);
+  void take_typed(const Edit& edit, int number);
 
   TuningDesk& desk_;
   std::function<void()> changed_;

@@ -130,10 +130,8 @@ QPlainTextEdit* make_log(const QString& name, const QString& tooltip) {
 }
 
 void take_typed_text(QWidget* page) {
-  // A spin box may hand its focus to the edit inside it.
-  for (QWidget* widget = page->focusWidget(); widget && widget != page; widget = widget->parentWidget()) {
-    if (auto* box = qobject_cast<QAbstractSpinBox*>(widget)) return box->interpretText();
-  }
+  // Not only where the focus is: assistive tools set text anywhere.
+  for (auto* box : page->findChildren<QAbstractSpinBox*>()) box->interpretText();
 }
 
 void SliderRow::show(int value) {
