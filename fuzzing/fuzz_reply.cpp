@@ -42,7 +42,7 @@ void read_as_every_page(const std::string& block) {
   take(decode_front_reply(block, {}));
   take_page<GammaPage>(block);
   take_page<LensPage>(block);
-  take(decode_awb_reply(block, {}));
+  take_page<AwbPage>(block);
   take_page<MatrixPage>(block);
   take(decode_dynamic_reply(block, {}));
 }

@@ -38,7 +38,7 @@ void through_every_page(const UserDataImage& image) {
   through<FrontValues>(image);
   through_page<GammaPage>(image);
   through_page<LensPage>(image);
-  through<AwbValues>(image);
+  through_page<AwbPage>(image);
   through_page<MatrixPage>(image);
   through<DynamicValues>(image);
 }

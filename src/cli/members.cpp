@@ -88,29 +88,6 @@ Members<FrontValues> front_members() {
   return members;
 }
 
-Members<AwbValues> awb_members() {
-  Members<AwbValues> members;
-  for (const AwbRow& row : kAwbRows) {
-    const std::string name(1, static_cast<char>(row.name - 'A' + 'a'));
-    if (row.word_count == 2)
-      add_member(
-          members, name + "_slope", [i = row.first_word](auto& v) -> auto& { return v.words[i]; });
-    const std::size_t last = row.first_word + row.word_count - 1;
-    add_member(
-        members, name + "_intercept", [last](auto& v) -> auto& { return v.words[last]; });
-  }
-  for (std::size_t i = 0; i < kAwbPatchCount; ++i) {
-    const std::string patch = "patch" + std::to_string(i + 1) + ".";
-    add_member(
-        members, patch + "r", [i](auto& v) -> auto& { return v.patches[i].r; });
-    add_member(
-        members, patch + "g", [i](auto& v) -> auto& { return v.patches[i].g; });
-    add_member(
-        members, patch + "b", [i](auto& v) -> auto& { return v.patches[i].b; });
-  }
-  return members;
-}
-
 Members<DynamicValues> dynamic_members() {
   constexpr std::array<const char*, kDynamicNumbers.size()> kNames{
       "analog_gain", "sensor_digital_gain", "isp_digital_gain", "ae_target", "ae_speed", "further_ae"};

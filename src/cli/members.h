@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "tuning/awb.h"
 #include "tuning/dynamic.h"
 #include "tuning/front.h"
 
@@ -36,7 +35,6 @@ void add_member(Members<Values>& members, std::string name, Access access) {
 // The numbers of the tuning pages as the pages show them, in the order in which
 // they are printed.
 Members<FrontValues> front_members();
-Members<AwbValues> awb_members();
 Members<DynamicValues> dynamic_members();
 
 }  // namespace qv5123

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "cli/members.h"
+#include "tuning/awb.h"
 #include "tuning/gamma.h"
 #include "tuning/lens_shading.h"
 #include "tuning/matrix_flow.h"
@@ -51,17 +52,6 @@ struct FrontKind : PageKind {
     values.color_suppress = true;
     const ImageEntry on = front_effect(FrontControl::ColorSuppress, values).entries.at(0);
     values.color_suppress = image.entry(on.index) == on.value;
-  }
-};
-
-struct AwbKind : PageKind {
-  using Values = AwbValues;
-  static constexpr std::uint8_t kTrigger = kAwbQuery;
-  static Members<Values> members() { return awb_members(); }
-  static auto decode(std::string_view reply) { return decode_awb_reply(reply, {}); }
-  static std::string encode(const Values& values) { return encode_awb_reply(values); }
-  static TuningPage::Save save(Values& values, const UserDataImage&) {
-    return {awb_save_traffic(values), {}, {}, {}};
   }
 };
 
@@ -204,7 +194,9 @@ class ModelPage final : public TuningPage {
   }
   void store(std::size_t value, int number, UserDataImage& image) const override {
     PageModel<Page> model;
-    model.set_number(value, number);
+    model.load_all(image);
+    // What a file brought is kept as it is, also what nobody could have typed.
+    if (model.numbers()[value] != number) model.set_number(value, number);
     model.store_field(value, image);
   }
   Save save(const UserDataImage& image) const override {
@@ -228,7 +220,7 @@ std::unique_ptr<TuningPage> make(std::string_view name) {
 
 std::unique_ptr<TuningPage> make_tuning_page(std::string_view name) {
   if (name == "front") return make<FrontKind>(name);
-  if (name == "awb") return make<AwbKind>(name);
+  if (name == "awb") return std::make_unique<ModelPage<AwbPage>>(std::string(name), awb_save_traffic);
   if (name == "dynamic") return make<DynamicKind>(name);
   if (name == "gamma") return std::make_unique<ModelPage<GammaPage>>(std::string(name), gamma_full_save);
   if (name == "matrix")

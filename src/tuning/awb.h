@@ -1,14 +1,13 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
 
-#include "console/user_data_image.h"
 #include "link/register_write.h"
+#include "tuning/desk_texts.h"
+#include "tuning/field_visitors.h"
 
 /// The AWB page without its window: the six lines that tell white from colour, and the measured patches.
 namespace qv5123 {
@@ -25,6 +24,9 @@ struct PatchColour {
   friend bool operator==(const PatchColour&, const PatchColour&) = default;
 };
 
+/// Register of the first word; the others have the next nine.
+inline constexpr std::uint8_t kAwbFirstWord = 0x0D;
+
 /// What the page shows. Everything starts at 0.
 struct AwbValues {
   /// Fixed point with 8 fraction bits, in wire order: slope and intercept of A, B, C and D, then the
@@ -35,19 +37,27 @@ struct AwbValues {
   friend bool operator==(const AwbValues&, const AwbValues&) = default;
 };
 
+/// The page's controls that send values: the "S" of each line.
+enum class AwbControl { line_a, line_b, line_c, line_d, line_e, line_f };
+
 /// One row of "White Line Threshold": the words it edits.
 struct AwbRow {
-  char name;
+  const char* name;
+  std::array<const char*, 2> words;  ///< their names
   std::size_t first_word;
   std::size_t word_count;
   bool limited;
 };
-inline constexpr std::array<AwbRow, 6> kAwbRows{{{'A', 0, 2, true},
-                                                 {'B', 2, 2, true},
-                                                 {'C', 4, 2, true},
-                                                 {'D', 6, 2, true},
-                                                 {'E', 8, 1, false},
-                                                 {'F', 9, 1, false}}};
+/// By AwbControl.
+inline constexpr std::array<AwbRow, 6> kAwbRows{{{"A", {"a_slope", "a_intercept"}, 0, 2, true},
+                                                 {"B", {"b_slope", "b_intercept"}, 2, 2, true},
+                                                 {"C", {"c_slope", "c_intercept"}, 4, 2, true},
+                                                 {"D", {"d_slope", "d_intercept"}, 6, 2, true},
+                                                 {"E", {"e_intercept"}, 8, 1, false},
+                                                 {"F", {"f_intercept"}, 9, 1, false}}};
+constexpr const AwbRow& awb_row(AwbControl line) {
+  return kAwbRows[static_cast<std::size_t>(line)];
+}
 
 /// A patch of the chart: its caption, and for the chromatic rows the published sRGB colour.
 struct AwbPatch {
@@ -83,21 +93,78 @@ inline constexpr std::array<AwbPatch, kAwbPatchCount> kAwbPatches{{
     {"2400K or Under", {0, 0, 0}, true},
 }};
 
-/// Copies the values into entries 181..200 and 213..284, patches limited to 0..255.
-void save_to_user_data(const AwbValues& values, UserDataImage& image);
-/// The reverse; the words of A to D come back limited to -800..800, those of E and F as they were saved.
-void reload_from_user_data(AwbValues& values, const UserDataImage& image);
+constexpr int limited_awb_word(int value) {
+  return std::clamp(value, -kAwbLineLimit, kAwbLineLimit);
+}
+/// A word of A to D as the chip reports it. None lies above the limit, so what does is a negative one.
+inline constexpr Encoding kAwbLineWord{[](int value) { return value; },
+                                       [](int word) { return word > kAwbLineLimit ? word - 0x10000 : word; }};
+/// The same in a file, which may hold what was typed in and not limited yet: that becomes the nearest that
+/// the chip takes.
+inline constexpr Encoding kAwbLineWordOfFile{
+    [](int value) { return value; }, [](int word) { return limited_awb_word(kSigned16.decode(word)); }};
+inline constexpr Encoding kAwbColour{[](int value) { return std::clamp(value, 0, 255); },
+                                     [](int stored) { return stored; }};
 
-/// Register that asks the chip for the ten words.
-inline constexpr std::uint8_t kAwbQuery = 0x36;
-/// The answer to kAwbQuery; the patches stay those of `current`. Nothing when the reply is too short.
-std::optional<AwbValues> decode_awb_reply(std::string_view reply, AwbValues current);
-/// The answer as the chip gives it, 40 hex digits.
-std::string encode_awb_reply(const AwbValues& values);
+/// The page: the lines' words, which the chip reports in ten times four digits, and the patches, which only a
+/// file knows.
+struct AwbPage {
+  using Values = AwbValues;
+  static constexpr DeskTexts kTexts{"awb", 0x36, "AWB Data Load Fail...", "Load Isp Ok.", "Load File Ok."};
+
+  template <class V, class Visitor>
+  static constexpr void fields(V& values, Visitor& visit) {
+    for (int line = 0; line < static_cast<int>(kAwbRows.size()); ++line)
+      for (std::size_t i = 0; i < kAwbRows[line].word_count; ++i) word(line, i, values, visit);
+    for (std::size_t k = 0; k < kAwbPatchCount; ++k) {
+      component("r", "R", k, 0, values.patches[k].r, visit);
+      component("g", "G", k, 1, values.patches[k].g, visit);
+      component("b", "B", k, 2, values.patches[k].b, visit);
+    }
+  }
+
+ private:
+  static constexpr Range kWord{-0x8000, 0x7FFF};
+  /// What the chip may report of A to D reaches down to the negative of 801, and has to be shown.
+  static constexpr Range kTakenLineWord{kAwbLineLimit + 1 - 0x10000, 0x7FFF};
+
+  template <class V, class Visitor>
+  static constexpr void word(int line, std::size_t i, V& values, Visitor& visit) {
+    const AwbRow& row = kAwbRows[line];
+    const int at = static_cast<int>(row.first_word + i);
+    Field field{.caption = {row.name, i + 1 == row.word_count ? "Intercept" : "Slope"},
+                .entry = 181 + 2 * at,
+                .reply = 4 * at,
+                .range = kWord,
+                .unit = "(256 is 1.0)",
+                .address = kAwbFirstWord + at,
+                .sent_by = line,
+                .saved = true,
+                .as = &kSigned16};
+    if (row.limited) {
+      field.range = {-kAwbLineLimit, kAwbLineLimit};
+      field.taken = kTakenLineWord;
+      field.as = &kAwbLineWord;
+      field.entry_as = &kAwbLineWordOfFile;
+    }
+    visit.word({row.words[i]}, values.words[at], field);
+  }
+  template <class T, class Visitor>
+  static constexpr void component(const char* name, const char* caption, std::size_t patch, int place,
+                                  T& value, Visitor& visit) {
+    visit.byte(Words("patch", name).numbered(patch + 1), value,
+               {.caption = {kAwbPatches[patch].caption, caption},
+                .entry = 213 + 3 * static_cast<int>(patch) + place,
+                .taken = Range{0, 9999},
+                .unit = "(drawn as 255 above)",
+                .as = &kAwbColour});
+  }
+};
+static_assert(fields_hold<AwbPage>());
 
 /// Applies the limit of the row's "S" button.
 void limit_awb_row(AwbValues& values, const AwbRow& row);
-/// "S" of a row, after limit_awb_row: its words, kept.
+/// "S" of a row, after limit_awb_row(): its words, kept.
 Traffic awb_row_traffic(const AwbValues& values, const AwbRow& row);
 /// "File/Flash Save".
 Traffic awb_save_traffic(const AwbValues& values);

@@ -17,7 +17,7 @@ ChartLine sloped_line(const AwbValues& values, const AwbRow& row, ChartPen pen, 
   const double slope = values.words[row.first_word] / kFraction;
   const double intercept = values.words[row.first_word + 1] / kFraction;
   const ChartPoint left = to_pixels(kLineLeft, slope * kLineLeft + intercept);
-  return {row.name, pen, left, to_pixels(kLineRight, slope * kLineRight + intercept), {letter_x, left.y}};
+  return {*row.name, pen, left, to_pixels(kLineRight, slope * kLineRight + intercept), {letter_x, left.y}};
 }
 
 ChartLine vertical_line(int word) {

@@ -152,7 +152,8 @@ class FieldFind : public EachField<FieldFind> {
     if (static_cast<const void*>(&value) == value_) found = at_;
     ++at_;
   }
-  std::optional<std::size_t> found;
+  static constexpr std::size_t kNowhere = static_cast<std::size_t>(-1);
+  std::size_t found = kNowhere;
 
  private:
   const void* value_;

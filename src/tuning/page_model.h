@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -88,7 +89,8 @@ class PageModel final : public TuningModel {
   std::size_t field(const T& value) const {
     FieldFind find(&value);
     Page::fields(values, find);
-    return find.found.value();
+    if (find.found == FieldFind::kNowhere) throw std::logic_error("no value of the page");
+    return find.found;
   }
 
   const std::vector<FieldInfo>& fields() const override { return field_list<Page>(); }

@@ -24,6 +24,10 @@ TEST(SettingsTable, HoldsEveryEntryOnceAndEveryNameOnce) {
 TEST(SettingsTable, FindsWhatThePagesKeepWhere) {
   const SettingsTable table;
   const std::map<const char*, Entries> cases = {{"gamma.r[5]", {55, 56}},
+                                                {"awb.a_intercept", {183, 184}},
+                                                {"awb.d_slope", {193, 194}},
+                                                {"awb.e_intercept", {197, 198}},
+                                                {"awb.patch2.g", {217}},
                                                 {"awb.patch24.b", {284}},
                                                 {"dynamic.cvi.contrast.step5", {844}},
                                                 {"matrix.cvbs.light2.b[2]", {687, 688}},

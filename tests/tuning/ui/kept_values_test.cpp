@@ -33,10 +33,9 @@ struct KeptPage {
 template <class Case>
 class KeptValues : public test::PageBench<typename Case::Dialog> {};
 
-using Cases =
-    testing::Types<Kept<CDlgAeTune, DynamicValues, encode_dynamic_reply>,
-                   Kept<CDlgIspAwb, AwbValues, encode_awb_reply>, KeptPage<CDlgIspGammaRgb, GammaPage>,
-                   KeptPage<CDlgIspLSC, LensPage>, KeptPage<CDlgIspMatrix, MatrixPage>>;
+using Cases = testing::Types<Kept<CDlgAeTune, DynamicValues, encode_dynamic_reply>,
+                             KeptPage<CDlgIspAwb, AwbPage>, KeptPage<CDlgIspGammaRgb, GammaPage>,
+                             KeptPage<CDlgIspLSC, LensPage>, KeptPage<CDlgIspMatrix, MatrixPage>>;
 TYPED_TEST_SUITE(KeptValues, Cases);
 
 TYPED_TEST(KeptValues, OfFileAndChipAreStoredAsTheyCame) {

@@ -1,0 +1,116 @@
+#include "tuning/awb_desk.h"
+
+#include "support/desk_bench.h"
+#include "support/desk_fields.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr const char* kWords[] = {"a_slope",     "a_intercept", "b_slope",     "b_intercept", "c_slope",
+                                  "c_intercept", "d_slope",     "d_intercept", "e_intercept", "f_intercept"};
+
+class AwbDeskTest : public test::DeskBench {
+ protected:
+  void type(const char* name, int number) {
+    desk_.model().set_number(test::field_place(desk_, name), number);
+  }
+  int number(const char* name) const { return desk_.model().numbers()[test::field_place(desk_, name)]; }
+  void load(const std::string& reply) {
+    desk_.start_load();
+    answer_load(reply);
+  }
+  std::vector<int> words() const {
+    std::vector<int> numbers;
+    for (const char* word : kWords) numbers.push_back(number(word));
+    return numbers;
+  }
+
+  AwbDesk desk_{host_, host_.doc.user_data};
+};
+
+TEST_F(AwbDeskTest, SendsALineKeptAndAKeyInOneWrite) {
+  type("a_slope", 900);
+  type("a_intercept", -2);
+  desk_.send_line(AwbControl::line_a);
+  EXPECT_EQ(number("a_slope"), 800);
+  for (const RegisterWrite key :
+       {kAwbMarkNone, kAwbMarkSet, kAwbMarkCheck, kAwbUp, kAwbDown, kAwbLeft, kAwbRight})
+    desk_.press(key);
+  type("f_intercept", -40000);
+  desk_.send_line(AwbControl::line_f);
+  EXPECT_EQ(wire(),
+            "@fa01*@0d03*@0d20*@0eff*@0efe*@fa00*@3200*@3300*@3400*@0100*@0101*@0102*@0103*"
+            "@fa01*@1680*@1600*@fa00*");
+}
+
+TEST_F(AwbDeskTest, LimitsEightWordsOfTenWhenTheyAreSet) {
+  for (const char* word : kWords) type(word, 900);
+  desk_.start_save(desk_.save());
+  EXPECT_EQ(wire(2000).find("@0d03*@0d20*"), std::string::npos)
+      << "what was typed and not set is saved as it is";
+  for (int line = 0; line < 6; ++line) desk_.send_line(static_cast<AwbControl>(line));
+  EXPECT_EQ(wire(),
+            "@fa01*@0d03*@0d20*@0e03*@0e20*@fa00*@fa01*@0f03*@0f20*@1003*@1020*@fa00*"
+            "@fa01*@1103*@1120*@1203*@1220*@fa00*@fa01*@1303*@1320*@1403*@1420*@fa00*"
+            "@fa01*@1503*@1584*@fa00*@fa01*@1603*@1684*@fa00*");
+  EXPECT_EQ(words(), (std::vector<int>{800, 800, 800, 800, 800, 800, 800, 800, 900, 900}));
+  test::expect_controls_write_registers(desk_);
+}
+
+TEST_F(AwbDeskTest, LimitsThemAsTheyComeFromAFileAndNotFromTheChip) {
+  UserDataImage& file = host_.doc.user_data;
+  for (int word = 0; word < 10; ++word) file.set_word(181 + 2 * static_cast<std::size_t>(word), -900);
+  desk_.load_file();
+  EXPECT_EQ(words(), (std::vector<int>{-800, -800, -800, -800, -800, -800, -800, -800, -900, -900}));
+  EXPECT_EQ(host_.last_status(), "Load File Ok.");
+  file.mark_loaded();
+  EXPECT_EQ(AwbDesk(host_, file).values(), desk_.values()) << "a page that is opened after the file";
+
+  std::string reply;
+  for (int word = 0; word < 10; ++word) reply += "0384";
+  load(reply);
+  const int negative = 900 - 65536;
+  EXPECT_EQ(words(), (std::vector<int>{negative, negative, negative, negative, negative, negative, negative,
+                                       negative, 900, 900}));
+}
+
+TEST_F(AwbDeskTest, SavesTheChipsLinesAsTheyCame) {
+  type("a_slope", 7);
+  load("01020203fffefce0032101050106010704098000");
+  EXPECT_EQ(wire(), "@3600*");
+  EXPECT_EQ(host_.last_status(), "Load Isp Ok.");
+  EXPECT_EQ(number("a_slope"), 0x102);
+  EXPECT_EQ(number("c_slope"), 0x321 - 65536) << "beyond the limit";
+
+  desk_.start_save(desk_.save());
+  desk_.start_save(desk_.save());
+  EXPECT_EQ(wire(),
+            "@f901*@fa01*@0d01*@0d02*@0e02*@0e03*@0fff*@0ffe*@10fc*@10e0*@1103*@1121*@1201*@1205*@1301*@1306*"
+            "@1401*@1407*@1504*@1509*@1680*@1600*@fa00*@f900*");
+  EXPECT_EQ(fake_.sender.writes.size(), 1u + 14) << "each word in a flush of its own, and one save only";
+  EXPECT_EQ(host_.last_status(), "AWB Data Save Done.");
+}
+
+TEST_F(AwbDeskTest, AMeasuredColourBecomesThePatchThatWasChosen) {
+  fake_.sender.chip = [this](const std::string& bytes) {
+    if (bytes == "@940c*@9492*") fake_.receive("~a0^");
+    if (bytes == "@940c*@9496*") fake_.receive("~B1^");
+    if (bytes == "@940c*@949a*") fake_.receive("~c2^");
+  };
+  desk_.choose_patch(20);
+  desk_.get_color();
+  desk_.choose_patch(3);
+  EXPECT_EQ(wire(), "@940c*@9492*@940c*@9496*@940c*@949a*");
+  EXPECT_EQ(desk_.values().patches[20], (PatchColour{0xA0, 0xB1, 0xC2}));
+  desk_.model().store(host_.doc.user_data);
+  EXPECT_EQ(host_.doc.user_data.word(274), 0xB1C2);
+
+  fake_.sender.chip = nullptr;
+  desk_.get_color();
+  fake_.advance(5000);
+  EXPECT_EQ(host_.last_status(), "GET COLOR: no answer from 0xFC92");
+  EXPECT_EQ(desk_.values().patches[3], PatchColour{});
+}
+
+}  // namespace
+}  // namespace qv5123
