@@ -44,7 +44,7 @@ void read_as_every_page(const std::string& block) {
   take_page<LensPage>(block);
   take_page<AwbPage>(block);
   take_page<MatrixPage>(block);
-  take(decode_dynamic_reply(block, {}));
+  take_page<DynamicPage>(block);
 }
 
 /// A control that shows the console: told of changes only. Counts as the console does, in UTF-16 units, of

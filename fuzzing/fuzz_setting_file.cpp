@@ -40,7 +40,7 @@ void through_every_page(const UserDataImage& image) {
   through_page<LensPage>(image);
   through_page<AwbPage>(image);
   through_page<MatrixPage>(image);
-  through<DynamicValues>(image);
+  through_page<DynamicPage>(image);
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "tuning/dynamic.h"
 #include "tuning/front.h"
 
 namespace qv5123 {
@@ -35,6 +34,5 @@ void add_member(Members<Values>& members, std::string name, Access access) {
 // The numbers of the tuning pages as the pages show them, in the order in which
 // they are printed.
 Members<FrontValues> front_members();
-Members<DynamicValues> dynamic_members();
 
 }  // namespace qv5123

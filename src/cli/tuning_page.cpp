@@ -6,6 +6,7 @@
 
 #include "cli/members.h"
 #include "tuning/awb.h"
+#include "tuning/dynamic.h"
 #include "tuning/gamma.h"
 #include "tuning/lens_shading.h"
 #include "tuning/matrix_flow.h"
@@ -28,9 +29,6 @@ struct PageKind {
   static void load(Values& values, const UserDataImage& image) {
     reload_from_user_data(values, image);
   }
-  /// True where the full save sends every value that has an entry, whatever a
-  /// trial of it makes of that.
-  static constexpr bool kSavesEverything = false;
 };
 
 struct FrontKind : PageKind {
@@ -52,26 +50,6 @@ struct FrontKind : PageKind {
     values.color_suppress = true;
     const ImageEntry on = front_effect(FrontControl::ColorSuppress, values).entries.at(0);
     values.color_suppress = image.entry(on.index) == on.value;
-  }
-};
-
-struct DynamicKind : PageKind {
-  using Values = DynamicValues;
-  // A single cell tried in a row of zeros is corrected away before it is sent.
-  static constexpr bool kSavesEverything = true;
-  static constexpr std::uint8_t kTrigger = kDynamicQuery;
-  static Members<Values> members() { return dynamic_members(); }
-  static auto decode(std::string_view reply) { return decode_dynamic_reply(reply, {}); }
-  static std::string encode(const Values& values) { return encode_dynamic_reply(values); }
-  static TuningPage::Save save(Values& values, const UserDataImage& image) {
-    const auto bank = selected_bank(values.ir_led, values.video_mode).value_or(BankId::Tvi);
-    const StepGrid grid = decode_step_bank(values.banks[static_cast<std::size_t>(bank)]);
-    DynamicSave saved = dynamic_save(values, grid, image);
-    values = saved.values;
-    TuningPage::Save save{std::move(saved.traffic), kFlashStoreTime, {}, {}};
-    for (const StepMessage& message : saved.messages)
-      save.warnings.push_back(message.title + ": " + message.text);
-    return save;
   }
 };
 
@@ -136,8 +114,7 @@ class PageOf final : public TuningPage {
     const auto reply = [](const Values& values) { return Kind::encode(values); };
     const auto traffic = [](Values values) { return Kind::save(values, UserDataImage()).traffic; };
     std::vector<std::size_t> entries = entries_of(member);
-    const bool in_save = Kind::kSavesEverything ? !entries.empty() : reacts(member, traffic);
-    return {name() + "." + member.name, std::move(entries), reacts(member, reply), in_save};
+    return {name() + "." + member.name, std::move(entries), reacts(member, reply), reacts(member, traffic)};
   }
 
   static Values trial(const Member<Values>& member, int number) {
@@ -173,7 +150,7 @@ class PageOf final : public TuningPage {
 
 /// A page that has a model.
 template <class Page>
-class ModelPage final : public TuningPage {
+class ModelPage : public TuningPage {
  public:
   using FullSave = Traffic (*)(const typename Page::Values&);
   using AfterSave = Task<> (*)(CommandLink&);
@@ -211,6 +188,29 @@ class ModelPage final : public TuningPage {
   AfterSave after_save_;
 };
 
+/// Its full save corrects values, and takes some that are no page's from the image.
+class DynamicModelPage final : public ModelPage<DynamicPage> {
+ public:
+  explicit DynamicModelPage(std::string name) : ModelPage(std::move(name), nullptr) {}
+  /// Steps are limited whenever they are sent, wherever they came from.
+  void store(std::size_t value, int number, UserDataImage& image) const override {
+    const FieldInfo& field = field_list<DynamicPage>()[value];
+    const bool is_step = field.sent_by >= control_number(DynamicControl::step_row);
+    ModelPage::store(value, is_step ? std::clamp(number, field.range.lowest, field.range.highest) : number,
+                     image);
+  }
+  Save save(const UserDataImage& image) const override {
+    PageModel<DynamicPage> model;
+    model.load_all(image);
+    DynamicSave all = dynamic_save(model.values, image);
+    model.values = std::move(all.values);
+    Save save{std::move(all.traffic), kFlashStoreTime, model.numbers(), {}};
+    for (const StepMessage& message : all.messages)
+      save.warnings.push_back(message.title + ": " + message.text);
+    return save;
+  }
+};
+
 template <class Kind>
 std::unique_ptr<TuningPage> make(std::string_view name) {
   return std::make_unique<PageOf<Kind>>(std::string(name));
@@ -221,7 +221,7 @@ std::unique_ptr<TuningPage> make(std::string_view name) {
 std::unique_ptr<TuningPage> make_tuning_page(std::string_view name) {
   if (name == "front") return make<FrontKind>(name);
   if (name == "awb") return std::make_unique<ModelPage<AwbPage>>(std::string(name), awb_save_traffic);
-  if (name == "dynamic") return make<DynamicKind>(name);
+  if (name == "dynamic") return std::make_unique<DynamicModelPage>(std::string(name));
   if (name == "gamma") return std::make_unique<ModelPage<GammaPage>>(std::string(name), gamma_full_save);
   if (name == "matrix")
     return std::make_unique<ModelPage<MatrixPage>>(std::string(name), matrix_full_save, end_capture);

@@ -1,29 +1,44 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "console/user_data_image.h"
 #include "link/register_write.h"
+#include "tuning/desk_texts.h"
+#include "tuning/field_visitors.h"
 #include "tuning/step_table.h"
 
 /// The dynamic AE/AWB control page without its window.
 namespace qv5123 {
 
+namespace dynamic_register {
+inline constexpr std::uint8_t kFirstWeights =
+    0x2F;                                           ///< of Outdoor; the other light sources have the next two
+inline constexpr std::uint8_t kFirstNumber = 0x37;  ///< of kDynamicNumbers, which have the next five
+inline constexpr std::uint8_t kSourceSelect = 0x4E;  ///< for what follows of a light source
+inline constexpr std::uint8_t kFirstKind = 0x4F;     ///< a light source's value, if it is of kind 0
+inline constexpr std::uint8_t kSaturation = 0x5B;
+inline constexpr std::uint8_t kOrientation = 0x5F;
+inline constexpr std::uint8_t kHue = 0x60;
+inline constexpr std::uint8_t kSmartIr = 0x67;
+inline constexpr std::uint8_t kDpc = 0x8C;
+}  // namespace dynamic_register
+
 inline constexpr std::size_t kLightSources = 3;
-inline constexpr int kHighestLightSourceKind = 2;
+inline constexpr int kLightSourceKinds = 3;
 inline constexpr std::array<const char*, kLightSources> kLightSourceNames{"Outdoor", "Light-1", "Light-2"};
 
 /// A light-source selection record: kind 0, 1 or 2, and its value 0..255.
 struct LightSource {
   int kind = 0;
   int value = 0;
+  constexpr bool known() const { return kind >= 0 && kind < kLightSourceKinds; }
   friend bool operator==(const LightSource&, const LightSource&) = default;
 };
 
@@ -34,8 +49,8 @@ struct AwbWeights {
   friend bool operator==(const AwbWeights&, const AwbWeights&) = default;
 };
 
-/// "Video Mode:" items, by index.
-inline constexpr std::array<const char*, 4> kVideoModeNames{"TVI", "AHD", "CVI", "CVBS"};
+inline constexpr int kMirror = 1;
+inline constexpr int kFlip = 2;
 
 /// What the page shows; it starts where its bars stand before anything is loaded.
 struct DynamicValues {
@@ -46,16 +61,14 @@ struct DynamicValues {
   int ae_speed = 1;
   /// Register 0x3C; what the chip makes of it is not known to the page.
   int further_ae = 0;
-  /// Bit 0 mirror, bit 1 flip.
+  /// kMirror, kFlip.
   int orientation = 0;
   /// By BankId.
-  std::array<StepBank, kStepBanks> banks{neutral_step_bank(), neutral_step_bank(), neutral_step_bank(),
+  std::array<StepGrid, kStepBanks> banks{neutral_step_bank(), neutral_step_bank(), neutral_step_bank(),
                                          neutral_step_bank(), neutral_step_bank()};
   std::array<LightSource, kLightSources> light_sources{};
-  /// -64..191 each.
   std::array<int, kLightSources> saturation{};
   std::array<AwbWeights, kLightSources> weights{};
-  /// -45..45.
   int hue_angle = 0;
   int dpc_decision = 1;
   int smart_ir = 0;
@@ -69,82 +82,250 @@ struct DynamicValues {
 /// The bank that the grid shows; nothing when the chip reported a video format that no bank belongs to.
 std::optional<BankId> selected_bank(bool ir_led, int video_mode);
 
-struct BarRange {
-  int lowest;
-  int highest;
-};
-/// A number with a bar, an edit and a "Set" of one write. The first three ask before they are set, since
-/// the ISO steps depend on them.
-struct DynamicNumber {
-  const char* caption;
-  std::uint8_t address;
-  std::size_t entry;
-  BarRange range;
-  int DynamicValues::*value;
-};
-/// In reply order.
-inline constexpr std::array<DynamicNumber, 6> kDynamicNumbers{{
-    {"Sensor Analog Gain", 0x37, 285, {1, 100}, &DynamicValues::analog_gain},
-    {"Sensor Digital Gain", 0x38, 286, {1, 100}, &DynamicValues::sensor_digital_gain},
-    {"ISP Digital Gain", 0x39, 287, {1, 127}, &DynamicValues::isp_digital_gain},
-    {"AE Target", 0x3A, 288, {0, 50}, &DynamicValues::ae_target},
-    {"AE Speed", 0x3B, 289, {1, 8}, &DynamicValues::ae_speed},
-    {"AE 0x3C", 0x3C, 290, {0, 255}, &DynamicValues::further_ae},
-}};
+/// The numbers with a bar, an edit and a "Set" of one write, in reply order. The first three ask before they
+/// are set, since the ISO steps depend on them.
+inline constexpr std::array<int DynamicValues::*, 6> kDynamicNumbers{
+    &DynamicValues::analog_gain,      &DynamicValues::sensor_digital_gain,
+    &DynamicValues::isp_digital_gain, &DynamicValues::ae_target,
+    &DynamicValues::ae_speed,         &DynamicValues::further_ae};
 inline constexpr std::size_t kGainCount = 3;
-inline constexpr char kGainQuestionTitle[] = "Gain Control";
-inline constexpr char kGainQuestion[] = "If this option changed, must be reset of Image TUNE by ISO step";
 
-inline constexpr BarRange kLightSourceRange{-250, 250};
-inline constexpr BarRange kSaturationRange{-64, 191};
-inline constexpr BarRange kWeightRange{-50, 50};
-inline constexpr BarRange kDpcRange{1, 255};
-inline constexpr BarRange kHueRange{-45, 45};
-
-/// Entry of the mirror/flip flags, stored as soon as they change.
-inline constexpr std::size_t kOrientationEntry = 291;
-
-/// Position of "Light source Sum :" for a record: its value, negated for kind 0.
+/// "Light source Sum :", the bar.
+inline constexpr Range kLightSourceRange{-250, 250};
+/// Its position for a record: the value, negated for kind 0.
 int light_source_bar(const LightSource& record);
 /// The record after the bar was moved: below 0 kind 0, above 0 kind 1 unless it was 2; at 0 the kind stays.
 LightSource light_source_from_bar(int bar, const LightSource& before);
 
+inline constexpr Encoding kSaturationByte{[](int value) { return value + 64; },
+                                          [](int stored) { return stored - 64; }};
 /// One byte for -45..45: angles below 0 follow after 45.
-constexpr int encode_hue(int angle) {
-  return angle >= 0 ? angle : 45 - angle;
+inline constexpr Encoding kHueByte{[](int angle) { return angle >= 0 ? angle : 45 - angle; },
+                                   [](int stored) { return stored <= 45 ? stored : 45 - stored; }};
+
+inline constexpr Range kWeightRange{-50, 50};
+constexpr int limited_weight(int weight) {
+  return std::clamp(weight, kWeightRange.lowest, kWeightRange.highest);
 }
-constexpr int decode_hue(int stored) {
-  return stored <= 45 ? stored : 45 - stored;
-}
+/// Whatever is above the largest weight can only be a negative one.
+inline constexpr Encoding kWeight{
+    limited_weight,
+    [](int word) { return limited_weight(word > kWeightRange.highest ? word - 0x10000 : word); }};
+/// What is kept of it is the position of a bar, which has none below 1.
+inline constexpr Encoding kDpcByte{[](int value) { return value; },
+                                   [](int stored) { return stored < 1 ? 1 : stored; }};
 
 /// "Video Mode:" index for a chip's video format code; codes above 13 stay as they are.
-int video_mode_of_format(int code);
+constexpr int video_mode_of_format(int code) {
+  constexpr std::array kModes{0, 0, 1, 1, 2, 2, 0, 0, 1, 1, 2, 2, 3, 3};
+  return code >= 0 && code < static_cast<int>(kModes.size()) ? kModes[static_cast<std::size_t>(code)] : code;
+}
 /// A format code that video_mode_of_format maps to `video_mode`.
-int format_of_video_mode(int video_mode);
+constexpr int format_of_video_mode(int video_mode) {
+  constexpr std::array kFormats{0, 2, 4, 12};
+  return video_mode >= 0 && video_mode < static_cast<int>(kFormats.size())
+             ? kFormats[static_cast<std::size_t>(video_mode)]
+             : video_mode;
+}
+inline constexpr Encoding kFormat{format_of_video_mode, video_mode_of_format};
 
-/// Copies the values into entries 201..212, 285..381, 436..439, 478, 583, 592..633, 707..748 and 803..844.
-/// The entries of a light-source record of no known kind are left alone.
-void save_to_user_data(const DynamicValues& values, UserDataImage& image);
-/// The reverse. The IR-LED check and the video mode have no entries and stay.
-void reload_from_user_data(DynamicValues& values, const UserDataImage& image);
+/// The page's controls that send values.
+enum class DynamicControl {
+  first_number,  ///< six, as in kDynamicNumbers
+  orientation = first_number + static_cast<int>(kDynamicNumbers.size()),
+  hue_angle,
+  dpc_decision,
+  smart_ir,
+  light_source,  ///< one for each light source, and so the two after it
+  saturation = light_source + static_cast<int>(kLightSources),
+  weights = saturation + static_cast<int>(kLightSources),
+  step_row = weights + static_cast<int>(kLightSources),  ///< six for each bank
+};
+/// The control's number where there are several of it: `index` is that of the number, the light source, or
+/// the row, kStepRows to a bank.
+constexpr int control_number(DynamicControl control, std::size_t index = 0) {
+  return static_cast<int>(control) + static_cast<int>(index);
+}
 
-/// Register that asks the chip for all values.
-inline constexpr std::uint8_t kDynamicQuery = 0x69;
-/// The answer to kDynamicQuery, 243 bytes. Nothing when it is too short.
-std::optional<DynamicValues> decode_dynamic_reply(std::string_view reply, DynamicValues current);
-/// The answer as the chip gives it.
-std::string encode_dynamic_reply(const DynamicValues& values);
+/// The page: a reply of 243 bytes.
+struct DynamicPage {
+  using Values = DynamicValues;
+  static constexpr DeskTexts kTexts{"dynamic", 0x69, "AE_Tune Data Load Fail...", "Load Isp ok",
+                                    "Load File ok"};
 
-/// Limits all six AWB weights to -50..50.
-void limit_weights(DynamicValues& values);
+  template <class V, class Visitor>
+  static constexpr void fields(V& values, Visitor& visit) {
+    numbers(values, visit);
+    visit.byte({"orientation"}, values.orientation,
+               {.caption = {"Mirror/Flip"},
+                .entry = 291,
+                .reply = 0,
+                .address = dynamic_register::kOrientation,
+                .sent_by = control_number(DynamicControl::orientation),
+                .saved = true});
+    for (std::size_t bank = 0; bank < kStepBanks; ++bank)
+      for (std::size_t row = 0; row < kStepRows; ++row) step_row(bank, row, values.banks[bank][row], visit);
+    light("outdoor", 0, values, visit);
+    light("light1", 1, values, visit);
+    light("light2", 2, values, visit);
+    single_values(values, visit);
+  }
 
-Batch number_write(const DynamicValues& values, const DynamicNumber& number);
+  /// Leaves the entries of a light-source record of no known kind alone.
+  static void store(const Values& values, UserDataImage& image) {
+    const UserDataImage before = image;
+    store_fields<DynamicPage>(values, image);
+    for (std::size_t source = 0; source < kLightSources; ++source) {
+      const auto record = static_cast<std::size_t>(record_entry(source));
+      if (!values.light_sources[source].known()) image.set_word(record, before.word(record));
+    }
+  }
+
+ private:
+  /// Places in the reply are those of characters, two to a byte.
+  static constexpr int reply_byte(std::size_t byte) { return 2 * static_cast<int>(byte); }
+  static constexpr int record_entry(std::size_t source) { return 376 + 2 * static_cast<int>(source); }
+
+  template <class V, class Visitor>
+  static constexpr void numbers(V& values, Visitor& visit) {
+    number({"analog_gain"}, {"Sensor Analog Gain"}, 0, {1, 100}, values, visit);
+    number({"sensor_digital_gain"}, {"Sensor Digital Gain"}, 1, {1, 100}, values, visit);
+    number({"isp_digital_gain"}, {"ISP Digital Gain"}, 2, {1, 127}, values, visit);
+    number({"ae_target"}, {"AE Target"}, 3, {0, 50}, values, visit);
+    number({"ae_speed"}, {"AE Speed"}, 4, {1, 8}, values, visit);
+    number({"further_ae"}, {"AE 0x3C"}, 5, {0, 255}, values, visit);
+  }
+  template <class V, class Visitor>
+  static constexpr void number(const Words& name, const Words& caption, std::size_t i, const Range& range,
+                               V& values, Visitor& visit) {
+    visit.byte(name, values.*kDynamicNumbers[i],
+               {.caption = caption,
+                .entry = 285 + static_cast<int>(i),
+                .reply = reply_byte(1 + i),
+                .range = range,
+                .address = dynamic_register::kFirstNumber + static_cast<int>(i),
+                .sent_by = control_number(DynamicControl::first_number, i),
+                .saved = true});
+  }
+
+  /// The chip names the same cell of all banks before it goes on to the next cell.
+  template <class Row, class Visitor>
+  static constexpr void step_row(std::size_t bank, std::size_t row, Row& cells, Visitor& visit) {
+    const StepRowRule& rule = kStepRules[row];
+    for (std::size_t step = 0; step < kStepColumns; ++step) {
+      const std::size_t cell = kStepColumns * row + step;
+      // The offset of ISO is no number that anybody types.
+      const bool is_kept_byte = row == kRowIso && step == 0;
+      visit.byte({kStepBankPlaces[bank].name, rule.name, kStepColumnNames[step]}, cells[step],
+                 {.caption = {rule.caption, kStepColumnLabels[step]},
+                  .entry = kStepBankPlaces[bank].first_entry + static_cast<int>(cell),
+                  .reply = reply_byte(7 + kStepBanks * cell + bank),
+                  .range = is_kept_byte ? Range{} : rule.range,
+                  .address = step_register(static_cast<BankId>(bank), row),
+                  .sent_by = control_number(DynamicControl::step_row, kStepRows * bank + row),
+                  .saved = true,
+                  .as = &rule.as});
+    }
+  }
+
+  template <class V, class Visitor>
+  static constexpr void light(const char* name, std::size_t source, V& values, Visitor& visit) {
+    record(name, source, values.light_sources[source], visit);
+    visit.byte({name, "saturation"}, values.saturation[source],
+               {.caption = {"Saturation"},
+                .entry = 436 + static_cast<int>(source),
+                .reply = reply_byte(223 + source),
+                .range = {-64, 191},
+                .address = dynamic_register::kSaturation,
+                .sent_by = control_number(DynamicControl::saturation, source),
+                .saved = true,
+                .as = &kSaturationByte});
+    weight({name, "weight_r"}, {"AWB R Weight"}, source, 0, values.weights[source].r, visit);
+    weight({name, "weight_b"}, {"AWB B Weight"}, source, 1, values.weights[source].b, visit);
+  }
+  template <class Record, class Visitor>
+  static constexpr void record(const char* name, std::size_t source, Record& record, Visitor& visit) {
+    Field field{.caption = {"Light source kind"},
+                .entry = record_entry(source),
+                .reply = reply_byte(217 + 2 * source),
+                .range = {0, kLightSourceKinds - 1},
+                .sent_by = control_number(DynamicControl::light_source, source),
+                .saved = true};
+    visit.byte({name, "kind"}, record.kind, field);
+    field.caption = {"Light source value"};
+    field.entry += 1;
+    field.reply += 2;
+    field.range = {0, 255};
+    visit.byte({name, "value"}, record.value, field);
+  }
+  template <class T, class Visitor>
+  static constexpr void weight(const Words& name, const Words& caption, std::size_t source, std::size_t place,
+                               T& value, Visitor& visit) {
+    visit.word(name, value,
+               {.caption = caption,
+                .entry = 201 + static_cast<int>(4 * source + 2 * place),
+                .reply = reply_byte(228 + 4 * source + 2 * place),
+                .range = kWeightRange,
+                .address = dynamic_register::kFirstWeights + static_cast<int>(source),
+                .sent_by = control_number(DynamicControl::weights, source),
+                .saved = true,
+                .as = &kWeight});
+  }
+
+  static constexpr std::array kSmartIrItems{"0", "1", "2", "3"};
+  static constexpr std::array kVideoModeItems{"TVI", "AHD", "CVI", "CVBS"};
+
+  template <class V, class Visitor>
+  static constexpr void single_values(V& values, Visitor& visit) {
+    visit.byte({"hue_angle"}, values.hue_angle,
+               {.caption = {"Angle"},
+                .entry = 439,
+                .reply = reply_byte(227),
+                .range = {-45, 45},
+                .unit = "degrees of hue, for all light sources",
+                .address = dynamic_register::kHue,
+                .sent_by = control_number(DynamicControl::hue_angle),
+                .saved = true,
+                .as = &kHueByte});
+    visit.byte({"dpc_decision"}, values.dpc_decision,
+               {.caption = {"Decision Value"},
+                .entry = 478,
+                .reply = reply_byte(226),
+                .range = {1, 255},
+                .address = dynamic_register::kDpc,
+                .sent_by = control_number(DynamicControl::dpc_decision),
+                .saved = true,
+                .as = &kDpcByte});
+    visit.byte({"smart_ir"}, values.smart_ir,
+               {.caption = {"Smart IR"},
+                .entry = 583,
+                .reply = reply_byte(240),
+                .range = {0, 3},
+                .format = FieldFormat::list,
+                .items = kSmartIrItems,
+                .address = dynamic_register::kSmartIr,
+                .sent_by = control_number(DynamicControl::smart_ir),
+                .saved = true});
+    visit.byte({"ir_led"}, values.ir_led,
+               {.caption = {"Case of IR-LED"}, .reply = reply_byte(241), .range = {0, 1}, .as = &kFlag});
+    visit.byte({"video_mode"}, values.video_mode,
+               {.caption = {"Video Mode"},
+                .reply = reply_byte(242),
+                .range = {0, 3},
+                .format = FieldFormat::list,
+                .items = kVideoModeItems,
+                .as = &kFormat});
+  }
+};
+static_assert(fields_hold<DynamicPage>());
+
+Batch number_write(const DynamicValues& values, std::size_t number);
 /// "MIRROR", "FLIP" and "None".
 Traffic orientation_traffic(const DynamicValues& values);
 /// "Set" of "Light source Sum :"; `source` is 0..2 here and below.
 Traffic light_source_traffic(const DynamicValues& values, std::size_t source);
 Traffic saturation_traffic(const DynamicValues& values, std::size_t source);
-/// "Set" of the AWB weights, after limit_weights: one flush of four writes.
+/// "Set" of the AWB weights: one flush of four writes.
 Batch weights_write(const DynamicValues& values, std::size_t source);
 Batch hue_write(const DynamicValues& values);
 /// "Set" of "Decision Value": three parameters that only the image knows, and the value.
@@ -155,12 +336,12 @@ Batch smart_ir_write(const DynamicValues& values);
 inline constexpr std::chrono::seconds kFlashStoreTime{10};
 
 struct DynamicSave {
-  /// The values after the order of the grid's rows was corrected.
+  /// The values after the order of the shown bank's rows was corrected.
   DynamicValues values;
   Traffic traffic;
   std::vector<StepMessage> messages;
 };
-/// "File/Flash Save". `grid` is what stands in the edits of the selected bank.
-DynamicSave dynamic_save(DynamicValues values, const StepGrid& grid, const UserDataImage& image);
+/// "File/Flash Save".
+DynamicSave dynamic_save(DynamicValues values, const UserDataImage& image);
 
 }  // namespace qv5123

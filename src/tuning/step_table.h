@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "link/register_write.h"
+#include "tuning/field.h"
 
 /// "Image Tune by ISO_step": six image parameters over an offset column and six ISO steps, once per bank.
 namespace qv5123 {
@@ -15,53 +16,72 @@ inline constexpr std::size_t kStepRows = 6;
 inline constexpr std::size_t kStepColumns = 7;
 inline constexpr std::size_t kStepBanks = 5;
 
-/// Bytes as the chip and the image hold them.
-using StepBytes = std::array<std::uint8_t, kStepColumns>;
-using StepBank = std::array<StepBytes, kStepRows>;
-/// Numbers as the page shows them.
+/// Numbers as the page shows them. Only the offset of ISO, which it always shows as 1, is the byte that chip
+/// or file had.
 using StepCells = std::array<int, kStepColumns>;
 using StepGrid = std::array<StepCells, kStepRows>;
 
 /// A bank, by its place in kStepBankPlaces; the order is that of the chip's reply and of the full save.
-enum class BankId : std::size_t { Tvi, IrLed, Cvbs, Ahd, Cvi };
+enum class BankId : std::size_t { tvi, ir_led, cvbs, ahd, cvi };
 struct BankPlace {
+  const char* name;
+  const char* caption;
   /// Register of the ISO row; the other rows use the next five.
-  std::uint8_t first_register;
+  int first_register;
   /// First of 42 entries of the user data image, row by row.
-  std::size_t first_entry;
+  int first_entry;
 };
-inline constexpr std::array<BankPlace, kStepBanks> kStepBankPlaces{
-    {{0x42, 292}, {0x48, 334}, {0xC3, 592}, {0xCE, 707}, {0xD4, 803}}};
+inline constexpr std::array<BankPlace, kStepBanks> kStepBankPlaces{{{"tvi", "TVI", 0x42, 292},
+                                                                    {"ir_led", "IR-LED", 0x48, 334},
+                                                                    {"cvbs", "CVBS", 0xC3, 592},
+                                                                    {"ahd", "AHD", 0xCE, 707},
+                                                                    {"cvi", "CVI", 0xD4, 803}}};
 
 enum StepRow : std::size_t { kRowIso, kRowBright, kRowSharpness, kRowNr, kRowFlatNr, kRowContrast };
-/// The labels' ranges are not those that are applied.
-inline constexpr std::array<const char*, kStepRows> kStepRowLabels{
-    "ISO(1~250)", "Bright", "Sharpness", "NR (1~255)", "Flat-NR (0~32)", "Contrast"};
+struct StepRowRule {
+  const char* name;
+  const char* caption;
+  /// With a range that is not the one that is applied.
+  const char* label;
+  /// What the numbers are limited to when they are typed or set.
+  Range range;
+  /// How they become bytes; those of a file or chip may lie outside the range.
+  Encoding as;
+  /// Title of the row's messages; a row without one may fall from step to step.
+  const char* title;
+};
+inline constexpr Encoding kBrightByte{[](int value) { return value + 64; },
+                                      [](int stored) { return stored - 64; }};
+inline constexpr Encoding kContrastByte{[](int value) { return (64 - value) & 0xFF; },
+                                        [](int stored) { return 64 - stored; }};
+inline constexpr std::array<StepRowRule, kStepRows> kStepRules{
+    {{"iso", "ISO", "ISO(1~250)", {0, 250}, kPlain, "ISO Control"},
+     {"bright", "Bright", "Bright", {-64, 191}, kBrightByte, nullptr},
+     {"sharpness", "Sharpness", "Sharpness", {0, 255}, kPlain, nullptr},
+     {"nr", "NR", "NR (1~255)", {0, 255}, kPlain, "NR Control"},
+     {"flat_nr", "Flat-NR", "Flat-NR (0~32)", {0, 255}, kPlain, "Flat NR Control"},
+     {"contrast", "Contrast", "Contrast", {-16, 32}, kContrastByte, nullptr}}};
+inline constexpr std::array<const char*, kStepColumns> kStepColumnNames{"offset", "step0", "step1", "step2",
+                                                                        "step3",  "step4", "step5"};
 inline constexpr std::array<const char*, kStepColumns> kStepColumnLabels{
     "Offset", "Step 0", "Step 1", "Step 2", "Step 3", "Step 4", "Step 5"};
 
 /// Receives the column of the value that is written next.
 inline constexpr std::uint8_t kStepSelectRegister = 0x41;
-inline constexpr std::uint8_t step_register(BankId bank, std::size_t row) {
-  return static_cast<std::uint8_t>(kStepBankPlaces[static_cast<std::size_t>(bank)].first_register + row);
+constexpr int step_register(BankId bank, std::size_t row) {
+  return kStepBankPlaces[static_cast<std::size_t>(bank)].first_register + static_cast<int>(row);
+}
+/// One number as the chip holds it.
+inline RegisterWrite step_write(BankId bank, std::size_t row, int number) {
+  return {low_byte(step_register(bank, row)), low_byte(kStepRules[row].as.encode(number))};
 }
 
-/// The numbers that a row takes; others are limited to them.
-struct StepRange {
-  int lowest;
-  int highest;
-};
-StepRange step_range(std::size_t row);
-
-/// Bytes of a row of numbers, after limiting them: ISO 0..250 with an offset of 1, Bright -64..191,
-/// Contrast -16..32, the others 0..255. Bright is kept as value + 64, Contrast as 64 - value.
-StepBytes encode_step_row(std::size_t row, const StepCells& cells);
-/// Numbers that the page shows for a row; the ISO offset always shows 1.
-StepCells decode_step_row(std::size_t row, const StepBytes& bytes);
-StepGrid decode_step_bank(const StepBank& bank);
-
 /// A bank whose every cell shows 0, but the ISO row 1, its lowest as the label says.
-StepBank neutral_step_bank();
+constexpr StepGrid neutral_step_bank() {
+  StepGrid bank{};
+  bank[kRowIso].fill(1);
+  return bank;
+}
 
 /// An error box: what was corrected, under the title of the row.
 struct StepMessage {
@@ -71,8 +91,8 @@ struct StepMessage {
 };
 
 struct StepRowWrite {
-  /// The row after correction, as it went out.
-  StepBytes bytes;
+  /// The row as it went out: limited, with an ISO offset of 1, and corrected.
+  StepCells cells;
   Traffic traffic;
   std::vector<StepMessage> messages;
 };

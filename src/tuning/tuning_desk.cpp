@@ -21,6 +21,7 @@ Task<bool> TuningDesk::load_from_chip() {
                   view_->take_typed();
                   const bool taken = model_.take_reply(reply);
                   if (!taken) return false;
+                  taken_reply();
                   values_loaded();
                   view_->show_values();
                   return true;

@@ -92,6 +92,8 @@ class TuningDesk {
   virtual void values_loaded() {}
 
  private:
+  /// The values have come from the chip, and are shown next.
+  virtual void taken_reply() {}
   Task<> run_load() { co_await load_from_chip(); }
   Task<> run_send(std::string what, Traffic traffic);
 

@@ -24,6 +24,14 @@ TEST(SettingsTable, HoldsEveryEntryOnceAndEveryNameOnce) {
 TEST(SettingsTable, FindsWhatThePagesKeepWhere) {
   const SettingsTable table;
   const std::map<const char*, Entries> cases = {{"gamma.r[5]", {55, 56}},
+                                                {"dynamic.light1.weight_b", {207, 208}},
+                                                {"dynamic.further_ae", {290}},
+                                                {"dynamic.tvi.bright.offset", {299}},
+                                                {"dynamic.ir_led.nr.step5", {361}},
+                                                {"dynamic.outdoor.value", {377}},
+                                                {"dynamic.light2.saturation", {438}},
+                                                {"dynamic.hue_angle", {439}},
+                                                {"dynamic.ahd.iso.step0", {708}},
                                                 {"awb.a_intercept", {183, 184}},
                                                 {"awb.d_slope", {193, 194}},
                                                 {"awb.e_intercept", {197, 198}},

@@ -49,7 +49,7 @@ TEST_F(AwbDeskTest, LimitsEightWordsOfTenWhenTheyAreSet) {
   EXPECT_EQ(wire(2000).find("@0d03*@0d20*"), std::string::npos)
       << "what was typed and not set is saved as it is";
   for (int line = 0; line < 6; ++line) desk_.send_line(static_cast<AwbControl>(line));
-  EXPECT_EQ(wire(),
+  EXPECT_EQ(wire(2000),
             "@fa01*@0d03*@0d20*@0e03*@0e20*@fa00*@fa01*@0f03*@0f20*@1003*@1020*@fa00*"
             "@fa01*@1103*@1120*@1203*@1220*@fa00*@fa01*@1303*@1320*@1403*@1420*@fa00*"
             "@fa01*@1503*@1584*@fa00*@fa01*@1603*@1684*@fa00*");

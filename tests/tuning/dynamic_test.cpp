@@ -3,20 +3,25 @@
 #include <gtest/gtest.h>
 
 #include "support/traffic_text.h"
+#include "tuning/page_model.h"
 
 namespace qv5123 {
 namespace {
 
-/// Every bank's cells count up from 0x30 times the bank's number, 8 to a row.
+/// Every bank's bytes count up from 0x30 times the bank's number, 8 to a row.
 DynamicValues example() {
+  UserDataImage file;
+  int bank = 0;
+  for (const std::size_t entry : {292, 334, 592, 707, 803}) {
+    for (std::size_t cell = 0; cell < 42; ++cell)
+      file.set_entry(entry + cell, 0x30 * bank + static_cast<int>(8 * (cell / 7) + cell % 7));
+    ++bank;
+  }
   DynamicValues values;
+  load_page<DynamicPage>(values, file);
   int number = 11;
-  for (const DynamicNumber& n : kDynamicNumbers) values.*n.value = number++;
+  for (const auto member : kDynamicNumbers) values.*member = number++;
   values.orientation = 3;
-  for (std::size_t bank = 0; bank < kStepBanks; ++bank)
-    for (std::size_t row = 0; row < kStepRows; ++row)
-      for (std::size_t step = 0; step < kStepColumns; ++step)
-        values.banks[bank][row][step] = static_cast<std::uint8_t>(0x30 * bank + 8 * row + step);
   values.light_sources = {{{0, 100}, {1, 200}, {2, 250}}};
   values.saturation = {-64, 0, 191};
   values.weights = {{{-50, 50}, {-1, 1}, {0, -2}}};
@@ -53,22 +58,23 @@ constexpr char kSaveEnd[] =
     "@4e00*|@6702*|@fa00*|@f900*|";
 
 TEST(Dynamic, FullSaveOnTheWire) {
-  const StepGrid grid{{{9, 10, 5, 20, 20, 30, 30},
-                       {-64, 0, 191, 300, -100, 1, 2},
-                       {0, 1, 2, 3, 4, 5, 6},
-                       {1, 2, 3, 4, 5, 6, 7},
-                       {8, 9, 10, 11, 12, 13, 14},
-                       {-16, 32, 0, 40, -20, 1, 2}}};
+  DynamicValues values = example();
+  values.banks[3] = {{{9, 10, 5, 20, 20, 30, 30},
+                      {-64, 0, 191, 300, -100, 1, 2},
+                      {0, 1, 2, 3, 4, 5, 6},
+                      {1, 2, 3, 4, 5, 6, 7},
+                      {8, 9, 10, 11, 12, 13, 14},
+                      {-16, 32, 0, 40, -20, 1, 2}}};
   UserDataImage image;
   for (int i = 0; i < 3; ++i) image.set_entry(475 + i, 0x11 * (i + 1));  // of the dead pixels
-  const DynamicSave save = dynamic_save(example(), grid, image);
+  const DynamicSave save = dynamic_save(values, image);
   const std::string wire = on_wire(save.traffic);
   EXPECT_EQ(wire.substr(0, std::size(kSaveStart) - 1), kSaveStart);
   EXPECT_EQ(wire.substr(wire.size() - (std::size(kSaveEnd) - 1)), kSaveEnd);
   EXPECT_EQ(save.traffic.size(), 9u + 6 * 14 + 7 * 31 + 33);
   ASSERT_EQ(save.messages.size(), 1u);
   EXPECT_EQ(save.messages[0].title, "ISO Control");
-  EXPECT_EQ(save.values.banks[3][kRowIso], (StepBytes{1, 5, 5, 20, 20, 30, 30}));
+  EXPECT_EQ(save.values.banks[3][kRowIso], (StepCells{1, 5, 5, 20, 20, 30, 30}));
 }
 
 TEST(Dynamic, ALightSourceOfNoKnownKindIsNeitherStoredNorSent) {
@@ -76,32 +82,35 @@ TEST(Dynamic, ALightSourceOfNoKnownKindIsNeitherStoredNorSent) {
   image.set_word(378, 0x01C8);
   DynamicValues odd = example();
   odd.light_sources[1] = {3, 77};
-  save_to_user_data(odd, image);
+  store_page<DynamicPage>(odd, image);
   EXPECT_EQ(image.word(378), 0x01C8);
+  EXPECT_EQ(image.word(376), 0x0064);
   EXPECT_EQ(on_wire(light_source_traffic(odd, 1)), "@fa01*|@4e01*|@fa00*|");
 }
 
 TEST(StepTable, OnePassForwardAgainstTheUncorrectedNextStep) {
-  const StepRowWrite nr = write_step_row(BankId::IrLed, kRowNr, {9, 3, 5, 4, 2, 300, -1});
+  const StepRowWrite nr = write_step_row(BankId::ir_led, kRowNr, {9, 3, 5, 4, 2, 300, -1});
   // 9>3 -> 3; 3; 5>4 -> 4; 4>2 -> 2; 2; 255>0 -> 0; the last is not below it.
-  EXPECT_EQ(nr.bytes, (StepBytes{3, 3, 4, 2, 2, 0, 0}));
+  EXPECT_EQ(nr.cells, (StepCells{3, 3, 4, 2, 2, 0, 0}));
   const StepMessage above{"NR Control", "At least must be equal or smaller than next step value."};
   EXPECT_EQ(nr.messages, (std::vector<StepMessage>{above, above, above, above}));
 
   // Lowering 7 to 2 leaves it below the 6 before it, which a single pass does not mend.
-  const StepRowWrite flat = write_step_row(BankId::Tvi, kRowFlatNr, {6, 6, 7, 2, 3, 8, 8});
-  EXPECT_EQ(flat.bytes, (StepBytes{6, 6, 2, 2, 3, 8, 8}));
-  EXPECT_TRUE(write_step_row(BankId::Tvi, kRowContrast, {9, 3, 5, 4, 2, 3, 1}).messages.empty());
+  const StepRowWrite flat = write_step_row(BankId::tvi, kRowFlatNr, {6, 6, 7, 2, 3, 8, 8});
+  EXPECT_EQ(flat.cells, (StepCells{6, 6, 2, 2, 3, 8, 8}));
+  EXPECT_TRUE(write_step_row(BankId::tvi, kRowContrast, {9, 3, 5, 4, 2, 3, 1}).messages.empty());
 }
 
 TEST(StepTable, CellsAreLimitedAndEncoded) {
-  EXPECT_EQ(encode_step_row(kRowIso, {77, -1, 0, 250, 251, 1, 2}), (StepBytes{1, 0, 0, 250, 250, 1, 2}));
-  EXPECT_EQ(encode_step_row(kRowBright, {-65, -64, 0, 191, 192, 1, 2})[0], 0);
-  EXPECT_EQ(encode_step_row(kRowContrast, {-16, 32, -17, 33, 0, 1, -1}),
-            (StepBytes{80, 32, 80, 32, 64, 63, 65}));
-  EXPECT_EQ(decode_step_row(kRowContrast, {80, 32, 0, 255, 64, 63, 65}),
-            (StepCells{-16, 32, 64, -191, 0, 1, -1}));
-  EXPECT_EQ(decode_step_row(kRowIso, StepBytes{})[0], 1) << "the offset always shows 1";
+  const auto sent = [](std::size_t row, const StepCells& cells) {
+    std::vector<int> bytes;
+    const Traffic traffic = write_step_row(BankId::tvi, row, cells).traffic;
+    for (std::size_t i = 1; i < traffic.size(); i += 2) bytes.push_back(traffic[i][0].value);
+    return bytes;
+  };
+  EXPECT_EQ(sent(kRowIso, {77, 1, 2, 2, 250, 251, 300}), (std::vector<int>{1, 1, 2, 2, 250, 250, 250}));
+  EXPECT_EQ(sent(kRowBright, {-65, -64, 0, 191, 192, 1, 2})[0], 0);
+  EXPECT_EQ(sent(kRowContrast, {-16, 32, -17, 33, 0, 1, -1}), (std::vector<int>{80, 32, 80, 32, 64, 63, 65}));
 }
 
 }  // namespace

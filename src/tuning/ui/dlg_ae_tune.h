@@ -3,27 +3,25 @@
 #include <QBoxLayout>
 #include <QButtonGroup>
 #include <QPlainTextEdit>
-#include <array>
+#include <QSlider>
 
-#include "tuning/dynamic.h"
-#include "tuning/ui/page_parts.h"
+#include <string>
+
+#include "tuning/dynamic_desk.h"
+#include "tuning/ui/field_edits.h"
 #include "tuning/ui/step_grid_view.h"
-#include "tuning/ui/tuning_page.h"
+#include "tuning/ui/tuning_dialog.h"
 
 namespace qv5123 {
 
 /// The dynamic AE/AWB control page.
-class CDlgAeTune : public TuningPage {
+class CDlgAeTune : public TuningDialog, private DynamicDesk::View {
   Q_OBJECT
 
  public:
   explicit CDlgAeTune(PageHost& host);
 
-  void save_to_user_data() override;
-  void put_values(UserDataImage& image) const override;
   bool save_writes_file() const override { return true; }
-  void reload_from_user_data() override;
-  void read_back() override { load_from_isp(); }
   void chosen_again() override;
 
  private:
@@ -33,43 +31,35 @@ class CDlgAeTune : public TuningPage {
   void add_source_sum_row(QGridLayout* grid, int row);
   void add_colour_rows(QGridLayout* grid, int row);
   QWidget* make_step_group();
+  QLayout* make_bank_choice();
   QWidget* make_orientation_group();
   QWidget* make_decision_group();
   QWidget* make_smart_ir_group();
   QWidget* make_file_group();
   QWidget* make_more_area();
+  void add_number_row(QGridLayout* grid, std::size_t number);
 
-  std::size_t source() const;
-  StepBank* shown_bank();
-  void take_grid();
-  void show_values();
+  /// What a "Set" button does.
+  std::function<void()> setting(DynamicControl control, std::function<std::size_t()> index);
+  std::function<void()> setting_of_source(DynamicControl control);
+  /// The field of the chosen light source that `value` finds in the values.
+  template <class Value>
+  FieldEdits::FieldOf of_source(Value value);
+
+  void take_typed() override { take_typed_text(this); }
+  void show_values() override;
   void show_orientation();
-  void show_source();
-  void show_light_source();
+  void show_light_source_bar();
   void show_bank();
+  void add_message(const std::string& text) override;
 
-  void set_number(std::size_t number);
-  Task<> set_gain(std::size_t number);
-  void set_step_row(std::size_t row);
-  void set_weights();
-  void change_orientation(bool mirror, bool flip);
-  Task<> send_orientation();
-  void load_from_file();
-  void load_from_isp();
-  Task<> run_save();
-  Task<> tell(std::vector<StepMessage> messages);
-
-  DynamicValues values_;
-  std::array<SliderRow, kDynamicNumbers.size()> numbers_;
+  DynamicDesk desk_;
+  FieldEdits edits_;
   QButtonGroup* source_choice_;
-  QSlider* sum_bar_;
-  QSpinBox* sum_kind_;
-  QSpinBox* sum_value_;
-  SliderRow saturation_, r_weight_, b_weight_, hue_, dpc_;
+  QSlider* sum_bar_ = nullptr;
   StepGridView* grid_;
   QCheckBox* ir_led_;
   QComboBox* video_mode_;
-  QComboBox* smart_ir_;
   QCheckBox *mirror_, *flip_, *none_;
   QPlainTextEdit* message_edit_;
 };

@@ -1,9 +1,9 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QRadioButton>
-#include <QSlider>
 #include <QVBoxLayout>
-#include <algorithm>
+
+#include <utility>
 
 #include "tuning/ui/dlg_ae_tune.h"
 
@@ -11,7 +11,7 @@
 namespace qv5123 {
 namespace {
 
-/// The value whose row is behind "More": what the chip makes of it is not known.
+/// The number whose row is behind "More": what the chip makes of it is not known.
 constexpr std::size_t kFurtherAe = 5;
 
 QGridLayout* row_grid(QWidget* parent) {
@@ -21,9 +21,24 @@ QGridLayout* row_grid(QWidget* parent) {
   return grid;
 }
 
+QString kind_registers() {
+  QStringList texts;
+  for (int kind = 0; kind < kLightSourceKinds; ++kind)
+    texts << register_text(dynamic_register::kFirstKind + kind) + QString(" for kind %1").arg(kind);
+  return texts.join(", ");
+}
+
+/// For values that there are once.
+std::size_t only_one() {
+  return 0;
+}
+
 }  // namespace
 
-CDlgAeTune::CDlgAeTune(PageHost& host) : TuningPage(host) {
+CDlgAeTune::CDlgAeTune(PageHost& host)
+    : TuningDialog(host, desk_),
+      desk_(host, host.document().user_data),
+      edits_(desk_, [this] { show_light_source_bar(); }) {
   auto* page = new QVBoxLayout(this);
   page->setContentsMargins(6, 6, 6, 6);
   auto* above = new QHBoxLayout;
@@ -42,21 +57,34 @@ CDlgAeTune::CDlgAeTune(PageHost& host) : TuningPage(host) {
                              [more_area](bool checked) { more_area->setVisible(checked); }));
   page->addWidget(more_area);
   page->addStretch(1);
-  // Saving a page that was opened after the file must not replace what the file said.
-  if (document().user_data.loaded()) qv5123::reload_from_user_data(values_, document().user_data);
+  desk_.attach(*this);
   show_values();
+}
+
+std::function<void()> CDlgAeTune::setting(DynamicControl control, std::function<std::size_t()> index) {
+  return [this, control, index = std::move(index)] { desk_.set(control, index(), host().prompts()); };
+}
+
+std::function<void()> CDlgAeTune::setting_of_source(DynamicControl control) {
+  return setting(control, [this] { return desk_.source(); });
+}
+
+template <class Value>
+FieldEdits::FieldOf CDlgAeTune::of_source(Value value) {
+  return [this, value] { return std::optional(desk_.field(value(desk_.values(), desk_.source()))); };
+}
+
+void CDlgAeTune::add_number_row(QGridLayout* grid, std::size_t number) {
+  const std::size_t field = desk_.field(desk_.values().*kDynamicNumbers[number]);
+  edits_.slider(
+      grid, grid->rowCount(), [field] { return std::optional(field); },
+      setting(DynamicControl::first_number, [number] { return number; }));
 }
 
 QWidget* CDlgAeTune::make_exposure_group() {
   auto* group = new QGroupBox("AE Control");
   QGridLayout* grid = row_grid(group);
-  for (std::size_t i = 0; i < kFurtherAe; ++i) {
-    const DynamicNumber& number = kDynamicNumbers[i];
-    numbers_[i] = add_slider_row(
-        grid, static_cast<int>(i), number.caption, number.range.lowest, number.range.highest,
-        range_text(number.range.lowest, number.range.highest, number.address), [this, i] { set_number(i); },
-        [this, &number](int value) { values_.*number.value = value; });
-  }
+  for (std::size_t number = 0; number < kFurtherAe; ++number) add_number_row(grid, number);
   grid->setRowStretch(grid->rowCount(), 1);
   return group;
 }
@@ -75,94 +103,82 @@ QLayout* CDlgAeTune::make_source_choice() {
   source_choice_ = new QButtonGroup(this);
   for (std::size_t i = 0; i < kLightSources; ++i) {
     auto* choice = named(new QRadioButton(kLightSourceNames[i]), kLightSourceNames[i],
-                         "Edit the values of this light source, " + register_text(0x4E));
+                         "Edit the values of this light source, " +
+                             register_text(dynamic_register::kSourceSelect) + " = " + QString::number(i));
     source_choice_->addButton(choice, static_cast<int>(i));
     row->addWidget(choice);
   }
   row->addStretch();
-  source_choice_->button(0)->setChecked(true);
-  connect(source_choice_, &QButtonGroup::idClicked, this, [this] { show_source(); });
+  on_choice(source_choice_, [this](int source) { desk_.choose_source(static_cast<std::size_t>(source)); });
   return row;
 }
 
 void CDlgAeTune::add_source_sum_row(QGridLayout* grid, int row) {
-  const QString registers = "registers 0x4F, 0x50, 0x51 for kind 0, 1, 2";
+  QSpinBox* kind =
+      edits_.number(of_source([](auto& v, std::size_t i) -> auto& { return v.light_sources[i].kind; }));
+  QSpinBox* value =
+      edits_.number(of_source([](auto& v, std::size_t i) -> auto& { return v.light_sources[i].value; }));
   sum_bar_ = named(new QSlider(Qt::Horizontal), "Light source Sum bar",
-                   "-250..250, below 0 kind 0, above 0 kind 1 or 2, " + registers);
+                   "-250..250, below 0 kind 0, above 0 kind 1 or 2, " + kind_registers());
   sum_bar_->setRange(kLightSourceRange.lowest, kLightSourceRange.highest);
   keep_wheel_from(sum_bar_);
-  sum_kind_ = make_number(0, kHighestLightSourceKind, "Light source kind", "Kind 0..2, " + registers);
-  sum_value_ = make_number(0, 255, "Light source value", "Value 0..255, " + registers);
-  connect(sum_bar_, &QSlider::valueChanged, this, [this](int bar) {
-    LightSource& record = values_.light_sources[source()];
-    record = light_source_from_bar(bar, record);
-    show_light_source();
-  });
-  connect(sum_kind_, &QSpinBox::valueChanged, this, [this](int kind) {
-    values_.light_sources[source()].kind = std::min(kind, kHighestLightSourceKind);
-    show_light_source();
-  });
-  connect(sum_value_, &QSpinBox::valueChanged, this, [this](int value) {
-    values_.light_sources[source()].value = value;
-    show_light_source();
-  });
-  auto* edits = new QHBoxLayout;
-  edits->setSpacing(3);
-  edits->addWidget(sum_bar_, 1);
-  edits->addWidget(new QLabel(">"));
-  edits->addWidget(sum_kind_);
-  edits->addWidget(new QLabel("by"));
+  connect(sum_bar_, &QSlider::valueChanged, this, [this](int bar) { desk_.move_light_source_bar(bar); });
+  auto* parts = new QHBoxLayout;
+  parts->setSpacing(3);
+  parts->addWidget(sum_bar_, 1);
+  parts->addWidget(new QLabel(">"));
+  parts->addWidget(kind);
+  parts->addWidget(new QLabel("by"));
   grid->addWidget(new QLabel("Light source Sum :"), row, 0);
-  grid->addLayout(edits, row, 1);
-  grid->addWidget(sum_value_, row, 2);
-  grid->addWidget(make_set_button("Set", "Light source Sum", registers,
-                                  [this] {
-                                    take_typed_text(this);
-                                    link().send(light_source_traffic(values_, source()));
-                                  }),
+  grid->addLayout(parts, row, 1);
+  grid->addWidget(value, row, 2);
+  grid->addWidget(make_set_button("Set", "Light source Sum", "Sends the value, " + kind_registers(),
+                                  setting_of_source(DynamicControl::light_source)),
                   row, 3);
 }
 
 void CDlgAeTune::add_colour_rows(QGridLayout* grid, int row) {
-  saturation_ = add_slider_row(
-      grid, row, "Saturation", kSaturationRange.lowest, kSaturationRange.highest,
-      range_text(kSaturationRange.lowest, kSaturationRange.highest, 0x5B),
-      [this] {
-        take_typed_text(this);
-        link().send(saturation_traffic(values_, source()));
-      },
-      [this](int value) { values_.saturation[source()] = value; });
-  const QString weight_tip = "-50..50, register 0x2F, 0x30 or 0x31 by light source";
-  r_weight_ = add_slider_row(grid, row + 1, "AWB R Weight", kWeightRange.lowest, kWeightRange.highest,
-                             weight_tip, {}, [this](int value) { values_.weights[source()].r = value; });
-  b_weight_ = add_slider_row(grid, row + 2, "AWB B Weight", kWeightRange.lowest, kWeightRange.highest,
-                             weight_tip, {}, [this](int value) { values_.weights[source()].b = value; });
-  grid->addWidget(make_set_button("Set", "AWB Weight", weight_tip, [this] { set_weights(); }), row + 1, 3, 2,
-                  1);
-  hue_ = add_slider_row(
-      grid, row + 3, "Angle", kHueRange.lowest, kHueRange.highest,
-      "Hue of all light sources in degrees, " + range_text(kHueRange.lowest, kHueRange.highest, 0x60),
-      [this] {
-        take_typed_text(this);
-        link().send(hue_write(values_));
-      },
-      [this](int value) { values_.hue_angle = value; });
+  const auto saturation = [](auto& v, std::size_t i) -> auto& {
+    return v.saturation[i];
+  };
+  const auto r_weight = [](auto& v, std::size_t i) -> auto& {
+    return v.weights[i].r;
+  };
+  const auto b_weight = [](auto& v, std::size_t i) -> auto& {
+    return v.weights[i].b;
+  };
+  edits_.slider(grid, row, of_source(saturation), setting_of_source(DynamicControl::saturation));
+  edits_.slider(grid, row + 1, of_source(r_weight));
+  edits_.slider(grid, row + 2, of_source(b_weight));
+  grid->addWidget(make_set_button("Set", "AWB Weight", "Sends both weights of the light source",
+                                  setting_of_source(DynamicControl::weights)),
+                  row + 1, 3, 2, 1);
+  const std::size_t hue = desk_.field(desk_.values().hue_angle);
+  edits_.slider(
+      grid, row + 3, [hue] { return std::optional(hue); }, setting(DynamicControl::hue_angle, only_one));
 }
 
 QWidget* CDlgAeTune::make_step_group() {
   auto* group = new QGroupBox("Image Tune by ISO_step");
   auto* column = new QVBoxLayout(group);
+  const auto set_row = [this](std::size_t row) {
+    if (const auto bank = desk_.bank())
+      desk_.set(DynamicControl::step_row, kStepRows * static_cast<std::size_t>(*bank) + row,
+                host().prompts());
+  };
+  grid_ = new StepGridView(desk_, edits_, set_row);
+  column->addLayout(make_bank_choice());
+  column->addWidget(grid_);
+  return group;
+}
+
+QLayout* CDlgAeTune::make_bank_choice() {
   auto* choice = new QHBoxLayout;
-  ir_led_ = make_check("Case of IR-LED", {}, "Edit the bank of the IR-LED", [this](bool checked) {
-    values_.ir_led = checked;
-    if (!checked) video_mode_->setEnabled(true);
-    show_bank();
-  });
-  video_mode_ = make_combo(items_of(kVideoModeNames), "Video Mode", "Edit the bank of this video mode",
-                           [this](int index) {
-                             values_.video_mode = index;
-                             show_bank();
-                           });
+  ir_led_ = make_check("Case of IR-LED", {}, "Edit the bank of the IR-LED",
+                       [this](bool checked) { desk_.switch_ir_led(checked); });
+  video_mode_ =
+      make_combo(items_of(desk_.info(desk_.values().video_mode).items), "Video Mode",
+                 "Edit the bank of this video mode", [this](int index) { desk_.choose_video_mode(index); });
   choice->addWidget(ir_led_);
   choice->addSpacing(20);
   auto* caption = new QLabel("Video Mode:");
@@ -170,67 +186,55 @@ QWidget* CDlgAeTune::make_step_group() {
   choice->addWidget(caption);
   choice->addWidget(video_mode_);
   choice->addStretch();
-  grid_ = new StepGridView([this](std::size_t row) { set_step_row(row); });
-  column->addLayout(choice);
-  column->addWidget(grid_);
-  return group;
+  return choice;
 }
 
 QWidget* CDlgAeTune::make_orientation_group() {
   auto* group = new QGroupBox("Mirror/Flip");
   auto* row = new QHBoxLayout(group);
-  const QString tip = "Bit 0 mirrors, bit 1 flips, " + register_text(0x5F);
-  const auto changed = [this] { change_orientation(mirror_->isChecked(), flip_->isChecked()); };
-  mirror_ = make_check("MIRROR", {}, tip, [changed](bool) { changed(); });
-  flip_ = make_check("FLIP", {}, tip, [changed](bool) { changed(); });
-  none_ = make_check("None", {}, tip, [this](bool) { change_orientation(false, false); });
+  const QString tip =
+      "Bit 0 mirrors, bit 1 flips, " + register_text(desk_.info(desk_.values().orientation).address);
+  mirror_ = make_check("MIRROR", {}, tip, [this](bool on) { desk_.set_mirror(on, host()); });
+  flip_ = make_check("FLIP", {}, tip, [this](bool on) { desk_.set_flip(on, host()); });
+  none_ = make_check("None", {}, tip, [this](bool) { desk_.turn_nothing(host()); });
   for (QCheckBox* box : {mirror_, flip_, none_}) row->addWidget(box);
   return group;
 }
 
 QWidget* CDlgAeTune::make_decision_group() {
   auto* group = new QGroupBox("DPC");
-  dpc_ = add_slider_row(
-      row_grid(group), 0, "Decision Value", kDpcRange.lowest, kDpcRange.highest,
-      range_text(kDpcRange.lowest, kDpcRange.highest, 0x8C),
-      [this] {
-        take_typed_text(this);
-        link().send(dpc_write(values_, document().user_data));
-      },
-      [this](int value) { values_.dpc_decision = value; });
+  const std::size_t decision = desk_.field(desk_.values().dpc_decision);
+  edits_.slider(
+      row_grid(group), 0, [decision] { return std::optional(decision); },
+      setting(DynamicControl::dpc_decision, only_one));
   return group;
 }
 
 QWidget* CDlgAeTune::make_smart_ir_group() {
   auto* group = new QGroupBox("Smart IR");
   auto* row = new QHBoxLayout(group);
-  smart_ir_ = make_combo({"0", "1", "2", "3"}, "Smart IR", range_text(0, 3, 0x67), [this](int index) {
-    values_.smart_ir = index;
-    link().send(smart_ir_write(values_));
-  });
-  row->addWidget(smart_ir_);
+  row->addWidget(
+      edits_.list(desk_.field(desk_.values().smart_ir), setting(DynamicControl::smart_ir, only_one)));
   return group;
 }
 
 QWidget* CDlgAeTune::make_file_group() {
-  return make_file_control({[this] { load_from_file(); }, [this] { load_from_isp(); },
-                            [this] { save(run_save()); }, "Reads all values, " + register_text(kDynamicQuery),
+  return make_file_control({[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
+                            [this] { desk_.start_save(desk_.save(host().prompts())); },
+                            "Reads all values, " + register_text(DynamicPage::kTexts.trigger),
                             "Sends all values for the chip to keep in its flash"});
 }
 
 QWidget* CDlgAeTune::make_more_area() {
-  const DynamicNumber& number = kDynamicNumbers[kFurtherAe];
   auto* area = new QWidget;
   QGridLayout* grid = row_grid(area);
   grid->setContentsMargins(0, 0, 0, 0);
-  numbers_[kFurtherAe] = add_slider_row(
-      grid, 0, number.caption, number.range.lowest, number.range.highest,
-      range_text(number.range.lowest, number.range.highest, number.address),
-      [this] { set_number(kFurtherAe); }, [this, &number](int value) { values_.*number.value = value; });
+  add_number_row(grid, kFurtherAe);
   message_edit_ = make_log("Messages", "What was corrected in the ISO steps");
   message_edit_->setFixedHeight(3 * message_edit_->fontMetrics().lineSpacing());
-  grid->addWidget(message_edit_, 1, 0, 1, 3);
-  grid->addWidget(make_button("Clear", {}, "Empty the messages", [this] { message_edit_->clear(); }), 1, 3);
+  const int row = grid->rowCount();
+  grid->addWidget(message_edit_, row, 0, 1, 3);
+  grid->addWidget(make_button("Clear", {}, "Empty the messages", [this] { message_edit_->clear(); }), row, 3);
   area->hide();
   return area;
 }

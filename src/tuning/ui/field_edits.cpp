@@ -52,27 +52,24 @@ QString registers_text(const std::vector<int>& addresses) {
 }
 
 QSpinBox* FieldEdits::number(std::size_t field, const QString& name) {
-  return number(always(field), name, {});
+  return number(always(field), name);
 }
 
-QSpinBox* FieldEdits::number(FieldOf field, std::optional<Range> reach) {
-  return number(std::move(field), {}, reach);
-}
-
-QSpinBox* FieldEdits::number(FieldOf field, const QString& name, std::optional<Range> reach) {
+QSpinBox* FieldEdits::number(FieldOf field, const QString& name) {
   const FieldInfo& first = info(field().value());
-  const Range typed = reach.value_or(first.takes());
-  QSpinBox* box = make_number(typed.lowest, typed.highest, name.isEmpty() ? caption_of(first) : name,
+  const Range reach = first.takes();
+  QSpinBox* box = make_number(reach.lowest, reach.highest, name.isEmpty() ? caption_of(first) : name,
                               field_tooltip(first));
-  const auto show = [box, typed](const FieldInfo& info, int number) {
-    show_kept(box, typed, number);
-    box->setToolTip(field_tooltip(info));
+  auto show = [box, reach, shown = first.name](const FieldInfo& info, int number) mutable {
+    show_kept(box, reach, number);
+    if (info.name != std::exchange(shown, info.name)) box->setToolTip(field_tooltip(info));
   };
   const Edit edit{std::move(field), show};
   QObject::connect(box, &QSpinBox::valueChanged, box, [this, edit](int number) { take_typed(edit, number); });
   edits_.push_back(edit);
-  if (!(typed == first.range)) {
-    edits_.back().show = [show, mark = mark_beyond(box, first.range)](const FieldInfo& info, int number) {
+  if (!(reach == first.range)) {
+    edits_.back().show = [show, mark = mark_beyond(box, first.range)](const FieldInfo& info,
+                                                                      int number) mutable {
       show(info, number);
       mark();
     };
@@ -104,7 +101,7 @@ QComboBox* FieldEdits::list(std::size_t field, std::function<void()> used) {
     used();
   };
   QComboBox* list =
-      make_combo(items_of(first.items), caption_of(first), register_text(first.address), std::move(chosen));
+      make_combo(items_of(first.items), caption_of(first), field_tooltip(first), std::move(chosen));
   edits_.push_back({always(field), [list](const FieldInfo&, int index) { show_index(list, index); }});
   return list;
 }
@@ -114,7 +111,8 @@ void FieldEdits::take_number(std::size_t field, int number) {
   if (changed_) changed_();
 }
 
-/// What is typed beyond what the field takes becomes the nearest that it does.
+/// Where a number that came from elsewhere widened the edit, what is typed beyond what the field takes
+/// becomes the nearest that it does.
 void FieldEdits::take_typed(const Edit& edit, int number) {
   const auto field = edit.field();
   if (!field) return;

@@ -34,9 +34,8 @@ class FieldEdits {
   /// field's caption does not serve.
   /// What the field takes beyond its range is marked while it stands.
   QSpinBox* number(std::size_t field, const QString& name = {});
-  /// The same for one field out of several. `reach` is what can be typed where that is more than the field
-  /// takes: it becomes the nearest that it does.
-  QSpinBox* number(FieldOf field, std::optional<Range> reach = {});
+  /// The same for one field out of several.
+  QSpinBox* number(FieldOf field, const QString& name = {});
   /// A row of slider, edit and, with `set`, a "Set" button.
   SliderRow slider(QGridLayout* grid, int row, FieldOf field, std::function<void()> set = {});
   /// A list of the field's items. `used` is told the user's choices after the desk was.
@@ -54,7 +53,6 @@ class FieldEdits {
     std::function<void(const FieldInfo&, int)> show;
   };
 
-  QSpinBox* number(FieldOf field, const QString& name, std::optional<Range> reach);
   const FieldInfo& info(std::size_t field) const { return desk_.model().fields()[field]; }
   void take_number(std::size_t field, int number);
   void take_typed(const Edit& edit, int number);

@@ -1,36 +1,30 @@
 #pragma once
 
 #include <QGridLayout>
-#include <QSpinBox>
 #include <QWidget>
-#include <array>
+
 #include <functional>
 
-#include "tuning/step_table.h"
+#include "tuning/dynamic_desk.h"
+#include "tuning/ui/field_edits.h"
 
 namespace qv5123 {
 
-/// The 6 x 7 edits of "Image Tune by ISO_step", a row for each image parameter with a "Set" at its end.
+/// The 6 x 7 edits of "Image Tune by ISO_step", a row for each image parameter with a "Set" at its end. They
+/// are those of the bank that the desk says, and are shown with the other `edits`.
 class StepGridView : public QWidget {
   Q_OBJECT
 
  public:
-  explicit StepGridView(std::function<void(std::size_t row)> set);
-
-  void show_bank(const StepBank& bank);
-  void show_row(std::size_t row, const StepBytes& bytes);
-  /// What stands in a row's edits, limits not yet applied.
-  StepCells cells(std::size_t row) const;
-  StepGrid grid() const;
-  /// The same, but for text that is still being typed.
-  StepGrid shown_grid() const;
+  StepGridView(const DynamicDesk& desk, FieldEdits& edits, std::function<void(std::size_t row)> set);
 
  private:
-  StepCells shown_cells(std::size_t row) const;
   void add_row(QGridLayout* grid, std::size_t row);
   QSpinBox* make_cell(std::size_t row, std::size_t step);
+  QString row_tooltip(std::size_t row) const;
 
-  std::array<std::array<QSpinBox*, kStepColumns>, kStepRows> cells_{};
+  const DynamicDesk& desk_;
+  FieldEdits& edits_;
   std::function<void(std::size_t)> set_;
 };
 

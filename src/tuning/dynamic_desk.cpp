@@ -1,0 +1,167 @@
+#include "tuning/dynamic_desk.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/delay.h"
+
+namespace qv5123 {
+namespace {
+
+/// Lets the status line be painted before the save begins.
+constexpr std::chrono::milliseconds kBeforeSave{100};
+
+constexpr char kGainQuestionTitle[] = "Gain Control";
+constexpr char kGainQuestion[] = "If this option changed, must be reset of Image TUNE by ISO step";
+
+std::string text_of(const StepMessage& message) {
+  return message.title + ": " + message.text;
+}
+
+}  // namespace
+
+DynamicDesk::DynamicDesk(DeskHost& host, UserDataImage& image)
+    : PageDesk(host, image), first_cell_(field(values_.banks[0][0][0])) {
+  // Saving a page that was opened after the file must not replace what the file said.
+  if (image.loaded()) model().load(image);
+}
+
+void DynamicDesk::attach(View& view) {
+  TuningDesk::attach(view);
+  dynamic_view_ = &view;
+}
+
+void DynamicDesk::choose_source(std::size_t source) {
+  view().take_typed();
+  source_ = source;
+  view().show_values();
+}
+
+void DynamicDesk::move_light_source_bar(int bar) {
+  view().take_typed();
+  LightSource& record = values_.light_sources[source_];
+  record = light_source_from_bar(bar, record);
+  view().show_values();
+}
+
+std::optional<std::size_t> DynamicDesk::cell(std::size_t row, std::size_t step) const {
+  const auto shown = bank();
+  if (!shown) return std::nullopt;
+  const auto place = static_cast<std::size_t>(*shown);
+  return first_cell_ + (place * kStepRows + row) * kStepColumns + step;
+}
+
+void DynamicDesk::switch_ir_led(bool on) {
+  view().take_typed();
+  values_.ir_led = on;
+  if (!on) video_mode_enabled_ = true;
+  view().show_values();
+}
+
+void DynamicDesk::choose_video_mode(int index) {
+  view().take_typed();
+  values_.video_mode = index;
+  view().show_values();
+}
+
+void DynamicDesk::turn(int flags, bool on, PageHost& files) {
+  view().take_typed();
+  values_.orientation = (on ? values_.orientation | flags : values_.orientation & ~flags) & (kMirror | kFlip);
+  view().show_values();
+  model().store_field(field(values_.orientation), image());
+  spawn(send_orientation(files));
+}
+
+Task<> DynamicDesk::send_orientation(PageHost& files) {
+  Traffic traffic = orientation_traffic(values_);
+  co_await files.write_user_data_file();
+  link().send(std::move(traffic));
+}
+
+void DynamicDesk::set(DynamicControl control, std::size_t index, Prompts& prompts) {
+  view().take_typed();
+  if (control == DynamicControl::first_number && index < kGainCount) return spawn(set_gain(index, prompts));
+  if (control == DynamicControl::step_row) return set_step_row(index / kStepRows, index % kStepRows, prompts);
+  link().send(control_traffic(control_number(control, index)));
+}
+
+Task<> DynamicDesk::set_gain(std::size_t number, Prompts& prompts) {
+  Question question;
+  question.text = kGainQuestion;
+  question.title = kGainQuestionTitle;
+  const Answer answer = co_await prompts.ask(std::move(question));
+  if (answer == Answer::yes) {
+    link().send(number_write(values_, number));
+    co_return;
+  }
+  view().take_typed();
+  // It is the bar that is put back, and a bar has no place outside its range.
+  const std::size_t gain = field(values_.*kDynamicNumbers[number]);
+  model().set_number(gain, image().entry(static_cast<std::size_t>(model().fields()[gain].entry)));
+  view().show_values();
+}
+
+void DynamicDesk::set_step_row(std::size_t bank, std::size_t row, Prompts& prompts) {
+  StepCells& cells = values_.banks[bank][row];
+  StepRowWrite written = write_step_row(static_cast<BankId>(bank), row, cells);
+  cells = written.cells;
+  view().show_values();
+  link().send(std::move(written.traffic));
+  spawn(tell(std::move(written.messages), prompts));
+}
+
+Task<> DynamicDesk::tell(std::vector<StepMessage> messages, Prompts& prompts) {
+  for (const StepMessage& told : messages) {
+    dynamic_view_->add_message(text_of(told));
+    Message message;
+    message.text = told.text;
+    message.title = told.title;
+    message.icon = Message::Icon::stop;
+    co_await prompts.message(std::move(message));
+  }
+}
+
+Task<> DynamicDesk::save(Prompts& prompts) {
+  host().show_status("AE_Tune Data Saving...");
+  co_await Delay(host().scheduler(), kBeforeSave);
+  view().take_typed();
+  DynamicSave all = dynamic_save(values_, image());
+  values_ = all.values;
+  view().show_values();
+  spawn(tell(std::move(all.messages), prompts));
+  ChipSave on_chip{std::move(all.traffic), kFlashStoreTime, {}};
+  co_await send_save(std::move(on_chip), "Data Save Done...");
+}
+
+ChipSave DynamicDesk::chip_save() {
+  DynamicSave all = dynamic_save(values_, image());
+  values_ = all.values;
+  ChipSave save{std::move(all.traffic), kFlashStoreTime, {}};
+  for (const StepMessage& message : all.messages) save.corrections.push_back(text_of(message));
+  return save;
+}
+
+Traffic DynamicDesk::control_traffic(int control) const {
+  const auto index_in = [control](DynamicControl first) {
+    return static_cast<std::size_t>(control - control_number(first));
+  };
+  const auto is_at_least = [control](DynamicControl first) { return control >= control_number(first); };
+  if (is_at_least(DynamicControl::step_row)) {
+    const std::size_t bank = index_in(DynamicControl::step_row) / kStepRows;
+    const std::size_t row = index_in(DynamicControl::step_row) % kStepRows;
+    return write_step_row(static_cast<BankId>(bank), row, values_.banks[bank][row]).traffic;
+  }
+  if (is_at_least(DynamicControl::weights))
+    return {weights_write(values_, index_in(DynamicControl::weights))};
+  if (is_at_least(DynamicControl::saturation))
+    return saturation_traffic(values_, index_in(DynamicControl::saturation));
+  if (is_at_least(DynamicControl::light_source))
+    return light_source_traffic(values_, index_in(DynamicControl::light_source));
+  if (control == control_number(DynamicControl::smart_ir)) return {smart_ir_write(values_)};
+  if (control == control_number(DynamicControl::dpc_decision)) return {dpc_write(values_, image())};
+  if (control == control_number(DynamicControl::hue_angle)) return {hue_write(values_)};
+  if (control == control_number(DynamicControl::orientation)) return orientation_traffic(values_);
+  return {number_write(values_, index_in(DynamicControl::first_number))};
+}
+
+}  // namespace qv5123
