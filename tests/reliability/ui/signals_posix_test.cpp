@@ -16,6 +16,7 @@
 #include "link/system_serial_device.h"
 #include "reliability/ui/real_program.h"
 #include "support/program.h"
+#include "support/source_folder.h"
 #include "support/temporary_folder.h"
 #include "tuning/gamma.h"
 #include "tuning/lens_shading.h"
@@ -110,8 +111,8 @@ Ended end_at(const fs::path& folder, int signal, milliseconds moment) {
 
 TEST(Signals, AtAnyMomentOfASaveLeaveTheBracketsClosedAndTheValuesKept) {
   const test::CurrentFolder folder;
-  fs::copy(QV5123_SOURCE_DIR "/resources/regu.xml", folder / "regu.xml");
-  fs::copy(QV5123_SOURCE_DIR "/resources/sample.dat", folder / "board.dat");
+  fs::copy(test::source_folder() / "resources/regu.xml", folder / "regu.xml");
+  fs::copy(test::source_folder() / "resources/sample.dat", folder / "board.dat");
   qputenv(kFolder, QByteArray::fromStdString((folder / "").string()));
   bool is_number = false;
   const int asked = qEnvironmentVariableIntValue(kMoments, &is_number);

@@ -7,6 +7,7 @@
 #include <future>
 
 #include "reliability/ui/real_program.h"
+#include "support/source_folder.h"
 #include "support/temporary_folder.h"
 
 namespace qv5123 {
@@ -25,8 +26,8 @@ void answer(const QString& words, QMessageBox::StandardButton button) {
 /// Closes a program whose files are held up, and goes without them.
 void end_without_disk(QMessageBox::StandardButton save, const QString& words) {
   const test::CurrentFolder folder;
-  std::filesystem::copy(QV5123_SOURCE_DIR "/resources/regu.xml", folder / "regu.xml");
-  std::filesystem::copy(QV5123_SOURCE_DIR "/resources/sample.dat", folder / "board.dat");
+  std::filesystem::copy(test::source_folder() / "resources/regu.xml", folder / "regu.xml");
+  std::filesystem::copy(test::source_folder() / "resources/sample.dat", folder / "board.dat");
   std::promise<bool> disk;
   {
     test::RealProgram program(folder / "", true);

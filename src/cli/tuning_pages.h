@@ -1,0 +1,19 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "console/document.h"
+#include "tuning/tuning_desk.h"
+
+namespace qv5123 {
+
+/// The names of the tuning pages.
+inline constexpr const char* kTuningPages[] = {"front", "awb", "dynamic", "gamma", "matrix", "lsc"};
+
+/// The values of the page of that name, which is one of kTuningPages, as the page starts.
+std::unique_ptr<TuningModel> make_model(std::string_view name);
+/// The same page with its work. Host and document must outlive it.
+std::unique_ptr<TuningDesk> make_desk(std::string_view name, DeskHost& host, CQV5123Doc& document);
+
+}  // namespace qv5123
