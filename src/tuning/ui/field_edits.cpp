@@ -106,6 +106,17 @@ QComboBox* FieldEdits::list(std::size_t field, std::function<void()> used) {
   return list;
 }
 
+QCheckBox* FieldEdits::check(std::size_t field, std::function<void()> used) {
+  const FieldInfo& first = info(field);
+  auto switched = [this, field, used = std::move(used)](bool on) {
+    take_number(field, on ? 1 : 0);
+    used();
+  };
+  QCheckBox* box = make_check(caption_of(first), {}, register_text(first.address), std::move(switched));
+  edits_.push_back({always(field), [box](const FieldInfo&, int number) { show_checked(box, number != 0); }});
+  return box;
+}
+
 void FieldEdits::take_number(std::size_t field, int number) {
   desk_.model().set_number(field, number);
   if (changed_) changed_();

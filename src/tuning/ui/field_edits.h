@@ -40,6 +40,8 @@ class FieldEdits {
   SliderRow slider(QGridLayout* grid, int row, FieldOf field, std::function<void()> set = {});
   /// A list of the field's items. `used` is told the user's choices after the desk was.
   QComboBox* list(std::size_t field, std::function<void()> used);
+  /// A check box; `used` likewise.
+  QCheckBox* check(std::size_t field, std::function<void()> used);
 
   /// Shows the desk's numbers in all edits, also those that cannot be typed; what has none of its items stays
   /// empty.
