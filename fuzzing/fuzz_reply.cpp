@@ -39,7 +39,7 @@ void take_page(const std::string& block) {
 }
 
 void read_as_every_page(const std::string& block) {
-  take(decode_front_reply(block, {}));
+  take_page<FrontPage>(block);
   take_page<GammaPage>(block);
   take_page<LensPage>(block);
   take_page<AwbPage>(block);

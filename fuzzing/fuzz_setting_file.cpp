@@ -35,7 +35,7 @@ void through_page(UserDataImage image) {
 }
 
 void through_every_page(const UserDataImage& image) {
-  through<FrontValues>(image);
+  through_page<FrontPage>(image);
   through_page<GammaPage>(image);
   through_page<LensPage>(image);
   through_page<AwbPage>(image);

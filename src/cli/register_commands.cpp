@@ -15,7 +15,7 @@ struct AccessOptions {
   bool wide = false;
   bool sensor = false;
 
-  Access access() const { return wide ? Access::IspWord : sensor ? Access::Sensor : Access::IspByte; }
+  Access access() const { return wide ? Access::isp_word : sensor ? Access::sensor : Access::isp_byte; }
 };
 
 void declare_kind(CLI::App& command, AccessOptions& options) {
@@ -24,14 +24,14 @@ void declare_kind(CLI::App& command, AccessOptions& options) {
 }
 
 Batch read_request(Access access, int address) {
-  if (access == Access::IspWord) return isp_wide_read_request(address);
-  if (access == Access::Sensor) return sensor_read_request(address);
+  if (access == Access::isp_word) return isp_wide_read_request(address);
+  if (access == Access::sensor) return sensor_read_request(address);
   return isp_read_request(address);
 }
 
 Batch write_batch(Access access, int address, int value) {
-  if (access == Access::IspWord) return isp_wide_write(address, value);
-  if (access == Access::Sensor) return sensor_write(address, value);
+  if (access == Access::isp_word) return isp_wide_write(address, value);
+  if (access == Access::sensor) return sensor_write(address, value);
   return isp_write(address, value);
 }
 
@@ -44,16 +44,16 @@ void check_isp_address(const std::string& name, int address) {
 }
 
 void check_address(Access access, int address) {
-  if (access != Access::Sensor) check_isp_address("ADDR", address);
+  if (access != Access::sensor) check_isp_address("ADDR", address);
 }
 
 /// What reaches the chip of an address: of the ISP's own the low 12 bits, whichever way it was written.
 int sent_address(Access access, int address) {
-  return access == Access::Sensor ? address : address & 0xFFF;
+  return access == Access::sensor ? address : address & 0xFFF;
 }
 
 int shown_address(Access access, int address) {
-  return access == Access::Sensor ? address : 0xF000 | (address & 0xFFF);
+  return access == Access::sensor ? address : 0xF000 | (address & 0xFFF);
 }
 
 Json register_json(int address, int value) {
@@ -111,7 +111,7 @@ std::vector<Pair> pairs(const std::vector<int>& numbers, int highest_value) {
 
 ExitCode run_write(Context& context, const AccessOptions& options) {
   Traffic traffic;
-  for (const Pair& pair : pairs(options.numbers, options.access() == Access::IspByte ? 0xFF : 0xFFFF)) {
+  for (const Pair& pair : pairs(options.numbers, options.access() == Access::isp_byte ? 0xFF : 0xFFFF)) {
     check_address(options.access(), pair.address);
     const int address = sent_address(options.access(), pair.address);
     traffic.push_back(write_batch(options.access(), address, pair.value));

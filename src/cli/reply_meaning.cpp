@@ -9,9 +9,9 @@ namespace qv5123 {
 namespace {
 
 std::optional<Access> access_of(std::uint8_t port) {
-  if (port == reg::kIspReadAddress) return Access::IspByte;
-  if (port == reg::kIspWideReadAddress) return Access::IspWord;
-  if (port == reg::kSensorReadAddress) return Access::Sensor;
+  if (port == reg::kIspReadAddress) return Access::isp_byte;
+  if (port == reg::kIspWideReadAddress) return Access::isp_word;
+  if (port == reg::kSensorReadAddress) return Access::sensor;
   return std::nullopt;
 }
 

@@ -3,15 +3,17 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
+#include <span>
 
-#include "console/user_data_image.h"
 #include "link/register_write.h"
+#include "tuning/desk_texts.h"
+#include "tuning/field_visitors.h"
 
 /// The ISP tune page without its window: the chip's basic video settings.
+///
+/// The chip reports most of them in a reply of 20 bytes, "04020301 012302340345ffff 080011200880c802": lists
+/// and polarity, four clamps as words, the flags as single bits, "Color Suppress", dimmer and WDR. Delay, IR
+/// on/off and the two tasks are in no reply; the flags are in no file.
 namespace qv5123 {
 
 /// "Video Mode" items; the index is the value sent.
@@ -25,53 +27,23 @@ inline constexpr std::array<const char*, 4> kColourOrders{"GBRG", "BGGR", "RGGB"
 inline constexpr std::array<const char*, 4> kTdnModes{"Color", "Black & White", "External", "Auto"};
 inline constexpr std::array<const char*, 3> kWdrStates{"Off", "On", "Auto"};
 
-/// The check boxes of "ISP Flag" and "AE/AWB Task".
-enum class FrontFlag : std::size_t {
-  TestPattern,
-  RawData,
-  Gamma,
-  Brightness,
-  Sharpness,
-  Saturation,
-  Hue,
-  Dpc,
-  AeTask,
-  AwbTask
+/// The check boxes of "ISP Flag" and "AE/AWB Task"; the two tasks run until they are stopped.
+struct FrontFlags {
+  bool test_pattern = false;
+  bool raw_data = false;
+  bool gamma = false;
+  bool brightness = false;
+  bool sharpness = false;
+  bool saturation = false;
+  bool hue = false;
+  bool dpc = false;
+  bool ae_task = true;
+  bool awb_task = true;
+  friend bool operator==(const FrontFlags&, const FrontFlags&) = default;
 };
-inline constexpr std::size_t kFrontFlagCount = 10;
 
-struct FrontFlagPlace {
-  const char* caption;
-  std::uint8_t address;
-  /// Character position of the flag's byte in the reply, and its bit there; -1 when the chip does not
-  /// report the flag.
-  int position;
-  int bit;
-};
-inline constexpr std::array<FrontFlagPlace, kFrontFlagCount> kFrontFlags{
-    {{"Test Pattern", 0x82, 32, 6},
-     {"Raw Data", 0x83, 32, 3},
-     {"Gamma", 0x84, 24, 3},
-     {"Brightness", 0x85, 26, 1},
-     {"Sharpness", 0x86, 28, 4},
-     {"Saturation", 0x87, 28, 1},
-     {"HUE", 0x88, 28, 0},
-     {"DPC", 0x8B, 30, 5},
-     {"AE Task", reg::kAeTask, -1, 0},
-     {"AWB Task", reg::kAwbTask, -1, 0}}};
-
-/// Black-level clamps, in the order of FrontValues::clamp; sent and stored high byte first.
-struct ClampPlace {
-  const char* caption;
-  std::uint8_t address;
-  std::size_t entry;
-};
-inline constexpr std::array<ClampPlace, 4> kClamps{{{"R(0~4095)", 0x78, 465},
-                                                    {"GR(0~4095)", 0x79, 467},
-                                                    {"GB(0~4095)", 0x7A, 469},
-                                                    {"B(0~4095)", 0x7B, 471}}};
-
-/// What the page shows, as it stands before the chip's first answer.
+/// What the page shows, as it stands before the chip's first answer. Indexes of lists are what the chip or
+/// the file said, also where the list has no such item.
 struct FrontValues {
   int video_mode = 0;
   int colour_order = 0;
@@ -85,64 +57,185 @@ struct FrontValues {
   /// R, GR, GB, B; 0..4095, but more is not refused.
   std::array<int, 4> clamp{};
   int wdr_state = 0;
-  /// By FrontFlag; the two tasks run until they are stopped.
-  std::array<bool, kFrontFlagCount> flags{false, false, false, false, false, false, false, false, true, true};
+  FrontFlags flags;
   bool color_suppress = false;
   friend bool operator==(const FrontValues&, const FrontValues&) = default;
 };
 
-/// Copies what "File/Flash Save" keeps into entries 454..472, 549, 551 and 582.
-void save_to_user_data(const FrontValues& values, UserDataImage& image);
-/// The reverse; flags and "Color Suppress" stay.
-void reload_from_user_data(FrontValues& values, const UserDataImage& image);
-
-/// Register that asks the chip for its settings.
-inline constexpr std::uint8_t kFrontQuery = 0xBE;
-/// The answer to kFrontQuery. Delay, IR on/off and the two tasks stay those of `current`. Nothing when the
-/// reply is too short.
-std::optional<FrontValues> decode_front_reply(std::string_view reply, FrontValues current);
-/// The answer as the chip gives it, 40 hex digits.
-std::string encode_front_reply(const FrontValues& values);
-
-/// Controls that send as soon as they are used; the flags are apart.
+/// Controls that send as soon as they are used.
 enum class FrontControl {
-  VideoMode,
-  ColourOrder,
-  SaveColourOrder,
-  TdnMode,
-  Delay,
-  IrOnOff,
-  LedDimmer,
-  Polarity,
-  ClampR,
-  ClampGr,
-  ClampGb,
-  ClampB,
-  WdrState,
-  ColorSuppress
+  video_mode,
+  colour_order,
+  tdn_mode,
+  delay,
+  ir_on_off,
+  led_dimmer,
+  polarity,
+  clamp_r,
+  clamp_gr,
+  clamp_gb,
+  clamp_b,
+  wdr_state,
+  test_pattern,
+  raw_data,
+  gamma,
+  brightness,
+  sharpness,
+  saturation,
+  hue,
+  dpc,
+  ae_task,
+  awb_task,
+  color_suppress
 };
 
-struct ImageEntry {
-  std::size_t index;
-  std::uint8_t value;
-  friend bool operator==(const ImageEntry&, const ImageEntry&) = default;
-};
-/// What using a control does: entries are stored, then, for one of the controls, the user data file is
-/// written, then the writes leave in one flush.
-struct ControlEffect {
-  std::vector<ImageEntry> entries;
-  Batch writes;
-  bool writes_file = false;
-  friend bool operator==(const ControlEffect&, const ControlEffect&) = default;
-};
-ControlEffect front_effect(FrontControl control, const FrontValues& values);
-void store(const ControlEffect& effect, UserDataImage& image);
-Batch flag_write(FrontFlag flag, bool checked);
+inline constexpr Encoding kFromOne{[](int index) { return index + 1; },
+                                   [](int stored) { return stored - 1; }};
+inline constexpr Encoding kSuppressed{[](int checked) { return checked != 0 ? 128 : 0; },
+                                      [](int stored) { return stored == 128 ? 1 : 0; }};
 
 /// Highest LED dimmer level that its "S" sends; the edit then shows it. "File/Flash Save" does not limit.
 inline constexpr int kLedDimmerLimit = 88;
 
-/// "File/Flash Save", after save_to_user_data and the writing of the user data file.
-Traffic front_save_traffic(const FrontValues& values);
+/// Where the chip reports a flag: a bit of the byte at a position of the reply.
+struct FlagPlace {
+  int reply = Field::kNowhere;
+  int bit = 0;
+};
+
+/// The page: entries of its own from 454 to 582, and a reply of 40 characters.
+struct FrontPage {
+  using Values = FrontValues;
+  static constexpr DeskTexts kTexts{"front", 0xBE, "ISP Load Fail...", "", ""};
+
+  template <class V, class Visitor>
+  static constexpr void fields(V& values, Visitor& visit) {
+    using C = FrontControl;
+    visit.byte({"video_mode"}, values.video_mode,
+               list("Video Mode", kFrontVideoModes, 454, 0, 0x6E, C::video_mode));
+    visit.byte({"colour_order"}, values.colour_order,
+               list("RGB Order", kColourOrders, 456, 2, 0x6F, C::colour_order));
+    Field tdn = list("TDN Mode", kTdnModes, 462, 4, 0x70, C::tdn_mode);
+    tdn.as = &kFromOne;
+    tdn.taken = {-1, 254};
+    visit.byte({"tdn_mode"}, values.tdn_mode, tdn);
+    numbers(values, visit);
+    clamps(values.clamp, visit);
+    visit.byte({"wdr_state"}, values.wdr_state, list("WDR State", kWdrStates, 549, 38, 0x89, C::wdr_state));
+    flags(values.flags, visit);
+    visit.byte({"color_suppress"}, values.color_suppress,
+               {.caption = "Color Suppress",
+                .entry = 552,
+                .entry_use = EntryUse::kept_by_control,
+                .reply = 34,
+                .range = {0, 1},
+                .address = 0xAB,
+                .sent_by = static_cast<int>(C::color_suppress),
+                .as = &kSuppressed});
+  }
+
+ private:
+  static constexpr Range kBytes{0, 255};
+  static constexpr Range kWords{0, 0xFFFF};
+
+  static constexpr Field list(const char* caption, std::span<const char* const> items, int entry, int reply,
+                              int address, FrontControl control) {
+    return {.caption = caption,
+            .entry = entry,
+            .reply = reply,
+            .range = {0, static_cast<int>(items.size()) - 1},
+            .taken = kBytes,
+            .format = FieldFormat::list,
+            .items = items,
+            .address = address,
+            .sent_by = static_cast<int>(control),
+            .saved = true};
+  }
+
+  template <class V, class Visitor>
+  static constexpr void numbers(V& values, Visitor& visit) {
+    // The delay is kept twice, on purpose.
+    visit.byte({"delay"}, values.delay,
+               {.caption = "Delay",
+                .entry = 457,
+                .also_entry = 458,
+                .address = 0x71,
+                .sent_by = static_cast<int>(FrontControl::delay),
+                .saved = true});
+    visit.byte({"ir_on_off"}, values.ir_on_off,
+               {.caption = "IR On/Off",
+                .entry = 464,
+                .taken = kWords,
+                .address = 0x74,
+                .sent_by = static_cast<int>(FrontControl::ir_on_off),
+                .saved = true});
+    visit.byte({"led_dimmer"}, values.led_dimmer,
+               {.caption = "LED Dimmer",
+                .entry = 582,
+                .reply = 36,
+                .range = {0, kLedDimmerLimit},
+                .taken = kWords,
+                .address = 0x8D,
+                .sent_by = static_cast<int>(FrontControl::led_dimmer),
+                .saved = true});
+    visit.byte({"polarity"}, values.polarity,
+               {.caption = "Polarity",
+                .entry = 551,
+                .reply = 6,
+                .range = {0, 1},
+                .address = 0xAA,
+                .sent_by = static_cast<int>(FrontControl::polarity),
+                .saved = true,
+                .as = &kFlag});
+  }
+
+  template <class Clamp, class Visitor>
+  static constexpr void clamps(Clamp& clamp, Visitor& visit) {
+    constexpr std::array kNames{"r", "gr", "gb", "b"};
+    constexpr std::array kCaptions{"R(0~4095)", "GR(0~4095)", "GB(0~4095)", "B(0~4095)"};
+    for (int i = 0; i < 4; ++i)
+      visit.word({"clamp", kNames[i]}, clamp[i],
+                 {.caption = kCaptions[i],
+                  .entry = 465 + 2 * i,
+                  .reply = 8 + 4 * i,
+                  .range = {0, 4095},
+                  .taken = kWords,
+                  .address = 0x78 + i,
+                  .sent_by = static_cast<int>(FrontControl::clamp_r) + i,
+                  .saved = true});
+  }
+
+  static constexpr Field flag(const char* caption, int address, FrontControl control, FlagPlace place = {}) {
+    return {.caption = caption,
+            .reply = place.reply,
+            .reply_bit = place.bit,
+            .range = {0, 1},
+            .address = address,
+            .sent_by = static_cast<int>(control)};
+  }
+  template <class Flags, class Visitor>
+  static constexpr void flags(Flags& f, Visitor& visit) {
+    using C = FrontControl;
+    const auto bit = [&visit](const char* name, auto& value, const Field& field) {
+      visit.bit({"flag", name}, value, field);
+    };
+    bit("test_pattern", f.test_pattern, flag("Test Pattern", 0x82, C::test_pattern, {32, 6}));
+    bit("raw_data", f.raw_data, flag("Raw Data", 0x83, C::raw_data, {32, 3}));
+    bit("gamma", f.gamma, flag("Gamma", 0x84, C::gamma, {24, 3}));
+    bit("brightness", f.brightness, flag("Brightness", 0x85, C::brightness, {26, 1}));
+    bit("sharpness", f.sharpness, flag("Sharpness", 0x86, C::sharpness, {28, 4}));
+    bit("saturation", f.saturation, flag("Saturation", 0x87, C::saturation, {28, 1}));
+    bit("hue", f.hue, flag("HUE", 0x88, C::hue, {28, 0}));
+    bit("dpc", f.dpc, flag("DPC", 0x8B, C::dpc, {30, 5}));
+    bit("ae_task", f.ae_task, flag("AE Task", reg::kAeTask, C::ae_task));
+    bit("awb_task", f.awb_task, flag("AWB Task", reg::kAwbTask, C::awb_task));
+  }
+};
+static_assert(fields_hold<FrontPage>());
+
+/// What `control` sends of the values as they stand, in one flush.
+Batch front_write(FrontControl control, const FrontValues& values);
+/// "File/Flash Save".
+Traffic front_full_save(const FrontValues& values);
 
 }  // namespace qv5123

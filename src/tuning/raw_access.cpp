@@ -1,8 +1,6 @@
 #include "tuning/raw_access.h"
 
-#include <array>
-#include <cstdarg>
-#include <cstdio>
+#include <algorithm>
 #include <vector>
 
 #include "base/hex.h"
@@ -32,25 +30,24 @@ int leading_digits(std::string_view text, std::size_t count) {
   return value;
 }
 
-[[gnu::format(printf, 1, 2)]] std::string formatted(const char* format, ...) {
-  std::array<char, 100> text{};
-  va_list arguments;
-  va_start(arguments, format);
-  std::vsnprintf(text.data(), text.size(), format, arguments);
-  va_end(arguments);
-  return text.data();
-}
-
 constexpr int shown_isp_address(int address) {
   return 0xF000 | (address & 0xFFF);
 }
 
-constexpr unsigned shown_address(Access access, int address) {
-  return static_cast<unsigned>(access == Access::Sensor ? address & 0xFFFF : shown_isp_address(address));
+std::string shown(int address) {
+  return "0x" + upper_hex(static_cast<unsigned>(address), 4);
+}
+
+std::string shown(Access access, int address) {
+  return shown(access == Access::sensor ? address & 0xFFFF : shown_isp_address(address));
+}
+
+std::string shown_dump(int start, int end) {
+  return "Dump " + shown(shown_isp_address(start)) + ".." + shown(shown_isp_address(end)) + ": ";
 }
 
 constexpr std::size_t answer_digits(Access access) {
-  return access == Access::IspByte ? 2 : 4;
+  return access == Access::isp_byte ? 2 : 4;
 }
 
 /// The answer's digits are the last of the reply, whatever came before them.
@@ -59,19 +56,6 @@ std::optional<int> answer_value(Access access, std::string_view reply) {
   if (reply.size() < digits || !whole_bytes(reply)) return std::nullopt;
   const std::size_t position = reply.size() - digits;
   return digits == 2 ? reply_byte_at(reply, position) : reply_word_at(reply, position);
-}
-
-struct Click {
-  int number;
-  bool set;
-};
-constexpr std::array<Click, 6> kServiceClicks{
-    {{7, true}, {0, true}, {7, false}, {3, true}, {0, false}, {3, false}}};
-constexpr int kServiceAddress = 0x5C1;
-
-constexpr bool matches(std::size_t place, int number, bool set) {
-  return place < kServiceClicks.size() && kServiceClicks[place].number == number &&
-         kServiceClicks[place].set == set;
 }
 
 }  // namespace
@@ -89,8 +73,17 @@ int word_of_field(std::string_view text) {
   return length >= 2 && length <= 4 ? leading_digits(text, length) : 0;
 }
 
+bool reads_as_typed(HexForm form, std::string_view text) {
+  const bool digits = std::all_of(text.begin(), text.end(), [](char c) {
+    return c == '0' || hex_value(static_cast<unsigned char>(c)) != 0;
+  });
+  const std::size_t least = form == HexForm::address ? 3 : 2;
+  const std::size_t most = form == HexForm::word ? 4 : least;
+  return digits && text.size() >= least && text.size() <= most;
+}
+
 std::string field_of_byte(int value) {
-  return formatted("%02X", static_cast<unsigned>(low_byte(value)));
+  return upper_hex(low_byte(value));
 }
 
 OneByteWrite write_one_byte(int address, int value) {
@@ -109,59 +102,51 @@ Traffic edit_bit(int address, std::uint8_t& byte, int number, bool set) {
   return {to_address, to_data};
 }
 
+std::string unread_bits_text(int address) {
+  return "The bits of " + shown(Access::isp_byte, address) + " are not known: press \"Get Info\" first.";
+}
+
 std::string bit_editor_text(std::uint8_t byte) {
-  return formatted("%x ", static_cast<unsigned>(byte));
+  return lower_hex(byte, byte > 0xF ? 2 : 1) + " ";
 }
 
 std::string sensor_write_text(int address, int value) {
-  return formatted("\r\nSensor Write :\r\n0x%04x, %04d (0x%04x, 0x%04x)", static_cast<unsigned>(address),
-                   value, static_cast<unsigned>(address), static_cast<unsigned>(value));
+  const std::string register_name = "0x" + lower_hex(static_cast<unsigned>(address), 4);
+  const std::string hex = "0x" + lower_hex(static_cast<unsigned>(value), 4);
+  std::string decimal = std::to_string(value);
+  if (decimal.size() < 4) decimal.insert(0, 4 - decimal.size(), '0');
+  return "\r\nSensor Write :\r\n" + register_name + ", " + decimal + " (" + register_name + ", " + hex + ")";
 }
 
 std::string answer_text(Access access, int address, std::string_view reply) {
   const auto value = answer_field(access, reply);
   if (!value) return {};
-  return formatted("0x%04X = 0x%s\r\n", shown_address(access, address), value->c_str());
+  return shown(access, address) + " = 0x" + *value + "\r\n";
 }
 
 std::string no_answer_text(Access access, int address) {
-  return formatted("No answer from 0x%04X", shown_address(access, address));
+  return "No answer from " + shown(access, address);
 }
 
 std::optional<std::string> answer_field(Access access, std::string_view reply) {
   const auto value = answer_value(access, reply);
   if (!value) return std::nullopt;
-  return formatted("%0*X", static_cast<int>(answer_digits(access)), static_cast<unsigned>(*value));
+  return upper_hex(static_cast<unsigned>(*value), answer_digits(access));
 }
 
 std::string dump_text(int start, int end, std::string_view reply) {
-  if (!whole_bytes(reply))
-    return formatted("Dump 0x%04X..0x%04X: the answer is damaged.\r\n", shown_isp_address(start),
-                     shown_isp_address(end));
+  if (!whole_bytes(reply)) return shown_dump(start, end) + "the answer is damaged.\r\n";
   std::string text;
   for (std::size_t i = 0; 2 * i + 1 < reply.size(); ++i)
-    text += formatted("0x%04X = 0x%02X\r\n", shown_isp_address(start + static_cast<int>(i)),
-                      reply_byte(reply, i));
+    text += shown(shown_isp_address(start + static_cast<int>(i))) + " = 0x" +
+            field_of_byte(reply_byte(reply, i)) + "\r\n";
   return text;
 }
 
 std::string overlong_dump_text(int start, int end) {
   constexpr int kMostRegisters = ReplyBuffer::kSize / 2;
-  return formatted("Dump 0x%04X..0x%04X: the answer is too long, it can hold %d registers.\r\n",
-                   shown_isp_address(start), shown_isp_address(end), kMostRegisters);
-}
-
-void ServiceGesture::click(int number, bool set) {
-  if (matches(matched_, number, set))
-    ++matched_;
-  else
-    matched_ = matches(0, number, set) ? 1 : 0;
-}
-
-bool ServiceGesture::get_info(int address) {
-  const bool reveal = matched_ == kServiceClicks.size() && address == kServiceAddress;
-  matched_ = 0;
-  return reveal;
+  return shown_dump(start, end) + "the answer is too long, it can hold " + std::to_string(kMostRegisters) +
+         " registers.\r\n";
 }
 
 }  // namespace qv5123

@@ -1,7 +1,6 @@
 #include "tuning/userdata_parameters.h"
 
-#include <cstdio>
-
+#include "base/hex.h"
 #include "tuning/brackets.h"
 
 namespace qv5123 {
@@ -66,10 +65,9 @@ const std::array<UserdataParameter, kUserdataParameterCount>& userdata_parameter
 std::string parameter_line(std::size_t row, const UserDataImage& image, LineOf occasion) {
   if (row >= kParameters.size()) return {};
   const UserdataParameter& parameter = kParameters[row];
-  const bool other_spelling = row == kTwiceSpelledRow && occasion == LineOf::Set;
-  char value[8];
-  std::snprintf(value, sizeof value, "%02X\r\n", static_cast<unsigned>(image.entry(parameter.entry)));
-  return std::string(other_spelling ? kSpellingAfterSet : parameter.label) + value;
+  const bool other_spelling = row == kTwiceSpelledRow && occasion == LineOf::set;
+  return (other_spelling ? kSpellingAfterSet : parameter.label) + upper_hex(image.entry(parameter.entry)) +
+         "\r\n";
 }
 
 Traffic parameter_traffic(std::size_t row, const UserDataImage& image) {

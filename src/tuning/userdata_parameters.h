@@ -26,7 +26,7 @@ inline constexpr std::size_t kUserdataParameterCount = 34;
 const std::array<UserdataParameter, kUserdataParameterCount>& userdata_parameters();
 
 /// When a parameter's line is shown. The last parameter is spelled differently in the two.
-enum class LineOf { Selection, Set };
+enum class LineOf { selection, set };
 /// The parameter's label and the image's value, with a line break.
 std::string parameter_line(std::size_t row, const UserDataImage& image, LineOf occasion);
 

@@ -23,7 +23,14 @@ TEST(SettingsTable, HoldsEveryEntryOnceAndEveryNameOnce) {
 
 TEST(SettingsTable, FindsWhatThePagesKeepWhere) {
   const SettingsTable table;
-  const std::map<const char*, Entries> cases = {{"gamma.r[5]", {55, 56}},
+  const std::map<const char*, Entries> cases = {{"front.video_mode", {454}},
+                                                {"front.delay", {457, 458}},
+                                                {"front.tdn_mode", {462}},
+                                                {"front.ir_on_off", {464}},
+                                                {"front.clamp.gb", {469, 470}},
+                                                {"front.led_dimmer", {582}},
+                                                {"front.color_suppress", {552}},
+                                                {"gamma.r[5]", {55, 56}},
                                                 {"dynamic.light1.weight_b", {207, 208}},
                                                 {"dynamic.further_ae", {290}},
                                                 {"dynamic.tvi.bright.offset", {299}},

@@ -18,6 +18,12 @@ class DeskBench : public testing::Test {
     const std::string all = fake_.sender.wire();
     return all.substr(std::exchange(seen_, all.size()));
   }
+  /// The chip answers `request`, and nothing else, with this block.
+  void answer(const std::string& request, const std::string& reply) {
+    fake_.sender.chip = [this, request, reply](const std::string& bytes) {
+      if (bytes == request) fake_.receive("~" + reply + "^");
+    };
+  }
   /// The chip's answer to the load that was started.
   void answer_load(const std::string& reply) {
     fake_.advance(60);

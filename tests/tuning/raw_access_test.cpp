@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "tuning/bit_editor.h"
 #include "tuning/register_script.h"
 
 namespace qv5123 {
@@ -23,12 +24,25 @@ TEST(RawAccess, FieldsAreReadByTheirLength) {
       << "a character counts once, however it is coded";
 }
 
+TEST(RawAccess, FieldsThatWouldBeMisreadAreTold) {
+  for (const char* right : {"000", "a2C", "F92"})
+    EXPECT_TRUE(reads_as_typed(HexForm::address, right)) << right;
+  for (const char* wrong : {"", "A2", "F1A2", "0x1A2", "9G2", "12\xC3\xA9", " 12"})
+    EXPECT_FALSE(reads_as_typed(HexForm::address, wrong)) << wrong;
+  for (const char* right : {"00", "123", "bEeF"}) EXPECT_TRUE(reads_as_typed(HexForm::word, right)) << right;
+  for (const char* wrong : {"", "5", "12345", "0x12", "-5"})
+    EXPECT_FALSE(reads_as_typed(HexForm::word, wrong)) << wrong;
+  EXPECT_TRUE(reads_as_typed(HexForm::byte, "3f"));
+  EXPECT_FALSE(reads_as_typed(HexForm::byte, "3"));
+  EXPECT_FALSE(reads_as_typed(HexForm::byte, "3F0"));
+}
+
 TEST(RawAccess, AnswersAreShownAsLines) {
-  EXPECT_EQ(answer_text(Access::IspWord, 0x922, "0aBc"), "0xF922 = 0x0ABC\r\n");
-  EXPECT_EQ(answer_text(Access::IspWord, 0x922, "123"), "");
-  EXPECT_EQ(answer_text(Access::IspByte, 0x922, "122"), "") << "which of them was doubled?";
-  EXPECT_FALSE(answer_field(Access::IspByte, "1x"));
-  EXPECT_EQ(answer_field(Access::IspByte, "00ff0c"), "0C");
+  EXPECT_EQ(answer_text(Access::isp_word, 0x922, "0aBc"), "0xF922 = 0x0ABC\r\n");
+  EXPECT_EQ(answer_text(Access::isp_word, 0x922, "123"), "");
+  EXPECT_EQ(answer_text(Access::isp_byte, 0x922, "122"), "") << "which of them was doubled?";
+  EXPECT_FALSE(answer_field(Access::isp_byte, "1x"));
+  EXPECT_EQ(answer_field(Access::isp_byte, "00ff0c"), "0C");
   EXPECT_EQ(dump_text(0x0FE, 0x100, "010203"), "0xF0FE = 0x01\r\n0xF0FF = 0x02\r\n0xF100 = 0x03\r\n");
   EXPECT_TRUE(dump_text(0x100, 0x1F9, std::string(500, '1')).ends_with("\r\n0xF1F9 = 0x11\r\n"));
 }

@@ -1,342 +1,199 @@
 #include "tuning/ui/dlg_isp_front.h"
 
 #include <QHideEvent>
-#include <QScrollBar>
-#include <algorithm>
-#include <filesystem>
-#include <functional>
-#include <memory>
-#include <optional>
-#include <sstream>
+#include <QVBoxLayout>
 
-#include "base/atomic_file.h"
-#include "base/delay.h"
-#include "link/indirect_access.h"
-#include "link/reply_text.h"
-#include "tuning/register_script.h"
-#include "tuning/userdata_parameters.h"
+#include <array>
+
+#include "tuning/ui/bit_editor_box.h"
+#include "tuning/ui/front_parts.h"
+#include "tuning/ui/raw_access_boxes.h"
+#include "tuning/ui/service_area_box.h"
 
 namespace qv5123 {
-namespace {
 
-constexpr std::chrono::milliseconds kInfoWait{100};
-/// How long a read waits for its answer.
-constexpr std::chrono::milliseconds kReadWait{600};
-
-std::string utf8(const QLineEdit* edit) {
-  return edit->text().toStdString();
+CDlgIspFront::CDlgIspFront(PageHost& host)
+    : TuningDialog(host, desk_),
+      desk_(host, host.document().user_data),
+      area_(host),
+      bit_editor_(host, area_),
+      raw_access_(host, area_),
+      player_(host),
+      edits_(desk_) {
+  auto* page = new QVBoxLayout(this);
+  page->setContentsMargins(6, 6, 6, 6);
+  page->addLayout(make_settings());
+  auto* bits = new QHBoxLayout;
+  bits->addWidget(make_flag_group(), 1);
+  bits->addWidget(new BitEditorBox(bit_editor_), 1);
+  page->addLayout(bits);
+  page->addWidget(new RawAccessBoxes(raw_access_));
+  page->addLayout(make_chip_row());
+  service_box_ = new ServiceAreaBox(area_, player_);
+  page->addWidget(service_box_, 1000);
+  page->addStretch(1);
+  desk_.attach(*this);
+  show_values();
+  // The page's first control would set the chip's video mode at the first arrow key or turn of the wheel.
+  load_isp_->setFocus();
+  desk_.start_load();
 }
 
-/// A script of more bytes would play for days.
-constexpr std::uintmax_t kLargestScript = std::uintmax_t{64} << 20;
+QLayout* CDlgIspFront::make_settings() {
+  auto* row = new QHBoxLayout;
+  row->addWidget(make_video_group(), 3);
+  row->addWidget(make_tdn_group(), 2);
+  row->addWidget(make_clamp_group(), 2);
+  row->addWidget(make_task_column(), 2);
+  return row;
+}
 
-struct ReadScript {
-  FileResult result;
-  std::string text;
-  bool too_large = false;
-};
+QWidget* CDlgIspFront::make_video_group() {
+  const FrontValues& values = desk_.values();
+  auto* group = new QGroupBox("Video");
+  QGridLayout* grid = tight_grid(group);
+  add_list(grid, 0, values.video_mode);
+  add_list(grid, 1, values.colour_order);
+  const QString order = register_text(desk_.info(values.colour_order).address);
+  grid->addWidget(make_set_button("S", "RGB Order", "Keep the order in the user data, " + order,
+                                  [this] { desk_.keep_colour_order(); }),
+                  1, 2);
+  add_number(grid, 2, values.led_dimmer);
+  grid->setColumnStretch(1, 1);
+  grid->setRowStretch(3, 1);
+  return group;
+}
 
-/// Lets a button read "Stop" while it would stop what it began.
-class StopCaption {
- public:
-  StopCaption(QPushButton* button, QString caption) : button_(button), caption_(std::move(caption)) {
-    show("Stop");
+QWidget* CDlgIspFront::make_tdn_group() {
+  const FrontValues& values = desk_.values();
+  auto* group = new QGroupBox("TDN");
+  QGridLayout* grid = tight_grid(group);
+  tdn_mode_ = add_list(grid, 0, values.tdn_mode, "Mode");
+  add_number(grid, 1, values.delay);
+  add_number(grid, 2, values.ir_on_off);
+  grid->addWidget(new QLabel("Polarity"), 3, 0);
+  grid->addLayout(make_polarity_row(), 3, 1);
+  return group;
+}
+
+QLayout* CDlgIspFront::make_polarity_row() {
+  const QString polarity = register_text(desk_.info(desk_.values().polarity).address);
+  auto* row = new QHBoxLayout;
+  minus_ = make_button("-", "Polarity -", "0, " + polarity, [this] { desk_.set_polarity(0); });
+  plus_ = make_button("+", "Polarity +", "1, " + polarity, [this] { desk_.set_polarity(1); });
+  for (QPushButton* sign : {minus_, plus_}) {
+    sign->setMaximumWidth(40);
+    row->addWidget(sign);
   }
-  StopCaption(const StopCaption&) = delete;
-  StopCaption& operator=(const StopCaption&) = delete;
-  ~StopCaption() { show(caption_); }
-
- private:
-  void show(const QString& caption) {
-    button_->setText(caption);
-    button_->setAccessibleName(caption);
-  }
-
-  QPushButton* button_;
-  QString caption_;
-};
-
-/// A list without a selection stands for what the chip reported and the list does not have.
-void take_index(const QComboBox* combo, int& index) {
-  if (combo->currentIndex() >= 0) index = combo->currentIndex();
+  row->addStretch();
+  return row;
 }
 
-}  // namespace
-
-void CDlgIspFront::load_from_isp() {
-  load({kFrontQuery, "ISP Load Fail...", "", [this](std::string_view reply) {
-          read_controls();
-          const auto loaded = decode_front_reply(reply, values_);
-          if (!loaded) return false;
-          values_ = *loaded;
-          fit_tdn_list();
-          show_values();
-          return true;
-        }});
+QWidget* CDlgIspFront::make_clamp_group() {
+  auto* group = new QGroupBox("Clamp");
+  QGridLayout* grid = tight_grid(group);
+  int row = 0;
+  for (const int& clamp : desk_.values().clamp) add_number(grid, row++, clamp);
+  return group;
 }
 
-void CDlgIspFront::chosen_again() {
-  load_from_isp();
+QWidget* CDlgIspFront::make_task_column() {
+  auto* column = new QWidget;
+  auto* layout = new QVBoxLayout(column);
+  layout->setContentsMargins(0, 0, 0, 0);
+  auto* wdr = new QGroupBox("WDR Task");
+  add_list(tight_grid(wdr), 0, desk_.values().wdr_state, "State");
+  auto* tasks = new QGroupBox("AE/AWB Task");
+  QGridLayout* grid = tight_grid(tasks);
+  grid->addWidget(make_flag(&FrontFlags::ae_task), 0, 0);
+  grid->addWidget(make_flag(&FrontFlags::awb_task), 1, 0);
+  layout->addWidget(wdr);
+  layout->addWidget(tasks);
+  layout->addStretch();
+  return column;
+}
+
+QWidget* CDlgIspFront::make_flag_group() {
+  using F = FrontFlags;
+  constexpr std::array<bool F::*, 8> kFlags{&F::test_pattern, &F::raw_data,   &F::gamma, &F::brightness,
+                                            &F::sharpness,    &F::saturation, &F::hue,   &F::dpc};
+  constexpr int kColumns = 3;
+  auto* group = new QGroupBox("ISP Flag");
+  QGridLayout* grid = tight_grid(group);
+  int place = 0;
+  const auto add = [&](QCheckBox* box) {
+    grid->addWidget(box, place / kColumns, place % kColumns);
+    ++place;
+  };
+  for (bool F::*flag : kFlags) add(make_flag(flag));
+  const std::size_t suppress = desk_.field(desk_.values().color_suppress);
+  QCheckBox* box = edits_.check(suppress, [this] { desk_.use_color_suppress(host()); });
+  box->setToolTip("0 or 128, " + box->toolTip());
+  add(box);
+  return group;
+}
+
+QLayout* CDlgIspFront::make_chip_row() {
+  auto* row = new QHBoxLayout;
+  load_isp_ = make_button("Load Isp", {},
+                          "Read the settings from the chip, " + register_text(FrontPage::kTexts.trigger),
+                          [this] { desk_.start_load(); });
+  row->addWidget(load_isp_);
+  row->addWidget(make_button("File/Flash Save", {}, "Write the user data file and send all settings to keep",
+                             [this] { desk_.start_save(desk_.save(host())); }));
+  row->addStretch();
+  return row;
+}
+
+QComboBox* CDlgIspFront::add_list(QGridLayout* grid, int row, const int& value, const QString& caption) {
+  const FieldInfo& info = desk_.info(value);
+  QComboBox* list = edits_.list(desk_.field(value), sender(info));
+  // The items tell the range.
+  list->setToolTip(register_text(info.address));
+  add_field(grid, row, caption.isEmpty() ? list->accessibleName() : caption, list);
+  return list;
+}
+
+void CDlgIspFront::add_number(QGridLayout* grid, int row, const int& value) {
+  const FieldInfo& info = desk_.info(value);
+  QSpinBox* box = edits_.number(desk_.field(value));
+  add_field(grid, row, box->accessibleName(), box);
+  grid->addWidget(make_set_button("S", box->accessibleName(), field_tooltip(info), sender(info)), row, 2);
+}
+
+QCheckBox* CDlgIspFront::make_flag(bool FrontFlags::*flag) {
+  const bool& value = desk_.values().flags.*flag;
+  return edits_.check(desk_.field(value), sender(desk_.info(value)));
+}
+
+std::function<void()> CDlgIspFront::sender(const FieldInfo& info) {
+  return [this, control = static_cast<FrontControl>(info.sent_by)] { desk_.use(control); };
+}
+
+void CDlgIspFront::show_values() {
+  fit_tdn_list();
+  edits_.show();
+  const bool plus = desk_.values().polarity != 0;
+  plus_->setText(plus ? "+" : "");
+  minus_->setText(plus ? "" : "-");
 }
 
 /// Chips with a fourth TDN mode are told apart by an application setting.
 void CDlgIspFront::fit_tdn_list() {
   const QSignalBlocker quiet(tdn_mode_);
-  const int modes = static_cast<int>(kTdnModes.size()) - (document().fourth_tdn_mode ? 0 : 1);
+  const int modes = static_cast<int>(kTdnModes.size()) - (host().document().fourth_tdn_mode ? 0 : 1);
   while (tdn_mode_->count() > modes) tdn_mode_->removeItem(tdn_mode_->count() - 1);
   while (tdn_mode_->count() < modes)
     tdn_mode_->addItem(kTdnModes[static_cast<std::size_t>(tdn_mode_->count())]);
 }
 
-void CDlgIspFront::read_controls() {
-  take_index(video_mode_, values_.video_mode);
-  take_index(colour_order_, values_.colour_order);
-  take_index(tdn_mode_, values_.tdn_mode);
-  take_index(wdr_state_, values_.wdr_state);
-  values_.delay = typed_value(delay_);
-  values_.ir_on_off = typed_value(ir_on_off_);
-  values_.led_dimmer = typed_value(led_dimmer_);
-  for (std::size_t i = 0; i < clamp_.size(); ++i) values_.clamp[i] = typed_value(clamp_[i]);
-  for (std::size_t i = 0; i < flags_.size(); ++i) values_.flags[i] = flags_[i]->isChecked();
-  values_.color_suppress = color_suppress_->isChecked();
-}
-
-void CDlgIspFront::show_values() {
-  show_index(video_mode_, values_.video_mode);
-  show_index(colour_order_, values_.colour_order);
-  show_index(tdn_mode_, values_.tdn_mode);
-  show_index(wdr_state_, values_.wdr_state);
-  show_value(delay_, values_.delay);
-  show_value(ir_on_off_, values_.ir_on_off);
-  show_value(led_dimmer_, values_.led_dimmer);
-  for (std::size_t i = 0; i < clamp_.size(); ++i) show_value(clamp_[i], values_.clamp[i]);
-  for (std::size_t i = 0; i < flags_.size(); ++i) show_checked(flags_[i], values_.flags[i]);
-  show_checked(color_suppress_, values_.color_suppress);
-  show_polarity();
-}
-
-void CDlgIspFront::show_polarity() {
-  plus_->setText(values_.polarity != 0 ? "+" : "");
-  minus_->setText(values_.polarity != 0 ? "" : "-");
-}
-
-void CDlgIspFront::use(FrontControl control) {
-  read_controls();
-  spawn(apply(front_effect(control, values_)));
-  if (control != FrontControl::LedDimmer) return;
-  values_.led_dimmer = std::min(values_.led_dimmer, kLedDimmerLimit);
-  show_value(led_dimmer_, values_.led_dimmer);
-}
-
-Task<> CDlgIspFront::apply(ControlEffect effect) {
-  store(effect, document().user_data);
-  if (effect.writes_file) co_await host().write_user_data_file();
-  link().send(std::move(effect.writes));
-}
-
-void CDlgIspFront::set_polarity(int polarity) {
-  values_.polarity = polarity;
-  show_polarity();
-  use(FrontControl::Polarity);
-}
-
-void CDlgIspFront::set_flag(FrontFlag flag, bool checked) {
-  link().send(flag_write(flag, checked));
-}
-
-Task<> CDlgIspFront::run_save() {
-  read_controls();
-  qv5123::save_to_user_data(values_, document().user_data);
-  PageSave save;
-  save.traffic = front_save_traffic(values_);
-  const bool written = co_await host().write_user_data_file();
-  save.done = written ? "ISP Data Save Done." : kSavedOnChipOnly;
-  co_await save_on_chip(host(), std::move(save));
-}
-
-int CDlgIspFront::raw_address(Access access) const {
-  const std::string text = utf8(raw_[static_cast<std::size_t>(access)].address);
-  return access == Access::IspByte ? address_of_field(text) : word_of_field(text);
-}
-
-void CDlgIspFront::click_bit(int number, bool set) {
-  gesture_.click(number, set);
-  Traffic traffic = edit_bit(address_of_field(utf8(bit_address_)), bit_byte_, number, set);
-  if (!traffic.empty()) link().send(std::move(traffic));
-}
-
-void CDlgIspFront::press_get_info() {
-  const int address = address_of_field(utf8(bit_address_));
-  if (gesture_.get_info(address)) reveal_service_area();
-  spawn(get_info(address));
-}
-
-Task<> CDlgIspFront::get_info(int address) {
-  const CommandLink::Turn turn = co_await link().turn();
-  co_await link().send_request(isp_read_request(address));
-  co_await Delay(host().scheduler(), kInfoWait);
-  // A block too short for a byte, or damaged, must not become one: the next click on a bit would write it
-  // back.
-  const auto reply = link().reply().take_block();
-  if (reply && reply->size() >= 2 && whole_bytes(*reply)) {
-    bit_byte_ = reply_byte(*reply, 0);
-    show_bits();
-  } else {
-    host().show_status(no_answer_text(Access::IspByte, address));
-  }
-  append_text(bit_editor_text(bit_byte_));
-}
-
-void CDlgIspFront::show_bits() {
-  for (std::size_t number = 0; number < bits_.size(); ++number)
-    show_checked(bits_[number][bit_byte_ >> number & 1], true);
-}
-
-void CDlgIspFront::write_raw(Access access) {
-  if (access == Access::IspByte) return write_byte();
-  if (access == Access::Sensor) return write_sensor();
-  const int data = word_of_field(utf8(raw_[static_cast<std::size_t>(access)].data));
-  link().send(isp_wide_write(raw_address(access), data));
-}
-
-void CDlgIspFront::write_byte() {
-  const int data = byte_of_field(utf8(raw_[static_cast<std::size_t>(Access::IspByte)].data));
-  show_value(data_spin_, data);
-  OneByteWrite write = write_one_byte(raw_address(Access::IspByte), data);
-  if (write.front_gamma_level)
-    document().front_gamma_level = *write.front_gamma_level;
-  else
-    link().send(std::move(write.batch));
-}
-
-void CDlgIspFront::write_sensor() {
-  const int address = raw_address(Access::Sensor);
-  const int data = word_of_field(utf8(raw_[static_cast<std::size_t>(Access::Sensor)].data));
-  link().send(sensor_write(address, data));
-  append_text(sensor_write_text(address, data));
-}
-
-Task<> CDlgIspFront::read(Access access, int address, Batch request) {
-  const auto reply = co_await link().request(std::move(request), kReadWait);
-  if (reply && answer_field(access, *reply))
-    show_answer(access, address, *reply);
-  else
-    host().show_status(no_answer_text(access, address));
-}
-
-void CDlgIspFront::dump() {
-  spawn(show_dump(address_of_field(utf8(dump_start_)), address_of_field(utf8(dump_end_))));
-}
-
-/// A chip may also answer with plain text, which reaches the main console without the page's help.
-Task<> CDlgIspFront::show_dump(int start, int end) {
-  const auto reply = co_await link().request(dump_request(start, end), kReadWait);
-  if (reply) host().append_console(dump_text(start, end, *reply));
-  if (!reply && link().reply().overran()) host().append_console(overlong_dump_text(start, end));
-}
-
-void CDlgIspFront::show_answer(Access access, int address, const std::string& reply) {
-  host().append_console(answer_text(access, address, reply));
-  const auto field = answer_field(access, reply);
-  if (!field) return;
-  raw_[static_cast<std::size_t>(access)].data->setText(QString::fromStdString(*field));
-  if (access == Access::IspByte) show_value(data_spin_, byte_of_field(*field));
-}
-
-void CDlgIspFront::reveal_service_area() {
-  const QSignalBlocker quiet(parameter_);
-  parameter_->clear();
-  for (const UserdataParameter& parameter : userdata_parameters()) parameter_->addItem(parameter.name);
-  parameter_->setCurrentIndex(0);
-  append_text(parameter_line(0, document().user_data, LineOf::Selection));
-  service_area_->show();
-}
-
 void CDlgIspFront::hideEvent(QHideEvent* event) {
   // A window that is only minimised keeps showing this page.
   if (!event->spontaneous()) {
-    service_area_->hide();
-    script_.cancel();
+    service_box_->hide();
+    player_.stop();
   }
-  TuningPage::hideEvent(event);
-}
-
-Task<> CDlgIspFront::set_parameter() {
-  if (parameter_->currentIndex() < 0) co_return;
-  const auto row = static_cast<std::size_t>(parameter_->currentIndex());
-  UserDataImage& image = document().user_data;
-  image.set_entry(userdata_parameters()[row].entry, byte_of_field(utf8(parameter_value_)));
-  Traffic traffic = parameter_traffic(row, image);
-  co_await host().write_user_data_file();
-  co_await link().send(std::move(traffic));
-  // The file of the current directory wins over what was set, also where it is not the one just written.
-  co_await host().reload_user_data_file();
-  append_text(parameter_line(row, image, LineOf::Set));
-}
-
-void CDlgIspFront::press_play() {
-  // While its file is being chosen the button still says so.
-  if (!script_.running()) return script_.start(load_script());
-  if (play_->text() == kPlayCaption) return;
-  script_.cancel();
-  host().show_status("Register file: stopped.");
-}
-
-Task<> CDlgIspFront::load_script() {
-  FileChoice choice{"Setting Files (*.txt)|*.txt|All Files (*.*)|*.*||", "txt", ""};
-  const auto path = co_await host().prompts().choose_open(std::move(choice));
-  if (!path) co_return;
-  const BusyScope busy(host());
-  const StopCaption stop(play_, kPlayCaption);
-  auto text = co_await read_script(*path);
-  if (text) co_await play(std::move(*text));
-}
-
-/// Nothing is said of a file that does not open.
-Task<std::optional<std::string>> CDlgIspFront::read_script(std::filesystem::path path) {
-  // All of it at once and beside the window: a file on a network may take its time.
-  std::function<ReadScript()> read = [path] {
-    ReadScript script;
-    std::error_code error;
-    script.too_large = std::filesystem::file_size(path, error) > kLargestScript && !error;
-    script.result = read_whole_file(path, script.text, kLargestScript);
-    return script;
-  };
-  ReadScript script = co_await host().background().run(std::move(read));
-  if (script.result.ok()) co_return std::move(script.text);
-  if (script.too_large) host().show_status(script.result.text);
-  co_return std::nullopt;
-}
-
-/// One line a tick, later where the wire is taken: what waits for it must not pile up behind.
-Task<> CDlgIspFront::play(std::string text) {
-  const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
-  RegisterScript script(std::make_unique<std::istringstream>(std::move(text)));
-  std::optional<Pending<JobResult>> sent;
-  for (std::size_t line = 0;; ++line) {
-    co_await Delay(host().scheduler(), RegisterScript::kTick);
-    if (sent) {
-      Pending<JobResult> last = std::move(*sent);
-      const JobResult result = co_await last;
-      if (result.failed) {
-        host().show_status("Register file: line " + std::to_string(line) + " did not reach the chip.");
-        co_return;
-      }
-    }
-    RegisterScript::Step step = script.tick();
-    if (step.finished) co_return;
-    host().show_progress(static_cast<int>(std::min(line, lines) * 100 / lines));
-    sent.reset();
-    if (!step.batch.empty()) sent.emplace(link().send(std::move(step.batch)));
-  }
-}
-
-/// Texts bring their own line breaks and may end within a line.
-void CDlgIspFront::append_text(const std::string& text) {
-  QTextCursor end(text_->document());
-  end.movePosition(QTextCursor::End);
-  end.insertText(QString::fromStdString(text));
-  text_->verticalScrollBar()->setValue(text_->verticalScrollBar()->maximum());
+  TuningDialog::hideEvent(event);
 }
 
 }  // namespace qv5123

@@ -80,36 +80,84 @@ TEST_F(FrontPage, ControlsStoreAndSend) {
   user_.click("LED Dimmer S");
   EXPECT_EQ(user_.number("LED Dimmer"), 88);
   user_.click("Polarity -");
+  EXPECT_EQ(user_.find<QAbstractButton>("Polarity +")->text(), "");
   for (const char* clamp : {"R(0~4095)", "GR(0~4095)", "GB(0~4095)", "B(0~4095)"}) {
     user_.type(clamp, 0x1234);
     user_.click(QString(clamp) + " S");
   }
   user_.choose("WDR State", 1);
   EXPECT_EQ(wire(), "@8d58*@aa00*@7812*@7834*@7912*@7934*@7a12*@7a34*@7b12*@7b34*@8901*");
-  for (const char* flag : {"Test Pattern", "Raw Data", "Gamma", "Brightness", "Sharpness", "Saturation",
-                           "HUE", "DPC", "AE Task", "AWB Task"})
-    user_.click(flag);
+}
+
+TEST_F(FrontPage, TooltipsTellRangeAndRegister) {
+  const std::map<const char*, const char*> tooltips{
+      {"Video Mode", "register 0x6E"},
+      {"RGB Order", "register 0x6F"},
+      {"TDN Mode", "register 0x70"},
+      {"Delay", "0..255, register 0x71"},
+      {"IR On/Off", "0..255, register 0x74"},
+      {"LED Dimmer S", "0..88, register 0x8D"},
+      {"Polarity -", "0, register 0xAA"},
+      {"GB(0~4095)", "0..4095, register 0x7A"},
+      {"DPC", "register 0x8B"},
+      {"Color Suppress", "0 or 128, register 0xAB"},
+      {"Load Isp", "Read the settings from the chip, register 0xBE"}};
+  for (const auto& [name, tooltip] : tooltips)
+    EXPECT_EQ(user_.find<QWidget>(name)->toolTip(), tooltip) << name;
+}
+
+TEST_F(FrontPage, TogglesSendWhatClicksSend) {
+  load();
+  constexpr const char* kFlags[] = {"Test Pattern", "Raw Data", "Gamma", "Brightness", "Sharpness",
+                                    "Saturation",   "HUE",      "DPC",   "AE Task",    "AWB Task"};
+  for (const char* flag : kFlags) user_.click(flag);
   EXPECT_EQ(wire(), "@8201*@8300*@8400*@8501*@8600*@8701*@8800*@8b00*@a000*@a100*");
+  for (const char* flag : kFlags) user_.toggle(flag);
+  EXPECT_EQ(wire(), "@8200*@8301*@8401*@8500*@8601*@8700*@8801*@8b01*@a001*@a101*");
   user_.click("Color Suppress");
   EXPECT_EQ(host_.user_data_writes, 1);
   EXPECT_EQ(wire(), "@ab00*");
-  const std::map<std::size_t, int> stored{{454, 15},   {456, 1},    {464, 6}, {582, 88}, {551, 0},
-                                          {469, 0x12}, {470, 0x34}, {549, 1}, {552, 0}};
-  for (const auto& [entry, value] : stored) EXPECT_EQ(host_.doc.user_data.entry(entry), value) << entry;
+  user_.toggle("Color Suppress");
+  EXPECT_EQ(host_.user_data_writes, 2);
+  EXPECT_EQ(wire(), "@ab80*");
+  answer("@9405*@9423*", "a5");
+  user_.type("Bit editor address", "523");
+  user_.click("Get Info");
+  wire();
+  for (const char* bit : {"Bit 1 = 1", "Bit 1 = 1"}) {
+    user_.toggle(bit);
+    EXPECT_EQ(wire(), "@9205*@9223*@93a7*") << "also of the radio that is on";
+    EXPECT_TRUE(user_.checked(bit));
+  }
+  user_.click("Bit 1 = 1");
+  EXPECT_EQ(wire(), "@9205*@9223*@93a7*");
 }
 
-TEST_F(FrontPage, FullSaveWritesTheFileAndSends) {
+TEST_F(FrontPage, RadiosAreBlankWhileTheBitsAreUnknown) {
   load();
-  user_.click("File/Flash Save");
-  EXPECT_EQ(wire(),
-            "@fa01*@6f02*@6e04*@7003*@7100*@7400*@8dc8*@aa01*@7801*@7823*@7902*@7934*@7a03*@7a45*@7bff*@7bff*"
-            "@8902*@fa00*");
-  EXPECT_EQ(host_.written.entry(582), 200) << "the save does not limit the dimmer";
-  EXPECT_EQ(host_.statuses, std::vector<std::string>{"ISP Data Save Done."});
-  host_.write_succeeds = false;
-  user_.click("File/Flash Save");
-  EXPECT_EQ(wire().size(), 18u * 6) << "the chip gets the settings all the same";
-  EXPECT_EQ(host_.last_status(), "Only the chip was saved: no setting file was written.");
+  const auto checked = [this] {
+    std::string bits;
+    for (int bit = 7; bit >= 0; --bit) {
+      const bool clear = user_.checked(QString("Bit %1 = 0").arg(bit));
+      const bool set = user_.checked(QString("Bit %1 = 1").arg(bit));
+      bits += clear == set ? '?' : set ? '1' : '0';
+    }
+    return bits;
+  };
+  EXPECT_EQ(checked(), "????????");
+  user_.click("Bit 7 = 1");
+  EXPECT_EQ(checked(), "????????") << "at address 000 they fall back";
+  answer("@9405*@9423*", "a5");
+  user_.find<QLineEdit>("Bit editor address")->setText("523");
+  user_.click("Get Info");
+  wire();
+  EXPECT_EQ(checked(), "10100101");
+  user_.click("Bit 1 = 1");
+  EXPECT_EQ(checked(), "10100111");
+  user_.find<QLineEdit>("Bit editor address")->setText("524");
+  EXPECT_EQ(checked(), "????????");
+  user_.click("Bit 1 = 0");
+  EXPECT_EQ(checked(), "????????");
 }
 
 TEST_F(FrontPage, RawAccess) {
@@ -117,91 +165,78 @@ TEST_F(FrontPage, RawAccess) {
   user_.type("1Byte address", "A2c");
   user_.type("1Byte data", "3F");
   user_.click("Write(1Byte)");
+  EXPECT_EQ(user_.number("1Byte data spin"), 0x3F);
   user_.type("1Byte data spin", 0x0B);
   EXPECT_EQ(user_.text("1Byte data"), "0B");
   user_.type("2Byte address", "123");
-  user_.type("2Byte data", "12345");
+  user_.type("2Byte data", "4567");
   user_.click("Write(2Byte)");
-  EXPECT_EQ(wire(), "@920a*@922c*@933f*@9501*@9523*@9600*@9600*");
-  user_.type("1Byte address", "fff");
-  user_.click("Write(1Byte)");
-  EXPECT_EQ(host_.doc.front_gamma_level, 11.0);
   user_.type("Sensor address", "3012");
   user_.type("Sensor data", "01F4");
   user_.click("Sensor Write");
-  EXPECT_EQ(wire(), "@9830*@9812*@9901*@99f4*");
-  EXPECT_EQ(console(), "\nSensor Write :\n0x3012, 0500 (0x3012, 0x01f4)");
-}
-
-TEST_F(FrontPage, AnswersGoToTheMainConsoleAndTheFieldThatAsked) {
-  load();
+  EXPECT_EQ(wire(), "@920a*@922c*@933f*@9501*@9523*@9645*@9667*@9830*@9812*@9901*@99f4*");
   answer("@9409*@9422*", "12");
   user_.type("1Byte address", "922");
   user_.click("Read(1Byte)");
   wire();
   EXPECT_EQ(user_.text("1Byte data"), "12");
-  answer("@9b0a*@9b10*@9b0a*@9b11*", "a1b2");
+  EXPECT_EQ(user_.number("1Byte data spin"), 0x12);
   user_.type("Address Start", "A10");
   user_.type("Address End", "A11");
   user_.click("Dump");
-  wire();
-  EXPECT_EQ(host_.console, "0xF922 = 0x12\r\n0xFA10 = 0xA1\r\n0xFA11 = 0xB2\r\n");
-  answer("@9b01*@9b00*@9b01*@9bfa*", std::string(502, '1'));
-  user_.type("Address Start", "100");
-  user_.type("Address End", "1FA");
-  user_.click("Dump");
-  wire();
-  EXPECT_TRUE(
-      host_.console.ends_with("0xB2\r\nDump 0xF100..0xF1FA: the answer is too long, it can hold 250 "
-                              "registers.\r\n"));
-  host_.console.clear();
-  fake_.sender.connected = false;
-  user_.click("Dump");
-  wire();
-  EXPECT_EQ(host_.console, "") << "the answer to the dump before is none to this one";
-  fake_.sender.connected = true;
-  user_.click("Read(2Byte)");
-  EXPECT_EQ(wire(), "@9700*@9700*");
+  EXPECT_EQ(wire(), "@9b0a*@9b10*@9b0a*@9b11*");
 }
 
-TEST_F(FrontPage, BitEditor) {
+TEST_F(FrontPage, MarksWhatWouldBeMisread) {
   load();
-  user_.click("Bit 7 = 1");
-  EXPECT_EQ(wire(), "") << "at address 0";
-  answer("@9405*@9423*", "a5");
-  user_.type("Bit editor address", "523");
-  user_.click("Get Info");
-  wire();
-  EXPECT_TRUE(user_.checked("Bit 7 = 1"));
-  EXPECT_TRUE(user_.checked("Bit 6 = 0"));
-  EXPECT_EQ(console(), "a5 ");
-  user_.click("Bit 1 = 1");
-  EXPECT_EQ(wire(), "@9205*@9223*@93a7*");
-  EXPECT_EQ(fake_.sender.writes.back(), "@93a7*") << "the address leaves in a flush of its own";
+  const auto marked = [this](const char* name) {
+    QWidget* widget = user_.find<QWidget>(name);
+    const auto* inner = widget->findChild<QLineEdit*>();
+    return (inner ? inner : widget)->palette().color(QPalette::Base) == QColor(0xC0, 0x30, 0x30);
+  };
+  const std::map<const char*, std::pair<const char*, const char*>> fields{
+      {"Bit editor address", {"F1A2", "1A2"}},
+      {"1Byte address", {"0x1A2", "1A2"}},
+      {"1Byte data", {"5", "05"}},
+      {"2Byte address", {"5", "05"}},
+      {"2Byte data", {"12345", "1234"}},
+      {"Sensor address", {"0x12", "0012"}},
+      {"Sensor data", {"", "12"}},
+      {"Address Start", {"1234", "123"}},
+      {"Address End", {"12", "012"}},
+      {"Userdata Value", {"123", "12"}}};
+  for (const auto& [name, texts] : fields) {
+    EXPECT_FALSE(marked(name)) << name;
+    user_.type(name, QString(texts.first));
+    EXPECT_TRUE(marked(name)) << name;
+    EXPECT_TRUE(user_.find<QWidget>(name)->toolTip().contains("hex digits"));
+    user_.type(name, QString(texts.second));
+    EXPECT_FALSE(marked(name)) << name;
+  }
+  EXPECT_FALSE(marked("IR On/Off"));
+  user_.type("IR On/Off", 256);
+  EXPECT_TRUE(marked("IR On/Off"));
+  user_.click("IR On/Off S");
+  EXPECT_EQ(wire(), "@7400*");
+  EXPECT_TRUE(marked("IR On/Off")) << "as long as it stands";
+  user_.type("IR On/Off", 255);
+  EXPECT_FALSE(marked("IR On/Off"));
+  EXPECT_TRUE(marked("B(0~4095)")) << "of what the chip reported, too";
 }
 
-TEST_F(FrontPage, ParametersAreStoredWrittenSentAndReadBack) {
+TEST_F(FrontPage, ParametersAreSetInTheServiceArea) {
   load();
+  EXPECT_FALSE(user_.find<QPlainTextEdit>("ISP tune console")->isVisible());
   host_.doc.user_data.set_entry(553, 0xAB);
   reveal_service_area();
   wire();
+  EXPECT_TRUE(user_.find<QPlainTextEdit>("ISP tune console")->isVisible());
   EXPECT_EQ(console(), "Outdoor In Threshold : 0xAB\n0 ");
   user_.choose("Userdata Title", 33);
   user_.type("Userdata Value", "5E");
   user_.click("Userdata Set");
   EXPECT_EQ(wire(), "@fa01*@bc00*@bc5e*@fa00*");
-  EXPECT_EQ(host_.written.entry(581), 0x5E);
   EXPECT_TRUE(console().endsWith("Contrast Knee_Thr_L : 0x00\nContrast Knee Thr_L : 0x5E\n"));
-  for (std::size_t i = 475; i < 479; ++i) host_.doc.user_data.set_entry(i, static_cast<int>(i - 474));
-  user_.choose("Userdata Title", 20);
-  user_.click("Userdata Set");
-  EXPECT_EQ(wire(), "@fa01*@8c01*@8c5e*@8c03*@8c04*@fa00*") << "with the rest of its group";
-  EXPECT_TRUE(console().endsWith("DPC Double Enable : 0x5E\n"));
-  user_.choose("Userdata Title", 33);
-  host_.current_directory = UserDataImage{};
-  user_.click("Userdata Set");
-  wire();
-  EXPECT_TRUE(console().endsWith("Contrast Knee Thr_L : 0x00\n")) << "the other file wins";
 }
 
 TEST_F(FrontPage, ClosingThePageEndsWhatIsUnderWay) {
@@ -214,59 +249,33 @@ TEST_F(FrontPage, ClosingThePageEndsWhatIsUnderWay) {
   EXPECT_EQ(host_.busy.back(), false);
 }
 
-TEST_F(FrontPage, TakesWhatTheChipDoesNotReportFromTheSettingFile) {
+TEST_F(FrontPage, FollowsALoadedFile) {
+  load();
+  user_.type("Delay", 77);
   host_.doc.user_data.set_entry(457, 7);
-  host_.doc.user_data.set_entry(458, 7);
-  host_.doc.user_data.set_entry(464, 9);
-  host_.doc.user_data.set_entry(582, 33);
-  host_.doc.user_data.mark_loaded();
-  owned_.reset();
-  CDlgIspFront page(host_);
-  const test::PageDriver user(page);
-  EXPECT_EQ(user.number("LED Dimmer"), 33) << "until the chip says otherwise";
-  fake_.advance(100);
-  load();
-  EXPECT_EQ(user.number("LED Dimmer"), 200);
-  user.click("File/Flash Save");
-  EXPECT_TRUE(wire().find("@7107*@7409*") != std::string::npos);
-  EXPECT_EQ(host_.written.entry(458), 7);
+  page_.reload_from_user_data();
+  EXPECT_EQ(user_.number("Delay"), 7);
+  EXPECT_EQ(user_.number("LED Dimmer"), 200) << "which the chip has reported";
+  UserDataImage image;
+  page_.put_values(image);
+  page_.save_to_user_data();
+  EXPECT_EQ(image, UserDataImage()) << "only the page's own buttons store";
+  EXPECT_EQ(host_.doc.user_data.entry(582), 0);
 }
 
-TEST_F(FrontPage, ADamagedAnswerSetsNoBits) {
-  load();
-  answer("@9405*@9423*", "1x");
-  user_.type("Bit editor address", "523");
-  user_.click("Get Info");
-  wire();
-  EXPECT_TRUE(user_.checked("Bit 4 = 0"));
-}
-
-TEST_F(FrontPage, ARegisterFileWaitsForTheWireAndCanBeStopped) {
+TEST_F(FrontPage, AnotherPageEndsTheRegisterFileAndHidesTheServiceArea) {
   load();
   reveal_service_area();
   wire();
   const test::TemporaryFolder folder;
-  const auto script = folder.write("script.txt", "001 01\n002 02\n003 03\n004 04");
-  host_.user.paths = {folder.path() / "no such file", script, script, script};
+  host_.user.paths = {folder.write("script.txt", "001 01\n002 02\n003 03\n004 04")};
   user_.click("Register File Load");
-  EXPECT_EQ(wire(), "") << "a file that is not there";
-  user_.click("Register File Load");
-  fake_.link.send(Traffic(40, {{0xFA, 1}}));
-  fake_.advance(2050);
-  EXPECT_EQ(fake_.link.jobs_waiting(), 1u) << "one line at a time";
-  EXPECT_EQ(host_.progress.back(), 25);
-  user_.click("Stop");
-  EXPECT_EQ(wire().substr(40 * 6), "@9200*@9201*@9301*@9200*@9202*@9302*");
-  EXPECT_EQ(host_.last_status(), "Register file: stopped.");
-  user_.click("Register File Load");
-  fake_.advance(260);
-  fake_.sender.connected = false;
-  wire();
-  EXPECT_EQ(host_.last_status(), "Register file: line 2 did not reach the chip.");
-  fake_.sender.connected = true;
-  user_.click("Register File Load");
+  EXPECT_EQ(user_.find<QPushButton>("Stop")->text(), "Stop");
   page_.hide();
-  EXPECT_EQ(wire(), "") << "another page takes the place of this one";
+  EXPECT_EQ(wire(), "");
+  EXPECT_EQ(user_.find<QPushButton>("Register File Load")->text(), "Register File Load");
+  page_.show();
+  EXPECT_FALSE(user_.find<QPushButton>("Register File Load")->isVisible());
 }
 
 }  // namespace

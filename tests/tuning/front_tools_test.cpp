@@ -1,0 +1,209 @@
+#include <gtest/gtest.h>
+
+#include "support/desk_bench.h"
+#include "support/temporary_folder.h"
+#include "tuning/bit_editor.h"
+#include "tuning/raw_access_desk.h"
+#include "tuning/script_player.h"
+#include "tuning/userdata_parameters.h"
+
+namespace qv5123 {
+namespace {
+
+/// The tools of the ISP tune page beside its settings.
+class FrontTools : public test::DeskBench, ServiceArea::View, RawAccessDesk::View, ScriptPlayer::View {
+ protected:
+  FrontTools() {
+    area_.attach(*this);
+    raw_.attach(*this);
+    player_.attach(*this);
+  }
+  void get_info(const char* address) {
+    editor_.type_address(address);
+    editor_.press_get_info();
+    wire();
+  }
+  void append_text(const std::string& text) override { console_ += text; }
+  void reveal_area() override { revealed_ = true; }
+  void show_answer(Access, const std::string& field) override { answers_.push_back(field); }
+  void show_written(int byte) override { shown_ = byte; }
+  void show_playing(bool playing) override { playing_ = playing; }
+
+  ServiceArea area_{host_};
+  BitEditor editor_{host_, area_};
+  RawAccessDesk raw_{host_, area_};
+  ScriptPlayer player_{host_};
+  std::string console_;  // of the page
+  bool revealed_ = false;
+  std::vector<std::string> answers_;
+  int shown_ = -1;
+  bool playing_ = false;
+};
+
+TEST_F(FrontTools, WriteRegisters) {
+  raw_.write(Access::isp_byte, "A2c", "3F");
+  EXPECT_EQ(shown_, 0x3F);
+  raw_.write(Access::isp_word, "123", "12345");
+  EXPECT_EQ(wire(), "@920a*@922c*@933f*@9501*@9523*@9600*@9600*");
+  raw_.write(Access::isp_byte, "fff", "0B");
+  EXPECT_EQ(host_.doc.front_gamma_level, 11.0);
+  raw_.write(Access::sensor, "3012", "01F4");
+  EXPECT_EQ(wire(), "@9830*@9812*@9901*@99f4*");
+  EXPECT_EQ(console_, "\r\nSensor Write :\r\n0x3012, 0500 (0x3012, 0x01f4)");
+}
+
+TEST_F(FrontTools, AnswersGoToTheMainConsoleAndTheFieldThatAsked) {
+  answer("@9409*@9422*", "12");
+  raw_.read(Access::isp_byte, "922");
+  wire();
+  answer("@9b0a*@9b10*@9b0a*@9b11*", "a1b2");
+  raw_.dump("A10", "A11");
+  wire();
+  EXPECT_EQ(host_.console, "0xF922 = 0x12\r\n0xFA10 = 0xA1\r\n0xFA11 = 0xB2\r\n");
+  host_.console.clear();
+  answer("@9b01*@9b00*@9b01*@9bfa*", std::string(502, '1'));
+  raw_.dump("100", "1FA");
+  wire();
+  EXPECT_EQ(host_.console, "Dump 0xF100..0xF1FA: the answer is too long, it can hold 250 registers.\r\n");
+  host_.console.clear();
+  fake_.sender.connected = false;
+  raw_.dump("100", "1FA");
+  wire();
+  EXPECT_EQ(host_.console, "") << "the answer to the dump before is none to this one";
+  fake_.sender.connected = true;
+  raw_.read(Access::isp_word, "0000");
+  raw_.read(Access::sensor, "1234");
+  EXPECT_EQ(wire(2000), "@9700*@9700*@9a12*@9a34*");
+  EXPECT_EQ(host_.statuses, (std::vector<std::string>{"No answer from 0xF000", "No answer from 0x1234"}));
+  EXPECT_EQ(answers_, std::vector<std::string>{"12"});
+}
+
+TEST_F(FrontTools, BitsAreThoseOfTheAddressThatWasRead) {
+  EXPECT_FALSE(editor_.bits());
+  answer("@9405*@9423*", "a5");
+  get_info("523");
+  EXPECT_EQ(editor_.bits(), 0xA5);
+  EXPECT_EQ(console_, "a5 ");
+  editor_.click(1, true);
+  EXPECT_EQ(wire(), "@9205*@9223*@93a7*");
+  EXPECT_EQ(fake_.sender.writes.back(), "@93a7*") << "the address leaves in a flush of its own";
+  EXPECT_EQ(editor_.bits(), 0xA7);
+
+  editor_.type_address("524");
+  EXPECT_FALSE(editor_.bits());
+  editor_.click(1, false);
+  EXPECT_EQ(wire(), "");
+  EXPECT_EQ(host_.last_status(), "The bits of 0xF524 are not known: press \"Get Info\" first.");
+  host_.statuses.clear();
+  editor_.type_address("000");
+  editor_.click(1, true);
+  EXPECT_EQ(wire(), "");
+  EXPECT_TRUE(host_.statuses.empty());
+}
+
+TEST_F(FrontTools, BitsAreUnknownWithoutAnAnswer) {
+  answer("@9405*@9423*", "a5");
+  get_info("523");
+  answer("@9405*@9423*", "1x");
+  get_info("523");
+  EXPECT_FALSE(editor_.bits()) << "what it holds now nobody knows";
+  EXPECT_EQ(host_.last_status(), "No answer from 0xF523");
+  EXPECT_EQ(console_, "a5 a5 ");
+  answer("@9405*@9423*", "0c");
+  editor_.press_get_info();
+  editor_.type_address("5230");
+  EXPECT_EQ(editor_.bits(), std::nullopt);
+  wire();
+  EXPECT_EQ(editor_.bits(), 0x0C) << "of which the first three digits count";
+  editor_.press_get_info();
+  editor_.type_address("524");
+  wire();
+  EXPECT_FALSE(editor_.bits()) << "the answer came too late";
+  EXPECT_EQ(console_, "a5 a5 c c ");
+}
+
+TEST_F(FrontTools, TheServiceGestureIsMadeAtAddress0) {
+  host_.doc.user_data.set_entry(553, 0xAB);
+  for (const auto& [bit, set] :
+       {std::pair(7, true), {0, true}, {7, false}, {3, true}, {0, false}, {3, false}})
+    editor_.click(bit, set);
+  EXPECT_EQ(wire(), "");
+  editor_.type_address("5C1");
+  editor_.press_get_info();
+  EXPECT_TRUE(revealed_);
+  EXPECT_EQ(wire(), "@9405*@94c1*") << "read all the same";
+  EXPECT_EQ(console_, "Outdoor In Threshold : 0xAB\r\n0 ");
+}
+
+TEST_F(FrontTools, ParametersAreStoredWrittenSentAndReadBack) {
+  area_.select(33);
+  area_.set(33, "5E");
+  EXPECT_EQ(wire(), "@fa01*@bc00*@bc5e*@fa00*");
+  EXPECT_EQ(host_.written.entry(581), 0x5E);
+  EXPECT_EQ(console_, "Contrast Knee_Thr_L : 0x00\r\nContrast Knee Thr_L : 0x5E\r\n");
+  console_.clear();
+  host_.current_directory = UserDataImage{};
+  area_.set(33, "5F");
+  EXPECT_EQ(wire(), "@fa01*@bc00*@bc5f*@fa00*");
+  EXPECT_EQ(console_, "Contrast Knee Thr_L : 0x00\r\n") << "the other file wins";
+}
+
+/// Rows that share a register, and the entries that leave together.
+struct Group {
+  std::size_t first_row, rows;
+  int address;
+  std::size_t first_entry, entries;
+};
+constexpr Group kGroups[] = {
+    {0, 1, 0xAC, 553, 1},  {1, 1, 0xAD, 554, 1},  {2, 1, 0xAE, 555, 1},  {3, 1, 0xAF, 556, 1},
+    {4, 1, 0xB0, 557, 1},  {5, 1, 0xB1, 558, 1},  {6, 1, 0xB2, 559, 1},  {7, 3, 0xB3, 560, 3},
+    {10, 3, 0xB4, 563, 3}, {13, 1, 0xB5, 566, 1}, {14, 1, 0xB6, 567, 1}, {15, 1, 0xB7, 568, 1},
+    {16, 3, 0xB8, 569, 3}, {19, 3, 0x8C, 475, 4}, {22, 2, 0x66, 452, 2}, {24, 2, 0xB9, 572, 2},
+    {26, 4, 0xBA, 574, 4}, {30, 2, 0xBB, 578, 2}, {32, 2, 0xBC, 580, 2}};
+
+TEST(UserdataParameters, LeaveWithTheirGroupInOrder) {
+  UserDataImage image;
+  for (std::size_t i = 0; i < UserDataImage::kSize; ++i) image.set_entry(i, static_cast<int>(i));
+  std::size_t row = 0;
+  for (const Group& group : kGroups) {
+    ASSERT_EQ(row, group.first_row);
+    Traffic expected{{{0xFA, 1}}};
+    for (std::size_t i = 0; i < group.entries; ++i)
+      expected.push_back(
+          {{static_cast<std::uint8_t>(group.address), low_byte(static_cast<int>(group.first_entry + i))}});
+    expected.push_back({{0xFA, 0}});
+    for (std::size_t i = 0; i < group.rows; ++i, ++row) {
+      EXPECT_EQ(userdata_parameters()[row].entry, group.first_entry + i) << row;
+      EXPECT_EQ(parameter_traffic(row, image), expected) << row;
+    }
+  }
+  EXPECT_EQ(row, kUserdataParameterCount);
+}
+
+TEST_F(FrontTools, ARegisterFileWaitsForTheWireAndCanBeStopped) {
+  const test::TemporaryFolder folder;
+  const auto script = folder.write("script.txt", "001 01\n002 02\n003 03\n004 04");
+  host_.user.paths = {folder.path() / "no such file", script, script};
+  player_.press();
+  EXPECT_EQ(wire(), "") << "a file that is not there";
+  EXPECT_FALSE(playing_);
+  player_.press();
+  EXPECT_TRUE(playing_);
+  fake_.link.send(Traffic(40, {{0xFA, 1}}));
+  fake_.advance(2050);
+  EXPECT_EQ(fake_.link.jobs_waiting(), 1u) << "one line at a time";
+  EXPECT_EQ(host_.progress.back(), 25);
+  player_.press();
+  EXPECT_FALSE(playing_);
+  EXPECT_EQ(wire().substr(40 * 6), "@9200*@9201*@9301*@9200*@9202*@9302*");
+  EXPECT_EQ(host_.last_status(), "Register file: stopped.");
+  player_.press();
+  fake_.advance(260);
+  fake_.sender.connected = false;
+  wire();
+  EXPECT_EQ(host_.last_status(), "Register file: line 2 did not reach the chip.");
+  EXPECT_FALSE(playing_);
+}
+
+}  // namespace
+}  // namespace qv5123
