@@ -19,15 +19,6 @@ using namespace qv5123;
 namespace {
 
 /// Values that a reply made come through the image, too.
-template <class Values>
-void take(const std::optional<Values>& decoded) {
-  if (!decoded) return;
-  UserDataImage image;
-  save_to_user_data(*decoded, image);
-  Values again;
-  reload_from_user_data(again, image);
-}
-
 template <class Page>
 void take_page(const std::string& block) {
   const auto decoded = decode_page<Page>(block);

@@ -17,15 +17,6 @@ using namespace qv5123;
 
 namespace {
 
-template <class Values>
-void through(UserDataImage image) {
-  Values values;
-  reload_from_user_data(values, image);
-  save_to_user_data(values, image);
-  Values again;
-  reload_from_user_data(again, image);
-}
-
 template <class Page>
 void through_page(UserDataImage image) {
   typename Page::Values values;
