@@ -4,7 +4,7 @@
 #include "cli/command.h"
 #include "cli/command_tree.h"
 #include "cli/self_description.h"
-#include "cli/tuning_page.h"
+#include "cli/tuning_pages.h"
 
 namespace qv5123 {
 namespace {

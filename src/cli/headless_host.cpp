@@ -23,20 +23,12 @@ Task<std::optional<std::filesystem::path>> HeadlessPrompts::choose_save(FileChoi
   co_return std::nullopt;
 }
 
-void HeadlessHost::show_status(const std::string& text) {
-  last_status_ = text;
-}
-
 void HeadlessHost::show_progress(std::optional<int> percent) {
   chip_.out().progress(percent ? std::to_string(*percent) + " %" : "");
 }
 
 void HeadlessHost::set_busy(bool busy) {
   if (!busy) show_progress(std::nullopt);
-}
-
-void HeadlessHost::append_console(const std::string& text) {
-  chip_.out().remark(text);
 }
 
 }  // namespace qv5123

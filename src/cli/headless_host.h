@@ -28,32 +28,23 @@ class HeadlessPrompts final : public Prompts {
   Answer answer_ = Answer::cancel;
 };
 
-/// The main form as the pages' flows see it, without a window. No file is written behind the user's back:
-/// those of the command line are all there are.
-class HeadlessHost final : public PageHost {
+/// Runs a desk without a window. Commands say by themselves what came of them.
+class HeadlessHost final : public DeskHost {
  public:
   explicit HeadlessHost(Chip& chip) : chip_(chip) {}
 
   CommandLink& link() override { return chip_.link(); }
-  CQV5123Doc& document() override { return document_; }
-  Prompts& prompts() override { return prompts_; }
-  Background& background() override { return chip_.background(); }
-  /// Commands say by themselves what came of them.
-  void show_status(const std::string& text) override;
-  const std::string& last_status() const { return last_status_; }
+  void show_status(const std::string&) override {}
+  void show_failure(const std::string& text) override { last_failure_ = text; }
+  /// Empty while all went well.
+  const std::string& last_failure() const { return last_failure_; }
   void show_progress(std::optional<int> percent) override;
-  void append_console(const std::string& text) override;
-  Task<bool> write_user_data_file() override { co_return true; }
-  Task<bool> save_everything() override { co_return true; }
-  Task<> reload_user_data_file() override { co_return; }
   /// One flow at a time runs here.
   void set_busy(bool busy) override;
 
  private:
   Chip& chip_;
-  CQV5123Doc document_;
-  HeadlessPrompts prompts_;
-  std::string last_status_;
+  std::string last_failure_;
 };
 
 }  // namespace qv5123

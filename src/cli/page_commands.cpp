@@ -1,13 +1,14 @@
 #include <algorithm>
 #include <iterator>
+#include <memory>
 #include <utility>
+#include <vector>
 
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/headless_host.h"
-#include "cli/tuning_page.h"
-#include "tuning/page_flows.h"
+#include "cli/tuning_pages.h"
 
 namespace qv5123 {
 namespace {
@@ -19,27 +20,33 @@ struct PageOptions {
   bool lenient = false;
 };
 
-using Numbers = TuningPage::Numbers;
-using ValueFilter = bool (*)(const TuningPage::Value&);
+using Numbers = std::vector<int>;
+using FieldFilter = bool (*)(const FieldInfo&);
 
-Task<Numbers> read_page(Chip& chip, const TuningPage& page) {
-  const std::string reply = co_await chip.ask(page.request(), page.name());
-  std::optional<Numbers> numbers = page.from_reply(reply);
-  if (!numbers) throw Complaint{kNegative, page.name() + ": the answer is too short"};
-  co_return std::move(*numbers);
+std::string full_name(const TuningModel& page, const FieldInfo& field) {
+  return std::string(page.texts().name) + "." + field.name;
 }
 
-Task<ExitCode> show(Chip& chip, const TuningPage& page) {
-  const Numbers numbers = co_await read_page(chip, page);
+/// Brings `page` to what the chip has of it. What the chip does not report stays.
+Task<> read_page(Chip& chip, TuningModel& page) {
+  const std::string name = page.texts().name;
+  const Batch request{{page.texts().trigger, 0}};
+  const std::string reply = co_await chip.ask(request, name);
+  if (!page.take_reply(reply)) throw Complaint{kNegative, name + ": the answer is too short"};
+}
+
+Task<ExitCode> show(Chip& chip, TuningModel& page) {
+  co_await read_page(chip, page);
+  const Numbers numbers = page.numbers();
   Json values = Json::object();
   std::string text;
   for (std::size_t i = 0; i < numbers.size(); ++i) {
-    const TuningPage::Value& value = page.values()[i];
-    if (!value.in_reply) continue;
-    values[value.name] = numbers[i];
-    text += value.name + " = " + std::to_string(numbers[i]) + "\n";
+    const FieldInfo& field = page.fields()[i];
+    if (!field.has_reply()) continue;
+    values[full_name(page, field)] = numbers[i];
+    text += full_name(page, field) + " = " + std::to_string(numbers[i]) + "\n";
   }
-  chip.out().result({{"page", page.name()}, {"values", values}}, text);
+  chip.out().result({{"page", page.texts().name}, {"values", values}}, text);
   co_return kDone;
 }
 
@@ -50,34 +57,37 @@ struct Comparison {
   std::string text;
 };
 
-Comparison compare(const TuningPage& page, const Numbers& chip, const Numbers& file, ValueFilter counts) {
+Comparison compare(const TuningModel& chip, const Numbers& file, FieldFilter counts) {
   Comparison comparison;
-  for (std::size_t i = 0; i < chip.size(); ++i) {
-    const TuningPage::Value& value = page.values()[i];
-    if (!counts(value)) continue;
+  const Numbers on_chip = chip.numbers();
+  for (std::size_t i = 0; i < on_chip.size(); ++i) {
+    const FieldInfo& field = chip.fields()[i];
+    if (!counts(field)) continue;
     ++comparison.compared;
-    if (chip[i] == file[i]) continue;
-    comparison.differences.push_back({{"name", value.name}, {"chip", chip[i]}, {"file", file[i]}});
+    if (on_chip[i] == file[i]) continue;
+    const std::string name = full_name(chip, field);
+    comparison.differences.push_back({{"name", name}, {"chip", on_chip[i]}, {"file", file[i]}});
     comparison.text +=
-        value.name + ": chip " + std::to_string(chip[i]) + ", file " + std::to_string(file[i]) + "\n";
+        name + ": chip " + std::to_string(on_chip[i]) + ", file " + std::to_string(file[i]) + "\n";
   }
   return comparison;
 }
 
-bool is_in_both(const TuningPage::Value& value) {
-  return value.in_reply && !value.entries.empty();
+bool is_in_both(const FieldInfo& field) {
+  return field.has_reply() && field.has_entry();
 }
 
-bool is_saved(const TuningPage::Value& value) {
-  return is_in_both(value) && value.in_save;
+bool is_saved(const FieldInfo& field) {
+  return is_in_both(field) && field.saved;
 }
 
-Task<ExitCode> diff(Chip& chip, const TuningPage& page, const UserDataImage& image) {
-  const Numbers on_chip = co_await read_page(chip, page);
-  const Comparison comparison = compare(page, on_chip, page.from_image(image), is_in_both);
-  chip.out().result(
-      {{"page", page.name()}, {"compared", comparison.compared}, {"differences", comparison.differences}},
-      comparison.text);
+Task<ExitCode> diff(Chip& chip, TuningModel& page, const Numbers& file) {
+  co_await read_page(chip, page);
+  const Comparison comparison = compare(page, file, is_in_both);
+  chip.out().result({{"page", page.texts().name},
+                     {"compared", comparison.compared},
+                     {"differences", comparison.differences}},
+                    comparison.text);
   co_return comparison.differences.empty() ? kDone : kNegative;
 }
 
@@ -89,60 +99,63 @@ Task<> close_brackets(Chip& chip) {
   co_await chip.send(std::move(closing));
 }
 
-Task<> send_save(Chip& chip, TuningPage::Save save) {
-  HeadlessHost host(chip);
+Task<> send_save(Chip& chip, HeadlessHost& host, TuningDesk& desk, ChipSave save) {
   chip.on_interrupt([&chip] { chip.link().cancel_running_job(); });
-  PageSave on_chip;
-  on_chip.traffic = std::move(save.traffic);
-  on_chip.settling = save.settling;
-  const bool saved = co_await save_on_chip(host, std::move(on_chip));
+  const bool saved = co_await desk.send_save(std::move(save), std::string());
   if (!saved && chip.interrupted()) {
     co_await close_brackets(chip);
     throw Complaint{kNegative, "Interrupted: the chip has only a part of the page"};
   }
-  if (!saved) throw Complaint{kPortFailed, host.last_status()};
+  if (!saved) throw Complaint{kPortFailed, host.last_failure()};
+  // What comes after the save has not ended well.
+  if (!host.last_failure().empty()) chip.out().warning(host.last_failure());
 }
 
-Task<ExitCode> verify(Chip& chip, const TuningPage& page, const Numbers& sent, Json json) {
-  const Numbers on_chip = co_await read_page(chip, page);
-  const Comparison comparison = compare(page, on_chip, sent, is_saved);
+Task<ExitCode> verify(Chip& chip, TuningModel& page, const Numbers& sent, Json json) {
+  co_await read_page(chip, page);
+  const Comparison comparison = compare(page, sent, is_saved);
   json["verified"] = comparison.compared;
   json["differences"] = comparison.differences;
   chip.out().result(json, comparison.text);
   if (!comparison.differences.empty()) co_return kNegative;
-  chip.out().remark(page.name() + ": " + std::to_string(comparison.compared) + " values read back agree\n");
+  chip.out().remark(std::string(page.texts().name) + ": " + std::to_string(comparison.compared) +
+                    " values read back agree\n");
   co_return kDone;
 }
 
-Task<ExitCode> save(Chip& chip, const TuningPage& page, const UserDataImage& image,
-                    const PageOptions& options) {
-  TuningPage::Save save = page.save(image);
-  for (const std::string& warning : save.warnings) chip.out().warning(warning);
-  const Numbers sent = save.numbers;
-  const Json json = {{"page", page.name()}, {"sent", save.traffic.size()}};
-  chip.out().remark(page.name() + ": saving, " + std::to_string(save.traffic.size()) + " flushes\n");
-  co_await send_save(chip, std::move(save));
-  co_await page.after_save(chip.link());
-  if (options.verify) co_return co_await verify(chip, page, sent, json);
+Task<ExitCode> save(Chip& chip, CQV5123Doc& document, const PageOptions& options) {
+  HeadlessHost host(chip);
+  const std::unique_ptr<TuningDesk> desk = make_desk(options.name, host, document);
+  desk->model().load_all(document.user_data);
+  ChipSave save = desk->chip_save();
+  for (const std::string& warning : save.corrections) chip.out().warning(warning);
+  const Numbers sent = desk->model().numbers();
+  const Json json = {{"page", options.name}, {"sent", save.traffic.size()}};
+  chip.out().remark(options.name + ": saving, " + std::to_string(save.traffic.size()) + " flushes\n");
+  co_await send_save(chip, host, *desk, std::move(save));
+  if (options.verify) co_return co_await verify(chip, desk->model(), sent, json);
   chip.out().result(json);
   co_return kDone;
 }
 
 ExitCode run_show(Context& context, const PageOptions& options) {
-  const auto page = make_tuning_page(options.name);
+  const auto page = make_model(options.name);
   return run_on_chip(context, [&](Chip& chip) { return show(chip, *page); });
 }
 
 ExitCode run_save(Context& context, const PageOptions& options) {
-  const UserDataImage image = read_whole_settings(options.file, options.lenient);
-  const auto page = make_tuning_page(options.name);
-  return run_on_chip(context, [&](Chip& chip) { return save(chip, *page, image, options); });
+  CQV5123Doc document;
+  document.user_data = read_whole_settings(options.file, options.lenient);
+  document.user_data.mark_loaded();
+  return run_on_chip(context, [&](Chip& chip) { return save(chip, document, options); });
 }
 
 ExitCode run_diff(Context& context, const PageOptions& options) {
   const UserDataImage image = read_whole_settings(options.file, options.lenient);
-  const auto page = make_tuning_page(options.name);
-  return run_on_chip(context, [&](Chip& chip) { return diff(chip, *page, image); });
+  const auto in_file = make_model(options.name);
+  in_file->load_all(image);
+  const auto page = make_model(options.name);
+  return run_on_chip(context, [&](Chip& chip) { return diff(chip, *page, in_file->numbers()); });
 }
 
 void declare_name(CLI::App& command, PageOptions& options) {

@@ -2,7 +2,7 @@
 
 #include <variant>
 
-#include "cli/tuning_page.h"
+#include "cli/tuning_pages.h"
 #include "link/indirect_access.h"
 
 namespace qv5123 {
@@ -21,22 +21,23 @@ std::string bytes_of(std::string_view block) {
   return text;
 }
 
-std::string page_values(const TuningPage& page, std::string_view block) {
-  const auto numbers = page.from_reply(block);
-  if (!numbers) return {};
+std::string page_values(const TuningModel& page) {
+  const std::vector<int> numbers = page.numbers();
   std::string text;
-  for (std::size_t i = 0; i < numbers->size(); ++i) {
-    const TuningPage::Value& value = page.values()[i];
-    if (value.in_reply)
-      text += (text.empty() ? "" : ", ") + value.name + " = " + std::to_string((*numbers)[i]);
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    const FieldInfo& field = page.fields()[i];
+    if (!field.has_reply()) continue;
+    text += (text.empty() ? "" : ", ") + std::string(page.texts().name) + "." + field.name + " = " +
+            std::to_string(numbers[i]);
   }
   return text;
 }
 
 std::string page_reply(std::uint8_t trigger, std::string_view block) {
   for (const char* name : kTuningPages) {
-    const auto page = make_tuning_page(name);
-    if (page->trigger() == trigger) return page_values(*page, block);
+    const auto page = make_model(name);
+    if (page->texts().trigger != trigger) continue;
+    return page->take_reply(block) ? page_values(*page) : std::string();
   }
   return {};
 }

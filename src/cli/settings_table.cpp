@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "cli/numbers.h"
-#include "cli/tuning_page.h"
+#include "cli/tuning_pages.h"
 #include "console/main_commands.h"
 #include "console/version_box.h"
 #include "tuning/userdata_parameters.h"
@@ -21,11 +21,20 @@ Setting byte_setting(std::string name, std::size_t entry) {
           [entry](UserDataImage& image, int number) { image.set_entry(entry, number); }};
 }
 
-Setting page_setting(const std::shared_ptr<const TuningPage>& page, std::size_t i) {
-  const TuningPage::Value& value = page->values()[i];
-  return {value.name, value.entries,
-          [page, i](const UserDataImage& image) { return page->from_image(image)[i]; },
-          [page, i](UserDataImage& image, int number) { page->store(i, number, image); }};
+Setting page_setting(const char* page, std::size_t i, const FieldInfo& field) {
+  const auto get = [page, i](const UserDataImage& image) {
+    const auto model = make_model(page);
+    model->load_all(image);
+    return model->numbers()[i];
+  };
+  const auto set = [page, i, limited = field.limited_when_sent](UserDataImage& image, int number) {
+    const auto model = make_model(page);
+    model->load_all(image);
+    // What a file brought is kept as it is, also what nobody could have typed.
+    if (limited || model->numbers()[i] != number) model->set_number(i, number);
+    model->store_field(i, image);
+  };
+  return {std::string(page) + "." + field.name, field.entries(), get, set};
 }
 
 /// One of the three numbers of a version slot, kept as tens and units.
@@ -63,10 +72,10 @@ std::string plain_name(std::string_view text) {
 }
 
 void add_pages(std::vector<Setting>& settings) {
-  for (const char* name : kTuningPages) {
-    const std::shared_ptr<const TuningPage> page = make_tuning_page(name);
-    for (std::size_t i = 0; i < page->values().size(); ++i)
-      if (!page->values()[i].entries.empty()) settings.push_back(page_setting(page, i));
+  for (const char* page : kTuningPages) {
+    const std::vector<FieldInfo>& fields = make_model(page)->fields();
+    for (std::size_t i = 0; i < fields.size(); ++i)
+      if (fields[i].has_entry()) settings.push_back(page_setting(page, i, fields[i]));
   }
 }
 

@@ -221,6 +221,7 @@ struct DynamicPage {
                   .entry = kStepBankPlaces[bank].first_entry + static_cast<int>(cell),
                   .reply = reply_byte(7 + kStepBanks * cell + bank),
                   .range = is_kept_byte ? Range{} : rule.range,
+                  .limited_when_sent = true,
                   .address = step_register(static_cast<BankId>(bank), row),
                   .sent_by = control_number(DynamicControl::step_row, kStepRows * bank + row),
                   .saved = true,

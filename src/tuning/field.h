@@ -101,6 +101,8 @@ struct Field {
   Range range = {};
   /// What is taken and kept all the same where that is more than `range`; it is marked while it stands.
   std::optional<Range> taken = {};
+  /// True when its page limits it before it is sent, also where it came from a file as it is.
+  bool limited_when_sent = false;
   FieldFormat format = FieldFormat::decimal;
   std::span<const char* const> items = {};
   const char* unit = "";

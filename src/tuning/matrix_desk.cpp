@@ -200,8 +200,10 @@ Task<> MatrixDesk::after_save() {
   update_keys();
   matrix_view_->show_measurements();
   picker_trouble_ = co_await switch_matrix_picker(link(), values_, false);
-  // It is as it was then.
-  if (!picker_trouble_.empty()) values_.picker_on = was_on;
+  if (!picker_trouble_.empty()) {
+    values_.picker_on = was_on;
+    host().show_failure(picker_trouble_);
+  }
   matrix_view_->allow_switch(true);
   view().take_typed();
   update_keys();
