@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <unistd.h>

@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <map>
 
 #include "cli/ctl_test.h"

@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <sstream>
 
 #include "cli/ctl_test.h"

@@ -1,5 +1,7 @@
 #include "console/console_text.h"
 
+#include <gtest/gtest.h>
+
 namespace qv5123 {
 namespace {
 

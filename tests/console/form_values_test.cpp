@@ -1,4 +1,7 @@
 #include "console/startup_reply.h"
+
+#include <gtest/gtest.h>
+
 #include "console/version_box.h"
 
 namespace qv5123 {

@@ -1,5 +1,8 @@
 #include "console/image_blocks.h"
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 namespace qv5123 {
 namespace {
 

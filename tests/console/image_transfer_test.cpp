@@ -1,5 +1,8 @@
 #include "console/image_transfer.h"
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include "console/setting_file.h"
 #include "support/fake_prompts.h"
 #include "support/fake_wire.h"

@@ -1,5 +1,8 @@
 #include "console/setting_files.h"
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include "console/recent_files.h"
 #include "console/setting_file.h"
 #include "support/fake_prompts.h"

@@ -1,5 +1,7 @@
 #include "console/status_board.h"
 
+#include <gtest/gtest.h>
+
 #include "link/indirect_access.h"
 
 namespace qv5123 {

@@ -1,5 +1,7 @@
 #include "link/port_settings.h"
 
+#include <gtest/gtest.h>
+
 namespace qv5123 {
 namespace {
 

@@ -2,6 +2,9 @@
 // must not crash or hang, must leave no page half updated, must say what came of it, and must leave a program
 // that works once the fault is gone. docs/reliability.md is made of what the cells record.
 #include "link/indirect_access.h"
+
+#include <gmock/gmock.h>
+
 #include "reliability/ui/matrix_bench.h"
 
 namespace qv5123 {
