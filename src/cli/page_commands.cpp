@@ -154,8 +154,9 @@ ExitCode run_diff(Context& context, const PageOptions& options) {
   const UserDataImage image = read_whole_settings(options.file, options.lenient);
   const auto in_file = make_model(options.name);
   in_file->load_all(image);
+  const Numbers numbers = in_file->numbers();
   const auto page = make_model(options.name);
-  return run_on_chip(context, [&](Chip& chip) { return diff(chip, *page, in_file->numbers()); });
+  return run_on_chip(context, [&](Chip& chip) { return diff(chip, *page, numbers); });
 }
 
 void declare_name(CLI::App& command, PageOptions& options) {

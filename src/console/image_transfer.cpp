@@ -220,7 +220,7 @@ Task<TransferEnd> ImageTransfer::run(TransferKind kind) {
 Task<TransferEnd> ImageTransfer::send_letter(CommandLink::Hold hold, std::shared_ptr<Transfer> transfer) {
   const TransferEnd end = co_await send_all(hold, transfer);
   if (view_.keeps_waiting && transfer->is_awaited()) {
-    waiting_.emplace(std::move(hold), transfer->kind(), transfer->rest());
+    waiting_.emplace(Waiting{std::move(hold), transfer->kind(), transfer->rest()});
   }
   co_return end;
 }
@@ -241,7 +241,7 @@ Task<> ImageTransfer::end_waiting() {
   const JobResult result = co_await transfer->send(ended.hold, std::move(chunks), count, 0);
   if (result.failed || result.cancelled) {
     transfer->tell_awaited("not ended");
-    waiting_.emplace(std::move(ended.hold), ended.kind, transfer->rest());
+    waiting_.emplace(Waiting{std::move(ended.hold), ended.kind, transfer->rest()});
   } else {
     transfer->tell_rejected();
   }
