@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <initializer_list>
 
 namespace qv5123 {
 
