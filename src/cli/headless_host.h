@@ -35,6 +35,7 @@ class HeadlessHost final : public DeskHost {
 
   CommandLink& link() override { return chip_.link(); }
   void show_status(const std::string&) override {}
+  void append_console(const std::string& text) override { chip_.out().warning(text); }
   void show_failure(const std::string& text) override { last_failure_ = text; }
   /// Empty while all went well.
   const std::string& last_failure() const { return last_failure_; }

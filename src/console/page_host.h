@@ -25,6 +25,8 @@ class DeskHost {
   /// Shows that something did not work. It stays there, beside what else is said, until the user has read it
   /// or the same page has something to show again.
   virtual void show_failure(const std::string& text) { show_status(text); }
+  /// Appends to the main console and scrolls to its end.
+  virtual void append_console(const std::string& text) = 0;
   /// Sends one flush and says what came of it, under the name that the user knows it by: "Saturation: 1
   /// register sent". For controls that have no text of their own.
   virtual void send_and_tell(const std::string& what, Batch batch) {
@@ -47,9 +49,6 @@ class PageHost : public DeskHost {
   virtual Prompts& prompts() = 0;
   /// For files that are written, or may be large. The program does not end before what was begun is done.
   virtual Background& background() = 0;
-
-  /// Appends to the main console and scrolls to its end.
-  virtual void append_console(const std::string& text) = 0;
 
   /// Writes the user data image to the remembered setting file, asking for one where none was ever chosen.
   /// Says "File open error !!" itself. False when nothing was written.
