@@ -1,5 +1,6 @@
 #include "link/command_link.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/delay.h"
@@ -55,19 +56,38 @@ Pending<JobResult> CommandLink::send_letter(char letter) {
 }
 
 Pending<JobResult> CommandLink::send_request(Batch request) {
+  const Resolver<JobResult> done;
+  Pending<JobResult> result = done.pending();
+  send_when_quiet(request, scheduler_.now(), done);
+  return result;
+}
+
+void CommandLink::send_when_quiet(const Batch& request, std::chrono::milliseconds since,
+                                  Resolver<JobResult> done) {
+  if (done.dropped()) return;
+  const auto wait = late_.wait(scheduler_.now(), since, request);
+  if (wait.count() > 0) {
+    scheduler_.call_after(wait, [this, alive = alive_, request, since, done] {
+      if (*alive) send_when_quiet(request, since, done);
+    });
+    return;
+  }
   Job job;
-  job.chunks.push_back(chunk_of(std::move(request)));
-  job.on_write = [this, alive = alive_](std::uint64_t received) {
+  job.chunks.push_back(chunk_of(request));
+  job.on_write = [this, alive = alive_, request](std::uint64_t received) {
+    if (!*alive) return;
+    late_.asked(scheduler_.now(), request);
     // Where this comes late, after bytes that came in since, the reply may be among them already.
-    if (*alive && received_ <= received) reply_.forget();
+    if (received_ <= received) reply_.forget();
   };
-  return enqueue(queue_, std::move(job), true);
+  put(queue_, {std::move(job), done, nullptr, true});
 }
 
 void CommandLink::connection_changed() {
   ++connection_;
   // A block that was cut short must not swallow what the chip says when it is back.
   reply_.forget();
+  late_.forget();
   // Posted, so that whoever tells of the change has told it to everybody before.
   scheduler_.post([waiters = std::exchange(connection_waiters_, {})] {
     for (const Resolver<bool>& waiter : waiters) waiter.resolve(true);
@@ -83,18 +103,22 @@ Pending<JobResult> CommandLink::send(Job job) {
   return enqueue(queue_, std::move(job));
 }
 
-Pending<JobResult> CommandLink::enqueue(std::deque<Queued>& queue, Job job, bool only_if_awaited) {
+Pending<JobResult> CommandLink::enqueue(std::deque<Queued>& queue, Job job) {
   Resolver<JobResult> done;
   Pending<JobResult> result = done.pending();
-  if (ended_) return result;
-  queue.push_back({std::move(job), done, nullptr, only_if_awaited});
+  put(queue, {std::move(job), done, nullptr, false});
+  return result;
+}
+
+void CommandLink::put(std::deque<Queued>& queue, Queued queued) {
+  if (ended_) return;
+  queue.push_back(std::move(queued));
   start_next();
   if (held_ && waits_ && &queue == &queue_) {
     scheduler_.post([this, alive = alive_] {
       if (*alive) waits_();
     });
   }
-  return result;
 }
 
 void CommandLink::start_next() {
@@ -223,20 +247,30 @@ Task<> CommandLink::delay(std::chrono::milliseconds delay) {
   co_await Delay(scheduler_, delay);
 }
 
+std::optional<std::string> CommandLink::take_answer(const Batch& request) {
+  std::optional<std::string> block = reply_.take_block();
+  if (block && answers_another(request, block->size())) block.reset();
+  return block;
+}
+
 Task<std::optional<std::string>> CommandLink::query(std::uint8_t trigger) {
   const Turn turn = co_await this->turn();
-  Batch request = {{trigger, 0}};
-  co_await send_request(std::move(request));
-  for (int retries = 0;; ++retries) {
+  const Batch request(1, RegisterWrite{trigger, 0});
+  co_await send_request(request);
+  for (int retries = 0; retries <= kQueryRetries; ++retries) {
     co_await Delay(scheduler_, kQueryTick);
-    if (auto block = reply_.take_block()) co_return block;
-    if (retries == kQueryRetries) co_return std::nullopt;
+    if (auto block = take_answer(request)) co_return block;
   }
+  late_.gave_up(scheduler_.now());
+  co_return std::nullopt;
 }
 
 std::string CommandLink::receive(std::span<const std::uint8_t> received) {
   received_ += received.size();
+  const bool in_block = reply_.state() == ReplyBuffer::State::in_block;
   std::string console = reply_.decode(received);
+  // Text on the console is no answer, late or not: a chip that chats holds nobody up.
+  if (in_block || std::ranges::count(received, '~') > 0) note_reply();
   if (block_waiter_ && reply_.state() == ReplyBuffer::State::complete) {
     // Posted, so that the console has its text before anybody goes on.
     scheduler_.post([waiter = *std::exchange(block_waiter_, std::nullopt)] { waiter.resolve(true); });
@@ -244,29 +278,47 @@ std::string CommandLink::receive(std::span<const std::uint8_t> received) {
   return console;
 }
 
-Task<std::optional<std::string>> CommandLink::next_block(std::chrono::milliseconds timeout) {
-  if (auto block = reply_.take_block()) co_return block;
+void CommandLink::note_reply() {
+  const auto now = scheduler_.now();
+  if (reply_.state() == ReplyBuffer::State::complete)
+    late_.answered(now, reply_.size());
+  else
+    late_.heard(now);
+}
+
+Task<> CommandLink::block_complete(std::chrono::milliseconds timeout) {
+  if (reply_.state() == ReplyBuffer::State::complete) co_return;
   const Resolver<bool> waiter;
   block_waiter_ = waiter;
   const Scheduler::TimerId timer = scheduler_.call_after(timeout, [waiter] { waiter.resolve(false); });
   co_await waiter.pending();
   scheduler_.cancel(timer);
+}
+
+Task<std::optional<std::string>> CommandLink::next_block(std::chrono::milliseconds timeout) {
+  co_await block_complete(timeout);
   co_return reply_.take_block();
 }
 
 Task<std::optional<std::string>> CommandLink::request(Batch request, std::chrono::milliseconds timeout) {
   const Turn turn = co_await this->turn();
-  const JobResult sent = co_await send_request(std::move(request));
+  const JobResult sent = co_await send_request(request);
   if (sent.chunks_sent == 0) {
     // What is left of an earlier answer says nothing of this request.
     reply_.forget();
     co_return std::nullopt;
   }
-  std::optional<std::string> block = co_await next_block(timeout);
-  for (int more = 0; !block && reply_.state() == ReplyBuffer::State::in_block && more < kMoreWaits; ++more) {
-    block = co_await next_block(timeout);
+  auto end = scheduler_.now() + timeout;
+  for (int more = 0; more <= kMoreWaits;) {
+    co_await block_complete(end - scheduler_.now());
+    if (auto block = take_answer(request)) co_return block;
+    if (scheduler_.now() < end && !reply_.overran()) continue;
+    if (reply_.state() != ReplyBuffer::State::in_block) break;
+    ++more;
+    end = scheduler_.now() + timeout;
   }
-  co_return block;
+  late_.gave_up(scheduler_.now());
+  co_return std::nullopt;
 }
 
 Task<int> CommandLink::wide_read(int address) {
@@ -275,9 +327,13 @@ Task<int> CommandLink::wide_read(int address) {
 }
 
 Task<int> CommandLink::wide_read(int address, const Turn&) {
-  co_await send_request(isp_read_request(address));
+  const Batch request = isp_read_request(address);
+  co_await send_request(request);
   co_await Delay(scheduler_, kWideWait);
-  co_return reply_.take_last_pair().value_or(-1);
+  const bool another = answers_another(request, reply_.size());
+  const std::optional<int> value = another ? std::nullopt : reply_.take_last_pair();
+  if (!value) late_.gave_up(scheduler_.now());
+  co_return value.value_or(-1);
 }
 
 Task<bool> CommandLink::wide_write(int address, int value) {

@@ -13,6 +13,7 @@
 #include "base/delay.h"
 #include "base/scheduler.h"
 #include "base/task.h"
+#include "link/late_answers.h"
 #include "link/open_brackets.h"
 #include "link/register_write.h"
 #include "link/reply_buffer.h"
@@ -81,8 +82,10 @@ class CommandLink {
   Pending<JobResult> send_letter(char letter);
   Pending<JobResult> send(Job job);
   /// Sends a request: whatever reply was received before is dropped as it leaves, so that a late answer to an
-  /// earlier one is not taken for its reply. Whoever calls it holds the turn. If the result is dropped before
-  /// the request has its turn it does not leave: its answer would reach whoever asks next.
+  /// earlier one is not taken for its reply. Where such an answer is overdue the request first waits until no
+  /// reply has come in for as long as the chip has ever taken for one, at most LateAnswers::kLongest. Whoever
+  /// calls it holds the turn. If the result is dropped before the request has its turn it does not leave: its
+  /// answer would reach whoever asks next.
   Pending<JobResult> send_request(Batch request);
   /// Asks the running job to end at the next boundary between its chunks.
   void cancel_running_job() { sender_.cancel(); }
@@ -112,7 +115,7 @@ class CommandLink {
   void resolve_on_connection_change(Resolver<bool> waiter);
 
   /// Writes 0 to `trigger` and looks for the reply block every 300 ms. Nothing when the sixth look is in
-  /// vain.
+  /// vain. A block that by its length is another page's is passed over, here and in request().
   Task<std::optional<std::string>> query(std::uint8_t trigger);
 
   /// Sends `request` and takes the reply block as soon as it is complete. Nothing when none came within
@@ -143,7 +146,13 @@ class CommandLink {
     bool only_if_awaited = false;
   };
 
-  Pending<JobResult> enqueue(std::deque<Queued>& queue, Job job, bool only_if_awaited = false);
+  Pending<JobResult> enqueue(std::deque<Queued>& queue, Job job);
+  void put(std::deque<Queued>& queue, Queued queued);
+  void send_when_quiet(const Batch& request, std::chrono::milliseconds since, Resolver<JobResult> done);
+  void note_reply();
+  std::optional<std::string> take_answer(const Batch& request);
+  /// Returns once a block is complete, or after `timeout`.
+  Task<> block_complete(std::chrono::milliseconds timeout);
   void start_next();
   void start(Job job, Resolver<JobResult> done);
   void job_over(const JobResult& result);
@@ -156,6 +165,7 @@ class CommandLink {
   Scheduler& scheduler_;
   Sender& sender_;
   ReplyBuffer reply_;
+  LateAnswers late_;
   std::uint64_t received_ = 0;  // bytes from the chip
   std::deque<Queued> queue_;
   std::deque<Queued> held_queue_;  // what the holder sends

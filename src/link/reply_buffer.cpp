@@ -43,7 +43,7 @@ std::optional<std::string> ReplyBuffer::take_block() {
   if (state_ != State::complete) return std::nullopt;
   state_ = State::idle;
   if (overran()) return std::nullopt;
-  return std::string(text_.data(), received_ == kSize ? kSize : index_);
+  return std::string(text_.data(), size());
 }
 
 std::optional<int> ReplyBuffer::take_last_pair() {

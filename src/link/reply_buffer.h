@@ -34,6 +34,9 @@ class ReplyBuffer {
   /// the same thing twice counts them.
   std::size_t blocks() const { return blocks_; }
 
+  /// How many characters the block has so far, at most 500.
+  std::size_t size() const { return received_ < kSize ? received_ : kSize; }
+
   /// The complete block's characters, at most 500, and back to idle. Nothing when none is complete, or when
   /// it overwrote its start.
   std::optional<std::string> take_block();

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/delay.h"
+#include "link/late_answers.h"
 #include "link/reply_text.h"
 
 namespace qv5123 {
@@ -25,6 +26,11 @@ Job job_of(DeskHost& host, Traffic traffic) {
   return job;
 }
 
+std::string surplus_text(const std::string& reply, std::size_t surplus) {
+  return "\r\n< Reply of " + std::to_string(reply.size()) + " digits: the last " + std::to_string(surplus) +
+         " are not known and left out >";
+}
+
 Task<> wait_while_chip_stores(DeskHost& host, std::chrono::milliseconds time) {
   for (std::chrono::milliseconds waited{0}; waited < time; waited += kSettlingStep) {
     host.show_progress(
@@ -40,6 +46,8 @@ Task<bool> load_from_chip(DeskHost& host, PageLoad load) {
   const bool taken = reply && whole_bytes(*reply) && load.take(*reply);
   if (taken && !load.loaded.empty()) host.show_status(load.loaded);
   if (!taken && !load.failed.empty()) host.show_failure(load.failed);
+  const std::size_t surplus = taken ? surplus_digits({{load.trigger, 0}}, reply->size()) : 0;
+  if (surplus > 0) host.append_console(surplus_text(*reply, surplus));
   co_return taken;
 }
 

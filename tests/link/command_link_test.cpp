@@ -1,8 +1,8 @@
 #include "link/command_link.h"
-#include "base/delay.h"
 
 #include <gtest/gtest.h>
 
+#include "base/delay.h"
 #include "link/indirect_access.h"
 #include "support/fake_wire.h"
 
@@ -56,6 +56,10 @@ TEST(CommandLink, QueriesTakeTurnsAndACancelledOneGivesUpItsPlace) {
 Task<> request(CommandLink& link, Batch batch, std::vector<std::string>& answers) {
   const auto reply = co_await link.request(std::move(batch), std::chrono::milliseconds(400));
   answers.push_back(reply.value_or("none"));
+}
+
+Task<> read_wide(CommandLink& link, int& value) {
+  value = co_await link.wide_read(0x922);
 }
 
 TEST(CommandLink, ARequestGoesOnAsSoonAsItsReplyIsComplete) {
@@ -115,6 +119,89 @@ TEST(CommandLink, WhoAsksNextGetsNoAnswerOfOneThatGaveUp) {
   wire.advance(2000);
   EXPECT_EQ(wire.sender.writes.size(), 2u + 20 + 1) << "nobody waits for the other one";
   EXPECT_EQ(wire.sender.writes.back(), "@3600*");
+}
+
+TEST(CommandLink, AnAnswerOfAnotherPageIsPassedOverAndItsOwnTaken) {
+  FakeWire wire;
+  std::vector<std::string> answers;
+  const auto digits = [](std::size_t count) { return "~" + std::string(count, '7') + "^"; };
+  Flow flow(ask(wire.link, 0x6B, answers));
+  wire.advance(60);
+  for (const std::size_t other : {352u, 40u, 486u, 432u}) {
+    wire.receive(digits(other));
+    wire.advance(300);
+  }
+  EXPECT_TRUE(answers.empty());
+  wire.receive(digits(24));
+  wire.advance(300);
+  EXPECT_EQ(answers, std::vector{std::string(24, '7')});
+
+  flow.start(ask(wire.link, 0x6B, answers));
+  wire.advance(60);
+  wire.receive(digits(30));
+  wire.advance(300);
+  EXPECT_EQ(answers.back().size(), 30u) << "of a chip that says more than is known";
+
+  flow.start(request(wire.link, isp_read_request(0x922), answers));
+  wire.advance(60);
+  wire.receive(digits(24));
+  wire.receive("~12^");
+  wire.advance(0);
+  EXPECT_EQ(answers.back(), "12");
+
+  int value = 0;
+  flow.start(read_wide(wire.link, value));
+  wire.advance(55);
+  wire.receive(digits(40));
+  wire.advance(60);
+  EXPECT_EQ(value, -1);
+}
+
+// AWB's reply is as long as ISP tune's: only the time tells that it is not the answer.
+TEST(CommandLink, AfterAQueryThatFailedTheNextLeavesWhenTheLineWasQuietForARoundTrip) {
+  FakeWire wire;
+  std::vector<std::string> answers;
+  const std::string awb(40, 'a');
+  Flow flow(ask(wire.link, 0x36, answers));
+  wire.advance(50 + 1800);
+  EXPECT_EQ(answers, std::vector<std::string>{"none"});
+  Flow next(ask(wire.link, 0xBE, answers));
+  wire.advance(700);
+  wire.receive("~" + awb + "^");  // 2.5 seconds after its question
+  wire.advance(2499);
+  wire.receive("chat");
+  EXPECT_EQ(wire.sender.wire(), "@3600*");
+  wire.advance(60);
+  EXPECT_EQ(wire.sender.wire(), "@3600*@be00*") << "what the chip says on the console counts for nothing";
+  wire.receive("~" + std::string(40, 'b') + "^");
+  wire.advance(300);
+  EXPECT_EQ(answers.back(), std::string(40, 'b'));
+
+  next.start(ask(wire.link, 0x36, answers));
+  wire.advance(50);
+  EXPECT_EQ(wire.sender.wire(), "@3600*@be00*@3600*") << "nothing waits once the chip has answered";
+  next.start(ask(wire.link, 0x36, answers));
+  wire.advance(50);
+  EXPECT_EQ(wire.sender.writes.size(), 4u) << "the same question has the same answer";
+  next.start(ask(wire.link, 0xBE, answers));
+  wire.advance(2000);
+  EXPECT_EQ(wire.sender.writes.size(), 4u) << "two answers to the one that was dropped are under way";
+  for (int i = 0; i < 40; ++i) {
+    wire.receive("~~");
+    wire.advance(100);
+  }
+  EXPECT_EQ(wire.sender.writes.size(), 5u) << "a line that is never quiet holds nobody up for good";
+}
+
+TEST(CommandLink, AChipThatIsAwayOwesNoAnswer) {
+  FakeWire wire;
+  std::vector<std::string> answers;
+  Flow flow(ask(wire.link, 0x36, answers));
+  wire.advance(50 + 1800);
+  wire.link.connection_changed();
+  flow.start(ask(wire.link, 0xBE, answers));
+  wire.advance(50);
+  EXPECT_EQ(wire.sender.writes.size(), 2u);
 }
 
 Job bytes_job(std::initializer_list<const char*> chunks) {
