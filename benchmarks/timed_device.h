@@ -21,9 +21,9 @@ class TimedDevice final : public SerialDevice {
   void close() override { device_->close(); }
   Wait wait() override { return device_->wait(); }
   std::size_t read(std::span<std::uint8_t> buffer) override { return device_->read(buffer); }
-  std::size_t write(std::span<const std::uint8_t> bytes) override {
+  std::size_t write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on = {}) override {
     note(Clock::now(), bytes);
-    return device_->write(bytes);
+    return device_->write(bytes, keep_on);
   }
 
   void start_over() {

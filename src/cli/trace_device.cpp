@@ -1,11 +1,12 @@
 #include "cli/trace_device.h"
 
-#include <cstdio>
+#include <algorithm>
 #include <utility>
 
 #include "base/atomic_file.h"
 #include "base/hex.h"
 #include "cli/complaint.h"
+#include "cli/numbers.h"
 
 namespace qv5123 {
 namespace {
@@ -26,9 +27,9 @@ class TracedDevice final : public SerialDevice {
     return count;
   }
   /// Noted before it leaves, so that it stands before the answer.
-  std::size_t write(std::span<const std::uint8_t> bytes) override {
+  std::size_t write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on = {}) override {
     if (!bytes.empty()) trace_.note('>', bytes);
-    return device_->write(bytes);
+    return device_->write(bytes, keep_on);
   }
 
  private:
@@ -48,9 +49,10 @@ Trace::Trace(const std::filesystem::path& path) : file_(path, std::ios::binary |
 
 void Trace::note(char direction, std::span<const std::uint8_t> bytes) {
   const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start_;
-  char head[32];
-  std::snprintf(head, sizeof head, "%12.6f %c", time.count(), direction);
-  std::string line = head;
+  constexpr std::size_t kTimeWidth = 12;
+  std::string line = fixed(time.count(), 6);
+  line.insert(0, kTimeWidth - std::min(kTimeWidth, line.size()), ' ');
+  line += std::string(" ") + direction;
   std::string characters;
   for (const std::uint8_t byte : bytes) {
     line += ' ' + lower_hex(byte);

@@ -60,13 +60,12 @@ void CCommPort::pause(std::chrono::milliseconds time) {
   closing_.wait_for(lock, time, [this, before = times_closed_.load()] { return times_closed_ != before; });
 }
 
-std::size_t CCommPort::write(std::span<const std::uint8_t> bytes, Pacing pacing,
-                             const std::function<void()>& before_bytes) {
+std::size_t CCommPort::write(std::span<const std::uint8_t> bytes, Pacing pacing, const Follower& follower) {
   const unsigned times_closed = times_closed_;
   pause(pacing == Pacing::bulk ? kBulkPacing : kNormalPacing);
   const bool open = connected_ && times_closed_ == times_closed;
-  if (open && before_bytes) before_bytes();
-  const std::size_t sent = open && !bytes.empty() ? device_->write(bytes) : 0;
+  if (open && follower.before_bytes) follower.before_bytes();
+  const std::size_t sent = open && !bytes.empty() ? device_->write(bytes, follower.keep_on) : 0;
   // Whatever was sent: every sender relies on finding the buffer empty afterwards.
   command_buffer_.reset_fill_index();
   return sent;

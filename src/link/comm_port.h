@@ -59,11 +59,17 @@ class CCommPort {
   unsigned times_closed() const { return times_closed_; }
   const std::string& name() const { return name_; }
 
+  /// What follows a write. Either may be empty.
+  struct Follower {
+    std::function<void()> before_bytes;  ///< the delay is over and the bytes are about to leave
+    SerialDevice::KeepOn keep_on;
+  };
   /// Pays the pacing delay, sends `bytes`, resets the fill index of the command buffer and returns how many
-  /// bytes were sent. An empty write only pays the delay. One thread at a time. `before_bytes`, if there is
-  /// one, is called when the delay is over and the bytes are about to leave.
-  std::size_t write(std::span<const std::uint8_t> bytes, Pacing pacing = Pacing::normal,
-                    const std::function<void()>& before_bytes = {});
+  /// bytes were sent. An empty write only pays the delay. One thread at a time.
+  std::size_t write(std::span<const std::uint8_t> bytes, Pacing pacing, const Follower& follower);
+  std::size_t write(std::span<const std::uint8_t> bytes, Pacing pacing = Pacing::normal) {
+    return write(bytes, pacing, Follower());
+  }
   /// Waits, or less when the port is closed meanwhile.
   void pause(std::chrono::milliseconds time);
 

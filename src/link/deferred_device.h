@@ -28,7 +28,9 @@ class DeferredDevice final : public SerialDevice {
   }
   Wait wait() override { return device_.load()->wait(); }
   std::size_t read(std::span<std::uint8_t> buffer) override { return device_.load()->read(buffer); }
-  std::size_t write(std::span<const std::uint8_t> bytes) override { return device_.load()->write(bytes); }
+  std::size_t write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on = {}) override {
+    return device_.load()->write(bytes, keep_on);
+  }
 
  private:
   const Make make_;

@@ -60,7 +60,7 @@ std::size_t InProcessDevice::read(std::span<std::uint8_t> buffer) {
   return count;
 }
 
-std::size_t InProcessDevice::write(std::span<const std::uint8_t> bytes) {
+std::size_t InProcessDevice::write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on) {
   const DeviceGate::Pass pass(gate_);
   if (!pass) return 0;
   // A paced line hands its bytes over in small pieces, as a chip would see them come in.
@@ -68,10 +68,11 @@ std::size_t InProcessDevice::write(std::span<const std::uint8_t> bytes) {
   const std::size_t piece = pace_ ? kPacedPiece : bytes.size();
   auto due = std::chrono::steady_clock::now();
   std::size_t done = 0;
+  const auto go_on = [&] { return !keep_on || keep_on(done); };
   while (done < bytes.size()) {
     const auto part = bytes.subspan(done, std::min(piece, bytes.size() - done));
     due += time_for(part.size());
-    if (!wait_until(due)) break;
+    if (!wait_until(due, go_on)) break;
     peer_(part);
     done += part.size();
   }
@@ -83,10 +84,18 @@ std::chrono::nanoseconds InProcessDevice::time_for(std::size_t bytes) const {
   return pace_ ? std::min(pace_(bytes, settings()), kLongest) : std::chrono::nanoseconds(0);
 }
 
-/// False when the line went down meanwhile.
-bool InProcessDevice::wait_until(std::chrono::steady_clock::time_point due) {
+/// False when the line went down meanwhile, or `keep_on` said so.
+bool InProcessDevice::wait_until(std::chrono::steady_clock::time_point due,
+                                 const std::function<bool()>& keep_on) {
   std::unique_lock lock(mutex_);
-  if (pace_) changed_.wait_until(lock, due, [this] { return !up(); });
+  while (pace_ && up() && std::chrono::steady_clock::now() < due) {
+    const auto ask_at = std::chrono::steady_clock::now() + kAskEvery;
+    changed_.wait_until(lock, std::min(due, ask_at), [this] { return !up(); });
+    lock.unlock();
+    const bool go_on = keep_on();
+    lock.lock();
+    if (!go_on) return false;
+  }
   return up();
 }
 

@@ -34,7 +34,7 @@ class InProcessDevice final : public SerialDevice {
   void close() override;
   Wait wait() override;
   std::size_t read(std::span<std::uint8_t> buffer) override;
-  std::size_t write(std::span<const std::uint8_t> bytes) override;
+  std::size_t write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on = {}) override;
 
   /// Sends bytes to the device's end, from any thread. A line that is not open or is unplugged loses them.
   void deliver(std::span<const std::uint8_t> bytes);
@@ -47,7 +47,7 @@ class InProcessDevice final : public SerialDevice {
 
  private:
   bool up() const { return open_ && !lost_; }
-  bool wait_until(std::chrono::steady_clock::time_point due);
+  bool wait_until(std::chrono::steady_clock::time_point due, const std::function<bool()>& keep_on);
   std::chrono::nanoseconds time_for(std::size_t bytes) const;
 
   const Peer peer_;

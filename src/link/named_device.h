@@ -20,7 +20,9 @@ class NamedDevice final : public SerialDevice {
   void close() override { current().close(); }
   Wait wait() override { return current().wait(); }
   std::size_t read(std::span<std::uint8_t> buffer) override { return current().read(buffer); }
-  std::size_t write(std::span<const std::uint8_t> bytes) override { return current().write(bytes); }
+  std::size_t write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on = {}) override {
+    return current().write(bytes, keep_on);
+  }
 
  private:
   SerialDevice& current() const { return *current_; }

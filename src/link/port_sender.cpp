@@ -46,16 +46,31 @@ bool PortSender::send_chunk(const Job& job, const Chunk& chunk, unsigned times_c
     }
     bytes = command_buffer_.bytes();
   }
+  standstill_.begin(Standstill::Time::clock::now());
   const std::size_t wanted = bytes.size();
-  std::function<void()> before_bytes;
+  const std::size_t sent = port_.write(bytes, chunk.pacing, follower_of(job));
+  result.bytes_sent += sent;
+  if (sent == wanted) goes_on(sent);
+  return sent == wanted;
+}
+
+CCommPort::Follower PortSender::follower_of(const Job& job) {
+  CCommPort::Follower follower;
   if (job.on_write) {
-    before_bytes = [this, &job] {
+    follower.before_bytes = [this, &job] {
       scheduler_.post([report = job.on_write, received = port_.received()] { report(received); });
     };
   }
-  const std::size_t sent = port_.write(bytes, chunk.pacing, before_bytes);
-  result.bytes_sent += sent;
-  return sent == wanted;
+  follower.keep_on = [this](std::size_t sent) { return goes_on(sent); };
+  return follower;
+}
+
+bool PortSender::goes_on(std::size_t sent) {
+  const Standstill::Time now = Standstill::Time::clock::now();
+  const bool go_on = standstill_.goes_on(sent, now, cancelled_ || thread_.ending());
+  const std::optional<bool> news = standstill_.news(now);
+  if (news && on_standstill_) scheduler_.post([tell = on_standstill_, stands = *news] { tell(stands); });
+  return go_on;
 }
 
 }  // namespace qv5123

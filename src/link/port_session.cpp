@@ -12,7 +12,7 @@ PortSession::PortSession(Scheduler& scheduler, std::unique_ptr<SerialDevice> dev
     : scheduler_(scheduler),
       events_(std::move(events)),
       port_(std::move(device), command_buffer_, port_events(), options),
-      sender_(port_, command_buffer_, scheduler),
+      sender_(port_, command_buffer_, scheduler, tell_standstill()),
       link_(scheduler, sender_) {}
 
 PortSession::~PortSession() {
@@ -43,6 +43,19 @@ void PortSession::post_if_alive(std::function<void()> callback) {
   scheduler_.post([alive = alive_, callback = std::move(callback)] {
     if (*alive) callback();
   });
+}
+
+std::string standstill_text(const std::string& port, bool stands) {
+  constexpr auto kSeconds = std::chrono::duration_cast<std::chrono::seconds>(Standstill::kSaidAfter).count();
+  if (!stands) return port + " takes bytes again.";
+  return port + " has taken no byte for " + std::to_string(kSeconds) + " s.";
+}
+
+/// The sending thread posts it, so that it may outlive the session.
+std::function<void(bool)> PortSession::tell_standstill() {
+  return [this, alive = alive_](bool stands) {
+    if (*alive && connected_ && events_.standstill) events_.standstill(stands);
+  };
 }
 
 void PortSession::drain() {

@@ -20,7 +20,12 @@ struct PortSessionEvents {
   std::function<void(const std::string&)> status;   ///< a line for the status bar, UTF-8
   std::function<void(const std::string&)> trouble;  ///< a message the user must acknowledge, UTF-8
   std::function<void(bool)> connected;              ///< the port was opened, or closed or lost
+  /// The line takes no bytes, and has not for Standstill::kSaidAfter; then that it takes them again.
+  std::function<void(bool)> standstill;
 };
+
+/// What is said of a line that takes no bytes, and of one that takes them again.
+std::string standstill_text(const std::string& port, bool stands);
 
 /// A port in use: the device, its watcher and sending threads, the command link and the reply decoder, put
 /// together. Notices when the port goes away and opens it again when it comes back.
@@ -59,6 +64,7 @@ class PortSession {
   void lost(unsigned epoch);
   void close_port(std::function<void()> closed);
   void set_connected(bool connected);
+  std::function<void(bool)> tell_standstill();
   Task<OpenResult> open_port();
   void port_opened(const OpenResult& result, unsigned epoch);
   Task<> reopen(std::string text);

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 
@@ -45,9 +47,14 @@ class SerialDevice {
   virtual Wait wait() = 0;
   /// Moves up to `buffer.size()` received bytes; 0 at once when there are none.
   virtual std::size_t read(std::span<std::uint8_t> buffer) = 0;
+  /// Asked on the writing thread while a write waits for the line, with how many of its bytes have left. When
+  /// it says false the write ends, and what has not left is dropped.
+  using KeepOn = std::function<bool(std::size_t sent)>;
+  /// The longest time between two such questions.
+  static constexpr std::chrono::milliseconds kAskEvery{100};
   /// Sends all of `bytes`, blocking until the line has sent them. Returns how many were sent: fewer when
-  /// the device was lost or closed meanwhile.
-  virtual std::size_t write(std::span<const std::uint8_t> bytes) = 0;
+  /// the device was lost or closed meanwhile, or `keep_on` ended it.
+  virtual std::size_t write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on = {}) = 0;
 };
 
 }  // namespace qv5123

@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <chrono>
 #include <mutex>
-#include <optional>
 
 #include "link/device_gate.h"
 #include "link/line_settings.h"
@@ -30,16 +29,24 @@ class PosixSerialDevice final : public SerialDevice {
   void close() override;
   Wait wait() override;
   std::size_t read(std::span<std::uint8_t> buffer) override;
-  std::size_t write(std::span<const std::uint8_t> bytes) override;
+  std::size_t write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on = {}) override;
 
  private:
   OpenResult set_up(const std::string& name);
   void release();
 
-  bool pause(short events, std::optional<nanoseconds> time);
-  bool peer_takes();
-  std::size_t hand_to_driver(std::span<const std::uint8_t> bytes);
-  std::size_t drain(std::size_t handed);
+  /// A write under way.
+  struct Write {
+    std::span<const std::uint8_t> bytes;
+    const KeepOn& keep_on;
+    std::size_t handed = 0;  ///< to the driver
+  };
+  bool pause(short events, nanoseconds time);
+  bool go_on(const Write& write);
+  bool peer_takes(const Write& write);
+  void hand_to_driver(Write& write);
+  bool drain(const Write& write);
+  std::size_t unsent(const Write& write) const;
   bool transmitter_empty() const;
 
   std::mutex lifecycle_;  ///< one open() or close() at a time
@@ -126,24 +133,32 @@ std::size_t PosixSerialDevice::read(std::span<std::uint8_t> buffer) {
   return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
-std::size_t PosixSerialDevice::write(std::span<const std::uint8_t> bytes) {
+std::size_t PosixSerialDevice::write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on) {
   const DeviceGate::Pass pass(gate_);
-  if (!pass) return 0;
-  return drain(hand_to_driver(bytes));
+  if (!pass || bytes.empty()) return 0;
+  Write write{bytes, keep_on};
+  hand_to_driver(write);
+  if (drain(write)) return write.handed;
+  const std::size_t left_over = unsent(write);
+  discard_unsent(fd_);
+  return write.handed - left_over;
 }
 
 /// Waits for `events`, or for `time` to pass. False when the device was closed or lost meanwhile.
-bool PosixSerialDevice::pause(short events, std::optional<nanoseconds> time) {
+bool PosixSerialDevice::pause(short events, nanoseconds time) {
   pollfd polled[] = {{fd_, events, 0}, {stop_, POLLIN, 0}};
-  timespec timeout{};
-  if (time) timeout = {time->count() / 1'000'000'000, time->count() % 1'000'000'000};
-  if (ppoll(polled, 2, time ? &timeout : nullptr, nullptr) < 0) return errno == EINTR;
+  const timespec timeout{time.count() / 1'000'000'000, time.count() % 1'000'000'000};
+  if (ppoll(polled, 2, &timeout, nullptr) < 0) return errno == EINTR;
   return polled[1].revents == 0 && (polled[0].revents & (POLLHUP | POLLERR | POLLNVAL)) == 0;
 }
 
+bool PosixSerialDevice::go_on(const Write& write) {
+  return !write.keep_on || write.keep_on(write.handed - unsent(write));
+}
+
 /// Waits until the other end is ready, where the settings make it say so on DSR: the kernel's own flow
-/// control knows RTS/CTS only. False when the device was closed or lost meanwhile.
-bool PosixSerialDevice::peer_takes() {
+/// control knows RTS/CTS only. False when the write ends meanwhile.
+bool PosixSerialDevice::peer_takes(const Write& write) {
   if ((settings_.flow_flags & kFlowDtrDsr) == 0) return pause(0, nanoseconds(0));
   constexpr nanoseconds kLookAgain = std::chrono::milliseconds(2);
   while (true) {
@@ -151,41 +166,43 @@ bool PosixSerialDevice::peer_takes() {
     const bool ready = ioctl(fd_, TIOCMGET, &lines) != 0 || (lines & TIOCM_DSR) != 0;
     if (!pause(0, ready ? nanoseconds(0) : kLookAgain)) return false;
     if (ready) return true;
+    if (!go_on(write)) return false;
   }
 }
 
-/// Returns how many the driver took.
-std::size_t PosixSerialDevice::hand_to_driver(std::span<const std::uint8_t> bytes) {
+void PosixSerialDevice::hand_to_driver(Write& write) {
   // What is in the driver goes out whatever DSR says, so no more than a UART's own queue is put there at
   // once.
   constexpr std::size_t kUartQueue = 16;
   const bool in_pieces = (settings_.flow_flags & kFlowDtrDsr) != 0;
-  std::size_t done = 0;
-  while (done < bytes.size() && peer_takes()) {
-    const std::size_t piece = in_pieces ? std::min(kUartQueue, bytes.size() - done) : bytes.size() - done;
-    const ssize_t count = ::write(fd_, bytes.data() + done, piece);
+  while (write.handed < write.bytes.size() && peer_takes(write)) {
+    const auto rest = write.bytes.subspan(write.handed);
+    const ssize_t count =
+        ::write(fd_, rest.data(), in_pieces ? std::min(kUartQueue, rest.size()) : rest.size());
     if (count < 0 && errno != EAGAIN && errno != EINTR) break;
-    if (count > 0) done += static_cast<std::size_t>(count);
-    if (count <= 0 && !pause(POLLOUT, std::nullopt)) break;
-    if (in_pieces && drain(piece) < piece) break;
+    if (count > 0) write.handed += static_cast<std::size_t>(count);
+    if (count <= 0 && (!pause(POLLOUT, kAskEvery) || !go_on(write))) break;
+    if (in_pieces && !drain(write)) break;
   }
-  return done;
 }
 
-/// Waits until the driver has sent everything. tcdrain() would do, but nothing releases it on a line that
-/// stands still. Returns how many of the `handed` bytes were sent.
-std::size_t PosixSerialDevice::drain(std::size_t handed) {
+/// Waits until the driver has sent everything that it was handed. tcdrain() would do, but nothing releases it
+/// on a line that stands still. False when the write ends before.
+bool PosixSerialDevice::drain(const Write& write) {
   constexpr nanoseconds kShortest = std::chrono::microseconds(200);
   constexpr nanoseconds kLongest = std::chrono::milliseconds(20);
-  std::size_t unsent = handed;
-  while (handed > 0) {
-    int queued = 0;
-    if (ioctl(fd_, TIOCOUTQ, &queued) != 0) break;
-    unsent = static_cast<std::size_t>(std::max(queued, 0));
-    if (unsent == 0 && transmitter_empty()) break;
-    if (!pause(0, std::clamp(line_time(unsent, settings_), kShortest, kLongest))) break;
+  while (true) {
+    const std::size_t left = unsent(write);
+    if (left == 0 && transmitter_empty()) return true;
+    if (!pause(0, std::clamp(line_time(left, settings_), kShortest, kLongest)) || !go_on(write)) return false;
   }
-  return handed - std::min(handed, unsent);
+}
+
+/// How many of the handed bytes the driver still has; all where it is gone.
+std::size_t PosixSerialDevice::unsent(const Write& write) const {
+  int queued = 0;
+  if (ioctl(fd_, TIOCOUTQ, &queued) != 0) return write.handed;
+  return std::min(write.handed, static_cast<std::size_t>(std::max(queued, 0)));
 }
 
 /// Whether the UART has shifted its own queue out too. Drivers that cannot tell count as empty.

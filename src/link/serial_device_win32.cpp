@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <algorithm>
+#include <functional>
 #include <mutex>
 
 #include "base/handle_win32.h"
@@ -29,7 +31,7 @@ class Win32SerialDevice final : public SerialDevice {
   void close() override;
   Wait wait() override;
   std::size_t read(std::span<std::uint8_t> buffer) override;
-  std::size_t write(std::span<const std::uint8_t> bytes) override;
+  std::size_t write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on = {}) override;
 
  private:
   bool create_events();
@@ -41,7 +43,8 @@ class Win32SerialDevice final : public SerialDevice {
   bool arm_wait();
   void end_wait();
   Wait why_ended() const;
-  DWORD finish(OVERLAPPED& operation, BOOL started, DWORD at_once);
+  DWORD unsent(DWORD wanted);
+  DWORD finish(OVERLAPPED& operation, BOOL started, DWORD at_once, const std::function<bool()>& keep_on);
 
   std::mutex lifecycle_;  ///< one open() or close() at a time
   DeviceGate gate_;
@@ -188,26 +191,44 @@ std::size_t Win32SerialDevice::read(std::span<std::uint8_t> buffer) {
   if (!pass || !input_queue(queued) || queued == 0) return 0;
   DWORD count = 0;
   const BOOL done = ReadFile(port_.get(), buffer.data(), static_cast<DWORD>(buffer.size()), &count, &read_);
-  return finish(read_, done, count);
+  return finish(read_, done, count, {});
 }
 
-std::size_t Win32SerialDevice::write(std::span<const std::uint8_t> bytes) {
+std::size_t Win32SerialDevice::write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on) {
   const DeviceGate::Pass pass(gate_);
   if (!pass) return 0;
+  const auto wanted = static_cast<DWORD>(bytes.size());
+  std::function<bool()> go_on;
+  if (keep_on) go_on = [&] { return keep_on(wanted - unsent(wanted)); };
   DWORD count = 0;
-  const BOOL done = WriteFile(port_.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &count, &write_);
-  return finish(write_, done, count);
+  const BOOL done = WriteFile(port_.get(), bytes.data(), wanted, &count, &write_);
+  return finish(write_, done, count, go_on);
+}
+
+/// How many of the `wanted` bytes of a write the driver still has.
+DWORD Win32SerialDevice::unsent(DWORD wanted) {
+  DWORD errors = 0;
+  COMSTAT status{};
+  if (!ClearCommError(port_.get(), &errors, &status)) return wanted;
+  return std::min(wanted, status.cbOutQue);
 }
 
 /// Waits for a read or write that was `started` with `at_once` bytes, and takes it back when the device is
-/// closed meanwhile. Returns the bytes moved; on an error the port's error state is cleared.
-DWORD Win32SerialDevice::finish(OVERLAPPED& operation, BOOL started, DWORD at_once) {
+/// closed meanwhile or `keep_on` says no. Returns the bytes moved; on an error the port's error state is
+/// cleared.
+DWORD Win32SerialDevice::finish(OVERLAPPED& operation, BOOL started, DWORD at_once,
+                                const std::function<bool()>& keep_on) {
   if (started) return at_once;
   DWORD count = 0;
   bool moved = false;
   if (GetLastError() == ERROR_IO_PENDING) {
     const HANDLE events[] = {operation.hEvent, stop_event_.get()};
-    const DWORD woken = WaitForMultipleObjects(2, events, FALSE, INFINITE);
+    constexpr auto kStep = static_cast<DWORD>(SerialDevice::kAskEvery.count());
+    DWORD woken = WAIT_TIMEOUT;
+    while (woken == WAIT_TIMEOUT) {
+      woken = WaitForMultipleObjects(2, events, FALSE, kStep);
+      if (woken == WAIT_TIMEOUT && keep_on && !keep_on()) break;
+    }
     if (woken != WAIT_OBJECT_0) CancelIoEx(port_.get(), &operation);
     moved = GetOverlappedResult(port_.get(), &operation, &count, woken != WAIT_OBJECT_0);
   }

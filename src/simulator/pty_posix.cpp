@@ -102,7 +102,7 @@ class PosixPseudoTerminal final : public PseudoTerminal {
   void close() override;
   Wait wait() override;
   std::size_t read(std::span<std::uint8_t> buffer) override;
-  std::size_t write(std::span<const std::uint8_t> bytes) override;
+  std::size_t write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on = {}) override;
   std::string path() const override { return path_; }
 
  private:
@@ -201,7 +201,7 @@ std::size_t PosixPseudoTerminal::read(std::span<std::uint8_t> buffer) {
   return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
-std::size_t PosixPseudoTerminal::write(std::span<const std::uint8_t> bytes) {
+std::size_t PosixPseudoTerminal::write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on) {
   const DeviceGate::Pass pass(gate_);
   std::size_t done = 0;
   while (pass && done < bytes.size() && host_there_) {
@@ -210,7 +210,7 @@ std::size_t PosixPseudoTerminal::write(std::span<const std::uint8_t> bytes) {
       done += static_cast<std::size_t>(count);
     } else if (errno == EINTR) {
       continue;
-    } else if (errno != EAGAIN || look(POLLOUT, kWriteTimeoutMs) != POLLOUT) {
+    } else if (errno != EAGAIN || look(POLLOUT, kWriteTimeoutMs) != POLLOUT || (keep_on && !keep_on(done))) {
       break;
     }
   }

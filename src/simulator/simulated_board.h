@@ -32,7 +32,9 @@ class SimulatedBoard final : public SerialDevice {
   void close() override { device_.close(); }
   Wait wait() override { return device_.wait(); }
   std::size_t read(std::span<std::uint8_t> buffer) override { return device_.read(buffer); }
-  std::size_t write(std::span<const std::uint8_t> bytes) override { return device_.write(bytes); }
+  std::size_t write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on = {}) override {
+    return device_.write(bytes, keep_on);
+  }
 
   /// Takes the board off the line, and puts it back with the chip powered on anew.
   void unplug();

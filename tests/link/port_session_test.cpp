@@ -4,20 +4,24 @@
 
 #include "base/loop_scheduler.h"
 #include "link/in_process_device.h"
+#include "link/standstill.h"
 
 namespace qv5123 {
 namespace {
 
 /// A session on a line whose far end only listens.
 struct SessionOnLine {
-  SessionOnLine() : session(scheduler, take_device(), events()) {}
+  explicit SessionOnLine(InProcessDevice::Pace line_pace = {})
+      : pace(std::move(line_pace)), session(scheduler, take_device(), events()) {}
 
   std::unique_ptr<SerialDevice> take_device() {
-    auto owned = std::make_unique<InProcessDevice>([this](std::span<const std::uint8_t> bytes) {
-      writing = true;
-      const std::lock_guard lock(mutex);
-      sent.append(bytes.begin(), bytes.end());
-    });
+    auto owned = std::make_unique<InProcessDevice>(
+        [this](std::span<const std::uint8_t> bytes) {
+          writing = true;
+          const std::lock_guard lock(mutex);
+          sent.append(bytes.begin(), bytes.end());
+        },
+        pace);
     line = owned.get();
     return owned;
   }
@@ -46,6 +50,7 @@ struct SessionOnLine {
     return sent;
   }
 
+  InProcessDevice::Pace pace;
   LoopScheduler scheduler;
   std::mutex mutex;
   std::string sent;
@@ -128,6 +133,65 @@ TEST(PortSession, ClosingDoesNotWaitForADriverThatStandsStill) {
   bool closed = true;
   on.run(close(on.session, closed));
   EXPECT_FALSE(closed);
+}
+
+// On the line of a session that stands still from its 17th byte on.
+TEST(PortSession, CancelEndsAWriteThatStandsStillAndTheImageWithIt) {
+  SessionOnLine on([&on](std::size_t, const LineSettings&) -> std::chrono::nanoseconds {
+    return std::chrono::hours(on.wire().empty() ? 0 : 1);
+  });
+  OpenResult opened;
+  on.run(open(on.session, opened));
+  Job image;
+  image.chunks.push_back({{}, std::vector<std::uint8_t>(20, 'A')});
+  image.chunks.push_back({{}, {'B'}});
+  JobResult result;
+  bool over = false;
+  Flow sending(send_job(on.session.link(), std::move(image), result, over));
+  on.run_until([&] {
+    if (on.wire().empty()) on.scheduler.post([] {});
+    return !on.wire().empty();
+  });
+  on.session.link().cancel_running_job();
+  on.run_until([&] { return over; });
+  EXPECT_TRUE(result.failed);
+  EXPECT_FALSE(result.lost);
+  EXPECT_EQ(result.chunks_sent, 0u) << "what comes behind a block that was cut short would spoil more";
+  EXPECT_EQ(result.bytes_sent, 16u);
+  EXPECT_EQ(on.wire(), std::string(16, 'A'));
+}
+
+TEST(PortSession, APortThatCannotBeOpenedIsNotConnectedAndTheNextOpenWorks) {
+  SessionOnLine on;
+  OpenResult opened;
+  on.line->hang_up();
+  on.run(open(on.session, opened));
+  EXPECT_EQ(opened.error, OpenError::not_found);
+  EXPECT_FALSE(on.session.connected());
+  EXPECT_TRUE(on.connected.empty()) << "nobody is told of a port that was never there";
+  on.line->plug_in();
+  on.run(open(on.session, opened));
+  EXPECT_TRUE(opened.ok());
+  EXPECT_EQ(on.connected, std::vector<bool>{true});
+}
+
+TEST(Standstill, IsSaidOnceAfterFiveSecondsWithoutAByteAndTakenBack) {
+  Standstill line;
+  const Standstill::Time start{};
+  const auto at = [&](int milliseconds) { return start + std::chrono::milliseconds(milliseconds); };
+  line.begin(at(0));
+  EXPECT_EQ(line.news(at(4999)), std::nullopt);
+  EXPECT_TRUE(line.goes_on(1, at(4999), false)) << "a slow adapter";
+  EXPECT_EQ(line.news(at(9998)), std::nullopt);
+  EXPECT_EQ(line.news(at(9999)), true);
+  EXPECT_EQ(line.news(at(30000)), std::nullopt);
+  EXPECT_TRUE(line.goes_on(1, at(30000), false)) << "it is for the user to end it";
+  EXPECT_FALSE(line.goes_on(1, at(30000), true));
+  line.begin(at(30100));
+  EXPECT_EQ(line.news(at(30100)), std::nullopt);
+  EXPECT_TRUE(line.goes_on(0, at(30399), true)) << "a write that moves may end";
+  EXPECT_TRUE(line.goes_on(6, at(30400), false));
+  EXPECT_EQ(line.news(at(30400)), false);
 }
 
 TEST(PortSession, AJobDoesNotGoOnOnAPortThatWasOpenedAnew) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
@@ -189,6 +190,23 @@ TEST_P(SerialDeviceConformance, CloseOrLossEndsAWriteThatTheOtherEndDoesNotTake)
       bench_->plug_in();
     }
   }
+}
+
+TEST_P(SerialDeviceConformance, AWriteThatWaitsAsksWhetherToGoOnAndTellsWhatHasLeft) {
+  constexpr std::size_t kBeyondAllBuffers = 1'000'000;
+  open({.baud_rate = 38400});
+  bench_->stall();
+  std::vector<std::size_t> asked;
+  const auto keep_on = [&](std::size_t sent) {
+    asked.push_back(sent);
+    return asked.size() < 3 || asked.end()[-1] != asked.end()[-3];
+  };
+  const std::size_t written = device_.write(bytes_of(pattern(kBeyondAllBuffers)), keep_on);
+  EXPECT_LT(written, kBeyondAllBuffers);
+  ASSERT_FALSE(asked.empty());
+  EXPECT_LE(asked.back(), kBeyondAllBuffers);
+  EXPECT_TRUE(std::ranges::is_sorted(asked));
+  device_.close();
 }
 
 TEST_P(SerialDeviceConformance, ALostDeviceIsNoticedAndOpensAgainWhenItIsBack) {

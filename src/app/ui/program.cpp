@@ -68,6 +68,10 @@ PortSessionEvents Program::session_events() {
     if (!view_) return;
     view_->say(session_.connected() ? StatusRank::outcome : StatusRank::failure, kAboutPort, text);
   };
+  events.standstill = [this](bool stands) {
+    const char* remedy = stands ? " \"Cancel\" ends a download, \"Close serial port\" everything." : "";
+    if (view_) view_->show_status(standstill_text(session_.name(), stands) + remedy);
+  };
   events.trouble = [this](const std::string& text) {
     // A flood says the same again and again; once it is read it may say it once more.
     if (trouble_.running()) return;
