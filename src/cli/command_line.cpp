@@ -1,22 +1,39 @@
 #include "cli/command_line.h"
 
+#include <algorithm>
 #include <sstream>
+#include <utility>
+#include <vector>
 
 #include "cli/command_tree.h"
 #include "cli/numbers.h"
 #include "cli/terminal.h"
+#include "link/line_options.h"
 
 namespace qv5123 {
 namespace {
 
 constexpr int kLongestTimeout = 3'600'000;
 
+void declare_line(CLI::App& app, LineSettings& line, CLI::Option* port) {
+  for (const LineOption& option : kLineOptions) {
+    const auto take = [&line, name = option.name](const std::string& text) {
+      const std::string fault = take_line_option(name, text, line);
+      if (!fault.empty()) refuse(fault);
+    };
+    app.add_option_function<std::string>("--" + std::string(option.name), take, option.help)
+        ->type_name(option.value)
+        ->needs(port);
+  }
+}
+
 void declare_globals(CLI::App& app, Context& context) {
-  app.set_help_flag("--help", "Print this help and exit");
+  app.set_help_flag("-h,--help", "Print this help and exit");
   app.set_version_flag("--version", "qv5123ctl " QV5123_VERSION, "Print the version and exit");
   GlobalOptions& globals = context.globals;
   auto* port = app.add_option("--port", globals.port, "The serial port that the chip is on");
   port->type_name(kDeviceType);
+  declare_line(app, globals.line, port);
   app.add_flag("--simulate", globals.simulate, "Work on a simulated chip inside the program")->excludes(port);
   const auto take_timeout = [&globals](const std::string& text) {
     globals.timeout = std::chrono::milliseconds(number_in("--timeout", text, 1, kLongestTimeout));
@@ -37,6 +54,35 @@ const CLI::App& reached(const CLI::App& app) {
   return parsed.empty() ? app : reached(*parsed.front());
 }
 
+/// How many characters are to be put in, left out or changed to make one word of the other.
+std::size_t distance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t corner = std::exchange(row[0], i + 1);
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      const std::size_t changed = corner + (a[i] == b[j] ? 0 : 1);
+      corner = row[j + 1];
+      row[j + 1] = std::min({changed, corner + 1, row[j] + 1});
+    }
+  }
+  return row.back();
+}
+
+/// The command that a misspelled one is likely meant to be; nothing where none is near.
+std::string meant_by(const std::string& word, const std::vector<const CLI::App*>& commands) {
+  constexpr std::size_t kSlips = 2;
+  std::string meant;
+  std::size_t nearest = std::min(kSlips, word.size() / 2) + 1;
+  for (const CLI::App* command : commands) {
+    const std::size_t slips = distance(word, command->get_name());
+    if (slips >= nearest) continue;
+    nearest = slips;
+    meant = command->get_name();
+  }
+  return meant;
+}
+
 /// In one line; commands that are missing and misspelled ones are named.
 std::string text_of(const CLI::ParseError& error, const CLI::App& app) {
   const CLI::App& command = reached(app);
@@ -50,7 +96,9 @@ std::string text_of(const CLI::ParseError& error, const CLI::App& app) {
   for (const CLI::App* one : subcommands(command)) names += (names.empty() ? "" : ", ") + one->get_name();
   const std::string what =
       unknown.empty() ? "A command is missing" : "No command is named \"" + unknown[0] + "\"";
-  return what + "; " + command.get_name() + " has " + names;
+  const std::string meant = unknown.empty() ? std::string() : meant_by(unknown[0], subcommands(command));
+  return what + "; " + command.get_name() + " has " + names +
+         (meant.empty() ? "" : ". Did you mean \"" + meant + "\"?");
 }
 
 /// Help and version, which are exceptions of the parser.

@@ -7,12 +7,14 @@
 
 #include "cli/complaint.h"
 #include "cli/output.h"
+#include "link/serial_device.h"
 
 namespace qv5123 {
 
 /// The options that every command takes.
 struct GlobalOptions {
   std::string port;
+  LineSettings line;  ///< 19200 8N1 unless options say otherwise
   bool simulate = false;
   std::chrono::milliseconds timeout{1800};  ///< as long as the window looks for a reply
   std::filesystem::path trace;

@@ -4,6 +4,7 @@
 
 #include "cli/chip.h"
 #include "cli/command.h"
+#include "cli/numbers.h"
 #include "console/main_commands.h"
 
 namespace qv5123 {
@@ -44,6 +45,13 @@ void declare_confirm(CLI::App& command, ConfirmOptions& options) {
   command.add_flag("--yes", options.yes, "It is meant: nothing can be taken back")->required();
 }
 
+/// A number where the text is one.
+Json value_of(const std::string& text) {
+  if (const auto number = parse_number(text)) return *number;
+  if (const auto number = parse_real(text)) return *number;
+  return text;
+}
+
 /// The lines " label: value" of an info text.
 Json fields_of(const std::string& text) {
   Json fields = Json::object();
@@ -54,7 +62,7 @@ Json fields_of(const std::string& text) {
     const std::size_t colon = line.find(": ");
     const std::size_t label = line.find_first_not_of(' ');
     if (colon != std::string::npos && label < colon) {
-      fields[line.substr(label, colon - label)] = line.substr(colon + 2);
+      fields[line.substr(label, colon - label)] = value_of(line.substr(colon + 2));
     }
     start = end + 1;
   }
@@ -63,7 +71,7 @@ Json fields_of(const std::string& text) {
 
 Task<ExitCode> show_info(Chip& chip, Batch request) {
   std::string text;
-  chip.on_console([&](const std::string& received) { text += printable(received); });
+  chip.on_console([&](const std::string& received) { text += chip_text(received); });
   const bool answered = co_await chip.send_and_listen(std::move(request));
   if (!answered || text.empty()) throw Complaint{kNegative, "The chip did not answer"};
   text.erase(0, text.find_first_not_of('\n'));

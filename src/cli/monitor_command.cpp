@@ -1,11 +1,11 @@
 #include <chrono>
-#include <cstdio>
 #include <ctime>
 #include <fstream>
 #include <optional>
 #include <utility>
 
 #include "base/atomic_file.h"
+#include "base/delay.h"
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/line_input.h"
@@ -30,10 +30,9 @@ std::string time_text() {
   const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
   const auto since = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
   char day[32];
-  char text[48];
   std::strftime(day, sizeof day, "%Y-%m-%d %H:%M:%S", std::localtime(&seconds));
-  std::snprintf(text, sizeof text, "%s.%03d", day, static_cast<int>(since.count() % 1000));
-  return text;
+  const std::string milliseconds = std::to_string(since.count() % 1000);
+  return day + ("." + std::string(3 - milliseconds.size(), '0') + milliseconds);
 }
 
 /// The console both ways for as long as it lasts.
@@ -72,7 +71,7 @@ class Monitor {
   bool streams() const { return !options_.timestamps && !chip_.out().json(); }
 
   void take_console(const std::string& text) {
-    const std::string shown = printable(text);
+    const std::string shown = chip_text(text);
     if (streams()) chip_.out().text(shown);
     console_.add(shown);
   }
@@ -100,7 +99,7 @@ class Monitor {
 
   Task<> end_in_time() {
     if (options_.milliseconds == 0) co_return;
-    co_await chip_.link().delay(std::chrono::milliseconds(options_.milliseconds));
+    co_await Delay(chip_.link().scheduler(), std::chrono::milliseconds(options_.milliseconds));
     // Not from here: this flow ends with what is resumed.
     chip_.link().scheduler().post([this] { stop_.resolve(true); });
   }
@@ -108,7 +107,7 @@ class Monitor {
   /// A silent chip gives nothing to write that could fail.
   Task<> look_for_reader() {
     while (true) {
-      co_await chip_.link().delay(kLookEvery);
+      co_await Delay(chip_.link().scheduler(), kLookEvery);
       chip_.out().look_for_reader();
     }
   }
@@ -116,7 +115,7 @@ class Monitor {
   void record(char mark, const char* kind, const std::string& text) {
     const std::string time = time_text();
     const std::string line = time + " " + mark + " " + text + "\n";
-    if (log_.is_open()) log_ << line << std::flush;
+    if (log_.is_open()) log_ << visible(line) << std::flush;
     if (!streams()) chip_.out().event({{"time", time}, {kind, text}}, line);
   }
 

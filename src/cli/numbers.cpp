@@ -1,10 +1,11 @@
 #include "cli/numbers.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 
 #include "base/elided.h"
+#include "base/hex.h"
 #include "cli/complaint.h"
 
 namespace qv5123 {
@@ -41,19 +42,23 @@ int number_in(const std::string& name, std::string_view text, int lowest, int hi
   return static_cast<int>(*value);
 }
 
-double real_number(const std::string& name, std::string_view text) {
+std::optional<double> parse_real(std::string_view text) {
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (text.empty() || error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) {
-    refuse(name + ": \"" + elided(text, kShown) + "\" is no number");
-  }
-  return value;
+  const bool whole = !text.empty() && error == std::errc() && end == text.data() + text.size();
+  return whole && std::isfinite(value) ? std::optional(value) : std::nullopt;
+}
+
+double real_number(const std::string& name, std::string_view text) {
+  const auto value = parse_real(text);
+  if (!value) refuse(name + ": \"" + elided(text, kShown) + "\" is no number");
+  return *value;
 }
 
 std::string hex(unsigned value, int digits) {
-  char text[24];
-  std::snprintf(text, sizeof text, "0x%0*X", digits, value);
-  return text;
+  std::size_t needed = 1;
+  for (unsigned rest = value >> 4; rest != 0; rest >>= 4) ++needed;
+  return "0x" + upper_hex(value, std::max(needed, static_cast<std::size_t>(digits)));
 }
 
 std::string shortest(double value) {

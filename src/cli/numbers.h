@@ -14,7 +14,9 @@ std::optional<long long> parse_number(std::string_view text);
 /// beyond `lowest`..`highest`.
 int number_in(const std::string& name, std::string_view text, int lowest, int highest);
 
-/// A finite decimal number; the point is a point in every locale.
+/// The finite decimal number that a text is, all of it; the point is a point in every locale.
+std::optional<double> parse_real(std::string_view text);
+/// The same of an argument.
 double real_number(const std::string& name, std::string_view text);
 
 /// "0xF922": at least `digits` upper-case digits.

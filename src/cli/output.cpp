@@ -4,13 +4,13 @@
 #include <cerrno>
 #include <system_error>
 
+#include "base/hex.h"
 #include "base/latin1.h"
 #include "cli/terminal.h"
 
 namespace qv5123 {
 namespace {
 
-/// File names need not be UTF-8.
 /// Bytes of the UTF-8 character that `text` begins with; of what is none, one.
 std::size_t character_size(std::string_view text) {
   const auto first = static_cast<unsigned char>(text[0]);
@@ -27,15 +27,13 @@ bool is_control(std::string_view character) {
   return (code < 0x20 && code != '\n' && code != '\t') || (code >= 0x7F && code < 0xA0);
 }
 
-/// `code_format` takes the code of a control character.
-std::string without_controls(std::string_view utf8, const char* code_format) {
+/// With `escape` and the hex digits of its code for a control character.
+std::string without_controls(std::string_view utf8, const char* escape, std::size_t digits) {
   std::string text;
   while (!utf8.empty()) {
     const std::string_view character = utf8.substr(0, character_size(utf8));
     if (is_control(character) && !utf8.starts_with("\r\n")) {
-      char code[8];
-      std::snprintf(code, sizeof code, code_format, static_cast<unsigned char>(character.back()));
-      text += code;
+      text += escape + lower_hex(static_cast<unsigned char>(character.back()), digits);
     } else {
       text += character;
     }
@@ -46,7 +44,7 @@ std::string without_controls(std::string_view utf8, const char* code_format) {
 
 /// JSON leaves some control characters as they are.
 std::string dumped(const Json& json, int indent) {
-  return without_controls(json.dump(indent, ' ', false, Json::error_handler_t::replace), "\\u%04x") + "\n";
+  return without_controls(json.dump(indent, ' ', false, Json::error_handler_t::replace), "\\u", 4) + "\n";
 }
 
 }  // namespace
@@ -107,13 +105,17 @@ ExitCode Output::end(ExitCode code) {
 }
 
 std::string visible(std::string_view utf8) {
-  return without_controls(utf8, "\\x%02x");
+  return without_controls(utf8, "\\x", 2);
+}
+
+std::string chip_text(std::string_view latin1) {
+  std::string text = latin1_to_utf8(latin1);
+  std::erase(text, '\r');
+  return text;
 }
 
 std::string printable(std::string_view latin1) {
-  std::string text = latin1_to_utf8(latin1);
-  std::erase(text, '\r');
-  return visible(text);
+  return visible(chip_text(latin1));
 }
 
 void complain(std::string text) {

@@ -58,7 +58,9 @@ class Output {
 /// ends.
 std::string visible(std::string_view utf8);
 
-/// Text from the chip, 8-bit characters, so that it can be shown: visible UTF-8 without carriage returns.
+/// Text from the chip, 8-bit characters, as UTF-8 without carriage returns. JSON takes it as it is.
+std::string chip_text(std::string_view latin1);
+/// The same so that it can be shown.
 std::string printable(std::string_view latin1);
 
 /// One line on stderr that names the program.

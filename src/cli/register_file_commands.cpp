@@ -1,5 +1,6 @@
 #include <utility>
 
+#include "base/delay.h"
 #include "base/utf8.h"
 #include "cli/chip.h"
 #include "cli/command.h"
@@ -109,7 +110,7 @@ Task<ExitCode> load(Chip& chip, const FileOptions& options, const std::vector<Re
     Traffic write;
     write.push_back(isp_write(lines[i].address, lines[i].value));
     co_await chip.send(std::move(write));
-    co_await chip.link().delay(RegisterLoader::kWriteWait);
+    co_await Delay(chip.link().scheduler(), RegisterLoader::kWriteWait);
   }
   chip.out().result(Json{{"file", path_text(options.file)}, {"registers", lines.size()}});
   chip.out().remark(path_text(options.file) + ": " + std::to_string(lines.size()) + " registers written\n");

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/atomic_file.h"
+#include "base/delay.h"
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/files.h"
@@ -47,7 +48,7 @@ Task<ExitCode> play(Chip& chip, const ScriptOptions& options, std::string text) 
       co_await chip.send(std::move(write));
       chip.out().progress(std::to_string(++writes) + " registers written");
     }
-    co_await chip.link().delay(RegisterScript::kTick);
+    co_await Delay(chip.link().scheduler(), RegisterScript::kTick);
   }
   chip.out().result(Json{{"file", path_text(options.file)}, {"writes", writes}});
   chip.out().remark(path_text(options.file) + ": " + std::to_string(writes) + " registers written\n");

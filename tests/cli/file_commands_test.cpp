@@ -178,6 +178,7 @@ TEST_F(CtlTest, CommandsToASimulatedChip) {
       {{"reg", "save", "regs.txt", "--category", "Sensor interface"}, "/registers", 14},
       {{"reg", "load", "two.txt"}, "/registers", 2},
       {{"info", "awb"}, "/fields/task", "running"},
+      {{"info", "awb"}, "/fields/R weight", 0},
       {{"page", "show", "awb"}, "/values/awb.a_slope", -205},
       {{"page", "save", "lsc", "--from", "sample.dat", "--verify"}, "/verified", 6},
       {{"page", "diff", "gamma", "sample.dat"}, "/compared", 88},
@@ -208,7 +209,15 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
        "A command is missing; qv5123ctl has ports, reg, send, osd, factory-reset, copy-to-factory, info, "
        "page, "
        "settings, download, script, monitor, flash, font, gamma, matrix, lsc"},
-      {{"reg", "rede"}, "No command is named \"rede\"; reg has read, write, save, load, list, dump"},
+      {{"reg", "rede"},
+       "No command is named \"rede\"; reg has read, write, save, load, list, dump. Did you mean \"read\"?"},
+      {{"pag", "show"},
+       "No command is named \"pag\"; qv5123ctl has ports, reg, send, osd, factory-reset, copy-to-factory, "
+       "info, "
+       "page, settings, download, script, monitor, flash, font, gamma, matrix, lsc. Did you mean \"page\"?"},
+      {{"--port", "line", "--parity", "most", "osd", "up"},
+       "--parity most is not of: none, odd, even, mark or space (default none)"},
+      {{"--simulate", "--baud", "9600", "osd", "up"}, "--baud requires --port"},
       {{"reg", "read", "--bogus"}, "The following argument was not expected: --bogus"},
       {{"reg", "read", "010z", "--simulate"}, "ADDR: \"010z\" is no number (0x hex or decimal)"},
       {{"reg", "read", "0x5922", "--simulate"},
@@ -236,6 +245,7 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
 }
 
 TEST_F(CtlTest, HelpOnEveryLevelAndTheVersion) {
+  EXPECT_EQ(ctl({"-h"}).out, ctl({"--help"}).out);
   EXPECT_THAT(ctl({"--help"}).out, HasSubstr("\nCommands:\n  ports "));
   EXPECT_THAT(ctl({"reg", "read", "--help"}).out, HasSubstr("ADDR ... REQUIRED"));
   EXPECT_EQ(ctl({"ports", "--json"}).json().type(), nlohmann::json::value_t::array);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "link/line_options.h"
+
 namespace qv5123 {
 namespace {
 
@@ -31,6 +33,29 @@ TEST(PortSelection, StandsForALineAndShowsIt) {
   EXPECT_EQ(line_from(picked), (LineSettings{2400, 5, 1, 4, 5}));
   EXPECT_EQ(selection_of(line_from(picked)), picked);
   EXPECT_EQ(selection_of({921600, 9, 2, 9, 0}), (PortSelection{3, 3, 0, 1, false, false, false}));
+}
+
+TEST(LineOptions, TakeTheDialogsWordsAndMeanWhatIsTyped) {
+  LineSettings line;
+  for (const auto& [name, text] : {std::pair{"baud", "230400"},
+                                   {"data-bits", "7"},
+                                   {"parity", "Even"},
+                                   {"stop-bits", "2"},
+                                   {"flow", "rts/cts,XON/XOFF"}})
+    EXPECT_EQ(take_line_option(name, text, line), "") << name;
+  EXPECT_EQ(line, (LineSettings{230400, 7, 2, 2, 6}));
+  EXPECT_EQ(take_line_option("flow", "none", line), "");
+  EXPECT_EQ(take_line_option("stop-bits", "1.5", line), "");
+  const LineSettings before{230400, 7, 1, 2, 0};
+  for (const auto& [name, text] : {std::pair{"baud", "0"},
+                                   {"baud", "9600x"},
+                                   {"baud", ""},
+                                   {"data-bits", "9"},
+                                   {"parity", "evn"},
+                                   {"stop-bits", "3"},
+                                   {"flow", "rts/cts,"}})
+    EXPECT_NE(take_line_option(name, text, line), "") << name << " " << text;
+  EXPECT_EQ(line, before) << "what is refused changes nothing";
 }
 
 }  // namespace

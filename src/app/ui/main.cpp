@@ -70,6 +70,7 @@ std::optional<PortSettings> fixed_port(const ProgramOptions& options) {
   port.device = *options.port;
   port.number = port_number_from_name(*options.port).value_or(port.number);
   port.description = *options.port;
+  port.line = options.line;
   return port;
 }
 

@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "base/ui/qt_text.h"
+#include "link/line_options.h"
 
 namespace qv5123 {
 namespace {
@@ -20,6 +21,18 @@ EndAtOnce complaint(const QString& text) {
 }
 
 /// What is wrong with the options; empty when nothing is.
+QString line_fault(const QCommandLineParser& parser) {
+  LineSettings line;
+  for (const LineOption& option : kLineOptions) {
+    if (!parser.isSet(option.name)) continue;
+    if (!parser.isSet("port")) return QStringLiteral("Option --%1 needs --port.").arg(option.name);
+    const std::string fault = take_line_option(option.name, from_qt(parser.value(option.name)), line);
+    if (!fault.empty()) return to_qt(fault);
+  }
+  return {};
+}
+
+/// The same of all options.
 QString fault_of(const QCommandLineParser& parser) {
   if (!parser.positionalArguments().isEmpty()) {
     return QStringLiteral("Unexpected argument '%1'.").arg(parser.positionalArguments().first());
@@ -50,12 +63,16 @@ QString fault_of(const QCommandLineParser& parser) {
   if (parser.isSet("tour") && !QDir().mkpath(folder)) {
     return QStringLiteral("Folder '%1' cannot be made.").arg(folder);
   }
-  return {};
+  return line_fault(parser);
 }
 
 ProgramOptions options_of(const QCommandLineParser& parser) {
   ProgramOptions options;
   if (parser.isSet("port")) options.port = from_qt(parser.value("port"));
+  for (const LineOption& option : kLineOptions) {
+    if (parser.isSet(option.name))
+      take_line_option(option.name, from_qt(parser.value(option.name)), options.line);
+  }
   if (parser.isSet("scene")) options.scene = from_qt(parser.value("scene"));
   if (parser.isSet("settings")) options.setting_file = to_path(parser.value("settings"));
   if (parser.isSet("tour")) options.tour = to_path(parser.value("tour"));
@@ -113,6 +130,7 @@ std::variant<ProgramOptions, EndAtOnce> read_options(const QStringList& argument
        "unless --port is given.",
        "DIR"},
   });
+  for (const LineOption& option : kLineOptions) parser.addOption({option.name, option.help, option.value});
   if (!parser.parse(own_arguments(arguments))) return complaint(parser.errorText());
   if (parser.isSet("help")) return EndAtOnce{parser.helpText(), 0};
   if (parser.isSet("version")) return EndAtOnce{QStringLiteral("QV5123 " QV5123_VERSION "\n"), 0};

@@ -6,12 +6,15 @@
 #include <string>
 #include <variant>
 
+#include "link/serial_device.h"
+
 namespace qv5123 {
 
 struct ProgramOptions {
-  std::optional<std::string> port;                    ///< use this device, store no settings
-  bool simulate = false;                              ///< the simulated chip, store no settings
-  std::optional<std::string> scene;                   ///< what the simulated camera looks at
+  std::optional<std::string> port;   ///< use this device, store no settings
+  LineSettings line;                 ///< of that device; 19200 8N1 unless options say otherwise
+  bool simulate = false;             ///< the simulated chip, store no settings
+  std::optional<std::string> scene;  ///< what the simulated camera looks at
   std::optional<std::filesystem::path> setting_file;  ///< load it instead of offering the dialog
   std::optional<std::filesystem::path> tour;          ///< the folder for the tour's pictures
 };
