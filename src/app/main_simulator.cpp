@@ -3,14 +3,15 @@
 #include <cstdint>
 #include <iostream>
 #include <memory>
+#include <semaphore>
 #include <string>
 #include <vector>
 
+#include "base/interrupts.h"
 #include "link/system_serial_device.h"
 #include "simulator/board_server.h"
 #include "simulator/pty.h"
 #include "simulator/scene.h"
-#include "simulator/stop_signal.h"
 
 namespace {
 
@@ -75,36 +76,50 @@ std::string take_faults(Options& options) {
   return {};
 }
 
-int serve(SerialDevice& device, BoardServer& server, const Options& options) {
+/// Until the system asks the program to end.
+class Stop {
+ public:
+  void wait() {
+    asked_.acquire();
+    interrupts_.heard();
+    interrupts_.ending();
+  }
+
+ private:
+  std::counting_semaphore<> asked_{0};
+  Interrupts interrupts_{[this] { asked_.release(); }, {"", 0}};
+};
+
+int serve(SerialDevice& device, BoardServer& server, const Options& options, Stop& stop) {
   LineSettings settings;
   if (options.line.line_rate != 0) settings.baud_rate = options.line.line_rate;
   const OpenResult opened = server.start(options.port, settings);
   if (!opened.ok()) return complain(opened.text, options.port.empty() ? kBadUsage : kPortFailed);
-  wait_for_stop_signal();
+  stop.wait();
   server.stop();
   device.close();
   return 0;
 }
 
-int serve_on_port(SimulatedChip& chip, const Options& options) {
+int serve_on_port(SimulatedChip& chip, const Options& options, Stop& stop) {
   const std::unique_ptr<SerialDevice> device = make_serial_device();
   BoardServer server(*device, chip, options.line);
   server.on_open([&] { std::cout << options.port << std::endl; });
-  return serve(*device, server, options);
+  return serve(*device, server, options, stop);
 }
 
-int serve_on_pseudo_terminal(SimulatedChip& chip, const Options& options) {
+int serve_on_pseudo_terminal(SimulatedChip& chip, const Options& options, Stop& stop) {
   BoardServer* listener = nullptr;
   const auto device = make_pseudo_terminal({options.link, [&] { listener->host_opened(); }});
   if (!device) return complain("this system has no pseudo-terminals; --port says where to answer", kBadUsage);
   BoardServer server(*device, chip, options.line);
   listener = &server;
   server.on_open([&] { std::cout << device->path() << std::endl; });
-  return serve(*device, server, options);
+  return serve(*device, server, options, stop);
 }
 
 int run(const Options& options) {
-  hold_stop_signals();
+  Stop stop;
   SimulatedChip chip;
   CameraTruth truth;
   truth.seed = options.line.seed;
@@ -112,7 +127,8 @@ int run(const Options& options) {
   if (options.trace) {
     chip.set_trace([](const std::string& line) { std::cout << line << std::endl; });
   }
-  return options.port.empty() ? serve_on_pseudo_terminal(chip, options) : serve_on_port(chip, options);
+  return options.port.empty() ? serve_on_pseudo_terminal(chip, options, stop)
+                              : serve_on_port(chip, options, stop);
 }
 
 }  // namespace

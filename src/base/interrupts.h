@@ -1,7 +1,13 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
-#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "base/stop_requests.h"
 
 namespace qv5123 {
 
@@ -9,15 +15,43 @@ namespace qv5123 {
 /// such) are told here instead of ending it. To be made before any thread is started.
 class Interrupts {
  public:
+  /// How long the program may take to hear of a request.
+  static constexpr std::chrono::milliseconds kHeardWithin{1000};
+  /// How long it may take for its end after ending().
+  static constexpr std::chrono::milliseconds kEndedWithin{2000};
+
+  /// What a program says and returns that is ended by force.
+  struct ByForce {
+    std::string last_words;
+    int code;
+  };
+
   /// `on_interrupt` is called on a thread of its own, once for each request.
   explicit Interrupts(std::function<void()> on_interrupt);
+  /// The same for a program that calls heard(). If it does not in time, since it waits for a file, a pipe or
+  /// a driver, it is ended all the same.
+  Interrupts(std::function<void()> on_interrupt, ByForce by_force);
   ~Interrupts();
   Interrupts(const Interrupts&) = delete;
   Interrupts& operator=(const Interrupts&) = delete;
 
+  /// All requests so far were heard. From any thread.
+  void heard();
+  /// Because of a request the program now ends; must be over within kEndedWithin. From any thread.
+  void ending();
+
  private:
-  class Watch;
-  std::unique_ptr<Watch> watch_;
+  using Time = std::chrono::steady_clock::time_point;
+  void watch();
+  std::optional<std::chrono::milliseconds> time_left();
+
+  const std::function<void()> on_interrupt_;
+  const std::optional<ByForce> by_force_;
+  StopRequests requests_;
+  std::mutex mutex_;
+  std::optional<Time> heard_by_;
+  std::optional<Time> ended_by_;
+  std::thread thread_;
 };
 
 }  // namespace qv5123

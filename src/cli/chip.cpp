@@ -1,9 +1,11 @@
 #include "cli/chip.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/atomic_file.h"
 #include "base/delay.h"
+#include "link/late_answers.h"
 #include "link/reply_text.h"
 #include "link/system_serial_device.h"
 #include "simulator/simulated_board.h"
@@ -30,7 +32,9 @@ Traffic one_flush(Batch batch) {
 }  // namespace
 
 Chip::Chip(Context& context)
-    : context_(context), interrupts_([this] { scheduler_.post([this] { take_interrupt(); }); }) {
+    : context_(context),
+      interrupts_([this] { scheduler_.post([this] { take_interrupt(); }); },
+                  {"qv5123ctl: Interrupted\n", kNegative}) {
   if (context.globals.port.empty() && !context.globals.simulate) {
     refuse("This command talks to the chip: --port DEVICE or --simulate says where it is");
   }
@@ -53,19 +57,26 @@ PortSessionEvents Chip::session_events() {
     if (take_console_) take_console_(text);
   };
   events.connected = [this](bool connected) { gone_ = gone_ || !connected; };
+  events.standstill = [this](bool stands) {
+    out().warning(standstill_text(session_->name(), stands) + (stands ? " Ctrl-C ends the command." : ""));
+  };
   events.trouble = [this](const std::string& text) { out().warning(text); };
   return events;
 }
 
 void Chip::take_interrupt() {
+  interrupts_.heard();
   ++interrupts_seen_;
-  stopped_ = interrupts_seen_ > 1 || !on_interrupt_;
+  stopped_ = interrupts_seen_ > interrupts_taken_ || !on_interrupt_;
   if (!stopped_) on_interrupt_();
 }
 
 ExitCode Chip::run(Begin begin, const Work& work) {
   Flow flow(main(begin, work));
-  scheduler_.run_until([&] { return !flow.running() || gone_ || stopped_ || (only_prints_ && !out().ok()); });
+  scheduler_.run_until([&] {
+    return !flow.running() || (gone_ && !notices_loss_) || stopped_ || (only_prints_ && !out().ok());
+  });
+  if (interrupted()) interrupts_.ending();
   const bool ended = !flow.running();
   flow.cancel();
   if (failure_) std::rethrow_exception(failure_);
@@ -78,8 +89,7 @@ ExitCode Chip::run(Begin begin, const Work& work) {
 Task<> Chip::main(Begin begin, const Work& work) {
   try {
     const std::string name = port_name(context_.globals);
-    const LineSettings line;
-    const OpenResult opened = co_await session_->open(name, line);
+    const OpenResult opened = co_await session_->open(name, context_.globals.line);
     if (!opened.ok()) throw Complaint{kPortFailed, opened.text};
     const Signs before = signs();
     if (begin == Begin::after_greeting) co_await wait_for_quiet(kGreeting, kLongestGreeting);
@@ -111,13 +121,17 @@ Task<std::string> Chip::behind_greeting(std::string reply, bool greeting, millis
 Task<std::string> Chip::ask(Batch request, std::string what) {
   const milliseconds asked = scheduler_.now();
   const std::size_t said = console_received_;
-  std::optional<std::string> reply = co_await link().request(std::move(request), timeout());
+  std::optional<std::string> reply = co_await link().request(request, timeout());
   if (!reply) throw Complaint{kNegative, what + ": the chip did not answer"};
   const bool greeting = said != console_received_;
   const bool doubtful = first_ask_ && (greeting || !greeted_);
   first_ask_ = false;
   if (doubtful) reply = co_await behind_greeting(std::move(*reply), greeting, scheduler_.now() - asked);
   if (!whole_bytes(*reply)) throw Complaint{kNegative, what + ": the answer was damaged on the line"};
+  if (const std::size_t surplus = surplus_digits(request, reply->size())) {
+    out().warning(what + ": the last " + std::to_string(surplus) + " of the answer's " +
+                  std::to_string(reply->size()) + " digits are not known and left out");
+  }
   co_return std::move(*reply);
 }
 
@@ -129,9 +143,11 @@ Task<> Chip::send(Traffic traffic) {
 }
 
 Task<bool> Chip::send_and_listen(Batch batch) {
+  const milliseconds end = scheduler_.now() + timeout();
   const bool heard = co_await send_and_hear(std::move(batch));
   if (!heard) co_return false;
-  co_await wait_for_quiet(kQuiet, milliseconds::max());
+  // A chip that chats without end has said enough by then.
+  co_await wait_for_quiet(kQuiet, std::max(kQuiet, end - scheduler_.now()));
   co_return true;
 }
 

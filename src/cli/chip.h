@@ -49,7 +49,8 @@ class Chip {
   Task<std::string> ask(Batch request, std::string what);
   /// Sends flush by flush; a Complaint when not all of it left.
   Task<> send(Traffic traffic);
-  /// Sends and waits until the chip has said what it has to say. False when it said nothing.
+  /// Sends and waits until the chip has said what it has to say, for as long as an answer may take. False
+  /// when it said nothing.
   Task<bool> send_and_listen(Batch batch);
   /// Sends and waits for the chip's first sign. False when there was none.
   Task<bool> send_and_hear(Batch batch);
@@ -58,8 +59,13 @@ class Chip {
 
   /// Gets the console text of the chip, 8-bit characters. Until it is set the text is dropped.
   void on_console(std::function<void(const std::string&)> take) { take_console_ = std::move(take); }
-  /// Called at the first request to end the program, which then goes on; a second one ends it.
-  void on_interrupt(std::function<void()> callback) { on_interrupt_ = std::move(callback); }
+  /// Called at the first `times` requests to end the program, which then goes on; one more ends it.
+  void on_interrupt(std::function<void()> callback, int times = 1) {
+    on_interrupt_ = std::move(callback);
+    interrupts_taken_ = times;
+  }
+  /// Whether the command comes to its end by itself when the port goes.
+  void notice_loss_itself(bool itself) { notices_loss_ = itself; }
   /// The command is there for what it prints alone, and ends when nobody reads that any more. Others go on: a
   /// chip is not left in the middle of something because of its report.
   void only_print() { only_prints_ = true; }
@@ -88,11 +94,13 @@ class Chip {
   std::function<void(const std::string&)> take_console_;
   std::function<void()> on_interrupt_;
   int interrupts_seen_ = 0;
+  int interrupts_taken_ = 1;
   bool stopped_ = false;
   bool only_prints_ = false;
   bool gone_ = false;
   bool greeted_ = false;
   bool first_ask_ = true;
+  bool notices_loss_ = false;
   std::size_t console_received_ = 0;
   ExitCode result_ = kDone;
   std::exception_ptr failure_;

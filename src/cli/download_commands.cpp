@@ -46,18 +46,22 @@ class Download {
 
   Task<ExitCode> run() {
     chip_.on_console([this](const std::string& text) { take_console(text); });
-    chip_.on_interrupt([this] { transfer_.cancel(); });
+    // The second time it ends where it is, and says what the chip still expects.
+    chip_.on_interrupt([this] { transfer_.cancel(); }, 2);
+    chip_.notice_loss_itself(true);
     const TransferEnd end = co_await transfer_.run(kind_);
+    chip_.notice_loss_itself(false);
     chip_.on_interrupt({});
     chip_.out().progress("");
-    if (end == TransferEnd::lost) throw Complaint{kPortFailed, "The port failed in the middle of the image"};
-    if (end == TransferEnd::cut_short) throw Complaint{kPortFailed, "The line stands still"};
+    if (end == TransferEnd::lost)
+      throw Complaint{kPortFailed, "The port failed in the middle of the image: " + last_said_};
+    if (end == TransferEnd::cut_short) throw Complaint{kPortFailed, "The line stands still: " + last_said_};
     if (end == TransferEnd::not_sent) throw Complaint{kBadInput, prompts_.last_message()};
     if (end == TransferEnd::cancelled) co_await chip_.wait_for_quiet(Chip::kQuiet, Chip::kLongestGreeting);
     if (end == TransferEnd::sent) co_await hear_out();
     const bool expected = options_.expect.empty() || heard();
     show(end, expected);
-    if (end == TransferEnd::cancelled) throw Complaint{kNegative, "Cancelled"};
+    if (end == TransferEnd::cancelled) throw Complaint{kNegative, cancelled_text()};
     if (!expected) throw Complaint{kNegative, "The chip did not say \"" + options_.expect + "\""};
     co_return kDone;
   }
@@ -67,7 +71,10 @@ class Download {
     TransferView view;
     view.set_progress = [](int) {};
     view.show_progress_text = [this](const std::string& text) { chip_.out().progress(text); };
-    view.append_console = [this](const std::string& text) { say(text); };
+    view.append_console = [this](const std::string& text) {
+      last_said_ = words_of(text);
+      say(text);
+    };
     return view;
   }
 
@@ -82,6 +89,17 @@ class Download {
   static std::string printable_line_ends(std::string text) {
     std::erase(text, '\r');
     return text;
+  }
+
+  /// "< FONT ... >" without line ends and brackets.
+  static std::string words_of(const std::string& text) {
+    const std::size_t first = text.find_first_not_of("\r\n< ");
+    if (first == std::string::npos) return {};
+    return text.substr(first, text.find_last_not_of("\r\n> ") + 1 - first);
+  }
+  std::string cancelled_text() const {
+    const bool waits = last_said_.find("the chip still") != std::string::npos;
+    return waits ? "Cancelled: " + last_said_ : "Cancelled";
   }
 
   bool heard() const { return received_.find(options_.expect) != std::string::npos; }
@@ -116,6 +134,7 @@ class Download {
   CQV5123Doc document_;
   ImageTransfer transfer_{chip_.link(), document_, prompts_, chip_.background(), view()};
   std::string received_;
+  std::string last_said_;
 };
 
 Task<ExitCode> download(Chip& chip, TransferKind kind, const DownloadOptions& options) {

@@ -1,0 +1,77 @@
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+
+#include "base/stop_requests.h"
+
+namespace qv5123 {
+namespace {
+
+sigset_t requests() {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&set, signal);
+  return set;
+}
+
+}  // namespace
+
+class StopRequests::System {
+ public:
+  System() {
+    const sigset_t set = requests();
+    pthread_sigmask(SIG_BLOCK, &set, &before_);
+    signals_ = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
+    wake_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    std::signal(SIGPIPE, SIG_IGN);
+  }
+  ~System() {
+    ::close(signals_);
+    ::close(wake_);
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  }
+  System(const System&) = delete;
+  System& operator=(const System&) = delete;
+
+  Wait wait(std::optional<std::chrono::milliseconds> time) {
+    pollfd polled[] = {{signals_, POLLIN, 0}, {wake_, POLLIN, 0}};
+    while (::poll(polled, 2, time ? static_cast<int>(time->count()) : -1) < 0 && errno == EINTR) {
+    }
+    if (polled[1].revents != 0) return Wait::woken;
+    signalfd_siginfo taken{};
+    if (polled[0].revents == 0) return Wait::time_over;
+    return ::read(signals_, &taken, sizeof taken) > 0 ? Wait::request : Wait::time_over;
+  }
+  void wake() { eventfd_write(wake_, 1); }
+
+ private:
+  sigset_t before_{};
+  int signals_ = -1;
+  int wake_ = -1;
+};
+
+StopRequests::StopRequests() : system_(std::make_unique<System>()) {}
+StopRequests::~StopRequests() = default;
+
+StopRequests::Wait StopRequests::wait(std::optional<std::chrono::milliseconds> time) {
+  return system_->wait(time);
+}
+
+void StopRequests::wake() {
+  system_->wake();
+}
+
+void end_program_at_once(const std::string& text, int code) {
+  pollfd polled{STDERR_FILENO, POLLOUT, 0};
+  if (::poll(&polled, 1, 0) > 0) {
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+  }
+  std::_Exit(code);
+}
+
+}  // namespace qv5123
