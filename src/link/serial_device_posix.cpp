@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <chrono>
 #include <mutex>
+#include <optional>
 
 #include "link/device_gate.h"
 #include "link/line_settings.h"
@@ -46,7 +47,7 @@ class PosixSerialDevice final : public SerialDevice {
   bool peer_takes(const Write& write);
   void hand_to_driver(Write& write);
   bool drain(const Write& write);
-  std::size_t unsent(const Write& write) const;
+  std::optional<std::size_t> unsent(const Write& write) const;
   bool transmitter_empty() const;
 
   std::mutex lifecycle_;  ///< one open() or close() at a time
@@ -139,7 +140,7 @@ std::size_t PosixSerialDevice::write(std::span<const std::uint8_t> bytes, const 
   Write write{bytes, keep_on};
   hand_to_driver(write);
   if (drain(write)) return write.handed;
-  const std::size_t left_over = unsent(write);
+  const std::size_t left_over = unsent(write).value_or(write.handed);
   discard_unsent(fd_);
   return write.handed - left_over;
 }
@@ -153,7 +154,7 @@ bool PosixSerialDevice::pause(short events, nanoseconds time) {
 }
 
 bool PosixSerialDevice::go_on(const Write& write) {
-  return !write.keep_on || write.keep_on(write.handed - unsent(write));
+  return !write.keep_on || write.keep_on(write.handed - unsent(write).value_or(0));
 }
 
 /// Waits until the other end is ready, where the settings make it say so on DSR: the kernel's own flow
@@ -192,16 +193,18 @@ bool PosixSerialDevice::drain(const Write& write) {
   constexpr nanoseconds kShortest = std::chrono::microseconds(200);
   constexpr nanoseconds kLongest = std::chrono::milliseconds(20);
   while (true) {
-    const std::size_t left = unsent(write);
-    if (left == 0 && transmitter_empty()) return true;
-    if (!pause(0, std::clamp(line_time(left, settings_), kShortest, kLongest)) || !go_on(write)) return false;
+    const std::optional<std::size_t> left = unsent(write);
+    if (!left) return false;
+    if (*left == 0 && transmitter_empty()) return true;
+    if (!pause(0, std::clamp(line_time(*left, settings_), kShortest, kLongest)) || !go_on(write))
+      return false;
   }
 }
 
-/// How many of the handed bytes the driver still has; all where it is gone.
-std::size_t PosixSerialDevice::unsent(const Write& write) const {
+/// How many of the handed bytes the driver still has; nothing where it is gone.
+std::optional<std::size_t> PosixSerialDevice::unsent(const Write& write) const {
   int queued = 0;
-  if (ioctl(fd_, TIOCOUTQ, &queued) != 0) return write.handed;
+  if (ioctl(fd_, TIOCOUTQ, &queued) != 0) return std::nullopt;
   return std::min(write.handed, static_cast<std::size_t>(std::max(queued, 0)));
 }
 
