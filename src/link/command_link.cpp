@@ -243,10 +243,6 @@ void CommandLink::release_hold() {
   });
 }
 
-Task<> CommandLink::delay(std::chrono::milliseconds delay) {
-  co_await Delay(scheduler_, delay);
-}
-
 std::optional<std::string> CommandLink::take_answer(const Batch& request) {
   std::optional<std::string> block = reply_.take_block();
   if (block && answers_another(request, block->size())) block.reset();

@@ -96,9 +96,6 @@ class CommandLink {
   /// Jobs not yet over, the running one included.
   std::size_t jobs_waiting() const { return queue_.size() + held_queue_.size() + (running_ ? 1 : 0); }
 
-  /// Resumes after `delay` on the scheduler's clock.
-  Task<> delay(std::chrono::milliseconds delay);
-
   /// Waits until nobody holds a turn, in the order of asking.
   Admission<Turn> turn();
   /// Waits until no other hold exists and what was sent before has left.

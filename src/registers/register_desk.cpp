@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/delay.h"
 #include "console/busy_scope.h"
 #include "link/indirect_access.h"
 #include "registers/register_file.h"
@@ -114,7 +115,7 @@ Task<> RegisterDesk::single_read(int address) {
   answer_is_late_ = false;
   const CommandLink::Turn turn = co_await host_.link().turn();
   co_await reader_.ask(address, turn);
-  co_await host_.link().delay(kReadWait);
+  co_await Delay(host_.scheduler(), kReadWait);
   RegisterAnswer answer = reader_.look();
   if (!answer.came()) answer = co_await late_answer();
   show_answer(address, answer);
@@ -128,7 +129,7 @@ Task<RegisterAnswer> RegisterDesk::late_answer() {
   RegisterAnswer answer;
   for (auto waited = kReadWait; waited < RegisterReader::kPatience && reader_.asked() && !answer.came();
        waited += kReadWait) {
-    co_await host_.link().delay(kReadWait);
+    co_await Delay(host_.scheduler(), kReadWait);
     answer = reader_.look();
   }
   answer_is_late_ = false;

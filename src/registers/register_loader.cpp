@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/delay.h"
 #include "base/elided.h"
 #include "base/utf8.h"
 #include "link/indirect_access.h"
@@ -88,7 +89,7 @@ void RegisterLoader::halt(const char* button, std::size_t reg, const char* remed
 }
 
 Task<> RegisterLoader::category_sequence() {
-  co_await host_.link().delay(kStep);
+  co_await Delay(host_.scheduler(), kStep);
   for (std::size_t row = 0; row < sheet_.rows(); ++row, ++loaded_category_) {
     const std::size_t reg = sheet_.register_of(row);
     const int address = sheet_.row_address(row);
@@ -106,7 +107,7 @@ Task<> RegisterLoader::category_sequence() {
 }
 
 Task<> RegisterLoader::all_sequence() {
-  co_await host_.link().delay(kStep);
+  co_await Delay(host_.scheduler(), kStep);
   const std::size_t count = sheet_.description().registers.size();
   for (std::size_t reg = 0; reg < count; ++reg, ++loaded_all_) {
     const int address = sheet_.description().registers[reg].address;
@@ -152,9 +153,9 @@ Task<RegisterAnswer> RegisterLoader::read(int address) {
   RegisterAnswer answer;
   while (!answer.came() && link.scheduler().now() - start < RegisterReader::kPatience) {
     co_await reader_.ask_again(address, turn);
-    co_await link.delay(kReplyWait);
+    co_await Delay(link.scheduler(), kReplyWait);
     answer = reader_.look();
-    co_await link.delay(kStep - kReplyWait);
+    co_await Delay(link.scheduler(), kStep - kReplyWait);
     if (!answer.came()) answer = reader_.look();
   }
   co_return answer;
@@ -177,7 +178,7 @@ Task<std::size_t> RegisterLoader::write_known(std::size_t matches) {
     failed += sent.failed;
     buttons_.load_file_caption = percent("Load REG to ISP", i + 1, matches);
     show_buttons();
-    co_await host_.link().delay(kWriteWait);
+    co_await Delay(host_.scheduler(), kWriteWait);
   }
   co_return failed;
 }

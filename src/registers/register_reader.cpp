@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/delay.h"
 #include "base/hex.h"
 #include "link/indirect_access.h"
 #include "link/reply_text.h"
@@ -29,7 +30,7 @@ Task<> RegisterReader::settle() {
   std::size_t blocks = link_.reply().blocks();
   const auto arriving = [this] { return link_.reply().state() == ReplyBuffer::State::in_block; };
   while ((owed() > 0 || (requests_ > 1 && arriving())) && link_.scheduler().now() - sign < patience()) {
-    co_await link_.delay(kLookEvery);
+    co_await Delay(link_.scheduler(), kLookEvery);
     // A request whose asker did not wait for it may leave only now.
     if (blocks == link_.reply().blocks() && link_.jobs_waiting() == 0) continue;
     blocks = link_.reply().blocks();
