@@ -11,7 +11,7 @@ _qv5123ctl() {
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return ;;
-    --category|--expect|--find|--for|--front-level|--gamma|--ratio|--timeout|--width) return ;;
+    --baud|--category|--data-bits|--expect|--find|--flow|--for|--front-level|--gamma|--parity|--ratio|--stop-bits|--timeout|--width) return ;;
   esac
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case "${path:+$path }$word" in
@@ -72,7 +72,7 @@ _qv5123ctl() {
     "lsc") words="fit" ;;
     "lsc fit") words="--ratio --width" files=yes ;;
   esac
-  COMPREPLY=($(compgen -W "$words --help --version --port --simulate --timeout --json --trace --quiet" -- "$current"))
+  COMPREPLY=($(compgen -W "$words --help --version --port --baud --data-bits --parity --stop-bits --flow --simulate --timeout --json --trace --quiet" -- "$current"))
   if [ -n "$files" ]; then
     compopt -o filenames 2>/dev/null
     mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -f -- "$current")
