@@ -208,7 +208,7 @@ Operation quiet(const char* name, PageId page, const char* button, const char* f
                 Step prepare = nothing) {
   Operation operation{.name = name, .page = page, .prepare = prepare, .start = click(button)};
   operation.end = [failure, waits = 0](MatrixBench& bench) mutable {
-    if (++waits % 50 != 0) return End::none;
+    if (++waits % 100 != 0) return End::none;
     return bench.said(failure) ? End::told : End::done;
   };
   operation.check = expect_unchanged_unless_done;
