@@ -99,6 +99,7 @@ TEST_F(EndedBySignals, ADownloadToALineThatTakesNothingEndsAtOnceAndSaysWhatTheC
   folder.write("fw.bin", std::string(60000, 'f'));
   const std::string path = folder.path() / "line";
   PtyLine line(path);
+  line.leave_to_others();
   const auto program = start({"--port", path, "download", "fw", "fw.bin"});
   EXPECT_EQ(line.received(1).substr(0, 1), "A");
   line.stall();
@@ -139,6 +140,7 @@ TEST_F(EndedBySignals, ABoardUnpluggedDuringADownloadIsSaidWithWhatHasLeft) {
 TEST_F(CtlTest, InfoEndsAtTheTimeoutHoweverMuchTheChipChatsAndEscapesItOnce) {
   const std::string path = folder.path() / "line";
   PtyLine line(path);
+  line.leave_to_others();
   const auto program = start({"--json", "--port", path, "--timeout", "700", "info", "ae"});
   line.received(6);
   std::jthread chip([&](const std::stop_token& stop) {

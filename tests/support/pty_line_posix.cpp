@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <stdexcept>
@@ -60,9 +61,14 @@ void PtyLine::hang_up() {
   if (far_end_ < 0) return;
   stop_reading();
   unlink(link_.c_str());
-  close(near_end_);
+  if (near_end_ >= 0) close(near_end_);
   close(far_end_);
   near_end_ = far_end_ = -1;
+}
+
+void PtyLine::leave_to_others() {
+  close(near_end_);
+  near_end_ = -1;
 }
 
 void PtyLine::stall() {
@@ -88,6 +94,10 @@ void PtyLine::read_far_end() {
     if (poll(polled, 2, -1) < 0) continue;
     if (polled[1].revents != 0) return;
     const ssize_t count = read(far_end_, buffer.data(), buffer.size());
+    if (count < 0 && errno == EIO && near_end_ < 0) {
+      poll(polled + 1, 1, 5);  // nobody has it open at present
+      continue;
+    }
     if (count <= 0) return;
     const std::lock_guard lock(mutex_);
     received_.append(buffer.data(), static_cast<std::size_t>(count));

@@ -18,6 +18,9 @@ class PtyLine {
 
   std::string received(std::size_t count);
   void send(std::string_view bytes);
+  /// Closes the test's own hand on the near end: a program that looks who has the port open would find it in
+  /// use.
+  void leave_to_others();
   void stall();
   void hang_up();
   void plug_in();
@@ -30,7 +33,7 @@ class PtyLine {
 
   const std::string link_;
   int far_end_ = -1;
-  int near_end_ = -1;  ///< kept open, or the far end could not be read while no program has the port open
+  int near_end_ = -1;  ///< kept open while no program has to find the port free
   int stop_ = -1;
   std::thread reader_;
   std::mutex mutex_;
