@@ -88,6 +88,7 @@ void CommandLink::connection_changed() {
   // A block that was cut short must not swallow what the chip says when it is back.
   reply_.forget();
   late_.forget();
+  for (const auto& told : connection_listeners_) told();
   // Posted, so that whoever tells of the change has told it to everybody before.
   scheduler_.post([waiters = std::exchange(connection_waiters_, {})] {
     for (const Resolver<bool>& waiter : waiters) waiter.resolve(true);
@@ -142,6 +143,8 @@ void CommandLink::start(Job job, Resolver<JobResult> done) {
   running_ = std::move(done);
   running_writes_.clear();
   for (const Chunk& chunk : job.chunks) running_writes_.push_back(chunk.writes);
+  running_note_ = job.note;
+  running_connection_ = connection_;
   if (job.on_start) job.on_start();
   sender_.start(std::move(job), [this, alive = alive_](JobResult result) {
     if (*alive) job_over(result);
@@ -180,6 +183,8 @@ Task<bool> CommandLink::end_with(Traffic last) {
 
 void CommandLink::job_over(const JobResult& result) {
   note_brackets(result);
+  const SentJob over{running_note_, running_writes_, result, running_connection_ == connection_};
+  for (const auto& told : job_listeners_) told(over);
   const Resolver<JobResult> done = *std::exchange(running_, std::nullopt);
   if (idle_waiter_) {
     scheduler_.post([waiter = *std::exchange(idle_waiter_, std::nullopt)] { waiter.resolve(true); });

@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "base/delay.h"
 #include "base/scheduler.h"
@@ -20,6 +21,16 @@
 #include "link/sender.h"
 
 namespace qv5123 {
+
+/// A job that is over, for who keeps account of what left.
+struct SentJob {
+  std::shared_ptr<const WriteNote> note;  ///< may be null
+  /// Chunk by chunk, also what did not leave; an empty batch stands for bytes that are no frames.
+  const std::vector<Batch>& writes;
+  JobResult result;
+  /// False when the port was closed, lost or opened since the job began.
+  bool same_connection = true;
+};
 
 /// How pages talk to the chip. Everything handed over reaches the wire, in order, on a sending thread; the
 /// caller goes on at once and may wait for it. What comes back is collected in reply().
@@ -108,6 +119,10 @@ class CommandLink {
   /// it: a chip that was away has forgotten what it was told.
   unsigned connection() const { return connection_; }
   void connection_changed();
+  /// Calls `told` after each change, for as long as the link exists.
+  void tell_of_connections(std::function<void()> told) { connection_listeners_.push_back(std::move(told)); }
+  /// Calls `told` at the end of every job, before who waits for it goes on, for as long as the link exists.
+  void tell_of_jobs(std::function<void(const SentJob&)> told) { job_listeners_.push_back(std::move(told)); }
   /// Resolves `waiter` after the next change. One whose Pending is dropped before is forgotten.
   void resolve_on_connection_change(Resolver<bool> waiter);
 
@@ -168,6 +183,10 @@ class CommandLink {
   std::deque<Queued> held_queue_;  // what the holder sends
   std::optional<Resolver<JobResult>> running_;
   std::vector<Batch> running_writes_;  // by chunk
+  std::shared_ptr<const WriteNote> running_note_;
+  unsigned running_connection_ = 0;  // on which it began
+  std::vector<std::function<void(const SentJob&)>> job_listeners_;
+  std::vector<std::function<void()>> connection_listeners_;
   OpenBrackets brackets_;
   std::function<void()> waits_;
   bool ended_ = false;

@@ -4,9 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "link/register_write.h"
+#include "link/write_note.h"
 
 namespace qv5123 {
 
@@ -27,6 +29,8 @@ struct Chunk {
 /// Writes that nothing may come between.
 struct Job {
   std::vector<Chunk> chunks;
+  /// What it is about; may be null.
+  std::shared_ptr<const WriteNote> note;
   /// Called on the scheduler's thread when the job's turn has come, before its first pacing. May be empty.
   std::function<void()> on_start;
   /// Called on the scheduler's thread for each chunk, its pacing over, before its bytes leave, with how many
