@@ -8,8 +8,8 @@
 #include "support/chip_talk.h"
 #include "support/fake_wire.h"
 #include "tuning/lens_calibration.h"
+#include "tuning/matrix_desk.h"
 #include "tuning/matrix_fit.h"
-#include "tuning/matrix_flow.h"
 #include "tuning/patch_report.h"
 #include "tuning/picker_flow.h"
 

@@ -17,10 +17,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/font_search.h"
 #include "app/ui/frame.h"
 #include "app/ui/main_pages.h"
 #include "app/ui/page_area.h"
+#include "app/ui/process.h"
 #include "app/ui/program.h"
 #include "app/ui/qv5123_view.h"
 #include "simulator/simulated_board.h"

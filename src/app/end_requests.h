@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <mutex>
+#include <utility>
 
 #include "base/interrupts.h"
 
@@ -13,13 +14,22 @@ namespace qv5123 {
 class EndRequests {
  public:
   /// `end_process` ends it at once.
-  explicit EndRequests(std::function<void()> end_process);
+  explicit EndRequests(std::function<void()> end_process)
+      : end_process_(std::move(end_process)), interrupts_([this] { requested(); }) {}
 
   /// `on_first` is called on another thread. Empty: nobody is there any more.
-  void pass_on_to(std::function<void()> on_first);
+  void pass_on_to(std::function<void()> on_first) {
+    const std::lock_guard lock(mutex_);
+    on_first_ = std::move(on_first);
+  }
 
  private:
-  void requested();
+  void requested() {
+    const std::lock_guard lock(mutex_);
+    const auto on_first = std::exchange(on_first_, {});
+    if (!on_first) return end_process_();
+    on_first();
+  }
 
   const std::function<void()> end_process_;
   std::mutex mutex_;

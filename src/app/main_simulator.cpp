@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/interrupts.h"
-#include "link/system_serial_device.h"
+#include "link/serial_device.h"
 #include "simulator/board_server.h"
 #include "simulator/pty.h"
 #include "simulator/scene.h"

@@ -46,7 +46,14 @@ class BackgroundThread final : public Background {
   ~BackgroundThread() override { thread_.end_when_done(); }
 
  private:
-  void start(std::function<Finish()> work) override;
+  void start(std::function<Finish()> work) override {
+    thread_.run([this, work = std::move(work)]() mutable {
+      Finish finish = work();
+      // What the work holds goes before anybody is told that it is over.
+      work = nullptr;
+      scheduler_.post(std::move(finish));
+    });
+  }
 
   Scheduler& scheduler_;
   WorkerThread thread_;

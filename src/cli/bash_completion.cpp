@@ -2,7 +2,6 @@
 #include <iterator>
 
 #include "cli/command.h"
-#include "cli/command_tree.h"
 #include "cli/self_description.h"
 #include "cli/tuning_pages.h"
 

@@ -7,7 +7,7 @@
 #include "base/delay.h"
 #include "link/late_answers.h"
 #include "link/reply_text.h"
-#include "link/system_serial_device.h"
+#include "link/serial_device.h"
 #include "simulator/simulated_board.h"
 
 namespace qv5123 {

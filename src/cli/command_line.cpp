@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "cli/command_tree.h"
 #include "cli/numbers.h"
+#include "cli/self_description.h"
 #include "cli/terminal.h"
 #include "link/line_options.h"
 

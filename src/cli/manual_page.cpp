@@ -1,4 +1,3 @@
-#include "cli/command_tree.h"
 #include "cli/self_description.h"
 
 namespace qv5123 {

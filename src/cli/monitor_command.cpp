@@ -8,9 +8,9 @@
 #include "base/delay.h"
 #include "cli/chip.h"
 #include "cli/command.h"
-#include "cli/line_input.h"
 #include "cli/line_splitter.h"
 #include "cli/reply_meaning.h"
+#include "cli/terminal.h"
 #include "cli/throttle.h"
 
 namespace qv5123 {

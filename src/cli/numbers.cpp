@@ -4,8 +4,8 @@
 #include <charconv>
 #include <cmath>
 
-#include "base/elided.h"
 #include "base/hex.h"
+#include "base/text.h"
 #include "cli/complaint.h"
 
 namespace qv5123 {

@@ -5,7 +5,7 @@
 #include <system_error>
 
 #include "base/hex.h"
-#include "base/latin1.h"
+#include "base/text.h"
 #include "cli/terminal.h"
 
 namespace qv5123 {

@@ -1,13 +1,16 @@
 #pragma once
 
 #include <cstdio>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 
 #include "cli/complaint.h"
-#include "cli/json.h"
 
 namespace qv5123 {
+
+/// Keeps the order in which members were put in.
+using Json = nlohmann::ordered_json;
 
 /// What the program prints. Results go to stdout, all else to stderr. Of text it prints what visible() makes
 /// of it: words of files and names of devices end up in it.

@@ -1,7 +1,7 @@
 #include <utility>
 
 #include "base/delay.h"
-#include "base/utf8.h"
+#include "base/text.h"
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/files.h"

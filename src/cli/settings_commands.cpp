@@ -5,7 +5,7 @@
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/numbers.h"
-#include "cli/settings_check.h"
+#include "cli/settings_table.h"
 #include "console/setting_file.h"
 #include "console/setting_format.h"
 

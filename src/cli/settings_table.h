@@ -36,4 +36,7 @@ class SettingsTable {
   std::vector<Setting> settings_;
 };
 
+/// Where the pages would not show what the image holds, because it lies beyond what they take.
+std::vector<std::string> value_problems(const SettingsTable& table, const UserDataImage& image);
+
 }  // namespace qv5123

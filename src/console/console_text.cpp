@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/latin1.h"
+#include "base/text.h"
 
 namespace qv5123 {
 namespace {

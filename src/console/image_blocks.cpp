@@ -1,6 +1,7 @@
 #include "console/image_blocks.h"
 
 #include <algorithm>
+#include <system_error>
 
 #include "console/setting_files.h"
 
@@ -123,6 +124,19 @@ int bar_position(TransferKind kind, std::size_t blocks_sent, std::size_t count) 
 int final_bar_position(TransferKind kind, std::size_t count) {
   const bool divided = kind == TransferKind::firmware && count > 0;
   return divided ? static_cast<int>(100 / count) : 100;
+}
+
+ReadFile read_image_file(const std::filesystem::path& path) {
+  ReadFile file;
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  if (!error && size > kImageLimit) {
+    file.too_large = path_text(path) + " has " + std::to_string(size) + " bytes. An image has at most " +
+                     std::to_string(kImageFits) + " bytes.";
+  } else {
+    file.result = read_whole_file(path, file.bytes, kImageLimit);
+  }
+  return file;
 }
 
 }  // namespace qv5123

@@ -3,10 +3,12 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "base/atomic_file.h"
 #include "link/sender.h"
 
 namespace qv5123 {
@@ -75,5 +77,15 @@ class ExpectedRest {
 int bar_position(TransferKind kind, std::size_t blocks_sent, std::size_t count);
 /// The progress bar after the checksum. For firmware 100 / count: a large image ends with a nearly empty bar.
 int final_bar_position(TransferKind kind, std::size_t count);
+
+/// An image file, or why there is none.
+struct ReadFile {
+  std::string bytes;
+  FileResult result;
+  std::string too_large;
+};
+
+/// Reads a file of at most kImageLimit bytes.
+ReadFile read_image_file(const std::filesystem::path& path);
 
 }  // namespace qv5123

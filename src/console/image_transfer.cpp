@@ -2,161 +2,22 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <utility>
 
 #include "base/atomic_file.h"
 #include "base/delay.h"
-#include "console/image_file.h"
+#include "console/image_blocks.h"
 #include "console/setting_file.h"
-#include "console/transfer_text.h"
 
 namespace qv5123 {
 namespace {
 
-constexpr std::size_t kHeader = 1;  // chunks before the first block
 /// What a block takes at 9600 baud, and some more.
 constexpr std::chrono::milliseconds kBlockPatience{400};
 /// A device that is pulled out fails the write first, and is found gone a little later.
 constexpr std::chrono::milliseconds kLossNews{300};
 
-std::string bracketed(const std::string& text) {
-  return "\r\n< " + text + " >";
-}
-
 }  // namespace
-
-/// One transfer while it lasts. Jobs on the link may outlive it, and then find it gone.
-class ImageTransfer::Transfer : public std::enable_shared_from_this<Transfer> {
- public:
-  Transfer(TransferKind kind, CommandLink& link, const TransferView& view)
-      : kind_(kind), link_(link), view_(view) {}
-  /// The end of one that was left waiting for `rest`.
-  Transfer(TransferKind kind, CommandLink& link, const TransferView& view, const ExpectedRest& rest)
-      : kind_(kind), link_(link), view_(view), announced_(true), rest_(rest) {}
-
-  TransferKind kind() const { return kind_; }
-  const TransferStyle& style() const { return style_of(kind_); }
-  /// "FIRMWARE" and what came of it, on the console.
-  void say(const std::string& what) const { view_.append_console(bracketed(style().name + (" " + what))); }
-  /// The same in the status bar as well.
-  void tell(bool failed, const std::string& what) const {
-    say(what);
-    if (view_.tell) view_.tell(failed, style().name + (" " + what));
-  }
-  const ExpectedRest& rest() const { return rest_; }
-  /// Whether the letter left, and what belongs behind it did not.
-  bool is_awaited() const { return announced_ && rest_.bytes() > 0; }
-
-  /// The end of a transfer that lost its chip after `chunks_sent` chunks of the image.
-  TransferEnd break_off(std::size_t chunks_sent) const {
-    say_broken_off(chunks_sent, "the port was closed or lost");
-    return TransferEnd::lost;
-  }
-  /// The end of a transfer of which only a part has left, to a chip that is still there.
-  TransferEnd cut_short(std::size_t chunks_sent) const {
-    say_broken_off(chunks_sent, "a write was cut short");
-    return TransferEnd::cut_short;
-  }
-  void tell_rejected() const { tell(false, "ended with a wrong checksum: the chip expects commands again"); }
-  void tell_awaited(const std::string& how) const {
-    tell(true, how + ": the chip still expects " + rest_.text());
-  }
-
-  /// Resolved with whether to go on once the wire is held, or as soon as the transfer is given up.
-  const Resolver<bool>& turn() const { return turn_; }
-  /// Resolved once there is an image, or nothing to send one for any more.
-  const Resolver<bool>& asked() const { return asked_; }
-
-  void cancel() {
-    ++cancels_;
-    if (sending_) link_.cancel_running_job();
-    turn_.resolve(false);
-    asked_.resolve(false);
-  }
-  bool cancelled() const { return cancels_ > 0; }
-  bool cancelled_twice() const { return cancels_ > 1; }
-
-  /// Called before the letter leaves: the chip that gets it is the one that the image is for.
-  void remember_connection() { connection_ = link_.connection(); }
-  /// Whether the port was away since. The chip then takes what follows for commands, or is another one.
-  bool reconnected() const { return link_.connection() != connection_; }
-
-  /// The letter has left.
-  void announce() { announced_ = true; }
-
-  /// Speed and time left count from here.
-  void begin(std::size_t block_count) {
-    block_count_ = block_count;
-    started_ = link_.scheduler().now();
-  }
-
-  /// All has left.
-  void finish(const BlockImage& image) const {
-    view_.set_progress(final_bar_position(kind_, image.count));
-    const std::string sent = summary(image.bytes.size(), link_.scheduler().now() - started_);
-    view_.show_progress_text(sent);
-    if (view_.tell) view_.tell(false, style().name + (" sent: " + sent));
-    if (kind_ == TransferKind::user_data) return view_.append_console("\r\n User data sent..");
-    char checksum[8];
-    std::snprintf(checksum, sizeof checksum, "0x%02X", static_cast<unsigned>(image.checksum()));
-    say("sent: " + std::to_string(image.count) + " blocks, checksum " + checksum);
-  }
-
-  /// Sends `other_chunks` chunks and then blocks, before which `blocks_before` have left already.
-  Task<JobResult> send(CommandLink::Hold& hold, std::vector<Chunk> chunks, std::size_t other_chunks,
-                       std::size_t blocks_before) {
-    Job job;
-    job.chunks = chunks;
-    job.on_progress = [weak = weak_from_this(), other_chunks, blocks_before](std::size_t sent) {
-      const auto self = weak.lock();
-      if (self && sent > other_chunks) self->show(blocks_before + sent - other_chunks);
-    };
-    sending_ = true;
-    const JobResult result = co_await hold.send(std::move(job));
-    sending_ = false;
-    if (announced_) note_sent(chunks, result.bytes_sent);
-    co_return result;
-  }
-
- private:
-  void say_broken_off(std::size_t chunks_sent, const std::string& why) const {
-    view_.set_progress(0);
-    view_.show_progress_text("");
-    const std::size_t blocks = std::min(chunks_sent > kHeader ? chunks_sent - kHeader : 0, block_count_);
-    const std::string after = std::to_string(blocks) + " of " + std::to_string(block_count_);
-    tell(true, "broken off " + (block_count_ == 0 ? "before the image" : "after " + after + " blocks") +
-                   ": " + why + ", the chip still expects " + rest_.text());
-  }
-
-  void show(std::size_t blocks_sent) const {
-    if (blocks_sent > block_count_) return;  // the checksum
-    view_.set_progress(bar_position(kind_, blocks_sent, block_count_));
-    const auto time = link_.scheduler().now() - started_;
-    view_.show_progress_text(progress_text(blocks_sent * kBlockSize, block_count_ * kBlockSize, time));
-  }
-
-  void note_sent(const std::vector<Chunk>& chunks, std::size_t bytes_sent) {
-    for (const Chunk& chunk : chunks) {
-      const std::size_t count = std::min(bytes_sent, chunk.bytes.size());
-      rest_.take(std::span(chunk.bytes).first(count));
-      bytes_sent -= count;
-    }
-  }
-
-  TransferKind kind_;
-  CommandLink& link_;
-  const TransferView view_;
-  bool announced_ = false;
-  ExpectedRest rest_;
-  Resolver<bool> turn_;
-  Resolver<bool> asked_;
-  unsigned connection_ = 0;
-  std::size_t block_count_ = 0;
-  std::chrono::milliseconds started_{0};
-  int cancels_ = 0;
-  bool sending_ = false;
-};
 
 ImageTransfer::ImageTransfer(CommandLink& link, CQV5123Doc& document, Prompts& prompts,
                              Background& background, TransferView view)
@@ -173,7 +34,7 @@ Task<> ImageTransfer::end_all(std::chrono::milliseconds patience) {
   Flow ending;
   // Cancelled once more, what is left stops where it stands: after the block that is being sent.
   for (const std::chrono::milliseconds wait : {patience, kBlockPatience}) {
-    const std::vector<std::weak_ptr<Transfer>> begun = begun_;
+    const std::vector<std::weak_ptr<RunningTransfer>> begun = begun_;
     // From the last one on, so that none has its turn by the end of another.
     for (auto each = begun.rbegin(); each != begun.rend(); ++each) {
       if (const auto transfer = each->lock()) transfer->cancel();
@@ -197,7 +58,7 @@ Task<> take_hold(CommandLink& link, std::optional<CommandLink::Hold>& hold, Reso
 
 }  // namespace
 
-Task<std::optional<CommandLink::Hold>> ImageTransfer::wait_for_hold(Transfer& transfer) {
+Task<std::optional<CommandLink::Hold>> ImageTransfer::wait_for_hold(RunningTransfer& transfer) {
   std::optional<CommandLink::Hold> hold;
   const Flow taking(take_hold(link_, hold, transfer.turn()));
   if (!hold && !co_await transfer.turn().pending()) co_return std::nullopt;
@@ -205,7 +66,7 @@ Task<std::optional<CommandLink::Hold>> ImageTransfer::wait_for_hold(Transfer& tr
 }
 
 Task<TransferEnd> ImageTransfer::run(TransferKind kind) {
-  const auto transfer = std::make_shared<Transfer>(kind, link_, view_);
+  const auto transfer = std::make_shared<RunningTransfer>(kind, link_, view_);
   std::erase_if(begun_, [](const auto& begun) { return begun.expired(); });
   begun_.push_back(transfer);
   // The chip takes whatever follows the letter as part of the image, so the wire is held from there on.
@@ -217,7 +78,8 @@ Task<TransferEnd> ImageTransfer::run(TransferKind kind) {
   co_return co_await send_letter(std::move(*hold), transfer);
 }
 
-Task<TransferEnd> ImageTransfer::send_letter(CommandLink::Hold hold, std::shared_ptr<Transfer> transfer) {
+Task<TransferEnd> ImageTransfer::send_letter(CommandLink::Hold hold,
+                                             std::shared_ptr<RunningTransfer> transfer) {
   const TransferEnd end = co_await send_all(hold, transfer);
   if (view_.keeps_waiting && transfer->is_awaited()) {
     waiting_.emplace(Waiting{std::move(hold), transfer->kind(), transfer->rest()});
@@ -233,7 +95,7 @@ Task<> ImageTransfer::end_waiting() {
   if (!waiting_) co_return;
   Waiting ended = std::move(*waiting_);
   waiting_.reset();
-  const auto transfer = std::make_shared<Transfer>(ended.kind, link_, view_, ended.rest);
+  const auto transfer = std::make_shared<RunningTransfer>(ended.kind, link_, view_, ended.rest);
   begun_.insert(begun_.begin(), transfer);
   current_ = transfer;
   std::vector<Chunk> chunks = ended.rest.ending(transfer->style());
@@ -247,7 +109,8 @@ Task<> ImageTransfer::end_waiting() {
   }
 }
 
-Task<TransferEnd> ImageTransfer::send_all(CommandLink::Hold& hold, std::shared_ptr<Transfer> transfer) {
+Task<TransferEnd> ImageTransfer::send_all(CommandLink::Hold& hold,
+                                          std::shared_ptr<RunningTransfer> transfer) {
   current_ = transfer;
   view_.set_progress(0);
   view_.show_progress_text("");
@@ -275,7 +138,7 @@ Task<TransferEnd> ImageTransfer::send_all(CommandLink::Hold& hold, std::shared_p
   co_return TransferEnd::not_sent;
 }
 
-Task<std::optional<BlockImage>> ImageTransfer::ask_for_image(Transfer& transfer) {
+Task<std::optional<BlockImage>> ImageTransfer::ask_for_image(RunningTransfer& transfer) {
   std::optional<BlockImage> image;
   const Flow asking(take_image(transfer.kind(), image, transfer.asked()));
   // Nobody need answer for a chip that is gone.
@@ -357,28 +220,28 @@ Task<> ImageTransfer::warn(std::string text) {
   co_await prompts_.message(std::move(message));
 }
 
-Task<TransferEnd> ImageTransfer::send_image(CommandLink::Hold& hold, Transfer& transfer,
+Task<TransferEnd> ImageTransfer::send_image(CommandLink::Hold& hold, RunningTransfer& transfer,
                                             const BlockImage& image) {
   transfer.begin(image.count);
   std::vector<Chunk> chunks = image_chunks(image, transfer.style());
-  const JobResult result = co_await transfer.send(hold, std::move(chunks), kHeader, 0);
+  const JobResult result = co_await transfer.send(hold, std::move(chunks), RunningTransfer::kHeader, 0);
   if (result.cancelled) co_return co_await end_cancelled(hold, transfer, result.chunks_sent);
   if (result.failed) co_return co_await end_failed(transfer, result);
   transfer.finish(image);
   co_return TransferEnd::sent;
 }
 
-Task<bool> ImageTransfer::is_lost(const Transfer& transfer, JobResult sent) {
+Task<bool> ImageTransfer::is_lost(const RunningTransfer& transfer, JobResult sent) {
   if (!sent.lost && !transfer.reconnected()) co_await Delay(link_.scheduler(), kLossNews);
   co_return sent.lost || transfer.reconnected();
 }
 
-Task<TransferEnd> ImageTransfer::end_failed(const Transfer& transfer, JobResult sent) {
+Task<TransferEnd> ImageTransfer::end_failed(const RunningTransfer& transfer, JobResult sent) {
   const bool lost = co_await is_lost(transfer, sent);
   co_return lost ? transfer.break_off(sent.chunks_sent) : transfer.cut_short(sent.chunks_sent);
 }
 
-Task<TransferEnd> ImageTransfer::end_cancelled(CommandLink::Hold& hold, Transfer& transfer,
+Task<TransferEnd> ImageTransfer::end_cancelled(CommandLink::Hold& hold, RunningTransfer& transfer,
                                                std::size_t chunks_sent) {
   if (transfer.reconnected()) co_return transfer.break_off(chunks_sent);
   transfer.say("cancelled: sending what makes the chip reject it");
@@ -388,7 +251,7 @@ Task<TransferEnd> ImageTransfer::end_cancelled(CommandLink::Hold& hold, Transfer
     // Without a header the chip is told of no blocks, and what leaves is header and checksum. Else the
     // announced number is filled up.
     const std::size_t other_chunks = chunks_sent == 0 ? 2 : 0;
-    const std::size_t blocks_sent = chunks_sent == 0 ? 0 : chunks_sent - kHeader;
+    const std::size_t blocks_sent = chunks_sent == 0 ? 0 : chunks_sent - RunningTransfer::kHeader;
     std::vector<Chunk> chunks = transfer.rest().ending(transfer.style());
     result = co_await transfer.send(hold, std::move(chunks), other_chunks, blocks_sent);
   }

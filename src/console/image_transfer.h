@@ -3,7 +3,6 @@
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,32 +10,11 @@
 
 #include "base/background.h"
 #include "console/document.h"
-#include "console/image_blocks.h"
 #include "console/prompts.h"
+#include "console/running_transfer.h"
 #include "link/command_link.h"
 
 namespace qv5123 {
-
-/// What came of a transfer.
-enum class TransferEnd {
-  sent,       ///< all of the image has left
-  not_sent,   ///< no image was chosen, or it cannot be read
-  cancelled,  ///< the chip was made to reject it, or left waiting
-  lost,       ///< the port is closed or lost, or was meanwhile
-  cut_short   ///< the line stood still in the middle of a write
-};
-
-/// What a transfer shows while it goes on. All are called on the scheduler's thread; none may be empty.
-struct TransferView {
-  std::function<void(int)> set_progress;                       ///< the bar's position, 0..100
-  std::function<void(const std::string&)> show_progress_text;  ///< amount, speed and time left; may be empty
-  std::function<void(const std::string&)> append_console;
-  /// What came of a transfer, in the status bar, and whether that is a failure. May be empty.
-  std::function<void(bool failed, const std::string&)> tell = {};
-  /// After a transfer that left the chip waiting for the rest, nothing else reaches the wire until
-  /// end_waiting() or forget_waiting().
-  bool keeps_waiting = false;
-};
 
 /// Sends image files to the chip: command letter, file chosen by the user, blocks, checksum. From the letter
 /// to the end nothing else reaches the wire; what others send meanwhile waits its turn.
@@ -74,7 +52,6 @@ class ImageTransfer {
   bool running() const { return !current_.expired(); }
 
  private:
-  class Transfer;
   /// A chip that is left waiting, and the wire for it.
   struct Waiting {
     CommandLink::Hold hold;
@@ -82,30 +59,32 @@ class ImageTransfer {
     ExpectedRest rest;
   };
 
-  Task<TransferEnd> send_all(CommandLink::Hold& hold, std::shared_ptr<Transfer> transfer);
+  Task<TransferEnd> send_all(CommandLink::Hold& hold, std::shared_ptr<RunningTransfer> transfer);
   Task<bool> may_send_wrapped(std::string file, std::size_t size);
-  Task<std::optional<CommandLink::Hold>> wait_for_hold(Transfer& transfer);
-  Task<TransferEnd> send_letter(CommandLink::Hold hold, std::shared_ptr<Transfer> transfer);
-  Task<std::optional<BlockImage>> ask_for_image(Transfer& transfer);
+  Task<std::optional<CommandLink::Hold>> wait_for_hold(RunningTransfer& transfer);
+  Task<TransferEnd> send_letter(CommandLink::Hold hold, std::shared_ptr<RunningTransfer> transfer);
+  Task<std::optional<BlockImage>> ask_for_image(RunningTransfer& transfer);
   Task<> take_image(TransferKind kind, std::optional<BlockImage>& image, Resolver<bool> taken);
   Task<std::optional<BlockImage>> choose_image(TransferKind kind);
   Task<std::optional<BlockImage>> read_binary(std::filesystem::path path);
   Task<std::optional<BlockImage>> read_user_data(std::optional<std::filesystem::path> path);
   Task<bool> may_send(std::string oddity);
   Task<> warn(std::string text);
-  Task<TransferEnd> send_image(CommandLink::Hold& hold, Transfer& transfer, const BlockImage& image);
-  Task<bool> is_lost(const Transfer& transfer, JobResult sent);
-  Task<TransferEnd> end_failed(const Transfer& transfer, JobResult sent);
-  Task<TransferEnd> end_cancelled(CommandLink::Hold& hold, Transfer& transfer, std::size_t chunks_sent);
+  Task<TransferEnd> send_image(CommandLink::Hold& hold, RunningTransfer& transfer, const BlockImage& image);
+  Task<bool> is_lost(const RunningTransfer& transfer, JobResult sent);
+  Task<TransferEnd> end_failed(const RunningTransfer& transfer, JobResult sent);
+  Task<TransferEnd> end_cancelled(CommandLink::Hold& hold, RunningTransfer& transfer,
+                                  std::size_t chunks_sent);
 
   CommandLink& link_;
   CQV5123Doc& document_;
   Prompts& prompts_;
   Background& background_;
   TransferView view_;
-  std::weak_ptr<Transfer> current_;
+  std::weak_ptr<RunningTransfer> current_;
   std::optional<Waiting> waiting_;
-  std::vector<std::weak_ptr<Transfer>> begun_;  // by the order of their buttons; the first is the current one
+  std::vector<std::weak_ptr<RunningTransfer>>
+      begun_;  // by the order of their buttons; the first is the current one
 };
 
 }  // namespace qv5123

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <system_error>
 
-#include "base/elided.h"
+#include "base/text.h"
 #include "console/setting_file.h"
 
 namespace qv5123 {

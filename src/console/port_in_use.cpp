@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "link/port_name.h"
+#include "link/port_list.h"
 
 namespace qv5123 {
 

@@ -4,8 +4,7 @@
 #include <charconv>
 #include <cstdint>
 
-#include "base/elided.h"
-#include "base/latin1.h"
+#include "base/text.h"
 #include "console/decimal_numbers.h"
 
 namespace qv5123 {

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "base/latin1.h"
+#include "base/text.h"
 #include "link/reply_text.h"
 
 namespace qv5123 {

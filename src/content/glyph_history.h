@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "content/glyph.h"
@@ -31,11 +32,17 @@ class GlyphHistory {
 
   /// Adds a step that was just done; what had been undone before can no longer be redone. A step that changed
   /// nothing is not kept.
-  void record(GlyphEdit edit);
+  void record(GlyphEdit edit) {
+    if (!edit.changes_anything()) return;
+    edits_.resize(done_);
+    if (edits_.size() == kSteps) edits_.erase(edits_.begin());
+    edits_.push_back(std::move(edit));
+    done_ = edits_.size();
+  }
   /// The step to take back, or nothing. Valid until the next call.
-  const GlyphEdit* undo();
+  const GlyphEdit* undo() { return can_undo() ? &edits_[--done_] : nullptr; }
   /// The step to do again, or nothing. Valid until the next call.
-  const GlyphEdit* redo();
+  const GlyphEdit* redo() { return can_redo() ? &edits_[done_++] : nullptr; }
 
   bool can_undo() const { return done_ > 0; }
   bool can_redo() const { return done_ < edits_.size(); }

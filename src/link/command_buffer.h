@@ -18,7 +18,12 @@ class CommandBuffer {
   CommandBuffer() { bytes_.reserve(kCapacity); }
 
   /// Appends one frame of six bytes. False, and nothing appended, when it no longer fits.
-  bool append_register_write(std::uint8_t address, std::uint8_t value);
+  bool append_register_write(std::uint8_t address, std::uint8_t value) {
+    const std::string text = frame({address, value});
+    if (bytes_.size() + text.size() > kCapacity) return false;
+    bytes_.insert(bytes_.end(), text.begin(), text.end());
+    return true;
+  }
 
   void reset_fill_index() { bytes_.clear(); }
   std::size_t fill_index() const { return bytes_.size(); }

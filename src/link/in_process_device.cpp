@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "link/line_settings.h"
-#include "link/open_error.h"
+#include "link/serial_device.h"
 
 namespace qv5123 {
 

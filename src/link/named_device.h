@@ -3,6 +3,7 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "link/serial_device.h"
 
@@ -14,9 +15,18 @@ class NamedDevice final : public SerialDevice {
  public:
   /// `special` is opened by `special_name`, `usual` by every other name.
   NamedDevice(std::string special_name, std::unique_ptr<SerialDevice> special,
-              std::unique_ptr<SerialDevice> usual);
+              std::unique_ptr<SerialDevice> usual)
+      : special_name_(std::move(special_name)),
+        special_(std::move(special)),
+        usual_(std::move(usual)),
+        current_(special_.get()) {}
 
-  OpenResult open(const std::string& name, const LineSettings& settings) override;
+  OpenResult open(const std::string& name, const LineSettings& settings) override {
+    // The other one may still be open, and then nobody would close it any more.
+    close();
+    current_ = name == special_name_ ? special_.get() : usual_.get();
+    return current().open(name, settings);
+  }
   void close() override { current().close(); }
   Wait wait() override { return current().wait(); }
   std::size_t read(std::span<std::uint8_t> buffer) override { return current().read(buffer); }

@@ -14,10 +14,21 @@ class OpenBrackets {
   void left_in_part(const Batch& batch) { note(batch, false); }
 
   /// What closes those that are open, the inner one first, each a flush of its own.
-  Traffic closing() const;
+  Traffic closing() const {
+    Traffic traffic;
+    if (keep_) append(traffic, {reg::kKeepBracket, 0});
+    if (save_) append(traffic, {reg::kSaveBracket, 0});
+    return traffic;
+  }
 
  private:
-  void note(const Batch& batch, bool whole);
+  void note(const Batch& batch, bool whole) {
+    for (const RegisterWrite& write : batch) {
+      if (write.value == 0 && !whole) continue;
+      if (write.address == reg::kKeepBracket) keep_ = write.value != 0;
+      if (write.address == reg::kSaveBracket) save_ = write.value != 0;
+    }
+  }
 
   bool keep_ = false;
   bool save_ = false;

@@ -13,8 +13,8 @@
 #include <cerrno>
 #include <system_error>
 
-#include "link/open_error.h"
 #include "link/port_holder_posix.h"
+#include "link/serial_device.h"
 
 namespace qv5123 {
 namespace {

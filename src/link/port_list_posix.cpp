@@ -10,9 +10,9 @@
 #include <string_view>
 #include <tuple>
 
-#include "link/open_error.h"
 #include "link/open_port_posix.h"
 #include "link/port_holder_posix.h"
+#include "link/serial_device.h"
 
 namespace qv5123 {
 namespace {

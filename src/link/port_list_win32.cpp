@@ -9,10 +9,9 @@
 
 #include "base/handle_win32.h"
 #include "base/text_win32.h"
-#include "link/open_error.h"
-#include "link/open_port_win32.h"
 #include "link/port_list.h"
-#include "link/port_name.h"
+#include "link/serial_device.h"
+#include "link/serial_line_win32.h"
 
 namespace qv5123 {
 namespace {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "link/port_name.h"
+#include "link/port_list.h"
 
 namespace qv5123 {
 namespace {

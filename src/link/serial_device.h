@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 
@@ -56,5 +57,17 @@ class SerialDevice {
   /// the device was lost or closed meanwhile, or `keep_on` ended it.
   virtual std::size_t write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on = {}) = 0;
 };
+
+/// The result of failing to open `name`, said in words and with what to do about it.
+///
+/// `detail` completes the sentence: for busy the program that holds the port, for permission_denied what to
+/// do on this system, for bad_settings and failed the reason. It may be empty.
+OpenResult open_error(OpenError error, const std::string& name, const std::string& detail = {});
+
+/// A serial device of this operating system, not open yet. It takes the names that list_ports() gives.
+///
+/// A write ends early on Windows also when the line stands still for longer than the write timeout (1 ms per
+/// byte at 19200 baud, none above); elsewhere it waits until the line goes on, is lost, or is closed.
+std::unique_ptr<SerialDevice> make_serial_device();
 
 }  // namespace qv5123

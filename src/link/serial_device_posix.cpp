@@ -12,10 +12,9 @@
 
 #include "link/device_gate.h"
 #include "link/line_settings.h"
-#include "link/open_error.h"
 #include "link/open_port_posix.h"
+#include "link/serial_device.h"
 #include "link/serial_line_posix.h"
-#include "link/system_serial_device.h"
 
 namespace qv5123 {
 namespace {

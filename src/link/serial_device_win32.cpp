@@ -8,11 +8,9 @@
 #include "base/text_win32.h"
 #include "link/device_gate.h"
 #include "link/line_settings.h"
-#include "link/open_error.h"
-#include "link/open_port_win32.h"
-#include "link/port_name.h"
+#include "link/port_list.h"
+#include "link/serial_device.h"
 #include "link/serial_line_win32.h"
-#include "link/system_serial_device.h"
 
 namespace qv5123 {
 namespace {

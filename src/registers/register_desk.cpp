@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "base/delay.h"
-#include "console/busy_scope.h"
+#include "console/page_host.h"
 #include "link/indirect_access.h"
 #include "registers/register_file.h"
 

@@ -4,8 +4,7 @@
 #include <vector>
 
 #include "base/delay.h"
-#include "base/elided.h"
-#include "base/utf8.h"
+#include "base/text.h"
 #include "link/indirect_access.h"
 
 namespace qv5123 {

@@ -19,7 +19,15 @@ class BlockReceiver {
   };
 
   /// Takes the next byte. After anything but Status::more the transfer is over.
-  Status feed(std::uint8_t byte);
+  Status feed(std::uint8_t byte) {
+    if (received_ < 2) return feed_header(byte);
+    if (data_.size() == block_count() * kBlockSize) {
+      return byte == checksum_ ? Status::complete : Status::mismatch;
+    }
+    data_.push_back(byte);
+    checksum_ ^= byte;
+    return Status::more;
+  }
 
   /// True once the header has been taken, when silence means that the sender has gone.
   bool in_data() const { return received_ >= 2; }
@@ -30,7 +38,11 @@ class BlockReceiver {
   const std::vector<std::uint8_t>& data() const { return data_; }
 
  private:
-  Status feed_header(std::uint8_t byte);
+  Status feed_header(std::uint8_t byte) {
+    header_[received_++] = byte;
+    checksum_ ^= byte;
+    return received_ == 2 && byte != 0 ? Status::bad_header : Status::more;
+  }
 
   std::uint8_t header_[2] = {};
   std::size_t received_ = 0;

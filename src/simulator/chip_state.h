@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "console/user_data_image.h"
+#include "link/register_write.h"
 
 namespace qv5123 {
 
@@ -46,9 +47,13 @@ struct ChipState {
 };
 
 /// True while the chip keeps what it is told (between register 0xFA = 1 and 0xFA = 0).
-bool keeping(const ChipState& state);
+inline bool keeping(const ChipState& state) {
+  return state.direct[reg::kKeepBracket] != 0;
+}
 
 /// How many of the two save brackets (0xFA, 0xF9) are open: 0..2.
-int bracket_depth(const ChipState& state);
+inline int bracket_depth(const ChipState& state) {
+  return (keeping(state) ? 1 : 0) + (state.direct[reg::kSaveBracket] != 0 ? 1 : 0);
+}
 
 }  // namespace qv5123

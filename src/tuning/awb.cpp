@@ -1,7 +1,6 @@
 #include "tuning/awb.h"
 
 #include "tuning/brackets.h"
-#include "tuning/full_save.h"
 
 namespace qv5123 {
 namespace {

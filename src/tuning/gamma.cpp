@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tuning/full_save.h"
+#include "tuning/brackets.h"
 
 namespace qv5123 {
 namespace {

@@ -1,6 +1,6 @@
 #include "tuning/lens_shading.h"
 
-#include "tuning/full_save.h"
+#include "tuning/brackets.h"
 
 namespace qv5123 {
 namespace {

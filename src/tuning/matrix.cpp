@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "base/saturate.h"
-#include "tuning/full_save.h"
+#include "tuning/brackets.h"
 
 namespace qv5123 {
 namespace {

@@ -7,7 +7,6 @@
 #include <string_view>
 
 #include "base/task.h"
-#include "console/busy_scope.h"
 #include "console/page_host.h"
 #include "link/register_write.h"
 

@@ -4,7 +4,6 @@
 
 #include "link/line_settings.h"
 #include "link/port_list.h"
-#include "link/port_name.h"
 
 namespace qv5123 {
 namespace {

@@ -6,8 +6,8 @@
 
 #include "link/open_port_posix.h"
 #include "link/port_list_posix.h"
+#include "link/serial_device.h"
 #include "link/serial_line_posix.h"
-#include "link/system_serial_device.h"
 #include "support/program.h"
 #include "support/pty_line_posix.h"
 #include "support/temporary_folder.h"

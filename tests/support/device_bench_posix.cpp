@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "link/system_serial_device.h"
+#include "link/serial_device.h"
 #include "support/device_bench.h"
 #include "support/pty_line_posix.h"
 

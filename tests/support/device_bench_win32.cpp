@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "link/port_name.h"
-#include "link/system_serial_device.h"
+#include "link/port_list.h"
+#include "link/serial_device.h"
 #include "support/device_bench.h"
 #include "support/hex_text.h"
 

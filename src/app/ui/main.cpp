@@ -7,20 +7,16 @@
 #include <cstdlib>
 
 #include "app/end_requests.h"
-#include "app/font_search.h"
-#include "app/parent_console.h"
-#include "app/ui/arguments.h"
 #include "app/ui/frame.h"
 #include "app/ui/main_pages.h"
+#include "app/ui/process.h"
 #include "app/ui/program.h"
 #include "app/ui/qv5123_app.h"
-#include "app/ui/session_end.h"
 #include "base/ui/qt_text.h"
 #include "link/deferred_device.h"
 #include "link/named_device.h"
 #include "link/port_list.h"
-#include "link/port_name.h"
-#include "link/system_serial_device.h"
+#include "link/serial_device.h"
 #include "simulator/simulated_board.h"
 #include "simulator/ui/camera_dock.h"
 

@@ -13,7 +13,7 @@
 #include "base/delay.h"
 #include "base/lock_file.h"
 #include "base/ui/qt_text.h"
-#include "link/port_name.h"
+#include "link/port_list.h"
 #include "link/ui/serial_port_setting.h"
 
 namespace qv5123 {

@@ -15,7 +15,7 @@
 #include <utility>
 
 #include "base/ui/qt_text.h"
-#include "link/port_name.h"
+#include "link/port_list.h"
 
 namespace qv5123 {
 namespace {

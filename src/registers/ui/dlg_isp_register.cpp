@@ -13,7 +13,6 @@
 #include "registers/ui/hex_edits.h"
 #include "registers/ui/multiline_list.h"
 #include "registers/ui/register_list_model.h"
-#include "registers/ui/shown_name.h"
 #include "registers/ui/spin_arrows.h"
 
 namespace qv5123 {

@@ -1,7 +1,6 @@
 #include "registers/ui/register_list_model.h"
 
 #include "base/ui/qt_text.h"
-#include "registers/ui/shown_name.h"
 
 namespace qv5123 {
 

@@ -13,7 +13,7 @@
 #include <thread>
 
 #include "app/end_requests.h"
-#include "link/system_serial_device.h"
+#include "link/serial_device.h"
 #include "reliability/ui/real_program.h"
 #include "support/program.h"
 #include "support/source_folder.h"

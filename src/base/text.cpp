@@ -1,4 +1,4 @@
-#include "base/utf8.h"
+#include "base/text.h"
 
 namespace qv5123 {
 namespace {
@@ -48,6 +48,31 @@ std::string lower_case(std::string text) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
   }
   return text;
+}
+
+std::string latin1_to_utf8(std::string_view characters) {
+  std::string utf8;
+  utf8.reserve(characters.size());
+  for (const char c : characters) {
+    const auto code = static_cast<unsigned char>(c);
+    if (code < 0x80) {
+      utf8 += c;
+    } else {
+      utf8 += static_cast<char>(0xC0 | code >> 6);
+      utf8 += static_cast<char>(0x80 | (code & 0x3F));
+    }
+  }
+  return utf8;
+}
+
+std::string elided(std::string_view text, std::size_t most) {
+  if (text.size() <= most) return std::string(text);
+  const auto is_inside_character = [&](std::size_t at) { return (text[at] & 0xC0) == 0x80; };
+  std::size_t head = most / 2;
+  std::size_t tail = text.size() - most / 2;
+  while (head > 0 && is_inside_character(head)) --head;
+  while (tail < text.size() && is_inside_character(tail)) ++tail;
+  return std::string(text.substr(0, head)) + "..." + std::string(text.substr(tail));
 }
 
 }  // namespace qv5123

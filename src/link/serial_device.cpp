@@ -1,4 +1,4 @@
-#include "link/open_error.h"
+#include "link/serial_device.h"
 
 namespace qv5123 {
 namespace {

@@ -1,9 +1,12 @@
+#include "app/ui/process.h"
+
+#include <QCoreApplication>
+#include <QSessionManager>
+
 #include <io.h>
 #include <windows.h>
 
 #include <cstdio>
-
-#include "app/parent_console.h"
 
 namespace qv5123 {
 namespace {
@@ -25,6 +28,20 @@ void use_parent_console() {
   if ((!output && !errors) || !AttachConsole(ATTACH_PARENT_PROCESS)) return;
   if (output) to_console(stdout);
   if (errors) to_console(stderr);
+}
+
+// What main() gets has been through the code page.
+QStringList program_arguments(int, char**) {
+  return QCoreApplication::arguments();
+}
+
+std::jthread begin_font_search() {
+  return {};
+}
+
+// A program that agrees is ended on the spot. The system goes on by itself once this one is gone.
+void hold_session_end(QSessionManager& session) {
+  session.cancel();
 }
 
 }  // namespace qv5123

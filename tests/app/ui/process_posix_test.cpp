@@ -1,4 +1,4 @@
-#include "app/font_search.h"
+#include "app/ui/process.h"
 
 #include <gtest/gtest.h>
 

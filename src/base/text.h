@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qv5123 {
+
+/// UTF-16 as UTF-8; half a surrogate pair becomes U+FFFD.
+std::string utf8(std::u16string_view text);
+
+/// ASCII letters made small, for comparing without regard to case.
+std::string lower_case(std::string text);
+
+/// The chip's 8-bit characters as UTF-8.
+std::string latin1_to_utf8(std::string_view characters);
+
+/// UTF-8 text for a message: one of more than `most` bytes is shown with "..." for its middle. For what comes
+/// from files, whose words and names may be of any length.
+std::string elided(std::string_view text, std::size_t most);
+
+}  // namespace qv5123
