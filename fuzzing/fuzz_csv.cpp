@@ -19,7 +19,7 @@ void read_or_refuse(const Read& read) {
   try {
     read();
   } catch (const Complaint& complaint) {
-    fuzz::require(complaint.code == kBadInput, "a bad file is bad input");
+    fuzz::require(complaint.code == ExitCode::bad_input, "a bad file is bad input");
     fuzz::require(!complaint.text.empty(), "a complaint says something");
     fuzz::require(complaint.text.find('\n') == std::string::npos, "a complaint is one line");
   }

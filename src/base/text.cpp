@@ -1,5 +1,7 @@
 #include "base/text.h"
 
+#include <charconv>
+
 namespace qv5123 {
 namespace {
 
@@ -73,6 +75,11 @@ std::string elided(std::string_view text, std::size_t most) {
   while (head > 0 && is_inside_character(head)) --head;
   while (tail < text.size() && is_inside_character(tail)) ++tail;
   return std::string(text.substr(0, head)) + "..." + std::string(text.substr(tail));
+}
+
+std::string fixed(double value, int digits) {
+  char text[400];
+  return {text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, digits).ptr};
 }
 
 }  // namespace qv5123

@@ -18,4 +18,7 @@ std::string latin1_to_utf8(std::string_view characters);
 /// from files, whose words and names may be of any length.
 std::string elided(std::string_view text, std::size_t most);
 
+/// A number with that many digits behind the point, which is a point in every locale.
+std::string fixed(double value, int digits);
+
 }  // namespace qv5123

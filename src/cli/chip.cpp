@@ -34,7 +34,7 @@ Traffic one_flush(Batch batch) {
 Chip::Chip(Context& context)
     : context_(context),
       interrupts_([this] { scheduler_.post([this] { take_interrupt(); }); },
-                  {"qv5123ctl: Interrupted\n", kNegative}) {
+                  {"qv5123ctl: Interrupted\n", static_cast<int>(ExitCode::negative)}) {
   if (context.globals.port.empty() && !context.globals.simulate) {
     refuse("This command talks to the chip: --port DEVICE or --simulate says where it is");
   }
@@ -80,8 +80,8 @@ ExitCode Chip::run(Begin begin, const Work& work) {
   const bool ended = !flow.running();
   flow.cancel();
   if (failure_) std::rethrow_exception(failure_);
-  if (gone_ && !ended) throw Complaint{kPortFailed, session_->name() + " is gone"};
-  if (stopped_) throw Complaint{kNegative, "Interrupted"};
+  if (gone_ && !ended) throw Complaint{ExitCode::port_failed, session_->name() + " is gone"};
+  if (stopped_) throw Complaint{ExitCode::negative, "Interrupted"};
   if (trace_ && !trace_->ok()) refuse("Cannot write " + path_text(context_.globals.trace));
   return result_;
 }
@@ -90,7 +90,7 @@ Task<> Chip::main(Begin begin, const Work& work) {
   try {
     const std::string name = port_name(context_.globals);
     const OpenResult opened = co_await session_->open(name, context_.globals.line);
-    if (!opened.ok()) throw Complaint{kPortFailed, opened.text};
+    if (!opened.ok()) throw Complaint{ExitCode::port_failed, opened.text};
     const Signs before = signs();
     if (begin == Begin::after_greeting) co_await wait_for_quiet(kGreeting, kLongestGreeting);
     greeted_ = signs() != before;
@@ -122,12 +122,13 @@ Task<std::string> Chip::ask(Batch request, std::string what) {
   const milliseconds asked = scheduler_.now();
   const std::size_t said = console_received_;
   std::optional<std::string> reply = co_await link().request(request, timeout());
-  if (!reply) throw Complaint{kNegative, what + ": the chip did not answer"};
+  if (!reply) throw Complaint{ExitCode::negative, what + ": the chip did not answer"};
   const bool greeting = said != console_received_;
   const bool doubtful = first_ask_ && (greeting || !greeted_);
   first_ask_ = false;
   if (doubtful) reply = co_await behind_greeting(std::move(*reply), greeting, scheduler_.now() - asked);
-  if (!whole_bytes(*reply)) throw Complaint{kNegative, what + ": the answer was damaged on the line"};
+  if (!whole_bytes(*reply))
+    throw Complaint{ExitCode::negative, what + ": the answer was damaged on the line"};
   if (const std::size_t surplus = surplus_digits(request, reply->size())) {
     out().warning(what + ": the last " + std::to_string(surplus) + " of the answer's " +
                   std::to_string(reply->size()) + " digits are not known and left out");
@@ -139,7 +140,7 @@ Task<> Chip::send(Traffic traffic) {
   const std::size_t flushes = traffic.size();
   const JobResult result = co_await link().send(std::move(traffic));
   if (result.failed || result.chunks_sent < flushes)
-    throw Complaint{kPortFailed, session_->name() + " took no more"};
+    throw Complaint{ExitCode::port_failed, session_->name() + " took no more"};
 }
 
 Task<bool> Chip::send_and_listen(Batch batch) {

@@ -102,7 +102,7 @@ class Chip {
   bool first_ask_ = true;
   bool notices_loss_ = false;
   std::size_t console_received_ = 0;
-  ExitCode result_ = kDone;
+  ExitCode result_ = ExitCode::done;
   std::exception_ptr failure_;
   std::unique_ptr<PortSession> session_;
 };

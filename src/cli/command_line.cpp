@@ -106,18 +106,18 @@ ExitCode print_help(Context& context, const CLI::ParseError& error, const CLI::A
   std::ostringstream text;
   app.exit(error, text, text);
   context.out.print(text.str());
-  return kDone;
+  return ExitCode::done;
 }
 
 ExitCode run(Context& context, int argc, const char* const* argv) {
   const std::unique_ptr<CLI::App> app = make_command_line(context);
   try {
     app->parse(argc, argv);
-    return context.action ? context.action() : kDone;
+    return context.action ? context.action() : ExitCode::done;
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return print_help(context, error, *app);
     complain(text_of(error, *app));
-    return kBadInput;
+    return ExitCode::bad_input;
   } catch (const Complaint& complaint) {
     context.out.progress("");
     complain(complaint.text);

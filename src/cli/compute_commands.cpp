@@ -2,6 +2,7 @@
 #include <array>
 
 #include "base/atomic_file.h"
+#include "base/text.h"
 #include "cli/command.h"
 #include "cli/csv.h"
 #include "cli/files.h"
@@ -32,7 +33,7 @@ ExitCode compute_gamma(Context& context, const GammaOptions& options) {
   std::string text;
   for (const int point : curve) text += std::to_string(point) + "\n";
   context.out.result({{"points", curve}}, text);
-  return kDone;
+  return ExitCode::done;
 }
 
 void check_range(const std::string& file, const CsvLine& line, std::size_t column, int lowest, int highest) {
@@ -110,10 +111,10 @@ ExitCode fit_matrix_command(Context& context, const FitOptions& options) {
   const std::optional<PatchReport> report = fit ? patch_report(measured, fit->coefficients) : std::nullopt;
   if (!report) refuse(path_text(options.file) + ": one colour of all four greys, lines 20 to 23, is 0");
   if (!fit->solvable) {
-    throw Complaint{kNegative, path_text(options.file) + ": the patches do not determine a matrix"};
+    throw Complaint{ExitCode::negative, path_text(options.file) + ": the patches do not determine a matrix"};
   }
   context.out.result(matrix_json(*fit, *report), matrix_text(*fit, *report));
-  return kDone;
+  return ExitCode::done;
 }
 
 std::vector<LensSample> read_samples(const std::filesystem::path& path, int width) {
@@ -148,10 +149,11 @@ ExitCode fit_lens_command(Context& context, const FitOptions& options) {
   const LensCentre centre = fit_lens_centre(samples, options.width);
   const LensFit fit = fit_lens(samples, centre, options.ratio);
   if (!fit.determined) {
-    throw Complaint{kNegative, path_text(options.file) + ": too few positions to determine the parameters"};
+    throw Complaint{ExitCode::negative,
+                    path_text(options.file) + ": too few positions to determine the parameters"};
   }
   context.out.result(lens_json(centre, fit), lens_text(centre, fit));
-  return kDone;
+  return ExitCode::done;
 }
 
 void declare_gamma(CLI::App& command, GammaOptions& options) {

@@ -54,16 +54,17 @@ class Download {
     chip_.on_interrupt({});
     chip_.out().progress("");
     if (end == TransferEnd::lost)
-      throw Complaint{kPortFailed, "The port failed in the middle of the image: " + last_said_};
-    if (end == TransferEnd::cut_short) throw Complaint{kPortFailed, "The line stands still: " + last_said_};
-    if (end == TransferEnd::not_sent) throw Complaint{kBadInput, prompts_.last_message()};
+      throw Complaint{ExitCode::port_failed, "The port failed in the middle of the image: " + last_said_};
+    if (end == TransferEnd::cut_short)
+      throw Complaint{ExitCode::port_failed, "The line stands still: " + last_said_};
+    if (end == TransferEnd::not_sent) throw Complaint{ExitCode::bad_input, prompts_.last_message()};
     if (end == TransferEnd::cancelled) co_await chip_.wait_for_quiet(Chip::kQuiet, Chip::kLongestGreeting);
     if (end == TransferEnd::sent) co_await hear_out();
     const bool expected = options_.expect.empty() || heard();
     show(end, expected);
-    if (end == TransferEnd::cancelled) throw Complaint{kNegative, cancelled_text()};
-    if (!expected) throw Complaint{kNegative, "The chip did not say \"" + options_.expect + "\""};
-    co_return kDone;
+    if (end == TransferEnd::cancelled) throw Complaint{ExitCode::negative, cancelled_text()};
+    if (!expected) throw Complaint{ExitCode::negative, "The chip did not say \"" + options_.expect + "\""};
+    co_return ExitCode::done;
   }
 
  private:

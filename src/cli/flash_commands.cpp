@@ -35,7 +35,7 @@ ExitCode make(Context& context, const MakeOptions& options) {
   write_file(options.output, build.image);
   context.out.result(Json{{"file", path_text(options.output)}, {"bytes", build.image.size()}});
   context.out.remark(path_text(options.output) + ": " + std::to_string(build.image.size()) + " bytes\n");
-  return kDone;
+  return ExitCode::done;
 }
 
 Json json_of(const FlashInspection& inspection) {
@@ -76,7 +76,8 @@ ExitCode inspect(Context& context, const InspectOptions& options) {
   const FlashInspection inspection = inspect_flash_image(image);
   context.out.result(json_of(inspection), text_of(inspection));
   const bool whole = inspection.erased.empty();
-  return whole && inspection.firmware_copies_agree && inspection.user_copies_agree ? kDone : kNegative;
+  return whole && inspection.firmware_copies_agree && inspection.user_copies_agree ? ExitCode::done
+                                                                                   : ExitCode::negative;
 }
 
 void declare_make(CLI::App& command, MakeOptions& options) {

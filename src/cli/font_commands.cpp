@@ -32,7 +32,7 @@ FontLibrary read_library(const std::filesystem::path& path) {
 ExitCode wrote(Context& context, const std::filesystem::path& path) {
   context.out.result(Json{{"file", path_text(path)}});
   context.out.remark(path_text(path) + ": " + std::to_string(FontLibrary::kGlyphs) + " glyphs\n");
-  return kDone;
+  return ExitCode::done;
 }
 
 ExitCode export_text(Context& context, const FontOptions& options) {
@@ -87,7 +87,7 @@ ExitCode show(Context& context, const FontOptions& options) {
     text += glyph_title(index) + glyph_picture(glyph);
   }
   context.out.result(json, text);
-  return kDone;
+  return ExitCode::done;
 }
 
 /// Two glyphs side by side.
@@ -110,7 +110,7 @@ ExitCode diff(Context& context, const FontOptions& options) {
     text += glyph_title(index) + pictures(a.glyph(index), b.glyph(index));
   }
   context.out.result({{"differences", json}}, text);
-  return json.empty() ? kDone : kNegative;
+  return json.empty() ? ExitCode::done : ExitCode::negative;
 }
 
 void declare_export(CLI::App& command, FontOptions& options) {

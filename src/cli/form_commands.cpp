@@ -23,7 +23,7 @@ Task<ExitCode> send_batch(Chip& chip, Batch batch) {
   traffic.push_back(std::move(batch));
   co_await chip.send(std::move(traffic));
   chip.out().result(Json{{"sent", 1}});
-  co_return kDone;
+  co_return ExitCode::done;
 }
 
 ExitCode run_batch(Context& context, const Batch& batch) {
@@ -73,10 +73,10 @@ Task<ExitCode> show_info(Chip& chip, Batch request) {
   std::string text;
   chip.on_console([&](const std::string& received) { text += chip_text(received); });
   const bool answered = co_await chip.send_and_listen(std::move(request));
-  if (!answered || text.empty()) throw Complaint{kNegative, "The chip did not answer"};
+  if (!answered || text.empty()) throw Complaint{ExitCode::negative, "The chip did not answer"};
   text.erase(0, text.find_first_not_of('\n'));
   chip.out().result({{"text", text}, {"fields", fields_of(text)}}, text);
-  co_return kDone;
+  co_return ExitCode::done;
 }
 
 ExitCode run_info(Context& context, const Batch& request) {

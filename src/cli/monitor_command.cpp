@@ -64,7 +64,7 @@ class Monitor {
     co_await stop_.pending();
     console_.end();
     if (log_.is_open() && !log_.flush()) refuse("Cannot write " + path_text(options_.log));
-    co_return kDone;
+    co_return ExitCode::done;
   }
 
  private:

@@ -66,9 +66,4 @@ std::string shortest(double value) {
   return {text, std::to_chars(text, text + sizeof text, value).ptr};
 }
 
-std::string fixed(double value, int digits) {
-  char text[400];
-  return {text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, digits).ptr};
-}
-
 }  // namespace qv5123

@@ -24,7 +24,5 @@ std::string hex(unsigned value, int digits);
 
 /// A number as short as it can be without losing anything.
 std::string shortest(double value);
-/// With that many digits behind the point.
-std::string fixed(double value, int digits);
 
 }  // namespace qv5123

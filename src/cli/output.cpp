@@ -101,7 +101,7 @@ ExitCode Output::end(ExitCode code) {
   // Windows says EINVAL of a pipe whose reader has gone.
   if (ok() || error_ == EPIPE || error_ == EINVAL) return code;
   complain("Cannot write the output: " + std::generic_category().message(error_));
-  return code == kDone ? kBadInput : code;
+  return code == ExitCode::done ? ExitCode::bad_input : code;
 }
 
 std::string visible(std::string_view utf8) {

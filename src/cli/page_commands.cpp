@@ -32,7 +32,7 @@ Task<> read_page(Chip& chip, TuningModel& page) {
   const std::string name = page.texts().name;
   const Batch request{{page.texts().trigger, 0}};
   const std::string reply = co_await chip.ask(request, name);
-  if (!page.take_reply(reply)) throw Complaint{kNegative, name + ": the answer is too short"};
+  if (!page.take_reply(reply)) throw Complaint{ExitCode::negative, name + ": the answer is too short"};
 }
 
 Task<ExitCode> show(Chip& chip, TuningModel& page) {
@@ -47,7 +47,7 @@ Task<ExitCode> show(Chip& chip, TuningModel& page) {
     text += full_name(page, field) + " = " + std::to_string(numbers[i]) + "\n";
   }
   chip.out().result({{"page", page.texts().name}, {"values", values}}, text);
-  co_return kDone;
+  co_return ExitCode::done;
 }
 
 /// What differs, as JSON, and as lines "awb.a_slope: chip 12, file 20".
@@ -88,7 +88,7 @@ Task<ExitCode> diff(Chip& chip, TuningModel& page, const Numbers& file) {
                      {"compared", comparison.compared},
                      {"differences", comparison.differences}},
                     comparison.text);
-  co_return comparison.differences.empty() ? kDone : kNegative;
+  co_return comparison.differences.empty() ? ExitCode::done : ExitCode::negative;
 }
 
 /// Whatever had left of a save that was given up, the chip is not left in the middle of it.
@@ -99,14 +99,14 @@ Task<> close_brackets(Chip& chip) {
   co_await chip.send(std::move(closing));
 }
 
-Task<> send_save(Chip& chip, HeadlessHost& host, TuningDesk& desk, ChipSave save) {
+Task<> send_save(Chip& chip, HeadlessHost& host, TuningDesk& desk, FullSave save) {
   chip.on_interrupt([&chip] { chip.link().cancel_running_job(); });
   const bool saved = co_await desk.send_save(std::move(save), std::string());
   if (!saved && chip.interrupted()) {
     co_await close_brackets(chip);
-    throw Complaint{kNegative, "Interrupted: the chip has only a part of the page"};
+    throw Complaint{ExitCode::negative, "Interrupted: the chip has only a part of the page"};
   }
-  if (!saved) throw Complaint{kPortFailed, host.last_failure()};
+  if (!saved) throw Complaint{ExitCode::port_failed, host.last_failure()};
   // What comes after the save has not ended well.
   if (!host.last_failure().empty()) chip.out().warning(host.last_failure());
 }
@@ -117,17 +117,17 @@ Task<ExitCode> verify(Chip& chip, TuningModel& page, const Numbers& sent, Json j
   json["verified"] = comparison.compared;
   json["differences"] = comparison.differences;
   chip.out().result(json, comparison.text);
-  if (!comparison.differences.empty()) co_return kNegative;
+  if (!comparison.differences.empty()) co_return ExitCode::negative;
   chip.out().remark(std::string(page.texts().name) + ": " + std::to_string(comparison.compared) +
                     " values read back agree\n");
-  co_return kDone;
+  co_return ExitCode::done;
 }
 
 Task<ExitCode> save(Chip& chip, CQV5123Doc& document, const PageOptions& options) {
   HeadlessHost host(chip);
   const std::unique_ptr<TuningDesk> desk = make_desk(options.name, host, document);
   desk->model().load_all(document.user_data);
-  ChipSave save = desk->chip_save();
+  FullSave save = desk->full_save();
   for (const std::string& warning : save.corrections) chip.out().warning(warning);
   const Numbers sent = desk->model().numbers();
   const Json json = {{"page", options.name}, {"sent", save.traffic.size()}};
@@ -135,7 +135,7 @@ Task<ExitCode> save(Chip& chip, CQV5123Doc& document, const PageOptions& options
   co_await send_save(chip, host, *desk, std::move(save));
   if (options.verify) co_return co_await verify(chip, desk->model(), sent, json);
   chip.out().result(json);
-  co_return kDone;
+  co_return ExitCode::done;
 }
 
 ExitCode run_show(Context& context, const PageOptions& options) {

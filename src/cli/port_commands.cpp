@@ -15,7 +15,7 @@ ExitCode list(Context& context, const PortsOptions&) {
     text += port.device + "  " + port.name + "\n";
   }
   context.out.result(json, text);
-  return kDone;
+  return ExitCode::done;
 }
 
 }  // namespace

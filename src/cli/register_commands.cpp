@@ -69,19 +69,19 @@ Task<ExitCode> read(Chip& chip, const AccessOptions& options) {
     const std::string reply = co_await chip.ask(std::move(request), hex(static_cast<unsigned>(shown), 4));
     const auto field = answer_field(options.access(), reply);
     if (!field)
-      throw Complaint{kNegative, hex(static_cast<unsigned>(shown), 4) + ": the answer is too short"};
+      throw Complaint{ExitCode::negative, hex(static_cast<unsigned>(shown), 4) + ": the answer is too short"};
     json.push_back(register_json(shown, std::stoi(*field, nullptr, 16)));
     chip.out().text(hex(static_cast<unsigned>(shown), 4) + " = 0x" + *field + "\n");
   }
   chip.out().result(json);
-  co_return kDone;
+  co_return ExitCode::done;
 }
 
 Task<ExitCode> send_all(Chip& chip, Traffic traffic) {
   const std::size_t flushes = traffic.size();
   co_await chip.send(std::move(traffic));
   chip.out().result(Json{{"sent", flushes}});
-  co_return kDone;
+  co_return ExitCode::done;
 }
 
 ExitCode run_read(Context& context, const AccessOptions& options) {
@@ -169,7 +169,7 @@ Task<ExitCode> dump(Chip& chip, const DumpOptions& options) {
   });
   Batch request = dump_request(options.start & 0xFFF, options.end & 0xFFF);
   const bool heard = co_await chip.send_and_hear(std::move(request));
-  if (!heard) throw Complaint{kNegative, "The chip did not answer"};
+  if (!heard) throw Complaint{ExitCode::negative, "The chip did not answer"};
   co_await hear_out(chip, text);
   // Some chips answer in a block instead of in words.
   if (const auto block = chip.link().reply().take_block()) {
@@ -179,10 +179,10 @@ Task<ExitCode> dump(Chip& chip, const DumpOptions& options) {
   }
   if (chip.link().reply().overran()) {
     const std::string trouble = overlong_dump_text(options.start, options.end);
-    throw Complaint{kNegative, trouble.substr(0, trouble.find('\r'))};
+    throw Complaint{ExitCode::negative, trouble.substr(0, trouble.find('\r'))};
   }
   chip.out().result(registers_of(text));
-  co_return kDone;
+  co_return ExitCode::done;
 }
 
 ExitCode run_dump(Context& context, const DumpOptions& options) {

@@ -70,13 +70,13 @@ Task<ExitCode> save(Chip& chip, const FileOptions& options, RegDescription& desc
     chip.out().progress(counted(i, wanted.size()));
     const std::string reply = co_await chip.ask(isp_read_request(wanted[i]->address),
                                                 hex(static_cast<unsigned>(wanted[i]->address), 4));
-    if (reply.size() < 2) throw Complaint{kNegative, "An answer is too short"};
+    if (reply.size() < 2) throw Complaint{ExitCode::negative, "An answer is too short"};
     wanted[i]->value = reply_byte_at(reply, reply.size() - 2);
   }
   write_file(options.file, register_file_text(description));
   chip.out().result(Json{{"file", path_text(options.file)}, {"registers", wanted.size()}});
   chip.out().remark(path_text(options.file) + ": " + std::to_string(wanted.size()) + " registers\n");
-  co_return kDone;
+  co_return ExitCode::done;
 }
 
 ExitCode run_save(Context& context, const FileOptions& options) {
@@ -114,7 +114,7 @@ Task<ExitCode> load(Chip& chip, const FileOptions& options, const std::vector<Re
   }
   chip.out().result(Json{{"file", path_text(options.file)}, {"registers", lines.size()}});
   chip.out().remark(path_text(options.file) + ": " + std::to_string(lines.size()) + " registers written\n");
-  co_return kDone;
+  co_return ExitCode::done;
 }
 
 ExitCode run_load(Context& context, const FileOptions& options) {
@@ -170,7 +170,7 @@ ExitCode run_list(Context& context, const FileOptions& options) {
     json.push_back(json_of(description, reg));
   }
   context.out.result(json, text);
-  return json.empty() ? kNegative : kDone;
+  return json.empty() ? ExitCode::negative : ExitCode::done;
 }
 
 void declare_save(CLI::App& command, FileOptions& options) {

@@ -52,7 +52,7 @@ Task<ExitCode> play(Chip& chip, const ScriptOptions& options, std::string text) 
   }
   chip.out().result(Json{{"file", path_text(options.file)}, {"writes", writes}});
   chip.out().remark(path_text(options.file) + ": " + std::to_string(writes) + " registers written\n");
-  co_return kDone;
+  co_return ExitCode::done;
 }
 
 ExitCode run(Context& context, const ScriptOptions& options) {

@@ -12,7 +12,7 @@ void add_hidden(CLI::App& app, Context& context, const std::string& name, const 
   command->callback([&app, &context] {
     context.action = [&app, &context] {
       context.out.result(describe(app), describe(app));
-      return kDone;
+      return ExitCode::done;
     };
   });
 }

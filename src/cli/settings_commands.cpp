@@ -47,7 +47,7 @@ ExitCode show(Context& context, const SettingsOptions& options) {
   if (options.names.empty()) json["entries"] = image.bytes();
   json["values"] = values;
   context.out.result(json, text);
-  return kDone;
+  return ExitCode::done;
 }
 
 /// "NAME=VALUE" put into the image.
@@ -76,7 +76,7 @@ ExitCode set(Context& context, const SettingsOptions& options) {
   for (const std::string& assignment : options.names) assign(table, assignment, image);
   write_file(options.file, setting_text(image));
   context.out.result(Json{{"file", path_text(options.file)}, {"set", options.names.size()}});
-  return kDone;
+  return ExitCode::done;
 }
 
 std::vector<std::size_t> differing(const Setting& setting, const UserDataImage& a, const UserDataImage& b) {
@@ -112,7 +112,7 @@ ExitCode diff(Context& context, const SettingsOptions& options) {
     if (!differing(setting, a, b).empty()) add_difference(setting, a, b, json, text);
   }
   context.out.result({{"differences", json}}, text);
-  return json.empty() ? kDone : kNegative;
+  return json.empty() ? ExitCode::done : ExitCode::negative;
 }
 
 ExitCode check(Context& context, const SettingsOptions& options) {
@@ -126,7 +126,7 @@ ExitCode check(Context& context, const SettingsOptions& options) {
   for (const std::string& problem : problems) text += path_text(options.file) + ": " + problem + "\n";
   context.out.result({{"ok", problems.empty()}, {"problems", problems}}, text);
   if (problems.empty()) context.out.remark(path_text(options.file) + ": ok\n");
-  return problems.empty() ? kDone : kNegative;
+  return problems.empty() ? ExitCode::done : ExitCode::negative;
 }
 
 void declare_file(CLI::App& command, SettingsOptions& options) {

@@ -5,6 +5,7 @@
 
 #include "base/atomic_file.h"
 #include "base/hex.h"
+#include "base/text.h"
 #include "cli/complaint.h"
 #include "cli/numbers.h"
 

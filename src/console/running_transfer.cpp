@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <span>
 #include <utility>
 
 #include "base/hex.h"
+#include "base/text.h"
 
 namespace qv5123 {
 namespace {
@@ -16,9 +16,7 @@ std::string bracketed(const std::string& text) {
 }
 
 std::string kibibytes(double bytes) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.1f", bytes / 1024);
-  return text;
+  return fixed(bytes / 1024, 1);
 }
 
 /// "12.5 of 64.0 KiB, 1.8 KiB/s, 29 s left". Without a speed as long as no time has passed.

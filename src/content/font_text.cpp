@@ -1,8 +1,6 @@
 #include "content/font_text.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
 #include "base/hex.h"
 #include "link/register_write.h"
@@ -14,9 +12,7 @@ namespace {
 constexpr std::string_view kBlanks = " \t\n\v\f\r";
 
 std::string export_row(std::uint16_t row) {
-  std::array<char, 32> bytes{};
-  std::snprintf(bytes.data(), bytes.size(), "0x%02X, 0x%02X,     // ", row >> 8, row & 0xFFU);
-  return bytes.data() + row_picture(row);
+  return "0x" + upper_hex(row >> 8) + ", 0x" + upper_hex(row) + ",     // " + row_picture(row);
 }
 
 /// Reads the export's line pattern the way scanf does, where a piece that does not match ends its pattern

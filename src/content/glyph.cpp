@@ -67,17 +67,17 @@ void Glyph::draw_line(GlyphPixel from, GlyphPixel to, bool drawn) {
 
 void Glyph::shift(ShiftDirection direction) {
   switch (direction) {
-    case ShiftDirection::kLeft:
+    case ShiftDirection::left:
       for (auto& row : rows_) row = static_cast<std::uint16_t>(row << 1);
       break;
-    case ShiftDirection::kRight:
+    case ShiftDirection::right:
       for (auto& row : rows_) row = static_cast<std::uint16_t>(row >> 1);
       break;
-    case ShiftDirection::kUp:
+    case ShiftDirection::up:
       std::shift_left(rows_.begin(), rows_.end(), 1);
       rows_.back() = 0;
       break;
-    case ShiftDirection::kDown:
+    case ShiftDirection::down:
       std::shift_right(rows_.begin(), rows_.end(), 1);
       rows_.front() = 0;
       break;

@@ -15,7 +15,7 @@ struct GlyphPixel {
   friend bool operator==(const GlyphPixel&, const GlyphPixel&) = default;
 };
 
-enum class ShiftDirection { kLeft, kRight, kUp, kDown };
+enum class ShiftDirection { left, right, up, down };
 
 /// One character of the on-screen display: 16 x 24 pixels, one bit each.
 class Glyph {

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "console/page_host.h"
-#include "registers/flash_image.h"
+#include "registers/kept_registers.h"
 #include "registers/register_loader.h"
 #include "registers/register_sheet.h"
 #include "registers/register_view.h"
@@ -76,7 +76,7 @@ class RegisterDesk {
   RegisterSheet sheet_;
   RegisterReader reader_;
   RegisterLoader loader_;
-  FlashImage flash_;
+  KeptRegisters flash_;
   bool answer_is_late_ = false;  ///< of the single read that runs
   bool read_failed_ = false;     ///< the last one, and the status bar says so
   Flow open_;

@@ -1,7 +1,6 @@
 #include "registers/register_file.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <functional>
 #include <optional>
 #include <utility>
@@ -85,10 +84,8 @@ std::string register_file_text(const RegDescription& description) {
   std::string text;
   for (const RegEntry& entry : description.registers) {
     if (!entry.saved() || entry.value < 0) continue;
-    char head[32];
-    std::snprintf(head, sizeof head, "0x%04X=0x%02X //", static_cast<unsigned>(entry.address),
-                  static_cast<unsigned>(entry.value));
-    text += head;
+    text += "0x" + upper_hex(static_cast<unsigned>(entry.address), 4) + "=0x" +
+            upper_hex(static_cast<unsigned>(entry.value)) + " //";
     append_name(text, entry.name);
     text += "\r\n";
   }

@@ -25,10 +25,10 @@ Traffic awb_row_traffic(const AwbValues& values, const AwbRow& row) {
   return kept(std::move(words));
 }
 
-Traffic awb_save_traffic(const AwbValues& values) {
+Traffic awb_full_save(const AwbValues& values) {
   Traffic words;
   for (std::size_t i = 0; i < kAwbWordCount; ++i) words.push_back(word_batch(values, i));
-  return full_save(std::move(words));
+  return saved(std::move(words));
 }
 
 }  // namespace qv5123

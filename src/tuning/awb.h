@@ -167,7 +167,7 @@ void limit_awb_row(AwbValues& values, const AwbRow& row);
 /// "S" of a row, after limit_awb_row(): its words, kept.
 Traffic awb_row_traffic(const AwbValues& values, const AwbRow& row);
 /// "File/Flash Save".
-Traffic awb_save_traffic(const AwbValues& values);
+Traffic awb_full_save(const AwbValues& values);
 
 /// The buttons of one write each.
 inline constexpr RegisterWrite kAwbMarkNone{0x32, 0};

@@ -22,12 +22,12 @@ ChartLine sloped_line(const AwbValues& values, const AwbRow& row, ChartPen pen, 
 
 ChartLine vertical_line(int word) {
   const double x = kAwbChartScale * word / kFraction;
-  return {'E', ChartPen::Red, {x, -60}, {x, 200}, {x, -58}};
+  return {'E', ChartPen::red, {x, -60}, {x, 200}, {x, -58}};
 }
 
 ChartLine horizontal_line(int word) {
   const double y = -kAwbChartScale * word / kFraction;
-  return {'F', ChartPen::Red, {-200, y}, {20, y}, {-200, y}};
+  return {'F', ChartPen::red, {-200, y}, {20, y}, {-200, y}};
 }
 
 }  // namespace
@@ -45,10 +45,10 @@ std::optional<ChartPoint> chroma_over_luma(const PatchColour& colour) {
 }
 
 std::array<ChartLine, 6> awb_chart_lines(const AwbValues& values) {
-  return {sloped_line(values, kAwbRows[0], ChartPen::Green, -164),
-          sloped_line(values, kAwbRows[1], ChartPen::Green, -164),
-          sloped_line(values, kAwbRows[2], ChartPen::Blue, -165),
-          sloped_line(values, kAwbRows[3], ChartPen::Blue, -165),
+  return {sloped_line(values, kAwbRows[0], ChartPen::green, -164),
+          sloped_line(values, kAwbRows[1], ChartPen::green, -164),
+          sloped_line(values, kAwbRows[2], ChartPen::blue, -165),
+          sloped_line(values, kAwbRows[3], ChartPen::blue, -165),
           vertical_line(values.words[8]),
           horizontal_line(values.words[9])};
 }

@@ -30,7 +30,7 @@ inline constexpr std::array<ChartText, 3> kAwbChartTexts{
 /// A colour in the chart's plane; `x` is Cb/Y and `y` Cr/Y. Nothing for black, which has no place in it.
 std::optional<ChartPoint> chroma_over_luma(const PatchColour& colour);
 
-enum class ChartPen { Green, Blue, Red };
+enum class ChartPen { green, blue, red };
 
 /// A white-detection line in pixels, its letter and where that is written.
 struct ChartLine {

@@ -55,7 +55,7 @@ Task<> AwbDesk::save() {
   host().show_status("AWB Data Saving...");
   co_await Delay(host().scheduler(), kBeforeSave);
   view().take_typed();
-  co_await send_save(chip_save(), "AWB Data Save Done.");
+  co_await send_save(full_save(), "AWB Data Save Done.");
 }
 
 }  // namespace qv5123

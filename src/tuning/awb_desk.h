@@ -23,7 +23,7 @@ class AwbDesk final : public PageDesk<AwbPage> {
   /// "File/Flash Save".
   Task<> save();
 
-  ChipSave chip_save() override { return {awb_save_traffic(values_), {}, {}}; }
+  FullSave full_save() override { return {awb_full_save(values_), {}, {}}; }
   Traffic control_traffic(int control) const override;
 
  private:

@@ -18,7 +18,7 @@ inline Traffic kept(Traffic block) {
 
 /// A page's save on the chip: `body` between the opening writes 0xF9 = 1, 0xFA = 1 and the closing writes
 /// 0xFA = 0, 0xF9 = 0, each of the four a flush of its own.
-inline Traffic full_save(Traffic body) {
+inline Traffic saved(Traffic body) {
   Traffic traffic = flushed_singly({{reg::kSaveBracket, 1}, {reg::kKeepBracket, 1}});
   append(traffic, std::move(body));
   append(traffic, flushed_singly({{reg::kKeepBracket, 0}, {reg::kSaveBracket, 0}}));

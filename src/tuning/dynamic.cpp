@@ -63,7 +63,7 @@ Batch colour_writes_of_save(const DynamicValues& values, const UserDataImage& im
 }
 
 /// The six rows of the bank that is shown go through the same checks as under their "Set" buttons.
-Traffic rewrite_grid(DynamicSave& save) {
+Traffic rewrite_grid(DynamicFullSave& save) {
   Traffic traffic;
   const auto bank = selected_bank(save.values.ir_led, save.values.video_mode);
   if (!bank) return traffic;
@@ -136,13 +136,13 @@ Batch smart_ir_write(const DynamicValues& values) {
   return {{kSmartIr, low_byte(values.smart_ir)}};
 }
 
-DynamicSave dynamic_save(DynamicValues values, const UserDataImage& image) {
-  DynamicSave save{std::move(values), {}, {}};
+DynamicFullSave dynamic_full_save(DynamicValues values, const UserDataImage& image) {
+  DynamicFullSave save{std::move(values), {}, {}};
   Traffic block = flushed_singly(number_writes_of_save(save.values));
   append(block, rewrite_grid(save));
   append(block, flushed_singly(bank_writes_of_save(save.values)));
   append(block, flushed_singly(colour_writes_of_save(save.values, image)));
-  save.traffic = full_save(std::move(block));
+  save.traffic = saved(std::move(block));
   return save;
 }
 

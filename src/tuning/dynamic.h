@@ -336,13 +336,13 @@ Batch smart_ir_write(const DynamicValues& values);
 /// How long the chip is left alone after a full save: it stores to flash.
 inline constexpr std::chrono::seconds kFlashStoreTime{10};
 
-struct DynamicSave {
+struct DynamicFullSave {
   /// The values after the order of the shown bank's rows was corrected.
   DynamicValues values;
   Traffic traffic;
   std::vector<StepMessage> messages;
 };
 /// "File/Flash Save".
-DynamicSave dynamic_save(DynamicValues values, const UserDataImage& image);
+DynamicFullSave dynamic_full_save(DynamicValues values, const UserDataImage& image);
 
 }  // namespace qv5123

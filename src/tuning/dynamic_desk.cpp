@@ -125,18 +125,18 @@ Task<> DynamicDesk::save(Prompts& prompts) {
   host().show_status("AE_Tune Data Saving...");
   co_await Delay(host().scheduler(), kBeforeSave);
   view().take_typed();
-  DynamicSave all = dynamic_save(values_, image());
+  DynamicFullSave all = dynamic_full_save(values_, image());
   values_ = all.values;
   view().show_values();
   spawn(tell(std::move(all.messages), prompts));
-  ChipSave on_chip{std::move(all.traffic), kFlashStoreTime, {}};
+  FullSave on_chip{std::move(all.traffic), kFlashStoreTime, {}};
   co_await send_save(std::move(on_chip), "Data Save Done...");
 }
 
-ChipSave DynamicDesk::chip_save() {
-  DynamicSave all = dynamic_save(values_, image());
+FullSave DynamicDesk::full_save() {
+  DynamicFullSave all = dynamic_full_save(values_, image());
   values_ = all.values;
-  ChipSave save{std::move(all.traffic), kFlashStoreTime, {}};
+  FullSave save{std::move(all.traffic), kFlashStoreTime, {}};
   for (const StepMessage& message : all.messages) save.corrections.push_back(text_of(message));
   return save;
 }

@@ -48,7 +48,7 @@ class DynamicDesk final : public PageDesk<DynamicPage> {
   /// "File/Flash Save".
   Task<> save(Prompts& prompts);
 
-  ChipSave chip_save() override;
+  FullSave full_save() override;
   Traffic control_traffic(int control) const override;
 
  private:

@@ -69,7 +69,7 @@ void FrontDesk::send(FrontControl control) {
 Task<> FrontDesk::save(PageHost& files) {
   view().take_typed();
   model().store(image());
-  ChipSave on_chip = chip_save();
+  FullSave on_chip = full_save();
   const bool written = co_await files.write_user_data_file();
   co_await send_save(std::move(on_chip), written ? "ISP Data Save Done." : kSavedOnChipOnly);
 }

@@ -31,7 +31,7 @@ class FrontDesk final : public PageDesk<FrontPage> {
   /// report, delay and IR on/off, would otherwise put the former file's values back with the next save.
   void follow_file();
 
-  ChipSave chip_save() override { return {front_full_save(values_), {}, {}}; }
+  FullSave full_save() override { return {front_full_save(values_), {}, {}}; }
   Traffic control_traffic(int control) const override;
 
  private:

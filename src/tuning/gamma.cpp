@@ -60,7 +60,7 @@ Traffic gamma_apply(const GammaValues& values) {
 Traffic gamma_full_save(const GammaValues& values) {
   Traffic body = curves_traffic(values, selected_curves(GammaChannel::rgb));
   append(body, RegisterWrite{kGammaChannelRegister, low_byte(static_cast<int>(values.loaded_channel))});
-  return full_save(std::move(body));
+  return saved(std::move(body));
 }
 
 }  // namespace qv5123

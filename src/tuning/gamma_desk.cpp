@@ -76,10 +76,10 @@ void GammaDesk::apply() {
 }
 
 Task<> GammaDesk::run_apply() {
-  PageSave curves;
+  LongTraffic curves;
   curves.traffic = gamma_apply(values_);
   curves.done = "Gamma data apply done";
-  co_await save_on_chip(host(), std::move(curves));
+  co_await send_with_progress(host(), std::move(curves));
 }
 
 void GammaDesk::drag(const GammaHit& points, int value) {
@@ -99,7 +99,7 @@ Task<> GammaDesk::save() {
   host().show_status("Gamma Data Saving...");
   co_await Delay(host().scheduler(), kBeforeSave);
   view().take_typed();
-  co_await send_save(chip_save(), "Gamma Save Done.");
+  co_await send_save(full_save(), "Gamma Save Done.");
 }
 
 }  // namespace qv5123

@@ -40,7 +40,7 @@ class GammaDesk final : public PageDesk<GammaPage> {
   /// "File/Flash Save", which is of the chip alone.
   Task<> save();
 
-  ChipSave chip_save() override { return {gamma_full_save(values_), {}, {}}; }
+  FullSave full_save() override { return {gamma_full_save(values_), {}, {}}; }
   Traffic control_traffic(int control) const override;
 
  private:

@@ -112,7 +112,7 @@ void LensDesk::finish(LensCalibrationResult result) {
 Task<> LensDesk::save(PageHost& files) {
   view().take_typed();
   // Before the file, which may have to be chosen: what is loaded meanwhile belongs neither there nor here.
-  ChipSave on_chip = chip_save();
+  FullSave on_chip = full_save();
   const bool written = co_await files.save_everything();
   co_await send_save(std::move(on_chip), written ? "File save done" : kSavedOnChipOnly);
 }

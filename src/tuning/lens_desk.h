@@ -42,7 +42,7 @@ class LensDesk final : public PageDesk<LensPage> {
   /// "File/Flash Save" on file and chip.
   Task<> save(PageHost& files);
 
-  ChipSave chip_save() override { return {lens_full_save(values_), {}, {}}; }
+  FullSave full_save() override { return {lens_full_save(values_), {}, {}}; }
   Traffic control_traffic(int control) const override;
 
  private:

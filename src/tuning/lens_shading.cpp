@@ -40,7 +40,7 @@ Traffic lens_send_parameters(const LensValues& values) {
 Traffic lens_full_save(const LensValues& values) {
   Traffic body = row_traffic(kParameter1, values.parameter1);
   append(body, row_traffic(kParameter2, values.parameter2));
-  return full_save(std::move(body));
+  return saved(std::move(body));
 }
 
 Batch flicker_mode_write(int mode) {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 
+#include "base/hex.h"
 #include "base/saturate.h"
 #include "tuning/brackets.h"
 
@@ -52,9 +52,7 @@ float matrix_coefficient(int code) {
 }
 
 std::string matrix_code_text(float coefficient) {
-  char text[16];
-  std::snprintf(text, sizeof text, "0x%04X", static_cast<unsigned>(matrix_code(coefficient)) & 0x1FFFu);
-  return text;
+  return "0x" + upper_hex(static_cast<unsigned>(matrix_code(coefficient)) & 0x1FFFu, 4);
 }
 
 std::optional<float> matrix_coefficient_of(std::string_view text) {
@@ -132,7 +130,7 @@ Traffic matrix_send_row(const MatrixValues& values, int row) {
 Traffic matrix_full_save(const MatrixValues& values) {
   Traffic body;
   for (int mode = 0; mode < kVideoModes; ++mode) append(body, mode_traffic(values, mode));
-  return full_save(std::move(body));
+  return saved(std::move(body));
 }
 
 }  // namespace qv5123

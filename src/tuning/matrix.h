@@ -17,7 +17,7 @@
 namespace qv5123 {
 
 /// The video modes by their numbers on the chip.
-enum VideoMode { kTvi, kAhd, kCvi, kCvbs };
+inline constexpr int kTvi = 0, kAhd = 1, kCvi = 2, kCvbs = 3;
 inline constexpr int kVideoModes = 4;
 inline constexpr int kMatrixLights = 3;  ///< "Outdoor", "Light-1", "Light-2"
 inline constexpr int kMatrixRows = 3;    ///< output red, green, blue
@@ -52,10 +52,10 @@ struct MatrixValues {
   std::size_t patch = 0;
   MeasuredColours measured{};
   int light = 0;    ///< light source, 0..2
-  int mode = kTvi;  ///< VideoMode
+  int mode = kTvi;  ///< video mode
   int ratio = 100;  ///< correction ratio, percent, see kCorrectionRatio
   Coefficients coefficients{};
-  std::array<ModeTable, kVideoModes> tables{};  ///< by VideoMode
+  std::array<ModeTable, kVideoModes> tables{};  ///< by video mode
 
   friend bool operator==(const MatrixValues&, const MatrixValues&) = default;
 };

@@ -199,7 +199,7 @@ Task<> MatrixDesk::save(PageHost& files) {
   view().take_typed();
   // Before the file, which may have to be chosen: what is loaded meanwhile
   // belongs neither there nor here.
-  ChipSave on_chip = chip_save();
+  FullSave on_chip = full_save();
   const bool written = co_await files.save_everything();
   // Until the chip's exposure and white balance run again.
   const BusyScope busy(host());

@@ -66,7 +66,7 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   /// "File/Flash Save" on file and chip.
   Task<> save(PageHost& files);
 
-  ChipSave chip_save() override { return {matrix_full_save(values_), {}, {}}; }
+  FullSave full_save() override { return {matrix_full_save(values_), {}, {}}; }
   /// Switches the picker off, which makes the chip correct colours again.
   Task<> after_save() override;
   Traffic control_traffic(int control) const override { return matrix_send_row(values_, control); }

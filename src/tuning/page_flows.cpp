@@ -51,13 +51,13 @@ Task<bool> load_from_chip(DeskHost& host, PageLoad load) {
   co_return taken;
 }
 
-Task<bool> save_on_chip(DeskHost& host, PageSave save) {
+Task<bool> send_with_progress(DeskHost& host, LongTraffic sending) {
   const BusyScope busy(host);
-  const std::size_t flushes = save.traffic.size();
+  const std::size_t flushes = sending.traffic.size();
   // Nobody else's writes may reach a chip that is storing. They wait, and the window stays live.
   std::optional<CommandLink::Hold> hold;
-  if (save.settling.count() > 0) hold.emplace(co_await host.link().hold());
-  Job job = job_of(host, std::move(save.traffic));
+  if (sending.settling.count() > 0) hold.emplace(co_await host.link().hold());
+  Job job = job_of(host, std::move(sending.traffic));
   const auto connection = std::make_shared<unsigned>();
   job.on_start = [connection, &link = host.link()] { *connection = link.connection(); };
   Pending<JobResult> sent = hold ? hold->send(std::move(job)) : host.link().send(std::move(job));
@@ -68,7 +68,7 @@ Task<bool> save_on_chip(DeskHost& host, PageSave save) {
     co_return false;
   }
   // What did reach the chip may make it store, so it is left alone also after a save that is not whole.
-  co_await wait_while_chip_stores(host, save.settling);
+  co_await wait_while_chip_stores(host, sending.settling);
   if (result.failed) {
     host.show_failure("Some of the data was cut short on the line: save again.");
     co_return false;
@@ -77,7 +77,7 @@ Task<bool> save_on_chip(DeskHost& host, PageSave save) {
     host.show_failure("The chip was away before it had stored all: save again.");
     co_return false;
   }
-  if (!save.done.empty()) host.show_status(save.done);
+  if (!sending.done.empty()) host.show_status(sending.done);
   co_return true;
 }
 

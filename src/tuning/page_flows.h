@@ -27,7 +27,7 @@ struct PageLoad {
 Task<bool> load_from_chip(DeskHost& host, PageLoad load);
 
 /// Traffic that takes a while: a page's full save, or all of its values at once.
-struct PageSave {
+struct LongTraffic {
   Traffic traffic;
   std::string done;                       ///< status text at the end; none when empty
   std::chrono::milliseconds settling{0};  ///< how long the chip stores afterwards and gets nothing else
@@ -36,7 +36,7 @@ struct PageSave {
 /// Sends the traffic as one job with progress in the status bar, and waits while the chip stores. Closing the
 /// window asks meanwhile. False, and said in the status bar, when the port failed, cut a write short or
 /// was away before the chip had stored all.
-Task<bool> save_on_chip(DeskHost& host, PageSave save);
+Task<bool> send_with_progress(DeskHost& host, LongTraffic sending);
 
 /// Status text at the end of a save on file and chip of which no file was written.
 inline constexpr char kSavedOnChipOnly[] = "Only the chip was saved: no setting file was written.";

@@ -1,8 +1,8 @@
 #include "tuning/picker_flow.h"
 
-#include <array>
-#include <cstdio>
 #include <utility>
+
+#include "base/hex.h"
 
 namespace qv5123 {
 
@@ -42,9 +42,7 @@ Task<int> read_picker_register(CommandLink& link, int address) {
 }
 
 std::string no_answer_text(int address) {
-  std::array<char, 50> text{};
-  std::snprintf(text.data(), text.size(), "Color picker: no answer from 0xF%03X", address & 0xFFF);
-  return text.data();
+  return "Color picker: no answer from 0xF" + upper_hex(static_cast<unsigned>(address), 3);
 }
 
 Task<std::string> switch_picker(CommandLink& link, bool on, IspBytes bytes, PickerPosition position) {

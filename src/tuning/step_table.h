@@ -37,7 +37,9 @@ inline constexpr std::array<BankPlace, kStepBanks> kStepBankPlaces{{{"tvi", "TVI
                                                                     {"ahd", "AHD", 0xCE, 707},
                                                                     {"cvi", "CVI", 0xD4, 803}}};
 
-enum StepRow : std::size_t { kRowIso, kRowBright, kRowSharpness, kRowNr, kRowFlatNr, kRowContrast };
+/// Rows by their place.
+inline constexpr std::size_t kRowIso = 0, kRowBright = 1, kRowSharpness = 2, kRowNr = 3, kRowFlatNr = 4,
+                             kRowContrast = 5;
 struct StepRowRule {
   const char* name;
   const char* caption;

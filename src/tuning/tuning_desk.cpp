@@ -29,12 +29,12 @@ Task<bool> TuningDesk::load_from_chip() {
   co_return co_await qv5123::load_from_chip(host_, std::move(load));
 }
 
-Task<bool> TuningDesk::send_save(ChipSave save, std::string done) {
-  PageSave on_chip;
+Task<bool> TuningDesk::send_save(FullSave save, std::string done) {
+  LongTraffic on_chip;
   on_chip.traffic = std::move(save.traffic);
   on_chip.settling = save.settling;
   on_chip.done = std::move(done);
-  const bool saved = co_await save_on_chip(host_, std::move(on_chip));
+  const bool saved = co_await send_with_progress(host_, std::move(on_chip));
   co_await after_save();
   co_return saved;
 }

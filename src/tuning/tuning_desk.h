@@ -25,7 +25,7 @@ class DeskView {
 };
 
 /// A full save as it leaves for the chip.
-struct ChipSave {
+struct FullSave {
   Traffic traffic;
   std::chrono::milliseconds settling{0};  ///< how long the chip stores afterwards and gets nothing else
   std::vector<std::string> corrections;   ///< what was changed in the values before it was sent
@@ -47,7 +47,7 @@ class TuningDesk {
   const TuningModel& model() const { return model_; }
 
   /// The full save of what the page holds, which it may correct first.
-  virtual ChipSave chip_save() = 0;
+  virtual FullSave full_save() = 0;
   /// What the page does on the chip after its full save.
   virtual Task<> after_save() { co_return; }
   /// What using a control sends now; `control` is a field's `sent_by`.
@@ -71,7 +71,7 @@ class TuningDesk {
   /// Sends a full save as one job with progress, waits while the chip stores,
   /// and does what comes after it. False, and said in the status bar, when not
   /// all of it left or the chip was away.
-  Task<bool> send_save(ChipSave save, std::string done);
+  Task<bool> send_save(FullSave save, std::string done);
 
   /// Sends the traffic of a control beside whatever else is under way, and says
   /// so once it has left: "Red row: 8 registers sent".

@@ -22,10 +22,10 @@ TEST(Glyph, ShiftsLoseWhatLeavesAndBringClearPixelsIn) {
     glyph.shift(direction);
     return glyph;
   };
-  EXPECT_EQ(shifted(ShiftDirection::kLeft), glyph_with({{14, 0}, {14, 23}}));
-  EXPECT_EQ(shifted(ShiftDirection::kRight), glyph_with({{1, 0}, {1, 23}}));
-  EXPECT_EQ(shifted(ShiftDirection::kUp), glyph_with({{0, 22}, {15, 22}}));
-  EXPECT_EQ(shifted(ShiftDirection::kDown), glyph_with({{0, 1}, {15, 1}}));
+  EXPECT_EQ(shifted(ShiftDirection::left), glyph_with({{14, 0}, {14, 23}}));
+  EXPECT_EQ(shifted(ShiftDirection::right), glyph_with({{1, 0}, {1, 23}}));
+  EXPECT_EQ(shifted(ShiftDirection::up), glyph_with({{0, 22}, {15, 22}}));
+  EXPECT_EQ(shifted(ShiftDirection::down), glyph_with({{0, 1}, {15, 1}}));
 }
 
 TEST(Glyph, LinesHaveNoGapsAndMayLeaveTheGlyph) {

@@ -63,7 +63,7 @@ TEST_P(PageRoundTrip, WhatIsSavedIsKeptForGoodAndReadBack) {
     store_all([&](std::size_t) { return static_cast<int>(random() % GetParam().count); });
     const auto desk = make_desk(GetParam().name, host, document);
     desk->model().load_all(image);
-    const ChipSave save = desk->chip_save();
+    const FullSave save = desk->full_save();
     const std::vector<int> sent = desk->model().numbers();
     store_all([&](std::size_t i) { return sent[i]; });  // some were corrected
     for (const Batch& batch : save.traffic) EXPECT_EQ(test::ask(chip, frames(batch)), "");

@@ -67,7 +67,7 @@ TEST(Dynamic, FullSaveOnTheWire) {
                       {-16, 32, 0, 40, -20, 1, 2}}};
   UserDataImage image;
   for (int i = 0; i < 3; ++i) image.set_entry(475 + i, 0x11 * (i + 1));  // of the dead pixels
-  const DynamicSave save = dynamic_save(values, image);
+  const DynamicFullSave save = dynamic_full_save(values, image);
   const std::string wire = on_wire(save.traffic);
   EXPECT_EQ(wire.substr(0, std::size(kSaveStart) - 1), kSaveStart);
   EXPECT_EQ(wire.substr(wire.size() - (std::size(kSaveEnd) - 1)), kSaveEnd);

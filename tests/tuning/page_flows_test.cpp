@@ -43,11 +43,11 @@ TEST(LoadFromChip, TakesWholeRepliesOnly) {
 }
 
 Task<> save(PageHost& host) {
-  PageSave save;
+  LongTraffic save;
   save.traffic = flushed_singly({{0xFA, 1}, {0x37, 5}, {0x38, 6}, {0xFA, 0}});
   save.done = "Data Save Done...";
   save.settling = std::chrono::seconds(10);
-  co_await save_on_chip(host, std::move(save));
+  co_await send_with_progress(host, std::move(save));
 }
 
 struct SaveOnChip : testing::Test {

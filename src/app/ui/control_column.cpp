@@ -87,50 +87,50 @@ QPushButton* ControlColumn::button(const QString& text, const QString& tip, Sign
 }
 
 void ControlColumn::add_port_box(QBoxLayout& column) {
-  column.addWidget(new QLabel(tr("COM Port (Baudrate = 19200)"), this));
+  column.addWidget(new QLabel("COM Port (Baudrate = 19200)", this));
   port_ = new QLineEdit(this);
   port_->setReadOnly(true);
-  port_->setAccessibleName(tr("COM port"));
-  port_->setToolTip(tr("The port in use"));
+  port_->setAccessibleName("COM port");
+  port_->setToolTip("The port in use");
   column.addWidget(port_);
-  column.addWidget(button(tr("Change COM Port..."), tr("Choose another port or other line settings"),
+  column.addWidget(button("Change COM Port...", "Choose another port or other line settings",
                           &ControlColumn::change_port));
 }
 
 void ControlColumn::add_file_box(QBoxLayout& column) {
-  auto* box = new QGroupBox(tr("Load/save setting file"), this);
+  auto* box = new QGroupBox("Load/save setting file", this);
   QBoxLayout* row = box_layout(box, QBoxLayout::LeftToRight);
-  row->addWidget(button(tr("Load File..."), tr("Load the user data from a setting file into every page"),
+  row->addWidget(button("Load File...", "Load the user data from a setting file into every page",
                         &ControlColumn::load_file));
   recent_files_ = new QToolButton(box);
   recent_files_->setArrowType(Qt::DownArrow);
   recent_files_->setPopupMode(QToolButton::InstantPopup);
   recent_files_->setMenu(new QMenu(recent_files_));
-  recent_files_->setAccessibleName(tr("Recent setting files"));
-  recent_files_->setToolTip(tr("Load one of the setting files used last"));
+  recent_files_->setAccessibleName("Recent setting files");
+  recent_files_->setToolTip("Load one of the setting files used last");
   recent_files_->setEnabled(false);
   row->addWidget(recent_files_);
-  row->addWidget(button(tr("Save File..."), tr("Save the values of every page to a setting file"),
-                        &ControlColumn::save_file));
+  row->addWidget(
+      button("Save File...", "Save the values of every page to a setting file", &ControlColumn::save_file));
   column.addWidget(box);
 }
 
 void ControlColumn::add_factory_buttons(QBoxLayout& column) {
-  column.addWidget(button(tr("Factory Reset"),
-                          tr("The chip returns to its factory settings at once (ISP register 0x922 = 0xCC)"),
+  column.addWidget(button("Factory Reset",
+                          "The chip returns to its factory settings at once (ISP register 0x922 = 0xCC)",
                           &ControlColumn::factory_reset));
-  column.addWidget(button(tr("Current ISP Setting copy to Factory"),
-                          tr("The chip's current user data becomes its factory data (register 0xBF)"),
+  column.addWidget(button("Current ISP Setting copy to Factory",
+                          "The chip's current user data becomes its factory data (register 0xBF)",
                           &ControlColumn::copy_to_factory));
 }
 
 void ControlColumn::add_version_box(QBoxLayout& column) {
-  auto* box = new QGroupBox(tr("Version"), this);
+  auto* box = new QGroupBox("Version", this);
   QBoxLayout* row = box_layout(box, QBoxLayout::LeftToRight);
   slot_ = new QComboBox(box);
   for (const char* name : kVersionSlotNames) slot_->addItem(name);
-  slot_->setAccessibleName(tr("Version slot"));
-  slot_->setToolTip(tr("Which of the three version numbers to show (registers 0xCB, 0xCC, 0xCD)"));
+  slot_->setAccessibleName("Version slot");
+  slot_->setToolTip("Which of the three version numbers to show (registers 0xCB, 0xCC, 0xCD)");
   on_choice(slot_, [this](int slot) { emit version_slot_chosen(slot); });
   row->addWidget(slot_, 1);
   for (std::size_t i = 0; i < version_.size(); ++i) {
@@ -139,14 +139,14 @@ void ControlColumn::add_version_box(QBoxLayout& column) {
     version_[i]->setButtonSymbols(QAbstractSpinBox::NoButtons);
     version_[i]->setAlignment(Qt::AlignCenter);
     version_[i]->setFixedWidth(44);
-    version_[i]->setAccessibleName(tr("Version number %1").arg(i + 1));
-    version_[i]->setToolTip(tr("Number %1 of the version, 0..99").arg(i + 1));
+    version_[i]->setAccessibleName(QStringLiteral("Version number %1").arg(i + 1));
+    version_[i]->setToolTip(QStringLiteral("Number %1 of the version, 0..99").arg(i + 1));
     row->addWidget(version_[i]);
   }
   QPushButton* store =
-      button(tr("S"), tr("Store the three numbers, send them to the chip and write the setting file"),
+      button("S", "Store the three numbers, send them to the chip and write the setting file",
              &ControlColumn::version_store);
-  store->setAccessibleName(tr("Store version"));
+  store->setAccessibleName("Store version");
   store->setFixedWidth(40);
   row->addWidget(store);
   column.addWidget(box);
@@ -154,12 +154,12 @@ void ControlColumn::add_version_box(QBoxLayout& column) {
 
 void ControlColumn::add_osd_pattern(QBoxLayout& column) {
   auto* row = new QHBoxLayout;
-  auto* label = new QLabel(tr("OSD Pattern Choice"), this);
+  auto* label = new QLabel("OSD Pattern Choice", this);
   osd_pattern_ = new QComboBox(this);
   for (const char* name : kOsdPatterns) osd_pattern_->addItem(name);
-  osd_pattern_->setAccessibleName(tr("OSD Pattern Choice"));
+  osd_pattern_->setAccessibleName("OSD Pattern Choice");
   osd_pattern_->setToolTip(
-      tr("The pattern that the chip shows (register 0xC9); also written to the setting file"));
+      "The pattern that the chip shows (register 0xC9); also written to the setting file");
   label->setBuddy(osd_pattern_);
   on_choice(osd_pattern_, [this](int selection) { emit osd_pattern_chosen(selection); });
   row->addWidget(label);
@@ -178,15 +178,15 @@ void ControlColumn::add_osd_keys(QBoxLayout& column) {
                                                 {"Down", OsdKey::down, 2, 1},
                                                 {"Left", OsdKey::left, 1, 0},
                                                 {"Right", OsdKey::right, 1, 2}}};
-  auto* box = new QGroupBox(tr("OSD MENU Button"), this);
+  auto* box = new QGroupBox("OSD MENU Button", this);
   auto* grid = new QGridLayout(box);
   grid->setContentsMargins(8, 4, 8, 6);
   grid->setSpacing(4);
   for (const Key& key : kKeys) {
-    auto* made = new QPushButton(tr(key.name), box);
-    made->setAccessibleName(tr("OSD %1").arg(tr(key.name)));
-    made->setToolTip(
-        tr("Key of the chip's on-screen menu (register 0x01 = %1)").arg(static_cast<int>(key.key)));
+    auto* made = new QPushButton(key.name, box);
+    made->setAccessibleName(QStringLiteral("OSD %1").arg(key.name));
+    made->setToolTip(QStringLiteral("Key of the chip's on-screen menu (register 0x01 = %1)")
+                         .arg(static_cast<int>(key.key)));
     connect(made, &QPushButton::clicked, this, [this, key = key.key] { emit osd_key(key); });
     grid->addWidget(made, key.row, key.column);
   }
@@ -194,17 +194,17 @@ void ControlColumn::add_osd_keys(QBoxLayout& column) {
 }
 
 void ControlColumn::add_download_box(QBoxLayout& column) {
-  auto* box = new QGroupBox(tr("Download"), this);
+  auto* box = new QGroupBox("Download", this);
   QBoxLayout* rows = box_layout(box, QBoxLayout::TopToBottom);
   auto* buttons = new QHBoxLayout;
-  buttons->addWidget(button(tr("FW"), tr("Send a firmware image of at most 65280 bytes to the chip"),
+  buttons->addWidget(button("FW", "Send a firmware image of at most 65280 bytes to the chip",
                             &ControlColumn::download_firmware));
-  buttons->addWidget(button(tr("FONT"), tr("Send a font image of at most 65280 bytes to the chip"),
-                            &ControlColumn::download_font));
   buttons->addWidget(
-      button(tr("System"),
-             tr("Send 1024 bytes of user data to the chip: those of the setting file that is chosen, or with "
-                "Cancel in the chooser the present ones"),
+      button("FONT", "Send a font image of at most 65280 bytes to the chip", &ControlColumn::download_font));
+  buttons->addWidget(
+      button("System",
+             "Send 1024 bytes of user data to the chip: those of the setting file that is chosen, or with "
+             "Cancel in the chooser the present ones",
              &ControlColumn::send_user_data));
   rows->addLayout(buttons);
   auto* state = new QHBoxLayout;
@@ -214,15 +214,14 @@ void ControlColumn::add_download_box(QBoxLayout& column) {
   progress_->setTextVisible(false);
   // Some styles would have it wider than the column.
   progress_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-  progress_->setAccessibleName(tr("Download progress"));
-  progress_->setToolTip(tr("How much of the image has been sent, in percent"));
+  progress_->setAccessibleName("Download progress");
+  progress_->setToolTip("How much of the image has been sent, in percent");
   state->addWidget(progress_, 1);
-  state->addWidget(new QLabel(tr("Progressing . . ."), box));
-  cancel_ =
-      button(tr("Cancel"),
-             tr("End the transfer after the block that is being sent; one that waits for its turn, at once"),
-             &ControlColumn::cancel_transfer);
-  cancel_->setAccessibleName(tr("Cancel download"));
+  state->addWidget(new QLabel("Progressing . . .", box));
+  cancel_ = button(
+      "Cancel", "End the transfer after the block that is being sent; one that waits for its turn, at once",
+      &ControlColumn::cancel_transfer);
+  cancel_->setAccessibleName("Cancel download");
   cancel_->setEnabled(false);
   state->addWidget(cancel_);
   rows->addLayout(state);
@@ -231,15 +230,15 @@ void ControlColumn::add_download_box(QBoxLayout& column) {
 
 void ControlColumn::add_console(QBoxLayout& column) {
   console_ = new ConsoleView(this);
-  console_->setAccessibleName(tr("Console"));
-  console_->setToolTip(tr("What the chip says"));
+  console_->setAccessibleName("Console");
+  console_->setToolTip("What the chip says");
   console_->setMinimumHeight(110);
   column.addWidget(console_, 1);
   auto* row = new QHBoxLayout;
-  row->addWidget(button(tr("Clear"), tr("Empty the console"), &ControlColumn::clear_console));
-  row->addWidget(button(tr("AE Info"), tr("Let the chip print its exposure values (register 0xA2)"),
-                        &ControlColumn::ae_info));
-  row->addWidget(button(tr("AWB Info"), tr("Let the chip print its white balance values (register 0xA5)"),
+  row->addWidget(button("Clear", "Empty the console", &ControlColumn::clear_console));
+  row->addWidget(
+      button("AE Info", "Let the chip print its exposure values (register 0xA2)", &ControlColumn::ae_info));
+  row->addWidget(button("AWB Info", "Let the chip print its white balance values (register 0xA5)",
                         &ControlColumn::awb_info));
   column.addLayout(row);
 }
@@ -247,7 +246,7 @@ void ControlColumn::add_console(QBoxLayout& column) {
 void ControlColumn::add_text_sender() {
   // Kept for whoever enables it from a debugger: no user reaches it.
   auto* text = new QLineEdit(this);
-  auto* send = new QPushButton(tr("SEND"), this);
+  auto* send = new QPushButton("SEND", this);
   text->setObjectName("manual-text");
   send->setObjectName("manual-send");
   for (QWidget* widget : std::initializer_list<QWidget*>{text, send}) {
@@ -261,7 +260,7 @@ void ControlColumn::add_text_sender() {
 void ControlColumn::set_port_description(const QString& text) {
   port_->setText(text);
   port_->setCursorPosition(0);
-  port_->setToolTip(text.isEmpty() ? tr("The port in use") : plain_tool_tip(text));
+  port_->setToolTip(text.isEmpty() ? "The port in use" : plain_tool_tip(text));
 }
 
 void ControlColumn::set_recent_files(const QStringList& paths) {

@@ -25,7 +25,7 @@ constexpr QSize kUsualSize{1280, 800};
 }  // namespace
 
 CMainFrame::CMainFrame(CQV5123View* view) : view_(*view) {
-  setWindowTitle(tr("QV512xC Adjustment Program  V 2.3_2"));
+  setWindowTitle("QV512xC Adjustment Program  V 2.3_2");
   setCentralWidget(view);
   fill_menu_bar();
   fill_status_bar();
@@ -38,14 +38,14 @@ CMainFrame::CMainFrame(CQV5123View* view) : view_(*view) {
 void CMainFrame::fill_menu_bar() {
   menuBar()->setNativeMenuBar(false);
   menuBar()->addActions(view_.pages().actions_in_order());
-  QAction* help = menuBar()->addAction(tr("&Help"));
+  QAction* help = menuBar()->addAction("&Help");
   help->setShortcut(QKeySequence::HelpContents);
-  help->setStatusTip(tr("How to use this program"));
+  help->setStatusTip("How to use this program");
   connect(help, &QAction::triggered, this, &CMainFrame::help_wanted);
 
-  auto* close_port = new QAction(tr("Close serial port"), this);
+  auto* close_port = new QAction("Close serial port", this);
   close_port->setObjectName("close-serial");
-  close_port->setShortcut(QKeySequence(tr("Ctrl+Shift+C")));
+  close_port->setShortcut(QKeySequence("Ctrl+Shift+C"));
   connect(close_port, &QAction::triggered, &view_, &CQV5123View::close_serial);
   addAction(close_port);
 
@@ -63,7 +63,7 @@ void CMainFrame::fill_status_bar() {
   progress_->setRange(0, 100);
   progress_->setFixedWidth(160);
   progress_->setMaximumHeight(messages_->sizeHint().height());
-  progress_->setAccessibleName(tr("Progress of the page's operation"));
+  progress_->setAccessibleName("Progress of the page's operation");
   progress_->hide();
   connection_ = new QLabel(this);
   // Its text is what assistive tools read out; a name would stand in its place.
@@ -99,7 +99,7 @@ void CMainFrame::show_progress(std::optional<int> percent) {
 }
 
 void CMainFrame::show_connected(bool connected) {
-  connection_->setText(connected ? tr("Port open") : tr("Port closed"));
+  connection_->setText(connected ? "Port open" : "Port closed");
 }
 
 bool CMainFrame::event(QEvent* event) {

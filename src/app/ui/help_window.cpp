@@ -8,14 +8,14 @@
 namespace qv5123 {
 
 HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
-  setWindowTitle(tr("QV5123 Help"));
+  setWindowTitle("QV5123 Help");
   browser_ = new QTextBrowser(this);
-  browser_->setAccessibleName(tr("Help text"));
+  browser_->setAccessibleName("Help text");
   browser_->setOpenExternalLinks(false);
   show_topic({});
   auto* bar = new QToolBar(this);
-  connect(bar->addAction(tr("Contents")), &QAction::triggered, this, [this] { show_topic({}); });
-  QAction* back = bar->addAction(tr("Back"));
+  connect(bar->addAction("Contents"), &QAction::triggered, this, [this] { show_topic({}); });
+  QAction* back = bar->addAction("Back");
   back->setShortcut(QKeySequence::Back);
   back->setEnabled(false);
   connect(back, &QAction::triggered, browser_, &QTextBrowser::backward);

@@ -85,8 +85,8 @@ void add_camera(CMainFrame& frame, Scheduler& scheduler, SimulatedBoard& board, 
     frame.resizeDocks({dock}, {kCameraWidth}, Qt::Horizontal);
   }
   QAction* show = dock->toggleViewAction();
-  show->setText(CameraDock::tr("&Camera"));
-  show->setStatusTip(CameraDock::tr("Shows the picture of the simulated camera"));
+  show->setText("&Camera");
+  show->setStatusTip("Shows the picture of the simulated camera");
   frame.menuBar()->addAction(show);
 }
 

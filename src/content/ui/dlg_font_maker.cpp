@@ -180,10 +180,10 @@ QBoxLayout* CDlgFontMaker::make_edit_rows() {
 
   auto* rows = new QVBoxLayout;
   rows->addLayout(make_tool_row({undo_, redo_, copy, paste}));
-  rows->addLayout(make_tool_row({shift("Shift left", "Ctrl+Left", ShiftDirection::kLeft),
-                                 shift("Shift right", "Ctrl+Right", ShiftDirection::kRight),
-                                 shift("Shift up", "Ctrl+Up", ShiftDirection::kUp),
-                                 shift("Shift down", "Ctrl+Down", ShiftDirection::kDown), invert}));
+  rows->addLayout(make_tool_row({shift("Shift left", "Ctrl+Left", ShiftDirection::left),
+                                 shift("Shift right", "Ctrl+Right", ShiftDirection::right),
+                                 shift("Shift up", "Ctrl+Up", ShiftDirection::up),
+                                 shift("Shift down", "Ctrl+Down", ShiftDirection::down), invert}));
   return rows;
 }
 

@@ -41,7 +41,7 @@ PortInfo entry_of(const PortSettings& settings) {
 CSerialPortSetting::CSerialPortSetting(std::vector<PortInfo> ports, const PortSettings& current, Probe probe,
                                        const std::string& why_asked, QWidget* parent)
     : QDialog(parent), ports_(std::move(ports)), settings_(current), probe_(std::move(probe)) {
-  setWindowTitle(tr("Serial Port Setting"));
+  setWindowTitle("Serial Port Setting");
   auto* form = new QFormLayout(this);
   form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
   add_reason(*form, why_asked);
@@ -74,8 +74,7 @@ void CSerialPortSetting::add_port_list(QFormLayout& form) {
   const bool listed =
       std::ranges::any_of(ports_, [this](const PortInfo& port) { return stands_for(port, settings_); });
   if (!listed && settings_ != PortSettings{}) ports_.insert(ports_.begin(), entry_of(settings_));
-  port_ =
-      list(tr("Serial Port"), "The serial ports that are there now; the path of another one can be typed");
+  port_ = list("Serial Port", "The serial ports that are there now; the path of another one can be typed");
   port_->setEditable(true);
   port_->setInsertPolicy(QComboBox::NoInsert);
   port_->setCompleter(nullptr);  // a path that is the start of another one is meant as it is
@@ -86,7 +85,7 @@ void CSerialPortSetting::add_port_list(QFormLayout& form) {
   port_->setCurrentIndex(first_shown());
   widen_drop_down();
   connect(port_, &QComboBox::editTextChanged, this, &CSerialPortSetting::update_open_button);
-  form.addRow(tr("Serial Port:"), port_);
+  form.addRow("Serial Port:", port_);
 }
 
 int CSerialPortSetting::first_shown() const {
@@ -104,9 +103,7 @@ int CSerialPortSetting::first_shown() const {
 void CSerialPortSetting::update_open_button() {
   const bool chosen = !port_->currentText().trimmed().isEmpty();
   open_->setEnabled(chosen && !opening_.running());
-  open_->setToolTip(chosen           ? tr("Use this port")
-                    : ports_.empty() ? tr("No serial port was found")
-                                     : "Choose a port");
+  open_->setToolTip(chosen ? "Use this port" : ports_.empty() ? "No serial port was found" : "Choose a port");
 }
 
 void CSerialPortSetting::widen_drop_down() {
@@ -118,19 +115,19 @@ void CSerialPortSetting::widen_drop_down() {
 }
 
 void CSerialPortSetting::add_line_lists(QFormLayout& form) {
-  baud_rate_ = list(tr("Baud Rate"), tr("Bits per second. The chip talks at 19200."));
-  data_bits_ = list(tr("Data Bits"), tr("Data bits of a character, 5..8"));
-  parity_ = list(tr("Parity"), tr("Parity bit of a character"));
-  stop_bits_ = list(tr("Stop Bits"), tr("Stop bits of a character"));
+  baud_rate_ = list("Baud Rate", "Bits per second. The chip talks at 19200.");
+  data_bits_ = list("Data Bits", "Data bits of a character, 5..8");
+  parity_ = list("Parity", "Parity bit of a character");
+  stop_bits_ = list("Stop Bits", "Stop bits of a character");
   fill(baud_rate_, kBaudRateLabels);
   fill(data_bits_, kDataBitsLabels);
   fill(parity_, kParityLabels);
   fill(stop_bits_, kStopBitsLabels);
   baud_rate_->setEnabled(false);
-  form.addRow(tr("Baud Rate:"), baud_rate_);
-  form.addRow(tr("Data Bits:"), data_bits_);
-  form.addRow(tr("Parity:"), parity_);
-  form.addRow(tr("Stop Bits:"), stop_bits_);
+  form.addRow("Baud Rate:", baud_rate_);
+  form.addRow("Data Bits:", data_bits_);
+  form.addRow("Parity:", parity_);
+  form.addRow("Stop Bits:", stop_bits_);
 }
 
 void CSerialPortSetting::add_flow_boxes(QFormLayout& form) {
@@ -141,31 +138,31 @@ void CSerialPortSetting::add_flow_boxes(QFormLayout& form) {
     box->setToolTip(tip);
     boxes->addWidget(box);
   };
-  add(dtr_dsr_, tr("DTR/DSR"), tr("Hardware flow control by the lines DTR and DSR"));
-  add(rts_cts_, tr("RTS/CTS"), tr("Hardware flow control by the lines RTS and CTS"));
-  add(xon_xoff_, tr("XON/XOFF"), tr("Software flow control by the characters 0x11 and 0x13"));
-  form.addRow(tr("Flow Control:"), boxes);
+  add(dtr_dsr_, "DTR/DSR", "Hardware flow control by the lines DTR and DSR");
+  add(rts_cts_, "RTS/CTS", "Hardware flow control by the lines RTS and CTS");
+  add(xon_xoff_, "XON/XOFF", "Software flow control by the characters 0x11 and 0x13");
+  form.addRow("Flow Control:", boxes);
 }
 
 void CSerialPortSetting::add_send_delay(QFormLayout& form) {
   auto* row = new QHBoxLayout;
   auto* delay = new QLineEdit(this);
   delay->setEnabled(false);
-  delay->setAccessibleName(tr("Send Delay"));
-  delay->setToolTip(tr("Not used"));
+  delay->setAccessibleName("Send Delay");
+  delay->setToolTip("Not used");
   row->addWidget(delay);
-  row->addWidget(new QLabel(tr("ms/Byte"), this));
-  form.addRow(tr("Send Delay:"), row);
+  row->addWidget(new QLabel("ms/Byte", this));
+  form.addRow("Send Delay:", row);
 }
 
 void CSerialPortSetting::add_buttons(QFormLayout& form) {
   auto* box = new QDialogButtonBox(this);
-  open_ = box->addButton(tr("Open"), QDialogButtonBox::AcceptRole);
+  open_ = box->addButton("Open", QDialogButtonBox::AcceptRole);
   open_->setDefault(true);
-  QPushButton* cancel = box->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
-  open_->setAccessibleName(tr("Open port"));
-  cancel->setAccessibleName(tr("Cancel port setting"));
-  cancel->setToolTip(tr("Change nothing"));
+  QPushButton* cancel = box->addButton("Cancel", QDialogButtonBox::RejectRole);
+  open_->setAccessibleName("Open port");
+  cancel->setAccessibleName("Cancel port setting");
+  cancel->setToolTip("Change nothing");
   connect(box, &QDialogButtonBox::accepted, this, [this] {
     if (!opening_.running()) opening_.start(try_open());
   });

@@ -13,11 +13,11 @@ constexpr int kBoxDistance = 6;         // pixels between boxes, at least
 }  // namespace
 
 BitBoxes::BitBoxes(QWidget* parent)
-    : QWidget(parent), digits_(new QLabel(tr("7   6   5   4   3   2   1   0"), this)) {
+    : QWidget(parent), digits_(new QLabel("7   6   5   4   3   2   1   0", this)) {
   for (int bit = 7; bit >= 0; --bit) {
     auto* box = new QCheckBox(this);
-    box->setAccessibleName(tr("Bit %1").arg(bit));
-    box->setToolTip(tr("Bit %1 of the value").arg(bit));
+    box->setAccessibleName(QStringLiteral("Bit %1").arg(bit));
+    box->setToolTip(QStringLiteral("Bit %1 of the value").arg(bit));
     // A screen reader toggles a box without a click.
     connect(box, &QCheckBox::toggled, this, [this] { emit toggled(bits()); });
     boxes_[static_cast<std::size_t>(bit)] = box;

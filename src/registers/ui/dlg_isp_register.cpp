@@ -18,7 +18,7 @@
 namespace qv5123 {
 namespace {
 
-enum FieldColumn { kBit, kFieldName, kDescription, kSample, kData, kFieldColumns };
+constexpr int kBit = 0, kFieldName = 1, kDescription = 2, kSample = 3, kData = 4, kFieldColumns = 5;
 
 struct ColumnLayout {
   const char* heading;
@@ -94,10 +94,10 @@ CDlgIspRegister::CDlgIspRegister(PageHost& host, QWidget* parent)
 CDlgIspRegister::~CDlgIspRegister() = default;
 
 QBoxLayout* CDlgIspRegister::make_list_column() {
-  category_->setToolTip(tr("Group of registers in the description"));
+  category_->setToolTip("Group of registers in the description");
   category_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   auto* row = new QHBoxLayout;
-  row->addWidget(label_of(tr("Category:"), category_, tr("Category")));
+  row->addWidget(label_of("Category:", category_, "Category"));
   row->addWidget(category_, 1);
   auto* column = new QVBoxLayout;
   column->addLayout(row);
@@ -108,8 +108,8 @@ QBoxLayout* CDlgIspRegister::make_list_column() {
 void CDlgIspRegister::make_list() {
   list_model_ = new RegisterListModel(desk_.sheet(), this);
   list_->setModel(list_model_);
-  list_->setAccessibleName(tr("Registers"));
-  list_->setToolTip(tr("Registers of the category; a selected one is read"));
+  list_->setAccessibleName("Registers");
+  list_->setToolTip("Registers of the category; a selected one is read");
   list_->setSelectionBehavior(QAbstractItemView::SelectRows);
   list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
   list_->setTabKeyNavigation(false);
@@ -138,8 +138,8 @@ void CDlgIspRegister::make_list() {
 }
 
 void CDlgIspRegister::make_field_table() {
-  fields_->setAccessibleName(tr("Bit fields"));
-  fields_->setToolTip(tr("Bit fields of the register at the address, with their part of the value"));
+  fields_->setAccessibleName("Bit fields");
+  fields_->setToolTip("Bit fields of the register at the address, with their part of the value");
   fields_->set_size(kFieldColumns, static_cast<int>(RegisterSheet::kFieldRows));
   for (int column = 0; column < kFieldColumns; ++column) {
     fields_->set_column_heading(column, QLatin1String(kFieldTable[column].heading));
@@ -156,20 +156,20 @@ QBoxLayout* CDlgIspRegister::make_register_column() {
 }
 
 QBoxLayout* CDlgIspRegister::make_address_rows() {
-  address_->setToolTip(tr(
+  address_->setToolTip(
       "Register address, four hexadecimal digits; the arrows keep within 0xF800..0xFFFF, the chip takes the "
-      "low 12 bits (registers 0x92 and 0x94). Enter reads."));
-  value_->setToolTip(tr("Register value, 0x00..0xFF"));
-  name_->setToolTip(tr("Name of the register at the address"));
+      "low 12 bits (registers 0x92 and 0x94). Enter reads.");
+  value_->setToolTip("Register value, 0x00..0xFF");
+  name_->setToolTip("Name of the register at the address");
   name_->setEnabled(false);
   fit_to(address_, "0xDDDD");
   fit_to(value_, "0xDDDD");
-  auto* address_spin = new SpinArrows(tr("Address"));
-  auto* value_spin = new SpinArrows(tr("Value"));
+  auto* address_spin = new SpinArrows("Address");
+  auto* value_spin = new SpinArrows("Value");
   connect(address_spin, &SpinArrows::stepped, address_, &CMyHexEdit::step);
   connect(value_spin, &SpinArrows::stepped, value_, &CMyHexEdit::step);
-  read_ = make_button(tr("Read"), tr("Reads the register at the address"), &RegisterDesk::read);
-  write_ = make_button(tr("Write"), tr("Writes the value to the address"), &RegisterDesk::write);
+  read_ = make_button("Read", "Reads the register at the address", &RegisterDesk::read);
+  write_ = make_button("Write", "Writes the value to the address", &RegisterDesk::write);
 
   auto* grid = new QGridLayout;
   const auto add_edit = [grid](int row, QLabel* label, CMyHexEdit* edit, SpinArrows* spin,
@@ -183,9 +183,9 @@ QBoxLayout* CDlgIspRegister::make_address_rows() {
     grid->addLayout(pair, row, 1);
     grid->addWidget(button, row, 2);
   };
-  add_edit(0, label_of(tr("Address:"), address_, tr("Address")), address_, address_spin, read_);
-  add_edit(1, label_of(tr("Value:"), value_, tr("Value")), value_, value_spin, write_);
-  grid->addWidget(label_of(tr("Name:"), name_, tr("Name")), 0, 3);
+  add_edit(0, label_of("Address:", address_, "Address"), address_, address_spin, read_);
+  add_edit(1, label_of("Value:", value_, "Value"), value_, value_spin, write_);
+  grid->addWidget(label_of("Name:", name_, "Name"), 0, 3);
   grid->addWidget(name_, 0, 4);
   grid->addWidget(bits_, 1, 4, Qt::AlignLeft | Qt::AlignVCenter);
   grid->setColumnStretch(4, 1);
@@ -204,26 +204,24 @@ QPushButton* CDlgIspRegister::make_button(const QString& caption, const QString&
 }
 
 QBoxLayout* CDlgIspRegister::make_button_rows() {
-  load_category_ = make_button(tr("Load From ISP"), tr("Reads all registers of the category, 150 ms each"),
+  load_category_ = make_button("Load From ISP", "Reads all registers of the category, 150 ms each",
                                &RegisterDesk::load_category);
-  load_all_ =
-      make_button(tr(RegisterButtons::kLoadAll), tr("Reads every register of the description, 150 ms each"),
-                  &RegisterDesk::load_all);
-  stop_ = make_button(tr("Stop"), tr("Ends the reading of registers, wherever it has come to"),
-                      &RegisterDesk::stop);
-  stop_->setAccessibleName(tr("Stop reading registers"));
+  load_all_ = make_button(RegisterButtons::kLoadAll, "Reads every register of the description, 150 ms each",
+                          &RegisterDesk::load_all);
+  stop_ = make_button("Stop", "Ends the reading of registers, wherever it has come to", &RegisterDesk::stop);
+  stop_->setAccessibleName("Stop reading registers");
   stop_->setEnabled(false);
-  save_file_ = make_button(tr("Save REG to File..."), tr("Writes the registers read so far to a text file"),
+  save_file_ = make_button("Save REG to File...", "Writes the registers read so far to a text file",
                            &RegisterDesk::save_file);
-  load_file_ = make_button(tr(RegisterButtons::kLoadFile),
-                           tr("Writes the registers of a text file to the chip"), &RegisterDesk::load_file);
+  load_file_ = make_button(RegisterButtons::kLoadFile, "Writes the registers of a text file to the chip",
+                           &RegisterDesk::load_file);
   QPushButton* flash =
-      make_button(tr("Write REG to Flash"),
-                  tr("Stores the registers 0xF800..0xFFFF in the chip's flash (registers 0xDC..0xE0); "
-                     "not available"),
+      make_button("Write REG to Flash",
+                  "Stores the registers 0xF800..0xFFFF in the chip's flash (registers 0xDC..0xE0); "
+                  "not available",
                   &RegisterDesk::write_flash);
   flash->setEnabled(false);
-  reserve_width(load_all_, tr("Load All From ISP(100%)"));
+  reserve_width(load_all_, "Load All From ISP(100%)");
   auto* upper = new QHBoxLayout;
   for (QPushButton* button : {load_category_, load_all_, stop_}) upper->addWidget(button);
   upper->addStretch();

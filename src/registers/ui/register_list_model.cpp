@@ -39,13 +39,13 @@ QVariant RegisterListModel::headerData(int section, Qt::Orientation orientation,
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
   switch (section) {
     case kNumber:
-      return tr("No.");
+      return "No.";
     case kAddress:
-      return tr("Addr");
+      return "Addr";
     case kName:
-      return tr("Name");
+      return "Name";
     default:
-      return tr("Value");
+      return "Value";
   }
 }
 

@@ -14,7 +14,7 @@ class RegisterListModel final : public QAbstractTableModel {
   Q_OBJECT
 
  public:
-  enum Column { kNumber, kAddress, kName, kValue, kColumns };
+  static constexpr int kNumber = 0, kAddress = 1, kName = 2, kValue = 3, kColumns = 4;
 
   explicit RegisterListModel(const RegisterSheet& sheet, QObject* parent = nullptr)
       : QAbstractTableModel(parent), sheet_(sheet) {}

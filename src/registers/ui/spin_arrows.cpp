@@ -23,8 +23,8 @@ SpinArrows::SpinArrows(const QString& name, QWidget* parent) : QWidget(parent) {
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
-  QToolButton* up = arrow(Qt::UpArrow, name + tr(" up"), name + tr(" + 1"));
-  QToolButton* down = arrow(Qt::DownArrow, name + tr(" down"), name + tr(" - 1"));
+  QToolButton* up = arrow(Qt::UpArrow, name + " up", name + " + 1");
+  QToolButton* down = arrow(Qt::DownArrow, name + " down", name + " - 1");
   layout->addWidget(up);
   layout->addWidget(down);
   connect(up, &QToolButton::clicked, this, [this] { emit stepped(1); });

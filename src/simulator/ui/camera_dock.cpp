@@ -17,9 +17,8 @@ namespace {
 constexpr QSize kLargestPicture{640, 360};
 
 QString scene_text(const Scene& scene) {
-  const QString kind =
-      scene.kind == Scene::Kind::flat ? CameraDock::tr("Flat field") : CameraDock::tr("Colour chart");
-  return CameraDock::tr("%1, %2 x %3").arg(kind).arg(scene.width).arg(scene.height);
+  const QString kind = scene.kind == Scene::Kind::flat ? "Flat field" : "Colour chart";
+  return QStringLiteral("%1, %2 x %3").arg(kind).arg(scene.width).arg(scene.height);
 }
 
 QImage image_of(const Preview& preview) {
@@ -34,20 +33,20 @@ QImage image_of(const Preview& preview) {
 }  // namespace
 
 CameraDock::CameraDock(WithChip with_chip, Scheduler& scheduler, QWidget* parent)
-    : QDockWidget(tr("Camera"), parent), with_chip_(std::move(with_chip)), background_(scheduler) {
+    : QDockWidget("Camera", parent), with_chip_(std::move(with_chip)), background_(scheduler) {
   setObjectName("camera");
   auto* content = new QWidget(this);
   scene_ = new QComboBox(content);
   scene_->setObjectName("scene");
-  scene_->setAccessibleName(tr("Scene"));
-  scene_->setToolTip(tr("What the simulated camera looks at"));
+  scene_->setAccessibleName("Scene");
+  scene_->setToolTip("What the simulated camera looks at");
   for (const char* name : kSceneNames) {
     scene_->addItem(scene_text(scene_named(name).value_or(Scene{})), QString::fromLatin1(name));
   }
   view_ = new PictureView(content);
-  view_->setAccessibleName(tr("Picture of the simulated camera"));
+  view_->setAccessibleName("Picture of the simulated camera");
   text_ = new QLabel(content);
-  text_->setAccessibleName(tr("Exposure and white balance"));
+  text_->setAccessibleName("Exposure and white balance");
   auto* layout = new QVBoxLayout(content);
   layout->addWidget(scene_);
   layout->addWidget(text_);
@@ -98,7 +97,7 @@ Task<> CameraDock::compute(Order order) {
   shown_ = order;
   show_scene(order.camera.scene());
   const PictureSettings& settings = order.settings;
-  text_->setText(tr("Gain %1   R %2   B %3")
+  text_->setText(QStringLiteral("Gain %1   R %2   B %3")
                      .arg(settings.gain, 0, 'f', 2)
                      .arg(settings.white_balance[0], 0, 'f', 2)
                      .arg(settings.white_balance[2], 0, 'f', 2));

@@ -21,11 +21,11 @@ constexpr QRgb kBackground = qRgb(0xC4, 0xC4, 0xC4);
 
 QColor colour_of(ChartPen pen) {
   switch (pen) {
-    case ChartPen::Green:
+    case ChartPen::green:
       return {0, 160, 0};
-    case ChartPen::Blue:
+    case ChartPen::blue:
       return {0, 0, 255};
-    case ChartPen::Red:
+    case ChartPen::red:
       break;
   }
   return {255, 0, 0};

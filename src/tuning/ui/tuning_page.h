@@ -27,13 +27,13 @@ class TuningPage : public QWidget, public Page {
   }
   bool saving() const { return save_.running(); }
   /// Sends at once what takes a while, beside whatever else is under way.
-  void send_with_progress(PageSave values) { flows_.spawn(run_send(std::move(values))); }
+  void send_with_progress(LongTraffic values) { flows_.spawn(run_send(std::move(values))); }
   /// Lets `task` run to its end, or the page's.
   void spawn(Task<> task) { flows_.spawn(std::move(task)); }
 
  private:
   Task<> run_load(PageLoad load) { co_await load_from_chip(host_, std::move(load)); }
-  Task<> run_send(PageSave values) { co_await save_on_chip(host_, std::move(values)); }
+  Task<> run_send(LongTraffic values) { co_await qv5123::send_with_progress(host_, std::move(values)); }
 
   PageHost& host_;
   Flow load_;

@@ -38,9 +38,9 @@ constexpr int kExpectedEnd = 0;
 Task<> save_for_ever(PageHost& host) {
   for (;;) {
     for (const Traffic& traffic : {gamma_full_save({}), matrix_full_save({}), lens_full_save({})}) {
-      PageSave save;
+      LongTraffic save;
       save.traffic = traffic;
-      co_await save_on_chip(host, std::move(save));
+      co_await send_with_progress(host, std::move(save));
     }
   }
 }

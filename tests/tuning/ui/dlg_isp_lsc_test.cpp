@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/hex.h"
 #include "support/page_bench.h"
 
 namespace qv5123 {
@@ -24,9 +25,7 @@ class LensPage : public test::PageBench<CDlgIspLSC> {
       if (bytes == "@940c*@943d*") level = static_cast<int>(240 / (1 + 0.5 * d * d));
       if (bytes == "@940c*@943e*") level = x == dark_at ? 0 : static_cast<int>(200 / (1 + 0.5 * d * d));
       if (bytes == "@940c*@943f*") level = static_cast<int>(160 / (1 + 0.5 * d * d));
-      char reply[8];
-      std::snprintf(reply, sizeof reply, "~%02x^", static_cast<unsigned>(level));
-      fake_.receive(reply);
+      fake_.receive("~" + lower_hex(static_cast<unsigned>(level)) + "^");
     };
   }
   void start_calibration() {

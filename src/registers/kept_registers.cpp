@@ -1,4 +1,4 @@
-#include "registers/flash_image.h"
+#include "registers/kept_registers.h"
 
 #include <span>
 
@@ -24,7 +24,7 @@ Chunk block_chunk(std::size_t number, std::span<const std::uint8_t> bytes, Regis
 
 }  // namespace
 
-void FlashImage::collect(const RegDescription& description) {
+void KeptRegisters::collect(const RegDescription& description) {
   for (const RegEntry& entry : description.registers) {
     if (!entry.saved() || entry.address < kFirstAddress) continue;
     const auto at = static_cast<std::size_t>(entry.address - kFirstAddress);
@@ -33,7 +33,7 @@ void FlashImage::collect(const RegDescription& description) {
   }
 }
 
-Job FlashImage::transfer() const {
+Job KeptRegisters::transfer() const {
   Job job;
   job.chunks.push_back(block_chunk(0, mask_, {kEndOfMask, 0}));
   for (std::size_t block = 0; block < kSize / kBlock; ++block) {

@@ -11,7 +11,7 @@ namespace qv5123 {
 
 /// The chip's flash copy of the registers 0xF800..0xFFFF: their values, and a mask of those that are valid.
 /// What was marked once stays marked; only a new image is empty.
-class FlashImage {
+class KeptRegisters {
  public:
   static constexpr int kFirstAddress = 0xF800;
   static constexpr std::size_t kSize = 2048;
