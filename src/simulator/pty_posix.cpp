@@ -71,12 +71,23 @@ std::error_code make_link_beside(const fs::path& link, const std::string& target
   return error;
 }
 
-/// Puts the link in place in one step, over an older link but over nothing else.
-std::string place_link(const fs::path& link, const std::string& target) {
+/// Why nothing may be put in the place of `link`; empty if it may. A link to another pseudo-terminal was left
+/// by a run that was killed.
+std::string refusal_to_replace(const fs::path& link, const std::string& target) {
   std::error_code error;
   const fs::file_status status = fs::symlink_status(link, error);
-  if (fs::exists(status) && !fs::is_symlink(status))
-    return "--link " + link.string() + " exists and is not a link";
+  if (!fs::exists(status)) return {};
+  if (!fs::is_symlink(status)) return "--link " + link.string() + " exists and is not a link";
+  const fs::path leads_to = fs::read_symlink(link, error);
+  if (leads_to.parent_path() == fs::path(target).parent_path()) return {};
+  return "--link " + link.string() + " exists and leads to " + leads_to.string();
+}
+
+/// Puts the link in place in one step.
+std::string place_link(const fs::path& link, const std::string& target) {
+  std::error_code error;
+  const std::string refusal = refusal_to_replace(link, target);
+  if (!refusal.empty()) return refusal;
   fs::path fresh;
   error = make_link_beside(link, target, fresh);
   if (error) return "--link " + link.string() + ": " + error.message();

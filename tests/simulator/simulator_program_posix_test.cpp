@@ -41,7 +41,11 @@ TEST(SimulatorProgram, ServesHostsThatComeAndGo) {
     ::poll(nullptr, 0, 200);
   }
   EXPECT_LT(simulator.processor_time(), 2);
-  EXPECT_EQ(simulator.end(SIGTERM), 0);
+  simulator.end(SIGKILL);
+  EXPECT_TRUE(fs::is_symlink(link));
+  Program next("qv5123sim", {"--link", link.string()});
+  EXPECT_EQ(fs::read_symlink(link), next.line()) << "what a killed run left is replaced";
+  EXPECT_EQ(next.end(SIGTERM), 0);
   EXPECT_FALSE(fs::exists(fs::symlink_status(link)));
 }
 
@@ -81,6 +85,10 @@ TEST(SimulatorProgram, AnswersOnAPortThatItIsGiven) {
 TEST(SimulatorProgram, NamesABadOptionInOneLine) {
   const fs::path file = fresh_path("qv5123sim-file");
   std::ofstream(file) << "mine";
+  const fs::path link = fresh_path("qv5123sim-users");
+  const fs::path dangling = fresh_path("qv5123sim-dangling");
+  fs::create_symlink(file, link);
+  fs::create_symlink("nowhere", dangling);
   const struct {
     std::vector<std::string> arguments;
     std::string complaint;
@@ -88,12 +96,15 @@ TEST(SimulatorProgram, NamesABadOptionInOneLine) {
       {{"--fault", "drop=0.1", "--fault", "drop=2"}, "--fault \"drop=2\" needs a rate from 0 to 1"},
       {{"--line-rate", "0"}, "--line-rate: Value 0 not in range 1 to 100000000"},
       {{"--link", file.string()}, "--link " + file.string() + " exists and is not a link"},
+      {{"--link", link.string()}, "--link " + link.string() + " exists and leads to " + file.string()},
+      {{"--link", dangling.string()}, "--link " + dangling.string() + " exists and leads to nowhere"},
   };
   for (const auto& bad : cases) {
     Program simulator("qv5123sim", bad.arguments);
     EXPECT_EQ(simulator.errors(), "qv5123sim: " + bad.complaint + "\n");
     EXPECT_EQ(simulator.end(), 2);
   }
-  EXPECT_EQ(fs::file_size(file), 4u);
-  fs::remove(file);
+  EXPECT_EQ(fs::file_size(link), 4u);
+  EXPECT_EQ(fs::read_symlink(dangling), "nowhere");
+  for (const fs::path& path : {file, link, dangling}) fs::remove(path);
 }
