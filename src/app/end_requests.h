@@ -1,10 +1,10 @@
 #pragma once
 
 #include <functional>
-#include <mutex>
 #include <utility>
 
 #include "base/interrupts.h"
+#include "base/mutex.h"
 
 namespace qv5123 {
 
@@ -19,21 +19,21 @@ class EndRequests {
 
   /// `on_first` is called on another thread. Empty: nobody is there any more.
   void pass_on_to(std::function<void()> on_first) {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     on_first_ = std::move(on_first);
   }
 
  private:
   void requested() {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     const auto on_first = std::exchange(on_first_, {});
     if (!on_first) return end_process_();
     on_first();
   }
 
   const std::function<void()> end_process_;
-  std::mutex mutex_;
-  std::function<void()> on_first_;
+  Mutex mutex_;
+  std::function<void()> on_first_ GUARDED_BY(mutex_);
   Interrupts interrupts_;
 };
 

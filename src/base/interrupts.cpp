@@ -22,18 +22,18 @@ Interrupts::~Interrupts() {
 }
 
 void Interrupts::heard() {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   heard_by_.reset();
 }
 
 void Interrupts::ending() {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   if (!ended_by_) ended_by_ = Clock::now() + kEndedWithin;
 }
 
 /// Nothing where the program is in no delay; 0 when it is late.
 std::optional<milliseconds> Interrupts::time_left() {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   if (!heard_by_ && !ended_by_) return std::nullopt;
   const Time end = std::min(heard_by_.value_or(Time::max()), ended_by_.value_or(Time::max()));
   return std::max(milliseconds(0), std::chrono::ceil<milliseconds>(end - Clock::now()));
@@ -53,7 +53,7 @@ void Interrupts::watch() {
     if (waited != StopRequests::Wait::request) continue;
     requested = true;
     {
-      const std::lock_guard lock(mutex_);
+      const MutexLock lock(mutex_);
       if (!heard_by_) heard_by_ = Clock::now() + kHeardWithin;
     }
     on_interrupt_();

@@ -2,11 +2,11 @@
 
 #include <chrono>
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
 
+#include "base/mutex.h"
 #include "base/stop_requests.h"
 
 namespace qv5123 {
@@ -48,9 +48,9 @@ class Interrupts {
   const std::function<void()> on_interrupt_;
   const std::optional<ByForce> by_force_;
   StopRequests requests_;
-  std::mutex mutex_;
-  std::optional<Time> heard_by_;
-  std::optional<Time> ended_by_;
+  Mutex mutex_;
+  std::optional<Time> heard_by_ GUARDED_BY(mutex_);
+  std::optional<Time> ended_by_ GUARDED_BY(mutex_);
   std::thread thread_;
 };
 

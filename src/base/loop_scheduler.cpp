@@ -25,30 +25,34 @@ void LoopScheduler::cancel(TimerId id) {
 
 void LoopScheduler::post(Callback callback) {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     posted_.push_back(std::move(callback));
   }
   posted_signal_.notify_all();
 }
 
 void LoopScheduler::run_until(const std::function<bool()>& done) {
-  std::unique_lock lock(mutex_);
-  while (true) {
-    lock.unlock();
-    if (done()) return;
-    lock.lock();
-    if (serve_one(lock)) continue;
-    if (timers_.empty()) {
-      posted_signal_.wait(lock, [this] { return !posted_.empty(); });
-    } else {
-      posted_signal_.wait_until(lock, timers_.begin()->first.at, [this] { return !posted_.empty(); });
-    }
+  while (!done()) {
+    if (const Callback callback = next()) callback();
   }
+}
+
+/// What is to be called now; nothing after a wait for it.
+Scheduler::Callback LoopScheduler::next() {
+  const MutexLock lock(mutex_);
+  if (Callback callback = take_one()) return callback;
+  const auto is_posted = [this]() REQUIRES(mutex_) { return !posted_.empty(); };
+  if (timers_.empty()) {
+    posted_signal_.wait(mutex_, is_posted);
+  } else {
+    posted_signal_.wait_until(mutex_, timers_.begin()->first.at, is_posted);
+  }
+  return {};
 }
 
 // Posted calls go first: what came from the chip is there before the wait for it is over. Without end they
 // must not hold up the timers.
-bool LoopScheduler::serve_one(std::unique_lock<std::mutex>& lock) {
+Scheduler::Callback LoopScheduler::take_one() {
   Callback callback;
   const bool timer_waits = posts_in_a_row_ >= kMostPostsInARow && timer_is_due();
   if (!posted_.empty() && !timer_waits) {
@@ -62,12 +66,8 @@ bool LoopScheduler::serve_one(std::unique_lock<std::mutex>& lock) {
     timers_.erase(timers_.begin());
   } else {
     posts_in_a_row_ = 0;
-    return false;
   }
-  lock.unlock();
-  callback();
-  lock.lock();
-  return true;
+  return callback;
 }
 
 }  // namespace qv5123

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <map>
-#include <mutex>
 
+#include "base/mutex.h"
 #include "base/scheduler.h"
 
 namespace qv5123 {
@@ -25,7 +24,8 @@ class LoopScheduler : public Scheduler {
   using Clock = std::chrono::steady_clock;
   static constexpr int kMostPostsInARow = 64;
   bool timer_is_due() const { return !timers_.empty() && timers_.begin()->first.at <= Clock::now(); }
-  bool serve_one(std::unique_lock<std::mutex>& lock);
+  Callback next();
+  Callback take_one() REQUIRES(mutex_);
 
   struct Due {
     Clock::time_point at;
@@ -36,9 +36,9 @@ class LoopScheduler : public Scheduler {
   std::map<Due, Callback> timers_;
   std::map<TimerId, Clock::time_point> due_times_;
   TimerId last_id_ = 0;
-  std::mutex mutex_;
-  std::condition_variable posted_signal_;
-  std::deque<Callback> posted_;
+  Mutex mutex_;
+  Condition posted_signal_;
+  std::deque<Callback> posted_ GUARDED_BY(mutex_);
   int posts_in_a_row_ = 0;
 };
 

@@ -6,7 +6,7 @@ namespace qv5123 {
 
 WorkerThread::~WorkerThread() {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (!ending_when_done_) ending_ = true;
   }
   wake_.notify_all();
@@ -15,7 +15,7 @@ WorkerThread::~WorkerThread() {
 
 void WorkerThread::run(std::function<void()> work) {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     work_.push_back(std::move(work));
   }
   wake_.notify_all();
@@ -23,7 +23,7 @@ void WorkerThread::run(std::function<void()> work) {
 
 void WorkerThread::end() {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     ending_ = true;
   }
   wake_.notify_all();
@@ -31,29 +31,28 @@ void WorkerThread::end() {
 
 void WorkerThread::end_when_done() {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     ending_when_done_ = true;
   }
   wake_.notify_all();
 }
 
 bool WorkerThread::ending() const {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   return ending_;
 }
 
 void WorkerThread::serve() {
-  std::unique_lock lock(mutex_);
+  const MutexLock lock(mutex_);
   while (true) {
-    wake_.wait(lock, [this] { return ending_ || ending_when_done_ || !work_.empty(); });
+    wake_.wait(mutex_, [this]() REQUIRES(mutex_) { return ending_ || ending_when_done_ || !work_.empty(); });
     if (ending_ || work_.empty()) return;
     std::function<void()> work = std::move(work_.front());
     work_.pop_front();
-    lock.unlock();
+    const MutexUnlock unlocked(mutex_);
     work();
     // What the work holds goes before the lock is taken again.
     work = nullptr;
-    lock.lock();
   }
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <condition_variable>
 #include <deque>
 #include <functional>
-#include <mutex>
 #include <thread>
+
+#include "base/mutex.h"
 
 namespace qv5123 {
 
@@ -28,11 +28,11 @@ class WorkerThread {
  private:
   void serve();
 
-  mutable std::mutex mutex_;
-  std::condition_variable wake_;
-  std::deque<std::function<void()>> work_;
-  bool ending_ = false;
-  bool ending_when_done_ = false;
+  mutable Mutex mutex_;
+  Condition wake_;
+  std::deque<std::function<void()>> work_ GUARDED_BY(mutex_);
+  bool ending_ GUARDED_BY(mutex_) = false;
+  bool ending_when_done_ GUARDED_BY(mutex_) = false;
   std::thread thread_;
 };
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <condition_variable>
 #include <cstddef>
-#include <mutex>
+
+#include "base/mutex.h"
 
 namespace qv5123 {
 
@@ -13,8 +13,8 @@ class Throttle {
 
   /// Waits for room and takes it. False once it has ended.
   bool enter() {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return room_ > 0 || ended_; });
+    const MutexLock lock(mutex_);
+    changed_.wait(mutex_, [this]() REQUIRES(mutex_) { return room_ > 0 || ended_; });
     if (ended_) return false;
     --room_;
     return true;
@@ -22,7 +22,7 @@ class Throttle {
   /// One thing is dealt with.
   void leave() {
     {
-      const std::lock_guard lock(mutex_);
+      const MutexLock lock(mutex_);
       ++room_;
     }
     changed_.notify_one();
@@ -30,17 +30,17 @@ class Throttle {
   /// Nobody waits from now on.
   void end() {
     {
-      const std::lock_guard lock(mutex_);
+      const MutexLock lock(mutex_);
       ended_ = true;
     }
     changed_.notify_all();
   }
 
  private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  std::size_t room_;
-  bool ended_ = false;
+  Mutex mutex_;
+  Condition changed_;
+  std::size_t room_ GUARDED_BY(mutex_);
+  bool ended_ GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace qv5123

@@ -59,7 +59,7 @@ void Trace::note(char direction, std::span<const std::uint8_t> bytes) {
     line += ' ' + lower_hex(byte);
     characters += shown(byte);
   }
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   file_ << line << " |" << characters << "|\n" << std::flush;
   if (!file_) ok_ = false;
 }

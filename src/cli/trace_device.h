@@ -5,10 +5,10 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <mutex>
 #include <span>
 #include <string>
 
+#include "base/mutex.h"
 #include "link/serial_device.h"
 
 namespace qv5123 {
@@ -32,8 +32,8 @@ class Trace {
 
  private:
   const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-  std::mutex mutex_;
-  std::ofstream file_;
+  Mutex mutex_;
+  std::ofstream file_ GUARDED_BY(mutex_);
   std::atomic<bool> ok_{true};
 };
 

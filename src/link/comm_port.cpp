@@ -44,7 +44,7 @@ OpenResult CCommPort::open(const std::string& name, const LineSettings& settings
 
 void CCommPort::close() {
   {
-    const std::lock_guard lock(pause_mutex_);
+    const MutexLock lock(pause_mutex_);
     connected_ = false;
     ++times_closed_;
   }
@@ -54,10 +54,11 @@ void CCommPort::close() {
 }
 
 void CCommPort::pause(std::chrono::milliseconds time) {
-  std::unique_lock lock(pause_mutex_);
+  const MutexLock lock(pause_mutex_);
   if (!connected_) return;
   // It may be open again by the time this wakes up.
-  closing_.wait_for(lock, time, [this, before = times_closed_.load()] { return times_closed_ != before; });
+  closing_.wait_for(pause_mutex_, time,
+                    [this, before = times_closed_.load()] { return times_closed_ != before; });
 }
 
 std::size_t CCommPort::write(std::span<const std::uint8_t> bytes, Pacing pacing, const Follower& follower) {

@@ -2,14 +2,13 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <span>
 #include <string>
 #include <thread>
 
+#include "base/mutex.h"
 #include "link/command_buffer.h"
 #include "link/ring_queue.h"
 #include "link/sender.h"
@@ -95,8 +94,8 @@ class CCommPort {
   RingQueue queue_;
   std::vector<std::uint8_t> raw_;
   std::thread watcher_;
-  std::mutex pause_mutex_;
-  std::condition_variable closing_;
+  Mutex pause_mutex_;
+  Condition closing_;
 };
 
 }  // namespace qv5123

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <condition_variable>
-#include <mutex>
+#include "base/mutex.h"
 
 namespace qv5123 {
 
@@ -26,40 +25,40 @@ class DeviceGate {
   };
 
   bool is_open() const {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     return open_;
   }
   void open() {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     open_ = true;
   }
   /// Lets nobody in any more.
   void shut() {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     open_ = false;
   }
   /// Returns once nobody is inside. To be called after shut() and after whatever releases those who are.
   void await_empty() {
-    std::unique_lock lock(mutex_);
-    left_.wait(lock, [this] { return inside_ == 0; });
+    const MutexLock lock(mutex_);
+    left_.wait(mutex_, [this]() REQUIRES(mutex_) { return inside_ == 0; });
   }
 
  private:
   bool enter() {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     inside_ += open_ ? 1 : 0;
     return open_;
   }
   // Signalled under the lock: the gate may be gone as soon as await_empty() has seen the last one leave.
   void leave() {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (--inside_ == 0) left_.notify_all();
   }
 
-  mutable std::mutex mutex_;
-  std::condition_variable left_;
-  bool open_ = false;
-  int inside_ = 0;
+  mutable Mutex mutex_;
+  Condition left_;
+  bool open_ GUARDED_BY(mutex_) = false;
+  int inside_ GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace qv5123

@@ -15,8 +15,8 @@ InProcessDevice::~InProcessDevice() {
 }
 
 OpenResult InProcessDevice::open(const std::string& name, const LineSettings& settings) {
-  const std::lock_guard lifecycle(lifecycle_);
-  const std::lock_guard lock(mutex_);
+  const MutexLock lifecycle(lifecycle_);
+  const MutexLock lock(mutex_);
   if (open_) return open_error(OpenError::busy, name, "this program");
   if (!plugged_) return open_error(OpenError::not_found, name);
   const std::string fault = settings_fault(settings);
@@ -30,10 +30,10 @@ OpenResult InProcessDevice::open(const std::string& name, const LineSettings& se
 }
 
 void InProcessDevice::close() {
-  const std::lock_guard lifecycle(lifecycle_);
+  const MutexLock lifecycle(lifecycle_);
   gate_.shut();
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     open_ = false;
     changed_.notify_all();
   }
@@ -43,8 +43,8 @@ void InProcessDevice::close() {
 SerialDevice::Wait InProcessDevice::wait() {
   const DeviceGate::Pass pass(gate_);
   if (!pass) return Wait::closed;
-  std::unique_lock lock(mutex_);
-  changed_.wait(lock, [this] { return !up() || !received_.empty(); });
+  const MutexLock lock(mutex_);
+  changed_.wait(mutex_, [this]() REQUIRES(mutex_) { return !up() || !received_.empty(); });
   if (!open_) return Wait::closed;
   return received_.empty() ? Wait::lost : Wait::received;
 }
@@ -52,7 +52,7 @@ SerialDevice::Wait InProcessDevice::wait() {
 std::size_t InProcessDevice::read(std::span<std::uint8_t> buffer) {
   const DeviceGate::Pass pass(gate_);
   if (!pass) return 0;
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   const std::size_t count = std::min(buffer.size(), received_.size());
   const auto end = received_.begin() + static_cast<std::ptrdiff_t>(count);
   std::copy(received_.begin(), end, buffer.begin());
@@ -87,39 +87,37 @@ std::chrono::nanoseconds InProcessDevice::time_for(std::size_t bytes) const {
 /// False when the line went down meanwhile, or `keep_on` said so.
 bool InProcessDevice::wait_until(std::chrono::steady_clock::time_point due,
                                  const std::function<bool()>& keep_on) {
-  std::unique_lock lock(mutex_);
+  const MutexLock lock(mutex_);
   while (pace_ && up() && std::chrono::steady_clock::now() < due) {
     const auto ask_at = std::chrono::steady_clock::now() + kAskEvery;
-    changed_.wait_until(lock, std::min(due, ask_at), [this] { return !up(); });
-    lock.unlock();
-    const bool go_on = keep_on();
-    lock.lock();
-    if (!go_on) return false;
+    changed_.wait_until(mutex_, std::min(due, ask_at), [this]() REQUIRES(mutex_) { return !up(); });
+    const MutexUnlock unlocked(mutex_);
+    if (!keep_on()) return false;
   }
   return up();
 }
 
 void InProcessDevice::deliver(std::span<const std::uint8_t> bytes) {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   if (!up()) return;
   received_.insert(received_.end(), bytes.begin(), bytes.end());
   changed_.notify_all();
 }
 
 void InProcessDevice::hang_up() {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   plugged_ = false;
   lost_ = true;
   changed_.notify_all();
 }
 
 void InProcessDevice::plug_in() {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   plugged_ = true;
 }
 
 LineSettings InProcessDevice::settings() const {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   return settings_;
 }
 

@@ -1,14 +1,13 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <mutex>
 #include <span>
 #include <string>
 
+#include "base/mutex.h"
 #include "link/device_gate.h"
 #include "link/serial_device.h"
 
@@ -46,22 +45,22 @@ class InProcessDevice final : public SerialDevice {
   LineSettings settings() const;
 
  private:
-  bool up() const { return open_ && !lost_; }
+  bool up() const REQUIRES(mutex_) { return open_ && !lost_; }
   bool wait_until(std::chrono::steady_clock::time_point due, const std::function<bool()>& keep_on);
   std::chrono::nanoseconds time_for(std::size_t bytes) const;
 
   const Peer peer_;
   const Pace pace_;
   DeviceGate gate_;
-  std::mutex lifecycle_;  ///< one open() or close() at a time
+  Mutex lifecycle_;  ///< one open() or close() at a time
 
-  mutable std::mutex mutex_;  ///< guards what follows
-  std::condition_variable changed_;
-  bool plugged_ = true;
-  bool open_ = false;
-  bool lost_ = false;
-  LineSettings settings_;
-  std::deque<std::uint8_t> received_;
+  mutable Mutex mutex_;
+  Condition changed_;
+  bool plugged_ GUARDED_BY(mutex_) = true;
+  bool open_ GUARDED_BY(mutex_) = false;
+  bool lost_ GUARDED_BY(mutex_) = false;
+  LineSettings settings_ GUARDED_BY(mutex_);
+  std::deque<std::uint8_t> received_ GUARDED_BY(mutex_);
 };
 
 }  // namespace qv5123

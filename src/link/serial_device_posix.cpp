@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <mutex>
 #include <optional>
 
+#include "base/mutex.h"
 #include "link/device_gate.h"
 #include "link/line_settings.h"
 #include "link/open_port_posix.h"
@@ -49,7 +49,7 @@ class PosixSerialDevice final : public SerialDevice {
   std::optional<std::size_t> unsent(const Write& write) const;
   bool transmitter_empty() const;
 
-  std::mutex lifecycle_;  ///< one open() or close() at a time
+  Mutex lifecycle_;  ///< one open() or close() at a time
   DeviceGate gate_;
   int fd_ = -1;
   int stop_ = -1;  ///< an event that stays signalled from close() on and releases every poll
@@ -57,7 +57,7 @@ class PosixSerialDevice final : public SerialDevice {
 };
 
 OpenResult PosixSerialDevice::open(const std::string& name, const LineSettings& settings) {
-  const std::lock_guard lifecycle(lifecycle_);
+  const MutexLock lifecycle(lifecycle_);
   if (gate_.is_open()) return open_error(OpenError::busy, name, "this program");
   if (name.empty()) return open_error(OpenError::not_found, name);
   const std::string fault = settings_fault(settings);
@@ -94,7 +94,7 @@ OpenResult PosixSerialDevice::set_up(const std::string& name) {
 }
 
 void PosixSerialDevice::close() {
-  const std::lock_guard lifecycle(lifecycle_);
+  const MutexLock lifecycle(lifecycle_);
   if (!gate_.is_open()) return;
   gate_.shut();
   eventfd_write(stop_, 1);

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <functional>
-#include <mutex>
 
 #include "base/handle_win32.h"
+#include "base/mutex.h"
 #include "base/text_win32.h"
 #include "link/device_gate.h"
 #include "link/line_settings.h"
@@ -44,7 +44,7 @@ class Win32SerialDevice final : public SerialDevice {
   DWORD unsent(DWORD wanted);
   DWORD finish(OVERLAPPED& operation, BOOL started, DWORD at_once, const std::function<bool()>& keep_on);
 
-  std::mutex lifecycle_;  ///< one open() or close() at a time
+  Mutex lifecycle_;  ///< one open() or close() at a time
   DeviceGate gate_;
   Handle port_;
   Handle read_event_, write_event_, wait_event_;
@@ -56,7 +56,7 @@ class Win32SerialDevice final : public SerialDevice {
 };
 
 OpenResult Win32SerialDevice::open(const std::string& name, const LineSettings& settings) {
-  const std::lock_guard lifecycle(lifecycle_);
+  const MutexLock lifecycle(lifecycle_);
   if (gate_.is_open()) return open_error(OpenError::busy, name, "this program");
   if (name.empty()) return open_error(OpenError::not_found, name);
   const std::string fault = settings_fault(settings);
@@ -107,7 +107,7 @@ bool Win32SerialDevice::set_up(const LineSettings& settings) {
 }
 
 void Win32SerialDevice::close() {
-  const std::lock_guard lifecycle(lifecycle_);
+  const MutexLock lifecycle(lifecycle_);
   if (!gate_.is_open()) return;
   gate_.shut();
   SetEvent(stop_event_.get());

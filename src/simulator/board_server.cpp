@@ -17,15 +17,18 @@ TimePoint now() {
 }  // namespace
 
 BoardServer::BoardServer(SerialDevice& device, SimulatedChip& chip, const LineOptions& options)
-    : device_(device), chip_(chip), line_(chip, options) {}
+    : device_(device), line_(chip, options) {}
 
 OpenResult BoardServer::start(const std::string& name, const LineSettings& settings) {
   name_ = name;
   settings_ = settings;
   const OpenResult result = open();
   if (!result.ok()) return result;
-  line_.plug_in();
-  line_.host_opened(now());
+  {
+    const MutexLock lock(mutex_);
+    line_.plug_in();
+    line_.host_opened(now());
+  }
   reader_ = std::thread(&BoardServer::read_loop, this);
   worker_ = std::thread(&BoardServer::work_loop, this);
   return result;
@@ -39,7 +42,7 @@ OpenResult BoardServer::open() {
 
 void BoardServer::stop() {
   {
-    const Lock lock(mutex_);
+    const MutexLock lock(mutex_);
     stopping_ = true;
     changed_.notify_all();
   }
@@ -51,38 +54,38 @@ void BoardServer::stop() {
 }
 
 void BoardServer::host_opened() {
-  const Lock lock(mutex_);
+  const MutexLock lock(mutex_);
   line_.host_opened(now());
   woken_ = true;
   changed_.notify_all();
 }
 
 void BoardServer::read_loop() {
-  Lock lock(mutex_);
+  const MutexLock lock(mutex_);
   while (!stopping_) {
     const std::uint64_t connection = connection_;
-    lock.unlock();
+    mutex_.unlock();
     const SerialDevice::Wait outcome = device_.wait();
-    lock.lock();
+    mutex_.lock();
     if (outcome == SerialDevice::Wait::received) {
-      if (!read_some(lock)) return;
+      if (!read_some()) return;
       continue;
     }
     lost_ = lost_ || (outcome == SerialDevice::Wait::lost && connection == connection_);
     changed_.notify_all();
-    changed_.wait(lock, [&] { return stopping_ || connection != connection_; });
+    changed_.wait(mutex_, [&]() REQUIRES(mutex_) { return stopping_ || connection != connection_; });
   }
 }
 
 /// Takes what the line has room for; false when the server stops.
-bool BoardServer::read_some(Lock& lock) {
-  changed_.wait(lock, [this] { return stopping_ || line_.room() > 0; });
+bool BoardServer::read_some() {
+  changed_.wait(mutex_, [this]() REQUIRES(mutex_) { return stopping_ || line_.room() > 0; });
   if (stopping_) return false;
   std::array<std::uint8_t, 512> buffer;
   const std::size_t room = std::min(buffer.size(), line_.room());
-  lock.unlock();
+  mutex_.unlock();
   const std::size_t count = device_.read(std::span(buffer).first(room));
-  lock.lock();
+  mutex_.lock();
   line_.put(std::span(buffer).first(count), now());
   woken_ = true;
   changed_.notify_all();
@@ -90,44 +93,43 @@ bool BoardServer::read_some(Lock& lock) {
 }
 
 void BoardServer::work_loop() {
-  Lock lock(mutex_);
+  const MutexLock lock(mutex_);
   while (!stopping_) {
     woken_ = false;
     const std::vector<std::uint8_t> output = line_.take(now());
     changed_.notify_all();
     const bool hangup = line_.take_hangup();
     if (!output.empty()) {
-      lock.unlock();
+      const MutexUnlock unlocked(mutex_);
       device_.write(output);
-      lock.lock();
     }
     if (hangup || lost_) {
-      replug(lock);
+      replug();
     } else if (output.empty()) {
-      rest(lock);
+      rest();
     }
   }
 }
 
-void BoardServer::rest(Lock& lock) {
-  const auto due = [this] { return stopping_ || lost_ || woken_; };
+void BoardServer::rest() {
+  const auto due = [this]() REQUIRES(mutex_) { return stopping_ || lost_ || woken_; };
   if (const auto next = line_.next(now())) {
-    changed_.wait_until(lock, *next, due);
+    changed_.wait_until(mutex_, *next, due);
   } else {
-    changed_.wait(lock, due);
+    changed_.wait(mutex_, due);
   }
 }
 
 /// Takes the board off the line and brings it back after a while, powered on anew.
-void BoardServer::replug(Lock& lock) {
-  lock.unlock();
+void BoardServer::replug() {
+  mutex_.unlock();
   device_.close();
-  lock.lock();
+  mutex_.lock();
   auto away = kUnplugged;
-  while (pause(lock, away)) {
-    lock.unlock();
+  while (pause(away)) {
+    mutex_.unlock();
     const bool opened = open().ok();
-    lock.lock();
+    mutex_.lock();
     if (opened) break;
     away = kReopenEvery;
   }
@@ -139,8 +141,8 @@ void BoardServer::replug(Lock& lock) {
 }
 
 /// False when the server stops meanwhile.
-bool BoardServer::pause(Lock& lock, std::chrono::milliseconds time) {
-  return !changed_.wait_for(lock, time, [this] { return stopping_; });
+bool BoardServer::pause(std::chrono::milliseconds time) {
+  return !changed_.wait_for(mutex_, time, [this]() REQUIRES(mutex_) { return stopping_; });
 }
 
 }  // namespace qv5123

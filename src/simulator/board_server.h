@@ -1,12 +1,11 @@
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <thread>
 
+#include "base/mutex.h"
 #include "link/serial_device.h"
 #include "simulator/board_line.h"
 
@@ -34,29 +33,26 @@ class BoardServer {
   void host_opened();
 
  private:
-  using Lock = std::unique_lock<std::mutex>;
-
   OpenResult open();
   void read_loop();
-  bool read_some(Lock& lock);
+  bool read_some() REQUIRES(mutex_);
   void work_loop();
-  void replug(Lock& lock);
-  bool pause(Lock& lock, std::chrono::milliseconds time);
-  void rest(Lock& lock);
+  void replug() REQUIRES(mutex_);
+  bool pause(std::chrono::milliseconds time) REQUIRES(mutex_);
+  void rest() REQUIRES(mutex_);
 
   SerialDevice& device_;
-  SimulatedChip& chip_;
   std::function<void()> on_open_;
   std::string name_;
   LineSettings settings_;
 
-  std::mutex mutex_;  ///< guards the chip, the line and what follows
-  std::condition_variable changed_;
-  BoardLine line_;
-  bool stopping_ = false;
-  bool lost_ = false;
-  bool woken_ = false;            ///< something came in since the worker last looked
-  std::uint64_t connection_ = 0;  ///< counts the opens
+  Mutex mutex_;  ///< guards the chip, too
+  Condition changed_;
+  BoardLine line_ GUARDED_BY(mutex_);
+  bool stopping_ GUARDED_BY(mutex_) = false;
+  bool lost_ GUARDED_BY(mutex_) = false;
+  bool woken_ GUARDED_BY(mutex_) = false;            ///< something came in since the worker last looked
+  std::uint64_t connection_ GUARDED_BY(mutex_) = 0;  ///< counts the opens
   std::thread reader_;
   std::thread worker_;
 };

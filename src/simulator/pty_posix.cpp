@@ -9,10 +9,10 @@
 #include <atomic>
 #include <cerrno>
 #include <filesystem>
-#include <mutex>
 #include <system_error>
 #include <utility>
 
+#include "base/mutex.h"
 #include "link/device_gate.h"
 
 namespace qv5123 {
@@ -123,7 +123,7 @@ class PosixPseudoTerminal final : public PseudoTerminal {
   void host_is_there();
 
   const PseudoTerminalOptions options_;
-  std::mutex lifecycle_;  ///< one open() or close() at a time
+  Mutex lifecycle_;  ///< one open() or close() at a time
   DeviceGate gate_;
   Descriptor near_end_;
   Descriptor stop_read_;
@@ -133,7 +133,7 @@ class PosixPseudoTerminal final : public PseudoTerminal {
 };
 
 OpenResult PosixPseudoTerminal::open(const std::string&, const LineSettings&) {
-  const std::lock_guard lifecycle(lifecycle_);
+  const MutexLock lifecycle(lifecycle_);
   if (gate_.is_open()) return {OpenError::busy, "the pseudo-terminal is open already"};
   OpenResult result = make();
   if (result.ok() && !options_.link.empty()) {
@@ -168,7 +168,7 @@ OpenResult PosixPseudoTerminal::make() {
 }
 
 void PosixPseudoTerminal::close() {
-  const std::lock_guard lifecycle(lifecycle_);
+  const MutexLock lifecycle(lifecycle_);
   if (!gate_.is_open()) return;
   gate_.shut();
   // The byte stays in the pipe, so that everybody who waits sees it.

@@ -16,7 +16,7 @@ SimulatedBoard::SimulatedBoard(const LineOptions& options, Clock clock)
 SimulatedBoard::~SimulatedBoard() {
   device_.close();
   {
-    const Lock lock(mutex_);
+    const MutexLock lock(mutex_);
     stopping_ = true;
     changed_.notify_all();
   }
@@ -30,33 +30,33 @@ OpenResult SimulatedBoard::open(const std::string& name, const LineSettings& set
 }
 
 void SimulatedBoard::unplug() {
-  const Lock lock(mutex_);
+  const MutexLock lock(mutex_);
   device_.hang_up();
 }
 
 void SimulatedBoard::plug_in() {
-  const Lock lock(mutex_);
+  const MutexLock lock(mutex_);
   plug_in_again();
 }
 
 void SimulatedBoard::advance() {
-  const Lock lock(mutex_);
+  const MutexLock lock(mutex_);
   pump();
 }
 
 void SimulatedBoard::with_chip(const std::function<void(SimulatedChip&)>& look) {
-  const Lock lock(mutex_);
+  const MutexLock lock(mutex_);
   look(chip_);
   pump();
 }
 
 void SimulatedBoard::take_from_host(std::span<const std::uint8_t> bytes) {
-  const Lock lock(mutex_);
+  const MutexLock lock(mutex_);
   line_.put(bytes, clock_());
   pump();
 }
 
-/// Moves everything along to the present. Called with the lock held.
+/// Moves everything along to the present.
 void SimulatedBoard::pump() {
   const TimePoint now = clock_();
   if (back_at_ && now >= *back_at_) plug_in_again();
@@ -80,12 +80,12 @@ std::optional<TimePoint> SimulatedBoard::next() const {
 }
 
 void SimulatedBoard::work_loop() {
-  Lock lock(mutex_);
+  const MutexLock lock(mutex_);
   while (!stopping_) {
     if (const auto time = next()) {
-      changed_.wait_until(lock, *time);
+      changed_.wait_until(mutex_, *time);
     } else {
-      changed_.wait(lock);
+      changed_.wait(mutex_);
     }
     if (stopping_) return;
     const auto time = next();

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <condition_variable>
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <thread>
 
+#include "base/mutex.h"
 #include "link/in_process_device.h"
 #include "link/serial_device.h"
 #include "simulator/board_line.h"
@@ -46,24 +45,22 @@ class SimulatedBoard final : public SerialDevice {
   void with_chip(const std::function<void(SimulatedChip&)>& look);
 
  private:
-  using Lock = std::unique_lock<std::mutex>;
-
   void take_from_host(std::span<const std::uint8_t> bytes);
-  void pump();
-  void plug_in_again();
+  void pump() REQUIRES(mutex_);
+  void plug_in_again() REQUIRES(mutex_);
   void work_loop();
-  std::optional<TimePoint> next() const;
+  std::optional<TimePoint> next() const REQUIRES(mutex_);
 
   const bool own_clock_;  ///< time passes by itself
   const Clock clock_;
   InProcessDevice device_;
 
-  std::mutex mutex_;  ///< guards what follows
-  std::condition_variable changed_;
-  SimulatedChip chip_;
-  BoardLine line_;
-  std::optional<TimePoint> back_at_;  ///< when the board returns from a hangup
-  bool stopping_ = false;
+  Mutex mutex_;
+  Condition changed_;
+  SimulatedChip chip_ GUARDED_BY(mutex_);
+  BoardLine line_ GUARDED_BY(mutex_);
+  std::optional<TimePoint> back_at_ GUARDED_BY(mutex_);  ///< when the board returns from a hangup
+  bool stopping_ GUARDED_BY(mutex_) = false;
   std::thread worker_;
 };
 

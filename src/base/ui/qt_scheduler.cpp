@@ -46,7 +46,7 @@ void QtScheduler::timerEvent(QTimerEvent* event) {
 void QtScheduler::post(Callback callback) {
   bool first = false;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     first = posted_.empty();
     posted_.push_back(std::move(callback));
   }
@@ -66,7 +66,7 @@ bool QtScheduler::event(QEvent* event) {
 void QtScheduler::serve_posted() {
   QElapsedTimer slice;
   slice.start();
-  std::unique_lock lock(mutex_);
+  const MutexLock lock(mutex_);
   while (!posted_.empty()) {
     if (slice.elapsed() >= kSliceMs) {
       request_turn();
@@ -75,10 +75,11 @@ void QtScheduler::serve_posted() {
     // Its place stays taken while it runs, so that what it posts asks for no turn of its own. It ends before
     // the lock is taken again: what it holds may post when it goes.
     Callback callback = std::move(posted_.front());
-    lock.unlock();
-    callback();
-    callback = nullptr;
-    lock.lock();
+    {
+      const MutexUnlock unlocked(mutex_);
+      callback();
+      callback = nullptr;
+    }
     posted_.pop_front();
   }
 }

@@ -4,8 +4,8 @@
 #include <QObject>
 #include <deque>
 #include <map>
-#include <mutex>
 
+#include "base/mutex.h"
 #include "base/scheduler.h"
 
 namespace qv5123 {
@@ -37,8 +37,8 @@ class QtScheduler final : public QObject, public Scheduler {
   TimerId last_id_ = 0;
   std::map<int, Timer> timers_;  // by Qt's id, which Qt gives out again once the timer is over
   std::map<TimerId, int> qt_timers_;
-  std::mutex mutex_;
-  std::deque<Callback> posted_;  // guarded by mutex_
+  Mutex mutex_;
+  std::deque<Callback> posted_ GUARDED_BY(mutex_);
 };
 
 }  // namespace qv5123
