@@ -255,11 +255,15 @@ std::optional<std::string> CommandLink::take_answer(const Batch& request) {
 }
 
 Task<std::optional<std::string>> CommandLink::query(std::uint8_t trigger) {
+  return query(Batch(1, RegisterWrite{trigger, 0}), kQueryTick, 1 + kQueryRetries);
+}
+
+Task<std::optional<std::string>> CommandLink::query(Batch request, std::chrono::milliseconds tick,
+                                                    int looks) {
   const Turn turn = co_await this->turn();
-  const Batch request(1, RegisterWrite{trigger, 0});
   co_await send_request(request);
-  for (int retries = 0; retries <= kQueryRetries; ++retries) {
-    co_await Delay(scheduler_, kQueryTick);
+  for (int look = 0; look < looks; ++look) {
+    co_await Delay(scheduler_, tick);
     if (auto block = take_answer(request)) co_return block;
   }
   late_.gave_up(scheduler_.now());

@@ -129,6 +129,8 @@ class CommandLink {
   /// Writes 0 to `trigger` and looks for the reply block every 300 ms. Nothing when the sixth look is in
   /// vain. A block that by its length is another page's is passed over, here and in request().
   Task<std::optional<std::string>> query(std::uint8_t trigger);
+  /// Sends `request` and looks for its reply block after each `tick`, `looks` times.
+  Task<std::optional<std::string>> query(Batch request, std::chrono::milliseconds tick, int looks = 1);
 
   /// Sends `request` and takes the reply block as soon as it is complete. Nothing when none came within
   /// `timeout` of the sending, or when the request did not leave. A block that is arriving just then gets as

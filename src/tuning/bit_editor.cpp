@@ -4,7 +4,6 @@
 #include <chrono>
 #include <utility>
 
-#include "base/delay.h"
 #include "link/indirect_access.h"
 #include "link/reply_text.h"
 #include "tuning/raw_access.h"
@@ -74,12 +73,9 @@ void BitEditor::press_get_info() {
 }
 
 Task<> BitEditor::get_info(int address) {
-  const CommandLink::Turn turn = co_await host_.link().turn();
-  co_await host_.link().send_request(isp_read_request(address));
-  co_await Delay(host_.scheduler(), kInfoWait);
   // A block too short for a byte, or damaged, must not become one: the next click on a bit would write it
   // back.
-  const auto reply = host_.link().reply().take_block();
+  const auto reply = co_await host_.link().query(isp_read_request(address), kInfoWait);
   if (reply && reply->size() >= 2 && whole_bytes(*reply)) {
     take(address, reply_byte(*reply, 0));
   } else {
