@@ -1,6 +1,7 @@
 #include "console/running_transfer.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <span>
 #include <utility>
@@ -25,7 +26,7 @@ std::string progress_text(std::size_t sent, std::size_t total, std::chrono::mill
       kibibytes(static_cast<double>(sent)) + " of " + kibibytes(static_cast<double>(total)) + " KiB";
   if (time.count() <= 0 || sent == 0) return text;
   const double speed = static_cast<double>(sent) * 1000 / static_cast<double>(time.count());
-  const auto left = static_cast<long long>(static_cast<double>(total - sent) / speed + 0.5);
+  const long long left = std::llround(static_cast<double>(total - sent) / speed);
   return text + ", " + kibibytes(speed) + " KiB/s, " + std::to_string(left) + " s left";
 }
 

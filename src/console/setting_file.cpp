@@ -62,7 +62,7 @@ Task<ReadSettings> read_setting_file(Background& background, std::filesystem::pa
 
 Task<ReadSettings> reload_user_data_file(Background& background, UserDataImage& image,
                                          std::filesystem::path folder) {
-  std::function<ReadSettings()> work = [path = std::move(folder) / kUserDataFile] {
+  std::function<ReadSettings()> work = [path = folder / kUserDataFile] {
     std::error_code error;
     const auto type = std::filesystem::status(path, error).type();
     return type == std::filesystem::file_type::not_found ? ReadSettings() : read_setting_file(path);

@@ -21,8 +21,8 @@ std::filesystem::path copy_beside(std::filesystem::path path) {
 
 SettingFileKeeper::File& SettingFileKeeper::file(const std::filesystem::path& path) {
   std::error_code error;
-  std::filesystem::path absolute = std::filesystem::absolute(path, error).lexically_normal();
-  return files_[error ? path : std::move(absolute)];
+  const std::filesystem::path absolute = std::filesystem::absolute(path, error).lexically_normal();
+  return files_[error ? path : absolute];
 }
 
 ReadSettings SettingFileKeeper::load(const std::filesystem::path& path) {
