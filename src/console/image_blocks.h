@@ -11,6 +11,14 @@
 #include "base/atomic_file.h"
 #include "link/sender.h"
 
+/// An image goes to the chip behind a command letter: how many blocks of 256 bytes there are, a 0, the
+/// blocks, and one byte that is the XOR of all since the letter. The last block is filled up with 0xFF. A
+/// font file of the three bytes 01 02 04 is
+///
+///     43   01 00   01 02 04 ff .. ff   f9
+///     'C'  header  256 bytes           checksum: 01 ^ 00 ^ 01 ^ 02 ^ 04 ^ (253 times ff)
+///
+/// The chip says nothing before the checksum, and takes whatever comes meanwhile for part of the image.
 namespace qv5123 {
 
 enum class TransferKind {

@@ -7,6 +7,12 @@
 
 #include "console/user_data_image.h"
 
+/// A setting file is text, one decimal number 0..255 and CR LF for each of the 1024 entries of the user data:
+///
+///     31 32 38 0d 0a 30 0d 0a ..    entry 0 is 128, entry 1 is 0
+///
+/// Reading takes anything: white space of any kind between the numbers, and for all that is missing or no
+/// number the one before it. What was wrong with a file is told from here.
 namespace qv5123 {
 
 /// What is odd about a setting file's text: anything that is no decimal number 0..255, and a count of

@@ -10,8 +10,12 @@
 
 namespace qv5123 {
 
-/// The content of the camera's serial flash. No header, checksum or length field; whatever no part of it
-/// covers is 0xFF, as in an erased flash.
+/// The content of the camera's serial flash, by the bytes where each part begins:
+///
+///     00000 firmware      11000 12000 13000 14000 15000 user data again, in five pieces
+///     10000 user data     20000 font      30000 firmware again
+///
+/// No header, checksum or length field; whatever no part of it covers is 0xFF, as in an erased flash.
 namespace flash {
 inline constexpr std::size_t kImageSize = 0x40000;
 inline constexpr std::uint8_t kErased = 0xFF;

@@ -11,6 +11,10 @@
 namespace qv5123 {
 
 /// The camera's on-screen-display font: 1024 glyphs in four pages of 256.
+///
+/// Its binary file has no header: glyph after glyph, 24 rows of 16 pixels each, a row as a word with the high
+/// byte first and its leftmost pixel in the highest bit. A glyph that begins "0f f0 30 0c" has its middle
+/// eight pixels set in row 0, and two on either side in row 1. Glyph 1 begins at byte 48.
 class FontLibrary {
  public:
   static constexpr int kGlyphs = 1024;

@@ -4,6 +4,14 @@
 #include <string>
 #include <vector>
 
+/// What the chip understands is writes of a byte to one of 256 registers. On the wire each is a frame of six
+/// characters: "@", two lower-case hex digits of the address, two of the value, "*". Register 0x2F = 1 is
+///
+///     40 32 66 30 31 2a    "@2f01*"
+///
+/// Frames follow each other without anything between them; a command letter ('A', 'C', 'U') between two
+/// frames begins a transfer of blocks instead. A quantity of 16 bits is two writes to the same register, the
+/// high byte first: "@0d01*@0d90*" is 400.
 namespace qv5123 {
 
 /// One write of a byte to one of the chip's 256 direct registers.

@@ -7,10 +7,16 @@
 #include <span>
 #include <string>
 
+/// What the chip sends is text for people with reply blocks in it: "~", hex digits, "^". The answer to a read
+/// of one register is one pair of digits, and that to a page's trigger up to 486 of them:
+///
+///     41 45 20 6f 6e 0d 0a 7e 35 61 5e 3e    "AE on" CR LF "~5a^" ">"
+///
+/// is the console text "AE on" CR LF ">" with the answer 0x5A in it. A block says neither what it answers nor
+/// how long it is. "$" inside a block abandons it.
 namespace qv5123 {
 
-/// Tells the chip's reply blocks ("~" hex pairs "^") from the console text around them, and keeps the block
-/// that was received last.
+/// Tells reply blocks from the console text around them, and keeps the block that was received last.
 class ReplyBuffer {
  public:
   static constexpr std::size_t kSize = 500;

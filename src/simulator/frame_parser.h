@@ -14,7 +14,9 @@ enum class CommandLetter : char { firmware = 'A', font = 'C', user_data = 'U' };
 
 using ChipCommand = std::variant<RegisterWrite, CommandLetter>;
 
-/// Finds frames "@aavv*" and command letters in a byte stream that may hold anything else.
+/// Finds frames "@aavv*" and command letters in a byte stream that may hold anything else: "@2f01*\r\nA" is a
+/// write of 1 to register 0x2F and the letter of a firmware download, "@2f@3001*" a write to register 0x30
+/// alone.
 ///
 /// Digits of either case are accepted. A frame that goes wrong is dropped without a trace, and the byte that
 /// broke it is looked at afresh, so that a "@" always starts a frame.

@@ -10,6 +10,10 @@
 #include "tuning/field_visitors.h"
 
 /// The AWB page without its window: the six lines that tell white from colour, and the measured patches.
+///
+/// The chip reports the lines' ten words as 40 digits: "0100ff38.." is a slope of 1.0 and an intercept of
+/// -200/256 for line A. Line A is sent as "@0d01*@0d00*@0eff*@0e38*" between the writes 0xFA = 1 and 0xFA =
+/// 0. In the user data the words are entries 181 to 200, and three bytes for each patch follow from 213 on.
 namespace qv5123 {
 
 inline constexpr std::size_t kAwbWordCount = 10;

@@ -15,6 +15,11 @@
 #include "tuning/step_table.h"
 
 /// The dynamic AE/AWB control page without its window.
+///
+/// The chip reports 243 bytes: orientation, the six numbers ("03" "0a0b0c0d0e0f": both ways turned, analog
+/// gain 10), then the step tables cell by cell, of each cell the five banks (TVI, IR-LED, CVBS, AHD, CVI),
+/// the light sources, their saturation, hue, and the AWB weights as words: "ffce" is -50. A cell is sent by
+/// its column and its row's register: "@4102*" "@ce14*" is 20 for column 2 of AHD's ISO row.
 namespace qv5123 {
 
 namespace dynamic_register {

@@ -38,7 +38,9 @@ inline constexpr Encoding kLensParameter{
 /// The page's controls that send values.
 enum class LensControl { parameter1, parameter2, flicker };
 
-/// The page: twelve entries from 440 on, and a reply of 24 characters in the same order.
+/// The page: twelve entries from 440 on, and a reply of 24 characters in the same order: "040004000400"
+/// is 1.0 in red, green and blue of Parameter-1. It leaves as six writes to one register, "@6404*@6400*" and
+/// so on.
 struct LensPage {
   using Values = LensValues;
   static constexpr DeskTexts kTexts{"lsc", 0x6B, "ISP Load Fail...", "Load Isp ok", "Load File ok"};

@@ -67,21 +67,18 @@ inline constexpr Range kCorrectionRatio{0, 100};
 inline constexpr std::uint8_t kMatrixLightRegister = 0x4E;
 /// Chooses the video mode of what follows.
 inline constexpr std::uint8_t kMatrixModeRegister = 0xCA;
-/// Takes the six bytes of the red row of "Outdoor". Green and blue follow, then
-/// the other light sources.
+/// Takes the six bytes of the red row of "Outdoor". Green and blue follow, then the other light sources.
 inline constexpr int kMatrixFirstRegister = 0x52;
 
 /// The page's controls that send values: "Set" beside each row.
 enum class MatrixControl { red_row, green_row, blue_row };
 
-/// The page: four tables of 54 entries at 382 (TVI), 749 (AHD), 845 (CVI) and
-/// 635 (CVBS), in each the light sources, of each the rows, of each three codes
-/// as words: 0xFF 0x00 is -0.25.
+/// The page: four tables of 54 entries at 382 (TVI), 749 (AHD), 845 (CVI) and 635 (CVBS), in each the light
+/// sources, of each the rows, of each three codes as words: 0xFF 0x00 is -0.25.
 ///
-/// The reply is 432 characters in another order: modes TVI, CVBS, AHD, CVI; in
-/// a mode the rows, in a row the bytes, of each byte the three light sources.
-/// So "1f....80" holds 0x1F80 as the first code of TVI's red row outdoors, and
-/// what the dots stand for are the high bytes for the other light sources.
+/// The reply is 432 characters in another order: modes TVI, CVBS, AHD, CVI; in a mode the rows, in a row the
+/// bytes, of each byte the three light sources. So "1f....80" holds 0x1F80 as the first code of TVI's red row
+/// outdoors, and what the dots stand for are the high bytes for the other light sources.
 struct MatrixPage {
   using Values = MatrixValues;
   static constexpr DeskTexts kTexts{"matrix", 0x6A, "ISP Load Fail...", "", "Load File ok"};
@@ -134,34 +131,29 @@ static_assert(fields_hold<MatrixPage>());
 /// What the edits of the codes take.
 inline constexpr char kMatrixCodeRange[] = "0x0000..0x1FFF in 13-bit two's complement, 0x0400 is 1.0";
 
-/// The register form of a coefficient, 1024 = 1.0, truncated. Saturates at the
-/// ends of int; no number is 0.
+/// The register form of a coefficient, 1024 = 1.0, truncated. Saturates at the ends of int; no number is 0.
 int matrix_code(float coefficient);
 /// The coefficient that the low 16 bits of a code stand for.
 float matrix_coefficient(int code);
 /// What the edits show: the low 13 bits as "0x%04X".
 std::string matrix_code_text(float coefficient);
-/// The coefficient that such a text stands for, with or without "0x" and in
-/// either case: -4 up to 4. Nothing for any other text.
+/// The coefficient that such a text stands for, with or without "0x" and in either case: -4 up to 4. Nothing
+/// for any other text.
 std::optional<float> matrix_coefficient_of(std::string_view text);
 /// The coefficients as the registers hold them, after rounding.
 Coefficients as_registers_hold(const Coefficients& coefficients);
 
-/// Makes the tables' matrix of the current mode and light source the current
-/// one.
+/// Makes the tables' matrix of the current mode and light source the current one.
 void show_matrix(MatrixValues& values);
-/// Puts the current matrix into the tables at the current mode and light
-/// source.
+/// Puts the current matrix into the tables at the current mode and light source.
 void store_matrix(MatrixValues& values);
-/// Row "Set" before sending: derives one coefficient of each row so that the
-/// row sums to 1, and stores.
+/// Row "Set" before sending: derives one coefficient of each row so that the row sums to 1, and stores.
 void set_matrix_rows(MatrixValues& values);
 /// "Clear": measured patches and current matrix; the tables stay.
 void clear_matrix(MatrixValues& values);
 
-/// Selects the next patch, wrapping from the last to the first; with a patch
-/// step of at least 1 the picker follows, along the row or to the start of the
-/// next. Nothing happens with a patch step of 0.
+/// Selects the next patch, wrapping from the last to the first; with a patch step of at least 1 the picker
+/// follows, along the row or to the start of the next. Nothing happens with a patch step of 0.
 void go_to_next_patch(MatrixValues& values);
 
 /// Row "Set": row 0..2 of the current mode and light source.

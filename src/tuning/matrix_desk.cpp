@@ -106,8 +106,7 @@ bool MatrixDesk::code_refused(int row, int column) const {
   return !text.empty() && !matrix_coefficient_of(text);
 }
 
-/// Only what was typed becomes a coefficient: a code holds less of one than the
-/// fit computed.
+/// Only what was typed becomes a coefficient: a code holds less of one than the fit computed.
 bool MatrixDesk::take_codes() {
   Coefficients taken = values_.coefficients;
   for (int row = 0; row < kMatrixRows; ++row) {
@@ -197,8 +196,7 @@ void MatrixDesk::set_row(MatrixControl row) {
 Task<> MatrixDesk::save(PageHost& files) {
   host().show_status("CCM Data Saving... Please wait");
   view().take_typed();
-  // Before the file, which may have to be chosen: what is loaded meanwhile
-  // belongs neither there nor here.
+  // Before the file, which may have to be chosen: what is loaded meanwhile belongs neither there nor here.
   FullSave on_chip = full_save();
   const bool written = co_await files.save_everything();
   // Until the chip's exposure and white balance run again.

@@ -19,8 +19,7 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
  public:
   class View : public DeskView {
    public:
-    /// What was measured, and all that has to do with measuring. The codes are
-    /// left alone.
+    /// What was measured, and all that has to do with measuring. The codes are left alone.
     virtual void show_measurements() {}
     /// Which patches may be typed into.
     virtual void show_typing() {}
@@ -46,13 +45,11 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   Typing typing() const;
   /// The count of a colour, 0..2, of a patch.
   void type_patch(std::size_t patch, std::size_t colour, std::uint32_t count);
-  /// One out of range is refused: it stands in its edit and Calculate does
-  /// nothing.
+  /// One out of range is refused: it stands in its edit and Calculate does nothing.
   void type_ratio(int percent);
   /// Taken by the next "Set" of a row.
   void type_code(int row, int column, std::string text);
-  /// What stands in the edit of a code: what was typed there, or the matrix in
-  /// force.
+  /// What stands in the edit of a code: what was typed there, or the matrix in force.
   std::string code_text(int row, int column) const;
   /// Whether it is neither a code nor empty.
   bool code_refused(int row, int column) const;

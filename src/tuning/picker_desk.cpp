@@ -33,15 +33,13 @@ void PickerDesk::type_y(int y) {
   send_typed();
 }
 
-/// Brings the cursor to what was typed, unless something else moves it at
-/// present: then it waits, and where the picker is switched off it needs no
-/// sending, for switching on does that.
+/// Brings the cursor to what was typed, unless something else moves it at present: then it waits, and where
+/// the picker is switched off it needs no sending, for switching on does that.
 void PickerDesk::send_typed() {
   if (!typing_.running()) typing_.start(run_send_typed());
 }
 
-/// One position at a time: who spins fast gets to the last one without those
-/// before.
+/// One position at a time: who spins fast gets to the last one without those before.
 Task<> PickerDesk::run_send_typed() {
   while (picker_.on && keys_enabled() && (x_typed_ || y_typed_)) {
     if (std::exchange(y_typed_, false)) {

@@ -9,8 +9,8 @@
 
 namespace qv5123 {
 
-/// The colour picker of a page: brings the chip to where the page's values say
-/// that it is, and knows when it has arrived.
+/// The colour picker of a page: brings the chip to where the page's values say that it is, and knows when it
+/// has arrived.
 class PickerDesk {
  public:
   /// Its controls; as it stands here there are none.
@@ -22,20 +22,17 @@ class PickerDesk {
     virtual void show_picker() {}
     /// The arrows and what stands between them.
     virtual void show_keys() {}
-    /// The flag has changed: the user has clicked the switch, or the chip did
-    /// not follow.
+    /// The flag has changed: the user has clicked the switch, or the chip did not follow.
     virtual void switched() {}
   };
-  /// The page's own values, which must outlive the desk, and how its picker is
-  /// switched.
+  /// The page's own values, which must outlive the desk, and how its picker is switched.
   struct Picker {
     bool& on;
     PickerPosition& position;
     int& step_index;
     /// Tells what went wrong, in words; empty when the chip followed.
     std::function<Task<std::string>(bool on)> switch_chip;
-    /// For the page's desk, which may have none: the flag has changed; the chip
-    /// has followed, or did not.
+    /// For the page's desk, which may have none: the flag has changed; the chip has followed, or did not.
     std::function<void()> switched = {};
     std::function<void()> settled = {};
   };
@@ -49,28 +46,23 @@ class PickerDesk {
   int step_index() const { return picker_.step_index; }
   void choose_step(int index) { picker_.step_index = index; }
 
-  /// A click on the switch. One switch at a time, for the chip would end up in
-  /// between: who changes his mind meanwhile waits. A chip that did not follow
-  /// is as it was, and so are the values then.
+  /// A click on the switch. One switch at a time, for the chip would end up in between: who changes his mind
+  /// meanwhile waits. A chip that did not follow is as it was, and so are the values then.
   void click_switch(bool on);
   /// A press of an arrow.
   void move(PickerMove move);
-  /// A number typed; only the last one is sent where they come faster than the
-  /// chip takes them.
+  /// A number typed; only the last one is sent where they come faster than the chip takes them.
   void type_x(int x);
   void type_y(int y);
 
-  /// Whether the keys may be used: the page wants them, and the chip is not
-  /// being switched.
+  /// Whether the keys may be used: the page wants them, and the chip is not being switched.
   bool keys_enabled() const { return keys_wanted_ && !switching_chip_; }
   void want_keys(bool wanted);
 
-  /// Waits until the cursor is where the page says: what is measured before
-  /// that belongs elsewhere.
+  /// Waits until the cursor is where the page says: what is measured before that belongs elsewhere.
   Task<> arrive();
-  /// Whether the port was lost or closed since the picker was switched on. The
-  /// chip may have been without power and measure nothing: its registers then
-  /// hold what they always hold.
+  /// Whether the port was lost or closed since the picker was switched on. The chip may have been without
+  /// power and measure nothing: its registers then hold what they always hold.
   bool chip_was_away() const { return picker_.on && host_.link().connection() != connection_; }
 
  private:

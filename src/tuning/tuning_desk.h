@@ -13,8 +13,7 @@
 
 namespace qv5123 {
 
-/// The window's side of a desk; as it stands here it is that of the command
-/// line, which shows nothing.
+/// The window's side of a desk; as it stands here it is that of the command line, which shows nothing.
 class DeskView {
  public:
   virtual ~DeskView() = default;
@@ -31,8 +30,7 @@ struct FullSave {
   std::vector<std::string> corrections;   ///< what was changed in the values before it was sent
 };
 
-/// A tuning page without its window: its values, and its work with chip and
-/// file.
+/// A tuning page without its window: its values, and its work with chip and file.
 class TuningDesk {
  public:
   TuningDesk(DeskHost& host, UserDataImage& image, TuningModel& model)
@@ -68,13 +66,12 @@ class TuningDesk {
     if (!save_.running()) save_.start(std::move(save));
   }
   bool saving() const { return save_.running(); }
-  /// Sends a full save as one job with progress, waits while the chip stores,
-  /// and does what comes after it. False, and said in the status bar, when not
-  /// all of it left or the chip was away.
+  /// Sends a full save as one job with progress, waits while the chip stores, and does what comes after it.
+  /// False, and said in the status bar, when not all of it left or the chip was away.
   Task<bool> send_save(FullSave save, std::string done);
 
-  /// Sends the traffic of a control beside whatever else is under way, and says
-  /// so once it has left: "Red row: 8 registers sent".
+  /// Sends the traffic of a control beside whatever else is under way, and says so once it has left: "Red
+  /// row: 8 registers sent".
   void send_control(std::string what, Traffic traffic) {
     spawn(run_send(std::move(what), std::move(traffic)));
   }

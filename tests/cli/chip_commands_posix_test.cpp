@@ -73,8 +73,7 @@ TEST_F(CtlTest, ReadsAreDrivenByTheReply) {
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(on_board(command).code, 0);
   const auto taken = std::chrono::steady_clock::now() - start;
-  // A fixed wait of 60 ms behind the pacing would take 110; what it really
-  // takes is for ./bench to say.
+  // A fixed wait of 60 ms behind the pacing would take 110; what it really takes is for ./bench to say.
   EXPECT_LT(taken / kCount, std::chrono::milliseconds(105));
 }
 

@@ -11,8 +11,7 @@
 namespace qv5123 {
 namespace {
 
-/// Tables whose bytes count up from 0x40 times the mode: high byte, low byte,
-/// then light source, then row.
+/// Tables whose bytes count up from 0x40 times the mode: high byte, low byte, then light source, then row.
 MatrixValues marked_values() {
   MatrixValues values;
   for (int mode = 0; mode < 4; ++mode) {
@@ -29,8 +28,7 @@ MatrixValues marked_values() {
   return values;
 }
 
-/// The chart through a sensor whose colours leak into one another; `level`
-/// counts for white.
+/// The chart through a sensor whose colours leak into one another; `level` counts for white.
 MeasuredColours leaking_chart(double level) {
   constexpr double kLeak[3][3] = {{0.7038961039, 0.2051948052, 0.0909090909},
                                   {0.1324675325, 0.7766233766, 0.0909090909},

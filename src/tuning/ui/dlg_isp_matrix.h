@@ -13,9 +13,8 @@
 
 namespace qv5123 {
 
-/// The linear matrix page: measures the patches of the chart, fits the colour
-/// correction matrix to them, and keeps one for each video mode and light
-/// source.
+/// The linear matrix page: measures the patches of the chart, fits the colour correction matrix to them, and
+/// keeps one for each video mode and light source.
 class CDlgIspMatrix : public TuningDialog, private MatrixDesk::View {
   Q_OBJECT
 

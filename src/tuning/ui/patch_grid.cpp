@@ -11,8 +11,7 @@ namespace qv5123 {
 namespace {
 
 constexpr int kRows = 12;
-/// Of one patch in the layout: its button, three edits, and the gap to the
-/// other half.
+/// Of one patch in the layout: its button, three edits, and the gap to the other half.
 constexpr int kColumns = 5;
 constexpr std::array<const char*, 3> kColours{"R", "G", "B"};
 constexpr std::uint32_t kHighest = std::numeric_limits<int>::max();
@@ -63,8 +62,7 @@ void PatchGrid::add_edit(QGridLayout* grid, std::size_t patch, std::size_t colou
                            "0..2147483647 counts, 0 when not measured; the picker gives 0..255");
   edit->setButtonSymbols(QAbstractSpinBox::NoButtons);
   edit->setAlignment(Qt::AlignRight);
-  // Room for what the picker gives; the largest number that fits would make the
-  // page too wide.
+  // Room for what the picker gives; the largest number that fits would make the page too wide.
   edit->setMinimumWidth(edit->fontMetrics().horizontalAdvance("0000") + 10);
   edit->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   connect(edit, &QSpinBox::valueChanged, this, [this, patch, colour](int value) {

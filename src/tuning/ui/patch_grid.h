@@ -10,8 +10,7 @@
 
 namespace qv5123 {
 
-/// The 24 patches of the chart, one of them chosen, with what was measured or
-/// typed for each.
+/// The 24 patches of the chart, one of them chosen, with what was measured or typed for each.
 class PatchGrid : public QWidget {
   Q_OBJECT
 

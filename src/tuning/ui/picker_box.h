@@ -10,8 +10,7 @@
 
 namespace qv5123 {
 
-/// The colour picker's controls: its switch, its position, and the keys that
-/// move it.
+/// The colour picker's controls: its switch, its position, and the keys that move it.
 class PickerBox : public QWidget, public PickerDesk::View {
   Q_OBJECT
 
@@ -33,8 +32,7 @@ class PickerBox : public QWidget, public PickerDesk::View {
   void switched() override { emit switch_changed(); }
 
  signals:
-  /// The page's flag has changed: the user has clicked the switch, or the chip
-  /// did not follow.
+  /// The page's flag has changed: the user has clicked the switch, or the chip did not follow.
   void switch_changed();
 
  private:
