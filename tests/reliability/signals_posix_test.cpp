@@ -122,7 +122,8 @@ TEST_F(EndedBySignals, ASecondOneDuringADownloadSaysWhatTheChipExpects) {
   program->signal(SIGINT);
   EXPECT_THAT(program->errors(),
               testing::MatchesRegex("qv5123ctl: Cancelled: FONT stopped: the chip still expects "
-                                    "[0-9]+ blocks of 256 bytes and a checksum\n"));
+                                    "(an image|([0-9]+ blocks? of 256 bytes and )?a checksum)\n"))
+      << "how far it was depends on the machine";
   EXPECT_EQ(program->end(), 1);
 }
 
