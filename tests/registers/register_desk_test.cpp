@@ -175,6 +175,17 @@ TEST_F(RegisterDeskTest, AValueThatIsNotKnownIsAskedAboutBeforeItIsWritten) {
   wire_.advance(200);
   EXPECT_EQ(wire_.sender.writes, (std::vector<std::string>{"@920a*@9220*@93ff*", "@920a*@9220*@9312*"}));
   EXPECT_EQ(host_.user.questions.size(), 2u);
+
+  host_.user.hesitates = true;
+  host_.user.answers = {Answer::yes};
+  desk_->type_address(u"0xF801");
+  desk_->read();
+  desk_->write();
+  wire_.advance(500);
+  host_.user.answer_now();
+  wire_.advance(200);
+  EXPECT_EQ(wire_.sender.writes.back(), "@9208*@9201*@93ff*")
+      << "also where the read would have told another";
 }
 
 TEST_F(RegisterDeskTest, SavingTellsWhatIsInTheFileAndOffersToReadWhatWasWritten) {
