@@ -27,11 +27,11 @@ class DeskHost {
   virtual void show_failure(const std::string& text) { show_status(text); }
   /// Appends to the main console and scrolls to its end.
   virtual void append_console(const std::string& text) = 0;
-  /// Sends one flush and says what came of it, under the name that the user knows it by: "Saturation: 1
-  /// register sent". For controls that have no text of their own.
-  virtual void send_and_tell(const std::string& what, Batch batch) {
+  /// Sends flushes that nothing may come between and says what came of it, under the name that the user knows
+  /// it by: "Saturation: 1 register sent". For controls that have no text of their own.
+  virtual void send_and_tell(const std::string& what, Traffic traffic) {
     (void)what;
-    link().send(std::move(batch));
+    link().send(std::move(traffic));
   }
   /// Shows how far a long operation is, 0..100, beside the status message. Taken away again by an empty
   /// `percent`, and by the end of the last work under set_busy().

@@ -36,10 +36,12 @@ void StatusBoard::remember(const StatusMessage& message) {
   if (history_.size() > kHistory) history_.pop_front();
 }
 
-std::string sent_text(const std::string& what, const Batch& sent) {
+std::string sent_text(const std::string& what, const Traffic& sent) {
   std::set<std::uint8_t> direct;
   std::size_t address_bytes = 0;  // two for each register behind another one
-  for (const RegisterWrite& write : sent) {
+  Batch all;
+  for (const Batch& flush : sent) all.insert(all.end(), flush.begin(), flush.end());
+  for (const RegisterWrite& write : all) {
     switch (write.address) {
       case reg::kIspWriteAddress:
       case reg::kIspWideWriteAddress:
@@ -58,7 +60,12 @@ std::string sent_text(const std::string& what, const Batch& sent) {
   return what + ": " + std::to_string(registers) + (registers == 1 ? " register" : " registers") + " sent";
 }
 
+bool left_whole(const JobResult& result) {
+  return !result.failed && !result.cancelled && result.chunks_sent > 0;
+}
+
 std::string not_sent_text(const std::string& what, const JobResult& result) {
+  if (result.bytes_sent > 0) return what + ": not all of it reached the chip";
   return what + ": not sent" + (result.lost ? ", the port is not open" : "");
 }
 

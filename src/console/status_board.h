@@ -62,8 +62,10 @@ class StatusBoard {
 
 /// What an action without a text of its own says: "Saturation: 1 register sent". What one register takes in
 /// several writes is counted once.
-std::string sent_text(const std::string& what, const Batch& sent);
-/// The same when not all of it left: "Saturation: not sent, the port is not open".
+std::string sent_text(const std::string& what, const Traffic& sent);
+/// Whether all of a job left.
+bool left_whole(const JobResult& result);
+/// The same when not all of it did: "Saturation: not sent, the port is not open".
 std::string not_sent_text(const std::string& what, const JobResult& result);
 
 /// What the main form's own messages are about; a page's are about the page by its name.

@@ -173,15 +173,14 @@ void RegisterDesk::write() {
 }
 
 Task<> RegisterDesk::write_unknown(int address) {
-  Question question;
-  question.text = address_name(address) + " has no value yet: none was read or typed.\nWrite 0xFF to it?";
-  question.buttons = Question::Buttons::yes_no;
+  Question question = careful_question(address_name(address) +
+                                       " has no value yet: none was read or typed.\nWrite 0xFF to it?");
   const Answer answer = co_await host_.prompts().ask(std::move(question));
   if (answer == Answer::yes) write_to(address);
 }
 
 void RegisterDesk::write_to(int address) {
-  host_.link().send(isp_write(address, ParseRegAddress(sheet_.value_text())));
+  host_.send_and_tell(address_name(address), {isp_write(address, ParseRegAddress(sheet_.value_text()))});
   sheet_.show_written();
   view_.show_data();
   if (sheet_.current_row() >= 0) view_.show_value_cell(sheet_.current_row());
@@ -272,7 +271,7 @@ Task<> RegisterDesk::load_file_flow() {
   const std::size_t lost = co_await loader_.write_known(matches);
   const bool forgotten = host_.link().connection() != connection;
   if (lost > 0 || forgotten) {
-    host_.show_status(lost_text(lost));
+    host_.show_failure(lost_text(lost));
   } else if (file.skipped == 0) {
     host_.show_status(path_text(path->filename()) + ": " + counted(sheet_.known()) + " sent");
   }

@@ -17,7 +17,7 @@ constexpr std::chrono::milliseconds kBeforeSave{50};
 
 AwbDesk::AwbDesk(DeskHost& host, UserDataImage& image) : PageDesk(host, image) {
   // Saving a page that was opened after the file must not replace what the file said.
-  if (image.loaded()) model().load(image);
+  if (image.loaded()) open_with_image();
 }
 
 Traffic AwbDesk::control_traffic(int control) const {
@@ -28,7 +28,7 @@ void AwbDesk::send_line(AwbControl line) {
   view().take_typed();
   limit_awb_row(values_, awb_row(line));
   view().show_values();
-  link().send(control_traffic(static_cast<int>(line)));
+  send_control(std::string("Line ") + awb_row(line).name, control_traffic(static_cast<int>(line)));
 }
 
 void AwbDesk::get_color() {
@@ -43,12 +43,15 @@ Task<> AwbDesk::measure(std::size_t patch) {
   const auto missing = std::find(colour.begin(), colour.end(), -1);
   if (missing != colour.end()) {
     const int address = kAwbColourRegisters[static_cast<std::size_t>(missing - colour.begin())];
-    host().show_status("GET COLOR: no answer from 0xF" + upper_hex(static_cast<unsigned>(address), 3));
+    host().show_failure("GET COLOR: no answer from 0xF" + upper_hex(static_cast<unsigned>(address), 3));
     co_return;
   }
   view().take_typed();
   values_.patches[patch] = {colour[0], colour[1], colour[2]};
   view().show_values();
+  host().show_status("GET COLOR: " + std::string(kAwbPatches[patch].caption) + " is " +
+                     std::to_string(colour[0]) + ", " + std::to_string(colour[1]) + ", " +
+                     std::to_string(colour[2]));
 }
 
 Task<> AwbDesk::save() {

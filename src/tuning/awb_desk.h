@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 #include "tuning/awb.h"
 #include "tuning/tuning_desk.h"
@@ -16,8 +17,8 @@ class AwbDesk final : public PageDesk<AwbPage> {
   void choose_patch(std::size_t patch) { patch_ = patch; }
   /// "S" beside a line: limits its words and sends them.
   void send_line(AwbControl line);
-  /// The chip's menu keys, "None", "Set" and "Check".
-  void press(RegisterWrite key) { link().send(Batch{key}); }
+  /// The chip's menu keys, "None", "Set" and "Check"; `name` is the button's.
+  void press(const std::string& name, RegisterWrite key) { send_control(name, {Batch{key}}); }
   /// "GET COLOR"; ignored while one is under way.
   void get_color();
   /// "File/Flash Save".

@@ -60,9 +60,10 @@ void BitEditor::click(int number, bool set) {
   gesture_.click(number, set);
   if (known_) {
     Traffic traffic = edit_bit(address_, byte_, number, set);
-    if (!traffic.empty()) host_.link().send(std::move(traffic));
+    const std::string name = access_name(Access::isp_byte, address_) + " bit " + std::to_string(number);
+    if (!traffic.empty()) host_.send_and_tell(name, std::move(traffic));
   } else if (address_ != 0) {
-    host_.show_status(unread_bits_text(address_));
+    host_.show_failure(unread_bits_text(address_));
   }
   view_->show_bits();
 }
@@ -78,8 +79,9 @@ Task<> BitEditor::get_info(int address) {
   const auto reply = co_await host_.link().query(isp_read_request(address), kInfoWait);
   if (reply && reply->size() >= 2 && whole_bytes(*reply)) {
     take(address, reply_byte(*reply, 0));
+    host_.show_status(access_name(Access::isp_byte, address) + ": 0x" + field_of_byte(byte_));
   } else {
-    host_.show_status(no_answer_text(Access::isp_byte, address));
+    host_.show_failure(no_answer_text(Access::isp_byte, address));
     if (address == address_) forget();
   }
   area_.append(bit_editor_text(byte_));

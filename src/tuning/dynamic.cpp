@@ -8,7 +8,6 @@ namespace {
 using namespace dynamic_register;
 
 /// First of the three of the dead pixels that the page does not edit.
-constexpr std::size_t kDpcEntry = 475;
 
 Batch source_select(std::size_t source) {
   return {{kSourceSelect, static_cast<std::uint8_t>(source)}};

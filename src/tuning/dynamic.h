@@ -54,6 +54,9 @@ struct AwbWeights {
   friend bool operator==(const AwbWeights&, const AwbWeights&) = default;
 };
 
+/// The first of three bytes that "Decision Value" is sent with. No page holds them.
+inline constexpr std::size_t kDpcEntry = 475;
+
 inline constexpr int kMirror = 1;
 inline constexpr int kFlip = 2;
 

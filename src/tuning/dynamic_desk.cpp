@@ -23,7 +23,7 @@ std::string text_of(const StepMessage& message) {
 DynamicDesk::DynamicDesk(DeskHost& host, UserDataImage& image)
     : PageDesk(host, image), first_cell_(field(values_.banks[0][0][0])) {
   // Saving a page that was opened after the file must not replace what the file said.
-  if (image.loaded()) model().load(image);
+  if (image.loaded()) open_with_image();
 }
 
 void DynamicDesk::attach(View& view) {
@@ -75,14 +75,39 @@ void DynamicDesk::turn(int flags, bool on, PageHost& files) {
 Task<> DynamicDesk::send_orientation(PageHost& files) {
   Traffic traffic = orientation_traffic(values_);
   co_await files.write_user_data_file();
-  link().send(std::move(traffic));
+  send_control("Mirror/Flip", std::move(traffic));
 }
 
 void DynamicDesk::set(DynamicControl control, std::size_t index, Prompts& prompts) {
   view().take_typed();
   if (control == DynamicControl::first_number && index < kGainCount) return spawn(set_gain(index, prompts));
+  if (control == DynamicControl::dpc_decision) return spawn(set_dpc(prompts));
   if (control == DynamicControl::step_row) return set_step_row(index / kStepRows, index % kStepRows, prompts);
-  link().send(control_traffic(control_number(control, index)));
+  send_control(name_of(control, index), control_traffic(control_number(control, index)));
+}
+
+std::string DynamicDesk::unread_dpc() const {
+  if (image().loaded()) return {};
+  std::string text =
+      "DPC Alpha Adaptive, DPC Double Enable and DPC Double Weight come from the setting file, and none was "
+      "loaded. They are sent as";
+  const char* before = " ";
+  for (std::size_t entry = kDpcEntry; entry < kDpcEntry + 3; ++entry)
+    text += std::exchange(before, ", ") + std::to_string(image().entry(entry));
+  return text + ".";
+}
+
+std::string DynamicDesk::unread_saved() const {
+  const std::string page = TuningDesk::unread_saved();
+  const std::string dpc = unread_dpc();
+  return page + (page.empty() || dpc.empty() ? "" : "\n") + dpc;
+}
+
+Task<> DynamicDesk::set_dpc(Prompts& prompts) {
+  const bool wanted = co_await agreed(prompts, unread_dpc());
+  if (!wanted) co_return;
+  view().take_typed();
+  send_control("Decision Value", control_traffic(control_number(DynamicControl::dpc_decision)));
 }
 
 Task<> DynamicDesk::set_gain(std::size_t number, Prompts& prompts) {
@@ -91,14 +116,34 @@ Task<> DynamicDesk::set_gain(std::size_t number, Prompts& prompts) {
   question.title = kGainQuestionTitle;
   const Answer answer = co_await prompts.ask(std::move(question));
   if (answer == Answer::yes) {
-    link().send(number_write(values_, number));
+    send_control(name_of(DynamicControl::first_number, number), {number_write(values_, number)});
     co_return;
   }
+  co_await restore_gain(field(values_.*kDynamicNumbers[number]), prompts);
+}
+
+Task<> DynamicDesk::restore_gain(std::size_t gain, Prompts& prompts) {
+  const FieldInfo& info = model().fields()[gain];
+  const int before = image().entry(static_cast<std::size_t>(info.entry));
+  std::string unread;
+  if (!image().loaded())
+    unread = "The " + info.caption.caption() +
+             " before comes from the setting file, and none was loaded. It becomes " +
+             std::to_string(std::clamp(before, info.range.lowest, info.range.highest)) + ".";
+  const bool wanted = co_await agreed(prompts, std::move(unread));
+  if (!wanted) co_return;
   view().take_typed();
   // It is the bar that is put back, and a bar has no place outside its range.
-  const std::size_t gain = field(values_.*kDynamicNumbers[number]);
-  model().set_number(gain, image().entry(static_cast<std::size_t>(model().fields()[gain].entry)));
+  model().set_number(gain, before);
   view().show_values();
+}
+
+std::string DynamicDesk::name_of(DynamicControl control, std::size_t index) const {
+  if (control == DynamicControl::weights) return "AWB Weight";
+  if (control == DynamicControl::light_source) return "Light source Sum";
+  for (const FieldInfo& info : model().fields())
+    if (info.sent_by == control_number(control, index)) return info.caption.caption();
+  return {};
 }
 
 void DynamicDesk::set_step_row(std::size_t bank, std::size_t row, Prompts& prompts) {
@@ -106,7 +151,7 @@ void DynamicDesk::set_step_row(std::size_t bank, std::size_t row, Prompts& promp
   StepRowWrite written = write_step_row(static_cast<BankId>(bank), row, cells);
   cells = written.cells;
   view().show_values();
-  link().send(std::move(written.traffic));
+  send_control(kStepRules[row].caption, std::move(written.traffic));
   spawn(tell(std::move(written.messages), prompts));
 }
 

@@ -48,14 +48,23 @@ class DynamicDesk final : public PageDesk<DynamicPage> {
   /// "File/Flash Save".
   Task<> save(Prompts& prompts);
 
+  /// "Set" of "Decision Value" and the full save send three bytes of the program's own image with it.
   FullSave full_save() override;
   Traffic control_traffic(int control) const override;
+
+ protected:
+  std::string unread_saved() const override;
 
  private:
   void taken_reply() override { video_mode_enabled_ = !values_.ir_led; }
   void turn(int flags, bool on, PageHost& files);
   Task<> send_orientation(PageHost& files);
   Task<> set_gain(std::size_t number, Prompts& prompts);
+  Task<> restore_gain(std::size_t gain, Prompts& prompts);
+  Task<> set_dpc(Prompts& prompts);
+  std::string unread_dpc() const;
+  /// What the button of a control says that it sets.
+  std::string name_of(DynamicControl control, std::size_t index) const;
   void set_step_row(std::size_t bank, std::size_t row, Prompts& prompts);
   Task<> tell(std::vector<StepMessage> messages, Prompts& prompts);
 

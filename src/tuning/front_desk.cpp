@@ -8,7 +8,36 @@
 namespace qv5123 {
 
 FrontDesk::FrontDesk(DeskHost& host, UserDataImage& image) : PageDesk(host, image) {
-  if (image.loaded()) model().load(image);
+  if (image.loaded()) open_with_image();
+  note_file();
+}
+
+void FrontDesk::note_file() {
+  if (image().loaded()) delay_known_ = ir_known_ = true;
+}
+
+std::string FrontDesk::unread_names() const {
+  if (delay_known_) return ir_known_ ? "" : "IR On/Off";
+  return ir_known_ ? "Delay" : "Delay, IR On/Off";
+}
+
+std::string FrontDesk::unread() const {
+  std::string all = TuningDesk::unread();
+  const std::string names = unread_names();
+  return !all.empty() || names.empty() ? all : names + ": not read yet";
+}
+
+std::string FrontDesk::unread_saved() const {
+  std::string all = TuningDesk::unread_saved();
+  const std::string names = unread_names();
+  if (!all.empty() || names.empty()) return all;
+  return "The chip does not report these, and they come from no setting file: " + names + ".";
+}
+
+std::string FrontDesk::name_of(FrontControl control) const {
+  for (const FieldInfo& field : model().fields())
+    if (field.sent_by == static_cast<int>(control)) return field.caption.caption();
+  return {};
 }
 
 Traffic FrontDesk::control_traffic(int control) const {
@@ -42,12 +71,13 @@ void FrontDesk::set_polarity(int polarity) {
 void FrontDesk::use_color_suppress(PageHost& files) {
   view().take_typed();
   store(FrontControl::color_suppress);
-  spawn(write_and_send(files, front_write(FrontControl::color_suppress, values_)));
+  Traffic traffic{front_write(FrontControl::color_suppress, values_)};
+  spawn(write_and_send(files, std::move(traffic)));
 }
 
-Task<> FrontDesk::write_and_send(PageHost& files, Batch batch) {
+Task<> FrontDesk::write_and_send(PageHost& files, Traffic traffic) {
   co_await files.write_user_data_file();
-  link().send(std::move(batch));
+  send_control(name_of(FrontControl::color_suppress), std::move(traffic));
 }
 
 void FrontDesk::limit_dimmer() {
@@ -63,7 +93,10 @@ void FrontDesk::store(FrontControl control) {
 }
 
 void FrontDesk::send(FrontControl control) {
-  link().send(front_write(control, values_));
+  if (control == FrontControl::delay) delay_known_ = true;
+  if (control == FrontControl::ir_on_off) ir_known_ = true;
+  show_unread();
+  send_control(name_of(control), {front_write(control, values_)});
 }
 
 Task<> FrontDesk::save(PageHost& files) {
@@ -75,6 +108,7 @@ Task<> FrontDesk::save(PageHost& files) {
 }
 
 void FrontDesk::follow_file() {
+  note_file();
   if (!reported_) return reload();
   view().take_typed();
   FrontValues file;
@@ -82,6 +116,7 @@ void FrontDesk::follow_file() {
   values_.delay = file.delay;
   values_.ir_on_off = file.ir_on_off;
   view().show_values();
+  show_unread();
 }
 
 }  // namespace qv5123

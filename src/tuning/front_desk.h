@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstddef>
+#include <string>
 
 #include "console/page_host.h"
 #include "tuning/front.h"
@@ -31,17 +31,28 @@ class FrontDesk final : public PageDesk<FrontPage> {
   /// report, delay and IR on/off, would otherwise put the former file's values back with the next save.
   void follow_file();
 
+  /// Delay and IR on/off as well, which the chip does not report.
+  std::string unread() const override;
   FullSave full_save() override { return {front_full_save(values_), {}, {}}; }
   Traffic control_traffic(int control) const override;
 
+ protected:
+  std::string unread_saved() const override;
+
  private:
   void taken_reply() override { reported_ = true; }
+  void note_file();
+  std::string unread_names() const;
+  std::string name_of(FrontControl control) const;
   void limit_dimmer();
   void store(FrontControl control);
   void send(FrontControl control);
-  Task<> write_and_send(PageHost& files, Batch batch);
+  Task<> write_and_send(PageHost& files, Traffic traffic);
 
   bool reported_ = false;  // by the chip, once at least
+  // From a file, or sent by the user.
+  bool delay_known_ = false;
+  bool ir_known_ = false;
 };
 
 }  // namespace qv5123

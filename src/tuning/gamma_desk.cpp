@@ -28,7 +28,7 @@ std::string message_of(GammaCurveId id, const GammaCurve& curve) {
 GammaDesk::GammaDesk(DeskHost& host, UserDataImage& image, double& front_gamma_level)
     : PageDesk(host, image), front_gamma_level_(front_gamma_level) {
   if (front_gamma_level_ == 0) front_gamma_level_ = kDefaultFrontGammaLevel;
-  model().load(image);
+  open_with_image();
 }
 
 void GammaDesk::attach(View& view) {

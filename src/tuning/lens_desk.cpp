@@ -11,7 +11,7 @@ LensDesk::LensDesk(DeskHost& host, UserDataImage& image)
     : PageDesk(host, image),
       picker_(host, {values_.picker_on, values_.picker, values_.step_index,
                      [this](bool on) { return switch_lens_picker(link(), values_, on); }}) {
-  model().load(image);
+  open_with_image();
 }
 
 void LensDesk::attach(View& view) {
@@ -33,7 +33,8 @@ Traffic LensDesk::control_traffic(int control) const {
 
 void LensDesk::send_row(LensControl row) {
   view().take_typed();
-  link().send(control_traffic(static_cast<int>(row)));
+  send_control(row == LensControl::parameter1 ? "Parameter-1" : "Parameter-2",
+               control_traffic(static_cast<int>(row)));
 }
 
 void LensDesk::move_ratio(int ratio) {
@@ -44,13 +45,13 @@ void LensDesk::move_ratio(int ratio) {
   if (calibration_.samples.empty()) return;
   lens_view_->add_to_log(recompute_lens(calibration_, values_));
   view().show_values();
-  link().send(lens_send_parameters(values_));
+  send_control("Parameters", {lens_send_parameters(values_)});
 }
 
 void LensDesk::set_flicker(int mode) {
   values_.flicker = mode;
   view().show_values();
-  link().send(flicker_mode_write(mode));
+  send_control("Flickerless", {flicker_mode_write(mode)});
 }
 
 void LensDesk::start_calibration(Prompts& prompts) {

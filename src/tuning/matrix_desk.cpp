@@ -43,7 +43,7 @@ MatrixDesk::MatrixDesk(DeskHost& host, UserDataImage& image)
                      [this](bool on) { return switch_matrix_picker(link(), values_, on); },
                      [this] { update_keys(); }, [this] { picker_settled(); }}),
       typed_ratio_(values_.ratio) {
-  model().load(image);
+  open_with_image();
 }
 
 void MatrixDesk::attach(View& view) {
@@ -116,7 +116,7 @@ bool MatrixDesk::take_codes() {
       // What is no number stands there as a code, and is sent as that.
       if (std::isfinite(coefficient) && text == matrix_code_text(coefficient)) continue;
       if (code_refused(row, column)) {
-        host().show_status(std::string(kMatrixCodeNames[row][column]) + " takes " + kMatrixCodeRange + ".");
+        host().show_failure(std::string(kMatrixCodeNames[row][column]) + " takes " + kMatrixCodeRange + ".");
         return false;
       }
       coefficient = matrix_coefficient_of(text).value_or(0);
@@ -146,15 +146,17 @@ Task<> MatrixDesk::run_get_color() {
   const std::size_t patch = values_.patch;
   co_await picker_.arrive();
   if (picker_.chip_was_away()) {
-    host().show_status("GET COLOR: " + std::string(kPickerChipWasAway));
+    host().show_failure("GET COLOR: " + std::string(kPickerChipWasAway));
     co_return;
   }
   measuring_patch_ = true;
   update_keys();
   const bool measured = co_await get_patch_color(link(), values_, patch);
   measuring_patch_ = false;
-  host().show_status("GET COLOR: " + (measured ? counts_text(patch, values_.measured[patch])
-                                               : std::string("the chip did not answer.")));
+  if (measured)
+    host().show_status("GET COLOR: " + counts_text(patch, values_.measured[patch]));
+  else
+    host().show_failure("GET COLOR: the chip did not answer.");
   view().take_typed();
   matrix_view_->show_measurements();
   update_keys();
@@ -163,13 +165,14 @@ Task<> MatrixDesk::run_get_color() {
 void MatrixDesk::calculate(Prompts& prompts) {
   view().take_typed();
   if (!kCorrectionRatio.holds(typed_ratio_))
-    return host().show_status("Correction Ratio takes 0..100 %: nothing was calculated.");
+    return host().show_failure("Correction Ratio takes 0..100 %: nothing was calculated.");
   const MatrixResult result = calculate_matrix(values_);
   if (result == MatrixResult::no_grey) return spawn(prompts.message({"Please get color of gray!"}));
   const auto patches = std::count_if(values_.measured.begin(), values_.measured.end(), is_measured);
-  host().show_status(result == MatrixResult::unsolvable
-                         ? "The measured patches do not determine a matrix."
-                         : "Matrix calculated from " + std::to_string(patches) + " patches.");
+  if (result == MatrixResult::unsolvable)
+    host().show_failure("The measured patches do not determine a matrix.");
+  else
+    host().show_status("Matrix calculated from " + std::to_string(patches) + " patches.");
   typed_codes_ = {};
   matrix_view_->show_codes();
   matrix_view_->show_report();
@@ -206,7 +209,7 @@ Task<> MatrixDesk::save(PageHost& files) {
   if (picker_trouble_.empty()) host().show_status(kPickerOffStatus);
   host().show_status("Transfered Linear Matrix parameters to ISP. Enable color correction.");
   if (!written) host().show_status(kSavedOnChipOnly);
-  if (!picker_trouble_.empty()) host().show_status(picker_trouble_);
+  if (!picker_trouble_.empty()) host().show_failure(picker_trouble_);
 }
 
 Task<> MatrixDesk::after_save() {

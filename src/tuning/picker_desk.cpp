@@ -7,6 +7,12 @@
 #include "tuning/picker_flow.h"
 
 namespace qv5123 {
+namespace {
+
+constexpr const char* kXPosition = "X Pos";
+constexpr const char* kYPosition = "Y Pos";
+
+}  // namespace
 
 PickerDesk::PickerDesk(DeskHost& host, Picker picker)
     : host_(host), picker_(std::move(picker)), keys_wanted_(picker_.on) {}
@@ -43,10 +49,10 @@ void PickerDesk::send_typed() {
 Task<> PickerDesk::run_send_typed() {
   while (picker_.on && keys_enabled() && (x_typed_ || y_typed_)) {
     if (std::exchange(y_typed_, false)) {
-      co_await move_picker(host_.link(), picker_y_bytes(picker_.position.y));
+      co_await send_move(kYPosition, picker_y_bytes(picker_.position.y));
     } else {
       x_typed_ = false;
-      co_await move_picker(host_.link(), picker_x_bytes(picker_.position.x));
+      co_await send_move(kXPosition, picker_x_bytes(picker_.position.x));
     }
   }
 }
@@ -59,12 +65,17 @@ void PickerDesk::move(PickerMove move) {
   view_->take_typed();
   picker_.position = moved(picker_.position, move, picker_.step_index);
   view_->show_picker();
-  moves_.spawn(send_move(moves_across(move) ? picker_x_bytes(picker_.position.x)
-                                            : picker_y_bytes(picker_.position.y)));
+  moves_.spawn(moves_across(move) ? send_move(kXPosition, picker_x_bytes(picker_.position.x))
+                                  : send_move(kYPosition, picker_y_bytes(picker_.position.y)));
 }
 
-Task<> PickerDesk::send_move(IspBytes position) {
-  co_await move_picker(host_.link(), std::move(position));
+Task<> PickerDesk::send_move(const char* what, IspBytes position) {
+  const std::string count = std::to_string(position.size());
+  const bool left = co_await move_picker(host_.link(), std::move(position));
+  if (left)
+    host_.show_status(std::string(what) + ": " + count + " registers sent");
+  else
+    host_.show_failure(std::string(what) + ": not all of it reached the chip");
 }
 
 void PickerDesk::click_switch(bool on) {

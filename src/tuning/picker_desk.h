@@ -66,7 +66,7 @@ class PickerDesk {
   bool chip_was_away() const { return picker_.on && host_.link().connection() != connection_; }
 
  private:
-  Task<> send_move(IspBytes position);
+  Task<> send_move(const char* what, IspBytes position);
   Task<> run_switch();
   void show_keys();
   void switched();

@@ -118,6 +118,10 @@ std::string sensor_write_text(int address, int value) {
   return "\r\nSensor Write :\r\n" + register_name + ", " + decimal + " (" + register_name + ", " + hex + ")";
 }
 
+std::string access_name(Access access, int address) {
+  return shown(access, address);
+}
+
 std::string answer_text(Access access, int address, std::string_view reply) {
   const auto value = answer_field(access, reply);
   if (!value) return {};

@@ -26,20 +26,20 @@ void RawAccessDesk::write(Access access, std::string_view address, std::string_v
   const int to = address_of(access, address);
   if (access == Access::isp_byte) return write_byte(to, byte_of_field(data));
   if (access == Access::sensor) return write_sensor(to, word_of_field(data));
-  host_.link().send(isp_wide_write(to, word_of_field(data)));
+  host_.send_and_tell(access_name(access, to), {isp_wide_write(to, word_of_field(data))});
 }
 
 void RawAccessDesk::write_byte(int address, int value) {
   view_->show_written(value);
   OneByteWrite write = write_one_byte(address, value);
-  if (write.front_gamma_level)
-    host_.document().front_gamma_level = *write.front_gamma_level;
-  else
-    host_.link().send(std::move(write.batch));
+  const std::string name = access_name(Access::isp_byte, address);
+  if (!write.front_gamma_level) return host_.send_and_tell(name, {std::move(write.batch)});
+  host_.document().front_gamma_level = *write.front_gamma_level;
+  host_.show_status(name + ": front gamma level " + std::to_string(value) + ", nothing sent");
 }
 
 void RawAccessDesk::write_sensor(int address, int value) {
-  host_.link().send(sensor_write(address, value));
+  host_.send_and_tell(access_name(Access::sensor, address), {sensor_write(address, value)});
   area_.append(sensor_write_text(address, value));
 }
 
@@ -52,9 +52,10 @@ Task<> RawAccessDesk::run_read(Access access, int address) {
   const auto reply = co_await host_.link().request(std::move(request), kReadWait);
   const auto field = reply ? answer_field(access, *reply) : std::nullopt;
   if (!field) {
-    host_.show_status(no_answer_text(access, address));
+    host_.show_failure(no_answer_text(access, address));
     co_return;
   }
+  host_.show_status(access_name(access, address) + ": 0x" + *field);
   host_.append_console(answer_text(access, address, *reply));
   view_->show_answer(access, *field);
 }

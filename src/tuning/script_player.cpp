@@ -56,7 +56,11 @@ Task<> ScriptPlayer::run() {
   const BusyScope busy(host_);
   const Playing playing(*this);
   auto text = co_await read(*path);
-  if (text) co_await play(std::move(*text));
+  if (!text) co_return;
+  const std::size_t played = co_await play(std::move(*text));
+  if (played > 0)
+    host_.show_status(path_text(path->filename()) + ": " + std::to_string(played) +
+                      (played == 1 ? " line sent" : " lines sent"));
 }
 
 /// Nothing is said of a file that does not open.
@@ -76,25 +80,28 @@ Task<std::optional<std::string>> ScriptPlayer::read(std::filesystem::path path) 
 }
 
 /// One line a tick, later where the wire is taken: what waits for it must not pile up behind.
-Task<> ScriptPlayer::play(std::string text) {
+Task<std::size_t> ScriptPlayer::play(std::string text) {
   const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
   RegisterScript script(std::make_unique<std::istringstream>(std::move(text)));
   std::optional<Pending<JobResult>> sent;
+  std::size_t played = 0;
   for (std::size_t line = 0;; ++line) {
     co_await Delay(host_.scheduler(), RegisterScript::kTick);
     if (sent) {
       Pending<JobResult> last = std::move(*sent);
       const JobResult result = co_await last;
       if (result.failed) {
-        host_.show_status("Register file: line " + std::to_string(line) + " did not reach the chip.");
-        co_return;
+        host_.show_failure("Register file: line " + std::to_string(line) + " did not reach the chip.");
+        co_return 0;
       }
     }
     RegisterScript::Step step = script.tick();
-    if (step.finished) co_return;
+    if (step.finished) co_return played;
     host_.show_progress(static_cast<int>(std::min(line, lines) * 100 / lines));
     sent.reset();
-    if (!step.batch.empty()) sent.emplace(host_.link().send(std::move(step.batch)));
+    if (step.batch.empty()) continue;
+    ++played;
+    sent.emplace(host_.link().send(std::move(step.batch)));
   }
 }
 

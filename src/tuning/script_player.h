@@ -31,7 +31,8 @@ class ScriptPlayer {
 
   Task<> run();
   Task<std::optional<std::string>> read(std::filesystem::path path);
-  Task<> play(std::string text);
+  /// How many lines were sent; 0 where that is not worth a word.
+  Task<std::size_t> play(std::string text);
 
   PageHost& host_;
   View nobody_;

@@ -29,13 +29,16 @@ class ServiceArea {
   /// Tells the value of the parameter in `row` of the list.
   void select(std::size_t row);
   /// "Set": stores the byte that is typed, writes the user data file, and sends the parameter's group to
-  /// keep.
+  /// keep. Asks first, once, where the others of the group come from no file.
   void set(std::size_t row, std::string_view value);
 
  private:
   Task<> run_set(std::size_t row, int value);
 
+  Task<bool> may_send_group(std::size_t row);
+
   PageHost& host_;
+  bool agreed_ = false;  // to groups that come from no file
   View nobody_;
   View* view_ = &nobody_;
   FlowSet flows_;

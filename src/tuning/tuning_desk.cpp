@@ -4,10 +4,47 @@
 
 namespace qv5123 {
 
+void TuningDesk::open_with_image() {
+  model_.load(image_);
+  filled_ = image_.loaded();
+}
+
 void TuningDesk::reload() {
   model_.load(image_);
   values_loaded();
   view_->show_values();
+  mark_filled(image_.loaded());
+}
+
+void TuningDesk::mark_filled(bool filled) {
+  filled_ = filled;
+  show_unread();
+}
+
+std::string TuningDesk::unread() const {
+  return filled_ ? "" : "not read yet";
+}
+
+std::string TuningDesk::unread_saved() const {
+  return filled_ ? "" : "The page was neither read from the chip nor filled from a setting file.";
+}
+
+void TuningDesk::tell_unread(std::function<void(const std::string&)> told) {
+  unread_told_ = std::move(told);
+  show_unread();
+}
+
+Task<bool> TuningDesk::agreed(Prompts& prompts, std::string text) {
+  if (text.empty() || agreed_texts_.count(text) > 0) co_return true;
+  Question question = careful_question(text + "\n\nGo on all the same?");
+  const Answer answer = co_await prompts.ask(std::move(question));
+  if (answer == Answer::yes) agreed_texts_.insert(std::move(text));
+  co_return answer == Answer::yes;
+}
+
+Task<> TuningDesk::run_save(Prompts& prompts, Task<> save) {
+  const bool wanted = co_await agreed(prompts, unread_saved());
+  if (wanted) co_await std::move(save);
 }
 
 void TuningDesk::load_file() {
@@ -24,6 +61,7 @@ Task<bool> TuningDesk::load_from_chip() {
                   taken_reply();
                   values_loaded();
                   view_->show_values();
+                  mark_filled(true);
                   return true;
                 }};
   co_return co_await qv5123::load_from_chip(host_, std::move(load));
@@ -37,17 +75,6 @@ Task<bool> TuningDesk::send_save(FullSave save, std::string done) {
   const bool saved = co_await send_with_progress(host_, std::move(on_chip));
   co_await after_save();
   co_return saved;
-}
-
-Task<> TuningDesk::run_send(std::string what, Traffic traffic) {
-  std::size_t writes = 0;
-  for (const Batch& batch : traffic) writes += batch.size();
-  const JobResult result = co_await link().send(std::move(traffic));
-  if (result.failed || result.cancelled)
-    host_.show_status(what + ": not all of it reached the chip");
-  else
-    host_.show_status(what + ": " + std::to_string(writes) +
-                      (writes == 1 ? " register sent" : " registers sent"));
 }
 
 }  // namespace qv5123

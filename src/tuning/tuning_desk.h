@@ -1,12 +1,15 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "base/task.h"
 #include "console/page_host.h"
+#include "console/prompts.h"
 #include "console/user_data_image.h"
 #include "link/register_write.h"
 #include "tuning/page_model.h"
@@ -61,9 +64,15 @@ class TuningDesk {
   /// Asks the chip and takes its reply. True when it was taken.
   Task<bool> load_from_chip();
 
-  /// "File/Flash Save"; ignored while one is under way.
-  void start_save(Task<> save) {
-    if (!save_.running()) save_.start(std::move(save));
+  /// What of the page came neither from the chip nor from a file: "not read yet"; empty when all of it did.
+  virtual std::string unread() const;
+  /// `told` hears of unread() at once, and whenever it may have changed.
+  void tell_unread(std::function<void(const std::string&)> told);
+
+  /// "File/Flash Save"; ignored while one is under way. Asks first, once, where it would send what nobody has
+  /// read.
+  void start_save(Prompts& prompts, Task<> save) {
+    if (!save_.running()) save_.start(run_save(prompts, std::move(save)));
   }
   bool saving() const { return save_.running(); }
   /// Sends a full save as one job with progress, waits while the chip stores, and does what comes after it.
@@ -71,9 +80,9 @@ class TuningDesk {
   Task<bool> send_save(FullSave save, std::string done);
 
   /// Sends the traffic of a control beside whatever else is under way, and says so once it has left: "Red
-  /// row: 8 registers sent".
-  void send_control(std::string what, Traffic traffic) {
-    spawn(run_send(std::move(what), std::move(traffic)));
+  /// row: 3 registers sent".
+  void send_control(const std::string& what, Traffic traffic) {
+    host_.send_and_tell(what, std::move(traffic));
   }
 
   /// Lets `task` run to its end, or the desk's.
@@ -85,20 +94,35 @@ class TuningDesk {
   UserDataImage& image() { return image_; }
   const UserDataImage& image() const { return image_; }
   DeskView& view() { return *view_; }
+  /// Takes the values that the page opens with from the program's own image.
+  void open_with_image();
   /// The values have come from file or chip, and are about to be shown.
   virtual void values_loaded() {}
+  /// unread() may have changed.
+  void show_unread() const {
+    if (unread_told_) unread_told_(unread());
+  }
+  /// What "File/Flash Save" would send that nobody has read, as the question tells it; empty where there is
+  /// no such thing.
+  virtual std::string unread_saved() const;
+  /// Asks before what `text` tells is done, unless it is empty or the user has agreed to it before.
+  Task<bool> agreed(Prompts& prompts, std::string text);
 
  private:
   /// The values have come from the chip, and are shown next.
   virtual void taken_reply() {}
   Task<> run_load() { co_await load_from_chip(); }
-  Task<> run_send(std::string what, Traffic traffic);
+  Task<> run_save(Prompts& prompts, Task<> save);
+  void mark_filled(bool filled);
 
   DeskHost& host_;
   UserDataImage& image_;
   DeskView nobody_;
   DeskView* view_ = &nobody_;
   TuningModel& model_;
+  bool filled_ = false;  // by the chip or a file
+  std::function<void(const std::string&)> unread_told_;
+  std::set<std::string> agreed_texts_;
   Flow load_;
   Flow save_;
   FlowSet flows_;

@@ -1,5 +1,7 @@
 #include "tuning/userdata_parameters.h"
 
+#include <algorithm>
+
 #include "base/hex.h"
 #include "tuning/brackets.h"
 
@@ -68,6 +70,21 @@ std::string parameter_line(std::size_t row, const UserDataImage& image, LineOf o
   const bool other_spelling = row == kTwiceSpelledRow && occasion == LineOf::set;
   return (other_spelling ? kSpellingAfterSet : parameter.label) + upper_hex(image.entry(parameter.entry)) +
          "\r\n";
+}
+
+std::string parameter_others(std::size_t row, const UserDataImage& image) {
+  std::string lines;
+  const UserdataParameter& parameter = kParameters[row];
+  for (std::size_t entry = parameter.group_first; entry < parameter.group_first + parameter.group_count;
+       ++entry) {
+    if (entry == parameter.entry) continue;
+    const auto* known = std::find_if(kParameters.begin(), kParameters.end(),
+                                     [entry](const UserdataParameter& p) { return p.entry == entry; });
+    // The last of the DPC group has a page of its own.
+    const std::string name = known != kParameters.end() ? known->name : "Decision Value";
+    lines += name + " = 0x" + upper_hex(image.entry(entry)) + "\n";
+  }
+  return lines;
 }
 
 Traffic parameter_traffic(std::size_t row, const UserDataImage& image) {

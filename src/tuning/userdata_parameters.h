@@ -30,6 +30,9 @@ enum class LineOf { selection, set };
 /// The parameter's label and the image's value, with a line break.
 std::string parameter_line(std::size_t row, const UserDataImage& image, LineOf occasion);
 
+/// The other entries of the row's group, a line "NAME = 0x00" each; empty where it has none.
+std::string parameter_others(std::size_t row, const UserDataImage& image);
+
 /// "Set" of a row, after its value was stored into the image: the row's group, kept, every write a flush.
 Traffic parameter_traffic(std::size_t row, const UserDataImage& image);
 

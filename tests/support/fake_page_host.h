@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "console/page_host.h"
+#include "console/status_board.h"
 #include "support/fake_prompts.h"
 #include "support/fake_wire.h"
 #include "support/inline_background.h"
@@ -39,6 +40,10 @@ class FakePageHost : public PageHost {
   Prompts& prompts() override { return user; }
   Background& background() override { return work; }
   void show_status(const std::string& text) override { statuses.push_back(text); }
+  void send_and_tell(const std::string& what, Traffic traffic) override {
+    std::string text = sent_text(what, traffic);
+    flows_.spawn(tell(what, link().send(std::move(traffic)), std::move(text)));
+  }
   void show_progress(std::optional<int> percent) override { progress.push_back(percent); }
   void append_console(const std::string& text) override { console += text; }
   Task<bool> write_user_data_file() override {
@@ -60,7 +65,13 @@ class FakePageHost : public PageHost {
   void set_busy(bool on) override { busy.push_back(on); }
 
  private:
+  Task<> tell(std::string what, Pending<JobResult> sent, std::string text) {
+    const JobResult result = co_await sent;
+    show_status(left_whole(result) ? text : not_sent_text(what, result));
+  }
+
   FakeWire& wire_;
+  FlowSet flows_;
 };
 
 }  // namespace qv5123::test

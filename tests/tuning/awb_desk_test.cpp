@@ -45,7 +45,9 @@ TEST_F(AwbDeskTest, SendsALineKeptAndAKeyInOneWrite) {
 
 TEST_F(AwbDeskTest, LimitsEightWordsOfTenWhenTheyAreSet) {
   for (const char* word : kWords) type(word, 900);
-  desk_.start_save(desk_.save());
+  EXPECT_EQ(desk_.unread(), "not read yet");
+  host_.user.answers = {Answer::yes};
+  desk_.start_save(host_.user, desk_.save());
   EXPECT_EQ(wire(2000).find("@0d03*@0d20*"), std::string::npos)
       << "what was typed and not set is saved as it is";
   for (int line = 0; line < 6; ++line) desk_.send_line(static_cast<AwbControl>(line));
@@ -63,6 +65,7 @@ TEST_F(AwbDeskTest, LimitsThemAsTheyComeFromAFileAndNotFromTheChip) {
   desk_.load_file();
   EXPECT_EQ(words(), (std::vector<int>{-800, -800, -800, -800, -800, -800, -800, -800, -900, -900}));
   EXPECT_EQ(host_.last_status(), "Load File Ok.");
+  EXPECT_EQ(desk_.unread(), "not read yet") << "no file was loaded";
   file.mark_loaded();
   EXPECT_EQ(AwbDesk(host_, file).values(), desk_.values()) << "a page that is opened after the file";
 
@@ -79,11 +82,12 @@ TEST_F(AwbDeskTest, SavesTheChipsLinesAsTheyCame) {
   load("01020203fffefce0032101050106010704098000");
   EXPECT_EQ(wire(), "@3600*");
   EXPECT_EQ(host_.last_status(), "Load Isp Ok.");
+  EXPECT_EQ(desk_.unread(), "") << "so that saving needs no question";
   EXPECT_EQ(number("a_slope"), 0x102);
   EXPECT_EQ(number("c_slope"), 0x321 - 65536) << "beyond the limit";
 
-  desk_.start_save(desk_.save());
-  desk_.start_save(desk_.save());
+  desk_.start_save(host_.user, desk_.save());
+  desk_.start_save(host_.user, desk_.save());
   EXPECT_EQ(wire(),
             "@f901*@fa01*@0d01*@0d02*@0e02*@0e03*@0fff*@0ffe*@10fc*@10e0*@1103*@1121*@1201*@1205*@1301*@1306*"
             "@1401*@1407*@1504*@1509*@1680*@1600*@fa00*@f900*");
@@ -110,6 +114,10 @@ TEST_F(AwbDeskTest, AMeasuredColourBecomesThePatchThatWasChosen) {
   fake_.advance(5000);
   EXPECT_EQ(host_.last_status(), "GET COLOR: no answer from 0xFC92");
   EXPECT_EQ(desk_.values().patches[3], PatchColour{});
+  fake_.sender.chip = [this](const std::string&) { fake_.receive("~07^"); };
+  desk_.get_color();
+  fake_.advance(5000);
+  EXPECT_EQ(host_.last_status(), "GET COLOR: Foliage is 7, 7, 7") << "the failure is over";
 }
 
 }  // namespace

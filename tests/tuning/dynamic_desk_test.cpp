@@ -36,6 +36,11 @@ TEST_F(DynamicDeskTest, GainsAskFirstAndCancelRestores) {
   image().set_entry(287, 40);
   type("isp_digital_gain", 99);
   set(kNumber, 2);
+  EXPECT_EQ(number("isp_digital_gain"), 99) << "what was before comes from no file";
+  ASSERT_EQ(host_.user.questions.size(), 3u);
+  EXPECT_EQ(host_.user.questions[2].preferred, Answer::no);
+  image().mark_loaded();
+  set(kNumber, 2);
   EXPECT_EQ(wire(), "");
   EXPECT_EQ(number("isp_digital_gain"), 40);
   image().set_entry(287, 200);
@@ -53,9 +58,16 @@ TEST_F(DynamicDeskTest, SingleValuesOnTheWire) {
   for (int i = 475; i < 478; ++i) image().set_entry(static_cast<std::size_t>(i), i - 474);
   type("dpc_decision", 200);
   set(DynamicControl::dpc_decision);
+  EXPECT_EQ(host_.user.questions.size(), 1u) << "three of the bytes come from no file";
+  host_.user.answers = {Answer::yes};
+  set(DynamicControl::dpc_decision);
   type("smart_ir", 2);
   set(DynamicControl::smart_ir);
   EXPECT_EQ(wire(), "@3a21*@3c5a*@605a*@8c01*@8c02*@8c03*@8cc8*@6702*");
+  EXPECT_EQ(host_.statuses,
+            (std::vector<std::string>{"AE Target: 1 register sent", "AE 0x3C: 1 register sent",
+                                      "Angle: 1 register sent", "Decision Value: 1 register sent",
+                                      "Smart IR: 1 register sent"}));
   test::expect_controls_write_registers(desk_);
 }
 
@@ -167,7 +179,8 @@ TEST_F(DynamicDeskTest, FullSaveTakesWhatIsTypedAndNotSet) {
   type("ae_target", 50);
   type("tvi.sharpness.step2", 7);
   type("tvi.nr.step0", 7);
-  desk_.start_save(desk_.save(host_.user));
+  host_.user.answers = {Answer::yes};
+  desk_.start_save(host_.user, desk_.save(host_.user));
   const std::string sent = wire(20000);
   EXPECT_NE(sent.find("@3a32*"), std::string::npos);
   EXPECT_NE(sent.find("@4103*@4407*"), std::string::npos);

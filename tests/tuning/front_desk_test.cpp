@@ -122,7 +122,14 @@ TEST_F(FrontDeskTest, FullSaveWritesTheFileAndSends) {
   load();
   set("delay", 7);
   set("ir_on_off", 9);
-  desk_.start_save(desk_.save(host_));
+  EXPECT_EQ(desk_.unread(), "Delay, IR On/Off: not read yet") << "the chip does not report them";
+  desk_.start_save(host_.user, desk_.save(host_));
+  EXPECT_EQ(wire(), "");
+  ASSERT_EQ(host_.user.questions.size(), 1u);
+  EXPECT_EQ(host_.user.questions[0].preferred, Answer::no);
+  EXPECT_EQ(host_.user_data_writes, 0);
+  host_.user.answers = {Answer::yes};
+  desk_.start_save(host_.user, desk_.save(host_));
   EXPECT_EQ(wire(),
             "@fa01*@6f02*@6e04*@7003*@7107*@7409*@8dc8*@aa01*@7801*@7823*@7902*@7934*@7a03*@7a45*@7bff*@7bff*"
             "@8902*@fa00*");
@@ -134,8 +141,9 @@ TEST_F(FrontDeskTest, FullSaveWritesTheFileAndSends) {
   EXPECT_EQ(host_.written.bytes(), expected.bytes()) << "the dimmer is not limited, Color Suppress not kept";
   EXPECT_EQ(host_.statuses, std::vector<std::string>{"ISP Data Save Done."});
   host_.write_succeeds = false;
-  desk_.start_save(desk_.save(host_));
+  desk_.start_save(host_.user, desk_.save(host_));
   EXPECT_EQ(wire().size(), 18u * 6) << "the chip gets the settings all the same";
+  EXPECT_EQ(host_.user.questions.size(), 2u) << "it is asked until the answer is Yes, and once then";
   EXPECT_EQ(host_.last_status(), "Only the chip was saved: no setting file was written.");
 }
 
@@ -156,7 +164,7 @@ TEST_F(FrontDeskTest, FollowsALoadedFileSoFarAsTheChipDoesNotReport) {
   load_file(17, 19, 34);
   desk_.follow_file();
   EXPECT_EQ(desk_.values().led_dimmer, 200) << "which the chip has reported";
-  desk_.start_save(desk_.save(host_));
+  desk_.start_save(host_.user, desk_.save(host_));
   EXPECT_TRUE(wire().find("@7111*@7413*") != std::string::npos);
   EXPECT_EQ(host_.written.entry(458), 17);
 }

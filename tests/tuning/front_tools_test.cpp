@@ -74,7 +74,8 @@ TEST_F(FrontTools, AnswersGoToTheMainConsoleAndTheFieldThatAsked) {
   raw_.read(Access::isp_word, "0000");
   raw_.read(Access::sensor, "1234");
   EXPECT_EQ(wire(2000), "@9700*@9700*@9a12*@9a34*");
-  EXPECT_EQ(host_.statuses, (std::vector<std::string>{"No answer from 0xF000", "No answer from 0x1234"}));
+  EXPECT_EQ(host_.statuses,
+            (std::vector<std::string>{"0xF922: 0x12", "No answer from 0xF000", "No answer from 0x1234"}));
   EXPECT_EQ(answers_, std::vector<std::string>{"12"});
 }
 
@@ -110,6 +111,7 @@ TEST_F(FrontTools, BitsAreUnknownWithoutAnAnswer) {
     EXPECT_FALSE(editor_.bits()) << "what it holds now nobody knows";
   }
   EXPECT_EQ(host_.last_status(), "No answer from 0xF523");
+  EXPECT_EQ(host_.statuses.front(), "0xF523: 0xA5");
   EXPECT_EQ(console_, "a5 a5 a5 ");
   answer("@9405*@9423*", "0c");
   editor_.press_get_info();
@@ -140,7 +142,15 @@ TEST_F(FrontTools, TheServiceGestureIsMadeAtAddress0) {
 TEST_F(FrontTools, ParametersAreStoredWrittenSentAndReadBack) {
   area_.select(33);
   area_.set(33, "5E");
+  EXPECT_EQ(wire(), "") << "the other byte comes from no file";
+  EXPECT_EQ(image().entry(581), 0);
+  ASSERT_EQ(host_.user.questions.size(), 1u);
+  EXPECT_EQ(host_.user.questions[0].preferred, Answer::no);
+  EXPECT_NE(host_.user.questions[0].text.find("\nContrast Knee Thr_H = 0x00\n"), std::string::npos);
+  host_.user.answers = {Answer::yes};
+  area_.set(33, "5E");
   EXPECT_EQ(wire(), "@fa01*@bc00*@bc5e*@fa00*");
+  EXPECT_EQ(host_.last_status(), "Contrast Knee Thr_L: 2 registers sent");
   EXPECT_EQ(host_.written.entry(581), 0x5E);
   EXPECT_EQ(console_, "Contrast Knee_Thr_L : 0x00\r\nContrast Knee Thr_L : 0x5E\r\n");
   console_.clear();
@@ -205,6 +215,11 @@ TEST_F(FrontTools, ARegisterFileWaitsForTheWireAndCanBeStopped) {
   wire();
   EXPECT_EQ(host_.last_status(), "Register file: line 2 did not reach the chip.");
   EXPECT_FALSE(playing_);
+  fake_.sender.connected = true;
+  host_.user.paths = {script};
+  player_.press();
+  wire(2000);
+  EXPECT_EQ(host_.last_status(), "script.txt: 4 lines sent");
 }
 
 }  // namespace

@@ -135,7 +135,7 @@ TEST_F(GammaDeskTest, SavesEverythingBetweenTheBrackets) {
   desk_.load_file();
   desk_.choose_channel(GammaChannel::green);
   type_point("b[21]", 0x2FE);
-  desk_.start_save(desk_.save());
+  desk_.start_save(host_.user, desk_.save());
   EXPECT_EQ(host_.last_status(), "Gamma Data Saving...");
   fake_.advance(1000);
   type_point("r[0]", 1);  // too late for this save

@@ -134,7 +134,7 @@ TEST_F(MatrixDeskTest, SetDerivesStoresAndSendsARow) {
   desk_.set_row(MatrixControl::red_row);
   EXPECT_EQ(codes()[1], "0x0000") << "1 - 1.25 + 0.25";
   EXPECT_EQ(wire(), "@4e02*@ca03*@5805*@5800*@5800*@5800*@58ff*@5800*");
-  EXPECT_EQ(host_.last_status(), "Red row: 8 registers sent");
+  EXPECT_EQ(host_.last_status(), "Red row: 3 registers sent");
   UserDataImage stored;
   desk_.model().store(stored);
   EXPECT_EQ(stored.word(635 + 36), 0x0500);
@@ -155,7 +155,7 @@ TEST_F(MatrixDeskTest, SetDerivesStoresAndSendsARow) {
   fake_.sender.connected = false;
   desk_.set_row(MatrixControl::blue_row);
   fake_.advance(1000);
-  EXPECT_EQ(host_.last_status(), "Blue row: not all of it reached the chip");
+  EXPECT_EQ(host_.last_status(), "Blue row: not sent, the port is not open");
 }
 
 TEST_F(MatrixDeskTest, LoadsFromTheChip) {
@@ -190,8 +190,9 @@ TEST_F(MatrixDeskTest, SavesAllMatricesAndEndsTheCapture) {
   desk_.load_file();
   EXPECT_EQ(host_.last_status(), "Load File ok");
   desk_.picker().click_switch(true);
+  host_.user.answers = {Answer::yes};
   wire(3000);
-  desk_.start_save(desk_.save(host_));
+  desk_.start_save(host_.user, desk_.save(host_));
   EXPECT_EQ(host_.last_status(), "CCM Data Saving... Please wait");
   EXPECT_EQ(host_.user_data_writes, 1);
   const std::string sent = wire(15000);
@@ -206,7 +207,7 @@ TEST_F(MatrixDeskTest, SavesAllMatricesAndEndsTheCapture) {
   desk_.picker().click_switch(true);
   fake_.advance(3000);
   fake_.sender.chip = {};
-  desk_.start_save(desk_.save(host_));
+  desk_.start_save(host_.user, desk_.save(host_));
   fake_.advance(15000);
   EXPECT_TRUE(desk_.picker().on()) << "the chip did not follow";
   EXPECT_EQ(host_.last_status(), "Color picker: no answer from 0xFA29");

@@ -250,22 +250,26 @@ std::string CQV5123View::page_kind() const {
   return page ? kPageEntries[static_cast<std::size_t>(*page)].name : "";
 }
 
-void CQV5123View::tell_sent(std::string what, Traffic traffic, std::string kind) {
-  Batch all;
+void CQV5123View::send_and_tell(const std::string& what, Traffic traffic) {
+  std::string text = sent_text(what, traffic);
   std::vector<Pending<JobResult>> sent;
-  for (Batch& batch : traffic) {
-    all.insert(all.end(), batch.begin(), batch.end());
-    sent.push_back(link_.send(std::move(batch)));
-  }
-  std::string text = sent_text(what, all);
-  flows_.spawn(tell_what_left(std::move(what), std::move(sent), std::move(text), std::move(kind)));
+  sent.push_back(link_.send(std::move(traffic)));
+  // Another page may be shown by the time it has left.
+  flows_.spawn(tell_what_left(what, std::move(sent), std::move(text), page_kind()));
+}
+
+void CQV5123View::tell_sent(std::string what, Traffic traffic) {
+  std::string text = sent_text(what, traffic);
+  std::vector<Pending<JobResult>> sent;
+  for (Batch& batch : traffic) sent.push_back(link_.send(std::move(batch)));
+  flows_.spawn(tell_what_left(std::move(what), std::move(sent), std::move(text), kAboutForm));
 }
 
 Task<> CQV5123View::tell_what_left(std::string what, std::vector<Pending<JobResult>> sent,
                                    std::string sent_text, std::string kind) {
   for (Pending<JobResult>& each : sent) {
     const JobResult result = co_await each;
-    if (!result.failed && result.chunks_sent > 0) continue;
+    if (left_whole(result)) continue;
     say(StatusRank::failure, kind, not_sent_text(what, result));
     co_return;
   }

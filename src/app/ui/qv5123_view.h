@@ -75,9 +75,7 @@ class CQV5123View final : public QWidget, public PageHost {
   /// From a page: it is about the one that is shown.
   void show_status(const std::string& text) override { say(StatusRank::outcome, page_kind(), text); }
   void show_failure(const std::string& text) override { say(StatusRank::failure, page_kind(), text); }
-  void send_and_tell(const std::string& what, Batch batch) override {
-    tell_sent(what, {std::move(batch)}, page_kind());
-  }
+  void send_and_tell(const std::string& what, Traffic traffic) override;
   /// Says something in the status bar. At most 256 characters are shown.
   void say(StatusRank rank, const std::string& kind, const std::string& text);
   const StatusBoard& board() const { return board_; }
@@ -147,7 +145,7 @@ class CQV5123View final : public QWidget, public PageHost {
   void send_text(const QString& text);
   std::string page_kind() const;
   /// Sends flush by flush, another command may come between two, and says what came of it.
-  void tell_sent(std::string what, Traffic traffic, std::string kind = kAboutForm);
+  void tell_sent(std::string what, Traffic traffic);
   Task<> tell_what_left(std::string what, std::vector<Pending<JobResult>> sent, std::string sent_text,
                         std::string kind);
 

@@ -48,8 +48,7 @@ Task<> CQV5123View::run_close_serial() {
 
 Task<bool> CQV5123View::may_leave_port(std::string question) {
   if (!busy_ && !transfer_.running()) co_return true;
-  Question interrupt;
-  interrupt.text = "Something is still being sent to the chip. " + question;
+  Question interrupt = careful_question("Something is still being sent to the chip. " + question);
   const Answer answer = co_await prompts_.ask(std::move(interrupt));
   if (answer != Answer::yes) co_return false;
   co_await end_transfers(kTransferPatience);
@@ -62,9 +61,8 @@ void CQV5123View::request_exit() {
 
 Task<> CQV5123View::exit_flow() {
   if (busy_ || transfer_.running()) {
-    Question question;
-    question.text = "Something is still being sent to the chip. Close all the same?";
-    question.title = "Save setting";
+    Question question =
+        careful_question("Something is still being sent to the chip. Close all the same?", "Save setting");
     const Answer answer = co_await prompts_.ask(std::move(question));
     if (answer != Answer::yes) co_return;
   }

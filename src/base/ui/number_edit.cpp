@@ -1,5 +1,7 @@
 #include "base/ui/number_edit.h"
 
+#include <QAccessible>
+#include <QLineEdit>
 #include <QPalette>
 #include <QRegularExpression>
 #include <QTimer>
@@ -11,6 +13,8 @@
 
 namespace qv5123 {
 namespace {
+
+constexpr QLatin1String kNotAsItStands("Not taken as it stands: ");
 
 QLineEdit* edit_of(const QAbstractSpinBox* box) {
   return box->findChild<QLineEdit*>();
@@ -64,6 +68,17 @@ void prepare(Box* box) {
   take_what_is_set(box);
 }
 
+/// What a mark says to who does not see it. The tooltip is what is read otherwise.
+void tell_refused(QLineEdit* edit, bool refused) {
+  auto* box = qobject_cast<QAbstractSpinBox*>(edit->parentWidget());
+  QWidget* control = box ? static_cast<QWidget*>(box) : edit;
+  if (refused == control->accessibleDescription().startsWith(kNotAsItStands)) return;
+  control->setAccessibleDescription(refused ? kNotAsItStands + control->toolTip() : QString());
+  if (!refused) return;
+  QAccessibleEvent alert(control, QAccessible::Alert);
+  QAccessible::updateAccessibility(&alert);
+}
+
 }  // namespace
 
 void mark_refused(QLineEdit* edit, bool refused) {
@@ -74,6 +89,7 @@ void mark_refused(QLineEdit* edit, bool refused) {
   }
   // What is not set here comes from the page.
   edit->setPalette(palette);
+  tell_refused(edit, refused);
 }
 
 void mark_refusals_of(QAbstractSpinBox* box) {

@@ -11,6 +11,8 @@
 namespace qv5123 {
 
 /// Marks `edit` as holding, or having been given, what it does not take; its tooltip tells the range.
+/// Assistive tools are told, and read the mark in the description of the edit, or of the box that it belongs
+/// to.
 void mark_refused(QLineEdit* edit, bool refused);
 /// Marks the edit of `box` while what is typed into it is no value of its range, and when a key was refused
 /// for that, until it is told another value or left.

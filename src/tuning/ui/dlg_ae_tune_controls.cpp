@@ -220,9 +220,9 @@ QWidget* CDlgAeTune::make_smart_ir_group() {
 
 QWidget* CDlgAeTune::make_file_group() {
   return make_file_control({[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
-                            [this] { desk_.start_save(desk_.save(host().prompts())); },
+                            [this] { desk_.start_save(host().prompts(), desk_.save(host().prompts())); },
                             "Reads all values, " + register_text(DynamicPage::kTexts.trigger),
-                            "Sends all values for the chip to keep in its flash"});
+                            "Sends all values for the chip to keep in its flash", make_unread_note()});
 }
 
 QWidget* CDlgAeTune::make_more_area() {

@@ -66,7 +66,7 @@ void CDlgIspAwb::add_line_row(QGridLayout* grid, AwbControl line) {
 
 QPushButton* CDlgIspAwb::make_write_button(const QString& caption, RegisterWrite write) {
   return make_button(caption, {}, register_text(write.address) + " = " + QString::number(write.value),
-                     [this, write] { desk_.press(write); });
+                     [this, name = caption.toStdString(), write] { desk_.press(name, write); });
 }
 
 QWidget* CDlgIspAwb::make_navigation_group() {
@@ -93,9 +93,10 @@ QWidget* CDlgIspAwb::make_file_group() {
   const QString first = register_text(desk_.info(desk_.values().words.front()).address);
   const QString last = register_text(desk_.info(desk_.values().words.back()).address);
   return make_file_control({[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
-                            [this] { desk_.start_save(desk_.save()); },
+                            [this] { desk_.start_save(host().prompts(), desk_.save()); },
                             "Reads the lines, " + register_text(AwbPage::kTexts.trigger),
-                            "Sends all lines for the chip to keep, " + first + " to " + last});
+                            "Sends all lines for the chip to keep, " + first + " to " + last,
+                            make_unread_note()});
 }
 
 QWidget* CDlgIspAwb::make_patch_group() {

@@ -140,7 +140,8 @@ QLayout* CDlgIspFront::make_chip_row() {
                           [this] { desk_.start_load(); });
   row->addWidget(load_isp_);
   row->addWidget(make_button("File/Flash Save", {}, "Write the user data file and send all settings to keep",
-                             [this] { desk_.start_save(desk_.save(host())); }));
+                             [this] { desk_.start_save(host().prompts(), desk_.save(host())); }));
+  row->addWidget(make_unread_note());
   row->addStretch();
   return row;
 }

@@ -23,10 +23,11 @@ CDlgIspLSC::CDlgIspLSC(PageHost& host)
   right->addWidget(make_parameter_group());
   right->addWidget(make_flicker_group());
   right->addStretch(1);
-  right->addWidget(make_file_control({[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
-                                      [this] { desk_.start_save(desk_.save(this->host())); },
-                                      "Reads the parameters, register 0x6B",
-                                      "Sends the parameters for the chip to keep, registers 0x64 and 0x65"}));
+  right->addWidget(make_file_control(
+      {[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
+       [this] { desk_.start_save(this->host().prompts(), desk_.save(this->host())); },
+       "Reads the parameters, register 0x6B",
+       "Sends the parameters for the chip to keep, registers 0x64 and 0x65", make_unread_note()}));
   auto* page = new QHBoxLayout(this);
   page->setContentsMargins(6, 6, 6, 6);
   page->addLayout(left, 1);

@@ -86,10 +86,11 @@ QWidget* CDlgIspMatrix::make_file_buttons() {
   const std::vector<FieldInfo>& fields = desk_.model().fields();
   const QString rows = register_text(fields.front().address) + " to " + register_text(fields.back().address);
   return make_file_control({[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
-                            [this] { desk_.start_save(desk_.save(host())); },
+                            [this] { desk_.start_save(host().prompts(), desk_.save(host())); },
                             "Reads all matrices, " + register_text(MatrixPage::kTexts.trigger),
                             "Writes the setting file and sends all matrices for the chip to keep, " + rows +
-                                " for each video mode of " + register_text(kMatrixModeRegister)});
+                                " for each video mode of " + register_text(kMatrixModeRegister),
+                            make_unread_note()});
 }
 
 QWidget* CDlgIspMatrix::make_light_group() {

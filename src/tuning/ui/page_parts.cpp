@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QSignalBlocker>
 #include <QSlider>
+#include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
 
@@ -109,13 +110,17 @@ void show_index(QComboBox* combo, int index) {
 
 QGroupBox* make_file_control(FileControl control) {
   auto* group = new QGroupBox("File Control");
-  auto* row = new QHBoxLayout(group);
-  row->setContentsMargins(6, 6, 6, 6);
+  auto* column = new QVBoxLayout(group);
+  column->setContentsMargins(6, 6, 6, 2);
+  column->setSpacing(2);
+  auto* row = new QHBoxLayout;
+  column->addLayout(row);
   row->setSpacing(4);
   row->addWidget(make_button("Load <- File", {}, "Takes the page's values from the setting file's data",
                              std::move(control.load_file)));
   row->addWidget(make_button("Load <- ISP", {}, control.isp_tooltip, std::move(control.load_isp)));
   row->addWidget(make_button("File/Flash Save", {}, control.save_tooltip, std::move(control.save)));
+  if (control.note) column->addWidget(control.note);
   return group;
 }
 

@@ -90,6 +90,7 @@ struct FileControl {
   std::function<void()> save;
   QString isp_tooltip;
   QString save_tooltip;
+  class QLabel* note = nullptr;  ///< below the buttons
 };
 QGroupBox* make_file_control(FileControl control);
 

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QLabel>
 #include <QWidget>
+
+#include <string>
 
 #include "console/page_host.h"
 #include "tuning/tuning_desk.h"
@@ -25,6 +28,20 @@ class TuningDialog : public QWidget, public Page {
 
  protected:
   PageHost& host() { return host_; }
+  /// Says beside the page's buttons what nobody has read yet. It keeps its place while there is nothing to
+  /// say.
+  QLabel* make_unread_note() {
+    auto* note = new QLabel;
+    note->setObjectName("unread");
+    QSizePolicy place = note->sizePolicy();
+    place.setRetainSizeWhenHidden(true);
+    note->setSizePolicy(place);
+    tuning_desk_.tell_unread([note](const std::string& text) {
+      note->setText(QString::fromStdString(text));
+      note->setVisible(!text.empty());
+    });
+    return note;
+  }
 
  private:
   PageHost& host_;

@@ -48,10 +48,13 @@ struct MatrixBench {
     line.on_text = [this](const std::string& text) { view->take_received(text); };
     QObject::connect(view, &CQV5123View::status_changed, frame.get(),
                      [this](const QString& text) { statuses.push_back(text.toStdString()); });
-    // A download that broke off is ended before the next command.
+    // A download that broke off is ended before the next command, and a page saved that nobody has read.
     user.on_prompt = [this, seen = std::size_t{0}]() mutable {
       if (std::exchange(seen, user.questions.size()) == user.questions.size()) return;
-      if (user.questions.back().text.find("still expects") == std::string::npos) return;
+      const std::string& text = user.questions.back().text;
+      if (text.find("still expects") == std::string::npos &&
+          text.find("Go on all the same?") == std::string::npos)
+        return;
       user.answers.push_front(Answer::yes);
     };
     frame->show();

@@ -57,6 +57,7 @@ TEST_F(FrontPage, IndexesThatNoListHasAreLeftUnselectedAndKept) {
   wire();
   EXPECT_EQ(user_.index("Video Mode"), -1);
   EXPECT_EQ(user_.index("TDN Mode"), -1) << "Auto is no mode of this chip";
+  host_.user.answers = {Answer::yes};
   user_.click("File/Flash Save");
   EXPECT_EQ(wire().substr(0, 24), "@fa01*@6f09*@6ec8*@7004*");
   host_.doc.fourth_tdn_mode = true;
@@ -234,6 +235,7 @@ TEST_F(FrontPage, ParametersAreSetInTheServiceArea) {
   EXPECT_EQ(console(), "Outdoor In Threshold : 0xAB\n0 ");
   user_.choose("Userdata Title", 33);
   user_.type("Userdata Value", "5E");
+  host_.user.answers = {Answer::yes};
   user_.click("Userdata Set");
   EXPECT_EQ(wire(), "@fa01*@bc00*@bc5e*@fa00*");
   EXPECT_TRUE(console().endsWith("Contrast Knee_Thr_L : 0x00\nContrast Knee Thr_L : 0x5E\n"));
@@ -242,6 +244,7 @@ TEST_F(FrontPage, ParametersAreSetInTheServiceArea) {
 TEST_F(FrontPage, ClosingThePageEndsWhatIsUnderWay) {
   user_.click("Get Info");
   user_.click("Read(1Byte)");
+  host_.user.answers = {Answer::yes};
   user_.click("File/Flash Save");
   fake_.advance(120);
   owned_.reset();

@@ -178,6 +178,8 @@ TEST_F(LensPage, SavesToFileAndChipAndComesBack) {
   for (int i = 0; i < 6; ++i) user_.type(kParameters[i], 0x101 * (i + 1));
   user_.click("Parameter-1 S");
   user_.click("Parameter-2 S");
+  EXPECT_EQ(page_.findChild<QLabel*>("unread")->text(), "not read yet");
+  host_.user.answers = {Answer::yes};
   user_.click("File/Flash Save");
   fake_.advance(2000);
   EXPECT_EQ(fake_.sender.writes,

@@ -105,6 +105,7 @@ TEST_F(MatrixPage, TheSaveSwitchesThePickerOff) {
   answer_reads();
   user_.click("Enable Color Picker");
   fake_.advance(3000);
+  host_.user.answers = {Answer::yes};
   user_.click("File/Flash Save");
   fake_.advance(11200);
   EXPECT_FALSE(enabled("Enable Color Picker")) << "until it is off";
