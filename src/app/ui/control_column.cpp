@@ -20,6 +20,7 @@
 #include <utility>
 
 #include "app/ui/console_view.h"
+#include "base/ui/number_edit.h"
 #include "base/ui/qt_text.h"
 #include "console/version_box.h"
 
@@ -35,9 +36,9 @@ QBoxLayout* box_layout(QGroupBox* box, QBoxLayout::Direction direction) {
 }
 
 /// Two digits, as the version is written; more where the entries hold no digits.
-class VersionEdit final : public QSpinBox {
+class VersionEdit final : public NumberEdit {
  public:
-  using QSpinBox::QSpinBox;
+  VersionEdit() : NumberEdit(0, kVersionNumberMax) {}
 
  protected:
   QString textFromValue(int value) const override {
@@ -134,8 +135,7 @@ void ControlColumn::add_version_box(QBoxLayout& column) {
   on_choice(slot_, [this](int slot) { emit version_slot_chosen(slot); });
   row->addWidget(slot_, 1);
   for (std::size_t i = 0; i < version_.size(); ++i) {
-    version_[i] = new VersionEdit(box);
-    version_[i]->setRange(0, kVersionNumberMax);
+    version_[i] = new VersionEdit;
     version_[i]->setButtonSymbols(QAbstractSpinBox::NoButtons);
     version_[i]->setAlignment(Qt::AlignCenter);
     version_[i]->setFixedWidth(44);
@@ -285,8 +285,10 @@ int ControlColumn::version_slot() const {
 
 std::array<int, 3> ControlColumn::version_numbers() const {
   std::array<int, 3> numbers{};
-  std::transform(version_.begin(), version_.end(), numbers.begin(),
-                 [](QSpinBox* box) { return box->value(); });
+  std::transform(version_.begin(), version_.end(), numbers.begin(), [](QSpinBox* box) {
+    box->interpretText();
+    return box->value();
+  });
   return numbers;
 }
 

@@ -33,6 +33,12 @@ std::optional<double> whole_number(const QString& text) {
   return text.toDouble();
 }
 
+std::optional<double> hex_number(const QString& text) {
+  static const QRegularExpression kHex("^[0-9A-Fa-f]{1,8}$");
+  if (!kHex.match(text).hasMatch()) return std::nullopt;
+  return text.toUInt(nullptr, 16);
+}
+
 /// A decimal comma counts as a point.
 std::optional<double> real_number(QString text) {
   static const QRegularExpression kReal("^[+-]?(\\d{1,15}\\.?\\d{0,15}|\\.\\d{1,15})$");
@@ -119,18 +125,28 @@ NumberEdit::NumberEdit(int minimum, int maximum) {
   prepare(this);
 }
 
+QString NumberEdit::without_prefix(const QString& text) const {
+  const QString typed = text.trimmed();
+  return typed.startsWith(prefix()) ? typed.mid(prefix().size()) : typed;
+}
+
+std::optional<double> NumberEdit::number_in(const QString& digits) const {
+  return displayIntegerBase() == 16 ? hex_number(digits) : whole_number(digits);
+}
+
 QValidator::State NumberEdit::validate(QString& text, int&) const {
-  return validated(*this, text, whole_number);
+  return validated(*this, without_prefix(text), [this](const QString& digits) { return number_in(digits); });
 }
 
 void NumberEdit::fixup(QString& text) const {
-  const auto number = whole_number(text.trimmed());
-  if (number) text = QString::number(std::clamp<double>(*number, minimum(), maximum()), 'f', 0);
+  const auto number = number_in(without_prefix(text));
+  if (number)
+    text = prefix() + digits_of(static_cast<int>(std::clamp<double>(*number, minimum(), maximum())));
 }
 
 int NumberEdit::valueFromText(const QString& text) const {
   return static_cast<int>(
-      std::clamp<double>(whole_number(text.trimmed()).value_or(value()), minimum(), maximum()));
+      std::clamp<double>(number_in(without_prefix(text)).value_or(value()), minimum(), maximum()));
 }
 
 RealEdit::RealEdit(double minimum, double maximum, int decimals) {

@@ -4,6 +4,8 @@
 #include <QLineEdit>
 #include <QSpinBox>
 
+#include <optional>
+
 /// The window's edits for numbers. What is out of range may be typed and is marked while it stands; it
 /// becomes the nearest end of the range once it is taken, never a third number. Text that is no number at all
 /// is refused as a whole, so that nothing is left of a paste. Digits and the point are those of English,
@@ -18,8 +20,9 @@ void mark_refused(QLineEdit* edit, bool refused);
 /// for that, until it is told another value or left.
 void mark_refusals_of(QAbstractSpinBox* box);
 
-/// A whole number with a spin. It tells its value while it is being typed only when Enter is pressed, the
-/// focus leaves or somebody takes the text; what is set from outside, as by assistive tools, at once.
+/// A whole number with a spin, in the display's base and behind its prefix, if it has one. It tells its value
+/// while it is being typed only when Enter is pressed, the focus leaves or somebody takes the text; what is
+/// set from outside, as by assistive tools, at once.
 class NumberEdit : public QSpinBox {
   Q_OBJECT
 
@@ -31,7 +34,12 @@ class NumberEdit : public QSpinBox {
 
  protected:
   int valueFromText(const QString& text) const override;
-  QString textFromValue(int value) const override { return QString::number(value); }
+  QString textFromValue(int value) const override { return digits_of(value); }
+
+ private:
+  QString digits_of(int value) const { return QString::number(value, displayIntegerBase()).toUpper(); }
+  QString without_prefix(const QString& text) const;
+  std::optional<double> number_in(const QString& digits) const;
 };
 
 /// The same for a number with decimals.

@@ -255,8 +255,15 @@ void CDlgIspRegister::connect_edits() {
   connect(bits_, &BitBoxes::toggled, this, [this](int bits) { desk_.set_bits(bits); });
 }
 
-void CDlgIspRegister::follow_selection() {
+void CDlgIspRegister::follow_selection(const QItemSelection& added) {
   if (showing_selection_) return;
+  // Assistive tools add a row and leave the current one where it is.
+  if (!added.isEmpty() && !added.contains(list_->currentIndex())) {
+    showing_selection_ = true;
+    list_->selectionModel()->setCurrentIndex(added.indexes().first(),
+                                             QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    showing_selection_ = false;
+  }
   // Not what is newly selected: a click on one of several selected rows only takes the others away.
   const QModelIndex current = list_->currentIndex();
   if (current.isValid() && list_->selectionModel()->isRowSelected(current.row())) {

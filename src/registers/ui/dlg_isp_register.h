@@ -7,6 +7,7 @@
 
 class QBoxLayout;
 class QComboBox;
+class QItemSelection;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -43,7 +44,7 @@ class CDlgIspRegister final : public QWidget, public Page, private RegisterView 
   void make_list();
   void make_field_table();
   void connect_edits();
-  void follow_selection();
+  void follow_selection(const QItemSelection& added);
 
   void show_description() override;
   void show_category() override;

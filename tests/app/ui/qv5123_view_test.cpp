@@ -68,6 +68,8 @@ TEST(MainForm, VersionBoxShowsASlotAndStoresIt) {
   EXPECT_EQ(bench.driver.number("Version number 3"), 2009) << "no digits";
   EXPECT_EQ(bench.sent_by("Store version"), (Strings{"@cc00*@cc02*", "@cc03*@cc04*", "@ccc8*@cc09*"}));
   EXPECT_EQ(bench.document.user_data, before);
+  bench.driver.find<QSpinBox>("Version number 2")->findChild<QLineEdit*>()->setText("340");
+  EXPECT_EQ(bench.sent_by("Store version")[1], "@cc09*@cc09*") << "the nearest, not a third number";
 }
 
 TEST(MainForm, OsdPatternIsStoredWrittenAndSentAndShownWithoutSending) {

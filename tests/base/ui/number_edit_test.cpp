@@ -55,6 +55,25 @@ TEST(NumberEdit, WhatIsOutOfRangeBecomesTheNearestEnd) {
   EXPECT_EQ(told, (std::vector<int>{50, 0}));
 }
 
+TEST(NumberEdit, HexDigitsStandBehindTheirPrefix) {
+  NumberEdit edit(0, 0x10FFFF);
+  edit.setDisplayIntegerBase(16);
+  edit.setPrefix("0x");
+  edit.setValue(0x20);
+  edit.show();
+  EXPECT_EQ(line(edit)->text(), "0x20");
+  type(edit, "4e");
+  edit.interpretText();
+  EXPECT_EQ(edit.value(), 0x4E);
+  QAccessible::queryAccessibleInterface(&edit)->setText(QAccessible::Value, "0x110000");
+  edit.interpretText();
+  EXPECT_EQ(line(edit)->text(), "0x10FFFF");
+  EXPECT_TRUE(edit.accessibleDescription().isEmpty());
+  type(edit, "FFFFFF");
+  EXPECT_TRUE(edit.accessibleDescription().startsWith("Not taken as it stands: "))
+      << "so that it is heard, too";
+}
+
 TEST(NumberEdit, PastedTextIsTakenOrRefusedAsAWhole) {
   NumberEdit edit(0, 4095);
   edit.show();

@@ -101,6 +101,9 @@ TEST_F(RegisterPageTest, RowsAreReadWhenSelectedAndWhenDoubleClicked) {
   EXPECT_EQ(text("Address"), "0xf801");
   click_row(2);
   EXPECT_EQ(text("Name"), "ID") << "one of several that were selected already";
+  QAccessible::queryAccessibleInterface(list())->tableInterface()->selectRow(0);
+  EXPECT_EQ(text("Name"), "MODE") << "as an assistive tool selects it";
+  EXPECT_EQ(list()->selectionModel()->selectedRows().size(), 1);
 }
 
 TEST_F(RegisterPageTest, TypedAddressesAndValuesAreSent) {
