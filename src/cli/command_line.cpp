@@ -48,10 +48,10 @@ void declare_globals(CLI::App& app, Context& context) {
       "--quiet", [&context] { context.out.be_quiet(true); }, "Print results and errors only");
 }
 
-/// The command that was reached; the tree itself before any was.
-const CLI::App& reached(const CLI::App& app) {
+/// The command under which a word stands that is none of its own; else the one that was reached.
+const CLI::App& strayed(const CLI::App& app) {
   const auto parsed = app.get_subcommands();
-  return parsed.empty() ? app : reached(*parsed.front());
+  return parsed.empty() || !app.remaining().empty() ? app : strayed(*parsed.front());
 }
 
 /// How many characters are to be put in, left out or changed to make one word of the other.
@@ -85,7 +85,7 @@ std::string meant_by(const std::string& word, const std::vector<const CLI::App*>
 
 /// In one line; commands that are missing and misspelled ones are named.
 std::string text_of(const CLI::ParseError& error, const CLI::App& app) {
-  const CLI::App& command = reached(app);
+  const CLI::App& command = strayed(app);
   const bool is_group = !subcommands(command).empty();
   if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::RequiredError)) return error.what();
   const std::vector<std::string> unknown = app.remaining(true);

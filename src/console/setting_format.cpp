@@ -82,6 +82,13 @@ std::string missing(std::string_view text, std::size_t count) {
          std::to_string(number & 0xFF);
 }
 
+/// What a count of numbers other than `count` comes to; empty where there is none.
+std::string miscounted(std::string_view text, std::size_t words, std::size_t count) {
+  const std::string few = missing(text, count);
+  if (!few.empty() || words <= count) return few;
+  return "more than " + numbers(count) + ", the rest is not read";
+}
+
 std::string beyond(const std::vector<Word>& words) {
   const auto is_beyond = [](const Word& word) { return word.is_number && !word.is_byte; };
   const auto first = std::ranges::find_if(words, is_beyond);
@@ -103,22 +110,17 @@ std::vector<std::string> format_problems(std::string_view text) {
                                                        : " is no decimal number; what follows is not read"));
     if (!word.is_number) break;
   }
-  if (words.size() != UserDataImage::kSize) {
-    problems.push_back("it has " + std::to_string(words.size()) + " numbers instead of " +
-                       std::to_string(UserDataImage::kSize));
-  }
+  const std::string count = miscounted(text, words.size(), UserDataImage::kSize);
+  if (!count.empty()) problems.push_back(count);
   return problems;
 }
 
 std::string format_summary(std::string_view text, std::size_t count) {
   const std::vector<Word> words = words_of(text);
-  std::string summary = missing(text, count);
+  std::string summary = miscounted(text, words.size(), count);
   const std::string why = why_not_read(text, words);
-  if (summary.empty() && words.size() > count) {
-    summary = "more than " + numbers(count) + ", the rest is not read";
-  } else if (!why.empty()) {
-    summary += (summary.empty() ? "" : " ") + ("(" + why + ")");
-  }
+  const bool is_more = missing(text, count).empty() && words.size() > count;
+  if (!is_more && !why.empty()) summary += (summary.empty() ? "" : " ") + ("(" + why + ")");
   const std::string wrapped = beyond(words);
   if (!wrapped.empty()) summary += (summary.empty() ? "" : "; ") + wrapped;
   return summary;

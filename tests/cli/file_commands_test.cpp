@@ -49,7 +49,7 @@ TEST_F(CtlTest, SettingsChecked) {
   EXPECT_EQ(odd.code, 1);
   EXPECT_THAT(odd.out, StartsWith("odd.dat: line 1026: \"300\" is not in 0..255\n"
                                   "odd.dat: line 1027: \"x\" is no decimal number; what follows is not read\n"
-                                  "odd.dat: it has 1027 numbers instead of 1024\n"
+                                  "odd.dat: more than 1024 numbers, the rest is not read\n"
                                   "odd.dat: awb.a_slope: 181=3 182=132 is beyond its range, its page would "
                                   "make it 181=3 182=32\n"));
 }
@@ -211,7 +211,7 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
        "settings, download, script, monitor, flash, font, gamma, matrix, lsc"},
       {{"reg", "rede"},
        "No command is named \"rede\"; reg has read, write, save, load, list, dump. Did you mean \"read\"?"},
-      {{"pag", "show"},
+      {{"pag", "show", "lsc"},
        "No command is named \"pag\"; qv5123ctl has ports, reg, send, osd, factory-reset, copy-to-factory, "
        "info, "
        "page, settings, download, script, monitor, flash, font, gamma, matrix, lsc. Did you mean \"page\"?"},

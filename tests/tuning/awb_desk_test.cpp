@@ -35,7 +35,7 @@ TEST_F(AwbDeskTest, SendsALineKeptAndAKeyInOneWrite) {
   EXPECT_EQ(number("a_slope"), 800);
   for (const RegisterWrite key :
        {kAwbMarkNone, kAwbMarkSet, kAwbMarkCheck, kAwbUp, kAwbDown, kAwbLeft, kAwbRight})
-    desk_.press(key);
+    desk_.press("key", key);
   type("f_intercept", -40000);
   desk_.send_line(AwbControl::line_f);
   EXPECT_EQ(wire(),
