@@ -48,7 +48,7 @@ std::string sensor_write_text(int address, int value);
 enum class Access { isp_byte, isp_word, sensor };
 /// "0xF922" as the page's texts call a register; ISP addresses with the F that their captions have.
 std::string access_name(Access access, int address);
-/// The line "0xF922 = 0x12" for the answer to a read; Empty when the reply is too short for a value or
+/// The line "0xF922 = 0x12" for the answer to a read. Empty when the reply is too short for a value or
 /// damaged.
 std::string answer_text(Access access, int address, std::string_view reply);
 /// The answer to a read as the data field shows it. Nothing for a reply that is too short or damaged.
