@@ -76,7 +76,7 @@ void RegisterDesk::describe(RegDescription description) {
   view_.show_description();
   if (!sheet_.description().categories.empty()) choose_category(0);
   if (!sheet_.description().problem.empty()) say(sheet_.description().problem);
-  if (!sheet_.description().remark.empty()) host_.show_status(sheet_.description().remark);
+  if (!sheet_.description().remark.empty()) host_.show_failure(sheet_.description().remark);
 }
 
 void RegisterDesk::say(const std::string& text) {
@@ -264,7 +264,7 @@ Task<> RegisterDesk::load_file_flow() {
   }
   const BusyScope busy(host_);
   const RegisterFile& file = loaded.file;
-  if (file.skipped > 0) host_.show_status(skipped_text(*path, file));
+  if (file.skipped > 0) host_.show_failure(skipped_text(*path, file));
   loader_.enable_load_file(false);
   const std::size_t matches = sheet_.apply(file);
   const unsigned connection = host_.link().connection();

@@ -75,7 +75,7 @@ Task<std::optional<std::string>> ScriptPlayer::read(std::filesystem::path path) 
   };
   ReadScript script = co_await host_.background().run(std::move(read));
   if (script.result.ok()) co_return std::move(script.text);
-  if (script.too_large) host_.show_status(script.result.text);
+  if (script.too_large) host_.show_failure(script.result.text);
   co_return std::nullopt;
 }
 

@@ -225,7 +225,7 @@ void CDlgFontMaker::copy_glyph() {
 void CDlgFontMaker::paste_glyph() {
   const auto glyph = parse_glyph_picture(QGuiApplication::clipboard()->text().toStdString());
   if (glyph) editor_.paste(*glyph);
-  if (!glyph) host_.show_status("The clipboard holds no glyph");
+  if (!glyph) host_.show_failure("The clipboard holds no glyph");
 }
 
 void CDlgFontMaker::close_page() {
@@ -252,7 +252,7 @@ Task<> CDlgFontMaker::import_export() {
   refresh_all();
   // Whatever stands there is not ours to replace.
   unreadable_ = read.unreadable;
-  if (unreadable_) host_.show_status("Cannot read " + path_text(export_path_) + ": it is left alone");
+  if (unreadable_) host_.show_failure("Cannot read " + path_text(export_path_) + ": it is left alone");
   begin_export(export_waits_);
 }
 
@@ -322,7 +322,7 @@ Task<> CDlgFontMaker::open_font_file() {
   };
   const ReadFont font = co_await host_.background().run<ReadFont>(std::move(work));
   // No box to be clicked away: the library is as it was.
-  if (!font.result.ok()) co_return host_.show_status(font.result.text);
+  if (!font.result.ok()) co_return host_.show_failure(font.result.text);
   editor_.open_binary({reinterpret_cast<const std::uint8_t*>(font.bytes.data()), font.bytes.size()});
   refresh_all();
   const std::size_t glyphs = font.bytes.size() / FontLibrary::kGlyphBytes;
@@ -345,11 +345,10 @@ Task<> CDlgFontMaker::save_font_file() {
     return write_file_atomically(path, {reinterpret_cast<const char*>(binary.data()), binary.size()});
   };
   const FileResult written = co_await host_.background().run<FileResult>(std::move(work));
-  if (written.ok()) {
-    editor_.mark_in_file(std::move(binary));
-    host_.draft_saved();
-  }
-  host_.show_status(written.ok() ? "Font file written: " + path_text(*path) : written.text);
+  if (!written.ok()) co_return host_.show_failure(written.text);
+  editor_.mark_in_file(std::move(binary));
+  host_.draft_saved();
+  host_.show_status("Font file written: " + path_text(*path));
 }
 
 Task<> CDlgFontMaker::fill_range() {

@@ -101,7 +101,7 @@ Task<> CDlgMakeEeprom::make_image() {
   auto build = co_await host_.background().run<FlashBuild>(std::move(work));
   if (build.ok()) {
     for (const std::string& remark : build.remarks) host_.append_console("\r\n" + remark);
-    host_.show_status(joined(build.remarks));
+    if (!build.remarks.empty()) host_.show_failure(joined(build.remarks));
     co_await save_image(std::move(build));
   } else {
     co_await host_.prompts().message(warning(build.refusal));
@@ -118,7 +118,12 @@ Task<> CDlgMakeEeprom::save_image(FlashBuild build) {
     };
     const auto written = co_await host_.background().run<FileResult>(std::move(work));
     const std::string but = build.remarks.empty() ? "" : ", but " + joined(build.remarks);
-    host_.show_status(written.ok() ? "Flash image written: " + path_text(*path) + but : written.text);
+    if (!written.ok())
+      host_.show_failure(written.text);
+    else if (but.empty())
+      host_.show_status("Flash image written: " + path_text(*path));
+    else
+      host_.show_failure("Flash image written: " + path_text(*path) + but);
   } else {
     host_.show_status("No flash image was written");
     co_await host_.prompts().message(warning("Flash file generation error"));
