@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QLocale>
 
 namespace qv5123 {
 
@@ -14,6 +15,9 @@ class CQV5123App final : public QApplication {
     setApplicationVersion(QV5123_VERSION);
     setDesktopFileName("qv5123");
     setWindowIcon(QIcon(":/icons/qv5123.png"));
+    // Texts are English, and numbers are what the chip's documents and setting files have: Latin digits, in
+    // whatever language the desktop is.
+    QLocale::setDefault(QLocale::c());
     // The port dialog may open and close before there is a main window; the main window ends the process
     // itself.
     setQuitOnLastWindowClosed(false);

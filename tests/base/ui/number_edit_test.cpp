@@ -106,6 +106,23 @@ TEST(NumberEdit, TextSetByAssistiveToolsIsTaken) {
   EXPECT_EQ(edit.value(), 50);
 }
 
+TEST(NumberEdit, DigitsStayLatinInEveryLanguage) {
+  const QLocale before;
+  for (const QLocale::Language language : {QLocale::Arabic, QLocale::Persian, QLocale::Bengali}) {
+    QLocale::setDefault(QLocale(language));
+    NumberEdit whole(-2000, 5000);
+    RealEdit real(0, 5000, 2);
+    whole.setValue(-1234);
+    real.setValue(1234.5);
+    EXPECT_EQ(line(whole)->text(), "-1234");
+    EXPECT_EQ(line(real)->text(), "1234.50");
+    type(whole, "\u0664\u0662");
+    whole.interpretText();
+    EXPECT_EQ(whole.value(), -1234) << "not taken for a number of other digits";
+  }
+  QLocale::setDefault(before);
+}
+
 TEST(RealEdit, ADecimalCommaIsAPoint) {
   RealEdit edit(0, 100, 4);
   edit.show();
