@@ -67,7 +67,11 @@ Task<std::string> switch_lens_picker(CommandLink& link, LensValues& values, bool
   if (enable < 0) co_return no_answer_text(picker_register::kEnable);
   const int correction = co_await read_picker_register(link, picker_register::kCorrection);
   if (correction < 0) co_return no_answer_text(picker_register::kCorrection);
-  co_return co_await switch_picker(link, on, lens_picker_switch_bytes(on, enable, correction), values.picker);
+  values.picker_off = lens_picker_switch_bytes(false, enable, correction);
+  IspBytes bytes = lens_picker_switch_bytes(on, enable, correction);
+  std::string trouble = co_await switch_picker(link, on, std::move(bytes), values.picker);
+  if (!on && trouble.empty()) values.picker_off.clear();
+  co_return trouble;
 }
 
 Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values,

@@ -9,7 +9,7 @@ namespace qv5123 {
 
 LensDesk::LensDesk(DeskHost& host, UserDataImage& image)
     : PageDesk(host, image),
-      picker_(host, {values_.picker_on, values_.picker, values_.step_index,
+      picker_(host, {values_.picker_on, values_.picker_off, values_.picker, values_.step_index,
                      [this](bool on) { return switch_lens_picker(link(), values_, on); }}) {
   open_with_image();
 }
@@ -106,8 +106,9 @@ void LensDesk::finish(LensCalibrationResult result) {
   lens_view_->allow_switch(true);
   picker_.want_keys(result.end == CalibrationEnd::aborted || values_.picker_on);
   // An abort was a click on the switch, which says so itself.
-  if (result.end != CalibrationEnd::aborted)
-    host().show_status(result.picker.empty() ? kPickerOffStatus : result.picker);
+  if (result.end == CalibrationEnd::aborted) return;
+  if (result.picker.empty()) return host().show_status(kPickerOffStatus);
+  host().show_failure(result.picker);
 }
 
 Task<> LensDesk::save(PageHost& files) {

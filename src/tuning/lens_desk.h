@@ -43,6 +43,8 @@ class LensDesk final : public PageDesk<LensPage> {
   Task<> save(PageHost& files);
 
   FullSave full_save() override { return {lens_full_save(values_), {}, {}}; }
+  /// See Page::leave().
+  Traffic leave() { return picker_.leave(); }
   Traffic control_traffic(int control) const override;
 
  private:

@@ -19,6 +19,7 @@ inline constexpr int kFlickerNtsc = 2;
 /// What the lens shading page shows and edits.
 struct LensValues {
   bool picker_on = false;
+  IspBytes picker_off;  ///< what switches the chip's picker off again; empty while it is off
   PickerPosition picker;
   int step_index = 4;      ///< of "Move Step:", 0..7
   int screen_index = 0;    ///< 0 "1080P", 1 "720P"

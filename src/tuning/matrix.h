@@ -44,6 +44,8 @@ using MeasuredColours = std::array<MeasuredColour, kPatches>;
 /// What the linear matrix page shows and edits.
 struct MatrixValues {
   bool picker_on = false;
+  IspBytes picker_off;        ///< what switches the chip's picker off again;
+                              ///< empty while it is off
   bool manual_input = false;  ///< "Input Manually"
   PickerPosition picker;
   int step_index = 6;  ///< of "Move Step:", 0..7

@@ -23,7 +23,10 @@ Task<std::string> switch_matrix_picker(CommandLink& link, MatrixValues& values, 
   if (on) values.manual_input = false;
   const int enable = co_await read_picker_register(link, picker_register::kEnable);
   if (enable < 0) co_return no_answer_text(picker_register::kEnable);
-  co_return co_await switch_picker(link, on, picker_switch_bytes(on, enable), values.picker);
+  values.picker_off = picker_switch_bytes(false, enable);
+  std::string trouble = co_await switch_picker(link, on, picker_switch_bytes(on, enable), values.picker);
+  if (!on && trouble.empty()) values.picker_off.clear();
+  co_return trouble;
 }
 
 Task<bool> get_patch_color(CommandLink& link, MatrixValues& values, std::size_t patch) {
@@ -39,7 +42,7 @@ Task<bool> get_patch_color(CommandLink& link, MatrixValues& values, std::size_t 
 
 MatrixDesk::MatrixDesk(DeskHost& host, UserDataImage& image)
     : PageDesk(host, image),
-      picker_(host, {values_.picker_on, values_.picker, values_.step_index,
+      picker_(host, {values_.picker_on, values_.picker_off, values_.picker, values_.step_index,
                      [this](bool on) { return switch_matrix_picker(link(), values_, on); },
                      [this] { update_keys(); }, [this] { picker_settled(); }}),
       typed_ratio_(values_.ratio) {

@@ -66,6 +66,8 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   FullSave full_save() override { return {matrix_full_save(values_), {}, {}}; }
   /// Switches the picker off, which makes the chip correct colours again.
   Task<> after_save() override;
+  /// See Page::leave().
+  Traffic leave() { return picker_.leave(); }
   Traffic control_traffic(int control) const override { return matrix_send_row(values_, control); }
 
  private:

@@ -74,6 +74,9 @@ inline constexpr char kPickerOffStatus[] = "End color capture.";
 inline constexpr char kPickerChipWasAway[] =
     "the chip was away since the picker was switched on. Switch it off and on again.";
 
+inline constexpr char kPickerPortLost[] =
+    "The port was lost with the color picker on, and the chip may still measure. Switch it off and on again.";
+
 /// Stops the AE and AWB tasks while the picker measures, and lets them run again.
 Traffic picker_task_traffic(bool on);
 

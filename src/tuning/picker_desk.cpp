@@ -102,8 +102,9 @@ Task<> PickerDesk::run_switch() {
     const std::string trouble = co_await picker_.switch_chip(on);
     if (trouble.empty()) {
       host_.show_status(on ? kPickerOnStatus : kPickerOffStatus);
+      watching_.start(tell_of_loss());
     } else {
-      host_.show_status(trouble);
+      host_.show_failure(trouble);
       on = picker_.on = !on;
       switched();
     }
@@ -112,6 +113,27 @@ Task<> PickerDesk::run_switch() {
   view_->show_picker();
   show_keys();
   if (picker_.settled) picker_.settled();
+}
+
+Task<> PickerDesk::tell_of_loss() {
+  const Resolver<bool> changed;
+  host_.link().resolve_on_connection_change(changed);
+  co_await changed.pending();
+  if (picker_.on) host_.show_failure(kPickerPortLost);
+}
+
+Traffic PickerDesk::leave() {
+  switching_.cancel();
+  watching_.cancel();
+  switching_chip_ = false;
+  const IspBytes off = std::exchange(picker_.off, {});
+  if (std::exchange(picker_.on, false)) {
+    switched();
+    view_->show_picker();
+    show_keys();
+    if (picker_.settled) picker_.settled();
+  }
+  return picker_off_traffic(off);
 }
 
 }  // namespace qv5123

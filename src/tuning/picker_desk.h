@@ -28,6 +28,7 @@ class PickerDesk {
   /// The page's own values, which must outlive the desk, and how its picker is switched.
   struct Picker {
     bool& on;
+    IspBytes& off;  ///< what the chip gets when it is left
     PickerPosition& position;
     int& step_index;
     /// Tells what went wrong, in words; empty when the chip followed.
@@ -49,6 +50,9 @@ class PickerDesk {
   /// A click on the switch. One switch at a time, for the chip would end up in between: who changes his mind
   /// meanwhile waits. A chip that did not follow is as it was, and so are the values then.
   void click_switch(bool on);
+  /// The chip is left, and its picker is to be off: the page's is from now on.
+  /// What the chip must still get; empty where its picker is off.
+  Traffic leave();
   /// A press of an arrow.
   void move(PickerMove move);
   /// A number typed; only the last one is sent where they come faster than the chip takes them.
@@ -68,6 +72,7 @@ class PickerDesk {
  private:
   Task<> send_move(const char* what, IspBytes position);
   Task<> run_switch();
+  Task<> tell_of_loss();
   void show_keys();
   void switched();
   void send_typed();
@@ -83,6 +88,7 @@ class PickerDesk {
   bool x_typed_ = false;     // and not sent yet
   bool y_typed_ = false;
   Flow switching_;
+  Flow watching_;
   Flow typing_;
   FlowSet moves_;
 };

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/hex.h"
+#include "link/indirect_access.h"
 
 namespace qv5123 {
 
@@ -55,6 +56,17 @@ Task<std::string> switch_picker(CommandLink& link, bool on, IspBytes bytes, Pick
   }
   if (all_left) co_return std::string();
   co_return std::string("Color picker: not all of it reached the chip");
+}
+
+Traffic picker_off_traffic(const IspBytes& off) {
+  Traffic traffic;
+  if (off.empty()) return traffic;
+  for (const IspByte& byte : off) {
+    traffic.push_back(isp_write(byte.address, byte.value));
+    traffic.emplace_back();
+  }
+  append(traffic, picker_task_traffic(false));
+  return traffic;
 }
 
 }  // namespace qv5123

@@ -30,4 +30,8 @@ std::string no_answer_text(int address);
 /// position. What went wrong, in words; empty when all of it left.
 Task<std::string> switch_picker(CommandLink& link, bool on, IspBytes bytes, PickerPosition position);
 
+/// The same for off where nobody can wait for it: each access is followed by a flush of nothing, whose pacing
+/// is its wait. `off` may be empty.
+Traffic picker_off_traffic(const IspBytes& off);
+
 }  // namespace qv5123

@@ -228,5 +228,48 @@ TEST_F(MatrixDeskTest, EveryNameStandsForItsOwnEntriesAndRegister) {
   EXPECT_EQ(fields[40].caption.caption(), "AHD Light-1 G from G");
 }
 
+TEST_F(MatrixDeskTest, LeavesAChipWithItsPickerOffAtWhateverMoment) {
+  answer_reads();
+  const auto last_words = [this] { return bytes_of(desk_.leave()); };
+  const std::string off = "@920a*@9220*@9390*@920a*@9229*@9305*@a001*@a101*";
+  EXPECT_EQ(last_words(), "") << "never switched on";
+  desk_.picker().click_switch(true);
+  wire(50);
+  EXPECT_EQ(last_words(), "") << "nothing was written yet";
+  wire(3000);
+  for (const int moment : {200, 3000}) {
+    desk_.picker().click_switch(true);
+    EXPECT_FALSE(wire(moment).empty());
+    EXPECT_EQ(last_words(), off) << moment;
+    EXPECT_FALSE(desk_.picker().on());
+    EXPECT_EQ(last_words(), "");
+    EXPECT_FALSE(wire(3000).ends_with("@a100*"));
+  }
+  desk_.picker().click_switch(true);
+  wire(3000);
+  desk_.picker().click_switch(false);
+  wire(300);
+  EXPECT_EQ(last_words(), off) << "while it is switched off";
+  desk_.picker().click_switch(true);
+  wire(3000);
+  desk_.picker().click_switch(false);
+  wire(3000);
+  EXPECT_EQ(last_words(), "");
+}
+
+TEST_F(MatrixDeskTest, APortThatIsLostWithThePickerOnIsSaid) {
+  answer_reads();
+  desk_.picker().click_switch(true);
+  wire(3000);
+  fake_.link.connection_changed();
+  wire(10);
+  EXPECT_EQ(host_.last_status(), kPickerPortLost);
+  desk_.picker().click_switch(false);
+  wire(3000);
+  fake_.link.connection_changed();
+  wire(10);
+  EXPECT_EQ(host_.last_status(), kPickerOffStatus);
+}
+
 }  // namespace
 }  // namespace qv5123

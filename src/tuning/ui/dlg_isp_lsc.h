@@ -20,6 +20,7 @@ class CDlgIspLSC : public TuningDialog, private LensDesk::View {
   explicit CDlgIspLSC(PageHost& host);
 
   bool save_writes_file() const override { return true; }
+  Traffic leave() override { return desk_.leave(); }
 
  private:
   PickerBox* make_picker();

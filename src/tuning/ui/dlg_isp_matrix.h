@@ -22,6 +22,7 @@ class CDlgIspMatrix : public TuningDialog, private MatrixDesk::View {
   explicit CDlgIspMatrix(PageHost& host);
 
   void chosen_again() override { show_measurements(); }
+  Traffic leave() override { return desk_.leave(); }
 
  private:
   PickerBox* make_picker();
