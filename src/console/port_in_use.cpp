@@ -57,13 +57,21 @@ void PortInUse::connected() {
 Task<> PortInUse::change() {
   std::optional<PortSettings> chosen = co_await surroundings_.choose(settings_);
   if (!chosen) co_return;
+  co_await leave_chip();
   settings_ = std::move(*chosen);
   surroundings_.store(settings_);
   co_await open();
 }
 
-void PortInUse::close() {
-  if (!open_ && !awaited_) return;
+Task<> PortInUse::leave_chip() {
+  if (open_ && surroundings_.leave_chip) co_await surroundings_.leave_chip();
+}
+
+Task<> PortInUse::close() {
+  if (!open_ && !awaited_) co_return;
+  co_await leave_chip();
+  // Closed twice, or meanwhile.
+  if (!open_ && !awaited_) co_return;
   surroundings_.close();
   if (open_) surroundings_.append_console(kSerialClosedText);
   open_ = awaited_ = false;

@@ -19,6 +19,8 @@ class PortInUse {
   struct Surroundings {
     std::function<Task<OpenResult>(std::string name, LineSettings line)> open;
     std::function<void()> close;
+    /// Tells the chip what it must know before its port is closed. May be empty.
+    std::function<Task<>()> leave_chip = {};
     /// The write of no bytes that follows an open: it only pays the pacing delay.
     std::function<void()> empty_write;
     /// The port dialog; nothing when the user cancels.
@@ -43,13 +45,14 @@ class PortInUse {
   /// "Change COM Port...": the dialog, then the port it chose is stored and opened anew.
   Task<> change();
   /// The serial close command. Also ends the promise to open a port that is away.
-  void close();
+  Task<> close();
   /// The port that was waited for is open.
   void connected();
 
  private:
   void await_port(const PortSettings& tried);
   void say_open(const PortSettings& opened);
+  Task<> leave_chip();
 
   PortSettings settings_;
   Prompts& prompts_;

@@ -25,7 +25,7 @@ constexpr std::chrono::seconds kAskAgain{10};
 /// How long the end of the program waits for a download to end as the chip can take, where nobody was asked,
 /// and for what the chip must be told last.
 constexpr std::chrono::milliseconds kTransferPatience{1000};
-constexpr std::chrono::milliseconds kChipPatience{1000};
+constexpr std::chrono::milliseconds kChipPatience{1500};
 
 constexpr const char* kNoPortYet = "No port was chosen yet.";
 
@@ -69,8 +69,11 @@ PortSessionEvents Program::session_events() {
     view_->say(session_.connected() ? StatusRank::outcome : StatusRank::failure, kAboutPort, text);
   };
   events.standstill = [this](bool stands) {
+    if (!view_) return;
+    view_->set_line_stands(stands);
     const char* remedy = stands ? " \"Cancel\" ends a download, \"Close serial port\" everything." : "";
-    if (view_) view_->show_status(standstill_text(session_.name(), stands) + remedy);
+    view_->say(stands ? StatusRank::failure : StatusRank::outcome, kAboutPort,
+               standstill_text(session_.name(), stands) + remedy);
   };
   events.trouble = [this](const std::string& text) {
     // A flood says the same again and again; once it is read it may say it once more.
@@ -82,6 +85,7 @@ PortSessionEvents Program::session_events() {
   };
   events.connected = [this](bool connected) {
     if (frame_) frame_->show_connected(connected);
+    if (view_) view_->set_line_stands(false);
     if (connected && view_ && view_->port()) view_->port()->connected();
   };
   return events;
@@ -236,7 +240,9 @@ void Program::show_help() {
 
 Task<> Program::end(int exit_code) {
   ending_ = true;
-  co_await view_->leave_chip(kChipPatience);
+  const bool left = co_await view_->leave_chip(kChipPatience, CQV5123View::Leave::for_good);
+  // Nobody sees the window any more.
+  if (!left) parts_.report(view_->board().failures().back().text);
   co_await session_.close();
   if (!view_->gave_up_writing()) co_await finish_files();
   parts_.end_process(exit_code);
@@ -287,7 +293,7 @@ Task<> Program::run_unasked_end() {
   }
   if (view_) {
     co_await view_->end_transfers(kTransferPatience);
-    co_await view_->leave_chip(kChipPatience);
+    co_await view_->leave_chip(kChipPatience, CQV5123View::Leave::for_good);
     for (const StatusMessage& failure : view_->board().failures()) parts_.report(failure.text);
   }
   co_await session_.close();

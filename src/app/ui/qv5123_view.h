@@ -60,11 +60,15 @@ class CQV5123View final : public QWidget, public PageHost {
   void take_received(const std::string& text);
   /// Whether the user would not wait for a save that stands still.
   bool gave_up_writing() const { return files_.given_up(); }
+  /// Whether the line takes no bytes at present: then nobody waits long for what should still leave.
+  void set_line_stands(bool stands) { line_stands_ = stands; }
   /// Ends the downloads that are under way as the chip can take, or after `patience` where they stand.
   Task<> end_transfers(std::chrono::milliseconds patience);
-  /// The end of all sending, for at most `patience`: open brackets are closed and every page's last words
-  /// leave. Nothing reaches the chip afterwards.
-  Task<> leave_chip(std::chrono::milliseconds patience);
+  /// Whether anything may be sent once the chip was left.
+  enum class Leave { for_good, for_now };
+  /// What is being sent ends at its next boundary, open brackets are closed and every page's last words
+  /// leave, all of it within `patience`. False, and said, when that did not reach the chip.
+  Task<bool> leave_chip(std::chrono::milliseconds patience, Leave leave);
   /// The exit question. closing_confirmed() follows unless the user stays.
   void request_exit();
 
@@ -135,7 +139,8 @@ class CQV5123View final : public QWidget, public PageHost {
   Task<> run_change_port();
   Task<> run_close_serial();
   Task<> exit_flow();
-  Task<> send_last_words(Resolver<bool> over);
+  Task<> send_last_words(Leave leave, Resolver<bool> over);
+  Task<bool> interrupt_with(Traffic last);
   void read_startup_reply();
   void show_version(int slot);
   void show_image();
@@ -166,6 +171,7 @@ class CQV5123View final : public QWidget, public PageHost {
   int transfers_ = 0;
   bool asking_about_waiting_ = false;
   int busy_ = 0;  // how many pages are at work
+  bool line_stands_ = false;
   bool starting_ = false;
   // Last, so that what waits ends before anything it uses.
   FlowSet flows_;

@@ -12,6 +12,13 @@ namespace {
 /// How long closing waits for the end of a download that is under way. At 19200 baud the chip takes some 30
 /// blocks in this time; with more of them still to fill up it is left waiting.
 constexpr std::chrono::seconds kTransferPatience{5};
+/// The same for what the chip must be told before its port is closed.
+constexpr std::chrono::milliseconds kLeavePatience{1500};
+/// The same for both where the line takes nothing.
+constexpr std::chrono::milliseconds kStillLinePatience{500};
+
+constexpr const char* kNotLeft =
+    "The last commands did not reach the chip: it may still measure, or keep what it is told.";
 
 }  // namespace
 
@@ -23,6 +30,7 @@ void CQV5123View::use_port(PortSettings settings, PortInUse::Surroundings surrou
   surroundings.say = [this](bool fault, const std::string& text) {
     say(fault ? StatusRank::failure : StatusRank::outcome, kAboutPort, text);
   };
+  surroundings.leave_chip = [this]() -> Task<> { co_await leave_chip(kLeavePatience, Leave::for_now); };
   surroundings.empty_write = [this] { link_.send(Batch{}); };
   port_.emplace(std::move(settings), prompts_, std::move(surroundings));
 }
@@ -43,7 +51,7 @@ Task<> CQV5123View::run_change_port() {
 
 Task<> CQV5123View::run_close_serial() {
   const bool wanted = co_await may_leave_port("Close the port all the same?");
-  if (wanted) port_->close();
+  if (wanted) co_await port_->close();
 }
 
 Task<bool> CQV5123View::may_leave_port(std::string question) {
@@ -75,26 +83,47 @@ Task<> CQV5123View::end_transfers(std::chrono::milliseconds patience) {
   if (transfers_ == 0 && !transfer_.waiting()) co_return;
   // A chip left in the middle of an image takes what the next start sends for the rest of it.
   say(StatusRank::outcome, kAboutDownload, "Ending the download...");
-  co_await transfer_.end_all(patience);
+  co_await transfer_.end_all(line_stands_ ? kStillLinePatience : patience);
 }
 
-Task<> CQV5123View::leave_chip(std::chrono::milliseconds patience) {
+Task<bool> CQV5123View::leave_chip(std::chrono::milliseconds patience, Leave leave) {
   const Resolver<bool> over;
-  const Flow last_words(send_last_words(over));
-  const Scheduler::TimerId timer = scheduler().call_after(patience, [over] { over.resolve(false); });
-  co_await over.pending();
+  const Flow last_words(send_last_words(leave, over));
+  const Scheduler::TimerId timer =
+      scheduler().call_after(line_stands_ ? kStillLinePatience : patience, [over] { over.resolve(false); });
+  const bool left = co_await over.pending();
   scheduler().cancel(timer);
+  if (!left) say(StatusRank::failure, kAboutForm, kNotLeft);
+  co_return left;
 }
 
-Task<> CQV5123View::send_last_words(Resolver<bool> over) {
+Task<> CQV5123View::send_last_words(Leave leave, Resolver<bool> over) {
   Traffic last;
   for (const PageEntry& entry : kPageEntries) {
     if (Page* page = pages_->page(entry.id)) append(last, page->leave());
   }
+  bool left = last.empty();
   // A chip in the middle of an image would take it for the rest of that.
-  if (!transfer_.running() && !transfer_.waiting()) co_await link_.end_with(std::move(last));
+  if (!transfer_.running() && !transfer_.waiting()) {
+    left = leave == Leave::for_good ? co_await link_.end_with(std::move(last))
+                                    : co_await interrupt_with(std::move(last));
+  }
   // Posted, since who waits for it ends this flow.
-  scheduler().post([over] { over.resolve(true); });
+  scheduler().post([over, left] { over.resolve(left); });
+}
+
+Task<bool> CQV5123View::interrupt_with(Traffic last) {
+  Traffic traffic;
+  if (busy_) {
+    link_.cancel_running_job();
+    // A bracket that is closed twice does no harm.
+    append(traffic, {reg::kKeepBracket, 0});
+    append(traffic, {reg::kSaveBracket, 0});
+  }
+  append(traffic, std::move(last));
+  if (traffic.empty()) co_return true;
+  const JobResult result = co_await link_.send(std::move(traffic));
+  co_return !result.failed;
 }
 
 }  // namespace qv5123

@@ -213,7 +213,10 @@ TEST(MainForm, EndsWithWhatEveryPageMustSayLast) {
   bench.last_words = {{{0x43, 0}}};
   bench.wire.link.send(Traffic{{{reg::kKeepBracket, 1}}, {{0x20, 1}}});
   bench.wire.advance(50);
-  Flow end(bench.view->leave_chip(std::chrono::seconds(1)));
+  const auto leave = [&]() -> Task<> {
+    co_await bench.view->leave_chip(std::chrono::seconds(1), CQV5123View::Leave::for_good);
+  };
+  Flow end(leave());
   bench.wire.advance(1000);
   EXPECT_FALSE(end.running());
   EXPECT_EQ(bench.wire.sender.wire(), "@fa01*@2001*@fa00*@4300*");
@@ -306,8 +309,17 @@ TEST(MainFormStart, OpensThePortOffersAFileAndThenTheRegisters) {
   EXPECT_EQ(bench.wire.link.reply().state(), ReplyBuffer::State::idle);
   EXPECT_FALSE(bench.view->starting());
 
+  bench.last_words = {{{0x43, 0}}};
+  bench.wire.link.send(Traffic{{{reg::kKeepBracket, 1}}, {{0x20, 1}}, {{0x21, 1}}});
+  bench.wire.advance(60);
+  bench.view->set_busy(true);
+  bench.user.answers = {Answer::yes};
   bench.view->close_serial();
+  bench.view->set_busy(false);
   bench.view->close_serial();
+  EXPECT_EQ(bench.closed, 0);
+  bench.wire.advance(1000);
+  EXPECT_EQ(bench.wire.sender.wire(), "@fa01*@2001*@fa00*@f900*@4300*@4300*") << "left as it is to be before";
   EXPECT_EQ(bench.closed, 1);
   EXPECT_EQ(bench.console(), "COM12 open ! \n\nLoad Version ok..Serial closed ..\n");
 }
@@ -329,17 +341,27 @@ TEST(MainFormStart, APortThatFailsLeavesTheWindowUsableAndCanBeChanged) {
   bench.result = {};
   bench.choice.emplace().number = 4;
   bench.click("Change COM Port...");
+  bench.wire.advance(100);
   EXPECT_EQ(bench.opened.back(), "COM4");
   EXPECT_EQ(bench.stored, std::vector{*bench.choice});
 
   bench.result = {OpenError::not_found, "There is no port COM4."};
+  bench.last_words = {{{0x43, 0}}};
+  bench.wire.sender.connected = false;
   bench.click("Change COM Port...");
+  bench.wire.advance(100);
+  EXPECT_EQ(bench.view->board().failures().front().text,
+            "The last commands did not reach the chip: it may still measure, or keep what it is told.");
+  bench.view->mark_read();
   EXPECT_EQ(bench.awaited, 1);
   EXPECT_EQ(bench.statuses.back(), "COM4 is not there. It is opened when it appears.");
   bench.view->port()->connected();
   EXPECT_TRUE(bench.console().ends_with("COM4 open ! \n"));
+  bench.last_words.clear();
   bench.click("Change COM Port...");
+  bench.wire.advance(100);
   bench.view->close_serial();
+  bench.wire.advance(100);
   EXPECT_EQ(bench.closed, 1) << "it is no longer waited for";
   EXPECT_TRUE(bench.view->board().failures().empty()) << "nor is it said to be";
 
