@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
+#include <thread>
 #include <utility>
 
 #include "base/interrupts.h"
@@ -13,9 +15,11 @@ namespace qv5123 {
 /// it on to. To be made before any thread is started.
 class EndRequests {
  public:
-  /// `end_process` ends it at once.
-  explicit EndRequests(std::function<void()> end_process)
-      : end_process_(std::move(end_process)), interrupts_([this] { requested(); }) {}
+  /// How long the program may take for its end; one that does not get there is ended all the same.
+  static constexpr std::chrono::milliseconds kEndedWithin{3000};
+
+  /// `code` is the exit code of a process that is ended at once.
+  explicit EndRequests(int code) : code_(code), interrupts_([this] { requested(); }) {}
 
   /// `on_first` is called on another thread. Empty: nobody is there any more.
   void pass_on_to(std::function<void()> on_first) {
@@ -27,11 +31,16 @@ class EndRequests {
   void requested() {
     const MutexLock lock(mutex_);
     const auto on_first = std::exchange(on_first_, {});
-    if (!on_first) return end_process_();
+    if (!on_first) end_program_at_once("", code_);
     on_first();
+    // Also where the window's thread stands still. It ends with the process, whichever comes first.
+    std::thread([code = code_] {
+      std::this_thread::sleep_for(kEndedWithin);
+      end_program_at_once("", code);
+    }).detach();
   }
 
-  const std::function<void()> end_process_;
+  const int code_;
   Mutex mutex_;
   std::function<void()> on_first_ GUARDED_BY(mutex_);
   Interrupts interrupts_;

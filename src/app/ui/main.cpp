@@ -141,7 +141,7 @@ Program::Parts program_parts(const ProgramOptions& options) {
 
 int main(int argc, char** argv) {
   // First, since every thread takes over what it does with signals.
-  EndRequests end_requests([] { std::_Exit(kEndedByRequest); });
+  EndRequests end_requests(kEndedByRequest);
   use_parent_console();
   const auto options = early_options(argc, argv);
   if (const auto* end = std::get_if<EndAtOnce>(&options)) return print(*end);

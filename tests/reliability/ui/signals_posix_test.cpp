@@ -1,27 +1,30 @@
-// The program, asked to end by a signal in the middle of its saves: the chip is left with its brackets
-// closed.
+// The program, asked to end by a signal in the middle of what takes long: the chip is left with its brackets
+// closed, its picker off, and as one that takes commands.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <QFileDialog>
 #include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <random>
+#include <sstream>
 #include <thread>
 
 #include "app/end_requests.h"
+#include "base/hex.h"
+#include "base/text.h"
 #include "link/serial_device.h"
+#include "registers/reg_description.h"
 #include "reliability/ui/real_program.h"
 #include "support/program.h"
 #include "support/source_folder.h"
 #include "support/temporary_folder.h"
-#include "tuning/gamma.h"
-#include "tuning/lens_shading.h"
-#include "tuning/matrix.h"
-#include "tuning/page_flows.h"
+#include "tuning/picker.h"
 
 namespace qv5123 {
 namespace {
@@ -30,24 +33,77 @@ namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 
 constexpr const char* kFolder = "QV5123_SIGNAL_FOLDER";
-/// How many moments are tried; more for a figure.
+constexpr const char* kOperation = "QV5123_SIGNAL_OPERATION";
+/// How many moments of each operation are tried, for a figure; otherwise one of a few of them.
 constexpr const char* kMoments = "QV5123_SIGNAL_MOMENTS";
-constexpr int kUsualMoments = 4;
 constexpr int kExpectedEnd = 0;
+constexpr int kEndedAtOnce = 130;
 
-Task<> save_for_ever(PageHost& host) {
-  for (;;) {
-    for (const Traffic& traffic : {gamma_full_save({}), matrix_full_save({}), lens_full_save({})}) {
-      LongTraffic save;
-      save.traffic = traffic;
-      co_await send_with_progress(host, std::move(save));
-    }
-  }
+/// What takes long.
+struct Operation {
+  const char* name;
+  PageId page;
+  const char* button;
+  const char* begun;  ///< what the chip's trace then says
+  milliseconds takes;
+  const char* file = "";      ///< chosen once the button is pressed
+  bool needs_picker = false;  ///< switched on before
+  bool is_in_column = false;  ///< and not on the page
+  bool is_usual = false;      ///< also tried where no figure is wanted
+};
+
+constexpr Operation kOperations[] = {
+    {"save ISP tune", PageId::isp_tune, "File/Flash Save", "@fa01*", milliseconds(1500)},
+    {"save gamma", PageId::gamma, "File/Flash Save", "@fa01*", milliseconds(3000)},
+    {"save LSC", PageId::lsc, "File/Flash Save", "@fa01*", milliseconds(1200)},
+    {"save AWB", PageId::awb_tune, "File/Flash Save", "@fa01*", milliseconds(2000)},
+    {"save linear matrix", PageId::linear_matrix, "File/Flash Save", "@fa01*", milliseconds(4000), "", true,
+     false, true},
+    {"save dynamic control", PageId::dynamic_control, "File/Flash Save", "@fa01*", milliseconds(3000)},
+    {"Load All", PageId::registers, "Load All From ISP", "@94", milliseconds(3000)},
+    {"register file", PageId::registers, "Load REG from File to ISP...", "@92", milliseconds(1500),
+     "some.txt"},
+    {"firmware download", PageId::registers, "FW", "blocks announced", milliseconds(3000), "image.bin", false,
+     true, true},
+    {"font download", PageId::registers, "FONT", "blocks announced", milliseconds(3000), "image.bin", false,
+     true},
+    {"picker on, LSC", PageId::lsc, "Enable Color Picker", "@94", milliseconds(2000)},
+    {"calibration", PageId::lsc, "CALIBRATION", "@9238*", milliseconds(8000), "", true, false, true},
+};
+
+const Operation& operation_named(const std::string& name) {
+  return *std::ranges::find(kOperations, name, &Operation::name);
+}
+
+/// Chooses the file in the dialog that comes up.
+void choose(const fs::path& path) {
+  test::wait_until([] { return test::visible<QFileDialog>() != nullptr; });
+  auto* dialog = test::visible<QFileDialog>();
+  dialog->selectFile(QString::fromStdString(path.string()));
+  QMetaObject::invokeMethod(dialog, "accept");
+}
+
+void switch_picker_on(QWidget& page) {
+  auto* picker = test::find<QAbstractButton>(page, "Enable Color Picker");
+  picker->click();
+  auto* key = test::find<QAbstractButton>(page, "LEFT");
+  test::wait_until([&] { return key->isEnabled(); });
+}
+
+void begin(CQV5123View& view, const Operation& operation, const fs::path& folder) {
+  view.pages().choose(operation.page);
+  QWidget& page = *view.pages().page_widget(operation.page);
+  if (operation.needs_picker) switch_picker_on(page);
+  // From here on the trace tells of the operation.
+  view.link().send(Batch{{0x01, 0xFE}});
+  auto& form = operation.is_in_column ? static_cast<QWidget&>(view) : page;
+  test::find<QAbstractButton>(form, operation.button)->click();
+  if (*operation.file) choose(folder / operation.file);
 }
 
 /// The process that gets the signal.
 TEST(Signals, DISABLED_Victim) {
-  EndRequests requests([] { std::_Exit(130); });
+  EndRequests requests(kEndedAtOnce);
   const fs::path folder = qEnvironmentVariable(kFolder).toStdString();
   fs::current_path(folder);
   QSettings store(QString::fromStdString((folder / "settings.ini").string()), QSettings::IniFormat);
@@ -68,8 +124,7 @@ TEST(Signals, DISABLED_Victim) {
   auto& view = *program.frame()->findChild<CQV5123View*>();
   test::wait_until([&] { return !view.starting(); });
   view.document().user_data.set_entry(3, 77);
-  FlowSet saving;
-  saving.spawn(save_for_ever(view));
+  begin(view, operation_named(qEnvironmentVariable(kOperation).toStdString()), folder);
   test::wait_until([] { return false; });
 }
 
@@ -80,11 +135,40 @@ void send_behind(const std::string& frame, const fs::path& line) {
   close(fd);
 }
 
-/// What the chip's trace says of a bracket last.
-bool is_closed(const std::string& trace, const std::string& bracket) {
-  const std::size_t last = trace.rfind("@" + bracket);
-  return last == std::string::npos || trace.compare(last + 3, 2, "00") == 0;
-}
+/// The chip as its trace leaves it.
+struct LeftChip {
+  int save_bracket = 0;
+  int keep_bracket = 0;
+  int ae = 1;
+  int awb = 1;
+  int display = 0x90;
+  int enable = 0;
+  int correction = 0x10;
+  bool answers = false;
+
+  explicit LeftChip(const std::string& trace) : answers(trace.ends_with("@01ff*")) {
+    int address = 0;
+    std::istringstream lines(trace);
+    for (std::string line; std::getline(lines, line);) {
+      if (line.size() < 6 || line[0] != '@') continue;
+      const int reg = std::stoi(line.substr(1, 2), nullptr, 16);
+      const int value = std::stoi(line.substr(3, 2), nullptr, 16);
+      if (reg == reg::kSaveBracket) save_bracket = value;
+      if (reg == reg::kKeepBracket) keep_bracket = value;
+      if (reg == reg::kAeTask) ae = value;
+      if (reg == reg::kAwbTask) awb = value;
+      if (reg == 0x92) address = (address << 8 | value) & 0xFFF;
+      if (reg != 0x93) continue;
+      if (address == picker_register::kDisplay) display = value;
+      if (address == picker_register::kEnable) enable = value;
+      if (address == picker_register::kCorrection) correction = value;
+    }
+  }
+  bool brackets_closed() const { return save_bracket == 0 && keep_bracket == 0; }
+  bool picker_off() const {
+    return display == 0x90 && (enable & 0x80) == 0 && (correction & 0x10) != 0 && ae == 1 && awb == 1;
+  }
+};
 
 struct Ended {
   int code = -1;
@@ -92,14 +176,15 @@ struct Ended {
   std::string trace;
 };
 
-/// Runs the victim on a chip of its own and ends it `moment` after it began to save.
-Ended end_at(const fs::path& folder, int signal, milliseconds moment) {
-  test::Program chip("qv5123sim", {"--trace", "--link", (folder / "chip").string()});
+/// Runs the victim on a chip of its own and ends it `moment` after the operation began.
+Ended end_at(const fs::path& folder, const Operation& operation, int signal, milliseconds moment) {
+  test::Program chip("qv5123sim", {"--trace", "--scene", "flat", "--link", (folder / "chip").string()});
   chip.line();
+  qputenv(kOperation, operation.name);
   test::Program victim(QCoreApplication::applicationFilePath().toStdString(),
                        {"--gtest_filter=Signals.DISABLED_Victim", "--gtest_also_run_disabled_tests"});
   Ended ended;
-  ended.trace = chip.expect("@fa01*");
+  ended.trace = chip.expect("@01fe*") + chip.expect(operation.begun);
   std::this_thread::sleep_for(moment);
   const auto start = std::chrono::steady_clock::now();
   ended.code = victim.end(signal);
@@ -109,29 +194,96 @@ Ended end_at(const fs::path& folder, int signal, milliseconds moment) {
   return ended;
 }
 
-TEST(Signals, AtAnyMomentOfASaveLeaveTheBracketsClosedAndTheValuesKept) {
+/// What came of the signals at one operation.
+struct Figures {
+  int brackets_closed = 0;
+  int picker_off = 0;
+  int answers = 0;
+  int kept = 0;
+  std::vector<milliseconds> times{};
+
+  std::string row(const std::string& name) {
+    std::sort(times.begin(), times.end());
+    const auto of = "/" + std::to_string(times.size()) + " | ";
+    return "| " + name + " | " + std::to_string(brackets_closed) + of + std::to_string(picker_off) + of +
+           std::to_string(answers) + of + std::to_string(kept) + of +
+           std::to_string(times[times.size() / 2].count()) + " ms | " + std::to_string(times.back().count()) +
+           " ms |\n";
+  }
+};
+
+Figures try_moments(const fs::path& folder, const Operation& operation, int moments) {
+  std::mt19937 random(7);
+  Figures figures;
+  for (int i = 0; i < moments; ++i) {
+    const int signal = std::array{SIGTERM, SIGINT, SIGHUP}[static_cast<std::size_t>(i) % 3];
+    const milliseconds moment(random() % operation.takes.count());
+    fs::remove_all(folder / "journal");
+    fs::copy(test::source_folder() / "resources/sample.dat", folder / "board.dat",
+             fs::copy_options::overwrite_existing);
+    const Ended ended = end_at(folder, operation, signal, moment);
+    SCOPED_TRACE(std::string(operation.name) + ", " + std::to_string(moment.count()) + " ms");
+    const LeftChip chip(ended.trace);
+    const bool is_save = std::string(operation.begun) == "@fa01*";
+    // A save has written the file.
+    const bool kept = is_save || fs::exists(Journal::slot_file(folder / "journal", 1));
+    EXPECT_EQ(ended.code, kExpectedEnd);
+    EXPECT_TRUE(chip.brackets_closed() && chip.picker_off() && chip.answers && kept);
+    EXPECT_LT(ended.took, std::chrono::seconds(3));
+    figures.brackets_closed += chip.brackets_closed();
+    figures.picker_off += chip.picker_off();
+    figures.answers += chip.answers;
+    figures.kept += kept;
+    figures.times.push_back(ended.took);
+  }
+  return figures;
+}
+
+/// Gives every register of the description a value.
+void write_register_file(const test::TemporaryFolder& folder) {
+  std::string lines;
+  for (const RegEntry& entry : RegDescription::load(folder / "regu.xml").registers) {
+    lines += "0x" + upper_hex(static_cast<unsigned>(entry.address), 4) + "=0x12 //" + utf8(entry.name) + "\n";
+  }
+  folder.write("some.txt", lines);
+}
+
+TEST(Signals, AtAnyMomentOfWhatTakesLongLeaveTheChipAsItShouldBeAndTheValuesKept) {
   const test::CurrentFolder folder;
   fs::copy(test::source_folder() / "resources/regu.xml", folder / "regu.xml");
-  fs::copy(test::source_folder() / "resources/sample.dat", folder / "board.dat");
+  write_register_file(folder);
+  folder.write("image.bin", std::string(50'000, 'f'));
   qputenv(kFolder, QByteArray::fromStdString((folder / "").string()));
   bool is_number = false;
   const int asked = qEnvironmentVariableIntValue(kMoments, &is_number);
-  std::mt19937 random(7);
-  std::vector<milliseconds> times;
-  for (int i = 0; i < (is_number ? asked : kUsualMoments); ++i) {
-    const int signal = std::array{SIGTERM, SIGINT, SIGHUP}[static_cast<std::size_t>(i) % 3];
-    fs::remove_all(folder / "journal");
-    const Ended ended = end_at(folder / "", signal, milliseconds(random() % 1500));
-    SCOPED_TRACE("signal " + std::to_string(signal) + ", moment " + std::to_string(i));
-    EXPECT_EQ(ended.code, kExpectedEnd);
-    EXPECT_TRUE(is_closed(ended.trace, "fa") && is_closed(ended.trace, "f9"));
-    EXPECT_TRUE(fs::exists(Journal::slot_file(folder / "journal", 1))) << "nobody was asked";
-    EXPECT_LT(ended.took, std::chrono::seconds(3));
-    times.push_back(ended.took);
+  const std::string only = qEnvironmentVariable(kOperation).toStdString();
+  for (const Operation& operation : kOperations) {
+    if (!only.empty() && only != operation.name) continue;
+    if (!is_number && !operation.is_usual) continue;
+    std::cout << try_moments(folder / "", operation, is_number ? asked : 1).row(operation.name);
   }
-  std::sort(times.begin(), times.end());
-  std::cout << times.size() << " ends: median " << times[times.size() / 2].count() << " ms, worst "
-            << times.back().count() << " ms\n";
+}
+
+/// A process whose window stands still.
+TEST(Signals, DISABLED_StandsStill) {
+  EndRequests requests(kEndedAtOnce);
+  requests.pass_on_to([] {});
+  std::cout << "stands" << std::endl;
+  std::this_thread::sleep_for(std::chrono::minutes(1));
+}
+
+TEST(Signals, AWindowThatStandsStillEndsInTimeAndASecondSignalEndsAtOnce) {
+  using Clock = std::chrono::steady_clock;
+  for (const bool twice : {false, true}) {
+    test::Program victim(QCoreApplication::applicationFilePath().toStdString(),
+                         {"--gtest_filter=Signals.DISABLED_StandsStill", "--gtest_also_run_disabled_tests"});
+    victim.expect("stands\n");
+    const auto start = Clock::now();
+    if (twice) victim.signal(SIGINT);
+    if (twice) std::this_thread::sleep_for(milliseconds(50));  // or they become one
+    EXPECT_EQ(victim.end(SIGTERM), kEndedAtOnce);
+    EXPECT_LT(Clock::now() - start, milliseconds(twice ? 1000 : 4000));
+  }
 }
 
 }  // namespace
