@@ -1,6 +1,7 @@
 #include "cli/command_line.h"
 
 #include <algorithm>
+#include <span>
 #include <sstream>
 #include <utility>
 #include <vector>
@@ -48,10 +49,15 @@ void declare_globals(CLI::App& app, Context& context) {
       "--quiet", [&context] { context.out.be_quiet(true); }, "Print results and errors only");
 }
 
-/// The command under which a word stands that is none of its own; else the one that was reached.
-const CLI::App& strayed(const CLI::App& app) {
-  const auto parsed = app.get_subcommands();
-  return parsed.empty() || !app.remaining().empty() ? app : strayed(*parsed.front());
+/// The command that the words before `unknown` lead to; without such a word, all of them.
+const CLI::App& reached(const CLI::App& app, std::span<const char* const> words, const std::string& unknown) {
+  const CLI::App* command = &app;
+  for (const char* word : words) {
+    if (word == unknown) break;
+    for (const CLI::App* one : command->get_subcommands())
+      if (one->get_name() == word) command = one;
+  }
+  return *command;
 }
 
 /// How many characters are to be put in, left out or changed to make one word of the other.
@@ -84,11 +90,11 @@ std::string meant_by(const std::string& word, const std::vector<const CLI::App*>
 }
 
 /// In one line; commands that are missing and misspelled ones are named.
-std::string text_of(const CLI::ParseError& error, const CLI::App& app) {
-  const CLI::App& command = strayed(app);
-  const bool is_group = !subcommands(command).empty();
+std::string text_of(const CLI::ParseError& error, const CLI::App& app, std::span<const char* const> words) {
   if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::RequiredError)) return error.what();
   const std::vector<std::string> unknown = app.remaining(true);
+  const CLI::App& command = reached(app, words, unknown.empty() ? "" : unknown[0]);
+  const bool is_group = !subcommands(command).empty();
   // Likelier a slip of the pen than one too many.
   if (!is_group && !unknown.empty()) return "The following argument was not expected: " + unknown[0];
   if (!is_group) return error.what();
@@ -116,7 +122,7 @@ ExitCode run(Context& context, int argc, const char* const* argv) {
     return context.action ? context.action() : ExitCode::done;
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return print_help(context, error, *app);
-    complain(text_of(error, *app));
+    complain(text_of(error, *app, {argv, argv + argc}));
     return ExitCode::bad_input;
   } catch (const Complaint& complaint) {
     context.out.progress("");

@@ -199,6 +199,7 @@ TEST_F(RegisterDeskTest, SavingTellsWhatIsInTheFileAndOffersToReadWhatWasWritten
   EXPECT_EQ(save_as("a.txt"), "a.txt: 1 register saved, 2 never read and left out");
   desk_->type_value(u"0x77");
   desk_->write();
+  wire_.advance(200);
   EXPECT_EQ(save_as("b.txt"),
             "b.txt: 1 register saved, 2 never read and left out, 1 was written since it was read");
   EXPECT_EQ(folder_.read("b.txt"), "0xF800=0xA5 //MODE\r\n") << "the value that was read";

@@ -25,6 +25,8 @@ class AeTunePage : public test::PageBench<CDlgAeTune> {
 
 TEST_F(AeTunePage, BarsAndEditsShowTheSameAndSetSends) {
   user_.expect_named_controls();
+  // No setting file was loaded: what comes from one is asked about.
+  host_.user.answers = {Answer::yes, Answer::yes, Answer::no, Answer::yes};
   user_.find<QSlider>("AE Target bar")->setValue(33);
   user_.click("AE Target Set");
   user_.type("AE 0x3C", 0x5A);
@@ -34,7 +36,6 @@ TEST_F(AeTunePage, BarsAndEditsShowTheSameAndSetSends) {
   user_.type("Decision Value", 200);
   user_.click("Decision Value Set");
   user_.choose("Smart IR", 2);
-  host_.user.answers = {Answer::yes};
   user_.type("ISP Digital Gain", 99);
   user_.click("ISP Digital Gain Set");
   EXPECT_EQ(wire(), "@3a21*@3c5a*@605a*@8c00*@8c00*@8c00*@8cc8*@6702*@3963*");
