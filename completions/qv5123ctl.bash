@@ -44,7 +44,7 @@ _qv5123ctl() {
     "info awb") words="" ;;
     "page") words="show save diff" ;;
     "page show") words="front awb dynamic gamma matrix lsc" ;;
-    "page save") words="--from --verify --lenient front awb dynamic gamma matrix lsc" ;;
+    "page save") words="--from --verify --repair --lenient front awb dynamic gamma matrix lsc" ;;
     "page diff") words="--lenient front awb dynamic gamma matrix lsc" files=yes ;;
     "settings") words="show set diff check" ;;
     "settings show") words="" files=yes ;;

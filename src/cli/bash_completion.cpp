@@ -3,7 +3,7 @@
 
 #include "cli/command.h"
 #include "cli/self_description.h"
-#include "cli/tuning_pages.h"
+#include "tuning/tuning_pages.h"
 
 namespace qv5123 {
 namespace {

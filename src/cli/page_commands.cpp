@@ -8,7 +8,7 @@
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/headless_host.h"
-#include "cli/tuning_pages.h"
+#include "tuning/tuning_pages.h"
 
 namespace qv5123 {
 namespace {
@@ -17,11 +17,11 @@ struct PageOptions {
   std::string name;
   std::filesystem::path file;
   bool verify = false;
+  int repair = 0;
   bool lenient = false;
 };
 
 using Numbers = std::vector<int>;
-using FieldFilter = bool (*)(const FieldInfo&);
 
 std::string full_name(const TuningModel& page, const FieldInfo& field) {
   return std::string(page.texts().name) + "." + field.name;
@@ -57,12 +57,12 @@ struct Comparison {
   std::string text;
 };
 
-Comparison compare(const TuningModel& chip, const Numbers& file, FieldFilter counts) {
+Comparison compare(const TuningModel& chip, const Numbers& file) {
   Comparison comparison;
   const Numbers on_chip = chip.numbers();
   for (std::size_t i = 0; i < on_chip.size(); ++i) {
     const FieldInfo& field = chip.fields()[i];
-    if (!counts(field)) continue;
+    if (!field.has_reply() || !field.has_entry()) continue;
     ++comparison.compared;
     if (on_chip[i] == file[i]) continue;
     const std::string name = full_name(chip, field);
@@ -73,17 +73,9 @@ Comparison compare(const TuningModel& chip, const Numbers& file, FieldFilter cou
   return comparison;
 }
 
-bool is_in_both(const FieldInfo& field) {
-  return field.has_reply() && field.has_entry();
-}
-
-bool is_saved(const FieldInfo& field) {
-  return is_in_both(field) && field.saved;
-}
-
 Task<ExitCode> diff(Chip& chip, TuningModel& page, const Numbers& file) {
   co_await read_page(chip, page);
-  const Comparison comparison = compare(page, file, is_in_both);
+  const Comparison comparison = compare(page, file);
   chip.out().result({{"page", page.texts().name},
                      {"compared", comparison.compared},
                      {"differences", comparison.differences}},
@@ -111,15 +103,40 @@ Task<> send_save(Chip& chip, HeadlessHost& host, TuningDesk& desk, FullSave save
   if (!host.last_failure().empty()) chip.out().warning(host.last_failure());
 }
 
-Task<ExitCode> verify(Chip& chip, TuningModel& page, const Numbers& sent, Json json) {
-  co_await read_page(chip, page);
-  const Comparison comparison = compare(page, sent, is_saved);
-  json["verified"] = comparison.compared;
-  json["differences"] = comparison.differences;
-  chip.out().result(json, comparison.text);
-  if (!comparison.differences.empty()) co_return ExitCode::negative;
-  chip.out().remark(std::string(page.texts().name) + ": " + std::to_string(comparison.compared) +
-                    " values read back agree\n");
+std::string differences_text(const TuningModel& page, const Verification& found, Json& differences) {
+  std::string text;
+  for (const Verification::Difference& difference : found.differences) {
+    const std::string name = full_name(page, page.fields()[difference.field]);
+    differences.push_back({{"name", name}, {"chip", difference.chip}, {"file", difference.sent}});
+    text += name + ": chip " + std::to_string(difference.chip) + ", file " + std::to_string(difference.sent) +
+            "\n";
+  }
+  return text;
+}
+
+Task<Verification> read_back(Chip& chip, TuningDesk& desk, int repairs) {
+  Verification found = co_await desk.verify_save(chip.timeout());
+  for (; repairs > 0 && found.end == Verification::End::differs; --repairs) {
+    chip.out().remark(std::string(desk.model().texts().name) + ": " +
+                      verification_text(desk.model().fields(), found) + "; sending again\n");
+    found = co_await desk.repair_save(std::move(found), 1, chip.timeout());
+  }
+  co_return found;
+}
+
+Task<ExitCode> verify(Chip& chip, TuningDesk& desk, int repairs, Json json) {
+  const std::string name = desk.model().texts().name;
+  const Verification found = co_await read_back(chip, desk, repairs);
+  if (found.end == Verification::End::no_answer)
+    throw Complaint{ExitCode::negative, name + ": the chip did not answer"};
+  if (found.end == Verification::End::unclear)
+    throw Complaint{ExitCode::negative, name + ": the answer was damaged on the line"};
+  json["verified"] = found.reported;
+  json["differences"] = Json::array();
+  const std::string text = differences_text(desk.model(), found, json["differences"]);
+  chip.out().result(json, text);
+  if (found.end == Verification::End::differs) co_return ExitCode::negative;
+  chip.out().remark(name + ": " + std::to_string(found.reported) + " values read back agree\n");
   co_return ExitCode::done;
 }
 
@@ -129,11 +146,10 @@ Task<ExitCode> save(Chip& chip, CQV5123Doc& document, const PageOptions& options
   desk->model().load_all(document.user_data);
   FullSave save = desk->full_save();
   for (const std::string& warning : save.corrections) chip.out().warning(warning);
-  const Numbers sent = desk->model().numbers();
   const Json json = {{"page", options.name}, {"sent", save.traffic.size()}};
   chip.out().remark(options.name + ": saving, " + std::to_string(save.traffic.size()) + " flushes\n");
   co_await send_save(chip, host, *desk, std::move(save));
-  if (options.verify) co_return co_await verify(chip, desk->model(), sent, json);
+  if (options.verify || options.repair > 0) co_return co_await verify(chip, *desk, options.repair, json);
   chip.out().result(json);
   co_return ExitCode::done;
 }
@@ -176,6 +192,8 @@ void declare_save(CLI::App& command, PageOptions& options) {
   declare_name(command, options);
   add_path(command, "--from", options.file, "The setting file to take the values from")->required();
   command.add_flag("--verify", options.verify, "Read the page back afterwards and compare");
+  add_number(command, "--repair", options.repair, 0, 100,
+             "Read back as --verify does, and send what differs again, at most N times");
   add_lenient(command, options.lenient);
 }
 

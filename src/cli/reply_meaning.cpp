@@ -2,8 +2,8 @@
 
 #include <variant>
 
-#include "cli/tuning_pages.h"
 #include "link/indirect_access.h"
+#include "tuning/tuning_pages.h"
 
 namespace qv5123 {
 namespace {

@@ -6,9 +6,9 @@
 #include <memory>
 
 #include "cli/numbers.h"
-#include "cli/tuning_pages.h"
 #include "console/main_commands.h"
 #include "console/version_box.h"
+#include "tuning/tuning_pages.h"
 #include "tuning/userdata_parameters.h"
 
 namespace qv5123 {

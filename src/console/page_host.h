@@ -29,9 +29,11 @@ class DeskHost {
   virtual void append_console(const std::string& text) = 0;
   /// Sends flushes that nothing may come between and says what came of it, under the name that the user knows
   /// it by: "Saturation: 1 register sent". For controls that have no text of their own.
-  virtual void send_and_tell(const std::string& what, Traffic traffic) {
+  /// `note`, which may be null, tells what else there is to know of it.
+  virtual void send_and_tell(const std::string& what, Traffic traffic,
+                             std::shared_ptr<const WriteNote> note = {}) {
     (void)what;
-    link().send(std::move(traffic));
+    link().send(noted_job(std::move(traffic), std::move(note)));
   }
   /// Shows how far a long operation is, 0..100, beside the status message. Taken away again by an empty
   /// `percent`, and by the end of the last work under set_busy().

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "link/register_write.h"
@@ -39,6 +40,14 @@ struct Job {
   /// Called on the scheduler's thread after each chunk with how many of the chunks have left. May be empty.
   std::function<void(std::size_t chunks_sent)> on_progress;
 };
+
+/// The flushes as a job that nothing comes between.
+inline Job noted_job(Traffic traffic, std::shared_ptr<const WriteNote> note) {
+  Job job;
+  for (Batch& batch : traffic) job.chunks.emplace_back().writes = std::move(batch);
+  job.note = std::move(note);
+  return job;
+}
 
 struct JobResult {
   std::size_t chunks_sent = 0;  ///< chunks written; the last ones are missing after a failure or a cancel

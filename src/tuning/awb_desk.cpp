@@ -24,11 +24,19 @@ Traffic AwbDesk::control_traffic(int control) const {
   return awb_row_traffic(values_, awb_row(static_cast<AwbControl>(control)));
 }
 
+void AwbDesk::limit(const std::vector<std::size_t>& fields) {
+  for (const std::size_t field : fields) {
+    const int line = model().fields()[field].sent_by;
+    if (line != Field::kNowhere) limit_awb_row(values_, awb_row(static_cast<AwbControl>(line)));
+  }
+}
+
 void AwbDesk::send_line(AwbControl line) {
   view().take_typed();
+  const Changing change(*this, DeskChange::Kind::computed, std::string("Line ") + awb_row(line).name);
   limit_awb_row(values_, awb_row(line));
   view().show_values();
-  send_control(std::string("Line ") + awb_row(line).name, control_traffic(static_cast<int>(line)));
+  send_control(std::string("Line ") + awb_row(line).name, static_cast<int>(line));
 }
 
 void AwbDesk::get_color() {
@@ -47,6 +55,7 @@ Task<> AwbDesk::measure(std::size_t patch) {
     co_return;
   }
   view().take_typed();
+  const Changing change(*this, DeskChange::Kind::measured, "GET COLOR");
   values_.patches[patch] = {colour[0], colour[1], colour[2]};
   view().show_values();
   host().show_status("GET COLOR: " + std::string(kAwbPatches[patch].caption) + " is " +

@@ -24,10 +24,11 @@ class AwbDesk final : public PageDesk<AwbPage> {
   /// "File/Flash Save".
   Task<> save();
 
-  FullSave full_save() override { return {awb_full_save(values_), {}, {}}; }
   Traffic control_traffic(int control) const override;
 
  private:
+  FullSave make_save() override { return {awb_full_save(values_), {}, {}, {}}; }
+  void limit(const std::vector<std::size_t>& fields) override;
   Task<> measure(std::size_t patch);
 
   std::size_t patch_ = 0;

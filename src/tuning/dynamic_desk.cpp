@@ -39,6 +39,7 @@ void DynamicDesk::choose_source(std::size_t source) {
 
 void DynamicDesk::move_light_source_bar(int bar) {
   view().take_typed();
+  const Changing change(*this, DeskChange::Kind::typed, "Light source Sum");
   LightSource& record = values_.light_sources[source_];
   record = light_source_from_bar(bar, record);
   view().show_values();
@@ -66,6 +67,7 @@ void DynamicDesk::choose_video_mode(int index) {
 
 void DynamicDesk::turn(int flags, bool on, PageHost& files) {
   view().take_typed();
+  const Changing change(*this, DeskChange::Kind::typed, "Mirror/Flip");
   values_.orientation = (on ? values_.orientation | flags : values_.orientation & ~flags) & (kMirror | kFlip);
   view().show_values();
   model().store_field(field(values_.orientation), image());
@@ -74,8 +76,9 @@ void DynamicDesk::turn(int flags, bool on, PageHost& files) {
 
 Task<> DynamicDesk::send_orientation(PageHost& files) {
   Traffic traffic = orientation_traffic(values_);
+  std::vector<WriteNote::Value> values = control_values(control_number(DynamicControl::orientation));
   co_await files.write_user_data_file();
-  send_control("Mirror/Flip", std::move(traffic));
+  send_noted("Mirror/Flip", std::move(traffic), std::move(values));
 }
 
 void DynamicDesk::set(DynamicControl control, std::size_t index, Prompts& prompts) {
@@ -83,7 +86,7 @@ void DynamicDesk::set(DynamicControl control, std::size_t index, Prompts& prompt
   if (control == DynamicControl::first_number && index < kGainCount) return spawn(set_gain(index, prompts));
   if (control == DynamicControl::dpc_decision) return spawn(set_dpc(prompts));
   if (control == DynamicControl::step_row) return set_step_row(index / kStepRows, index % kStepRows, prompts);
-  send_control(name_of(control, index), control_traffic(control_number(control, index)));
+  send_control(name_of(control, index), control_number(control, index));
 }
 
 std::string DynamicDesk::unread_dpc() const {
@@ -107,7 +110,7 @@ Task<> DynamicDesk::set_dpc(Prompts& prompts) {
   const bool wanted = co_await agreed(prompts, unread_dpc());
   if (!wanted) co_return;
   view().take_typed();
-  send_control("Decision Value", control_traffic(control_number(DynamicControl::dpc_decision)));
+  send_control("Decision Value", control_number(DynamicControl::dpc_decision));
 }
 
 Task<> DynamicDesk::set_gain(std::size_t number, Prompts& prompts) {
@@ -116,7 +119,8 @@ Task<> DynamicDesk::set_gain(std::size_t number, Prompts& prompts) {
   question.title = kGainQuestionTitle;
   const Answer answer = co_await prompts.ask(std::move(question));
   if (answer == Answer::yes) {
-    send_control(name_of(DynamicControl::first_number, number), {number_write(values_, number)});
+    send_control(name_of(DynamicControl::first_number, number),
+                 control_number(DynamicControl::first_number, number));
     co_return;
   }
   co_await restore_gain(field(values_.*kDynamicNumbers[number]), prompts);
@@ -134,7 +138,7 @@ Task<> DynamicDesk::restore_gain(std::size_t gain, Prompts& prompts) {
   if (!wanted) co_return;
   view().take_typed();
   // It is the bar that is put back, and a bar has no place outside its range.
-  model().set_number(gain, before);
+  type(gain, before);
   view().show_values();
 }
 
@@ -147,11 +151,13 @@ std::string DynamicDesk::name_of(DynamicControl control, std::size_t index) cons
 }
 
 void DynamicDesk::set_step_row(std::size_t bank, std::size_t row, Prompts& prompts) {
+  const Changing change(*this, DeskChange::Kind::computed, std::string(kStepRules[row].caption) + " Set");
   StepCells& cells = values_.banks[bank][row];
   StepRowWrite written = write_step_row(static_cast<BankId>(bank), row, cells);
   cells = written.cells;
   view().show_values();
-  send_control(kStepRules[row].caption, std::move(written.traffic));
+  const int control = control_number(DynamicControl::step_row, kStepRows * bank + row);
+  send_noted(kStepRules[row].caption, std::move(written.traffic), control_values(control));
   spawn(tell(std::move(written.messages), prompts));
 }
 
@@ -170,18 +176,76 @@ Task<> DynamicDesk::save(Prompts& prompts) {
   host().show_status("AE_Tune Data Saving...");
   co_await Delay(host().scheduler(), kBeforeSave);
   view().take_typed();
-  DynamicFullSave all = dynamic_full_save(values_, image());
-  values_ = all.values;
+  DynamicFullSave all = corrected_save();
   view().show_values();
   spawn(tell(std::move(all.messages), prompts));
-  FullSave on_chip{std::move(all.traffic), kFlashStoreTime, {}};
+  FullSave on_chip{std::move(all.traffic), kFlashStoreTime, {}, save_values()};
   co_await send_save(std::move(on_chip), "Data Save Done...");
 }
 
-FullSave DynamicDesk::full_save() {
+DynamicFullSave DynamicDesk::corrected_save() {
+  const Changing change(*this, DeskChange::Kind::computed, "File/Flash Save");
   DynamicFullSave all = dynamic_full_save(values_, image());
   values_ = all.values;
-  FullSave save{std::move(all.traffic), kFlashStoreTime, {}};
+  return all;
+}
+
+/// A record of no known kind is not sent.
+std::vector<WriteNote::Value> DynamicDesk::without_unknown_sources(
+    std::vector<WriteNote::Value> values) const {
+  for (const LightSource& source : values_.light_sources) {
+    if (source.known()) continue;
+    std::erase_if(values, [&](const WriteNote::Value& value) {
+      return value.field == field(source.kind) || value.field == field(source.value);
+    });
+  }
+  return values;
+}
+
+std::vector<WriteNote::Value> DynamicDesk::control_values(int control) const {
+  return without_unknown_sources(TuningDesk::control_values(control));
+}
+
+std::vector<WriteNote::Value> DynamicDesk::save_values() const {
+  return without_unknown_sources(TuningDesk::save_values());
+}
+
+/// The cells one by one as they are, since the row's own "Set" would correct them; and the choice of the
+/// light source as the full save leaves it.
+Traffic DynamicDesk::values_traffic(const std::vector<std::size_t>& fields) const {
+  constexpr std::size_t kCells = kStepBanks * kStepRows * kStepColumns;
+  Traffic traffic;
+  std::vector<std::size_t> others;
+  for (const std::size_t field : fields) {
+    if (field < first_cell_ || field >= first_cell_ + kCells) {
+      others.push_back(field);
+      continue;
+    }
+    const std::size_t cell = field - first_cell_;
+    const std::size_t bank = cell / kStepColumns / kStepRows;
+    const std::size_t row = cell / kStepColumns % kStepRows;
+    const std::size_t step = cell % kStepColumns;
+    append(traffic, RegisterWrite{kStepSelectRegister, low_byte(static_cast<int>(step))});
+    append(traffic, step_write(static_cast<BankId>(bank), row, values_.banks[bank][row][step]));
+  }
+  append(traffic, TuningDesk::values_traffic(others));
+  append(traffic, RegisterWrite{dynamic_register::kSourceSelect, 0});
+  return traffic;
+}
+
+void DynamicDesk::limit(const std::vector<std::size_t>& fields) {
+  for (const std::size_t field : fields) {
+    if (field < first_cell_) continue;
+    const std::size_t row = (field - first_cell_) / kStepColumns;
+    if (row >= kStepBanks * kStepRows) continue;
+    StepCells& cells = values_.banks[row / kStepRows][row % kStepRows];
+    cells = write_step_row(static_cast<BankId>(row / kStepRows), row % kStepRows, cells).cells;
+  }
+}
+
+FullSave DynamicDesk::make_save() {
+  DynamicFullSave all = corrected_save();
+  FullSave save{std::move(all.traffic), kFlashStoreTime, {}, {}};
   for (const StepMessage& message : all.messages) save.corrections.push_back(text_of(message));
   return save;
 }

@@ -49,13 +49,20 @@ class DynamicDesk final : public PageDesk<DynamicPage> {
   Task<> save(Prompts& prompts);
 
   /// "Set" of "Decision Value" and the full save send three bytes of the program's own image with it.
-  FullSave full_save() override;
   Traffic control_traffic(int control) const override;
+  std::vector<WriteNote::Value> control_values(int control) const override;
 
  protected:
   std::string unread_saved() const override;
 
  private:
+  FullSave make_save() override;
+  std::chrono::milliseconds settling() const override { return kFlashStoreTime; }
+  void limit(const std::vector<std::size_t>& fields) override;
+  Traffic values_traffic(const std::vector<std::size_t>& fields) const override;
+  DynamicFullSave corrected_save();
+  std::vector<WriteNote::Value> save_values() const override;
+  std::vector<WriteNote::Value> without_unknown_sources(std::vector<WriteNote::Value> values) const;
   void taken_reply() override { video_mode_enabled_ = !values_.ir_led; }
   void turn(int flags, bool on, PageHost& files);
   Task<> send_orientation(PageHost& files);

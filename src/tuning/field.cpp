@@ -19,6 +19,14 @@ std::string joined(const Words& words, const char* between, const char* before_n
   return text;
 }
 
+unsigned mask_of(FieldSize size) {
+  return size == FieldSize::word ? 0xFFFF : size == FieldSize::byte ? 0xFF : 1;
+}
+
+int stored(int encoded, FieldSize size) {
+  return static_cast<int>(static_cast<unsigned>(encoded) & mask_of(size));
+}
+
 }  // namespace
 
 std::string Words::name() const {
@@ -36,6 +44,21 @@ std::vector<std::size_t> FieldInfo::entries() const {
   if (also_entry != kNowhere) all.push_back(static_cast<std::size_t>(also_entry));
   std::sort(all.begin(), all.end());
   return all;
+}
+
+std::string FieldInfo::text(int number) const {
+  const auto item = static_cast<std::size_t>(number);
+  if (format == FieldFormat::list && item < items.size()) return items[item];
+  if (format == FieldFormat::hex) return "0x" + upper_hex(static_cast<unsigned>(number));
+  return std::to_string(number);
+}
+
+int FieldInfo::held_by_chip(int number) const {
+  return in_reply().decode(stored(as->encode(number), size));
+}
+
+int FieldInfo::held_by_file(int number) const {
+  return in_entry().decode(stored(in_entry().encode(number), size));
 }
 
 std::string FieldInfo::range_text() const {

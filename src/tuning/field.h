@@ -133,6 +133,16 @@ struct FieldInfo : Field {
   std::vector<std::size_t> entries() const;
   /// "0..4095, register 0x64"; list items are counted.
   std::string range_text() const;
+  /// A value of it as it is shown to people: "12", "0x1F", "Auto".
+  std::string text(int number) const;
+  /// What the chip reports once `number` was sent, and what a file gives back once it was stored: where a
+  /// number is beyond what fits they are others.
+  int held_by_chip(int number) const;
+  int held_by_file(int number) const;
+  /// Whether a write of the page brings it to the chip, alone or with the full save.
+  bool sendable() const { return saved || sent_by != kNowhere; }
+  /// Whether saving the page keeps it in a file.
+  bool kept_in_file() const { return has_entry() && entry_use != EntryUse::only_loaded; }
 };
 
 }  // namespace qv5123

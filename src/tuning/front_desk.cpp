@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "tuning/brackets.h"
 #include "tuning/page_flows.h"
 
 namespace qv5123 {
@@ -47,6 +48,17 @@ Traffic FrontDesk::control_traffic(int control) const {
   return {front_write(used, values)};
 }
 
+std::vector<WriteNote::Value> FrontDesk::control_values(int control) const {
+  std::vector<WriteNote::Value> values = TuningDesk::control_values(control);
+  if (static_cast<FrontControl>(control) == FrontControl::led_dimmer)
+    for (WriteNote::Value& value : values) value.number = std::min(values_.led_dimmer, kLedDimmerLimit);
+  return values;
+}
+
+Traffic FrontDesk::bracketed(Traffic body) const {
+  return kept(std::move(body));
+}
+
 void FrontDesk::use(FrontControl control) {
   view().take_typed();
   if (control == FrontControl::led_dimmer) limit_dimmer();
@@ -63,7 +75,10 @@ void FrontDesk::keep_colour_order() {
 void FrontDesk::set_polarity(int polarity) {
   // Before the values are shown again, which would undo what is being typed elsewhere.
   view().take_typed();
-  values_.polarity = polarity;
+  {
+    const Changing change(*this, DeskChange::Kind::typed, "Polarity");
+    values_.polarity = polarity;
+  }
   view().show_values();
   use(FrontControl::polarity);
 }
@@ -72,16 +87,18 @@ void FrontDesk::use_color_suppress(PageHost& files) {
   view().take_typed();
   store(FrontControl::color_suppress);
   Traffic traffic{front_write(FrontControl::color_suppress, values_)};
-  spawn(write_and_send(files, std::move(traffic)));
+  spawn(write_and_send(files, std::move(traffic),
+                       control_values(static_cast<int>(FrontControl::color_suppress))));
 }
 
-Task<> FrontDesk::write_and_send(PageHost& files, Traffic traffic) {
+Task<> FrontDesk::write_and_send(PageHost& files, Traffic traffic, std::vector<WriteNote::Value> values) {
   co_await files.write_user_data_file();
-  send_control(name_of(FrontControl::color_suppress), std::move(traffic));
+  send_noted(name_of(FrontControl::color_suppress), std::move(traffic), std::move(values));
 }
 
 void FrontDesk::limit_dimmer() {
   if (values_.led_dimmer <= kLedDimmerLimit) return;
+  const Changing change(*this, DeskChange::Kind::computed, "LED Dimmer");
   values_.led_dimmer = kLedDimmerLimit;
   view().show_values();
 }
@@ -96,7 +113,7 @@ void FrontDesk::send(FrontControl control) {
   if (control == FrontControl::delay) delay_known_ = true;
   if (control == FrontControl::ir_on_off) ir_known_ = true;
   show_unread();
-  send_control(name_of(control), {front_write(control, values_)});
+  send_control(name_of(control), static_cast<int>(control));
 }
 
 Task<> FrontDesk::save(PageHost& files) {
@@ -111,6 +128,7 @@ void FrontDesk::follow_file() {
   note_file();
   if (!reported_) return reload();
   view().take_typed();
+  const Changing change(*this, DeskChange::Kind::from_file, "Load File");
   FrontValues file;
   load_page<FrontPage>(file, image());
   values_.delay = file.delay;

@@ -33,13 +33,15 @@ class FrontDesk final : public PageDesk<FrontPage> {
 
   /// Delay and IR on/off as well, which the chip does not report.
   std::string unread() const override;
-  FullSave full_save() override { return {front_full_save(values_), {}, {}}; }
   Traffic control_traffic(int control) const override;
+  std::vector<WriteNote::Value> control_values(int control) const override;
 
  protected:
   std::string unread_saved() const override;
 
  private:
+  FullSave make_save() override { return {front_full_save(values_), {}, {}, {}}; }
+  Traffic bracketed(Traffic body) const override;
   void taken_reply() override { reported_ = true; }
   void note_file();
   std::string unread_names() const;
@@ -47,7 +49,7 @@ class FrontDesk final : public PageDesk<FrontPage> {
   void limit_dimmer();
   void store(FrontControl control);
   void send(FrontControl control);
-  Task<> write_and_send(PageHost& files, Traffic traffic);
+  Task<> write_and_send(PageHost& files, Traffic traffic, std::vector<WriteNote::Value> values);
 
   bool reported_ = false;  // by the chip, once at least
   // From a file, or sent by the user.

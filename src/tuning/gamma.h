@@ -103,6 +103,11 @@ struct GammaPage {
 
   /// With no file loaded into the image yet, all four curves become 0 and the selections stay.
   static void load(Values& values, const UserDataImage& image);
+  static void keep_place(Values& values, const Values& now) {
+    values.gamma_value = now.gamma_value;
+    values.front_gamma_value = now.front_gamma_value;
+    values.itu_709 = now.itu_709;
+  }
 
  private:
   template <class Curve, class Visitor>

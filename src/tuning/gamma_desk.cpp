@@ -16,6 +16,12 @@ const char* name_of(GammaCurveId id) {
   return kGammaCurveNames[static_cast<std::size_t>(id)];
 }
 
+std::string name_of(const GammaHit& points) {
+  std::string name = "Point " + std::to_string(points.point + 1);
+  for (const GammaCurveId id : points.curves) name += std::string(" ") + name_of(id);
+  return name;
+}
+
 std::string message_of(GammaCurveId id, const GammaCurve& curve) {
   std::string text = name_of(id);
   const char* before = ": ";
@@ -40,13 +46,23 @@ Traffic GammaDesk::control_traffic(int control) const {
   return gamma_curve_traffic(values_, static_cast<GammaCurveId>(control));
 }
 
+std::vector<WriteNote::Value> GammaDesk::save_values() const {
+  std::vector<WriteNote::Value> values = TuningDesk::save_values();
+  // It is not what is chosen now that the save keeps.
+  for (WriteNote::Value& value : values)
+    if (value.field == field(values_.channel)) value.number = static_cast<int>(values_.loaded_channel);
+  return values;
+}
+
 void GammaDesk::choose_channel(GammaChannel clicked) {
+  const Changing change(*this, DeskChange::Kind::typed, "Channel");
   values_.channel = channel_after_click(clicked);
   view().show_values();
 }
 
 void GammaDesk::compute_end(Prompts& prompts) {
   view().take_typed();
+  const Changing change(*this, DeskChange::Kind::computed, "Gamma Value Set");
   if (set_end_gamma(values_, front_gamma_level_) == GammaResult::invalid)
     return spawn(prompts.message({"Invalid values."}));
   view().show_values();
@@ -57,6 +73,7 @@ void GammaDesk::compute_end(Prompts& prompts) {
 
 void GammaDesk::compute_front(Prompts& prompts) {
   view().take_typed();
+  const Changing change(*this, DeskChange::Kind::computed, "Front Gamma Value Set");
   if (set_front_gamma(values_) == GammaResult::invalid) return spawn(prompts.message({"Invalid values"}));
   host().show_status("Calculate Front Gamma values.");
   view().show_values();
@@ -79,15 +96,24 @@ Task<> GammaDesk::run_apply() {
   LongTraffic curves;
   curves.traffic = gamma_apply(values_);
   curves.done = "Gamma data apply done";
+  std::vector<WriteNote::Value> values;
+  for (const GammaCurveId id : selected_curves(values_.channel)) {
+    const auto more = control_values(static_cast<int>(id));
+    values.insert(values.end(), more.begin(), more.end());
+  }
+  expect(values);
+  curves.note = note("Apply", std::move(values));
   co_await send_with_progress(host(), std::move(curves));
 }
 
 void GammaDesk::drag(const GammaHit& points, int value) {
+  const Changing change(*this, DeskChange::Kind::dragged, name_of(points), drags_);
   move_gamma_point(values_, points, value);
   gamma_view_->show_moved(points);
 }
 
 void GammaDesk::nudge(const GammaHit& points, int delta) {
+  const Changing change(*this, DeskChange::Kind::typed, name_of(points));
   for (const GammaCurveId id : points.curves) {
     int& value = values_.curve(id)[points.point];
     value = spin_gamma_point(value, delta);

@@ -36,18 +36,21 @@ class GammaDesk final : public PageDesk<GammaPage> {
   void apply();
   /// In the chart: to a value, or by so many steps.
   void drag(const GammaHit& points, int value);
+  void end_drag() { ++drags_; }
   void nudge(const GammaHit& points, int delta);
   /// "File/Flash Save", which is of the chip alone.
   Task<> save();
 
-  FullSave full_save() override { return {gamma_full_save(values_), {}, {}}; }
   Traffic control_traffic(int control) const override;
 
  private:
+  FullSave make_save() override { return {gamma_full_save(values_), {}, {}, {}}; }
+  std::vector<WriteNote::Value> save_values() const override;
   Task<> run_apply();
   std::string selected_names() const;
 
   double& front_gamma_level_;
+  unsigned drags_ = 1;
   View nobody_;
   View* gamma_view_ = &nobody_;
 };

@@ -52,6 +52,14 @@ Task<Reading> read_at(CommandLink& link, const LensValues& values, int x, unsign
   }
 }
 
+Job parameters_job(const LensValues& values) {
+  WriteNote note{LensPage::kTexts.name, "CALIBRATION", {}};
+  FieldNumbers numbers;
+  LensPage::fields(values, numbers);
+  for (std::size_t i = 0; i < numbers.numbers.size(); ++i) note.values.push_back({i, numbers.numbers[i]});
+  return noted_job(lens_send_parameters(values), std::make_shared<WriteNote>(std::move(note)));
+}
+
 /// Why the picker could not be switched off; empty when it could.
 Task<std::string> end_measuring(CommandLink& link, LensValues& values) {
   std::string trouble = co_await switch_lens_picker(link, values, false);
@@ -100,7 +108,7 @@ Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values
   do {
     ratio = values.ratio;
     result.log = recompute_lens(calibration, values);
-    const JobResult sent = co_await link.send(lens_send_parameters(values));
+    const JobResult sent = co_await link.send(parameters_job(values));
     result.message = sent.failed ? "The parameters did not reach the chip: the port failed." : "";
     if (values.picker_on) result.picker = co_await end_measuring(link, values);
   } while (values.ratio != ratio);

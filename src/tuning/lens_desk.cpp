@@ -33,11 +33,11 @@ Traffic LensDesk::control_traffic(int control) const {
 
 void LensDesk::send_row(LensControl row) {
   view().take_typed();
-  send_control(row == LensControl::parameter1 ? "Parameter-1" : "Parameter-2",
-               control_traffic(static_cast<int>(row)));
+  send_control(row == LensControl::parameter1 ? "Parameter-1" : "Parameter-2", static_cast<int>(row));
 }
 
 void LensDesk::move_ratio(int ratio) {
+  const Changing change(*this, DeskChange::Kind::typed, "Correction Ratio");
   values_.ratio = ratio;
   // A sweep under way takes the ratio when it gets there.
   if (!values_.calibrated || calibrating()) return;
@@ -45,13 +45,14 @@ void LensDesk::move_ratio(int ratio) {
   if (calibration_.samples.empty()) return;
   lens_view_->add_to_log(recompute_lens(calibration_, values_));
   view().show_values();
-  send_control("Parameters", {lens_send_parameters(values_)});
+  send_noted("Parameters", {lens_send_parameters(values_)}, save_values());
 }
 
 void LensDesk::set_flicker(int mode) {
+  const Changing change(*this, DeskChange::Kind::typed, "Flickerless");
   values_.flicker = mode;
   view().show_values();
-  send_control("Flickerless", {flicker_mode_write(mode)});
+  send_noted("Flickerless", {flicker_mode_write(mode)}, {});
 }
 
 void LensDesk::start_calibration(Prompts& prompts) {
@@ -76,11 +77,17 @@ Task<> LensDesk::calibrate(Prompts& prompts) {
   std::function<void(const LensSample&)> on_sample = [this, positions](const LensSample& sample) {
     take_sample(sample, positions);
   };
+  const LensValues former = values_;
   LensCalibrationResult result;
   {
     const BusyScope busy(host());
     result = co_await calibrate_lens(link(), values_, std::move(on_sample));
   }
+  LensValues before = values_;
+  before.parameter1 = former.parameter1;
+  before.parameter2 = former.parameter2;
+  before.calibrated = former.calibrated;
+  tell({DeskChange::Kind::measured, "CALIBRATION", before});
   Message complaint{result.message};
   finish(std::move(result));
   // Beside this flow, which is over: the ratio may move while the box is open.

@@ -42,12 +42,12 @@ class LensDesk final : public PageDesk<LensPage> {
   /// "File/Flash Save" on file and chip.
   Task<> save(PageHost& files);
 
-  FullSave full_save() override { return {lens_full_save(values_), {}, {}}; }
   /// See Page::leave().
   Traffic leave() { return picker_.leave(); }
   Traffic control_traffic(int control) const override;
 
  private:
+  FullSave make_save() override { return {lens_full_save(values_), {}, {}, {}}; }
   void set_flicker(int mode);
   Task<> calibrate(Prompts& prompts);
   void take_sample(const LensSample& sample, std::size_t of);

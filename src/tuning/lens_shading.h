@@ -51,6 +51,13 @@ struct LensPage {
     row("parameter1", "Parameter-1", values.parameter1, 0, LensControl::parameter1, visit);
     row("parameter2", "Parameter-2", values.parameter2, 1, LensControl::parameter2, visit);
   }
+  static void keep_place(Values& values, const Values& now) {
+    values.picker_on = now.picker_on;
+    values.picker_off = now.picker_off;
+    values.picker = now.picker;
+    values.step_index = now.step_index;
+    values.screen_index = now.screen_index;
+  }
 
  private:
   template <class Row, class Visitor>

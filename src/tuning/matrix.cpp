@@ -127,6 +127,12 @@ Traffic matrix_send_row(const MatrixValues& values, int row) {
   return traffic;
 }
 
+Traffic matrix_row(const MatrixValues& values, int mode, int light, int row) {
+  Traffic traffic{{{kMatrixModeRegister, low_byte(mode)}}};
+  append(traffic, row_traffic(values.tables[mode], light, row));
+  return traffic;
+}
+
 Traffic matrix_full_save(const MatrixValues& values) {
   Traffic body;
   for (int mode = 0; mode < kVideoModes; ++mode) append(body, mode_traffic(values, mode));

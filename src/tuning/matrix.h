@@ -93,6 +93,16 @@ struct MatrixPage {
   }
   /// Shows the matrix of the current mode and light source.
   static void loaded(Values& values);
+  /// Mode and light source come back with the matrix that belongs to them.
+  static void keep_place(Values& values, const Values& now) {
+    values.picker_on = now.picker_on;
+    values.picker_off = now.picker_off;
+    values.manual_input = now.manual_input;
+    values.picker = now.picker;
+    values.step_index = now.step_index;
+    values.patch_step = now.patch_step;
+    values.patch = now.patch;
+  }
 
  private:
   struct Place {
@@ -160,6 +170,8 @@ void go_to_next_patch(MatrixValues& values);
 
 /// Row "Set": row 0..2 of the current mode and light source.
 Traffic matrix_send_row(const MatrixValues& values, int row);
+/// The same of any mode and light source, as the full save sends it.
+Traffic matrix_row(const MatrixValues& values, int mode, int light, int row);
 /// "File/Flash Save".
 Traffic matrix_full_save(const MatrixValues& values);
 

@@ -64,6 +64,45 @@ void MatrixDesk::choose_mode(int mode) {
   show_matrix_in_force();
 }
 
+std::vector<WriteNote::Value> MatrixDesk::control_values(int control) const {
+  std::vector<WriteNote::Value> values;
+  if (values_.mode < 0 || values_.mode >= kVideoModes || control < 0 || control >= kMatrixRows) return values;
+  for (const int& code : values_.tables[values_.mode][control][values_.light]) {
+    const std::size_t at = field(code);
+    values.push_back({at, model().fields()[at].held_by_chip(code)});
+  }
+  return values;
+}
+
+/// Row by row, of whatever mode and light source.
+Traffic MatrixDesk::values_traffic(const std::vector<std::size_t>& fields) const {
+  Traffic traffic;
+  for (int mode = 0; mode < kVideoModes; ++mode) {
+    for (int light = 0; light < kMatrixLights; ++light) {
+      for (int row = 0; row < kMatrixRows; ++row) {
+        const std::size_t first = field(values_.tables[mode][row][light][0]);
+        const auto is_of_row = [first](std::size_t f) { return f >= first && f < first + 3; };
+        if (std::any_of(fields.begin(), fields.end(), is_of_row))
+          append(traffic, matrix_row(values_, mode, light, row));
+      }
+    }
+  }
+  return traffic;
+}
+
+/// The three codes of each row, which stand one behind the other.
+std::vector<WriteNote::Value> MatrixDesk::own_values(const std::vector<std::size_t>& fields) const {
+  std::vector<WriteNote::Value> values;
+  const std::vector<int> numbers = model().numbers();
+  for (std::size_t first = 0; first < numbers.size(); first += 3) {
+    const auto is_of_row = [first](std::size_t f) { return f >= first && f < first + 3; };
+    if (std::none_of(fields.begin(), fields.end(), is_of_row)) continue;
+    for (std::size_t i = first; i < first + 3; ++i)
+      values.push_back({i, model().fields()[i].held_by_chip(numbers[i])});
+  }
+  return values;
+}
+
 void MatrixDesk::show_matrix_in_force() {
   show_matrix(values_);
   typed_codes_ = {};
@@ -87,13 +126,17 @@ MatrixDesk::Typing MatrixDesk::typing() const {
 }
 
 void MatrixDesk::type_patch(std::size_t patch, std::size_t colour, std::uint32_t count) {
+  const Changing change(*this, DeskChange::Kind::typed,
+                        std::string(kPatchCaptions[patch]) + " " + kMatrixRowNames[colour]);
   values_.measured[patch][colour] = count;
   matrix_view_->show_report();
 }
 
 void MatrixDesk::type_ratio(int percent) {
   typed_ratio_ = percent;
-  if (kCorrectionRatio.holds(percent)) values_.ratio = percent;
+  if (!kCorrectionRatio.holds(percent)) return;
+  const Changing change(*this, DeskChange::Kind::typed, "Correction Ratio");
+  values_.ratio = percent;
 }
 
 void MatrixDesk::type_code(int row, int column, std::string text) {
@@ -154,7 +197,11 @@ Task<> MatrixDesk::run_get_color() {
   }
   measuring_patch_ = true;
   update_keys();
+  const MeasuredColour former = values_.measured[patch];
   const bool measured = co_await get_patch_color(link(), values_, patch);
+  MatrixValues before = values_;
+  before.measured[patch] = former;
+  tell({DeskChange::Kind::measured, "GET COLOR", before});
   measuring_patch_ = false;
   if (measured)
     host().show_status("GET COLOR: " + counts_text(patch, values_.measured[patch]));
@@ -169,7 +216,10 @@ void MatrixDesk::calculate(Prompts& prompts) {
   view().take_typed();
   if (!kCorrectionRatio.holds(typed_ratio_))
     return host().show_failure("Correction Ratio takes 0..100 %: nothing was calculated.");
-  const MatrixResult result = calculate_matrix(values_);
+  const MatrixResult result = [this] {
+    const Changing change(*this, DeskChange::Kind::computed, "Calculate");
+    return calculate_matrix(values_);
+  }();
   if (result == MatrixResult::no_grey) return spawn(prompts.message({"Please get color of gray!"}));
   const auto patches = std::count_if(values_.measured.begin(), values_.measured.end(), is_measured);
   if (result == MatrixResult::unsolvable)
@@ -182,7 +232,10 @@ void MatrixDesk::calculate(Prompts& prompts) {
 }
 
 void MatrixDesk::clear() {
-  clear_matrix(values_);
+  {
+    const Changing change(*this, DeskChange::Kind::computed, "Clear");
+    clear_matrix(values_);
+  }
   for (auto& row : typed_codes_) row.fill(std::string());
   view().show_values();
   host().show_status("Patches and shown matrix are empty.");
@@ -190,13 +243,15 @@ void MatrixDesk::clear() {
 
 void MatrixDesk::set_row(MatrixControl row) {
   view().take_typed();
+  const Changing change(*this, DeskChange::Kind::typed,
+                        std::string(kMatrixRowNames[static_cast<int>(row)]) + " row");
   if (!take_codes()) return;
   set_matrix_rows(values_);
   typed_codes_ = {};
   matrix_view_->show_codes();
   matrix_view_->show_report();
   const int number = static_cast<int>(row);
-  send_control(std::string(kMatrixRowNames[number]) + " row", control_traffic(number));
+  send_control(std::string(kMatrixRowNames[number]) + " row", number);
 }
 
 Task<> MatrixDesk::save(PageHost& files) {

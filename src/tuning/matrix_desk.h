@@ -63,16 +63,23 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   /// "File/Flash Save" on file and chip.
   Task<> save(PageHost& files);
 
-  FullSave full_save() override { return {matrix_full_save(values_), {}, {}}; }
   /// Switches the picker off, which makes the chip correct colours again.
   Task<> after_save() override;
   /// See Page::leave().
   Traffic leave() { return picker_.leave(); }
+  Traffic own_traffic(const std::vector<std::size_t>& fields) const override {
+    return values_traffic(fields);
+  }
   Traffic control_traffic(int control) const override { return matrix_send_row(values_, control); }
+  /// Those of the current mode and light source.
+  std::vector<WriteNote::Value> control_values(int control) const override;
 
  private:
   using TypedCodes = std::array<std::array<std::optional<std::string>, 3>, kMatrixRows>;
 
+  FullSave make_save() override { return {matrix_full_save(values_), {}, {}, {}}; }
+  Traffic values_traffic(const std::vector<std::size_t>& fields) const override;
+  std::vector<WriteNote::Value> own_values(const std::vector<std::size_t>& fields) const override;
   void values_loaded() override { typed_codes_ = {}; }
   void show_matrix_in_force();
   void update_keys();

@@ -58,6 +58,7 @@ Task<bool> send_with_progress(DeskHost& host, LongTraffic sending) {
   std::optional<CommandLink::Hold> hold;
   if (sending.settling.count() > 0) hold.emplace(co_await host.link().hold());
   Job job = job_of(host, std::move(sending.traffic));
+  job.note = std::move(sending.note);
   const auto connection = std::make_shared<unsigned>();
   job.on_start = [connection, &link = host.link()] { *connection = link.connection(); };
   Pending<JobResult> sent = hold ? hold->send(std::move(job)) : host.link().send(std::move(job));

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,7 @@ struct LongTraffic {
   Traffic traffic;
   std::string done;                       ///< status text at the end; none when empty
   std::chrono::milliseconds settling{0};  ///< how long the chip stores afterwards and gets nothing else
+  std::shared_ptr<const WriteNote> note;  ///< what it is about; may be null
 };
 
 /// Sends the traffic as one job with progress in the status bar, and waits while the chip stores. Closing the

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <any>
 #include <cstddef>
 #include <optional>
 #include <stdexcept>
@@ -18,7 +19,10 @@
 /// say what becomes of the values it also has
 /// - `store(values, image)` in place of storing by the layout,
 /// - `load(values, image)` in place of loading by it,
-/// - `loaded(values)` for what follows from values that came from file or chip.
+/// - `loaded(values)` for what follows from values that came from elsewhere,
+/// - `keep_place(values, now)` for what only says where the page stands, such as a cursor, and is as `now`
+/// when
+///   former values come back.
 namespace qv5123 {
 
 /// Copies what the page keeps into the image.
@@ -73,6 +77,13 @@ class TuningModel {
   /// Takes the values from the chip's reply. False, and nothing has changed, when it ends too early.
   virtual bool take_reply(std::string_view reply) = 0;
 
+  /// All that the page holds, for restore() of the same page.
+  virtual std::any keep() const = 0;
+  /// Brings it back, but for where the page stands.
+  virtual void restore(const std::any& kept) = 0;
+  /// Whether restoring would change nothing.
+  virtual bool holds(const std::any& kept) const = 0;
+
  private:
   const DeskTexts& texts_;
 };
@@ -103,6 +114,7 @@ class PageModel final : public TuningModel {
     const Range& taken = fields()[field].takes();
     FieldSet set(field, std::clamp(number, taken.lowest, taken.highest));
     Page::fields(values, set);
+    if constexpr (requires { Page::loaded(values); }) Page::loaded(values);
   }
   void store(UserDataImage& image) const override { store_page<Page>(values, image); }
   void store_field(std::size_t field, UserDataImage& image) const override {
@@ -122,8 +134,18 @@ class PageModel final : public TuningModel {
     if (taken) values = std::move(*taken);
     return taken.has_value();
   }
+  std::any keep() const override { return values; }
+  void restore(const std::any& kept) override { values = placed(kept); }
+  bool holds(const std::any& kept) const override { return values == placed(kept); }
 
   Values values;
+
+ private:
+  Values placed(const std::any& kept) const {
+    Values restored = std::any_cast<const Values&>(kept);
+    if constexpr (requires { Page::keep_place(restored, values); }) Page::keep_place(restored, values);
+    return restored;
+  }
 };
 
 }  // namespace qv5123

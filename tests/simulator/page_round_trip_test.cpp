@@ -2,9 +2,9 @@
 
 #include <random>
 
-#include "cli/tuning_pages.h"
 #include "support/chip_talk.h"
 #include "support/fake_page_host.h"
+#include "tuning/tuning_pages.h"
 
 using namespace qv5123;
 

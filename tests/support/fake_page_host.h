@@ -40,9 +40,10 @@ class FakePageHost : public PageHost {
   Prompts& prompts() override { return user; }
   Background& background() override { return work; }
   void show_status(const std::string& text) override { statuses.push_back(text); }
-  void send_and_tell(const std::string& what, Traffic traffic) override {
+  void send_and_tell(const std::string& what, Traffic traffic,
+                     std::shared_ptr<const WriteNote> note = {}) override {
     std::string text = sent_text(what, traffic);
-    flows_.spawn(tell(what, link().send(std::move(traffic)), std::move(text)));
+    flows_.spawn(tell(what, link().send(noted_job(std::move(traffic), std::move(note))), std::move(text)));
   }
   void show_progress(std::optional<int> percent) override { progress.push_back(percent); }
   void append_console(const std::string& text) override { console += text; }

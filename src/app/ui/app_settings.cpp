@@ -9,6 +9,7 @@ namespace qv5123 {
 namespace {
 
 constexpr const char* kFourthTdnModeKey = "FourthTdnMode";
+constexpr const char* kVerifySavesKey = "VerifySaves";
 
 QString recent_key(std::size_t position) {
   return QStringLiteral("RecentFiles/File%1").arg(position + 1);
@@ -66,6 +67,14 @@ void AppSettings::store_recent_files(const RecentFiles& recent) {
 
 bool AppSettings::fourth_tdn_mode() const {
   return store_.value(kFourthTdnModeKey, false).toBool();
+}
+
+bool AppSettings::verify_saves() const {
+  return store_.value(kVerifySavesKey, true).toBool();
+}
+
+void AppSettings::store_verify_saves(bool on) {
+  store_.setValue(kVerifySavesKey, on);
 }
 
 std::function<bool()> AppSettings::changing(std::function<void(AppSettings&)> change) const {

@@ -30,6 +30,10 @@ class AppSettings {
   /// Whether the TDN modes have "Auto" as a fourth; off unless stored otherwise.
   bool fourth_tdn_mode() const;
 
+  /// Whether pages are read back after their full saves; on unless stored otherwise.
+  bool verify_saves() const;
+  void store_verify_saves(bool on);
+
   /// Work that makes `change` in the same store and writes it through to the disk, through an object of its
   /// own: for another thread, since a disk may take its time. True when it is there; it is seen here as well.
   std::function<bool()> changing(std::function<void(AppSettings&)> change) const;

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -100,7 +101,9 @@ void ControlColumn::add_port_box(QBoxLayout& column) {
 
 void ControlColumn::add_file_box(QBoxLayout& column) {
   auto* box = new QGroupBox("Load/save setting file", this);
-  QBoxLayout* row = box_layout(box, QBoxLayout::LeftToRight);
+  QBoxLayout* rows = box_layout(box, QBoxLayout::TopToBottom);
+  auto* row = new QHBoxLayout;
+  rows->addLayout(row);
   row->addWidget(button("Load File...", "Load the user data from a setting file into every page",
                         &ControlColumn::load_file));
   recent_files_ = new QToolButton(box);
@@ -113,6 +116,12 @@ void ControlColumn::add_file_box(QBoxLayout& column) {
   row->addWidget(recent_files_);
   row->addWidget(
       button("Save File...", "Save the values of every page to a setting file", &ControlColumn::save_file));
+  setting_file_ = new QLabel(box);
+  setting_file_->setObjectName("setting-file");
+  setting_file_->setTextFormat(Qt::PlainText);
+  setting_file_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  setting_file_->hide();
+  rows->addWidget(setting_file_);
   column.addWidget(box);
 }
 
@@ -261,6 +270,14 @@ void ControlColumn::set_port_description(const QString& text) {
   port_->setText(text);
   port_->setCursorPosition(0);
   port_->setToolTip(text.isEmpty() ? "The port in use" : plain_tool_tip(text));
+}
+
+void ControlColumn::set_setting_file(const QString& path, bool differs) {
+  setting_file_->setVisible(!path.isEmpty());
+  const QString name = QFileInfo(path).fileName() + (differs ? " *" : "");
+  if (name == setting_file_->text()) return;
+  setting_file_->setText(name);
+  setting_file_->setToolTip(plain_tool_tip(path + (differs ? "\nThe program's values differ from it." : "")));
 }
 
 void ControlColumn::set_recent_files(const QStringList& paths) {

@@ -7,6 +7,7 @@
 
 class QBoxLayout;
 class QComboBox;
+class QLabel;
 class QLineEdit;
 class QProgressBar;
 class QPushButton;
@@ -29,6 +30,9 @@ class ControlColumn final : public QWidget {
 
   ConsoleView& console() { return *console_; }
   void set_port_description(const QString& text);
+  /// The setting file's name, with a star where what is in the program differs from it. Empty while none was
+  /// chosen.
+  void set_setting_file(const QString& path, bool differs);
   /// The paths to offer beside "Load File...", by their positions.
   void set_recent_files(const QStringList& paths);
   int version_slot() const;
@@ -75,6 +79,7 @@ class ControlColumn final : public QWidget {
 
   QLineEdit* port_ = nullptr;
   QToolButton* recent_files_ = nullptr;
+  QLabel* setting_file_ = nullptr;
   QComboBox* slot_ = nullptr;
   std::array<QSpinBox*, 3> version_{};
   QComboBox* osd_pattern_ = nullptr;

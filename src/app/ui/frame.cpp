@@ -14,7 +14,10 @@
 #include "app/ui/page_area.h"
 #include "app/ui/qv5123_view.h"
 #include "app/ui/status_pane.h"
+#include "app/ui/undo_actions.h"
+#include "app/ui/verify_pane.h"
 #include "base/ui/qt_text.h"
+#include "tuning/tuning_desk.h"
 
 namespace qv5123 {
 namespace {
@@ -28,16 +31,21 @@ CMainFrame::CMainFrame(CQV5123View* view) : view_(*view) {
   setWindowTitle("QV512xC Adjustment Program  V 2.3_2");
   setCentralWidget(view);
   fill_menu_bar();
+  fill_tools();
   fill_status_bar();
   connect(view, &CQV5123View::status_changed, this, &CMainFrame::show_messages);
   connect(view, &CQV5123View::messages_read, this, &CMainFrame::show_messages);
   connect(view, &CQV5123View::progress_changed, this, &CMainFrame::show_progress);
+  view->values().on_verification(
+      [this](TuningDesk* desk, const Verification* found) { show_verification(desk, found); });
+  connect(view, &CQV5123View::image_checked, this, &CMainFrame::show_image_check);
   fit_to_screen();
 }
 
 void CMainFrame::fill_menu_bar() {
   menuBar()->setNativeMenuBar(false);
   menuBar()->addActions(view_.pages().actions_in_order());
+  tools_ = menuBar()->addMenu("&Tools");
   QAction* help = menuBar()->addAction("&Help");
   help->setShortcut(QKeySequence::HelpContents);
   help->setStatusTip("How to use this program");
@@ -56,6 +64,20 @@ void CMainFrame::fill_menu_bar() {
   addAction(list);
 }
 
+void CMainFrame::fill_tools() {
+  new UndoActions(*tools_, view_, this);
+  tools_->addSeparator();
+  QAction* verify = tools_->addAction("&Verify saves");
+  verify->setObjectName("verify-saves");
+  verify->setStatusTip("Reads a page back after its full save and compares it with what was sent");
+  verify->setCheckable(true);
+  verify->setChecked(view_.values().verifies_saves());
+  connect(verify, &QAction::toggled, this, [this](bool on) {
+    view_.values().verify_saves(on);
+    emit verify_saves_switched(on);
+  });
+}
+
 void CMainFrame::fill_status_bar() {
   messages_ = new StatusPane(this);
   connect(messages_, &StatusPane::clicked, this, &CMainFrame::list_messages);
@@ -69,10 +91,37 @@ void CMainFrame::fill_status_bar() {
   // Its text is what assistive tools read out; a name would stand in its place.
   connection_->setObjectName("port-state");
   connection_->setAccessibleDescription("Port state");
+  verification_ = new VerifyPane(this);
   statusBar()->addWidget(messages_, 1);
+  statusBar()->addPermanentWidget(verification_);
   statusBar()->addPermanentWidget(progress_);
   statusBar()->addPermanentWidget(connection_);
   show_connected(false);
+}
+
+void CMainFrame::show_verification(TuningDesk* desk, const Verification* found) {
+  offer_repair({});
+  if (!desk) return verification_->show_text({});
+  if (!found) return verification_->show_text("Verifying...");
+  const auto& fields = desk->model().fields();
+  QStringList details;
+  for (const std::string& text : difference_texts(fields, *found)) details << to_qt(text);
+  verification_->show_text(to_qt(verification_text(fields, *found)), details);
+  if (found->end == Verification::End::differs)
+    offer_repair([desk, again = *found] { desk->start_repair(again); });
+}
+
+void CMainFrame::show_image_check(const QString& text, const QStringList& differences) {
+  verification_->show_text(text, differences);
+  offer_repair({});
+  if (!differences.isEmpty()) offer_repair([this] { view_.repair_image(); });
+}
+
+/// By the pane's button; by none where there is nothing to do.
+void CMainFrame::offer_repair(std::function<void()> repair) {
+  disconnect(verification_, &VerifyPane::repair_wanted, nullptr, nullptr);
+  verification_->offer_repair(repair != nullptr);
+  if (repair) connect(verification_, &VerifyPane::repair_wanted, this, std::move(repair));
 }
 
 void CMainFrame::fit_to_screen() {

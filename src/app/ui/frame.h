@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QMainWindow>
+#include <functional>
 #include <optional>
 
 class QLabel;
+class QMenu;
 class QProgressBar;
 
 namespace qv5123 {
@@ -11,6 +13,9 @@ namespace qv5123 {
 class CQV5123View;
 class MessageList;
 class StatusPane;
+class TuningDesk;
+class VerifyPane;
+struct Verification;
 
 /// The frame window around the main form: menu bar, status bar, exit question.
 class CMainFrame final : public QMainWindow {
@@ -24,9 +29,13 @@ class CMainFrame final : public QMainWindow {
   void show_progress(std::optional<int> percent);
   /// Shows whether the port is there.
   void show_connected(bool connected);
+  /// The menu of what is no page.
+  QMenu& tools() { return *tools_; }
 
  signals:
   void help_wanted();
+  /// The user has switched "Verify saves".
+  void verify_saves_switched(bool on);
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -35,7 +44,11 @@ class CMainFrame final : public QMainWindow {
 
  private:
   void fill_menu_bar();
+  void fill_tools();
   void fill_status_bar();
+  void show_verification(TuningDesk* desk, const Verification* found);
+  void show_image_check(const QString& text, const QStringList& differences);
+  void offer_repair(std::function<void()> repair);
   void fit_to_screen();
   void show_messages();
   void list_messages();
@@ -45,6 +58,8 @@ class CMainFrame final : public QMainWindow {
   MessageList* list_ = nullptr;
   QProgressBar* progress_ = nullptr;
   QLabel* connection_ = nullptr;
+  QMenu* tools_ = nullptr;
+  VerifyPane* verification_ = nullptr;
 };
 
 }  // namespace qv5123

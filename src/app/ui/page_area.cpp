@@ -7,6 +7,8 @@
 namespace qv5123 {
 namespace {
 
+constexpr const char* kDot = " \u2022";
+
 const PageEntry& entry_of(PageId id) {
   return kPageEntries[static_cast<std::size_t>(id)];
 }
@@ -77,6 +79,12 @@ void PageArea::choose(PageId id) {
   emit chosen(id);
 }
 
+void PageArea::mark(PageId id, bool marked) {
+  QAction* action = actions_[static_cast<qsizetype>(id)];
+  const QString text = QString::fromLatin1(entry_of(id).menu_text) + (marked ? kDot : "");
+  if (action->text() != text) action->setText(text);
+}
+
 bool PageArea::eventFilter(QObject* watched, QEvent* event) {
   // Its item chooses it again. Sent to what is hidden by itself, not with the area around it.
   if (event->type() == QEvent::HideToParent && current_ && watched == page_widget(*current_)) {
@@ -93,6 +101,7 @@ void PageArea::update_actions(std::optional<PageId> chosen) {
 
 void PageArea::create(PageId id) {
   CreatedPage created = factories_[id](host_);
+  if (created.desk) emit made(*created.desk);
   Slot& slot = slots_[id];
   slot.widget = created.widget.release();
   slot.page = created.page;

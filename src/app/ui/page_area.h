@@ -21,6 +21,8 @@ class PageArea final : public QStackedWidget {
   const QList<QAction*>& actions_in_order() const { return actions_; }
   /// Shows `id`, as if chosen from the menu. Nothing for a page that has no factory.
   void choose(PageId id);
+  /// A dot behind the page's item: something there was not sent or not saved.
+  void mark(PageId id, bool marked);
   bool available(PageId id) const { return factories_.count(id) > 0; }
   /// The page, or null until it is first chosen.
   Page* page(PageId id) const;
@@ -29,6 +31,8 @@ class PageArea final : public QStackedWidget {
 
  signals:
   void chosen(qv5123::PageId id);
+  /// A tuning page has come into being.
+  void made(qv5123::TuningDesk& desk);
   /// The text of the page that is being chosen.
   void says(const QString& text);
 

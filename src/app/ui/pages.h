@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "console/page_host.h"
+#include "tuning/tuning_desk.h"
 
 namespace qv5123 {
 
@@ -46,11 +47,22 @@ inline constexpr std::array<PageEntry, 9> kPageEntries = {{
     {PageId::make_flash, "&MakeFlash", "Make EEPROM flash binary", "make-flash"},
 }};
 
+/// The page of a tuning desk, by the name that files and the command line call it.
+constexpr PageId tuning_page_id(std::string_view desk) {
+  if (desk == "front") return PageId::isp_tune;
+  if (desk == "awb") return PageId::awb_tune;
+  if (desk == "dynamic") return PageId::dynamic_control;
+  if (desk == "gamma") return PageId::gamma;
+  if (desk == "matrix") return PageId::linear_matrix;
+  return PageId::lsc;
+}
+
 /// A page as the main form takes it over: the widget to show and its side that the main form talks to, which
 /// is usually the same object.
 struct CreatedPage {
   std::unique_ptr<QWidget> widget;
   Page* page = nullptr;
+  TuningDesk* desk = nullptr;  ///< of a tuning page; null for others
 };
 
 using PageFactory = std::function<CreatedPage(PageHost&)>;
@@ -63,8 +75,10 @@ template <class Dialog>
 PageFactory page_factory() {
   return [](PageHost& host) {
     auto dialog = std::make_unique<Dialog>(host);
-    Page* page = dialog.get();
-    return CreatedPage{std::move(dialog), page};
+    CreatedPage created{nullptr, dialog.get()};
+    if constexpr (requires { dialog->tuning_desk(); }) created.desk = &dialog->tuning_desk();
+    created.widget = std::move(dialog);
+    return created;
   };
 }
 

@@ -183,6 +183,7 @@ Task<bool> Program::store_port(PortSettings settings) {
 
 void Program::open_window(PortSettings port) {
   view_ = new CQV5123View(session_.link(), *prompts_, files_, document_, std::move(parts_.pages));
+  view_->values().verify_saves(settings_.verify_saves());
   frame_ = std::make_unique<CMainFrame>(view_);
   if (auto* dialogs = dynamic_cast<QtPrompts*>(prompts_.get())) dialogs->set_parent(frame_.get());
   PortInUse::Surroundings surroundings;
@@ -199,6 +200,9 @@ void Program::open_window(PortSettings port) {
     (void)store([recent = view_->recent_files()](AppSettings& stored) { stored.store_recent_files(recent); });
   });
   QObject::connect(view_, &CQV5123View::closing_confirmed, frame_.get(), [this] { flows_.spawn(end(0)); });
+  QObject::connect(frame_.get(), &CMainFrame::verify_saves_switched, frame_.get(), [this](bool on) {
+    (void)store([on](AppSettings& stored) { stored.store_verify_saves(on); });
+  });
   QObject::connect(frame_.get(), &CMainFrame::help_wanted, frame_.get(), [this] { show_help(); });
   if (parts_.furnish) parts_.furnish(*frame_, scheduler_);
   if (!parts_.journal_folder.empty()) keep_journal();

@@ -43,6 +43,12 @@ CQV5123View::CQV5123View(CommandLink& link, Prompts& prompts, Background& backgr
       prompts_(prompts),
       background_(background),
       document_(document),
+      values_(link),
+      steps_(
+          values_, link.scheduler(),
+          [this](const std::string& text) { say(StatusRank::outcome, kAboutForm, text); },
+          [this] { emit steps_changed(); }),
+      image_check_(*this, values_),
       files_(document, prompts, background, link.scheduler(), files_surroundings()),
       transfer_(link, document, prompts, background, transfer_view()) {
   pages_ = new PageArea(*this, std::move(factories));
@@ -59,14 +65,19 @@ CQV5123View::CQV5123View(CommandLink& link, Prompts& prompts, Background& backgr
   connect(pages_, &PageArea::chosen, this, &CQV5123View::page_chosen);
   connect(pages_, &PageArea::says, this,
           [this](const QString& text) { say(StatusRank::text, page_kind(), from_qt(text)); });
+  connect(pages_, &PageArea::made, this, [this](TuningDesk& desk) { desk.watch(values_); });
   connect_column();
   connect_downloads();
+  values_.on_change([this] { show_differences(); });
 }
 
 CQV5123View::~CQV5123View() {
   exit_.cancel();
   port_change_.cancel();
+  image_flow_.cancel();
   flows_.cancel();
+  // A page that closes takes its steps along, and nobody is to look at the others any more.
+  disconnect(this, &CQV5123View::steps_changed, nullptr, nullptr);
   // The pages' own flows use this form, so they go before it does.
   delete pages_;
 }
@@ -108,6 +119,7 @@ SettingFiles::Surroundings CQV5123View::files_surroundings() {
   surroundings.show_status = [this](const std::string& text) { say(StatusRank::failure, kAboutFiles, text); };
   surroundings.file_used = [this](const std::filesystem::path& path, const UserDataImage& image) {
     file_used(path);
+    file_holds(path, image);
     typed_->mark_taken();
     emit image_saved(image);
   };
@@ -186,6 +198,19 @@ void CQV5123View::file_used(const std::filesystem::path& path) {
   emit recent_files_changed();
 }
 
+void CQV5123View::file_holds(const std::filesystem::path& path, const UserDataImage& image) {
+  // A file that was saved beside the remembered one is not what the pages are compared with.
+  if (document_.setting_file.empty() || document_.setting_file == path) values_.file_is(image);
+}
+
+void CQV5123View::show_differences() {
+  for (std::size_t page = 0; page < values_.pages(); ++page)
+    pages_->mark(tuning_page_id(values_.page_name(page)), values_.unsent_or_unsaved(page));
+  const std::filesystem::path& file = document_.setting_file;
+  const bool differs = !values_.file() || !(files_.unsaved() == *values_.file());
+  column_->set_setting_file(path_to_qt(file), !file.empty() && differs);
+}
+
 void CQV5123View::load_recent_file(int position) {
   const auto& files = recent_files_.files();
   if (static_cast<std::size_t>(position) >= files.size()) return;
@@ -250,10 +275,11 @@ std::string CQV5123View::page_kind() const {
   return page ? kPageEntries[static_cast<std::size_t>(*page)].name : "";
 }
 
-void CQV5123View::send_and_tell(const std::string& what, Traffic traffic) {
+void CQV5123View::send_and_tell(const std::string& what, Traffic traffic,
+                                std::shared_ptr<const WriteNote> note) {
   std::string text = sent_text(what, traffic);
   std::vector<Pending<JobResult>> sent;
-  sent.push_back(link_.send(std::move(traffic)));
+  sent.push_back(link_.send(noted_job(std::move(traffic), std::move(note))));
   // Another page may be shown by the time it has left.
   flows_.spawn(tell_what_left(what, std::move(sent), std::move(text), page_kind()));
 }

@@ -14,6 +14,9 @@
 #include "console/setting_files.h"
 #include "console/startup_reply.h"
 #include "console/status_board.h"
+#include "state/image_check.h"
+#include "state/undo_list.h"
+#include "state/value_states.h"
 
 namespace qv5123 {
 
@@ -79,7 +82,8 @@ class CQV5123View final : public QWidget, public PageHost {
   /// From a page: it is about the one that is shown.
   void show_status(const std::string& text) override { say(StatusRank::outcome, page_kind(), text); }
   void show_failure(const std::string& text) override { say(StatusRank::failure, page_kind(), text); }
-  void send_and_tell(const std::string& what, Traffic traffic) override;
+  void send_and_tell(const std::string& what, Traffic traffic,
+                     std::shared_ptr<const WriteNote> note = {}) override;
   /// Says something in the status bar. At most 256 characters are shown.
   void say(StatusRank rank, const std::string& kind, const std::string& text);
   const StatusBoard& board() const { return board_; }
@@ -92,6 +96,12 @@ class CQV5123View final : public QWidget, public PageHost {
   Task<> reload_user_data_file() override;
   void set_busy(bool busy) override;
   void draft_saved() override { emit font_saved(); }
+  /// What is known of every value of the tuning pages.
+  ValueStates& values() { return values_; }
+  /// The steps that can be taken back. steps_changed() tells of others.
+  UndoList& steps() { return steps_; }
+  /// Sends again what differs of the user data that was sent as a whole.
+  void repair_image();
 
   PageArea& pages() { return *pages_; }
   const ConsoleText& console_text() const { return console_text_; }
@@ -110,6 +120,9 @@ class CQV5123View final : public QWidget, public PageHost {
   void recent_files_changed();
   void image_saved(const qv5123::UserDataImage& image);
   void font_saved();
+  void steps_changed();
+  /// The user data that was sent as a whole is being read back, or was.
+  void image_checked(const QString& text, const QStringList& differences);
   void progress_changed(std::optional<int> percent);
   /// The user has answered that the program is to end; what was to be saved is whole on the disk.
   void closing_confirmed();
@@ -128,6 +141,9 @@ class CQV5123View final : public QWidget, public PageHost {
   Task<> choose_osd_pattern(int selection);
   Task<> transfer(TransferKind kind);
   void cancel_transfer();
+  Task<> check_image();
+  Task<> run_repair_image();
+  void tell_image_checked();
   Task<> end_waiting();
   /// A command cannot leave while the chip expects the rest of an image: asks what to do. True when it can
   /// now.
@@ -147,6 +163,9 @@ class CQV5123View final : public QWidget, public PageHost {
   void file_used(const std::filesystem::path& path);
   void load_recent_file(int position);
   void page_chosen(PageId id);
+  void file_holds(const std::filesystem::path& path, const UserDataImage& image);
+  /// The dots of the menu's items, and the star of the setting file.
+  void show_differences();
   void send_text(const QString& text);
   std::string page_kind() const;
   /// Sends flush by flush, another command may come between two, and says what came of it.
@@ -161,6 +180,9 @@ class CQV5123View final : public QWidget, public PageHost {
   StatusBoard board_;
   ConsoleText console_text_;
   StartupReply startup_reply_;
+  ValueStates values_;
+  UndoList steps_;
+  ImageCheck image_check_;
   std::optional<PortInUse> port_;
   RecentFiles recent_files_;
   SettingFiles files_;
@@ -175,6 +197,7 @@ class CQV5123View final : public QWidget, public PageHost {
   bool starting_ = false;
   // Last, so that what waits ends before anything it uses.
   FlowSet flows_;
+  Flow image_flow_;
   Flow port_change_;
   Flow exit_;
 };

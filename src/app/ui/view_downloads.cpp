@@ -1,6 +1,7 @@
 // The main form's downloads.
 #include "app/ui/control_column.h"
 #include "app/ui/qv5123_view.h"
+#include "base/ui/qt_text.h"
 
 namespace qv5123 {
 
@@ -35,10 +36,37 @@ Task<> CQV5123View::transfer(TransferKind kind) {
   if (!free) co_return;
   ++transfers_;
   show_transferring();
-  co_await transfer_.run(kind);
+  const TransferEnd end = co_await transfer_.run(kind);
   --transfers_;
+  if (kind == TransferKind::user_data && end == TransferEnd::sent) {
+    values_.image_sent(document_.user_data);
+    image_check_.sent(document_.user_data);
+    if (values_.verifies_saves()) image_flow_.start(check_image());
+  }
   if (kind == TransferKind::user_data) show_image();
   show_transferring();
+}
+
+Task<> CQV5123View::check_image() {
+  emit image_checked("Verifying...", {});
+  co_await image_check_.verify();
+  tell_image_checked();
+}
+
+void CQV5123View::repair_image() {
+  if (!image_flow_.running()) image_flow_.start(run_repair_image());
+}
+
+Task<> CQV5123View::run_repair_image() {
+  constexpr int kMostRepairs = 3;
+  co_await image_check_.repair(kMostRepairs);
+  tell_image_checked();
+}
+
+void CQV5123View::tell_image_checked() {
+  QStringList differences;
+  for (const std::string& text : image_check_.differences()) differences << to_qt(text);
+  emit image_checked(to_qt(image_check_.text()), differences);
 }
 
 void CQV5123View::show_transferring() {

@@ -29,6 +29,7 @@ class CDlgIspAwb : public TuningDialog, private DeskView {
 
   void take_typed() override { take_typed_text(this); }
   void show_values() override;
+  void show_marks(const std::vector<ValueMark>& marks) override { edits_.show_marks(marks); }
   void redraw() { chart_->show_values(desk_.values()); }
 
   AwbDesk desk_;

@@ -7,6 +7,7 @@
 
 #include "tuning/ui/bit_editor_box.h"
 #include "tuning/ui/front_parts.h"
+#include "tuning/ui/mark_strip.h"
 #include "tuning/ui/raw_access_boxes.h"
 #include "tuning/ui/service_area_box.h"
 
@@ -177,6 +178,12 @@ void CDlgIspFront::show_values() {
   const bool plus = desk_.values().polarity != 0;
   plus_->setText(plus ? "+" : "");
   minus_->setText(plus ? "" : "-");
+}
+
+void CDlgIspFront::show_marks(const std::vector<ValueMark>& marks) {
+  edits_.show_marks(marks);
+  for (QPushButton* sign : {minus_, plus_})
+    MarkStrip::show_mark(sign, marks[desk_.field(desk_.values().polarity)]);
 }
 
 /// Chips with a fourth TDN mode are told apart by an application setting.

@@ -56,6 +56,7 @@ class CDlgIspFront : public TuningDialog, private DeskView {
 
   void take_typed() override { take_typed_text(this); }
   void show_values() override;
+  void show_marks(const std::vector<ValueMark>& marks) override;
   void fit_tdn_list();
 
   FrontDesk desk_;

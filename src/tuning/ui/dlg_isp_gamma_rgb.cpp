@@ -78,6 +78,7 @@ CDlgIspGammaRgb::CDlgIspGammaRgb(PageHost& host)
   page->addLayout(right);
   connect(chart_, &GammaChartView::point_dragged, this,
           [this](const GammaHit& points, int value) { desk_.drag(points, value); });
+  connect(chart_, &GammaChartView::drag_ended, this, [this] { desk_.end_drag(); });
   connect(chart_, &GammaChartView::point_nudged, this,
           [this](const GammaHit& points, int delta) { desk_.nudge(points, delta); });
   desk_.attach(*this);

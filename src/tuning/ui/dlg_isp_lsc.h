@@ -33,6 +33,7 @@ class CDlgIspLSC : public TuningDialog, private LensDesk::View {
 
   void take_typed() override { take_typed_text(this); }
   void show_values() override;
+  void show_marks(const std::vector<ValueMark>& marks) override { edits_.show_marks(marks); }
   void show_calibration() override { chart_->refresh(); }
   void clear_log() override { log_->clear(); }
   void add_to_log(const std::string& text) override;

@@ -10,6 +10,7 @@
 #include <set>
 
 #include "tuning/patch_report.h"
+#include "tuning/ui/mark_strip.h"
 
 namespace qv5123 {
 namespace {
@@ -219,6 +220,23 @@ void CDlgIspMatrix::show_codes() {
       edit->setText(QString::fromStdString(desk_.code_text(row, column)));
       mark_refused(edit, false);
     }
+  }
+  mark_codes();
+}
+
+void CDlgIspMatrix::show_marks(const std::vector<ValueMark>& marks) {
+  marks_ = marks;
+  mark_codes();
+}
+
+/// Of the mode and the light source that are shown.
+void CDlgIspMatrix::mark_codes() {
+  const MatrixValues& values = desk_.values();
+  if (marks_.empty() || values.mode < 0 || values.mode >= kVideoModes) return;
+  for (int row = 0; row < kMatrixRows; ++row) {
+    for (int column = 0; column < 3; ++column)
+      MarkStrip::show_mark(codes_[row][column],
+                           marks_[desk_.field(values.tables[values.mode][row][values.light][column])]);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <QLineEdit>
 
 #include <array>
+#include <vector>
 
 #include "tuning/matrix_desk.h"
 #include "tuning/ui/field_edits.h"
@@ -38,6 +39,8 @@ class CDlgIspMatrix : public TuningDialog, private MatrixDesk::View {
 
   void take_typed() override { take_typed_text(this); }
   void show_values() override;
+  void show_marks(const std::vector<ValueMark>& marks) override;
+  void mark_codes();
   void show_measurements() override;
   void show_typing() override;
   void show_codes() override;
@@ -45,6 +48,7 @@ class CDlgIspMatrix : public TuningDialog, private MatrixDesk::View {
   void allow_switch(bool allowed) override { picker_->setEnabled(allowed); }
 
   MatrixDesk desk_;
+  std::vector<ValueMark> marks_;  // by field; empty while nobody keeps account
   QSpinBox* patch_step_;
   PickerBox* picker_;
   PatchGrid* patches_;

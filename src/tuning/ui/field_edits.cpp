@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include "tuning/ui/mark_strip.h"
+
 namespace qv5123 {
 namespace {
 
@@ -64,7 +66,7 @@ QSpinBox* FieldEdits::number(FieldOf field, const QString& name) {
     show_kept(box, reach, number);
     if (info.name != std::exchange(shown, info.name)) box->setToolTip(field_tooltip(info));
   };
-  const Edit edit{std::move(field), show};
+  const Edit edit{std::move(field), show, box};
   QObject::connect(box, &QSpinBox::valueChanged, box, [this, edit](int number) { take_typed(edit, number); });
   edits_.push_back(edit);
   if (!(reach == first.range)) {
@@ -85,12 +87,14 @@ SliderRow FieldEdits::slider(QGridLayout* grid, int row, FieldOf field, std::fun
   };
   SliderRow parts = add_slider_row(grid, row, caption_of(first), range.lowest, range.highest,
                                    field_tooltip(first), std::move(set), take);
-  edits_.push_back({std::move(field), [parts](const FieldInfo& info, int number) mutable {
+  edits_.push_back({std::move(field),
+                    [parts](const FieldInfo& info, int number) mutable {
                       parts.show(number);
                       parts.slider->setToolTip(field_tooltip(info));
                       parts.edit->setToolTip(field_tooltip(info));
                       if (parts.set) parts.set->setToolTip(field_tooltip(info));
-                    }});
+                    },
+                    parts.edit});
   return parts;
 }
 
@@ -102,7 +106,7 @@ QComboBox* FieldEdits::list(std::size_t field, std::function<void()> used) {
   };
   QComboBox* list =
       make_combo(items_of(first.items), caption_of(first), field_tooltip(first), std::move(chosen));
-  edits_.push_back({always(field), [list](const FieldInfo&, int index) { show_index(list, index); }});
+  edits_.push_back({always(field), [list](const FieldInfo&, int index) { show_index(list, index); }, list});
   return list;
 }
 
@@ -113,12 +117,13 @@ QCheckBox* FieldEdits::check(std::size_t field, std::function<void()> used) {
     used();
   };
   QCheckBox* box = make_check(caption_of(first), {}, register_text(first.address), std::move(switched));
-  edits_.push_back({always(field), [box](const FieldInfo&, int number) { show_checked(box, number != 0); }});
+  edits_.push_back(
+      {always(field), [box](const FieldInfo&, int number) { show_checked(box, number != 0); }, box});
   return box;
 }
 
 void FieldEdits::take_number(std::size_t field, int number) {
-  desk_.model().set_number(field, number);
+  desk_.type(field, number);
   if (changed_) changed_();
 }
 
@@ -134,15 +139,29 @@ void FieldEdits::take_typed(const Edit& edit, int number) {
 
 void FieldEdits::show(std::size_t field) {
   const int number = desk_.model().numbers()[field];
-  for (const Edit& edit : edits_)
-    if (edit.field() == field) edit.show(info(field), number);
+  for (const Edit& edit : edits_) {
+    if (edit.field() != field) continue;
+    edit.show(info(field), number);
+    show_mark(edit);
+  }
 }
 
 void FieldEdits::show() {
   const std::vector<int> numbers = desk_.model().numbers();
   for (const Edit& edit : edits_) {
     if (const auto field = edit.field()) edit.show(info(*field), numbers[*field]);
+    show_mark(edit);
   }
+}
+
+void FieldEdits::show_marks(const std::vector<ValueMark>& marks) {
+  marks_ = marks;
+  for (const Edit& edit : edits_) show_mark(edit);
+}
+
+void FieldEdits::show_mark(const Edit& edit) const {
+  const auto field = edit.field();
+  if (field && *field < marks_.size()) MarkStrip::show_mark(edit.widget, marks_[*field]);
 }
 
 }  // namespace qv5123

@@ -48,11 +48,15 @@ class FieldEdits {
   void show();
   /// The same for one of them, where that alone has changed.
   void show(std::size_t field);
+  /// Marks each edit by how its value differs from chip and file; the marks stay with the values when an edit
+  /// comes to be for another.
+  void show_marks(const std::vector<ValueMark>& marks);
 
  private:
   struct Edit {
     FieldOf field;
     std::function<void(const FieldInfo&, int)> show;
+    QWidget* widget = nullptr;
   };
 
   const FieldInfo& info(std::size_t field) const { return desk_.model().fields()[field]; }
@@ -61,7 +65,10 @@ class FieldEdits {
 
   TuningDesk& desk_;
   std::function<void()> changed_;
+  void show_mark(const Edit& edit) const;
+
   std::vector<Edit> edits_;
+  std::vector<ValueMark> marks_;  // by field; empty while nobody keeps account
 };
 
 }  // namespace qv5123

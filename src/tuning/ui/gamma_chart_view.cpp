@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "base/saturate.h"
 
@@ -128,7 +129,8 @@ void GammaChartView::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void GammaChartView::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) dragging_ = false;
+  if (event->button() != Qt::LeftButton || !std::exchange(dragging_, false)) return;
+  emit drag_ended();
 }
 
 void GammaChartView::leaveEvent(QEvent*) {

@@ -38,6 +38,8 @@ class GammaChartView : public QWidget {
  signals:
   /// Dragged to `value`, 0..1023.
   void point_dragged(const qv5123::GammaHit& points, int value);
+  /// The mouse has let go of it.
+  void drag_ended();
   /// Moved by key.
   void point_nudged(const qv5123::GammaHit& points, int delta);
 

@@ -17,6 +17,8 @@ class TuningDialog : public QWidget, public Page {
   /// The desk is the dialog's own.
   TuningDialog(PageHost& host, TuningDesk& desk) : host_(host), tuning_desk_(desk) {}
 
+  TuningDesk& tuning_desk() { return tuning_desk_; }
+
   void save_to_user_data() override {
     take_typed_text(this);
     tuning_desk_.model().store(host_.document().user_data);

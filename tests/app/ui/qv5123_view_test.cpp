@@ -89,9 +89,9 @@ TEST(MainForm, MenuChoosesOnePageAndGreysItsItem) {
   ViewBench bench;
   QStringList texts;
   for (QAction* action : bench.frame.menuBar()->actions()) texts << action->text();
-  EXPECT_EQ(
-      texts.join(' '),
-      "&Registers &ISPTune &Gamma &LSC &AWBTune &LinearMatrix &DynamicControl FontEditor &MakeFlash &Help");
+  EXPECT_EQ(texts.join(' '),
+            "&Registers &ISPTune &Gamma &LSC &AWBTune &LinearMatrix &DynamicControl FontEditor &MakeFlash "
+            "&Tools &Help");
   const auto greyed = [&] {
     std::string names;
     for (QAction* action : bench.view->pages().actions_in_order()) {

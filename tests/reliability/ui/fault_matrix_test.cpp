@@ -33,6 +33,8 @@ struct Operation {
   /// Looks, on a good line, whether what was said to be done is: the chip has what it was given, the page
   /// what the chip has.
   Step arrived = nothing;
+  /// What is said to be done was looked at on the chip, and so is done on every line.
+  bool proven = false;
   /// Asks again and again, for as long as the chip does not answer.
   bool patient = false;
   /// Takes a short reply, as which any babble of the chip's may pass.
@@ -104,6 +106,25 @@ Operation save_of(PageId page, const char* name, const char* load_button, const 
   };
   save.check = [](MatrixBench& bench, End, const std::string& before) {
     EXPECT_TRUE(before.starts_with(bench.shown())) << "saving changes nothing on the page";
+  };
+  return save;
+}
+
+/// The same with the read-back after it: done means that it says so.
+Operation verified(Operation save) {
+  save.name += ", verified";
+  save.proven = true;
+  const Step prepare = save.prepare;
+  save.prepare = [prepare](MatrixBench& bench) {
+    prepare(bench);
+    bench.view->values().verify_saves(true);
+  };
+  save.end = [end = save.end](MatrixBench& bench) {
+    const End sent = end(bench);
+    if (sent != End::done) return sent;
+    const QString text = bench.frame->findChild<QLabel*>("verification")->text();
+    if (text.isEmpty() || text == "Verifying...") return End::none;
+    return text.startsWith("Verified: ") ? End::done : End::told;
   };
   return save;
 }
@@ -295,6 +316,13 @@ std::vector<Operation> operations() {
       save_of(PageId::linear_matrix, "save linear matrix", "Load <- ISP",
               "Transfered Linear Matrix parameters to ISP. Enable color correction."),
       save_of(PageId::dynamic_control, "save dynamic control", "Load <- ISP", "Data Save Done..."),
+      verified(save_of(PageId::isp_tune, "save ISP tune", "Load Isp", "ISP Data Save Done.")),
+      verified(save_of(PageId::gamma, "save gamma", "Load <- ISP", "Gamma Save Done.")),
+      verified(save_of(PageId::lsc, "save LSC", "Load <- ISP", "File save done")),
+      verified(save_of(PageId::awb_tune, "save AWB", "Load <- ISP", "AWB Data Save Done.")),
+      verified(save_of(PageId::linear_matrix, "save linear matrix", "Load <- ISP",
+                       "Transfered Linear Matrix parameters to ISP. Enable color correction.")),
+      verified(save_of(PageId::dynamic_control, "save dynamic control", "Load <- ISP", "Data Save Done...")),
       lens_calibration(),
       picker_switch("color picker, LSC", PageId::lsc, nothing),
       picker_switch("color picker off, linear matrix", PageId::linear_matrix, switch_picker_on),
@@ -345,7 +373,7 @@ End run_cell(Operation operation, const test::Fault& fault, std::uint64_t seed) 
   EXPECT_EQ(end == End::none, waits_for_chip) << "an operation comes to its end";
   bench.line.cure();
   const bool spoilt = fault.spoils_bytes() || (operation.credulous && fault.flood_step > 0);
-  if (end == End::done && !spoilt) operation.arrived(bench);
+  if (end == End::done && (operation.proven || !spoilt)) operation.arrived(bench);
   if (waits_for_chip) {
     EXPECT_EQ(wait_for_end(operation, bench), End::done) << "what waits for the chip ends when it answers";
   }

@@ -1,4 +1,4 @@
-#include "cli/tuning_pages.h"
+#include "tuning/tuning_pages.h"
 
 #include "tuning/awb_desk.h"
 #include "tuning/dynamic_desk.h"

@@ -1,0 +1,84 @@
+#include "state/image_check.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "tuning/tuning_desk.h"
+#include "tuning/tuning_pages.h"
+
+namespace qv5123 {
+
+std::vector<WriteNote::Value> ImageCheck::values_of(std::size_t page) const {
+  const std::unique_ptr<TuningModel> model = make_model(states_.page_name(page));
+  model->load_all(document_.user_data);
+  const std::vector<int> numbers = model->numbers();
+  std::vector<WriteNote::Value> values;
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    const FieldInfo& field = model->fields()[i];
+    if (field.has_entry() && field.has_reply()) values.push_back({i, field.held_by_chip(numbers[i])});
+  }
+  return values;
+}
+
+Task<> ImageCheck::verify() {
+  results_.clear();
+  for (std::size_t page = 0; page < states_.pages(); ++page) {
+    const std::vector<WriteNote::Value> values = values_of(page);
+    const std::unique_ptr<TuningModel> chip = make_model(states_.page_name(page));
+    const std::uint64_t asked_at = states_.jobs();
+    Verification found = co_await verify_page(host_.link(), *chip, values);
+    states_.page_verified(page, values, found, asked_at);
+    const bool silent = found.end == Verification::End::no_answer;
+    results_.push_back({page, std::move(found)});
+    // Nobody is there; the other pages would only take their time to find that.
+    if (silent) co_return;
+  }
+}
+
+Task<> ImageCheck::repair(int times) {
+  for (; times > 0 && differs(); --times) {
+    const std::vector<PageResult> results = results_;
+    for (const PageResult& result : results)
+      if (result.found.end == Verification::End::differs) co_await send_again(result);
+    co_await verify();
+  }
+}
+
+Task<> ImageCheck::send_again(const PageResult& result) {
+  const std::unique_ptr<TuningDesk> desk = make_desk(states_.page_name(result.page), host_, document_);
+  desk->model().load_all(document_.user_data);
+  std::vector<std::size_t> fields;
+  for (const Verification::Difference& difference : result.found.differences)
+    fields.push_back(difference.field);
+  co_await desk->bring_values("System, again", fields, true);
+}
+
+/// The worst of all pages.
+Verification::End ImageCheck::end() const {
+  using End = Verification::End;
+  for (const End worst : {End::no_answer, End::unclear, End::differs}) {
+    const auto is_so = [worst](const PageResult& result) { return result.found.end == worst; };
+    if (std::any_of(results_.begin(), results_.end(), is_so)) return worst;
+  }
+  return results_.empty() ? End::no_answer : End::verified;
+}
+
+std::vector<std::string> ImageCheck::differences() const {
+  std::vector<std::string> all;
+  for (const PageResult& result : results_)
+    for (const std::string& text : difference_texts(states_.fields(result.page), result.found))
+      all.push_back(states_.page_name(result.page) + " " + text);
+  return all;
+}
+
+std::string ImageCheck::text() const {
+  Verification sum;
+  sum.end = end();
+  for (const PageResult& result : results_) {
+    sum.sent += result.found.sent;
+    sum.reported += result.found.reported;
+  }
+  return verification_text(sum, differences());
+}
+
+}  // namespace qv5123

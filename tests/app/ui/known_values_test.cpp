@@ -1,0 +1,120 @@
+// What the window shows of what is known of the values: marks, dots and the star, the read-back after a save,
+// and the steps that can be undone.
+#include <QMenu>
+#include <QMenuBar>
+
+#include "reliability/ui/matrix_bench.h"
+#include "tuning/ui/mark_strip.h"
+
+namespace qv5123 {
+namespace {
+
+class KnownValues : public testing::Test {
+ protected:
+  KnownValues() {
+    bench_.open(PageId::lsc);
+    bench_.frame->activateWindow();
+    QCoreApplication::processEvents();
+  }
+  QSpinBox* red1() { return bench_.control<QSpinBox>("Parameter-1 RED"); }
+  /// "unsent chip", of the mark at the edit.
+  std::string mark() {
+    const auto* strip = red1()->findChild<MarkStrip*>();
+    if (!strip || strip->isHidden()) return "";
+    const ValueMark& mark = strip->mark();
+    return std::string(mark.unsent ? "unsent " : "") + (mark.differs_from_chip ? "chip " : "") +
+           (mark.differs_from_file ? "file" : "");
+  }
+  std::string item() { return bench_.view->pages().actions_in_order()[3]->text().toStdString(); }
+  QLabel* label(const char* name) { return bench_.frame->findChild<QLabel*>(name); }
+  QAction* action(const char* name) { return bench_.frame->findChild<QAction*>(name); }
+  void key(QWidget* widget, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QTest::keyClick(widget, static_cast<Qt::Key>(key), modifiers);
+    bench_.wire.advance(2000);
+  }
+  void type(int number) {
+    red1()->setValue(number);
+    bench_.wire.advance(2000);
+  }
+
+  test::MatrixBench bench_;
+};
+
+TEST_F(KnownValues, MarksDotAndStarFollowAValue) {
+  EXPECT_EQ(item(), "&LSC");
+  type(321);
+  EXPECT_EQ(mark(), "unsent ");
+  EXPECT_EQ(red1()->accessibleDescription(), "Not sent");
+  EXPECT_TRUE(red1()->toolTip().startsWith("0..4095")) << red1()->toolTip().toStdString();
+  EXPECT_TRUE(red1()->toolTip().endsWith("\nNot sent"));
+  EXPECT_EQ(item(), "&LSC \u2022");
+  bench_.click("Parameter-1 S");
+  bench_.wire.advance(1000);
+  EXPECT_EQ(mark(), "");
+  EXPECT_EQ(red1()->accessibleDescription(), "");
+  EXPECT_EQ(item(), "&LSC");
+
+  bench_.user.paths = {bench_.folder.write("board.dat", setting_text(bench_.document.user_data))};
+  bench_.click_in_column("Load File...");
+  bench_.wire.advance(1000);
+  EXPECT_EQ(mark(), "unsent chip ") << "the file's value came into the page";
+  EXPECT_EQ(label("setting-file")->text(), "board.dat");
+  type(322);
+  EXPECT_EQ(mark(), "unsent chip file");
+  EXPECT_EQ(red1()->accessibleDescription(), "Not sent. Chip 321, file 0");
+  EXPECT_EQ(label("setting-file")->text(), "board.dat *");
+  bench_.wire.link.connection_changed();
+  bench_.wire.advance(10);
+  EXPECT_EQ(mark(), "unsent file");
+}
+
+TEST_F(KnownValues, ASaveIsReadBackAndRepaired) {
+  EXPECT_FALSE(label("verification")->isVisible());
+  action("verify-saves")->setChecked(true);
+  type(321);
+  bench_.click("File/Flash Save");
+  bench_.wire.advance(5000);
+  EXPECT_EQ(label("verification")->text(), "Verified: 6 of 6 values");
+  auto* repair = test::find<QPushButton>(*bench_.frame, "Send these again");
+  EXPECT_FALSE(repair->isVisible());
+
+  type(322);
+  const auto line = bench_.wire.sender.chip;
+  bench_.wire.sender.chip = [&](const std::string& bytes) {
+    if (bytes != "@6401*@6442*") line(bytes);
+  };
+  bench_.click("File/Flash Save");
+  bench_.wire.advance(5000);
+  EXPECT_TRUE(label("verification")->text().startsWith("1 of 6 values differs: Parameter-1 RED"))
+      << label("verification")->text().toStdString();
+  repair->click();
+  bench_.wire.advance(5000);
+  EXPECT_EQ(label("verification")->text(), "Verified: 6 of 6 values");
+  EXPECT_EQ(bench_.line.chip().state().kept_data.word(440), 322);
+  action("verify-saves")->setChecked(false);
+  bench_.click("File/Flash Save");
+  EXPECT_FALSE(label("verification")->isVisible()) << "it was of the save before";
+}
+
+TEST_F(KnownValues, KeysUndoStepsButFirstWhatIsBeingTyped) {
+  type(321);
+  type(322);
+  EXPECT_EQ(action("undo")->text(), "Undo Parameter-1 RED");
+  red1()->setFocus();
+  red1()->selectAll();
+  QTest::keyClicks(red1(), "9");
+  key(red1(), Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(red1()->text(), "322") << "the text, not the step";
+  key(red1(), Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(red1()->value(), 321);
+  key(red1(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(red1()->value(), 322);
+  action("undo")->trigger();
+  action("undo")->trigger();
+  EXPECT_EQ(red1()->value(), 0);
+  EXPECT_FALSE(action("undo")->isEnabled());
+  EXPECT_EQ(action("redo")->text(), "Redo Parameter-1 RED");
+}
+
+}  // namespace
+}  // namespace qv5123
