@@ -18,7 +18,7 @@ class AwbDesk final : public PageDesk<AwbPage> {
   /// "S" beside a line: limits its words and sends them.
   void send_line(AwbControl line);
   /// The chip's menu keys, "None", "Set" and "Check"; `name` is the button's.
-  void press(const std::string& name, RegisterWrite key) { send_control(name, {Batch{key}}); }
+  void press(const std::string& name, RegisterWrite key) { send_noted(name, {Batch{key}}, {}); }
   /// "GET COLOR"; ignored while one is under way.
   void get_color();
   /// "File/Flash Save".

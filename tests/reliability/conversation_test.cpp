@@ -1,5 +1,5 @@
 // Replies do not say what they answer: any page's may come while any other is asked.
-#include "cli/tuning_pages.h"
+#include "tuning/tuning_pages.h"
 #include "support/desk_bench.h"
 
 namespace qv5123 {
