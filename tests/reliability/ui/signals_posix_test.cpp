@@ -184,7 +184,8 @@ Ended end_at(const fs::path& folder, const Operation& operation, int signal, mil
   test::Program victim(QCoreApplication::applicationFilePath().toStdString(),
                        {"--gtest_filter=Signals.DISABLED_Victim", "--gtest_also_run_disabled_tests"});
   Ended ended;
-  ended.trace = chip.expect("@01fe*") + chip.expect(operation.begun);
+  ended.trace = chip.expect("@01fe*");
+  ended.trace += chip.expect(operation.begun);
   std::this_thread::sleep_for(moment);
   const auto start = std::chrono::steady_clock::now();
   ended.code = victim.end(signal);
