@@ -1,6 +1,6 @@
 // Replies do not say what they answer: any page's may come while any other is asked.
-#include "tuning/tuning_pages.h"
 #include "support/desk_bench.h"
+#include "tuning/tuning_pages.h"
 
 namespace qv5123 {
 namespace {
