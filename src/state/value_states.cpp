@@ -190,7 +190,9 @@ void ValueStates::job_over(const SentJob& job) {
 void ValueStates::take_noted(const SentJob& job, WriteEvent& event) {
   event.page = job.note->page;
   event.control = job.note->control;
-  if (event.page.empty()) {
+  // A note without values names a control, such as a key of the chip's menu, and says nothing of what it
+  // does.
+  if (event.page.empty() || job.note->values.empty()) {
     if (left_at_all(job)) take_undescribed(job);
     return;
   }

@@ -5,6 +5,7 @@
 #include "link/indirect_access.h"
 #include "support/desk_bench.h"
 #include "support/desk_fields.h"
+#include "tuning/awb_desk.h"
 #include "tuning/front_desk.h"
 #include "tuning/gamma_desk.h"
 #include "tuning/lens_desk.h"
@@ -126,6 +127,19 @@ TEST_F(ValueStatesTest, WhatNobodyDescribedIsNeverTakenForHarmless) {
   fake_.link.send_letter('V');
   wire();
   EXPECT_EQ(how(), Known::nothing) << "what was typed to the chip's own prompt";
+}
+
+TEST_F(ValueStatesTest, ANoteWithoutValuesDescribesNothing) {
+  LensDesk desk(host_, image());
+  desk.watch(states_);
+  AwbDesk awb(host_, image());
+  load(desk);
+  desk.click_pal();
+  wire();
+  EXPECT_EQ(how(), Known::read);
+  awb.press("UP", kAwbUp);
+  wire();
+  EXPECT_EQ(how(), Known::nothing) << "the chip's own menu changes values of every page";
 }
 
 TEST_F(ValueStatesTest, EveryFullSaveLeavesWhatTheChipThenReports) {
