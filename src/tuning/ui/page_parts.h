@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -90,7 +91,7 @@ struct FileControl {
   std::function<void()> save;
   QString isp_tooltip;
   QString save_tooltip;
-  class QLabel* note = nullptr;  ///< below the buttons
+  QLabel* note = nullptr;  ///< below the buttons
 };
 QGroupBox* make_file_control(FileControl control);
 
