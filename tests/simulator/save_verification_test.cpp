@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "state/image_check.h"
 #include "state/value_states.h"
 #include "support/chip_talk.h"
 #include "support/fake_page_host.h"
@@ -139,6 +140,29 @@ TEST_F(SaveVerification, WhatIsSentMeanwhileCounts) {
   wire_.advance(5000);
   EXPECT_EQ(found_->end, End::verified) << text_;
   EXPECT_EQ(states_.state(states_.page_named("lsc"), 0).chip.number, 55);
+}
+
+TEST_F(SaveVerification, TheWholeUserDataIsReadBackPageByPage) {
+  ImageCheck check(host_, states_);
+  const auto verify = [&] {
+    Flow flow(check.verify());
+    wire_.advance(30'000);
+    return check.text();
+  };
+  check.sent(host_.doc.user_data);
+  EXPECT_TRUE(verify().starts_with("Verified: ")) << check.text();
+  EXPECT_EQ(known("lsc", 0), Known::verified);
+  const std::size_t entry = make_model("lsc")->fields()[0].entries().back();
+  host_.doc.user_data.set_entry(entry, host_.doc.user_data.entry(entry) ^ 0x15);
+  check.sent(host_.doc.user_data);
+  EXPECT_NE(verify().find(" differs: lsc Parameter-1 RED (sent "), std::string::npos) << check.text();
+  EXPECT_EQ(known("lsc", 0), Known::read);
+  Flow repairing(check.repair(1));
+  wire_.advance(90'000);
+  EXPECT_TRUE(check.text().starts_with("Verified: ")) << check.text();
+  EXPECT_EQ(chip_.state().kept_data.entry(entry), host_.doc.user_data.entry(entry));
+  loses_ = [](const std::string&) { return true; };
+  EXPECT_EQ(verify(), "Not verified: no answer from the chip");
 }
 
 class EveryPage : public SaveVerification, public testing::WithParamInterface<const char*> {};
