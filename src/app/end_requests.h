@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <functional>
-#include <thread>
 #include <utility>
 
 #include "base/interrupts.h"
@@ -15,11 +14,13 @@ namespace qv5123 {
 /// it on to. To be made before any thread is started.
 class EndRequests {
  public:
-  /// How long the program may take for its end; one that does not get there is ended all the same.
+  /// How long the program may take for its end; one that does not get there, since the window's thread stands
+  /// still, is ended all the same.
   static constexpr std::chrono::milliseconds kEndedWithin{3000};
 
   /// `code` is the exit code of a process that is ended at once.
-  explicit EndRequests(int code) : code_(code), interrupts_([this] { requested(); }) {}
+  explicit EndRequests(int code)
+      : code_(code), interrupts_([this] { requested(); }, {"", code, kEndedWithin}) {}
 
   /// `on_first` is called on another thread. Empty: nobody is there any more.
   void pass_on_to(std::function<void()> on_first) {
@@ -33,11 +34,6 @@ class EndRequests {
     const auto on_first = std::exchange(on_first_, {});
     if (!on_first) end_program_at_once("", code_);
     on_first();
-    // Also where the window's thread stands still. It ends with the process, whichever comes first.
-    std::thread([code = code_] {
-      std::this_thread::sleep_for(kEndedWithin);
-      end_program_at_once("", code);
-    }).detach();
   }
 
   const int code_;

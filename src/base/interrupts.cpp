@@ -8,9 +8,6 @@ namespace qv5123 {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-Interrupts::Interrupts(std::function<void()> on_interrupt)
-    : on_interrupt_(std::move(on_interrupt)), thread_(&Interrupts::watch, this) {}
-
 Interrupts::Interrupts(std::function<void()> on_interrupt, ByForce by_force)
     : on_interrupt_(std::move(on_interrupt)),
       by_force_(std::move(by_force)),
@@ -45,16 +42,16 @@ void Interrupts::watch() {
   bool requested = false;
   while (true) {
     const std::optional<milliseconds> left = time_left();
-    if (by_force_ && left && left->count() == 0) end_program_at_once(by_force_->last_words, by_force_->code);
+    if (left && left->count() == 0) end_program_at_once(by_force_.last_words, by_force_.code);
     std::optional<milliseconds> time;
-    if (by_force_ && requested) time = std::min(kLook, left.value_or(kLook));
+    if (requested) time = std::min(kLook, left.value_or(kLook));
     const auto waited = requests_.wait(time);
     if (waited == StopRequests::Wait::woken) return;
     if (waited != StopRequests::Wait::request) continue;
     requested = true;
     {
       const MutexLock lock(mutex_);
-      if (!heard_by_) heard_by_ = Clock::now() + kHeardWithin;
+      if (!heard_by_) heard_by_ = Clock::now() + by_force_.heard_within;
     }
     on_interrupt_();
   }

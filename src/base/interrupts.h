@@ -15,8 +15,6 @@ namespace qv5123 {
 /// such) are told here instead of ending it. To be made before any thread is started.
 class Interrupts {
  public:
-  /// How long the program may take to hear of a request.
-  static constexpr std::chrono::milliseconds kHeardWithin{1000};
   /// How long it may take for its end after ending().
   static constexpr std::chrono::milliseconds kEndedWithin{2000};
 
@@ -24,12 +22,12 @@ class Interrupts {
   struct ByForce {
     std::string last_words;
     int code;
+    /// How long it may take from a request to heard().
+    std::chrono::milliseconds heard_within{1000};
   };
 
-  /// `on_interrupt` is called on a thread of its own, once for each request.
-  explicit Interrupts(std::function<void()> on_interrupt);
-  /// The same for a program that calls heard(). If it does not in time, since it waits for a file, a pipe or
-  /// a driver, it is ended all the same.
+  /// `on_interrupt` is called on a thread of its own, once for each request. If the program does not call
+  /// heard() in time, since it waits for a file, a pipe or a driver, it is ended all the same.
   Interrupts(std::function<void()> on_interrupt, ByForce by_force);
   ~Interrupts();
   Interrupts(const Interrupts&) = delete;
@@ -46,7 +44,7 @@ class Interrupts {
   std::optional<std::chrono::milliseconds> time_left();
 
   const std::function<void()> on_interrupt_;
-  const std::optional<ByForce> by_force_;
+  const ByForce by_force_;
   StopRequests requests_;
   Mutex mutex_;
   std::optional<Time> heard_by_ GUARDED_BY(mutex_);
