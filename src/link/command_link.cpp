@@ -76,11 +76,19 @@ void CommandLink::send_when_quiet(const Batch& request, std::chrono::millisecond
   job.chunks.push_back(chunk_of(request));
   job.on_write = [this, alive = alive_, request](std::uint64_t received) {
     if (!*alive) return;
-    late_.asked(scheduler_.now(), request);
+    note_asked(request);
     // Where this comes late, after bytes that came in since, the reply may be among them already.
     if (received_ <= received) reply_.forget();
   };
   put(queue_, {std::move(job), done, nullptr, true});
+}
+
+void CommandLink::give_up() {
+  if (late_.gave_up(scheduler_.now())) health_.gave_up();
+}
+
+void CommandLink::note_asked(const Batch& request) {
+  health_.asked(late_.asked(scheduler_.now(), request), request);
 }
 
 void CommandLink::connection_changed() {
@@ -162,6 +170,13 @@ void CommandLink::note_brackets(const JobResult& result) {
   }
 }
 
+void CommandLink::count_sent(const JobResult& result) {
+  std::size_t frames = 0;
+  for (std::size_t i = 0; i < std::min(result.chunks_sent, running_writes_.size()); ++i)
+    frames += running_writes_[i].size();
+  health_.left(frames, result.bytes_sent);
+}
+
 Task<bool> CommandLink::end_with(Traffic last) {
   ended_ = true;
   queue_.clear();
@@ -183,6 +198,7 @@ Task<bool> CommandLink::end_with(Traffic last) {
 
 void CommandLink::job_over(const JobResult& result) {
   note_brackets(result);
+  count_sent(result);
   const SentJob over{running_note_, running_writes_, result, running_connection_ == connection_};
   for (const auto& told : job_listeners_) told(over);
   const Resolver<JobResult> done = *std::exchange(running_, std::nullopt);
@@ -266,14 +282,16 @@ Task<std::optional<std::string>> CommandLink::query(Batch request, std::chrono::
     co_await Delay(scheduler_, tick);
     if (auto block = take_answer(request)) co_return block;
   }
-  late_.gave_up(scheduler_.now());
+  give_up();
   co_return std::nullopt;
 }
 
 std::string CommandLink::receive(std::span<const std::uint8_t> received) {
   received_ += received.size();
   const bool in_block = reply_.state() == ReplyBuffer::State::in_block;
+  const std::uint64_t completed = reply_.completed();
   std::string console = reply_.decode(received);
+  health_.came(received.size(), reply_.completed() - completed);
   // Text on the console is no answer, late or not: a chip that chats holds nobody up.
   if (in_block || std::ranges::count(received, '~') > 0) note_reply();
   if (block_waiter_ && reply_.state() == ReplyBuffer::State::complete) {
@@ -285,10 +303,8 @@ std::string CommandLink::receive(std::span<const std::uint8_t> received) {
 
 void CommandLink::note_reply() {
   const auto now = scheduler_.now();
-  if (reply_.state() == ReplyBuffer::State::complete)
-    late_.answered(now, reply_.size());
-  else
-    late_.heard(now);
+  if (reply_.state() != ReplyBuffer::State::complete) return late_.heard(now);
+  health_.answered(late_.answered(now, reply_.size()), reply_.size(), reply_.damaged());
 }
 
 Task<> CommandLink::block_complete(std::chrono::milliseconds timeout) {
@@ -322,7 +338,7 @@ Task<std::optional<std::string>> CommandLink::request(Batch request, std::chrono
     ++more;
     end = scheduler_.now() + timeout;
   }
-  late_.gave_up(scheduler_.now());
+  give_up();
   co_return std::nullopt;
 }
 
@@ -337,7 +353,7 @@ Task<int> CommandLink::wide_read(int address, const Turn&) {
   co_await Delay(scheduler_, kWideWait);
   const bool another = answers_another(request, reply_.size());
   const std::optional<int> value = another ? std::nullopt : reply_.take_last_pair();
-  if (!value) late_.gave_up(scheduler_.now());
+  if (!value) give_up();
   co_return value.value_or(-1);
 }
 

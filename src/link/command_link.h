@@ -15,6 +15,7 @@
 #include "base/scheduler.h"
 #include "base/task.h"
 #include "link/late_answers.h"
+#include "link/link_health.h"
 #include "link/open_brackets.h"
 #include "link/register_write.h"
 #include "link/reply_buffer.h"
@@ -81,6 +82,8 @@ class CommandLink {
 
   Scheduler& scheduler() { return scheduler_; }
   ReplyBuffer& reply() { return reply_; }
+  /// What is counted of the line.
+  LinkHealth& health() { return health_; }
 
   /// Takes bytes from the chip: reply blocks go into reply(), the console text between them is returned.
   std::string receive(std::span<const std::uint8_t> received);
@@ -170,6 +173,9 @@ class CommandLink {
   void start_next();
   void start(Job job, Resolver<JobResult> done);
   void job_over(const JobResult& result);
+  void count_sent(const JobResult& result);
+  void note_asked(const Batch& request);
+  void give_up();
   void note_brackets(const JobResult& result);
   void release_turn();
   void hand_over_turn();
@@ -180,6 +186,7 @@ class CommandLink {
   Sender& sender_;
   ReplyBuffer reply_;
   LateAnswers late_;
+  LinkHealth health_;
   std::uint64_t received_ = 0;  // bytes from the chip
   std::deque<Queued> queue_;
   std::deque<Queued> held_queue_;  // what the holder sends

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "link/indirect_access.h"
 
@@ -52,33 +53,37 @@ std::size_t surplus_digits(const Batch& request, std::size_t digits) {
   return digits > known ? digits - known : 0;
 }
 
-void LateAnswers::asked(Time now, const Batch& request) {
+bool LateAnswers::asked(Time now, const Batch& request) {
   const bool doubtful = owed_ > 0 || failed_;
   quiet_since_ = now;
   failed_ = false;
   if (doubtful && request == request_) {
     ++owed_;
-    return;
+    return true;
   }
   asked_before_ = doubtful ? asked_ : now;
   asked_ = now;
   request_ = request;
   owed_ = 1;
+  return false;
 }
 
-void LateAnswers::answered(Time now, std::size_t digits) {
+LateAnswers::Answer LateAnswers::answered(Time now, std::size_t digits) {
   heard(now);
-  if (owed_ == 0) return;
+  if (owed_ == 0) return {};
   const bool own = !answers_another(request_, digits);
   took(now - (own ? asked_ : asked_before_));
-  if (own) --owed_;
+  if (!own) return {Kind::another};
+  const bool late = failed_ || owed_ > 1;
+  --owed_;
+  return {late ? Kind::late : Kind::own, now - asked_};
 }
 
-void LateAnswers::gave_up(Time now) {
-  if (owed_ == 0) return;
+bool LateAnswers::gave_up(Time now) {
+  if (owed_ == 0) return false;
   took(now - asked_);
   heard(now);
-  failed_ = true;
+  return !std::exchange(failed_, true);
 }
 
 void LateAnswers::took(Time time) {

@@ -28,14 +28,27 @@ class LateAnswers {
   /// The longest that a round trip counts, and that a request waits for a line that does not become quiet.
   static constexpr Time kLongest{5000};
 
-  /// `request` leaves.
-  void asked(Time now, const Batch& request);
+  /// What a reply is, as far as that can be told.
+  enum class Kind {
+    own,      ///< the answer to the last request
+    late,     ///< the same, after somebody gave up or asked again
+    another,  ///< of another length than the answer to the last request has
+    unasked,  ///< nothing was asked, as when a chip greets
+  };
+  struct Answer {
+    Kind kind = Kind::unasked;
+    Time took{0};  ///< from the request, for an own one
+  };
+
+  /// `request` leaves. True when it asks again for what is still owed.
+  bool asked(Time now, const Batch& request);
   /// Part of a reply came in; text on the console is none.
   void heard(Time now) { quiet_since_ = now; }
   /// A reply of that many digits is complete.
-  void answered(Time now, std::size_t digits);
-  /// Nobody waits for the answer any more. It may still come: the chip takes longer than that.
-  void gave_up(Time now);
+  Answer answered(Time now, std::size_t digits);
+  /// Nobody waits for the answer any more. It may still come: the chip takes longer than that. False when
+  /// nothing had been asked, or somebody gave up before.
+  bool gave_up(Time now);
   /// The chip that was asked is gone.
   void forget() {
     owed_ = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -47,5 +48,13 @@ std::string openable_name(const std::string& name);
 /// The number that follows the first "COM" in `name`; none when there is no "COM", no number after it, or
 /// the number is beyond int.
 std::optional<int> port_number_from_name(std::string_view name);
+
+/// A USB adapter keeps a short answer back until its latency timer runs out, usually 16 ms, since more might
+/// come. The timer of the adapter behind a port; nothing where the system tells of none. Reads files: not for
+/// the user interface's thread.
+std::optional<std::chrono::milliseconds> adapter_latency(const std::string& device);
+
+/// How to lower it on this system, in words.
+std::string lower_latency_text(const std::string& device);
 
 }  // namespace qv5123

@@ -90,6 +90,15 @@ auto sort_key(const PortInfo& port) {
   return std::tuple(device.substr(0, device.find_last_not_of("0123456789") + 1), port.number);
 }
 
+/// The kernel's name of a device, behind links such as those in /dev/serial/by-id.
+std::string kernel_name(const std::string& device) {
+  std::error_code error;
+  const fs::path target = fs::canonical(device, error);
+  return (error ? fs::path(device) : target).filename().string();
+}
+
+constexpr const char* kTimers = "sys/bus/usb-serial/devices";
+
 }  // namespace
 
 std::vector<PortInfo> list_ports_below(const fs::path& root) {
@@ -114,6 +123,23 @@ OpenResult probe_port(const std::string& device) {
   if (port.result.error != OpenError::busy) return port.result;
   const std::optional<PortHolder> holder = find_port_holder(device);
   return holder && holder->pid == getpid() ? OpenResult{} : port.result;
+}
+
+std::optional<std::chrono::milliseconds> adapter_latency_below(const fs::path& root,
+                                                               const std::string& device) {
+  std::ifstream file(root / kTimers / kernel_name(device) / "latency_timer");
+  int timer = 0;
+  if (!(file >> timer) || timer < 0) return std::nullopt;
+  return std::chrono::milliseconds(timer);
+}
+
+std::optional<std::chrono::milliseconds> adapter_latency(const std::string& device) {
+  return adapter_latency_below("/", device);
+}
+
+std::string lower_latency_text(const std::string& device) {
+  return "Until it is unplugged: echo 1 | sudo tee /" + std::string(kTimers) + "/" + kernel_name(device) +
+         "/latency_timer\nFor good: a udev rule, see \"Connecting a board\" in the help.";
 }
 
 }  // namespace qv5123

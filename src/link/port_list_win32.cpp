@@ -75,4 +75,15 @@ OpenResult probe_port(const std::string& device) {
   return port ? OpenResult{} : system_error(GetLastError(), device);
 }
 
+/// Each driver keeps its own in a place of its own.
+std::optional<std::chrono::milliseconds> adapter_latency(const std::string&) {
+  return std::nullopt;
+}
+
+std::string lower_latency_text(const std::string& device) {
+  return "Device Manager, \"Ports (COM & LPT)\", " + device +
+         ", \"Properties\", \"Port Settings\", \"Advanced...\": set \"Latency Timer (msec)\" to 1, then open "
+         "the port again.";
+}
+
 }  // namespace qv5123

@@ -80,6 +80,7 @@ Task<OpenResult> PortSession::open(std::string name, LineSettings settings) {
   close();
   name_ = name;
   settings_ = settings;
+  link_.health() = LinkHealth(settings);
   const unsigned epoch = epoch_;
   OpenResult result = co_await open_port();
   if (result.ok() && epoch != epoch_) co_return OpenResult{OpenError::failed, name + " was closed again."};
@@ -156,6 +157,7 @@ Task<> PortSession::reopen(std::string text) {
     if (result.error != told && events_.status) events_.status(result.text);
     told = result.error;
   }
+  link_.health().reconnected();
   if (events_.status) events_.status(text);
 }
 

@@ -55,6 +55,8 @@ class PortSession {
   const std::string& name() const { return name_; }
 
   CommandLink& link() { return link_; }
+  /// What is counted of the line since open(), over losses too.
+  const LinkHealth& health() { return link_.health(); }
   RingQueue& receive_queue() { return port_.receive_queue(); }
 
  private:

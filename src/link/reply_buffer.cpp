@@ -17,7 +17,9 @@ std::string ReplyBuffer::decode(std::span<const std::uint8_t> received) {
         ++blocks_;
         break;
       case '^':
-        if (state_ == State::in_block) state_ = State::complete;
+        if (state_ != State::in_block) break;
+        state_ = State::complete;
+        ++completed_;
         break;
       case '$':
         state_ = State::abandoned;
@@ -44,6 +46,10 @@ std::optional<std::string> ReplyBuffer::take_block() {
   state_ = State::idle;
   if (overran()) return std::nullopt;
   return std::string(text_.data(), size());
+}
+
+bool ReplyBuffer::damaged() const {
+  return overran() || !whole_bytes({text_.data(), size()});
 }
 
 std::optional<int> ReplyBuffer::take_last_pair() {

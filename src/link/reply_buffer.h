@@ -40,6 +40,9 @@ class ReplyBuffer {
   /// the same thing twice counts them.
   std::size_t blocks() const { return blocks_; }
 
+  /// How many blocks were ever complete.
+  std::uint64_t completed() const { return completed_; }
+
   /// How many characters the block has so far, at most 500.
   std::size_t size() const { return received_ < kSize ? received_ : kSize; }
 
@@ -49,6 +52,9 @@ class ReplyBuffer {
 
   /// True when the last block, complete or not, did not fit and overwrote its start.
   bool overran() const { return received_ > kSize; }
+
+  /// True when the last block overran or is no even number of hex digits.
+  bool damaged() const;
 
   /// The value of the last two characters stored, 0..255; nothing when fewer than two are there. Lowers the
   /// index by two, so that the same pair is not taken twice.
@@ -69,6 +75,7 @@ class ReplyBuffer {
   std::size_t index_ = 0;
   std::size_t received_ = 0;  // characters of the block, those overwritten included
   std::size_t blocks_ = 0;
+  std::uint64_t completed_ = 0;
   State state_ = State::idle;
 };
 

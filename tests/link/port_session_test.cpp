@@ -85,6 +85,7 @@ TEST(PortSession, AnUnpluggedPortIsBackWithinASecondAndNothingIsSentTwice) {
   on.run_until([&] { return on.session.connected(); });
   EXPECT_LT(on.scheduler.now() - since, std::chrono::seconds(1));
   EXPECT_EQ(on.statuses.back(), "line is back.");
+  EXPECT_EQ(on.session.health().counts().reconnects, 1u);
   on.session.link().send(Batch{{0x01, 0x04}});
   on.run_until([&] { return on.session.link().jobs_waiting() == 0; });
   EXPECT_EQ(on.wire(), "@0104*") << "what was sent while the line was gone is gone";

@@ -113,6 +113,14 @@ TEST_F(PosixPorts, ListsRealOnesWithTheirProductNames) {
                                      }));
 }
 
+TEST_F(PosixPorts, AnAdaptersLatencyTimerIsFoundBehindLinks) {
+  put("sys/bus/usb-serial/devices/ttyUSB2/latency_timer", "16\n");
+  put("dev/ttyUSB2", "");
+  fs::create_symlink(root_ / "dev/ttyUSB2", root_ / "dev/board");
+  EXPECT_EQ(adapter_latency_below(root_, root_ / "dev/board"), std::chrono::milliseconds(16));
+  EXPECT_EQ(adapter_latency_below(root_, "/dev/ttyACM0"), std::nullopt);
+}
+
 TEST_F(PosixPorts, ErrorsSayWhatIsWrongWithTheDevice) {
   put("file", "text");
   const std::string file = root_ / "file";

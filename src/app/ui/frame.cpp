@@ -2,7 +2,7 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QLabel>
+#include <QMenu>
 #include <QMenuBar>
 #include <QProgressBar>
 #include <QScreen>
@@ -12,6 +12,7 @@
 
 #include "app/ui/message_list.h"
 #include "app/ui/page_area.h"
+#include "app/ui/port_state.h"
 #include "app/ui/qv5123_view.h"
 #include "app/ui/status_pane.h"
 #include "app/ui/undo_actions.h"
@@ -31,8 +32,8 @@ CMainFrame::CMainFrame(CQV5123View* view) : view_(*view) {
   setWindowTitle("QV512xC Adjustment Program  V 2.3_2");
   setCentralWidget(view);
   fill_menu_bar();
-  fill_tools();
   fill_status_bar();
+  fill_tools();
   connect(view, &CQV5123View::status_changed, this, &CMainFrame::show_messages);
   connect(view, &CQV5123View::messages_read, this, &CMainFrame::show_messages);
   connect(view, &CQV5123View::progress_changed, this, &CMainFrame::show_progress);
@@ -76,6 +77,10 @@ void CMainFrame::fill_tools() {
     view_.values().verify_saves(on);
     emit verify_saves_switched(on);
   });
+  tools_->addSeparator();
+  QAction* health = tools_->addAction("Link health...");
+  health->setObjectName("link-health");
+  connect(health, &QAction::triggered, connection_, &PortState::open_dialog);
 }
 
 void CMainFrame::fill_status_bar() {
@@ -87,10 +92,7 @@ void CMainFrame::fill_status_bar() {
   progress_->setMaximumHeight(messages_->sizeHint().height());
   progress_->setAccessibleName("Progress of the page's operation");
   progress_->hide();
-  connection_ = new QLabel(this);
-  // Its text is what assistive tools read out; a name would stand in its place.
-  connection_->setObjectName("port-state");
-  connection_->setAccessibleDescription("Port state");
+  connection_ = new PortState(this);
   verification_ = new VerifyPane(this);
   statusBar()->addWidget(messages_, 1);
   statusBar()->addPermanentWidget(verification_);
@@ -148,7 +150,7 @@ void CMainFrame::show_progress(std::optional<int> percent) {
 }
 
 void CMainFrame::show_connected(bool connected) {
-  connection_->setText(connected ? "Port open" : "Port closed");
+  connection_->show_connected(connected);
 }
 
 bool CMainFrame::event(QEvent* event) {

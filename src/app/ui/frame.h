@@ -4,7 +4,6 @@
 #include <functional>
 #include <optional>
 
-class QLabel;
 class QMenu;
 class QProgressBar;
 
@@ -12,6 +11,7 @@ namespace qv5123 {
 
 class CQV5123View;
 class MessageList;
+class PortState;
 class StatusPane;
 class TuningDesk;
 class VerifyPane;
@@ -29,6 +29,7 @@ class CMainFrame final : public QMainWindow {
   void show_progress(std::optional<int> percent);
   /// Shows whether the port is there.
   void show_connected(bool connected);
+  PortState& port_state() { return *connection_; }
   /// The menu of what is no page.
   QMenu& tools() { return *tools_; }
 
@@ -57,7 +58,7 @@ class CMainFrame final : public QMainWindow {
   StatusPane* messages_ = nullptr;
   MessageList* list_ = nullptr;
   QProgressBar* progress_ = nullptr;
-  QLabel* connection_ = nullptr;
+  PortState* connection_ = nullptr;
   QMenu* tools_ = nullptr;
   VerifyPane* verification_ = nullptr;
 };

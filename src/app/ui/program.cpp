@@ -7,6 +7,7 @@
 #include "app/ui/frame.h"
 #include "app/ui/help_window.h"
 #include "app/ui/page_area.h"
+#include "app/ui/port_state.h"
 #include "app/ui/qv5123_view.h"
 #include "app/ui/tour.h"
 #include "app/ui/unattended_prompts.h"
@@ -86,6 +87,7 @@ PortSessionEvents Program::session_events() {
   events.connected = [this](bool connected) {
     if (frame_) frame_->show_connected(connected);
     if (view_) view_->set_line_stands(false);
+    if (connected) flows_.spawn(look_at_adapter());
     if (connected && view_ && view_->port()) view_->port()->connected();
   };
   return events;
@@ -204,9 +206,18 @@ void Program::open_window(PortSettings port) {
     (void)store([on](AppSettings& stored) { stored.store_verify_saves(on); });
   });
   QObject::connect(frame_.get(), &CMainFrame::help_wanted, frame_.get(), [this] { show_help(); });
+  frame_->port_state().use_report([this] {
+    return LinkReport{session_.name(), session_.connected(), session_.health(), latency_timer_};
+  });
   if (parts_.furnish) parts_.furnish(*frame_, scheduler_);
   if (!parts_.journal_folder.empty()) keep_journal();
   frame_->show();
+}
+
+Task<> Program::look_at_adapter() {
+  using Timer = std::optional<std::chrono::milliseconds>;
+  std::function<Timer()> work = [device = session_.name()] { return adapter_latency(device); };
+  latency_timer_ = co_await ports_.run<Timer>(std::move(work));
 }
 
 void Program::keep_journal() {

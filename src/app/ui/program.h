@@ -71,6 +71,7 @@ class Program {
   Task<bool> store(std::function<void(AppSettings&)> change);
   Task<bool> store_port(PortSettings settings);
   void keep_journal();
+  Task<> look_at_adapter();
   Task<> make_tour();
   void show_help();
   Task<> end(int exit_code);
@@ -92,6 +93,7 @@ class Program {
   CQV5123View* view_ = nullptr;  // the frame's
   std::unique_ptr<HelpWindow> help_;
   std::unique_ptr<Journal> journal_;
+  std::optional<std::chrono::milliseconds> latency_timer_;  ///< of the port's adapter
   FlowSet flows_;
   Flow trouble_;
   bool ending_ = false;

@@ -1,17 +1,23 @@
 #include "app/ui/qv5123_view.h"
 
+#include <QClipboard>
 #include <QCloseEvent>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenuBar>
+#include <QPushButton>
 #include <QStatusTipEvent>
 #include <QTest>
+#include <QToolTip>
 
 #include "app/ui/message_list.h"
+#include "app/ui/port_state.h"
 #include "app/ui/status_pane.h"
 #include "app/ui/view_bench.h"
 #include "base/delay.h"
 #include "console/setting_file.h"
+#include "link/ui/link_health_dialog.h"
 
 namespace qv5123 {
 namespace {
@@ -195,8 +201,9 @@ TEST(MainForm, AFailureStaysInThePaneUntilTheListOfMessagesIsOpened) {
   QStatusTipEvent hover("Make EEPROM flash binary");
   QApplication::sendEvent(&bench.frame, &hover);
   EXPECT_TRUE(pane()->isVisible());
-  EXPECT_EQ(bench.frame.findChild<QLabel*>("port-state")->text(), "Port closed");
-  EXPECT_EQ(bench.frame.findChild<QLabel*>("port-state")->accessibleName(), "") << "or it hid the text";
+  EXPECT_EQ(bench.frame.findChild<QAbstractButton*>("port-state")->text(), "Port closed");
+  EXPECT_EQ(bench.frame.findChild<QAbstractButton*>("port-state")->accessibleName(), "")
+      << "or it hid the text";
 
   QTest::keyClick(pane(), Qt::Key_Space);
   auto* list = bench.frame.findChild<MessageList*>()->findChild<QListWidget*>();
@@ -205,6 +212,34 @@ TEST(MainForm, AFailureStaysInThePaneUntilTheListOfMessagesIsOpened) {
   EXPECT_EQ(shown("failure"), "") << "it was read";
   bench.view->say(StatusRank::outcome, kAboutForm, "AE Info: 1 register sent");
   EXPECT_EQ(list->count(), 6) << "while it is open";
+}
+
+TEST(MainForm, ThePortStateTellsHowTheLineDoes) {
+  ViewBench bench;
+  auto* state = bench.frame.findChild<QAbstractButton*>("port-state");
+  QTest::mouseClick(state, Qt::LeftButton);
+  EXPECT_EQ(bench.frame.findChild<LinkHealthDialog*>(), nullptr) << "there is no port yet";
+  bench.frame.port_state().use_report([&] {
+    return LinkReport{"ttyUSB0", true, bench.wire.link.health(), {}};
+  });
+  bench.wire.link.send({{0x20, 1}});
+  bench.wire.advance(50);
+
+  QHelpEvent hover(QEvent::ToolTip, QPoint(1, 1), state->mapToGlobal(QPoint(1, 1)));
+  QApplication::sendEvent(state, &hover);
+  EXPECT_TRUE(QToolTip::text().contains("Sent: 6 bytes, 1 register write\n"))
+      << QToolTip::text().toStdString();
+  bench.frame.findChild<QAction*>("link-health")->trigger();
+  auto* dialog = bench.frame.findChild<LinkHealthDialog*>();
+  ASSERT_NE(dialog, nullptr);
+  QStringList figures;
+  for (const QLabel* label : dialog->findChildren<QLabel*>()) figures << label->text();
+  EXPECT_TRUE(figures.contains("6 bytes, 1 register write"));
+  EXPECT_TRUE(dialog->findChild<QLabel*>("latency-hint")->isHidden());
+  for (auto* button : dialog->findChildren<QPushButton*>()) {
+    if (button->text() == "Copy") button->click();
+  }
+  EXPECT_TRUE(QApplication::clipboard()->text().startsWith("Port: ttyUSB0, open\nSent: 6 bytes"));
 }
 
 TEST(MainForm, EndsWithWhatEveryPageMustSayLast) {
