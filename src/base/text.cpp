@@ -29,6 +29,12 @@ bool is_low_half(char32_t c) {
   return c >= 0xDC00 && c < 0xE000;
 }
 
+std::string padded(long long number, std::size_t width) {
+  std::string digits = std::to_string(number);
+  if (digits.size() < width) digits.insert(0, width - digits.size(), '0');
+  return digits;
+}
+
 }  // namespace
 
 std::string utf8(std::u16string_view text) {
@@ -80,6 +86,17 @@ std::string elided(std::string_view text, std::size_t most) {
 std::string fixed(double value, int digits) {
   char text[400];
   return {text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, digits).ptr};
+}
+
+std::string iso_time(std::chrono::system_clock::time_point time) {
+  using namespace std::chrono;
+  const auto day = floor<days>(time);
+  const year_month_day date(day);
+  const hh_mm_ss clock(floor<milliseconds>(time - day));
+  return padded(static_cast<int>(date.year()), 4) + "-" + padded(static_cast<unsigned>(date.month()), 2) +
+         "-" + padded(static_cast<unsigned>(date.day()), 2) + "T" + padded(clock.hours().count(), 2) + ":" +
+         padded(clock.minutes().count(), 2) + ":" + padded(clock.seconds().count(), 2) + "." +
+         padded(clock.subseconds().count(), 3) + "Z";
 }
 
 }  // namespace qv5123

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <string_view>
 
@@ -20,5 +21,8 @@ std::string elided(std::string_view text, std::size_t most);
 
 /// A number with that many digits behind the point, which is a point in every locale.
 std::string fixed(double value, int digits);
+
+/// A moment in UTC as "2026-11-22T02:51:01.123Z".
+std::string iso_time(std::chrono::system_clock::time_point time);
 
 }  // namespace qv5123

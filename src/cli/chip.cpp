@@ -38,16 +38,21 @@ Chip::Chip(Context& context)
   if (context.globals.port.empty() && !context.globals.simulate) {
     refuse("This command talks to the chip: --port DEVICE or --simulate says where it is");
   }
-  if (!context.globals.trace.empty()) trace_.emplace(context.globals.trace);
+  if (!context.globals.trace.empty()) begin_trace();
   session_ = std::make_unique<PortSession>(scheduler_, make_device(), session_events());
 }
 
 Chip::~Chip() = default;
 
+void Chip::begin_trace() {
+  trace_ = std::make_shared<Trace>(context_.globals.trace);
+  if (!trace_->ok()) refuse("Cannot write " + path_text(context_.globals.trace));
+}
+
 std::unique_ptr<SerialDevice> Chip::make_device() {
   std::unique_ptr<SerialDevice> device =
       context_.globals.simulate ? std::make_unique<SimulatedBoard>() : make_serial_device();
-  return trace_ ? traced(std::move(device), *trace_) : std::move(device);
+  return trace_ ? traced(std::move(device), trace_) : std::move(device);
 }
 
 PortSessionEvents Chip::session_events() {

@@ -11,8 +11,8 @@
 #include "base/interrupts.h"
 #include "base/loop_scheduler.h"
 #include "cli/context.h"
-#include "cli/trace_device.h"
 #include "link/port_session.h"
+#include "link/trace_device.h"
 
 namespace qv5123 {
 
@@ -80,6 +80,7 @@ class Chip {
     bool operator==(const Signs&) const = default;
   };
   Signs signs();
+  void begin_trace();
   std::unique_ptr<SerialDevice> make_device();
   PortSessionEvents session_events();
   void take_interrupt();
@@ -90,7 +91,7 @@ class Chip {
   LoopScheduler scheduler_;
   Interrupts interrupts_;
   BackgroundThread background_{scheduler_};
-  std::optional<Trace> trace_;
+  std::shared_ptr<Trace> trace_;
   std::function<void(const std::string&)> take_console_;
   std::function<void()> on_interrupt_;
   int interrupts_seen_ = 0;

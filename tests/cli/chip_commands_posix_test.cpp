@@ -240,6 +240,10 @@ TEST_F(CtlTest, TracesEveryByteAndSimulatesByItself) {
   const std::string trace = folder.read("trace.txt");
   EXPECT_THAT(trace, HasSubstr(" > 40 39 34 30 39 2a 40 39 34 32 32 2a |@9409*@9422*|\n"));
   EXPECT_THAT(trace, HasSubstr(" < 7e 30 30 5e |~00^|\n"));
+  EXPECT_EQ(ctl({"--simulate", "--trace", "trace.txt", "reg", "read", "0xF922"}).code, 0);
+  const std::string both = folder.read("trace.txt");
+  EXPECT_EQ(both.rfind(trace, 0), 0u) << "it goes on";
+  EXPECT_THAT(both.substr(trace.size()), testing::MatchesRegex("# 20[^Z]*Z\n.*~00.*"));
 }
 
 }  // namespace

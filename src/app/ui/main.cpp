@@ -12,11 +12,13 @@
 #include "app/ui/process.h"
 #include "app/ui/program.h"
 #include "app/ui/qv5123_app.h"
+#include "base/atomic_file.h"
 #include "base/ui/qt_text.h"
 #include "link/deferred_device.h"
 #include "link/named_device.h"
 #include "link/port_list.h"
 #include "link/serial_device.h"
+#include "link/trace_device.h"
 #include "simulator/simulated_board.h"
 #include "simulator/ui/camera_dock.h"
 
@@ -42,6 +44,10 @@ std::optional<EndAtOnce> scene_fault(const ProgramOptions& options) {
   if (!options.scene || scene_named(*options.scene)) return std::nullopt;
   const QString scene = QString::fromStdString(*options.scene).simplified();
   return EndAtOnce{QStringLiteral("QV5123: There is no scene '%1'.").arg(scene), 2};
+}
+
+EndAtOnce unwritable(const std::filesystem::path& trace) {
+  return {QStringLiteral("QV5123: Cannot write %1").arg(path_to_qt(trace)), 2};
 }
 
 int print(const EndAtOnce& end) {
@@ -113,6 +119,17 @@ std::unique_ptr<SerialDevice> device_beside(std::unique_ptr<SerialDevice> simula
   return std::make_unique<NamedDevice>(kSimulatedDevice, std::move(simulated), make_serial_device());
 }
 
+void report(const std::string& text) {
+  std::fprintf(stderr, "QV5123: %s\n", text.c_str());
+}
+
+/// Null where nothing is to be recorded.
+std::shared_ptr<Trace> make_trace(const ProgramOptions& options) {
+  if (!options.trace) return nullptr;
+  const std::string fault = "Cannot write " + path_text(*options.trace);
+  return std::make_shared<Trace>(*options.trace, [fault] { report(fault); });
+}
+
 Program::Parts program_parts(const ProgramOptions& options) {
   Program::Parts parts;
   parts.list_ports = ports_to_choose;
@@ -122,7 +139,7 @@ Program::Parts program_parts(const ProgramOptions& options) {
   if (!options.tour) parts.journal_folder = to_path(QStandardPaths::writableLocation(kJournalPlace));
   // At once: nothing is torn down, and what was to be saved is on the disk.
   parts.end_process = [](int code) { std::_Exit(code); };
-  parts.report = [](const std::string& text) { std::fprintf(stderr, "QV5123: %s\n", text.c_str()); };
+  parts.report = report;
   if (!options.simulate) {
     parts.device = device_beside(std::make_unique<DeferredDevice>([] { return simulated_board({}); }));
     return parts;
@@ -151,7 +168,11 @@ int main(int argc, char** argv) {
   QSettings store;
   const AppSettings settings(store);
   const auto& chosen = std::get<ProgramOptions>(options);
-  Program program(chosen, settings, program_parts(chosen));
+  const std::shared_ptr<Trace> trace = make_trace(chosen);
+  if (trace && !trace->ok()) return print(unwritable(*chosen.trace));
+  Program::Parts parts = program_parts(chosen);
+  if (trace) parts.device = traced(std::move(parts.device), trace);
+  Program program(chosen, settings, std::move(parts));
   program.start();
   end_requests.pass_on_to([&program] { program.end_unasked(); });
   QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,

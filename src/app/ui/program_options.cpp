@@ -46,7 +46,7 @@ QString fault_of(const QCommandLineParser& parser) {
   if (parser.isSet("scene") && !parser.isSet("simulate") && !parser.isSet("tour")) {
     return QStringLiteral("Option --scene needs --simulate.");
   }
-  for (const char* name : {"port", "settings", "tour"}) {
+  for (const char* name : {"port", "settings", "tour", "trace"}) {
     if (parser.isSet(name) && parser.value(name).isEmpty()) {
       return QStringLiteral("Option --%1 is empty.").arg(QLatin1String(name));
     }
@@ -76,6 +76,7 @@ ProgramOptions options_of(const QCommandLineParser& parser) {
   if (parser.isSet("scene")) options.scene = from_qt(parser.value("scene"));
   if (parser.isSet("settings")) options.setting_file = to_path(parser.value("settings"));
   if (parser.isSet("tour")) options.tour = to_path(parser.value("tour"));
+  if (parser.isSet("trace")) options.trace = to_path(parser.value("trace"));
   options.simulate = parser.isSet("simulate") || (options.tour && !options.port);
   return options;
 }
@@ -129,6 +130,7 @@ std::variant<ProgramOptions, EndAtOnce> read_options(const QStringList& argument
        "Open every page in turn, save a picture of each in this folder, and exit. Runs on the simulated chip "
        "unless --port is given.",
        "DIR"},
+      {"trace", "Add every byte both ways to this file, time-stamped.", "FILE"},
   });
   for (const LineOption& option : kLineOptions) parser.addOption({option.name, option.help, option.value});
   if (!parser.parse(own_arguments(arguments))) return complaint(parser.errorText());

@@ -16,6 +16,7 @@ struct ProgramOptions {
   bool simulate = false;             ///< the simulated chip, store no settings
   std::optional<std::string> scene;  ///< what the simulated camera looks at
   std::optional<std::filesystem::path> setting_file;  ///< load it instead of offering the dialog
+  std::optional<std::filesystem::path> trace;         ///< gets every byte both ways
   std::optional<std::filesystem::path> tour;          ///< the folder for the tour's pictures
 };
 

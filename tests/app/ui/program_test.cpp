@@ -24,10 +24,11 @@ QStringList command_line(std::initializer_list<QString> arguments) {
 TEST(ProgramOptions, AreReadOrRefusedInOneLine) {
   const test::TemporaryFolder folder;
   const QString file = QString::fromStdString(folder.write("a.dat", "1").string());
-  const auto read = std::get<ProgramOptions>(read_options(
-      command_line({"-platform", "offscreen", "--style=fusion", "--port", "COM5", "--settings", file})));
+  const auto read = std::get<ProgramOptions>(read_options(command_line(
+      {"-platform", "offscreen", "--style=fusion", "--port", "COM5", "--settings", file, "--trace", "t"})));
   EXPECT_EQ(read.port, "COM5") << "the toolkit's options are its own";
   EXPECT_EQ(read.setting_file, folder.path() / "a.dat");
+  EXPECT_EQ(read.trace, "t");
   EXPECT_FALSE(read.simulate);
   const QString pictures = QString::fromStdString((folder.path() / "x" / "y").string());
   EXPECT_TRUE(std::get<ProgramOptions>(read_options(command_line({"--tour", pictures}))).simulate);
