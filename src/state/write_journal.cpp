@@ -1,0 +1,138 @@
+#include "state/write_journal.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/text.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr std::string_view kFirstWords = "QV5123 writes 1 ";
+
+char small(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+std::vector<std::string> words_of(std::string_view text) {
+  std::vector<std::string> words(1);
+  for (const char c : text) {
+    if (c != ' ') {
+      words.back() += small(c);
+    } else if (!words.back().empty()) {
+      words.emplace_back();
+    }
+  }
+  if (words.back().empty()) words.pop_back();
+  return words;
+}
+
+/// What stands behind the time.
+std::string_view searched(std::string_view line) {
+  return line.substr(std::min(line.find('\t'), line.size()));
+}
+
+std::string full_name(const WriteRecord& record, const WriteRecord::Value& value) {
+  return record.page + "." + value.name;
+}
+
+std::string lines_text(std::size_t lines) {
+  return lines == 1 ? "1 line" : std::to_string(lines) + " lines";
+}
+
+}  // namespace
+
+void WriteJournal::add_line(std::string_view line) {
+  text_ += line;
+  text_ += '\n';
+  ends_.push_back(static_cast<std::uint32_t>(text_.size()));
+  if (text_.size() > most_bytes_ && ends_.size() > 1) drop_older_half();
+}
+
+void WriteJournal::drop_older_half() {
+  const std::size_t half = ends_.size() / 2;
+  const std::uint32_t bytes = ends_[half - 1];
+  text_.erase(0, bytes);
+  ends_.erase(ends_.begin(), ends_.begin() + static_cast<std::ptrdiff_t>(half));
+  for (std::uint32_t& end : ends_) end -= bytes;
+  dropped_ += half;
+}
+
+std::string_view WriteJournal::line(std::size_t i) const {
+  const std::size_t start = i == 0 ? 0 : ends_[i - 1];
+  return std::string_view(text_).substr(start, ends_[i] - start - 1);
+}
+
+WriteRecord WriteJournal::at(std::size_t i) const {
+  return read_journal_line(line(i)).value_or(WriteRecord{});
+}
+
+WriteMatcher::WriteMatcher(const WriteFilter& filter)
+    : words_(words_of(filter.words)), questions_(filter.questions) {}
+
+bool WriteMatcher::matches(std::string_view line) const {
+  const std::string_view text = searched(line);
+  const auto holds = [text](const std::string& word) {
+    const auto same = [](char a, char b) { return small(a) == b; };
+    return std::search(text.begin(), text.end(), word.begin(), word.end(), same) != text.end();
+  };
+  if (!std::all_of(words_.begin(), words_.end(), holds)) return false;
+  if (questions_) return true;
+  const std::optional<WriteRecord> record = read_journal_line(line);
+  return record && !is_question(*record);
+}
+
+KnownValues values_after(const WriteJournal& journal, std::size_t count) {
+  KnownValues known;
+  for (std::size_t i = 0; i < journal.size(); ++i) {
+    const WriteRecord record = journal.at(i);
+    for (const WriteRecord::Value& value : record.values) {
+      if (i < count && record.result == WriteRecord::Result::sent) {
+        known[full_name(record, value)] = value.now;
+      } else if (i < count) {
+        known.erase(full_name(record, value));
+      } else if (value.old) {
+        known.try_emplace(full_name(record, value), *value.old);
+      }
+    }
+  }
+  return known;
+}
+
+std::string journal_head(std::chrono::system_clock::time_point start) {
+  return std::string(kFirstWords) + iso_time(start) + "\n";
+}
+
+OpenedJournal open_journal(std::string_view text) {
+  OpenedJournal opened;
+  if (!text.starts_with(kFirstWords)) {
+    opened.remarks.push_back("This is no journal of writes.");
+    return opened;
+  }
+  std::size_t damaged = 0;
+  std::size_t at = text.find('\n');
+  for (at = std::min(at, text.size() - 1) + 1; at < text.size();) {
+    const std::size_t end = text.find('\n', at);
+    if (end == std::string_view::npos) {
+      opened.remarks.push_back("Its last write is cut and left out.");
+      break;
+    }
+    const std::string_view line = text.substr(at, end - at);
+    at = end + 1;
+    // A run that went on after its file was removed began it anew.
+    if (line.starts_with(kFirstWords)) continue;
+    if (read_journal_line(line)) {
+      opened.journal.add_line(line);
+    } else {
+      ++damaged;
+    }
+  }
+  if (damaged > 0)
+    opened.remarks.push_back("Left out, for they cannot be read: " + lines_text(damaged) + ".");
+  if (opened.journal.dropped() > 0)
+    opened.remarks.push_back("The oldest " + std::to_string(opened.journal.dropped()) +
+                             " writes are left out.");
+  return opened;
+}
+
+}  // namespace qv5123
