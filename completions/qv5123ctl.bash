@@ -7,7 +7,7 @@ _qv5123ctl() {
     --port)
       COMPREPLY=($(compgen -W "$("$1" ports 2>/dev/null | cut -d' ' -f1)" -- "$current"))
       return ;;
-    --description|--font|--from|--fw|--log|--output|--trace|--user|-o)
+    --base|--description|--font|--from|--fw|--log|--output|--to|--trace|--user|--with|-o)
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return ;;
@@ -15,12 +15,12 @@ _qv5123ctl() {
   esac
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case "${path:+$path }$word" in
-      "ports"|"reg"|"reg read"|"reg write"|"reg save"|"reg load"|"reg list"|"reg dump"|"send"|"osd"|"osd up"|"osd down"|"osd left"|"osd right"|"osd set"|"osd pattern"|"factory-reset"|"copy-to-factory"|"info"|"info ae"|"info awb"|"page"|"page show"|"page save"|"page diff"|"settings"|"settings show"|"settings set"|"settings diff"|"settings check"|"download"|"download fw"|"download font"|"download user"|"script"|"monitor"|"flash"|"flash make"|"flash inspect"|"font"|"font export"|"font import"|"font show"|"font diff"|"gamma"|"gamma compute"|"matrix"|"matrix fit"|"lsc"|"lsc fit")
+      "ports"|"reg"|"reg read"|"reg write"|"reg save"|"reg load"|"reg list"|"reg dump"|"send"|"osd"|"osd up"|"osd down"|"osd left"|"osd right"|"osd set"|"osd pattern"|"factory-reset"|"copy-to-factory"|"info"|"info ae"|"info awb"|"page"|"page show"|"page save"|"page diff"|"param"|"param list"|"param get"|"param set"|"param diff"|"settings"|"settings show"|"settings set"|"settings diff"|"settings check"|"download"|"download fw"|"download font"|"download user"|"script"|"replay"|"monitor"|"flash"|"flash make"|"flash inspect"|"font"|"font export"|"font import"|"font show"|"font diff"|"gamma"|"gamma compute"|"matrix"|"matrix fit"|"lsc"|"lsc fit")
         path="${path:+$path }$word" ;;
     esac
   done
   case "$path" in
-    "") words="ports reg send osd factory-reset copy-to-factory info page settings download script monitor flash font gamma matrix lsc" ;;
+    "") words="ports reg send osd factory-reset copy-to-factory info page param settings download script replay monitor flash font gamma matrix lsc" ;;
     "ports") words="" ;;
     "reg") words="read write save load list dump" ;;
     "reg read") words="--wide --sensor" ;;
@@ -46,6 +46,11 @@ _qv5123ctl() {
     "page show") words="front awb dynamic gamma matrix lsc" ;;
     "page save") words="--from --verify --repair --lenient front awb dynamic gamma matrix lsc" ;;
     "page diff") words="--lenient front awb dynamic gamma matrix lsc" files=yes ;;
+    "param") words="list get set diff" ;;
+    "param list") words="" ;;
+    "param get") words="--from" ;;
+    "param set") words="--to --base --verify --lenient" ;;
+    "param diff") words="--with --lenient" files=yes ;;
     "settings") words="show set diff check" ;;
     "settings show") words="" files=yes ;;
     "settings set") words="--lenient" files=yes ;;
@@ -56,6 +61,7 @@ _qv5123ctl() {
     "download font") words="--expect" files=yes ;;
     "download user") words="--expect --lenient" files=yes ;;
     "script") words="" files=yes ;;
+    "replay") words="--dry-run" files=yes ;;
     "monitor") words="--timestamps --log --for" ;;
     "flash") words="make inspect" ;;
     "flash make") words="--fw --font --user --output --lenient" ;;

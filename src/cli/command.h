@@ -55,6 +55,8 @@ void add_form_commands(CLI::App& app, Context& context);
 void add_page_commands(CLI::App& app, Context& context);
 void add_settings_commands(CLI::App& app, Context& context);
 void add_download_commands(CLI::App& app, Context& context);
+void add_param_commands(CLI::App& app, Context& context);
+void add_replay_command(CLI::App& app, Context& context);
 void add_script_command(CLI::App& app, Context& context);
 void add_monitor_command(CLI::App& app, Context& context);
 void add_flash_commands(CLI::App& app, Context& context);

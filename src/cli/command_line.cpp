@@ -143,9 +143,11 @@ std::unique_ptr<CLI::App> make_command_line(Context& context) {
   add_register_commands(*app, context);
   add_form_commands(*app, context);
   add_page_commands(*app, context);
+  add_param_commands(*app, context);
   add_settings_commands(*app, context);
   add_download_commands(*app, context);
   add_script_command(*app, context);
+  add_replay_command(*app, context);
   add_monitor_command(*app, context);
   add_flash_commands(*app, context);
   add_font_commands(*app, context);

@@ -5,6 +5,7 @@
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/numbers.h"
+#include "cli/parameters.h"
 #include "cli/settings_table.h"
 #include "console/setting_file.h"
 #include "console/setting_format.h"
@@ -50,11 +51,25 @@ ExitCode show(Context& context, const SettingsOptions& options) {
   return ExitCode::done;
 }
 
-/// "NAME=VALUE" put into the image.
-void assign(const SettingsTable& table, const std::string& text, UserDataImage& image) {
+/// Whether a page shows it and no file has a place for it.
+bool is_on_chip_only(const std::string& name) {
+  for (const PageParameters& page : all_parameters())
+    for (const std::size_t i : page.fields)
+      if (page.name(i) == name) return !page.field(i).has_entry();
+  return false;
+}
+
+/// "NAME=VALUE" put into the image. False, and said, where no file holds it: what "page show" prints can be
+/// given as it is.
+bool assign(Output& out, const SettingsTable& table, const std::string& text, UserDataImage& image) {
   const std::size_t equals = text.find('=');
   if (equals == std::string::npos) refuse("\"" + text + "\" is not of the form NAME=VALUE");
   const std::string name = text.substr(0, equals);
+  // First, since it may be the beginning of other names, too.
+  if (is_on_chip_only(name)) {
+    out.warning(name + ": no setting file holds it, left out");
+    return false;
+  }
   const std::vector<Setting> found = table.find(name);
   if (found.empty()) refuse("No setting is named \"" + name + "\"");
   if (found.size() > 1) refuse("\"" + name + "\" stands for " + std::to_string(found.size()) + " settings");
@@ -65,6 +80,7 @@ void assign(const SettingsTable& table, const std::string& text, UserDataImage& 
     refuse(name + ": " + text.substr(equals + 1) + " is beyond its range, it would count as " +
            std::to_string(stored));
   }
+  return true;
 }
 
 ExitCode set(Context& context, const SettingsOptions& options) {
@@ -73,9 +89,11 @@ ExitCode set(Context& context, const SettingsOptions& options) {
   const FileLock lock = lock_beside(options.file, kLockPatience);
   if (lock.busy) refuse(path_text(options.file) + " is being changed by another program");
   UserDataImage image = read_whole_settings(options.file, options.lenient);
-  for (const std::string& assignment : options.names) assign(table, assignment, image);
+  std::size_t assigned = 0;
+  for (const std::string& assignment : options.names)
+    assigned += assign(context.out, table, assignment, image) ? 1 : 0;
   write_file(options.file, setting_text(image));
-  context.out.result(Json{{"file", path_text(options.file)}, {"set", options.names.size()}});
+  context.out.result(Json{{"file", path_text(options.file)}, {"set", assigned}});
   return ExitCode::done;
 }
 

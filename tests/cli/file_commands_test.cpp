@@ -208,13 +208,14 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
       {{},
        "A command is missing; qv5123ctl has ports, reg, send, osd, factory-reset, copy-to-factory, info, "
        "page, "
-       "settings, download, script, monitor, flash, font, gamma, matrix, lsc"},
+       "param, settings, download, script, replay, monitor, flash, font, gamma, matrix, lsc"},
       {{"reg", "rede"},
        "No command is named \"rede\"; reg has read, write, save, load, list, dump. Did you mean \"read\"?"},
       {{"pag", "show", "lsc"},
        "No command is named \"pag\"; qv5123ctl has ports, reg, send, osd, factory-reset, copy-to-factory, "
        "info, "
-       "page, settings, download, script, monitor, flash, font, gamma, matrix, lsc. Did you mean \"page\"?"},
+       "page, param, settings, download, script, replay, monitor, flash, font, gamma, matrix, lsc. Did you "
+       "mean \"page\"?"},
       {{"--port", "line", "--parity", "most", "osd", "up"},
        "--parity most is not of: none, odd, even, mark or space (default none)"},
       {{"--simulate", "--baud", "9600", "osd", "up"}, "--baud requires --port"},
@@ -231,6 +232,8 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
       {{"matrix", "fit", "odd.csv"},
        R"(odd.csv, line 2: "\x1b]\x9bxxxxxxxxxxxxxxxx...xxxxxxxxxxxxxxxxxxxx" is no number (0x hex or decimal))"},
       {{"settings", "show", "none.dat"}, "Cannot read none.dat: No such file or directory"},
+      {{"replay", "script.txt", "--dry-run"},
+       "script.txt, line 1: neither hex pairs such as \"9209 93cc\" nor \"wait MS\""},
       {{"script", "script.txt", "--simulate"}, "script.txt, line 3: not of the form \"AAA,DD\""},
       {{"reg", "read", "1", "--simulate", "--trace", "no/trace"}, "Cannot write no/trace"},
       {{"font", "import", "font.txt", "-o", "out.bin"},
