@@ -6,6 +6,7 @@
 
 #include "app/ui/frame.h"
 #include "app/ui/help_window.h"
+#include "app/ui/history_tool.h"
 #include "app/ui/page_area.h"
 #include "app/ui/port_state.h"
 #include "app/ui/qv5123_view.h"
@@ -27,6 +28,8 @@ constexpr std::chrono::seconds kAskAgain{10};
 /// and for what the chip must be told last.
 constexpr std::chrono::milliseconds kTransferPatience{1000};
 constexpr std::chrono::milliseconds kChipPatience{1500};
+
+constexpr const char* kAboutHistory = "history";
 
 constexpr const char* kNoPortYet = "No port was chosen yet.";
 
@@ -209,6 +212,7 @@ void Program::open_window(PortSettings port) {
   frame_->port_state().use_report([this] {
     return LinkReport{session_.name(), session_.connected(), session_.health(), latency_timer_};
   });
+  keep_history();
   if (parts_.furnish) parts_.furnish(*frame_, scheduler_);
   if (!parts_.journal_folder.empty()) keep_journal();
   frame_->show();
@@ -218,6 +222,14 @@ Task<> Program::look_at_adapter() {
   using Timer = std::optional<std::chrono::milliseconds>;
   std::function<Timer()> work = [device = session_.name()] { return adapter_latency(device); };
   latency_timer_ = co_await ports_.run<Timer>(std::move(work));
+}
+
+void Program::keep_history() {
+  const auto say = [this](bool failure, const std::string& text) {
+    view_->say(failure ? StatusRank::failure : StatusRank::outcome, kAboutHistory, text);
+  };
+  history_ = std::make_unique<HistoryTool>(
+      *frame_, HistoryTool::Surroundings{session_.link(), *prompts_, files_, say, parts_.journal_folder});
 }
 
 void Program::keep_journal() {
@@ -273,8 +285,8 @@ Task<> Program::finish_files() {
 
 Task<> Program::write_out(Resolver<bool> over) {
   if (journal_) co_await journal_->end();
-  const std::function<bool()> all_before = [] { return true; };
-  co_await files_.run<bool>(all_before);
+  // Behind all that was begun before.
+  co_await history_->finish();
   // Posted, since who waits for it ends this flow.
   scheduler_.post([over] { over.resolve(true); });
 }
@@ -312,6 +324,7 @@ Task<> Program::run_unasked_end() {
     for (const StatusMessage& failure : view_->board().failures()) parts_.report(failure.text);
   }
   co_await session_.close();
+  if (history_) co_await history_->finish();
   co_await kept.pending();
   parts_.end_process(0);
 }

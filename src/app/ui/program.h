@@ -23,6 +23,7 @@ namespace qv5123 {
 class CMainFrame;
 class CQV5123View;
 class HelpWindow;
+class HistoryTool;
 
 /// The window with everything behind it, from the start of the application to its end.
 class Program {
@@ -71,6 +72,7 @@ class Program {
   Task<bool> store(std::function<void(AppSettings&)> change);
   Task<bool> store_port(PortSettings settings);
   void keep_journal();
+  void keep_history();
   Task<> look_at_adapter();
   Task<> make_tour();
   void show_help();
@@ -89,6 +91,7 @@ class Program {
   CQV5123Doc document_;
   std::unique_ptr<Prompts> prompts_;
   PortSession session_;
+  std::unique_ptr<HistoryTool> history_;  // outlives its dock, which is the frame's
   std::unique_ptr<CMainFrame> frame_;
   CQV5123View* view_ = nullptr;  // the frame's
   std::unique_ptr<HelpWindow> help_;

@@ -1,0 +1,289 @@
+#include "state/ui/history_dock.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTableView>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "base/atomic_file.h"
+#include "base/ui/qt_text.h"
+#include "state/ui/history_model.h"
+#include "state/write_export.h"
+
+namespace qv5123 {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct ExportFormat {
+  const char* name;
+  const char* extension;
+  std::string (*text)(const WriteRecords&);
+};
+
+constexpr std::array kFormats{ExportFormat{"Text", "txt", writes_as_text},
+                              ExportFormat{"CSV", "csv", writes_as_csv},
+                              ExportFormat{"JSON lines", "jsonl", writes_as_json_lines},
+                              ExportFormat{"Register script", "regs", writes_as_script}};
+
+constexpr int kOwnRun = 0;
+/// Stands in the list where a file's path would; no path.
+constexpr const char* kOtherFile = "?";
+constexpr std::array kWidths{90, 70, 140, 220, 160, 90};
+
+/// Takes a while for many lines.
+std::string export_lines(const std::vector<std::string>& lines, const ExportFormat& format) {
+  WriteRecords records;
+  records.reserve(lines.size());
+  for (const std::string& line : lines)
+    if (auto record = read_journal_line(line)) records.push_back(std::move(*record));
+  return format.text(records);
+}
+
+FileChoice file_choice(const ExportFormat& format) {
+  const std::string pattern = std::string("*.") + format.extension;
+  FileChoice choice;
+  choice.filter = std::string(format.name) + " (" + pattern + ")|" + pattern + "|All Files (*.*)|*.*||";
+  choice.default_extension = format.extension;
+  choice.initial_name = std::string("history.") + format.extension;
+  return choice;
+}
+
+QString run_text(const WriteJournalFiles::Run& run) {
+  constexpr std::uintmax_t kKilobyte = 1024;
+  return QStringLiteral("%1 UTC, %2 KB").arg(to_qt(run.start)).arg((run.bytes + kKilobyte - 1) / kKilobyte);
+}
+
+}  // namespace
+
+HistoryDock::HistoryDock(WriteHistory& history, Surroundings surroundings, QWidget* parent)
+    : QDockWidget("History", parent), history_(history), surroundings_(std::move(surroundings)) {
+  setObjectName("history");
+  auto* content = new QWidget(this);
+  auto* rows = new QVBoxLayout(content);
+  make_table();
+  rows->addWidget(make_bar());
+  rows->addWidget(table_, 1);
+  rows->addWidget(make_buttons());
+  setWidget(content);
+  history_.tell_of_notes([this] { look_on(); });
+  show_own();
+}
+
+HistoryDock::~HistoryDock() {
+  history_.tell_of_notes({});
+}
+
+QWidget* HistoryDock::make_bar() {
+  auto* bar = new QWidget(this);
+  auto* row = new QHBoxLayout(bar);
+  row->setContentsMargins(0, 0, 0, 0);
+  source_ = new QComboBox(bar);
+  source_->setAccessibleName("Run");
+  source_->setToolTip("Whose writes are shown: this run's, an earlier one's, or those of a file");
+  fill_sources({});
+  connect(source_, &QComboBox::activated, this, &HistoryDock::choose_source);
+  words_ = new QLineEdit(bar);
+  words_->setPlaceholderText("Search");
+  words_->setAccessibleName("Search");
+  words_->setToolTip("Only writes that hold all of these words: page, control, names, numbers, registers");
+  words_->setClearButtonEnabled(true);
+  connect(words_, &QLineEdit::textChanged, this, &HistoryDock::filter);
+  questions_ = new QCheckBox("Questions", bar);
+  questions_->setToolTip("Also what only asks the chip for something");
+  connect(questions_, &QCheckBox::toggled, this, &HistoryDock::filter);
+  row->addWidget(source_);
+  row->addWidget(words_, 1);
+  row->addWidget(questions_);
+  return bar;
+}
+
+void HistoryDock::make_table() {
+  table_ = new QTableView(this);
+  table_->setAccessibleName("Writes");
+  model_ = new HistoryModel(this);
+  table_->setModel(model_);
+  table_->setSelectionBehavior(QAbstractItemView::SelectRows);
+  table_->setWordWrap(false);
+  table_->verticalHeader()->hide();
+  table_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+  table_->horizontalHeader()->setStretchLastSection(true);
+  for (int column = 0; column < HistoryModel::column_count; ++column)
+    table_->setColumnWidth(column, kWidths[static_cast<std::size_t>(column)]);
+  auto* copy = new QAction("Copy", table_);
+  copy->setShortcut(QKeySequence::Copy);
+  copy->setShortcutContext(Qt::WidgetShortcut);
+  connect(copy, &QAction::triggered, this, [this] { copying_.start(this->copy()); });
+  table_->addAction(copy);
+  table_->setContextMenuPolicy(Qt::ActionsContextMenu);
+  connect(model_, &QAbstractItemModel::rowsInserted, this, &HistoryDock::show_count);
+  connect(model_, &QAbstractItemModel::rowsRemoved, this, &HistoryDock::show_count);
+  connect(model_, &QAbstractItemModel::modelReset, this, &HistoryDock::show_count);
+}
+
+QWidget* HistoryDock::make_buttons() {
+  auto* bar = new QWidget(this);
+  auto* row = new QHBoxLayout(bar);
+  row->setContentsMargins(0, 0, 0, 0);
+  count_ = new QLabel(bar);
+  count_->setObjectName("write-count");
+  auto* copy = new QPushButton("Copy", bar);
+  copy->setToolTip("Copies the selected writes as text; all that are shown where none is selected");
+  connect(copy, &QPushButton::clicked, this, [this] { copying_.start(this->copy()); });
+  auto* save = new QPushButton("Save as", bar);
+  save->setToolTip("Saves the selected writes in a file; all that are shown where none is selected");
+  auto* formats = new QMenu(save);
+  for (std::size_t i = 0; i < kFormats.size(); ++i) {
+    QAction* format = formats->addAction(QString("%1...").arg(kFormats[i].name));
+    connect(format, &QAction::triggered, this, [this, i] {
+      if (!saving_.running()) saving_.start(this->save(i));
+    });
+  }
+  save->setMenu(formats);
+  row->addWidget(count_, 1);
+  row->addWidget(copy);
+  row->addWidget(save);
+  return bar;
+}
+
+void HistoryDock::showEvent(QShowEvent* event) {
+  QDockWidget::showEvent(event);
+  if (history_.files() && !listing_.running()) listing_.start(list_runs());
+}
+
+Task<> HistoryDock::list_runs() {
+  const std::vector<WriteJournalFiles::Run> runs = co_await history_.files()->others();
+  const QString shown = source_->currentData().toString();
+  const QString name = source_->currentText();
+  fill_sources(runs);
+  show_source(name, shown);
+}
+
+void HistoryDock::fill_sources(const std::vector<WriteJournalFiles::Run>& runs) {
+  source_->clear();
+  source_->addItem("This run");
+  for (const WriteJournalFiles::Run& run : runs) source_->addItem(run_text(run), path_to_qt(run.file));
+  source_->addItem("Other file...", QLatin1String(kOtherFile));
+}
+
+/// One that is not listed is put in.
+void HistoryDock::show_source(const QString& name, const QString& file) {
+  if (file.isEmpty()) return source_->setCurrentIndex(kOwnRun);
+  if (source_->findData(file) < 0) source_->insertItem(kOwnRun + 1, name, file);
+  source_->setCurrentIndex(source_->findData(file));
+}
+
+void HistoryDock::choose_source(int index) {
+  const QString file = source_->itemData(index).toString();
+  if (index == kOwnRun) {
+    opening_.cancel();
+    show_own();
+  } else if (file == QLatin1String(kOtherFile)) {
+    opening_.start(choose_file());
+  } else {
+    open_file(to_path(file));
+  }
+}
+
+void HistoryDock::open_file(fs::path file) {
+  opening_.start(open(std::move(file)));
+}
+
+Task<> HistoryDock::choose_file() {
+  FileChoice choice;
+  choice.filter = "Journals (*.journal)|*.journal|All Files (*.*)|*.*||";
+  const auto file = co_await surroundings_.prompts.choose_open(std::move(choice));
+  if (file) {
+    co_await open(*file);
+  } else {
+    show_own();
+  }
+}
+
+Task<> HistoryDock::open(fs::path file) {
+  std::function<OpenedJournal()> work = [file] { return open_journal_file(file); };
+  OpenedJournal opened = co_await surroundings_.files.run<OpenedJournal>(std::move(work));
+  show_opened(std::move(file), std::move(opened));
+}
+
+void HistoryDock::show_opened(fs::path file, OpenedJournal opened) {
+  auto journal = std::make_unique<WriteJournal>(std::move(opened.journal));
+  model_->show_journal(*journal);
+  opened_ = std::move(journal);
+  show_source(path_to_qt(file.filename()), path_to_qt(file));
+  for (const std::string& remark : opened.remarks)
+    surroundings_.say(true, path_text(file.filename()) + ": " + remark);
+}
+
+void HistoryDock::show_own() {
+  model_->show_journal(history_.journal());
+  opened_.reset();
+  source_->setCurrentIndex(kOwnRun);
+  table_->scrollToBottom();
+}
+
+void HistoryDock::filter() {
+  model_->set_filter({from_qt(words_->text()), questions_->isChecked()});
+}
+
+void HistoryDock::look_on() {
+  if (opened_) return;
+  const QScrollBar* bar = table_->verticalScrollBar();
+  const bool follows = bar->value() == bar->maximum();
+  model_->look_on();
+  if (follows) table_->scrollToBottom();
+}
+
+void HistoryDock::show_count() {
+  const std::size_t all = model_->journal().size();
+  count_->setText(QString("%1 of %2 writes").arg(model_->rowCount()).arg(all));
+}
+
+std::vector<std::string> HistoryDock::lines() const {
+  std::vector<std::string> lines;
+  const auto add = [&](int first, int last) {
+    for (int row = first; row <= last; ++row) lines.emplace_back(model_->journal().line(model_->place(row)));
+  };
+  QItemSelection selected = table_->selectionModel()->selection();
+  std::sort(selected.begin(), selected.end(), [](const auto& a, const auto& b) { return a.top() < b.top(); });
+  for (const QItemSelectionRange& range : selected) add(range.top(), range.bottom());
+  if (lines.empty()) add(0, model_->rowCount() - 1);
+  return lines;
+}
+
+Task<> HistoryDock::copy() {
+  std::function<std::string()> work = [lines = lines()] { return export_lines(lines, kFormats[0]); };
+  const std::string text = co_await surroundings_.files.run<std::string>(std::move(work));
+  QApplication::clipboard()->setText(to_qt(text));
+}
+
+Task<> HistoryDock::save(std::size_t format) {
+  // What is chosen now, not what is once the file is.
+  std::vector<std::string> lines = this->lines();
+  const std::size_t count = lines.size();
+  const auto path = co_await surroundings_.prompts.choose_save(file_choice(kFormats[format]));
+  if (!path) co_return;
+  std::function<std::string()> work = [lines = std::move(lines), format, path = *path] {
+    return write_file_atomically(path, export_lines(lines, kFormats[format])).text;
+  };
+  const std::string failure = co_await surroundings_.files.run<std::string>(std::move(work));
+  const std::string done = path_text(path->filename()) + ": " + std::to_string(count) +
+                           (count == 1 ? " write saved" : " writes saved");
+  surroundings_.say(!failure.empty(), failure.empty() ? done : failure);
+}
+
+}  // namespace qv5123

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <QDockWidget>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/background.h"
+#include "console/prompts.h"
+#include "state/write_history.h"
+
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QTableView;
+
+namespace qv5123 {
+
+class HistoryModel;
+
+/// The dock "History": what left for the chip, in this run or an earlier one, with a filter; to copy, and to
+/// save as a file.
+class HistoryDock final : public QDockWidget {
+  Q_OBJECT
+
+ public:
+  struct Surroundings {
+    Prompts& prompts;
+    Background& files;
+    /// A line for the status bar, and whether it is of a failure.
+    std::function<void(bool failure, const std::string& text)> say;
+  };
+
+  /// The history must outlive the dock.
+  HistoryDock(WriteHistory& history, Surroundings surroundings, QWidget* parent = nullptr);
+  ~HistoryDock() override;
+
+  HistoryModel& model() { return *model_; }
+  /// Opens a journal's file in place of this run's.
+  void open_file(std::filesystem::path file);
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+
+ private:
+  QWidget* make_bar();
+  QWidget* make_buttons();
+  void make_table();
+  void choose_source(int index);
+  Task<> list_runs();
+  Task<> open(std::filesystem::path file);
+  Task<> choose_file();
+  Task<> save(std::size_t format);
+  Task<> copy();
+  void show_own();
+  void fill_sources(const std::vector<WriteJournalFiles::Run>& runs);
+  void show_source(const QString& name, const QString& file);
+  void show_opened(std::filesystem::path file, OpenedJournal opened);
+  void filter();
+  void look_on();
+  void show_count();
+  /// The journal's lines of what is selected; of all that is shown where nothing is.
+  std::vector<std::string> lines() const;
+
+  WriteHistory& history_;
+  const Surroundings surroundings_;
+  HistoryModel* model_ = nullptr;
+  QComboBox* source_ = nullptr;
+  QLineEdit* words_ = nullptr;
+  QCheckBox* questions_ = nullptr;
+  QTableView* table_ = nullptr;
+  QLabel* count_ = nullptr;
+  std::unique_ptr<WriteJournal> opened_;  ///< an earlier run's, while that is shown
+  Flow listing_;
+  Flow opening_;
+  Flow saving_;
+  Flow copying_;
+};
+
+}  // namespace qv5123
