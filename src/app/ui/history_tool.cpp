@@ -4,39 +4,37 @@
 #include <QMenu>
 
 #include "app/ui/frame.h"
-#include "link/command_link.h"
-#include "state/ui/history_dock.h"
+#include "app/ui/qv5123_view.h"
 
 namespace qv5123 {
 
 HistoryTool::HistoryTool(CMainFrame& frame, Surroundings surroundings)
-    : surroundings_(std::move(surroundings)) {
+    : surroundings_(std::move(surroundings)), way_back_(surroundings_.view, surroundings_.prompts) {
   if (!surroundings_.folder.empty()) {
-    files_.emplace(surroundings_.link.scheduler(), surroundings_.files,
+    files_.emplace(surroundings_.view.scheduler(), surroundings_.files,
                    WriteJournalFiles::Surroundings{
                        surroundings_.folder, std::chrono::system_clock::now,
                        [this](const std::string& failure) { surroundings_.say(true, failure); }});
     history_.keep_in(*files_);
   }
-  surroundings_.link.tell_of_jobs([this](const SentJob& job) { note(job); });
+  surroundings_.view.values().on_write([this](const WriteEvent& event) { history_.note(event); });
   add_dock(frame);
 }
 
-void HistoryTool::note(const SentJob& job) {
-  WriteEvent event;
-  if (job.note) event.page = job.note->page;
-  if (job.note) event.control = job.note->control;
-  event.batches = job.writes;
-  event.result = job.result;
-  history_.note(event);
+// Its flows own dialogs that the frame would delete as well.
+HistoryTool::~HistoryTool() {
+  delete dock_;
 }
 
 void HistoryTool::add_dock(CMainFrame& frame) {
-  auto* dock =
-      new HistoryDock(history_, {surroundings_.prompts, surroundings_.files, surroundings_.say}, &frame);
-  frame.addDockWidget(Qt::BottomDockWidgetArea, dock);
-  dock->hide();
-  QAction* show = dock->toggleViewAction();
+  HistoryDock::Surroundings surroundings{surroundings_.prompts, surroundings_.files, surroundings_.say, {}};
+  surroundings.back = [this](KnownValues then, std::size_t unnamed, std::string when) {
+    way_back_.start(std::move(then), unnamed, std::move(when));
+  };
+  dock_ = new HistoryDock(history_, std::move(surroundings), &frame);
+  frame.addDockWidget(Qt::BottomDockWidgetArea, dock_);
+  dock_->hide();
+  QAction* show = dock_->toggleViewAction();
   show->setText("&History");
   show->setShortcut(QKeySequence("Ctrl+H"));
   frame.tools().addAction(show);

@@ -59,6 +59,7 @@ Program::~Program() {
   trouble_.cancel();
   flows_.cancel();
   journal_.reset();
+  history_.reset();
   // Its flows own dialogs that the frame would delete as well.
   delete view_;
 }
@@ -229,7 +230,7 @@ void Program::keep_history() {
     view_->say(failure ? StatusRank::failure : StatusRank::outcome, kAboutHistory, text);
   };
   history_ = std::make_unique<HistoryTool>(
-      *frame_, HistoryTool::Surroundings{session_.link(), *prompts_, files_, say, parts_.journal_folder});
+      *frame_, HistoryTool::Surroundings{*view_, *prompts_, files_, say, parts_.journal_folder});
 }
 
 void Program::keep_journal() {

@@ -91,11 +91,11 @@ class Program {
   CQV5123Doc document_;
   std::unique_ptr<Prompts> prompts_;
   PortSession session_;
-  std::unique_ptr<HistoryTool> history_;  // outlives its dock, which is the frame's
   std::unique_ptr<CMainFrame> frame_;
   CQV5123View* view_ = nullptr;  // the frame's
   std::unique_ptr<HelpWindow> help_;
   std::unique_ptr<Journal> journal_;
+  std::unique_ptr<HistoryTool> history_;
   std::optional<std::chrono::milliseconds> latency_timer_;  ///< of the port's adapter
   FlowSet flows_;
   Flow trouble_;

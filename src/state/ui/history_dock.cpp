@@ -21,6 +21,7 @@
 #include "base/atomic_file.h"
 #include "base/ui/qt_text.h"
 #include "state/ui/history_model.h"
+#include "state/way_back.h"
 #include "state/write_export.h"
 
 namespace qv5123 {
@@ -154,7 +155,16 @@ QWidget* HistoryDock::make_buttons() {
     });
   }
   save->setMenu(formats);
+  back_ = new QPushButton("Back to here...", bar);
+  back_->setEnabled(false);
+  back_->setToolTip("Shows what differs from when the selected write had left, and sends it when you agree");
+  connect(back_, &QPushButton::clicked, this, [this] {
+    if (!going_back_.running()) going_back_.start(go_back());
+  });
+  connect(table_->selectionModel(), &QItemSelectionModel::selectionChanged, this, &HistoryDock::offer_back);
+  connect(model_, &QAbstractItemModel::modelReset, this, &HistoryDock::offer_back);
   row->addWidget(count_, 1);
+  row->addWidget(back_);
   row->addWidget(copy);
   row->addWidget(save);
   return bar;
@@ -251,6 +261,29 @@ void HistoryDock::look_on() {
 void HistoryDock::show_count() {
   const std::size_t all = model_->journal().size();
   count_->setText(QString("%1 of %2 writes").arg(model_->rowCount()).arg(all));
+}
+
+void HistoryDock::offer_back() {
+  // Not row by row: all may be selected.
+  const QItemSelection selected = table_->selectionModel()->selection();
+  back_->setEnabled(selected.size() == 1 && selected.first().height() == 1);
+}
+
+Task<> HistoryDock::go_back() {
+  struct Moment {
+    KnownValues known;
+    std::size_t unnamed = 0;
+  };
+  const QModelIndexList selected = table_->selectionModel()->selectedRows();
+  if (selected.size() != 1) co_return;
+  const int row = selected.first().row();
+  std::string when = from_qt(model_->index(row, HistoryModel::time).data().toString());
+  // A long journal takes a while.
+  std::function<Moment()> work = [journal = model_->journal(), count = model_->place(row) + 1] {
+    return Moment{values_after(journal, count), unnamed_writes_after(journal, count)};
+  };
+  Moment moment = co_await surroundings_.files.run<Moment>(std::move(work));
+  surroundings_.back(std::move(moment.known), moment.unnamed, std::move(when));
 }
 
 std::vector<std::string> HistoryDock::lines() const {

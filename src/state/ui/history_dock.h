@@ -33,6 +33,9 @@ class HistoryDock final : public QDockWidget {
     Background& files;
     /// A line for the status bar, and whether it is of a failure.
     std::function<void(bool failure, const std::string& text)> say;
+    /// Goes back to a moment that `when` names: to what the chip was told until then. So many writes behind
+    /// it have no names.
+    std::function<void(KnownValues then, std::size_t unnamed, std::string when)> back;
   };
 
   /// The history must outlive the dock.
@@ -56,6 +59,8 @@ class HistoryDock final : public QDockWidget {
   Task<> choose_file();
   Task<> save(std::size_t format);
   Task<> copy();
+  Task<> go_back();
+  void offer_back();
   void show_own();
   void fill_sources(const std::vector<WriteJournalFiles::Run>& runs);
   void show_source(const QString& name, const QString& file);
@@ -74,11 +79,13 @@ class HistoryDock final : public QDockWidget {
   QCheckBox* questions_ = nullptr;
   QTableView* table_ = nullptr;
   QLabel* count_ = nullptr;
+  QPushButton* back_ = nullptr;
   std::unique_ptr<WriteJournal> opened_;  ///< an earlier run's, while that is shown
   Flow listing_;
   Flow opening_;
   Flow saving_;
   Flow copying_;
+  Flow going_back_;
 };
 
 }  // namespace qv5123

@@ -50,8 +50,13 @@ struct DockBench {
   WriteHistory history;
   WriteJournalFiles files{
       scheduler, background, {folder.path(), std::chrono::system_clock::now, [](const std::string&) {}}};
+  std::vector<KnownValues> backs;
   HistoryDock dock{history,
-                   {user, background, [this](bool, const std::string& text) { said.push_back(text); }}};
+                   {user, background, [this](bool, const std::string& text) { said.push_back(text); },
+                    [this](KnownValues then, std::size_t unnamed, const std::string&) {
+                      backs.push_back(std::move(then));
+                      said.push_back(std::to_string(unnamed) + " unnamed");
+                    }}};
 
   DockBench() { history.keep_in(files); }
   HistoryModel& model() { return dock.model(); }
@@ -128,6 +133,25 @@ TEST(HistoryDock, CopiesAndSavesWhatIsSelected) {
     EXPECT_EQ(saved.find("a_slope 3"), std::string::npos) << "not selected";
     EXPECT_EQ(bench.said.back(), format + ": 1 write saved");
   }
+}
+
+TEST(HistoryDock, GoesBackToOneWriteThatIsSelected) {
+  DockBench bench;
+  for (int i = 1; i <= 3; ++i) bench.history.note(event_of(i));
+  WriteEvent raw = event_of(9);
+  raw.values.clear();
+  bench.history.note(raw);
+  bench.history.note(question());
+  auto* table = bench.dock.findChild<QTableView*>();
+  bench.click("Back to here...");
+  table->selectAll();
+  bench.click("Back to here...");
+  EXPECT_TRUE(bench.backs.empty()) << "one must be chosen";
+  table->clearSelection();
+  table->selectRow(1);
+  bench.click("Back to here...");
+  EXPECT_EQ(bench.backs, (std::vector<KnownValues>{{{"awb.a_slope", 3}}}));
+  EXPECT_EQ(bench.said.back(), "1 unnamed");
 }
 
 TEST(HistoryDock, OpensEarlierRunsAndOtherFiles) {

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "console/prompts.h"
+#include "state/way_back.h"
+
+namespace qv5123 {
+
+class CQV5123View;
+
+/// "Back to here": shows what differs from a moment of the journal, and sends it when the user agrees, each
+/// value as its page's own control does.
+class WayBackTool {
+ public:
+  WayBackTool(CQV5123View& view, Prompts& prompts) : view_(view), prompts_(prompts) {}
+
+  /// `when` names the moment. Ignored while one is under way.
+  void start(KnownValues then, std::size_t unnamed, std::string when);
+
+ private:
+  struct Sum {
+    std::size_t writes = 0;
+    std::size_t flushes = 0;
+  };
+  Task<> run(KnownValues then, std::size_t unnamed, std::string when);
+  Sum sum_of(const WayBack& way);
+  Task<> send(WayBack::Page page, std::string what);
+  Task<> open_page(std::size_t page);
+
+  CQV5123View& view_;
+  Prompts& prompts_;
+  Flow flow_;
+};
+
+}  // namespace qv5123

@@ -1,0 +1,89 @@
+#include "state/way_back.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "base/text.h"
+
+namespace qv5123 {
+namespace {
+
+/// So many differences are named in a question.
+constexpr std::size_t kMostNamed = 15;
+/// What the port waits before each flush.
+constexpr std::chrono::milliseconds kPacing{50};
+
+std::optional<int> known_number(const ChipValue& chip) {
+  return chip.how == Known::nothing ? std::nullopt : std::optional(chip.number);
+}
+
+std::string difference(const std::string& name, const WayBack::Value& value) {
+  return name + ": chip " + (value.chip ? std::to_string(*value.chip) : "?") + ", then " +
+         std::to_string(value.then);
+}
+
+std::string counted(std::size_t number, const std::string& one) {
+  return std::to_string(number) + " " + one + (number == 1 ? "" : "s");
+}
+
+void add_page(const KnownValues& then, const ValueStates& states, std::size_t page, WayBack& way) {
+  WayBack::Page differing{page, {}};
+  const std::vector<ValueState> now = states.states(page);
+  for (std::size_t i = 0; i < now.size(); ++i) {
+    const FieldInfo& field = states.fields(page)[i];
+    const std::string name = states.page_name(page) + "." + field.name;
+    const auto known = then.find(name);
+    if (known == then.end()) continue;
+    const WayBack::Value value{i, known_number(now[i].chip), known->second};
+    if (value.chip == value.then) continue;
+    way.differences.push_back(difference(name, value));
+    if (field.sent_by == Field::kNowhere)
+      ++way.unsendable;
+    else
+      differing.values.push_back(value);
+  }
+  if (!differing.values.empty()) way.pages.push_back(std::move(differing));
+}
+
+}  // namespace
+
+std::vector<std::size_t> WayBack::Page::fields() const {
+  std::vector<std::size_t> fields;
+  for (const Value& value : values) fields.push_back(value.field);
+  return fields;
+}
+
+WayBack way_back(const KnownValues& then, const ValueStates& states) {
+  WayBack way;
+  for (std::size_t page = 0; page < states.pages(); ++page) add_page(then, states, page, way);
+  return way;
+}
+
+std::size_t unnamed_writes_after(const WriteJournal& journal, std::size_t count) {
+  std::size_t unnamed = 0;
+  for (std::size_t i = count; i < journal.size(); ++i) {
+    const WriteRecord record = journal.at(i);
+    if (record.values.empty() && !is_question(record)) ++unnamed;
+  }
+  return unnamed;
+}
+
+std::string way_back_question(const WayBack& way, std::size_t writes, std::size_t flushes,
+                              std::size_t unnamed) {
+  std::string text = counted(way.differences.size(), "value") +
+                     (way.differences.size() == 1 ? " differs" : " differ") + " from that moment:\n\n";
+  for (std::size_t i = 0; i < std::min(way.differences.size(), kMostNamed); ++i)
+    text += way.differences[i] + "\n";
+  if (way.differences.size() > kMostNamed)
+    text += "and " + std::to_string(way.differences.size() - kMostNamed) + " more\n";
+  if (way.unsendable > 0)
+    text += "\nNothing sends " + std::to_string(way.unsendable) + " of them alone; left out.\n";
+  if (unnamed > 0)
+    text += "\n" + counted(unnamed, "write") + " since then without names of values " +
+            (unnamed == 1 ? "is" : "are") + " not taken back.\n";
+  const double seconds = std::chrono::duration<double>(kPacing).count() * static_cast<double>(flushes);
+  return text + "\nSend " + counted(writes, "register write") + ", in some " + fixed(seconds, 1) +
+         " s? The pages take the values, too.";
+}
+
+}  // namespace qv5123

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "state/value_states.h"
+#include "state/write_journal.h"
+
+namespace qv5123 {
+
+/// What has to be sent so that the chip holds again what it held at a moment of a journal, as far as values
+/// have names.
+struct WayBack {
+  struct Value {
+    std::size_t field = 0;    ///< its place in the page's list of fields
+    std::optional<int> chip;  ///< what the chip is known to hold now
+    int then = 0;
+  };
+  struct Page {
+    std::size_t page = 0;  ///< its place in kTuningPages
+    std::vector<Value> values;
+
+    std::vector<std::size_t> fields() const;
+  };
+  std::vector<Page> pages;
+  /// "awb.a_slope: chip 12, then 20", also of those that nothing sends alone.
+  std::vector<std::string> differences;
+  std::size_t unsendable = 0;  ///< how many of them those are
+};
+
+/// What differs between `then` and what the chip is known to hold. What is not known of it counts as
+/// differing.
+WayBack way_back(const KnownValues& then, const ValueStates& states);
+
+/// How many writes behind the first `count` of a journal have no names, and so no way back.
+std::size_t unnamed_writes_after(const WriteJournal& journal, std::size_t count);
+
+/// The question before it is sent, with so many register writes in so many flushes.
+std::string way_back_question(const WayBack& way, std::size_t writes, std::size_t flushes,
+                              std::size_t unnamed);
+
+}  // namespace qv5123
