@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "app/end_requests.h"
+#include "app/ui/colours.h"
 #include "app/ui/frame.h"
 #include "app/ui/main_pages.h"
 #include "app/ui/process.h"
@@ -165,6 +166,7 @@ int main(int argc, char** argv) {
   if (const auto fault = scene_fault(std::get<ProgramOptions>(options))) return print(*fault);
   const std::jthread font_search = begin_font_search();
   CQV5123App application(argc, argv);
+  if (std::get<ProgramOptions>(options).dark) QApplication::setPalette(dark_palette());
   QSettings store;
   const AppSettings settings(store);
   const auto& chosen = std::get<ProgramOptions>(options);

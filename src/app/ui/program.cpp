@@ -249,12 +249,12 @@ void Program::keep_journal() {
 }
 
 Task<> Program::make_tour() {
-  Tour tour(*frame_, *view_, *options_.tour);
+  Tour tour(*frame_, *view_, {*options_.tour, options_.tour_size, options_.check_layout});
   std::vector<PortInfo> ports = co_await ports_.run<std::vector<PortInfo>>(parts_.list_ports);
-  const std::string fault = co_await tour.run(
+  const std::vector<std::string> faults = co_await tour.run(
       [this, &ports] { return make_port_dialog(std::move(ports), view_->port()->settings(), {}); });
-  if (!fault.empty()) parts_.report(fault);
-  co_await end(fault.empty() ? 0 : 1);
+  for (const std::string& fault : faults) parts_.report(fault);
+  co_await end(faults.empty() ? 0 : 1);
 }
 
 void Program::show_help() {

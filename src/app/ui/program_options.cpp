@@ -2,6 +2,7 @@
 
 #include <QCommandLineParser>
 #include <QDir>
+#include <QRegularExpression>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -15,6 +16,7 @@ namespace qv5123 {
 namespace {
 
 constexpr int kBadUsage = 2;
+constexpr int kLargestSide = 16384;
 
 EndAtOnce complaint(const QString& text) {
   return {QStringLiteral("QV5123: %1").arg(text.simplified()), kBadUsage};
@@ -29,6 +31,29 @@ QString line_fault(const QCommandLineParser& parser) {
     const std::string fault = take_line_option(option.name, from_qt(parser.value(option.name)), line);
     if (!fault.empty()) return to_qt(fault);
   }
+  return {};
+}
+
+/// "1280x800"; nothing for what is no size.
+std::optional<QSize> size_from(const QString& text) {
+  static const QRegularExpression kForm("^(\\d{1,5})x(\\d{1,5})$");
+  const QRegularExpressionMatch match = kForm.match(text);
+  const QSize size(match.captured(1).toInt(), match.captured(2).toInt());
+  if (size.isEmpty() || size.width() > kLargestSide || size.height() > kLargestSide) return std::nullopt;
+  return size;
+}
+
+/// What is wrong with the tour's options; empty when nothing is.
+QString tour_fault(const QCommandLineParser& parser) {
+  for (const char* name : {"size", "check-layout"}) {
+    if (parser.isSet(name) && !parser.isSet("tour"))
+      return QStringLiteral("Option --%1 needs --tour.").arg(QLatin1String(name));
+  }
+  if (parser.isSet("size") && !size_from(parser.value("size")))
+    return QStringLiteral("'%1' is no size such as 1280x800.").arg(parser.value("size"));
+  const QString folder = parser.value("tour");
+  if (parser.isSet("tour") && !QDir().mkpath(folder))
+    return QStringLiteral("Folder '%1' cannot be made.").arg(folder);
   return {};
 }
 
@@ -59,11 +84,8 @@ QString fault_of(const QCommandLineParser& parser) {
   if (parser.isSet("settings") && !std::ifstream(to_path(file))) {
     return QStringLiteral("Setting file '%1' cannot be read.").arg(file);
   }
-  const QString folder = parser.value("tour");
-  if (parser.isSet("tour") && !QDir().mkpath(folder)) {
-    return QStringLiteral("Folder '%1' cannot be made.").arg(folder);
-  }
-  return line_fault(parser);
+  const QString fault = tour_fault(parser);
+  return fault.isEmpty() ? line_fault(parser) : fault;
 }
 
 ProgramOptions options_of(const QCommandLineParser& parser) {
@@ -77,6 +99,9 @@ ProgramOptions options_of(const QCommandLineParser& parser) {
   if (parser.isSet("settings")) options.setting_file = to_path(parser.value("settings"));
   if (parser.isSet("tour")) options.tour = to_path(parser.value("tour"));
   if (parser.isSet("trace")) options.trace = to_path(parser.value("trace"));
+  options.tour_size = size_from(parser.value("size")).value_or(options.tour_size);
+  options.check_layout = parser.isSet("check-layout");
+  options.dark = parser.isSet("dark");
   options.simulate = parser.isSet("simulate") || (options.tour && !options.port);
   return options;
 }
@@ -122,8 +147,8 @@ std::variant<ProgramOptions, EndAtOnce> read_options(const QStringList& argument
   parser.addOptions({
       {{"h", "help"}, "Print this help and exit."},
       {{"v", "version"}, "Print the version and exit."},
-      {"port", "Use this serial device and store no settings.", "DEVICE"},
-      {"simulate", "Use the simulated chip and store no settings."},
+      {"port", "Use this serial device and store no settings but the window's look.", "DEVICE"},
+      {"simulate", "Use the simulated chip and store no settings but the window's look."},
       {"scene", "What the simulated camera looks at: chart, flat, chart-720 or flat-720.", "KIND"},
       {"settings", "Load this setting file at the start instead of offering the dialog.", "FILE"},
       {"tour",
@@ -131,6 +156,9 @@ std::variant<ProgramOptions, EndAtOnce> read_options(const QStringList& argument
        "unless --port is given.",
        "DIR"},
       {"trace", "Add every byte both ways to this file, time-stamped.", "FILE"},
+      {"size", "The size of the tour's window, 1280x800 without it.", "WIDTHxHEIGHT"},
+      {"check-layout", "Let the tour fail where text is cut off or a control has no room."},
+      {"dark", "Use dark colors, whatever the desktop has."},
   });
   for (const LineOption& option : kLineOptions) parser.addOption({option.name, option.help, option.value});
   if (!parser.parse(own_arguments(arguments))) return complaint(parser.errorText());

@@ -4,6 +4,7 @@
 #include <QPixmap>
 
 #include "app/ui/console_view.h"
+#include "app/ui/layout_check.h"
 #include "app/ui/page_area.h"
 #include "app/ui/qv5123_view.h"
 #include "base/delay.h"
@@ -12,35 +13,40 @@
 namespace qv5123 {
 namespace {
 
-constexpr QSize kPictureSize{1280, 800};
 constexpr std::chrono::milliseconds kLook{50};
 /// Looks in a row that must find everything quiet: an answer may still be on its way after the last write.
 constexpr int kQuietLooks = 6;
 
 }  // namespace
 
-Tour::Tour(QWidget& window, CQV5123View& view, std::filesystem::path folder)
-    : window_(window), view_(view), folder_(std::move(folder)) {}
+Tour::Tour(QWidget& window, CQV5123View& view, Plan plan)
+    : window_(window), view_(view), plan_(std::move(plan)) {}
 
-Task<std::string> Tour::run(std::function<std::unique_ptr<QDialog>()> port_dialog) {
+Task<std::vector<std::string>> Tour::run(std::function<std::unique_ptr<QDialog>()> port_dialog) {
   // The same pictures whatever the screen.
-  window_.resize(kPictureSize);
-  if (!co_await settle([this] { return !view_.starting(); })) co_return "The start does not come to an end.";
+  window_.resize(plan_.size);
+  if (!co_await settle([this] { return !view_.starting(); })) {
+    faults_.push_back("The start does not come to an end.");
+    co_return faults_;
+  }
   for (const PageEntry& entry : kPageEntries) {
-    if (!view_.pages().available(entry.id)) continue;
-    view_.pages().choose(entry.id);
-    Page* page = view_.pages().page(entry.id);
-    page->read_back();
-    if (!co_await settle([page] { return !page->loading(); })) {
-      co_return std::string("Page '") + entry.name + "' does not finish loading.";
-    }
-    if (!save(window_, entry.name)) co_return std::string("Cannot save the picture of '") + entry.name + "'.";
+    if (view_.pages().available(entry.id)) co_await take_picture_of_page(entry.id);
   }
   const std::unique_ptr<QDialog> dialog = port_dialog();
   dialog->show();
   co_await settle([] { return true; });
-  if (!save(*dialog, "port-dialog")) co_return "Cannot save the picture of 'port-dialog'.";
-  co_return "";
+  take_picture(*dialog, "port-dialog");
+  co_return faults_;
+}
+
+Task<> Tour::take_picture_of_page(PageId id) {
+  const char* name = kPageEntries[static_cast<std::size_t>(id)].name;
+  view_.pages().choose(id);
+  Page* page = view_.pages().page(id);
+  page->read_back();
+  if (!co_await settle([page] { return !page->loading(); }))
+    faults_.push_back(std::string("Page '") + name + "' does not finish loading.");
+  take_picture(window_, name);
 }
 
 Task<bool> Tour::settle(std::function<bool()> settled) {
@@ -58,9 +64,12 @@ bool Tour::quiet() const {
   return view_.link().jobs_waiting() == 0 && view_.console().settled();
 }
 
-bool Tour::save(QWidget& widget, const char* name) {
-  const QString path = path_to_qt(folder_ / (std::string(name) + ".png"));
-  return widget.grab().save(path, "PNG");
+void Tour::take_picture(QWidget& widget, const char* name) {
+  const QString path = path_to_qt(plan_.folder / (std::string(name) + ".png"));
+  if (!widget.grab().save(path, "PNG"))
+    faults_.push_back(std::string("Cannot save the picture of '") + name + "'.");
+  if (!plan_.check_layout) return;
+  for (const std::string& fault : layout_faults(widget)) faults_.push_back(std::string(name) + ": " + fault);
 }
 
 }  // namespace qv5123

@@ -1,10 +1,13 @@
 #pragma once
 
-#include <QStringList>
+#include <QSize>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
+#include "app/ui/pages.h"
 #include "base/scheduler.h"
 #include "base/task.h"
 
@@ -15,25 +18,34 @@ namespace qv5123 {
 
 class CQV5123View;
 
-/// Opens every page in turn and takes a picture of the window each time, then one of a dialog.
+/// Opens every page in turn and takes a picture of the window each time, then one of a dialog. May look
+/// whether all of them fit.
 class Tour {
  public:
   /// How long a page may take to show the chip's values.
   static constexpr std::chrono::seconds kPatience{60};
 
-  Tour(QWidget& window, CQV5123View& view, std::filesystem::path folder);
+  struct Plan {
+    std::filesystem::path folder;  ///< for the pictures
+    QSize size;                    ///< of the window in them
+    bool check_layout = false;
+  };
 
-  /// Takes the pictures. Returns what went wrong in one line, empty when nothing did.
-  Task<std::string> run(std::function<std::unique_ptr<QDialog>()> port_dialog);
+  Tour(QWidget& window, CQV5123View& view, Plan plan);
+
+  /// Takes the pictures. Returns what went wrong, a line for each, none when nothing did.
+  Task<std::vector<std::string>> run(std::function<std::unique_ptr<QDialog>()> port_dialog);
 
  private:
   Task<bool> settle(std::function<bool()> settled);
   bool quiet() const;
-  bool save(QWidget& widget, const char* name);
+  Task<> take_picture_of_page(PageId id);
+  void take_picture(QWidget& widget, const char* name);
 
   QWidget& window_;
   CQV5123View& view_;
-  const std::filesystem::path folder_;
+  const Plan plan_;
+  std::vector<std::string> faults_;
 };
 
 }  // namespace qv5123
