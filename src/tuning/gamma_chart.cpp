@@ -51,6 +51,13 @@ std::optional<GammaHit> nearest_gamma_point(const GammaValues& values, ChartPixe
   return hit;
 }
 
+double gamma_slope(const GammaCurve& curve, std::size_t point) {
+  const std::size_t before = point > 0 ? point - 1 : point;
+  const std::size_t after = std::min(point + 1, kGammaPoints - 1);
+  return static_cast<double>(curve[after] - curve[before]) /
+         (kGammaPositions[after] - kGammaPositions[before]);
+}
+
 void move_gamma_point(GammaValues& values, const GammaHit& hit, int value) {
   if (hit.point >= kGammaPoints) return;
   for (GammaCurveId id : hit.curves) values.curve(id)[hit.point] = std::clamp(value, 0, kGammaMaximum);

@@ -54,6 +54,9 @@ struct GammaHit {
 /// equally near.
 std::optional<GammaHit> nearest_gamma_point(const GammaValues& values, ChartPixel at);
 
+/// How much the curve rises at a point for each step of its input, between the points beside it.
+double gamma_slope(const GammaCurve& curve, std::size_t point);
+
 /// Puts what was hit at `value`, clamped to 0..1023.
 void move_gamma_point(GammaValues& values, const GammaHit& hit, int value);
 

@@ -1,10 +1,13 @@
 #include "tuning/ui/awb_chart_view.h"
 
 #include <QHelpEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QToolTip>
+#include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace qv5123 {
 namespace {
@@ -16,8 +19,14 @@ constexpr double kTextSize = 11;
 /// How near to a patch's middle the mouse names it.
 constexpr double kReach = 6;
 
-// Everything drawn, the white frame and the black axes alike, has to stand out from it.
+// All patches, white and black ones alike, have to stand out from it.
 constexpr QRgb kBackground = qRgb(0xC4, 0xC4, 0xC4);
+constexpr QRgb kDarkBackground = qRgb(0x48, 0x48, 0x48);
+/// From tick to tick of the axes, in Cb/Y and Cr/Y.
+constexpr double kTick = 0.25;
+constexpr double kArrow = 7;
+/// Where a patch beyond the frame is told of, from the middle.
+constexpr double kEdge = kAwbChartHalf - kArrow;
 
 QColor colour_of(ChartPen pen) {
   switch (pen) {
@@ -50,6 +59,10 @@ QString patch_text(const ChartPatch& patch, const PatchColour& measured) {
       .arg(-patch.centre.y / kAwbChartScale, 0, 'f', 3);
 }
 
+QRectF frame_rect() {
+  return {-kAwbChartHalf, -kAwbChartHalf, 2 * kAwbChartHalf, 2 * kAwbChartHalf};
+}
+
 /// The letter of a line that begins outside the frame stays readable at its edge.
 ChartPoint inside_frame(ChartPoint at) {
   at.x = std::clamp(at.x, -kAwbChartHalf, kAwbChartHalf - kTextSize);
@@ -61,6 +74,12 @@ ChartPoint inside_frame(ChartPoint at) {
 
 AwbChartView::AwbChartView(QWidget* parent) : QWidget(parent) {
   setAccessibleName("White detection chart");
+  add_chart_menu(
+      this, [this] { return numbers(); },
+      [this] {
+        zoom_.reset();
+        update();
+      });
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   show_values(AwbValues{});
 }
@@ -73,9 +92,45 @@ void AwbChartView::show_values(const AwbValues& values) {
   update();
 }
 
-QTransform AwbChartView::transform() const {
+QTransform AwbChartView::whole() const {
   const double scale = std::min(width(), height()) / kSide;
   return QTransform::fromTranslate(width() / 2.0, height() / 2.0).scale(scale, scale);
+}
+
+QTransform AwbChartView::transform() const {
+  return zoom_.transform(frame_rect()) * whole();
+}
+
+QPointF AwbChartView::shown_place(const ChartPatch& patch) const {
+  const QPointF at = zoom_.transform(frame_rect()).map(qt_point(patch.centre));
+  const double beyond = std::max(std::abs(at.x()), std::abs(at.y())) / kEdge;
+  return beyond > 1 ? at / beyond : at;
+}
+
+QColor AwbChartView::text_colour() const {
+  return chart_colours(palette()).plot.lightness() < 128 ? Qt::white : Qt::black;
+}
+
+QString AwbChartView::numbers() const {
+  QString text = "Line\tSlope\tIntercept\n";
+  for (const AwbRow& row : kAwbRows) {
+    text += row.name;
+    for (std::size_t i = 0; i < row.word_count; ++i)
+      text += QString("\t%1").arg(values_.words[row.first_word + i]);
+    text += '\n';
+  }
+  text += "Patch\tR\tG\tB\tCb/Y\tCr/Y\n";
+  for (const ChartPatch& patch : patches_) {
+    const PatchColour& measured = values_.patches[patch.row];
+    text += QString("%1\t%2\t%3\t%4\t%5\t%6\n")
+                .arg(kAwbPatches[patch.row].caption)
+                .arg(measured.r)
+                .arg(measured.g)
+                .arg(measured.b)
+                .arg(patch.centre.x / kAwbChartScale, 0, 'f', 3)
+                .arg(-patch.centre.y / kAwbChartScale, 0, 'f', 3);
+  }
+  return text;
 }
 
 QPointF AwbChartView::to_widget(ChartPoint point) const {
@@ -83,11 +138,12 @@ QPointF AwbChartView::to_widget(ChartPoint point) const {
 }
 
 QString AwbChartView::text_at(QPointF point) const {
-  const QPointF at = transform().inverted().map(point);
+  const QPointF at = whole().inverted().map(point);
   const ChartPatch* nearest = nullptr;
   double least = kReach;
   for (const ChartPatch& patch : patches_) {
-    const double distance = std::hypot(patch.centre.x - at.x(), patch.centre.y - at.y());
+    const QPointF place = shown_place(patch);
+    const double distance = std::hypot(place.x() - at.x(), place.y() - at.y());
     if (distance > least) continue;
     least = distance;
     nearest = &patch;
@@ -102,46 +158,116 @@ bool AwbChartView::event(QEvent* event) {
   return true;
 }
 
+void AwbChartView::wheelEvent(QWheelEvent* event) {
+  if (zoom_.turn(*event, whole().mapRect(frame_rect()))) update();
+}
+
+void AwbChartView::mousePressEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton && legend_.click(whole().inverted().map(event->position()))) update();
+}
+
 void AwbChartView::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setTransform(transform());
+  painter.setTransform(whole());
   const QRectF area(-kSide / 2, -kSide / 2, kSide, kSide);
   painter.setClipRect(area);
-  painter.fillRect(area, QColor(kBackground));
+  painter.fillRect(area, QColor(text_colour() == Qt::white ? kDarkBackground : kBackground));
   QFont text = font();
   text.setPixelSize(static_cast<int>(kTextSize));
   painter.setFont(text);
   paint_frame(painter);
+  paint_scale(painter);
+  painter.save();
+  painter.setClipRect(frame_rect());
   paint_lines(painter);
   paint_patches(painter);
+  painter.restore();
+  paint_legend(painter);
 }
 
 void AwbChartView::paint_frame(QPainter& painter) const {
   painter.setPen(QPen(Qt::white, 1));
-  painter.drawRect(QRectF(-kAwbChartHalf, -kAwbChartHalf, 2 * kAwbChartHalf, 2 * kAwbChartHalf));
-  painter.setPen(Qt::black);
+  painter.drawRect(frame_rect());
+  const QPointF origin = zoom_.transform(frame_rect()).map(QPointF());
+  painter.save();
+  painter.setClipRect(frame_rect());
+  painter.setPen(QPen(text_colour(), 2));
+  painter.drawLine(QPointF(-kAwbChartHalf, origin.y()), QPointF(kAwbChartHalf, origin.y()));
+  painter.drawLine(QPointF(origin.x(), -kAwbChartHalf), QPointF(origin.x(), kAwbChartHalf));
+  painter.restore();
+  painter.setPen(text_colour());
   for (const ChartText& text : kAwbChartTexts) draw_text(painter, text.at, text.text);
-  painter.setPen(QPen(Qt::black, 2));
-  painter.drawLine(QPointF(-kAwbChartHalf, 0), QPointF(kAwbChartHalf, 0));
-  painter.drawLine(QPointF(0, -kAwbChartHalf), QPointF(0, kAwbChartHalf));
+}
+
+/// Along the left and the lower edge, where they stay while a part is enlarged.
+void AwbChartView::paint_scale(QPainter& painter) const {
+  const QTransform zoomed = zoom_.transform(frame_rect());
+  const double step = kTick / std::exp2(std::floor(std::log2(zoom_.factor())));
+  const int decimals = step < kTick ? 4 : 2;
+  painter.setPen(text_colour());
+  const int ticks = static_cast<int>(std::lround(1 / step));
+  for (int tick = -ticks; tick <= ticks; ++tick) {
+    const double value = tick * step;
+    const QPointF at = zoomed.map(QPointF(value, -value) * kAwbChartScale);
+    const QString text = QString::number(value, 'f', decimals);
+    if (std::abs(at.x()) < kEdge) {
+      painter.drawLine(QPointF(at.x(), kAwbChartHalf - 4), QPointF(at.x(), kAwbChartHalf));
+      painter.drawText(QRectF(at.x() - 30, kAwbChartHalf - 4 - 2 * kTextSize, 60, 2 * kTextSize),
+                       Qt::AlignHCenter | Qt::AlignBottom, text);
+    }
+    if (std::abs(at.y()) < kEdge) {
+      painter.drawLine(QPointF(-kAwbChartHalf, at.y()), QPointF(4 - kAwbChartHalf, at.y()));
+      painter.drawText(QRectF(7 - kAwbChartHalf, at.y() - kTextSize, 60, 2 * kTextSize),
+                       Qt::AlignLeft | Qt::AlignVCenter, text);
+    }
+  }
 }
 
 void AwbChartView::paint_lines(QPainter& painter) const {
-  for (const ChartLine& line : lines_) {
+  const QTransform zoomed = zoom_.transform(frame_rect());
+  for (std::size_t i = 0; i < lines_.size(); ++i) {
+    if (!legend_.shows(i)) continue;
+    const ChartLine& line = lines_[i];
     painter.setPen(QPen(colour_of(line.pen), 2));
-    painter.drawLine(qt_point(line.from), qt_point(line.to));
-    painter.setPen(Qt::black);
-    draw_text(painter, inside_frame(line.letter), QString(QLatin1Char(line.name)));
+    painter.drawLine(zoomed.map(qt_point(line.from)), zoomed.map(qt_point(line.to)));
+    const QPointF letter = zoomed.map(qt_point(line.letter));
+    painter.setPen(text_colour());
+    draw_text(painter, inside_frame({letter.x(), letter.y()}), QString(QLatin1Char(line.name)));
   }
 }
 
 void AwbChartView::paint_patches(QPainter& painter) const {
+  if (!legend_.shows(lines_.size())) return;
+  const QTransform zoomed = zoom_.transform(frame_rect());
   for (const ChartPatch& patch : patches_) {
-    const QPointF corner = qt_point(patch.centre) - QPointF(patch.side / 2, patch.side / 2);
-    painter.fillRect(QRectF(corner, QSizeF(patch.side, patch.side)),
-                     QColor(patch.colour.r, patch.colour.g, patch.colour.b));
+    const QPointF at = zoomed.map(qt_point(patch.centre));
+    if (!frame_rect().contains(at)) {
+      paint_arrow(painter, patch);
+      continue;
+    }
+    const QRectF square(at - QPointF(patch.side / 2, patch.side / 2), QSizeF(patch.side, patch.side));
+    painter.fillRect(square, QColor(patch.colour.r, patch.colour.g, patch.colour.b));
   }
+}
+
+void AwbChartView::paint_arrow(QPainter& painter, const ChartPatch& patch) const {
+  const QPointF at = shown_place(patch);
+  painter.save();
+  painter.translate(at);
+  painter.rotate(std::atan2(at.y(), at.x()) * 180 / std::numbers::pi);
+  painter.setPen(QPen(text_colour(), 1));
+  painter.setBrush(QColor(patch.colour.r, patch.colour.g, patch.colour.b));
+  painter.drawPolygon(QPolygonF{{{kArrow, 0}, {-kArrow, -kArrow}, {-kArrow, kArrow}}});
+  painter.restore();
+}
+
+void AwbChartView::paint_legend(QPainter& painter) {
+  std::vector<ChartLegend::Entry> entries;
+  for (const ChartLine& line : lines_)
+    entries.push_back({QString(QLatin1Char(line.name)), colour_of(line.pen)});
+  entries.push_back({"Patches", text_colour()});
+  legend_.paint(painter, frame_rect().adjusted(4, 2, -4, 0), entries);
 }
 
 }  // namespace qv5123

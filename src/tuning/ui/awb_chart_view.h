@@ -8,12 +8,13 @@
 #include <vector>
 
 #include "tuning/awb_chart.h"
+#include "tuning/ui/chart_tools.h"
 
 namespace qv5123 {
 
 /// The white-detection chart: the lines A to F and the measured patches in the Cb/Y-Cr/Y plane. It grows with
-/// the page and keeps its proportions. Its colours are part of what it says, so they are the same in every
-/// palette.
+/// the page and keeps its proportions. The wheel enlarges a part; a click on a line's name hides it. An arrow
+/// at the edge tells of a patch beyond it.
 class AwbChartView : public QWidget {
   Q_OBJECT
 
@@ -26,6 +27,8 @@ class AwbChartView : public QWidget {
   QString text_at(QPointF point) const;
   /// Where a point of the chart, origin in the middle, stands in the widget.
   QPointF to_widget(ChartPoint point) const;
+  /// The lines' values and the patches' places.
+  QString numbers() const;
 
   QSize sizeHint() const override { return {430, 430}; }
   QSize minimumSizeHint() const override { return {260, 260}; }
@@ -33,16 +36,26 @@ class AwbChartView : public QWidget {
  protected:
   void paintEvent(QPaintEvent* event) override;
   bool event(QEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
 
  private:
   QTransform transform() const;
+  QTransform whole() const;
+  QPointF shown_place(const ChartPatch& patch) const;
   void paint_frame(QPainter& painter) const;
+  void paint_scale(QPainter& painter) const;
   void paint_lines(QPainter& painter) const;
   void paint_patches(QPainter& painter) const;
+  void paint_arrow(QPainter& painter, const ChartPatch& patch) const;
+  void paint_legend(QPainter& painter);
+  QColor text_colour() const;
 
   AwbValues values_;
   std::array<ChartLine, 6> lines_;
   std::vector<ChartPatch> patches_;
+  ChartZoom zoom_;
+  ChartLegend legend_;
 };
 
 }  // namespace qv5123

@@ -7,6 +7,8 @@
 
 #include <utility>
 
+#include "base/ui/page_marks.h"
+
 namespace qv5123 {
 namespace {
 
@@ -95,8 +97,8 @@ QWidget* CDlgIspGammaRgb::make_channel_row() {
     add_channel(row, channel);
   on_choice(channels_, [this](int channel) { desk_.choose_channel(static_cast<GammaChannel>(channel)); });
   row->addStretch(1);
-  row->addWidget(
-      make_check("More", "More", "Shows the front gamma controls", [this](bool on) { show_more(on); }));
+  row->addWidget(keep_choice(
+      make_check("More", "More", "Shows the front gamma controls", [this](bool on) { show_more(on); })));
   row->addWidget(make_button("Apply", {}, "Sends the selected curves point by point, " + end_registers(),
                              [this] { desk_.apply(); }));
   return widget;
@@ -202,7 +204,15 @@ void CDlgIspGammaRgb::show_more(bool more) {
 void CDlgIspGammaRgb::show_values() {
   show_choice(channels_, static_cast<int>(desk_.values().channel));
   edits_.show();
+  show_file();
   chart_->refresh();
+}
+
+void CDlgIspGammaRgb::show_file() {
+  const UserDataImage& image = host().document().user_data;
+  std::optional<GammaValues> file;
+  if (image.loaded()) load_page<GammaPage>(file.emplace(), image);
+  chart_->show_file(std::move(file));
 }
 
 void CDlgIspGammaRgb::show_moved(const GammaHit& points) {

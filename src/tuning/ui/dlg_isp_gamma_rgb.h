@@ -38,6 +38,7 @@ class CDlgIspGammaRgb : public TuningDialog, private GammaDesk::View {
   void take_typed() override { take_typed_text(this); }
   void show_values() override;
   void show_marks(const std::vector<ValueMark>& marks) override { edits_.show_marks(marks); }
+  void show_file();
   void show_moved(const GammaHit& points) override;
   void add_message(const std::string& text) override;
 

@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QWheelEvent>
 
 #include <algorithm>
 #include <cmath>
@@ -18,10 +19,10 @@ constexpr int kLabelSize = 8;
 constexpr int kReadoutSize = 11;
 constexpr int kPageStep = 16;
 
-QColor colour_of(GammaCurveId id) {
-  constexpr Qt::GlobalColor kColours[] = {Qt::red, Qt::green, Qt::blue, Qt::black};
-  return kColours[static_cast<std::size_t>(id)];
-}
+/// Of the scale on the left, as long as the whole plot is shown.
+constexpr int kScaleStep = 128;
+constexpr int kTitleSize = 10;
+constexpr double kFileOpacity = 0.5;
 
 QRectF rect_of(const ChartBox& box) {
   return {QPointF(box.left, box.top), QPointF(box.right, box.bottom)};
@@ -36,13 +37,18 @@ QFont sized(QFont font, int pixels) {
   return font;
 }
 
+QRectF plot_rect() {
+  return rect_of(kGammaPlot);
+}
+
 /// Where the label of each position stands: below it, or as far to the right as the one before demands.
-GammaCurve label_places() {
-  GammaCurve places{};
+std::vector<int> label_places(const QTransform& zoomed) {
+  std::vector<int> places;
   int next = 0;
-  for (std::size_t i = 0; i < kGammaPoints; ++i) {
-    places[i] = std::max(gamma_pixel(kGammaPositions[i], 0).x, next);
-    next = places[i] + kLabelSize;
+  for (const int position : kGammaPositions) {
+    const double x = zoomed.map(point_of(gamma_pixel(position, 0))).x();
+    places.push_back(x < kGammaPlot.left ? saturate_to_int(x) : std::max(saturate_to_int(x), next));
+    if (x >= kGammaPlot.left) next = places.back() + kLabelSize;
   }
   return places;
 }
@@ -51,10 +57,14 @@ GammaCurve label_places() {
 
 GammaChartView::GammaChartView(const GammaValues& values) : values_(values) {
   setAccessibleName("Gamma curves");
-  setToolTip("Drag the points, or choose one with the left and right keys and move it with up and down");
+  setToolTip(
+      "Drag the points, or choose one with the left and right keys and move it with up and down. The wheel "
+      "enlarges, 0 shows all again, a click on a name hides its curve, Ctrl+C copies.");
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+  add_chart_menu(
+      this, [this] { return numbers(); }, [this] { show_all(); });
 }
 
 bool GammaChartView::event(QEvent* event) {
@@ -74,13 +84,67 @@ QTransform GammaChartView::transform() const {
   return transform.translate(-frame.center().x(), -frame.center().y());
 }
 
+QTransform GammaChartView::zoomed() const {
+  return zoom_.transform(plot_rect());
+}
+
 QPointF GammaChartView::to_widget(ChartPixel pixel) const {
-  return transform().map(point_of(pixel));
+  return transform().map(zoomed().map(point_of(pixel)));
 }
 
 ChartPixel GammaChartView::to_chart(QPointF point) const {
-  const QPointF at = transform().inverted().map(point);
+  const QPointF at = zoomed().inverted().map(transform().inverted().map(point));
   return {saturate_to_int(std::round(at.x())), saturate_to_int(std::round(at.y()))};
+}
+
+std::optional<GammaHit> GammaChartView::hit_at(QPointF point) const {
+  std::optional<GammaHit> hit = nearest_gamma_point(values_, to_chart(point));
+  if (!hit) return hit;
+  std::erase_if(hit->curves, [this](GammaCurveId id) { return !shows(id); });
+  return hit->curves.empty() ? std::nullopt : hit;
+}
+
+void GammaChartView::show_all() {
+  zoom_.reset();
+  background_ = {};
+  update();
+}
+
+void GammaChartView::show_file(std::optional<GammaValues> file) {
+  file_ = std::move(file);
+  update();
+}
+
+std::vector<GammaCurveId> GammaChartView::curves() const {
+  std::vector<GammaCurveId> ids = selected_curves(values_.channel);
+  if (std::find(ids.begin(), ids.end(), GammaCurveId::front) == ids.end()) ids.push_back(GammaCurveId::front);
+  return ids;
+}
+
+bool GammaChartView::shows(GammaCurveId id) const {
+  return legend_.shows(static_cast<std::size_t>(id));
+}
+
+QRectF GammaChartView::legend_place(GammaCurveId id) const {
+  return transform().mapRect(legend_.place(static_cast<std::size_t>(id)));
+}
+
+QColor GammaChartView::colour_of(GammaCurveId id) const {
+  const ChartColours colours = chart_colours(palette());
+  if (id == GammaCurveId::front) return colours.text;
+  constexpr Qt::GlobalColor kColours[] = {Qt::red, Qt::green, Qt::blue};
+  return readable_on(colours.plot, kColours[static_cast<std::size_t>(id)]);
+}
+
+QString GammaChartView::numbers() const {
+  QString text = "Input";
+  for (const GammaCurveId id : curves())
+    text += QString("\t%1").arg(kGammaCurveNames[static_cast<std::size_t>(id)]);
+  for (std::size_t i = 0; i < kGammaPoints; ++i) {
+    text += QString("\n%1").arg(kGammaPositions[i]);
+    for (const GammaCurveId id : curves()) text += QString("\t%1").arg(values_.curve(id)[i]);
+  }
+  return text + "\n";
 }
 
 QString GammaChartView::readout() const {
@@ -88,9 +152,10 @@ QString GammaChartView::readout() const {
   if (!hit) return {};
   QString text = QString("Point %1 at %2:").arg(hit->point + 1).arg(kGammaPositions[hit->point]);
   for (GammaCurveId id : hit->curves) {
-    text += QString("  %1 = %2")
+    text += QString("  %1 = %2, slope %3")
                 .arg(kGammaCurveNames[static_cast<std::size_t>(id)])
-                .arg(values_.curve(id)[hit->point]);
+                .arg(values_.curve(id)[hit->point])
+                .arg(gamma_slope(values_.curve(id), hit->point), 0, 'f', 2);
   }
   return text;
 }
@@ -116,16 +181,16 @@ void GammaChartView::hover(std::optional<GammaHit> hit) {
 
 void GammaChartView::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton) return;
-  chosen_ = nearest_gamma_point(values_, to_chart(event->position()));
+  if (legend_.click(transform().inverted().map(event->position()))) return update();
+  chosen_ = hit_at(event->position());
   hovered_.reset();
   dragging_ = chosen_.has_value();
   refresh();
 }
 
 void GammaChartView::mouseMoveEvent(QMouseEvent* event) {
-  const ChartPixel at = to_chart(event->position());
-  if (!dragging_ || !chosen_) return hover(nearest_gamma_point(values_, at));
-  emit point_dragged(*chosen_, gamma_value_at(at.y));
+  if (!dragging_ || !chosen_) return hover(hit_at(event->position()));
+  emit point_dragged(*chosen_, gamma_value_at(to_chart(event->position()).y));
 }
 
 void GammaChartView::mouseReleaseEvent(QMouseEvent* event) {
@@ -171,65 +236,84 @@ void GammaChartView::keyPressEvent(QKeyEvent* event) {
   }
 }
 
+void GammaChartView::wheelEvent(QWheelEvent* event) {
+  if (!zoom_.turn(*event, transform().mapRect(plot_rect()))) return;
+  background_ = {};
+  update();
+}
+
+void GammaChartView::changeEvent(QEvent* event) {
+  background_ = {};
+  QWidget::changeEvent(event);
+}
+
 void GammaChartView::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   paint_background(painter);
   painter.setTransform(transform());
   painter.setRenderHint(QPainter::Antialiasing);
-  paint_curve(painter, GammaCurveId::front);
-  for (GammaCurveId id : selected_curves(values_.channel)) {
-    if (id != GammaCurveId::front) paint_curve(painter, id);
-  }
-  paint_chosen(painter);
+  painter.save();
+  // Half a mark lies beyond the plot's edge.
+  const int mark = 2 * kGammaMarkRadius;
+  painter.setClipRect(plot_rect().adjusted(-mark, -mark, mark, mark));
+  paint_curves(painter);
+  painter.restore();
+  paint_legend(painter);
+  paint_readout(painter);
   if (hasFocus()) paint_focus(painter);
 }
 
 /// It stays while the points move, and takes longer to paint than they do.
 void GammaChartView::paint_background(QPainter& painter) {
   const QSize pixels = size() * devicePixelRatio();
-  if (background_.size() != pixels || background_font_ != font()) {
+  if (background_.size() != pixels) {
     background_ = QPixmap(pixels);
     background_.setDevicePixelRatio(devicePixelRatio());
     background_.fill(Qt::transparent);
-    background_font_ = font();
     QPainter behind(&background_);
     behind.setTransform(transform());
     paint_frame(behind);
     paint_grid(behind);
     paint_labels(behind);
+    paint_scale(behind);
+    paint_titles(behind);
   }
   painter.drawPixmap(0, 0, background_);
 }
 
 void GammaChartView::paint_frame(QPainter& painter) const {
+  const ChartColours colours = chart_colours(palette());
   const QRectF frame = rect_of(kGammaFrame);
-  painter.fillRect(frame, QColor(0xFA, 0xFA, 0xFA));
-  painter.fillRect(rect_of(kGammaPlot), Qt::white);
-  painter.setPen(QPen(Qt::darkGray, 1));
+  painter.fillRect(frame, colours.paper);
+  painter.fillRect(plot_rect(), colours.plot);
+  painter.setPen(QPen(colours.grid, 1));
   painter.drawRect(frame);
-  painter.setPen(QPen(Qt::white, 1));
-  painter.drawRect(frame.adjusted(1, 1, -1, -1));
-  painter.setPen(QPen(Qt::gray, 1));
-  painter.drawRect(rect_of(kGammaPlot));
+  painter.drawRect(plot_rect());
 }
 
 void GammaChartView::paint_grid(QPainter& painter) const {
-  painter.setPen(QPen(QColor(kGammaGridColour), 1, Qt::DotLine));
+  painter.save();
+  painter.setClipRect(plot_rect());
+  painter.setPen(QPen(readable_on(chart_colours(palette()).plot, QColor(kGammaGridColour)), 1, Qt::DotLine));
   for (int position : kGammaPositions) {
-    const int x = gamma_pixel(position, 0).x;
-    painter.drawLine(x, kGammaPlot.bottom, x, kGammaPlot.top);
+    const double x = zoomed().map(point_of(gamma_pixel(position, 0))).x();
+    painter.drawLine(QPointF(x, kGammaPlot.bottom), QPointF(x, kGammaPlot.top));
   }
+  painter.restore();
 }
 
 void GammaChartView::paint_labels(QPainter& painter) const {
+  const ChartColours colours = chart_colours(palette());
   painter.setFont(sized(font(), kLabelSize));
-  const GammaCurve places = label_places();
+  const std::vector<int> places = label_places(zoomed());
   // Short of the frame also where a small font is drawn wider than it measures.
   constexpr double room = kGammaFrame.bottom - kGammaLabelY - 5;
   for (std::size_t i = 0; i < kGammaPoints; ++i) {
+    const double x = zoomed().map(point_of(gamma_pixel(kGammaPositions[i], 0))).x();
+    if (x < kGammaPlot.left || places[i] > kGammaPlot.right + kLabelSize) continue;
     painter.setPen(QPen(Qt::gray, 0));
-    painter.drawLine(gamma_pixel(kGammaPositions[i], 0).x, kGammaPlot.bottom, places[i], kGammaLabelY - 1);
-    painter.setPen(Qt::black);
+    painter.drawLine(QPointF(x, kGammaPlot.bottom), QPointF(places[i], kGammaLabelY - 1));
+    painter.setPen(colours.text);
     painter.save();
     painter.translate(places[i], kGammaLabelY);
     painter.rotate(90);
@@ -243,36 +327,99 @@ void GammaChartView::paint_labels(QPainter& painter) const {
   }
 }
 
+void GammaChartView::paint_scale(QPainter& painter) const {
+  const ChartColours colours = chart_colours(palette());
+  painter.setFont(sized(font(), kLabelSize));
+  painter.setPen(colours.text);
+  const int step = std::max(1, kScaleStep >> static_cast<int>(std::log2(zoom_.factor())));
+  for (int value = 0; value <= kGammaMaximum + 1; value += step) {
+    const int shown = std::min(value, kGammaMaximum);
+    const double y = zoomed().map(point_of(gamma_pixel(0, shown))).y();
+    if (y < kGammaPlot.top - 1 || y > kGammaPlot.bottom) continue;
+    painter.drawLine(QPointF(kGammaPlot.left - 3, y), QPointF(kGammaPlot.left, y));
+    const QRectF room(kGammaFrame.left + 1, y - kLabelSize, kGammaPlot.left - kGammaFrame.left - 5,
+                      2 * kLabelSize);
+    painter.drawText(room, Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip, QString::number(shown));
+  }
+}
+
+void GammaChartView::paint_titles(QPainter& painter) const {
+  painter.setFont(sized(font(), kTitleSize));
+  painter.setPen(chart_colours(palette()).text);
+  const QRectF inside = plot_rect().adjusted(5, 3, -5, -3);
+  painter.drawText(inside, Qt::AlignLeft | Qt::AlignTop, "Output, 0..1023");
+  painter.drawText(inside, Qt::AlignRight | Qt::AlignBottom, "Input, 0..1023");
+}
+
+void GammaChartView::paint_curves(QPainter& painter) {
+  painter.setTransform(zoomed() * transform());
+  const std::vector<GammaCurveId> ids = curves();
+  // The front curve is behind the others.
+  for (auto id = ids.rbegin(); id != ids.rend(); ++id) {
+    if (!shows(*id)) continue;
+    if (file_) paint_file_curve(painter, *id);
+    paint_curve(painter, *id);
+  }
+  paint_chosen(painter);
+}
+
 void GammaChartView::paint_curve(QPainter& painter, GammaCurveId id) const {
+  const double point = 1 / zoom_.factor();
   QPolygonF line;
   for (ChartPixel pixel : gamma_polyline(values_.curve(id))) line << point_of(pixel);
   painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(colour_of(id), 2));
+  painter.setPen(QPen(colour_of(id), 2 * point));
   painter.drawPolyline(line);
-  painter.setPen(QPen(colour_of(id), 1));
+  painter.setPen(QPen(colour_of(id), point));
   // The line starts at the plot's corner, which is no point of the curve.
   for (qsizetype i = 1; i < line.size(); ++i)
-    painter.drawEllipse(line[i], kGammaMarkRadius, kGammaMarkRadius);
+    painter.drawEllipse(line[i], kGammaMarkRadius * point, kGammaMarkRadius * point);
+}
+
+void GammaChartView::paint_file_curve(QPainter& painter, GammaCurveId id) const {
+  if (file_->curve(id) == values_.curve(id)) return;
+  QPolygonF line;
+  for (ChartPixel pixel : gamma_polyline(file_->curve(id))) line << point_of(pixel);
+  painter.save();
+  painter.setOpacity(kFileOpacity);
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(colour_of(id), 2 / zoom_.factor(), Qt::DashLine));
+  painter.drawPolyline(line);
+  painter.restore();
+}
+
+void GammaChartView::paint_legend(QPainter& painter) {
+  std::vector<ChartLegend::Entry> entries(4);
+  for (const GammaCurveId id : curves()) {
+    const auto at = static_cast<std::size_t>(id);
+    entries[at] = {kGammaCurveNames[at], colour_of(id)};
+  }
+  painter.setFont(sized(font(), kReadoutSize));
+  legend_.paint(painter, rect_of(kGammaFrame).adjusted(25, 4, -25, 0), entries);
 }
 
 void GammaChartView::paint_focus(QPainter& painter) const {
   painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(Qt::black, 1, Qt::DashLine));
+  painter.setPen(QPen(chart_colours(palette()).text, 1, Qt::DashLine));
   painter.drawRect(rect_of(kGammaFrame).adjusted(3, 3, -3, -3));
 }
 
 void GammaChartView::paint_chosen(QPainter& painter) const {
+  const double point = 1 / zoom_.factor();
   painter.setBrush(Qt::NoBrush);
   for (const std::optional<GammaHit>& hit : {chosen_, hovered_}) {
     if (!hit) continue;
-    painter.setPen(QPen(Qt::black, hit == chosen_ ? 2 : 1));
+    painter.setPen(QPen(chart_colours(palette()).text, (hit == chosen_ ? 2 : 1) * point));
     for (GammaCurveId id : hit->curves) {
       const ChartPixel pixel = gamma_pixel(kGammaPositions[hit->point], values_.curve(id)[hit->point]);
-      painter.drawEllipse(point_of(pixel), 2 * kGammaMarkRadius, 2 * kGammaMarkRadius);
+      painter.drawEllipse(point_of(pixel), 2 * kGammaMarkRadius * point, 2 * kGammaMarkRadius * point);
     }
   }
+}
+
+void GammaChartView::paint_readout(QPainter& painter) const {
   painter.setFont(sized(font(), kReadoutSize));
-  painter.setPen(Qt::black);
+  painter.setPen(chart_colours(palette()).text);
   painter.drawText(rect_of(kGammaFrame).adjusted(25, 4, -25, 0), Qt::AlignLeft | Qt::AlignTop, readout());
 }
 

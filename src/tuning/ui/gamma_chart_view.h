@@ -8,13 +8,14 @@
 #include <optional>
 
 #include "tuning/gamma_chart.h"
+#include "tuning/ui/chart_tools.h"
 
 namespace qv5123 {
 
 /// The gamma curves of the current selection over the front curve, the points draggable with the mouse. The
 /// left and right keys choose a point, up and down move it, by 1 or with page up and page down by 16; while
-/// none is chosen any of them chooses the first. It
-/// grows with the page and keeps its proportions; its colours are the same in every palette.
+/// none is chosen any of them chooses the first. The wheel enlarges a part. A click on a curve's name hides
+/// it. The chart grows with the page and keeps its proportions.
 ///
 /// The view shows the page's own values and changes nothing in them: it tells what the user wants moved.
 class GammaChartView : public QWidget {
@@ -26,11 +27,19 @@ class GammaChartView : public QWidget {
 
   /// To be called after any change of the values.
   void refresh();
+  /// The curves of the user data, to be drawn behind the page's own; nothing while there are none.
+  void show_file(std::optional<GammaValues> file);
 
   /// Where a pixel of the chart stands in the widget.
   QPointF to_widget(ChartPixel pixel) const;
   /// The points under the mouse or selected by key, with their values; empty when there are none.
   QString readout() const;
+  /// The curves' points, a line for each position.
+  QString numbers() const;
+  /// Whether the curve is among those drawn.
+  bool shows(GammaCurveId id) const;
+  /// Where the curve's name stands in the widget; empty where it is not drawn.
+  QRectF legend_place(GammaCurveId id) const;
 
   QSize sizeHint() const override { return {580, 580}; }
   QSize minimumSizeHint() const override { return {400, 400}; }
@@ -51,17 +60,30 @@ class GammaChartView : public QWidget {
   void mouseReleaseEvent(QMouseEvent* event) override;
   void leaveEvent(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
   QTransform transform() const;
+  QTransform zoomed() const;
   ChartPixel to_chart(QPointF point) const;
+  std::optional<GammaHit> hit_at(QPointF point) const;
+  void show_all();
+  std::vector<GammaCurveId> curves() const;
   void hover(std::optional<GammaHit> hit);
   void choose_neighbour(int step);
   void paint_background(QPainter& painter);
   void paint_frame(QPainter& painter) const;
   void paint_grid(QPainter& painter) const;
   void paint_labels(QPainter& painter) const;
+  void paint_scale(QPainter& painter) const;
+  void paint_titles(QPainter& painter) const;
+  void paint_curves(QPainter& painter);
   void paint_curve(QPainter& painter, GammaCurveId id) const;
+  void paint_file_curve(QPainter& painter, GammaCurveId id) const;
+  void paint_legend(QPainter& painter);
+  void paint_readout(QPainter& painter) const;
+  QColor colour_of(GammaCurveId id) const;
   void paint_chosen(QPainter& painter) const;
   void paint_focus(QPainter& painter) const;
 
@@ -69,9 +91,11 @@ class GammaChartView : public QWidget {
   std::optional<GammaHit> hovered_;
   std::optional<GammaHit> chosen_;
   bool dragging_ = false;
-  /// What stands behind the curves, as it was last painted, and its font.
+  std::optional<GammaValues> file_;
+  ChartZoom zoom_;
+  ChartLegend legend_;
+  /// What stands behind the curves, as it was last painted; null where it is to be painted anew.
   QPixmap background_;
-  QFont background_font_;
 };
 
 }  // namespace qv5123

@@ -57,9 +57,11 @@ TEST_F(AwbPage, TheChartFollowsTheEditsAndNamesItsPatches) {
   user_.type("Green R", 300);
   const auto place = chroma_over_luma({255, 0, 0});
   const auto& chart = *page_.findChild<AwbChartView*>();
-  const QPointF at = chart.to_widget({200 * place->x, -200 * place->y});
+  // The patch is beyond the frame's upper edge, where an arrow stands for it.
+  const QPointF at = chart.to_widget({193 * place->x / place->y, -193});
   EXPECT_EQ(chart.text_at(at), "Green: R 300, G 0, B 0\nCb/Y = -0.566, Cr/Y = 1.684");
   EXPECT_EQ(chart.text_at(at + QPointF(40, 0)), "");
+  EXPECT_TRUE(chart.numbers().contains("Green\t300\t0\t0\t-0.566\t1.684\n"));
 }
 
 }  // namespace

@@ -75,12 +75,32 @@ TEST_F(GammaPage, DraggingAndKeysMovePoints) {
   EXPECT_EQ(point(14, "G")->value(), 500) << "let go";
 
   auto* chart = user_.find<GammaChartView>("Gamma curves");
-  EXPECT_EQ(chart->readout(), "Point 14 at 256:  G = 500");
+  EXPECT_EQ(chart->readout(), "Point 14 at 256:  G = 500, slope 0.00") << "between its neighbours, both 0";
   key(Qt::Key_Right);
   key(Qt::Key_Up);
   EXPECT_EQ(point(15, "G")->value(), 1);
-  EXPECT_EQ(chart->readout(), "Point 15 at 320:  G = 1");
+  EXPECT_EQ(chart->readout(), "Point 15 at 320:  G = 1, slope -3.91");
   EXPECT_TRUE(fake_.sender.writes.empty()) << "nothing is sent before Apply";
+}
+
+TEST_F(GammaPage, TheChartEnlargesHidesCurvesAndIsCopied) {
+  auto* chart = user_.find<GammaChartView>("Gamma curves");
+  chart->resize(600, 600);
+  const QPointF at = chart->to_widget(gamma_pixel(256, 0));
+  QWheelEvent wheel(at, chart->mapToGlobal(at), {}, {0, 240}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                    false);
+  QApplication::sendEvent(chart, &wheel);
+  EXPECT_NEAR(chart->to_widget(gamma_pixel(256, 0)).x(), at.x(), 1) << "what is under the mouse stays there";
+  EXPECT_GT(chart->to_widget(gamma_pixel(512, 0)).x() - at.x(), 190);
+  chart->actions().last()->trigger();
+  EXPECT_EQ(chart->to_widget(gamma_pixel(256, 0)), at) << "all of it is shown again";
+  user_.click("Channel RGB");
+  chart->grab();
+  const QPointF name = chart->legend_place(GammaCurveId::green).center();
+  test::mouse(chart, QEvent::MouseButtonPress, name);
+  EXPECT_FALSE(chart->shows(GammaCurveId::green));
+  EXPECT_TRUE(chart->shows(GammaCurveId::red));
+  EXPECT_TRUE(chart->numbers().startsWith("Input\tR\tG\tB\tFront"));
 }
 
 TEST_F(GammaPage, AnyArrowChoosesAPointWhereNoneIsChosen) {
