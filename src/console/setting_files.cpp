@@ -104,6 +104,11 @@ Task<bool> SettingFiles::write_user_data_file() {
   co_return co_await write_to(document_.setting_file, document_.user_data);
 }
 
+Task<> SettingFiles::save_again() {
+  for (Page* page : surroundings_.pages()) page->save_to_user_data();
+  co_await write_user_data_file();
+}
+
 Task<bool> SettingFiles::save_everything() {
   for (Page* page : surroundings_.pages()) page->save_to_user_data();
   if (Page* editor = surroundings_.font_editor()) editor->save_to_user_data();

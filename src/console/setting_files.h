@@ -62,6 +62,8 @@ class SettingFiles {
   /// "Save File...": every page's values into the image, the remembered file where a page's save includes it,
   /// then the file that the user chooses. It is remembered only where none was.
   Task<> save();
+  /// Every page's values into the image, then write_user_data_file(): "Save File..." without the chooser.
+  Task<> save_again();
   /// WriteUserDataFile: writes the image to the remembered path; where none was ever chosen asks for one and
   /// remembers it. False when nothing was written.
   Task<bool> write_user_data_file();

@@ -10,6 +10,11 @@ namespace {
 
 constexpr const char* kFourthTdnModeKey = "FourthTdnMode";
 constexpr const char* kVerifySavesKey = "VerifySaves";
+constexpr const char* kWindowGeometryKey = "Window/Geometry";
+constexpr const char* kWindowDocksKey = "Window/Docks";
+constexpr const char* kWindowPageKey = "Window/Page";
+constexpr const char* kWindowColumnKey = "Window/Column";
+constexpr const char* kWindowChoicesKey = "Window/Choices";
 
 QString recent_key(std::size_t position) {
   return QStringLiteral("RecentFiles/File%1").arg(position + 1);
@@ -63,6 +68,24 @@ void AppSettings::store_recent_files(const RecentFiles& recent) {
   for (std::size_t i = 0; i < recent.files().size(); ++i) {
     store_.setValue(recent_key(i), path_to_qt(recent.files()[i]));
   }
+}
+
+WindowLook AppSettings::window_look() const {
+  WindowLook look;
+  look.geometry = store_.value(kWindowGeometryKey).toByteArray();
+  look.docks = store_.value(kWindowDocksKey).toByteArray();
+  look.page = store_.value(kWindowPageKey).toString();
+  look.column = store_.value(kWindowColumnKey, look.column).toInt();
+  look.choices = store_.value(kWindowChoicesKey).toMap();
+  return look;
+}
+
+void AppSettings::store_window_look(const WindowLook& look) {
+  store_.setValue(kWindowGeometryKey, look.geometry);
+  store_.setValue(kWindowDocksKey, look.docks);
+  store_.setValue(kWindowPageKey, look.page);
+  store_.setValue(kWindowColumnKey, look.column);
+  store_.setValue(kWindowChoicesKey, look.choices);
 }
 
 bool AppSettings::fourth_tdn_mode() const {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QByteArray>
+#include <QString>
+#include <QVariantMap>
 #include <functional>
 
 #include "console/recent_files.h"
@@ -8,6 +11,15 @@
 class QSettings;
 
 namespace qv5123 {
+
+/// How the window looked at the end of a run.
+struct WindowLook {
+  QByteArray geometry;  ///< empty where none was kept
+  QByteArray docks;     ///< likewise
+  QString page;         ///< by its name; empty for none
+  int column = -1;      ///< a ColumnShape; -1 where the user chose none
+  QVariantMap choices;  ///< of the pages, by "page/accessible name"
+};
 
 /// What the application remembers from run to run, in the system's store for it (the registry on Windows).
 class AppSettings {
@@ -26,6 +38,10 @@ class AppSettings {
   /// The setting files used last.
   RecentFiles recent_files() const;
   void store_recent_files(const RecentFiles& recent);
+
+  /// How the window looked; what was never stored is as at the first start.
+  WindowLook window_look() const;
+  void store_window_look(const WindowLook& look);
 
   /// Whether the TDN modes have "Auto" as a fourth; off unless stored otherwise.
   bool fourth_tdn_mode() const;

@@ -21,7 +21,9 @@
 #include <utility>
 
 #include "app/ui/console_view.h"
+#include "app/ui/page_keys.h"
 #include "base/ui/number_edit.h"
+#include "base/ui/page_marks.h"
 #include "base/ui/qt_text.h"
 #include "console/version_box.h"
 
@@ -67,15 +69,21 @@ ControlColumn::ControlColumn(QWidget* parent) : QWidget(parent) {
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(6, 6, 6, 6);
   column->setSpacing(5);
-  add_port_box(*column);
-  add_file_box(*column);
-  add_factory_buttons(*column);
-  add_version_box(*column);
-  add_osd_pattern(*column);
-  add_osd_keys(*column);
-  add_download_box(*column);
+  commands_ = new QWidget(this);
+  auto* commands = new QVBoxLayout(commands_);
+  commands->setContentsMargins(0, 0, 0, 0);
+  commands->setSpacing(5);
+  add_port_box(*commands);
+  add_file_box(*commands);
+  add_factory_buttons(*commands);
+  add_version_box(*commands);
+  add_osd_pattern(*commands);
+  add_osd_keys(*commands);
+  add_download_box(*commands);
+  column->addWidget(commands_);
   add_console(*column);
   add_text_sender();
+  let_return_set(*this);
 }
 
 QPushButton* ControlColumn::button(const QString& text, const QString& tip, Signal signal) {
@@ -157,6 +165,7 @@ void ControlColumn::add_version_box(QBoxLayout& column) {
              &ControlColumn::version_store);
   store->setAccessibleName("Store version");
   store->setFixedWidth(40);
+  mark_set(store);
   row->addWidget(store);
   column.addWidget(box);
 }
@@ -264,6 +273,10 @@ void ControlColumn::add_text_sender() {
     widget->setVisible(false);
   }
   connect(send, &QPushButton::clicked, this, [this, text] { emit send_text(text->text()); });
+}
+
+void ControlColumn::show_commands(bool shown) {
+  commands_->setVisible(shown);
 }
 
 void ControlColumn::set_port_description(const QString& text) {

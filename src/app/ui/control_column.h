@@ -24,11 +24,14 @@ class ControlColumn final : public QWidget {
   Q_OBJECT
 
  public:
-  static constexpr int kWidth = 340;  ///< with the scroll bar that a low window needs
+  static constexpr int kWidth = 340;         ///< with the scroll bar that a low window needs
+  static constexpr int kConsoleWidth = 240;  ///< of the console alone
 
   explicit ControlColumn(QWidget* parent = nullptr);
 
   ConsoleView& console() { return *console_; }
+  /// Without them only the console is there, and its own buttons.
+  void show_commands(bool shown);
   void set_port_description(const QString& text);
   /// The setting file's name, with a star where what is in the program differs from it. Empty while none was
   /// chosen.
@@ -77,6 +80,7 @@ class ControlColumn final : public QWidget {
   void add_console(QBoxLayout& column);
   void add_text_sender();
 
+  QWidget* commands_ = nullptr;
   QLineEdit* port_ = nullptr;
   QToolButton* recent_files_ = nullptr;
   QLabel* setting_file_ = nullptr;

@@ -2,14 +2,19 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QProgressBar>
 #include <QScreen>
 #include <QStatusBar>
 #include <QStatusTipEvent>
+#include <QTimer>
 #include <QToolTip>
+#include <QWindow>
+#include <chrono>
 
+#include "app/ui/main_actions.h"
 #include "app/ui/message_list.h"
 #include "app/ui/page_area.h"
 #include "app/ui/port_state.h"
@@ -25,8 +30,19 @@ namespace {
 
 /// Room for the largest page beside the column, on the smallest screen that is provided for.
 constexpr QSize kUsualSize{1280, 800};
+/// What window systems put around a window, as long as this one has not told.
+constexpr QMargins kUsualFrame{4, 32, 4, 4};
+
+constexpr std::chrono::milliseconds kFrameKnown{300};
 
 }  // namespace
+
+QRect place_on_screen(QSize size, const QRect& available, const QMargins& frame) {
+  const QRect room = available.marginsRemoved(frame);
+  QRect place(QPoint(), size.boundedTo(room.size()));
+  place.moveCenter(room.center());
+  return place;
+}
 
 CMainFrame::CMainFrame(CQV5123View* view) : view_(*view) {
   setWindowTitle("QV512xC Adjustment Program  V 2.3_2");
@@ -34,6 +50,7 @@ CMainFrame::CMainFrame(CQV5123View* view) : view_(*view) {
   fill_menu_bar();
   fill_status_bar();
   fill_tools();
+  new MainActions(*this, *view);
   connect(view, &CQV5123View::status_changed, this, &CMainFrame::show_messages);
   connect(view, &CQV5123View::messages_read, this, &CMainFrame::show_messages);
   connect(view, &CQV5123View::progress_changed, this, &CMainFrame::show_progress);
@@ -51,18 +68,6 @@ void CMainFrame::fill_menu_bar() {
   help->setShortcut(QKeySequence::HelpContents);
   help->setStatusTip("How to use this program");
   connect(help, &QAction::triggered, this, &CMainFrame::help_wanted);
-
-  auto* close_port = new QAction("Close serial port", this);
-  close_port->setObjectName("close-serial");
-  close_port->setShortcut(QKeySequence("Ctrl+Shift+C"));
-  connect(close_port, &QAction::triggered, &view_, &CQV5123View::close_serial);
-  addAction(close_port);
-
-  auto* list = new QAction("List messages", this);
-  list->setObjectName("list-messages");
-  list->setShortcut(QKeySequence("Ctrl+Shift+M"));
-  connect(list, &QAction::triggered, this, &CMainFrame::list_messages);
-  addAction(list);
 }
 
 void CMainFrame::fill_tools() {
@@ -127,7 +132,25 @@ void CMainFrame::offer_repair(std::function<void()> repair) {
 }
 
 void CMainFrame::fit_to_screen() {
-  resize(kUsualSize.boundedTo(screen()->availableGeometry().size()));
+  setGeometry(place_on_screen(kUsualSize, screen()->availableGeometry(), kUsualFrame));
+}
+
+void CMainFrame::keep_on_screen() {
+  if (isMaximized() || isFullScreen()) return;
+  const QRect available = screen()->availableGeometry();
+  if (available.contains(frameGeometry())) return;
+  const QWindow* window = windowHandle();
+  setGeometry(place_on_screen(size(), available, window ? window->frameMargins() : kUsualFrame));
+}
+
+void CMainFrame::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  if (event->spontaneous()) return;
+  // By then the window system has told what it put around the window. Who made it larger meanwhile wants it
+  // so.
+  QTimer::singleShot(kFrameKnown, this, [this, shown = size()] {
+    if (size() == shown) keep_on_screen();
+  });
 }
 
 void CMainFrame::show_messages() {

@@ -17,6 +17,10 @@ class TuningDesk;
 class VerifyPane;
 struct Verification;
 
+/// The place of a window of this size, in the middle of the screen's `available` part, with room for the
+/// `frame` that the window system puts around it. It is smaller where there is not enough.
+QRect place_on_screen(QSize size, const QRect& available, const QMargins& frame);
+
 /// The frame window around the main form: menu bar, status bar, exit question.
 class CMainFrame final : public QMainWindow {
   Q_OBJECT
@@ -32,14 +36,20 @@ class CMainFrame final : public QMainWindow {
   PortState& port_state() { return *connection_; }
   /// The menu of what is no page.
   QMenu& tools() { return *tools_; }
+  /// Moves and shrinks the window, its frame included, until the screen holds it.
+  void keep_on_screen();
+  /// Opens the window with all messages, which counts as reading them.
+  void list_messages();
 
  signals:
   void help_wanted();
+  void topic_wanted(const QString& topic);
   /// The user has switched "Verify saves".
   void verify_saves_switched(bool on);
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void showEvent(QShowEvent* event) override;
   /// A menu item's status tip is shown where the item is, never over a message.
   bool event(QEvent* event) override;
 
@@ -52,7 +62,6 @@ class CMainFrame final : public QMainWindow {
   void offer_repair(std::function<void()> repair);
   void fit_to_screen();
   void show_messages();
-  void list_messages();
 
   CQV5123View& view_;
   StatusPane* messages_ = nullptr;

@@ -77,20 +77,19 @@ std::optional<PortSettings> fixed_port(const ProgramOptions& options) {
   return port;
 }
 
-/// The dock with the simulated camera's picture, and the menu item that shows and hides it. It opens beside
-/// the pages, never in their place: on a screen that is not wide enough for both it waits as a window of its
-/// own.
+/// The dock with the simulated camera's picture, and the menu item that shows and hides it. It stands beside
+/// the pages, never over them; a window that cannot become wider for it opens without it.
 void add_camera(CMainFrame& frame, Scheduler& scheduler, SimulatedBoard& board, bool visible) {
   auto* dock = new CameraDock([&board](const auto& use) { board.with_chip(use); }, scheduler, &frame);
   frame.addDockWidget(Qt::RightDockWidgetArea, dock);
   const QSize wider(frame.width() + kCameraWidth, frame.height());
   const bool room = wider.width() <= frame.screen()->availableGeometry().width();
-  dock->setFloating(!room);
   dock->setVisible(visible && room);
   if (visible && room) {
     frame.resize(wider);
-    frame.resizeDocks({dock}, {kCameraWidth}, Qt::Horizontal);
+    frame.keep_on_screen();
   }
+  frame.resizeDocks({dock}, {kCameraWidth}, Qt::Horizontal);
   QAction* show = dock->toggleViewAction();
   show->setText("&Camera");
   show->setStatusTip("Shows the picture of the simulated camera");

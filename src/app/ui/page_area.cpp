@@ -2,7 +2,11 @@
 
 #include <QAction>
 #include <QEvent>
+#include <QMainWindow>
 #include <QScrollArea>
+#include <QStyle>
+
+#include "app/ui/page_keys.h"
 
 namespace qv5123 {
 namespace {
@@ -29,6 +33,18 @@ QWidget* first_control(QWidget* page) {
   return nullptr;
 }
 
+/// The letters that choose in the menu bar.
+QString menu_letters(const QWidget* widget) {
+  QString letters;
+  const auto* window = qobject_cast<const QMainWindow*>(widget->window());
+  if (!window) return letters;
+  for (const QAction* action : window->menuWidget()->actions()) {
+    const qsizetype mark = action->text().indexOf(u'&');
+    if (mark >= 0 && mark + 1 < action->text().size()) letters += action->text()[mark + 1].toUpper();
+  }
+  return letters;
+}
+
 QScrollArea* scrolled(QWidget* page) {
   auto* area = new QScrollArea;
   area->setFrameShape(QFrame::NoFrame);
@@ -48,6 +64,7 @@ PageArea::PageArea(PageHost& host, PageFactories factories, QWidget* parent)
     action->setObjectName(QString::fromLatin1(entry.name));
     action->setStatusTip(QString::fromLatin1(entry.status_text));
     action->setEnabled(available(entry.id));
+    action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + actions_.size())));
     connect(action, &QAction::triggered, this, [this, id = entry.id] { choose(id); });
     actions_ << action;
   }
@@ -77,6 +94,15 @@ void PageArea::choose(PageId id) {
     create(id);
   }
   emit chosen(id);
+  emit room_changed();
+}
+
+int PageArea::needed_width() const {
+  const QWidget* page = current_ ? page_widget(*current_) : nullptr;
+  if (!page) return 0;
+  const QSize needs = page->minimumSizeHint().expandedTo(page->minimumSize());
+  const int bar = needs.height() > height() ? style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;
+  return needs.width() + bar;
 }
 
 void PageArea::mark(PageId id, bool marked) {
@@ -90,6 +116,8 @@ bool PageArea::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::HideToParent && current_ && watched == page_widget(*current_)) {
     update_actions(std::nullopt);
   }
+  const bool laid_out = event->type() == QEvent::LayoutRequest || event->type() == QEvent::Resize;
+  if (laid_out && current_ && watched == page_widget(*current_)) emit room_changed();
   return QStackedWidget::eventFilter(watched, event);
 }
 
@@ -106,6 +134,8 @@ void PageArea::create(PageId id) {
   slot.widget = created.widget.release();
   slot.page = created.page;
   slot.frame = scrolled(slot.widget);
+  let_return_set(*slot.widget);
+  give_mnemonics(*slot.widget, menu_letters(this));
   addWidget(slot.frame);
   show_slot(slot);
   slot.widget->installEventFilter(this);

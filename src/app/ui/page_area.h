@@ -28,6 +28,8 @@ class PageArea final : public QStackedWidget {
   Page* page(PageId id) const;
   QWidget* page_widget(PageId id) const;
   std::optional<PageId> current() const { return current_; }
+  /// The width in which the page that is shown need not be scrolled sideways.
+  int needed_width() const;
 
  signals:
   void chosen(qv5123::PageId id);
@@ -35,9 +37,11 @@ class PageArea final : public QStackedWidget {
   void made(qv5123::TuningDesk& desk);
   /// The text of the page that is being chosen.
   void says(const QString& text);
+  /// needed_width() may be another.
+  void room_changed();
 
  protected:
-  /// Watches the pages for one that hides itself.
+  /// Watches the pages for one that hides itself or needs another width.
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:

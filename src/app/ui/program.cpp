@@ -1,5 +1,6 @@
 #include "app/ui/program.h"
 
+#include <QAction>
 #include <QPointer>
 #include <exception>
 #include <utility>
@@ -7,11 +8,13 @@
 #include "app/ui/frame.h"
 #include "app/ui/help_window.h"
 #include "app/ui/history_tool.h"
+#include "app/ui/main_actions.h"
 #include "app/ui/page_area.h"
 #include "app/ui/port_state.h"
 #include "app/ui/qv5123_view.h"
 #include "app/ui/tour.h"
 #include "app/ui/unattended_prompts.h"
+#include "app/ui/window_memory.h"
 #include "base/delay.h"
 #include "base/lock_file.h"
 #include "base/ui/qt_text.h"
@@ -60,6 +63,7 @@ Program::~Program() {
   flows_.cancel();
   journal_.reset();
   history_.reset();
+  memory_.reset();
   // Its flows own dialogs that the frame would delete as well.
   delete view_;
 }
@@ -107,6 +111,7 @@ Task<> Program::run() {
   CQV5123View::Startup startup;
   startup.setting_file = options_.setting_file;
   startup.offer_setting_file = !options_.tour;
+  startup.page = memory_->last_page();
   if (journal_) startup.restore = [this] { return journal_->start(*prompts_); };
   view_->start(std::move(startup));
   if (options_.tour) co_await make_tour();
@@ -187,6 +192,16 @@ Task<bool> Program::store_port(PortSettings settings) {
   return store([settings = std::move(settings)](AppSettings& stored) { stored.store_port(settings); });
 }
 
+Task<bool> Program::store_window_look() {
+  std::function<bool()> work = [] { return true; };
+  // Of a tour nobody arranged the window.
+  if (memory_ && !options_.tour) {
+    work =
+        settings_.changing([look = memory_->look()](AppSettings& stored) { stored.store_window_look(look); });
+  }
+  return files_.run<bool>(std::move(work));
+}
+
 void Program::open_window(PortSettings port) {
   view_ = new CQV5123View(session_.link(), *prompts_, files_, document_, std::move(parts_.pages));
   view_->values().verify_saves(settings_.verify_saves());
@@ -214,7 +229,12 @@ void Program::open_window(PortSettings port) {
     return LinkReport{session_.name(), session_.connected(), session_.health(), latency_timer_};
   });
   keep_history();
+  QObject::connect(frame_.get(), &CMainFrame::topic_wanted, frame_.get(),
+                   [this](const QString& topic) { show_help_of(topic); });
   if (parts_.furnish) parts_.furnish(*frame_, scheduler_);
+  memory_ =
+      std::make_unique<WindowMemory>(*frame_, *view_, options_.tour ? WindowLook{} : settings_.window_look());
+  memory_->restore();
   if (!parts_.journal_folder.empty()) keep_journal();
   frame_->show();
 }
@@ -257,17 +277,32 @@ Task<> Program::make_tour() {
   co_await end(faults.empty() ? 0 : 1);
 }
 
+HelpWindow& Program::help() {
+  if (!help_) {
+    help_ = std::make_unique<HelpWindow>();
+    help_->tell_keys([this] { return shortcuts_markdown(*frame_); });
+    QObject::connect(help_.get(), &HelpWindow::command_chosen, frame_.get(), [this](const QString& name) {
+      if (auto* action = frame_->findChild<QAction*>(name)) action->trigger();
+    });
+  }
+  return *help_;
+}
+
 void Program::show_help() {
-  if (!help_) help_ = std::make_unique<HelpWindow>();
   const std::optional<PageId> page = view_->pages().current();
-  help_->show_topic(page ? QLatin1String(kPageEntries[static_cast<std::size_t>(*page)].name) : QString());
-  help_->show();
-  help_->raise();
-  help_->activateWindow();
+  show_help_of(page ? QLatin1String(kPageEntries[static_cast<std::size_t>(*page)].name) : QString());
+}
+
+void Program::show_help_of(const QString& topic) {
+  help().show_topic(topic);
+  help().show();
+  help().raise();
+  help().activateWindow();
 }
 
 Task<> Program::end(int exit_code) {
   ending_ = true;
+  (void)store_window_look();
   const bool left = co_await view_->leave_chip(kChipPatience, CQV5123View::Leave::for_good);
   // Nobody sees the window any more.
   if (!left) parts_.report(view_->board().failures().back().text);
@@ -312,6 +347,7 @@ void Program::end_unasked() {
 
 Task<> Program::run_unasked_end() {
   scheduler_.call_after(kEndPatience, [this] { parts_.end_process(0); });
+  Task<bool> looks = store_window_look();
   Flow keeping;
   Resolver<bool> kept;
   if (journal_) {
@@ -327,6 +363,7 @@ Task<> Program::run_unasked_end() {
   co_await session_.close();
   if (history_) co_await history_->finish();
   co_await kept.pending();
+  co_await std::move(looks);
   parts_.end_process(0);
 }
 

@@ -24,6 +24,7 @@ class CMainFrame;
 class CQV5123View;
 class HelpWindow;
 class HistoryTool;
+class WindowMemory;
 
 /// The window with everything behind it, from the start of the application to its end.
 class Program {
@@ -71,11 +72,14 @@ class Program {
   void open_window(PortSettings port);
   Task<bool> store(std::function<void(AppSettings&)> change);
   Task<bool> store_port(PortSettings settings);
+  Task<bool> store_window_look();
   void keep_journal();
   void keep_history();
   Task<> look_at_adapter();
   Task<> make_tour();
+  HelpWindow& help();
   void show_help();
+  void show_help_of(const QString& topic);
   Task<> end(int exit_code);
   Task<> finish_files();
   Task<> write_out(Resolver<bool> over);
@@ -94,6 +98,7 @@ class Program {
   std::unique_ptr<CMainFrame> frame_;
   CQV5123View* view_ = nullptr;  // the frame's
   std::unique_ptr<HelpWindow> help_;
+  std::unique_ptr<WindowMemory> memory_;
   std::unique_ptr<Journal> journal_;
   std::unique_ptr<HistoryTool> history_;
   std::optional<std::chrono::milliseconds> latency_timer_;  ///< of the port's adapter

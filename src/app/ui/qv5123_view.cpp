@@ -1,11 +1,11 @@
 #include "app/ui/qv5123_view.h"
 
 #include <QHBoxLayout>
-#include <QScrollArea>
 #include <algorithm>
 #include <array>
 #include <utility>
 
+#include "app/ui/column_drawer.h"
 #include "app/ui/console_view.h"
 #include "app/ui/control_column.h"
 #include "app/ui/page_area.h"
@@ -21,18 +21,6 @@ namespace {
 
 /// Characters that the status bar's message pane takes.
 constexpr std::size_t kStatusLimit = 256;
-
-/// The column keeps its width; a window too low for it scrolls it.
-QScrollArea* scrolled_column(ControlColumn* column) {
-  auto* area = new QScrollArea;
-  area->setFrameShape(QFrame::NoFrame);
-  area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  area->setWidgetResizable(true);
-  area->setFocusPolicy(Qt::NoFocus);
-  area->setWidget(column);
-  area->setFixedWidth(ControlColumn::kWidth);
-  return area;
-}
 
 }  // namespace
 
@@ -58,11 +46,10 @@ CQV5123View::CQV5123View(CommandLink& link, Prompts& prompts, Background& backgr
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(0);
   row->addWidget(pages_, 1);
-  auto* border = new QFrame;
-  border->setFrameStyle(QFrame::VLine | QFrame::Sunken);
-  row->addWidget(border);
-  row->addWidget(scrolled_column(column_));
+  drawer_ = new ColumnDrawer(column_);
+  row->addWidget(drawer_);
   connect(pages_, &PageArea::chosen, this, &CQV5123View::page_chosen);
+  connect(pages_, &PageArea::room_changed, this, &CQV5123View::leave_room);
   connect(pages_, &PageArea::says, this,
           [this](const QString& text) { say(StatusRank::text, page_kind(), from_qt(text)); });
   connect(pages_, &PageArea::made, this, [this](TuningDesk& desk) { desk.watch(values_); });
@@ -82,12 +69,21 @@ CQV5123View::~CQV5123View() {
   delete pages_;
 }
 
+void CQV5123View::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  leave_room();
+}
+
+void CQV5123View::leave_room() {
+  drawer_->leave_room(width(), pages_->needed_width());
+}
+
 void CQV5123View::connect_column() {
   using C = ControlColumn;
   connect(column_, &C::change_port, this, &CQV5123View::change_port);
-  connect(column_, &C::load_file, this, [this] { flows_.spawn(load_file(std::nullopt)); });
+  connect(column_, &C::load_file, this, &CQV5123View::load_setting_file);
   connect(column_, &C::recent_file_chosen, this, &CQV5123View::load_recent_file);
-  connect(column_, &C::save_file, this, [this] { flows_.spawn(files_.save()); });
+  connect(column_, &C::save_file, this, &CQV5123View::save_setting_file_as);
   connect(column_, &C::factory_reset, this,
           [this] { tell_sent("Factory Reset", {qv5123::factory_reset()}); });
   connect(column_, &C::copy_to_factory, this, [this] { flows_.spawn(copy_to_factory()); });
@@ -135,12 +131,13 @@ void CQV5123View::start(Startup startup) {
 
 Task<> CQV5123View::run_start(Startup startup) {
   if (port_) co_await port_->open();
-  co_await begin_with_image(std::move(startup));
+  co_await begin_with_image(startup);
   show_version(column_->version_slot());
   co_await Delay(scheduler(), std::chrono::milliseconds(StartupReply::kDelayMs));
   read_startup_reply();
   pages_->choose(PageId::registers);
   starting_ = false;
+  if (startup.page && *startup.page != PageId::registers) pages_->choose(*startup.page);
 }
 
 Task<> CQV5123View::begin_with_image(Startup startup) {
@@ -173,6 +170,18 @@ void CQV5123View::restore(const JournalEntry& entry) {
 void CQV5123View::read_startup_reply() {
   const std::string text = startup_reply_.read(link_.reply());
   if (!text.empty()) append_console(text);
+}
+
+void CQV5123View::load_setting_file() {
+  flows_.spawn(load_file(std::nullopt));
+}
+
+void CQV5123View::save_setting_file() {
+  flows_.spawn(files_.save_again());
+}
+
+void CQV5123View::save_setting_file_as() {
+  flows_.spawn(files_.save());
 }
 
 Task<> CQV5123View::load_file(std::optional<std::filesystem::path> path) {

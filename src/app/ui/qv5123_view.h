@@ -20,6 +20,7 @@
 
 namespace qv5123 {
 
+class ColumnDrawer;
 class ConsoleView;
 class ControlColumn;
 class PageArea;
@@ -39,6 +40,8 @@ class CQV5123View final : public QWidget, public PageHost {
     /// Restores what an earlier run left, before any file is loaded; true when it did, which leaves no file
     /// to load. May be empty.
     std::function<Task<bool>()> restore = {};
+    /// Chosen after the Registers page, which always comes first.
+    std::optional<PageId> page = {};
   };
 
   CQV5123View(CommandLink& link, Prompts& prompts, Background& background, CQV5123Doc& document,
@@ -104,6 +107,7 @@ class CQV5123View final : public QWidget, public PageHost {
   void repair_image();
 
   PageArea& pages() { return *pages_; }
+  ColumnDrawer& column() { return *drawer_; }
   const ConsoleText& console_text() const { return console_text_; }
   ConsoleView& console();
   const StartupReply& startup_reply() const { return startup_reply_; }
@@ -113,6 +117,12 @@ class CQV5123View final : public QWidget, public PageHost {
   void change_port();
   /// The serial close command.
   void close_serial();
+  /// The same for a key, which may be pressed by mistake.
+  void ask_and_close_serial();
+  void load_setting_file();
+  /// Every page's values into the setting file in use; asks for one where there is none.
+  void save_setting_file();
+  void save_setting_file_as();
 
  signals:
   void status_changed(const QString& text);
@@ -127,7 +137,11 @@ class CQV5123View final : public QWidget, public PageHost {
   /// The user has answered that the program is to end; what was to be saved is whole on the disk.
   void closing_confirmed();
 
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+
  private:
+  void leave_room();
   void connect_column();
   void connect_downloads();
   SettingFiles::Surroundings files_surroundings();
@@ -154,6 +168,7 @@ class CQV5123View final : public QWidget, public PageHost {
   Task<bool> may_leave_port(std::string question);
   Task<> run_change_port();
   Task<> run_close_serial();
+  Task<> run_ask_and_close_serial();
   Task<> exit_flow();
   Task<> send_last_words(Leave leave, Resolver<bool> over);
   Task<bool> interrupt_with(Traffic last);
@@ -189,6 +204,7 @@ class CQV5123View final : public QWidget, public PageHost {
   ImageTransfer transfer_;
   PageArea* pages_ = nullptr;
   ControlColumn* column_ = nullptr;
+  ColumnDrawer* drawer_ = nullptr;
   TypedText* typed_ = nullptr;
   int transfers_ = 0;
   bool asking_about_waiting_ = false;

@@ -20,6 +20,9 @@ constexpr std::chrono::milliseconds kStillLinePatience{500};
 constexpr const char* kNotLeft =
     "The last commands did not reach the chip: it may still measure, or keep what it is told.";
 
+constexpr const char* kCloseQuestion =
+    "Close the serial port?\n\n\"Change COM Port...\" opens it again. Until then nothing reaches the chip.";
+
 }  // namespace
 
 void CQV5123View::use_port(PortSettings settings, PortInUse::Surroundings surroundings) {
@@ -42,6 +45,15 @@ void CQV5123View::change_port() {
 
 void CQV5123View::close_serial() {
   if (port_) flows_.spawn(run_close_serial());
+}
+
+void CQV5123View::ask_and_close_serial() {
+  if (port_) flows_.spawn(run_ask_and_close_serial());
+}
+
+Task<> CQV5123View::run_ask_and_close_serial() {
+  const Answer answer = co_await prompts_.ask(careful_question(kCloseQuestion));
+  if (answer == Answer::yes) co_await run_close_serial();
 }
 
 Task<> CQV5123View::run_change_port() {

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/atomic_file.h"
+#include "base/ui/page_marks.h"
 #include "base/ui/qt_text.h"
 
 namespace qv5123 {
@@ -65,7 +66,7 @@ CDlgMakeEeprom::CDlgMakeEeprom(PageHost& host, QWidget* parent) : QWidget(parent
 }
 
 QLineEdit* CDlgMakeEeprom::add_path_row(QGridLayout* layout, const QString& label, const FileChoice& choice) {
-  auto* edit = new QLineEdit;
+  auto* edit = keep_choice(new QLineEdit);
   edit->setAccessibleName(label);
   edit->setToolTip("Path of the " + label);
   auto* caption = new QLabel(label);

@@ -9,6 +9,7 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include "base/ui/page_marks.h"
 #include "registers/ui/bit_boxes.h"
 #include "registers/ui/hex_edits.h"
 #include "registers/ui/multiline_list.h"
@@ -169,6 +170,7 @@ QBoxLayout* CDlgIspRegister::make_address_rows() {
   connect(address_spin, &SpinArrows::stepped, address_, &CMyHexEdit::step);
   connect(value_spin, &SpinArrows::stepped, value_, &CMyHexEdit::step);
   read_ = make_button("Read", "Reads the register at the address", &RegisterDesk::read);
+  mark_command(read_, kReadCommand);
   write_ = make_button("Write", "Writes the value to the address", &RegisterDesk::write);
 
   auto* grid = new QGridLayout;
@@ -208,6 +210,7 @@ QBoxLayout* CDlgIspRegister::make_button_rows() {
                                &RegisterDesk::load_category);
   load_all_ = make_button(RegisterButtons::kLoadAll, "Reads every register of the description, 150 ms each",
                           &RegisterDesk::load_all);
+  mark_command(load_category_, kLoadCommand);
   stop_ = make_button("Stop", "Ends the reading of registers, wherever it has come to", &RegisterDesk::stop);
   stop_->setAccessibleName("Stop reading registers");
   stop_->setEnabled(false);
@@ -342,10 +345,10 @@ void CDlgIspRegister::show_data() {
 void CDlgIspRegister::show_buttons(const RegisterButtons& buttons) {
   load_category_->setEnabled(buttons.load_category);
   load_all_->setEnabled(buttons.load_all);
-  load_all_->setText(QString::fromStdString(buttons.load_all_caption));
+  set_caption(load_all_, QString::fromStdString(buttons.load_all_caption));
   stop_->setEnabled(buttons.stop);
   load_file_->setEnabled(buttons.load_file);
-  load_file_->setText(QString::fromStdString(buttons.load_file_caption));
+  set_caption(load_file_, QString::fromStdString(buttons.load_file_caption));
 }
 
 }  // namespace qv5123

@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "base/ui/page_marks.h"
 #include "tuning/ui/dlg_ae_tune.h"
 
 /// How the page is put together.
@@ -16,6 +17,7 @@ constexpr std::size_t kFurtherAe = 5;
 
 QGridLayout* row_grid(QWidget* parent) {
   auto* grid = new QGridLayout(parent);
+  grid->setContentsMargins(6, 5, 6, 6);
   grid->setVerticalSpacing(3);
   grid->setColumnStretch(1, 1);
   return grid;
@@ -40,7 +42,7 @@ CDlgAeTune::CDlgAeTune(PageHost& host)
       desk_(host, host.document().user_data),
       edits_(desk_, [this] { show_light_source_bar(); }) {
   auto* page = new QVBoxLayout(this);
-  page->setContentsMargins(6, 6, 6, 6);
+  page->setContentsMargins(4, 6, 4, 6);
   auto* above = new QHBoxLayout;
   auto* below = new QHBoxLayout;
   page->addLayout(above);
@@ -48,13 +50,14 @@ CDlgAeTune::CDlgAeTune(PageHost& host)
   above->addWidget(make_colour_group(), 1);
   page->addWidget(make_step_group());
   page->addLayout(below);
+  below->setSpacing(2);
   below->addWidget(make_orientation_group());
   below->addWidget(make_decision_group(), 1);
   below->addWidget(make_smart_ir_group());
   below->addWidget(make_file_group());
   QWidget* more_area = make_more_area();
-  page->addWidget(make_check("More", {}, "Show the AE value of register 0x3C and the messages",
-                             [more_area](bool checked) { more_area->setVisible(checked); }));
+  page->addWidget(keep_choice(make_check("More", {}, "Show the AE value of register 0x3C and the messages",
+                                         [more_area](bool checked) { more_area->setVisible(checked); })));
   page->addWidget(more_area);
   page->addStretch(1);
   desk_.attach(*this);
@@ -192,6 +195,8 @@ QLayout* CDlgAeTune::make_bank_choice() {
 QWidget* CDlgAeTune::make_orientation_group() {
   auto* group = new QGroupBox("Mirror/Flip");
   auto* row = new QHBoxLayout(group);
+  row->setContentsMargins(5, 5, 5, 6);
+  row->setSpacing(4);
   const QString tip =
       "Bit 0 mirrors, bit 1 flips, " + register_text(desk_.info(desk_.values().orientation).address);
   mirror_ = make_check("MIRROR", {}, tip, [this](bool on) { desk_.set_mirror(on, host()); });
@@ -213,6 +218,7 @@ QWidget* CDlgAeTune::make_decision_group() {
 QWidget* CDlgAeTune::make_smart_ir_group() {
   auto* group = new QGroupBox("Smart IR");
   auto* row = new QHBoxLayout(group);
+  row->setContentsMargins(6, 5, 6, 6);
   row->addWidget(
       edits_.list(desk_.field(desk_.values().smart_ir), setting(DynamicControl::smart_ir, only_one)));
   return group;

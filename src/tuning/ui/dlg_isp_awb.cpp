@@ -28,7 +28,8 @@ CDlgIspAwb::CDlgIspAwb(PageHost& host)
   auto* below = new QHBoxLayout;
   auto* left = new QVBoxLayout;
   auto* page = new QHBoxLayout(this);
-  page->setContentsMargins(6, 6, 6, 6);
+  page->setContentsMargins(4, 6, 4, 6);
+  page->setSpacing(3);
   page->addLayout(left, 1);
   left->addWidget(chart_, 1);
   left->addLayout(below);
@@ -43,6 +44,7 @@ CDlgIspAwb::CDlgIspAwb(PageHost& host)
 QWidget* CDlgIspAwb::make_line_group() {
   auto* group = new QGroupBox("White Line Threshold");
   auto* grid = new QGridLayout(group);
+  grid->setContentsMargins(5, 5, 5, 6);
   grid->setVerticalSpacing(2);
   grid->addWidget(centred("Slope"), 0, 1);
   grid->addWidget(centred("Intercept"), 0, 2);
@@ -72,6 +74,7 @@ QPushButton* CDlgIspAwb::make_write_button(const QString& caption, RegisterWrite
 QWidget* CDlgIspAwb::make_navigation_group() {
   auto* group = new QGroupBox("Navigation Key");
   auto* grid = new QGridLayout(group);
+  grid->setContentsMargins(5, 5, 5, 6);
   grid->addWidget(make_write_button("UP", kAwbUp), 0, 1);
   grid->addWidget(make_write_button("LEFT", kAwbLeft), 1, 0);
   QStringList registers;
@@ -102,6 +105,7 @@ QWidget* CDlgIspAwb::make_file_group() {
 QWidget* CDlgIspAwb::make_patch_group() {
   auto* group = new QGroupBox("Color Patch");
   auto* grid = new QGridLayout(group);
+  grid->setContentsMargins(5, 5, 5, 6);
   grid->setVerticalSpacing(1);
   grid->setHorizontalSpacing(4);
   for (const char* colour : {"R", "G", "B"}) grid->addWidget(centred(colour), 0, grid->columnCount());

@@ -5,6 +5,7 @@
 
 #include <array>
 
+#include "base/ui/page_marks.h"
 #include "tuning/ui/bit_editor_box.h"
 #include "tuning/ui/front_parts.h"
 #include "tuning/ui/mark_strip.h"
@@ -22,7 +23,7 @@ CDlgIspFront::CDlgIspFront(PageHost& host)
       player_(host),
       edits_(desk_) {
   auto* page = new QVBoxLayout(this);
-  page->setContentsMargins(6, 6, 6, 6);
+  page->setContentsMargins(4, 6, 4, 6);
   page->addLayout(make_settings());
   auto* bits = new QHBoxLayout;
   bits->addWidget(make_flag_group(), 1);
@@ -139,9 +140,11 @@ QLayout* CDlgIspFront::make_chip_row() {
   load_isp_ = make_button("Load Isp", {},
                           "Read the settings from the chip, " + register_text(FrontPage::kTexts.trigger),
                           [this] { desk_.start_load(); });
-  row->addWidget(load_isp_);
-  row->addWidget(make_button("File/Flash Save", {}, "Write the user data file and send all settings to keep",
-                             [this] { desk_.start_save(host().prompts(), desk_.save(host())); }));
+  row->addWidget(mark_command(load_isp_, kLoadCommand));
+  QPushButton* save =
+      make_button("File/Flash Save", {}, "Write the user data file and send all settings to keep",
+                  [this] { desk_.start_save(host().prompts(), desk_.save(host())); });
+  row->addWidget(mark_command(save, kSaveCommand));
   row->addWidget(make_unread_note());
   row->addStretch();
   return row;

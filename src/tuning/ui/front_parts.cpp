@@ -8,7 +8,7 @@ QGridLayout* tight_grid(QWidget* parent) {
   auto* grid = new QGridLayout(parent);
   grid->setVerticalSpacing(3);
   grid->setHorizontalSpacing(5);
-  grid->setContentsMargins(8, 5, 8, 6);
+  grid->setContentsMargins(5, 5, 5, 6);
   return grid;
 }
 

@@ -10,8 +10,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/ui/page_marks.h"
+
 namespace qv5123 {
 namespace {
+
+/// Where the screen is narrow; elsewhere it has the room that is left.
+constexpr int kNarrowestSlider = 20;
 
 class WheelGuard : public QObject {
  public:
@@ -37,7 +42,7 @@ QPushButton* make_set_button(const QString& caption, const QString& value, const
                              std::function<void()> clicked) {
   QPushButton* button = make_button(caption, value + " " + caption, tooltip, std::move(clicked));
   button->setMaximumWidth(button->fontMetrics().horizontalAdvance(caption) + 24);
-  return button;
+  return mark_set(button);
 }
 
 QSpinBox* make_number(int minimum, int maximum, const QString& name, const QString& tooltip) {
@@ -118,8 +123,10 @@ QGroupBox* make_file_control(FileControl control) {
   row->setSpacing(4);
   row->addWidget(make_button("Load <- File", {}, "Takes the page's values from the setting file's data",
                              std::move(control.load_file)));
-  row->addWidget(make_button("Load <- ISP", {}, control.isp_tooltip, std::move(control.load_isp)));
-  row->addWidget(make_button("File/Flash Save", {}, control.save_tooltip, std::move(control.save)));
+  QPushButton* load = make_button("Load <- ISP", {}, control.isp_tooltip, std::move(control.load_isp));
+  row->addWidget(mark_command(load, kLoadCommand));
+  QPushButton* save = make_button("File/Flash Save", {}, control.save_tooltip, std::move(control.save));
+  row->addWidget(mark_command(save, kSaveCommand));
   if (control.note) column->addWidget(control.note);
   return group;
 }
@@ -154,6 +161,7 @@ SliderRow add_slider_row(QGridLayout* grid, int row, const QString& caption, int
   auto* label = new QLabel(caption);
   parts.slider = named(new QSlider(Qt::Horizontal), caption + " bar", tooltip);
   parts.slider->setRange(minimum, maximum);
+  parts.slider->setMinimumWidth(kNarrowestSlider);
   keep_wheel_from(parts.slider);
   parts.edit = make_number(minimum, maximum, caption, tooltip);
   label->setBuddy(parts.edit);

@@ -5,6 +5,7 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "base/ui/page_marks.h"
 #include "tuning/ui/front_parts.h"
 #include "tuning/ui/page_parts.h"
 #include "tuning/userdata_parameters.h"
@@ -68,7 +69,7 @@ void ServiceAreaBox::reveal_area() {
 
 void ServiceAreaBox::show_playing(bool playing) {
   const QString caption = playing ? "Stop" : kPlayCaption;
-  play_->setText(caption);
+  set_caption(play_, caption);
   play_->setAccessibleName(caption);
 }
 

@@ -1,0 +1,81 @@
+#include "app/ui/main_actions.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QPushButton>
+#include <utility>
+
+#include "app/ui/column_drawer.h"
+#include "app/ui/frame.h"
+#include "app/ui/page_area.h"
+#include "app/ui/qv5123_view.h"
+#include "base/ui/page_marks.h"
+
+namespace qv5123 {
+
+MainActions::MainActions(CMainFrame& frame, CQV5123View& view)
+    : QObject(&frame), frame_(frame), view_(view), menu_(frame.tools()) {
+  if (!menu_.isEmpty()) menu_.addSeparator();
+  add_files();
+  menu_.addSeparator();
+  add_page_commands();
+  menu_.addSeparator();
+  add_window_commands();
+}
+
+QAction* MainActions::add(const char* text, const char* keys, const char* name, std::function<void()> act) {
+  QAction* action = menu_.addAction(text);
+  action->setObjectName(name);
+  action->setShortcuts(QKeySequence::listFromString(keys));
+  connect(action, &QAction::triggered, this, std::move(act));
+  return action;
+}
+
+void MainActions::add_files() {
+  add("&Load setting file...", "Ctrl+O", "load-settings", [this] { view_.load_setting_file(); });
+  add("&Save setting file", "Ctrl+S", "save-settings", [this] { view_.save_setting_file(); });
+  add("Save setting file &as...", "Ctrl+Shift+S", "save-settings-as",
+      [this] { view_.save_setting_file_as(); });
+}
+
+void MainActions::add_page_commands() {
+  add("Load <- &ISP", "Ctrl+L", "load-page", [this] { press(kLoadCommand); });
+  add("&File/Flash Save", "Ctrl+Return; Ctrl+Enter", "save-page", [this] { press(kSaveCommand); });
+  add("&Read again", "F5", "read-again", [this] {
+    if (!press(kReadCommand)) press(kLoadCommand);
+  });
+}
+
+void MainActions::add_window_commands() {
+  add("Fold the &column", "F9", "fold-column", [this] { view_.column().choose_next(); });
+  add("First &steps", "", "first-steps", [this] { emit frame_.topic_wanted("first-steps"); });
+  add("List &messages", "Ctrl+Shift+M", "list-messages", [this] { frame_.list_messages(); });
+  add("Change COM &Port...", "", "change-port", [this] { view_.change_port(); });
+  add("Close serial port...", "Ctrl+Shift+X", "close-serial", [this] { view_.ask_and_close_serial(); });
+}
+
+bool MainActions::press(const char* command) {
+  const auto page = view_.pages().current();
+  const QWidget* widget = page ? view_.pages().page_widget(*page) : nullptr;
+  if (!widget || !widget->isVisible()) return false;
+  for (QPushButton* button : widget->findChildren<QPushButton*>()) {
+    if (button->property(kCommand).toByteArray() != command) continue;
+    button->click();
+    return true;
+  }
+  return false;
+}
+
+QString shortcuts_markdown(const QObject& window) {
+  QString text = "| Keys | |\n|---|---|\n";
+  for (const QAction* action : window.findChildren<QAction*>()) {
+    QStringList keys;
+    for (const QKeySequence& each : action->shortcuts()) keys << each.toString(QKeySequence::NativeText);
+    if (keys.isEmpty()) continue;
+    const QString what = QString(action->text()).remove(u'&').replace(u'<', "&lt;").replace(u'|', "\\|");
+    text += QStringLiteral("| %1 | %2 |\n").arg(keys.join(", "), what);
+  }
+  return text;
+}
+
+}  // namespace qv5123

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QObject>
+#include <functional>
+
+class QAction;
+class QMenu;
+
+namespace qv5123 {
+
+class CMainFrame;
+class CQV5123View;
+
+/// The commands that have a key wherever the focus is. All of them stand in the menu "Tools".
+class MainActions final : public QObject {
+ public:
+  /// Adds them to the frame's menu. Both outlive this.
+  MainActions(CMainFrame& frame, CQV5123View& view);
+
+ private:
+  QAction* add(const char* text, const char* keys, const char* name, std::function<void()> act);
+  void add_files();
+  void add_page_commands();
+  void add_window_commands();
+  /// Presses the button of the shown page that is marked with the command.
+  bool press(const char* command);
+
+  CMainFrame& frame_;
+  CQV5123View& view_;
+  QMenu& menu_;
+};
+
+/// A table of all keys in the window and what they do, as Markdown, made from the actions that are there.
+QString shortcuts_markdown(const QObject& window);
+
+}  // namespace qv5123

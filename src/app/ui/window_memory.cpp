@@ -1,0 +1,92 @@
+#include "app/ui/window_memory.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QSpinBox>
+#include <utility>
+
+#include "app/ui/column_drawer.h"
+#include "app/ui/frame.h"
+#include "app/ui/page_area.h"
+#include "app/ui/qv5123_view.h"
+#include "base/ui/page_marks.h"
+
+namespace qv5123 {
+namespace {
+
+QString page_name(PageId id) {
+  return QLatin1String(kPageEntries[static_cast<std::size_t>(id)].name);
+}
+
+QList<QWidget*> kept_controls(const QWidget& page) {
+  QList<QWidget*> kept = page.findChildren<QWidget*>();
+  kept.removeIf([](const QWidget* widget) { return !widget->property(kKeptChoice).toBool(); });
+  return kept;
+}
+
+QVariant state_of(const QWidget* widget) {
+  if (const auto* button = qobject_cast<const QAbstractButton*>(widget)) return button->isChecked();
+  if (const auto* list = qobject_cast<const QComboBox*>(widget)) return list->currentText();
+  if (const auto* number = qobject_cast<const QSpinBox*>(widget)) return number->value();
+  if (const auto* edit = qobject_cast<const QLineEdit*>(widget)) return edit->text();
+  if (const auto* header = qobject_cast<const QHeaderView*>(widget)) return header->saveState();
+  return {};
+}
+
+void restore_state(QWidget* widget, const QVariant& state) {
+  if (auto* button = qobject_cast<QAbstractButton*>(widget)) return button->setChecked(state.toBool());
+  if (auto* list = qobject_cast<QComboBox*>(widget)) {
+    const int index = list->findText(state.toString());
+    if (index >= 0) list->setCurrentIndex(index);
+  }
+  if (auto* number = qobject_cast<QSpinBox*>(widget)) return number->setValue(state.toInt());
+  if (auto* edit = qobject_cast<QLineEdit*>(widget)) return edit->setText(state.toString());
+  if (auto* header = qobject_cast<QHeaderView*>(widget)) header->restoreState(state.toByteArray());
+}
+
+}  // namespace
+
+WindowMemory::WindowMemory(CMainFrame& frame, CQV5123View& view, WindowLook look)
+    : frame_(frame), view_(view), kept_(std::move(look)) {
+  connect(&view_.pages(), &PageArea::chosen, this, &WindowMemory::restore_choices);
+}
+
+void WindowMemory::restore() {
+  if (!kept_.geometry.isEmpty() && frame_.restoreGeometry(kept_.geometry)) frame_.keep_on_screen();
+  if (!kept_.docks.isEmpty()) frame_.restoreState(kept_.docks);
+  view_.column().restore(kept_.column);
+}
+
+WindowLook WindowMemory::look() const {
+  WindowLook look = kept_;
+  look.geometry = frame_.saveGeometry();
+  look.docks = frame_.saveState();
+  look.column = view_.column().chosen();
+  if (const auto page = view_.pages().current()) look.page = page_name(*page);
+  for (const PageEntry& entry : kPageEntries) {
+    const QWidget* page = view_.pages().page_widget(entry.id);
+    if (!page) continue;
+    for (const QWidget* control : kept_controls(*page))
+      look.choices[page_name(entry.id) + u'/' + control->accessibleName()] = state_of(control);
+  }
+  return look;
+}
+
+std::optional<PageId> WindowMemory::last_page() const {
+  for (const PageEntry& entry : kPageEntries)
+    if (kept_.page == QLatin1String(entry.name)) return entry.id;
+  return std::nullopt;
+}
+
+void WindowMemory::restore_choices(PageId id) {
+  if (restored_.contains(static_cast<int>(id))) return;
+  restored_.insert(static_cast<int>(id));
+  for (QWidget* control : kept_controls(*view_.pages().page_widget(id))) {
+    const auto found = kept_.choices.constFind(page_name(id) + u'/' + control->accessibleName());
+    if (found != kept_.choices.constEnd()) restore_state(control, *found);
+  }
+}
+
+}  // namespace qv5123

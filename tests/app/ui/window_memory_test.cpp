@@ -1,0 +1,79 @@
+#include "app/ui/window_memory.h"
+
+#include <gtest/gtest.h>
+
+#include <QScreen>
+#include <QSettings>
+
+#include "app/ui/column_drawer.h"
+#include "app/ui/window_bench.h"
+
+namespace qv5123 {
+namespace {
+
+TEST(MainFrame, HasItsPlaceWithinTheScreenFrameIncluded) {
+  const QMargins frame(4, 30, 4, 4);
+  EXPECT_EQ(place_on_screen({1280, 800}, {0, 0, 1280, 800}, frame), QRect(4, 30, 1272, 766));
+  EXPECT_EQ(place_on_screen({1280, 800}, {100, 0, 1920, 1080}, frame), QRect(420, 153, 1280, 800));
+}
+
+TEST(WindowMemory, BringsBackPlaceColumnPageAndThePagesOwnChoices) {
+  const test::TemporaryFolder folder;
+  QSettings store(QString::fromStdString((folder.path() / "settings.ini").string()), QSettings::IniFormat);
+  AppSettings settings(store);
+  {
+    test::WindowBench bench;
+    WindowMemory memory(*bench.frame, *bench.view, settings.window_look());
+    memory.restore();
+    EXPECT_EQ(memory.last_page(), std::nullopt);
+    bench.frame->resize(700, 500);
+    test::find<QAbstractButton>(bench.choose(PageId::gamma), "More")->click();
+    test::find<QLineEdit>(bench.choose(PageId::make_flash), "fw file")->setText("/a/fw.bin");
+    bench.view->column().choose_next();
+    settings.store_window_look(memory.look());
+  }
+  test::WindowBench bench;
+  WindowMemory memory(*bench.frame, *bench.view, settings.window_look());
+  memory.restore();
+  EXPECT_EQ(bench.frame->size(), QSize(700, 500));
+  EXPECT_EQ(memory.last_page(), PageId::make_flash);
+  EXPECT_EQ(bench.view->column().shape(), ColumnShape::console);
+  EXPECT_TRUE(test::find<QAbstractButton>(bench.choose(PageId::gamma), "More")->isChecked());
+  EXPECT_EQ(memory.look().choices.value("make-flash/fw file"), "/a/fw.bin") << "a page not opened this time";
+  EXPECT_EQ(test::find<QLineEdit>(bench.choose(PageId::make_flash), "fw file")->text(), "/a/fw.bin");
+}
+
+TEST(WindowMemory, FallsBackToWhatTheScreenHolds) {
+  WindowLook look;
+  {
+    test::WindowBench bench({3000, 2000});
+    look = WindowMemory(*bench.frame, *bench.view, {}).look();
+  }
+  look.docks = "garbage";
+  look.column = 77;
+  test::WindowBench bench({400, 300});
+  WindowMemory memory(*bench.frame, *bench.view, look);
+  memory.restore();
+  EXPECT_TRUE(bench.frame->screen()->availableGeometry().contains(bench.frame->frameGeometry()));
+  EXPECT_EQ(bench.view->column().shape(), ColumnShape::whole);
+}
+
+TEST(ColumnDrawer, FoldsByItselfUntilTheUserChooses) {
+  test::WindowBench bench({853, 500});
+  bench.choose(PageId::linear_matrix);
+  ColumnDrawer& column = bench.view->column();
+  EXPECT_EQ(column.shape(), ColumnShape::folded);
+  bench.frame->resize(1280, 770);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(column.shape(), ColumnShape::whole);
+  QTest::keyClick(bench.frame.get(), Qt::Key_F9);
+  EXPECT_EQ(column.shape(), ColumnShape::console);
+  EXPECT_TRUE(test::find<QWidget>(*bench.frame, "Console")->isVisible());
+  EXPECT_FALSE(test::find<QWidget>(*bench.frame, "Factory Reset")->isVisible());
+  bench.frame->resize(853, 500);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(column.shape(), ColumnShape::console) << "chosen";
+}
+
+}  // namespace
+}  // namespace qv5123
