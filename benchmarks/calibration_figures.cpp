@@ -158,11 +158,11 @@ ColourMatrix inverse(const ColourMatrix& m) {
 }
 
 /// The matrix that undoes the crosstalk of white balanced colours, its rows summing to 1.
-ColourMatrix true_matrix(const CameraTruth& truth) {
-  ColourMatrix seen = truth.crosstalk;
+ColourMatrix true_matrix(const Camera& camera) {
+  ColourMatrix seen = camera.truth().crosstalk;
   for (auto& row : seen) {
     double grey = 0;
-    for (std::size_t j = 0; j < 3; ++j) grey += row[j] *= truth.illuminant[j];
+    for (std::size_t j = 0; j < 3; ++j) grey += row[j] *= camera.illuminant()[j];
     for (double& element : row) element /= grey;
   }
   return inverse(seen);
@@ -216,7 +216,7 @@ void measure_matrix(const Scene& scene, bool noise, std::uint64_t seed) {
   const DifferenceSummary before = bench.closed_loop();
   bench.calibrate_matrix();
   const DifferenceSummary after = bench.closed_loop();
-  const double error = largest_error(bench.matrix.coefficients, true_matrix(truth));
+  const double error = largest_error(bench.matrix.coefficients, true_matrix(*bench.chip.camera()));
   const PatchReport page =
       patch_report(bench.matrix.measured, bench.matrix.coefficients).value_or(PatchReport{});
   const bool within = error <= 0.035 && page.after.mean <= 1.3 && page.after.worst <= 7.5 &&

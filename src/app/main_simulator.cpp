@@ -10,8 +10,8 @@
 #include "base/interrupts.h"
 #include "link/serial_device.h"
 #include "simulator/board_server.h"
+#include "simulator/camera.h"
 #include "simulator/pty.h"
-#include "simulator/scene.h"
 
 namespace {
 
@@ -25,11 +25,19 @@ struct Options {
   std::string link;
   std::string port;
   std::string scene = kSceneNames[0];
+  int lamp = kUsualLamp;
+  std::string noise = "low";
   bool trace = false;
   LineOptions line;
   int latency = 0;  // ms
   std::vector<std::string> faults;
 };
+
+/// What is wrong with the name of a scene; empty when nothing is.
+std::string scene_check(const std::string& name) {
+  if (scene_named(name)) return {};
+  return name + " is no scene: chart or flat, then any of " + scene_words() + ", with - between them";
+}
 
 void declare(CLI::App& app, Options& options) {
   app.set_version_flag("--version", std::string(kProgram) + " " + QV5123_VERSION,
@@ -47,9 +55,19 @@ void declare(CLI::App& app, Options& options) {
   app.add_option("--latency", options.latency, "Let the chip take this long for everything that it says")
       ->type_name("MS")
       ->check(CLI::Range(0, 60'000));
-  app.add_option("--scene", options.scene, "What the camera looks at (default chart)")
+  app.add_option(
+         "--scene", options.scene,
+         "What the camera looks at: chart (the default) or flat, then any of these words, with - between\n"
+         "them: " +
+             scene_words())
       ->type_name("KIND")
-      ->check(CLI::IsMember(std::vector<std::string>(kSceneNames.begin(), kSceneNames.end())));
+      ->check(scene_check);
+  app.add_option("--lamp", options.lamp, "Colour temperature of the lamp (default 4100)")
+      ->type_name("KELVIN")
+      ->check(CLI::Range(2000, 10'000));
+  app.add_option("--noise", options.noise, "Noise of the sensor: off, low (the default) or high")
+      ->type_name("HOW MUCH")
+      ->check(CLI::IsMember(std::vector<std::string>(kNoiseNames.begin(), kNoiseNames.end())));
   app.add_flag("--trace", options.trace, "Print every frame that the chip understands");
   app.add_option("--seed", options.line.seed, "Seed of everything random (default 1)");
   app.add_option(
@@ -123,6 +141,8 @@ int run(const Options& options) {
   SimulatedChip chip;
   CameraTruth truth;
   truth.seed = options.line.seed;
+  truth.lamp = options.lamp;
+  set_noise(truth, options.noise);
   chip.set_camera(Camera(scene_named(options.scene).value_or(Scene{}), truth));
   if (options.trace) {
     chip.set_trace([](const std::string& line) { std::cout << line << std::endl; });

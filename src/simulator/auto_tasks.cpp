@@ -47,11 +47,11 @@ double median(std::vector<double>& values) {
   return *middle;
 }
 
-void expose(const std::vector<Light>& windows, double gain, ChipState& chip) {
+void expose(const std::vector<Light>& windows, double gain, double overexposure, ChipState& chip) {
   double brightest = 0;
   for (const Light& window : windows) brightest = std::max(brightest, luma_of(window));
   if (brightest <= 0) return;
-  const double aim = kCountsPerTarget * chip.user_data.entry(kAeTargetEntry);
+  const double aim = overexposure * kCountsPerTarget * chip.user_data.entry(kAeTargetEntry);
   set_isp_word(chip, picture_register::kGain, gain_code(gain * aim / brightest, kLargestSensorGain));
 }
 
@@ -79,7 +79,7 @@ void run_auto_tasks(const Camera& camera, ChipState& chip) {
   PictureSettings settings = picture_settings(chip);
   settings.gain = std::max(settings.gain, 1.0 / kGainUnit);
   const std::vector<Light> windows = statistics(camera, settings);
-  if (ae) expose(windows, settings.gain, chip);
+  if (ae) expose(windows, settings.gain, camera.overexposure(), chip);
   if (awb) balance(windows, settings.white, chip);
 }
 

@@ -47,8 +47,41 @@ TEST(Scene, IsNamedAndHasItsPatchesOnGrey) {
   EXPECT_FALSE(scene_named("chart-1080"));
   const Scene small = *scene_named("chart-720");
   EXPECT_EQ(patch_middle(small, 23), (PicturePoint{1040, 600}));
-  EXPECT_EQ(scene_light(small, 1040 + 63, 600 - 63), (Light{0.033171315, 0.034032973, 0.035800748}));
-  for (const int far : {-2'000'000'000, 2'000'000'000}) EXPECT_EQ(scene_light(small, far, far)[1], 0.2);
+  const ChartPose pose(small);
+  EXPECT_EQ(scene_light(small, pose, 1040 + 63, 600 - 63), chart_colours()[23]);
+  EXPECT_EQ(scene_light(small, pose, 1040 + 65, 600)[1], 0.2) << "between the patches";
+  for (const int far : {-2'000'000'000, 2'000'000'000}) EXPECT_EQ(scene_light(small, pose, far, far)[1], 0.2);
+  for (const char* no : {"", "chart-", "flat-foo", "turned", "chart--720"})
+    EXPECT_FALSE(scene_named(no)) << no;
+  EXPECT_EQ(scene_name(*scene_named("chart-720-steep-turned")), "chart-turned-steep-720");
+  for (const char* name : kSceneNames) EXPECT_EQ(scene_name(scene_named(name).value()), name);
+}
+
+TEST(Scene, LiesAsItsTraitsSay) {
+  const Scene turned = *scene_named("chart-turned");
+  EXPECT_EQ(patch_middle(turned, 0), (PicturePoint{387, 139})) << "4 degrees clockwise, worked out by hand";
+  const Scene angle = *scene_named("chart-angle");
+  const ChartPose pose(angle);
+  for (std::size_t i = 0; i < kChartPatches; ++i) {
+    const PicturePoint middle = patch_middle(angle, i);
+    EXPECT_EQ(pose.patch_at(middle.x, middle.y), i);
+  }
+  const auto width = [&](std::size_t left) {
+    return patch_middle(angle, left + 1).x - patch_middle(angle, left).x;
+  };
+  EXPECT_NE(width(0), width(4)) << "one side is nearer";
+  EXPECT_LT(patch_middle(angle, 5).x - patch_middle(angle, 0).x, 5 * patch_pitch(angle));
+}
+
+TEST(Scene, IsLitByTheChartsPublishedColoursUnderTheLampsOfTheWhites) {
+  // L* 50.76 beside 95.19 is Y 0.1904 beside 0.8809; red stands at about the sRGB 175, 54, 60.
+  EXPECT_NEAR(chart_colours()[21][1], 0.1904 / 0.8809, 0.003);
+  EXPECT_NEAR(chart_colours()[14][0], 0.429 / 0.8809, 0.025);
+  EXPECT_NEAR(chart_colours()[14][1], 0.037 / 0.8809, 0.01);
+  EXPECT_LT(chart_colours()[17][0], 0) << "no screen has cyan";
+  EXPECT_NEAR(lamp_light(4100)[2], 0.55, 1e-9);
+  for (std::size_t i = 1; i < kLamps.size(); ++i)
+    EXPECT_LT(lamp_light(kLamps[i])[2], lamp_light(kLamps[i - 1])[2]) << "warmer";
 }
 
 TEST(Camera, RepeatsItsNoiseAndSaturates) {
@@ -59,6 +92,49 @@ TEST(Camera, RepeatsItsNoiseAndSaturates) {
   truth.seed = 8;
   EXPECT_NE(camera.raw(3, 4, 1), Camera(camera.scene(), truth).raw(3, 4, 1));
   EXPECT_EQ(camera.raw(0, 0, 1000)[1], Camera::kFullScale);
+}
+
+TEST(Camera, SeesThroughTheLensAndTheLightOfItsScene) {
+  const auto quiet = [](const char* scene) {
+    CameraTruth truth;
+    set_noise(truth, "off");
+    return Camera(*scene_named(scene), truth);
+  };
+  // 950 pixels right of green's centre, 2400 behind the lens.
+  EXPECT_NEAR(quiet("flat-cos4").transmission(1926, 546, 1), 0.7474, 0.0001);
+  EXPECT_LT(quiet("flat-steep").transmission(1926, 546, 1), 0.65);
+  EXPECT_NE(quiet("flat-cos4").transmission(0, 546, 0), quiet("flat-cos4").transmission(0, 546, 2));
+
+  const PicturePoint red = patch_middle(Scene{}, 14);
+  const PicturePoint grey = patch_middle(Scene{}, 21);
+  const auto ratio = [&](const char* scene, PicturePoint at, std::size_t c) {
+    return quiet(scene).signal(at.x, at.y, 1)[c] / quiet("chart").signal(at.x, at.y, 1)[c];
+  };
+  bool differs = false;
+  for (std::size_t c = 0; c < 3; ++c) {
+    EXPECT_NEAR(ratio("chart-metameric", red, c), 1, 0.04);
+    differs = differs || ratio("chart-metameric", red, c) != 1;
+    EXPECT_EQ(ratio("chart-metameric", grey, c), 1);
+  }
+  EXPECT_TRUE(differs);
+  EXPECT_GT(ratio("chart-flare", patch_middle(Scene{}, 23), 1), 1.5) << "most of what is dark";
+  EXPECT_GT(ratio("chart-warm", grey, 0), 1.2);
+  EXPECT_GT(ratio("chart-warm", {1900, 540}, 1), 1.2 * ratio("chart-warm", {20, 540}, 1));
+
+  CameraTruth truth;
+  EXPECT_EQ(noise_name(truth), "low");
+  EXPECT_TRUE(set_noise(truth, "high"));
+  EXPECT_FALSE(set_noise(truth, "none"));
+  EXPECT_EQ(noise_name(truth), "high");
+}
+
+TEST_F(Picture, IsExposedAsTheSceneSays) {
+  switch_picker(true);
+  aim(*scene_named("chart-bright"));
+  point_at(patch_middle(Scene{}, 18));
+  EXPECT_GT(picked()[1], 250);
+  aim(*scene_named("chart-dark"));
+  EXPECT_LT(picked()[1], 40);
 }
 
 TEST_F(Picture, PickerMeasuresWhileItIsOn) {
@@ -154,7 +230,7 @@ TEST_F(Picture, TheMatrixFittedToTheChartUndoesTheCrosstalk) {
   // The inverse of the crosstalk under the lamp with rows that sum to 1, worked out by hand.
   constexpr double kTruth[3][3] = {{1.286, -0.261, -0.025}, {-0.215, 1.380, -0.165}, {-0.011, -0.763, 1.775}};
   for (std::size_t i = 0; i < 9; ++i)
-    EXPECT_NEAR(values.coefficients[i / 3][i % 3], kTruth[i / 3][i % 3], 0.03);
+    EXPECT_NEAR(values.coefficients[i / 3][i % 3], kTruth[i / 3][i % 3], 0.05);
   const auto report = patch_report(values.measured, values.coefficients);
   EXPECT_GT(report->before.mean, 5.5);
   EXPECT_LE(report->after.mean, 1.1);

@@ -5,6 +5,7 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "simulator/simulated_chip.h"
@@ -16,9 +17,24 @@ namespace {
 /// Large enough to tell patches and noise, small enough to be there at once.
 constexpr QSize kLargestPicture{640, 360};
 
+/// The words that lists say for the traits, in their order.
+constexpr std::array<const char*, kTraits> kTraitTexts = {
+    "turned by 4 degrees", "at an angle",  "metamerism of 4 %", "flare",     "warm lamp from the right",
+    "overexposed",         "underexposed", "cos\u2074 lens",    "steep lens"};
+
 QString scene_text(const Scene& scene) {
-  const QString kind = scene.kind == Scene::Kind::flat ? "Flat field" : "Colour chart";
-  return QStringLiteral("%1, %2 x %3").arg(kind).arg(scene.width).arg(scene.height);
+  QString text = scene.kind == Scene::Kind::flat ? "Flat field" : "Colour chart";
+  for (unsigned trait = 0; trait < kTraits; ++trait) {
+    if (scene.has(static_cast<Trait>(trait))) text += QString(", ") + kTraitTexts[trait];
+  }
+  return QString("%1, %2 x %3").arg(text).arg(scene.width).arg(scene.height);
+}
+
+/// Shows the item with this data, which the list gets where it has none.
+void show_item(QComboBox* list, const QVariant& data, const QString& text) {
+  const QSignalBlocker blocker(list);
+  if (list->findData(data) < 0) list->addItem(text, data);
+  list->setCurrentIndex(list->findData(data));
 }
 
 QImage image_of(const Preview& preview) {
@@ -36,27 +52,45 @@ CameraDock::CameraDock(WithChip with_chip, Scheduler& scheduler, QWidget* parent
     : QDockWidget("Camera", parent), with_chip_(std::move(with_chip)), background_(scheduler) {
   setObjectName("camera");
   auto* content = new QWidget(this);
-  scene_ = new QComboBox(content);
-  scene_->setObjectName("scene");
-  scene_->setAccessibleName("Scene");
-  scene_->setToolTip("What the simulated camera looks at");
-  for (const char* name : kSceneNames) {
-    scene_->addItem(scene_text(scene_named(name).value_or(Scene{})), QString::fromLatin1(name));
-  }
+  scene_ = add_choice(content, "scene", "Scene", "What the simulated camera looks at");
+  lamp_ = add_choice(content, "lamp", "Lamp", "Colour temperature of the light on the scene");
+  noise_ = add_choice(content, "noise", "Noise", "Noise of the sensor");
+  fill_choices();
   view_ = new PictureView(content);
   view_->setAccessibleName("Picture of the simulated camera");
   text_ = new QLabel(content);
   text_->setAccessibleName("Exposure and white balance");
   auto* layout = new QVBoxLayout(content);
+  auto* light = new QHBoxLayout;
+  light->addWidget(lamp_);
+  light->addWidget(noise_);
   layout->addWidget(scene_);
+  layout->addLayout(light);
   layout->addWidget(text_);
   layout->addWidget(view_, 1);
   setWidget(content);
 
   timer_.setInterval(kLook);
   connect(&timer_, &QTimer::timeout, this, &CameraDock::look);
-  connect(scene_, &QComboBox::activated, this,
-          [this](int index) { aim(scene_->itemData(index).toString()); });
+}
+
+QComboBox* CameraDock::add_choice(QWidget* content, const char* name, const QString& what,
+                                  const QString& tooltip) {
+  auto* list = new QComboBox(content);
+  list->setObjectName(name);
+  list->setAccessibleName(what);
+  list->setToolTip(tooltip);
+  // A long name must not make the dock wide.
+  list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  connect(list, &QComboBox::activated, this, &CameraDock::aim);
+  return list;
+}
+
+void CameraDock::fill_choices() {
+  for (const char* name : kSceneNames)
+    scene_->addItem(scene_text(scene_named(name).value_or(Scene{})), QString(name));
+  for (const int lamp : kLamps) lamp_->addItem(QString("Lamp of %1 K").arg(lamp), lamp);
+  for (const char* name : kNoiseNames) noise_->addItem(QString("Noise %1").arg(name), QString(name));
 }
 
 const QImage& CameraDock::picture() const {
@@ -95,7 +129,7 @@ void CameraDock::look() {
 
 Task<> CameraDock::compute(Order order) {
   shown_ = order;
-  show_scene(order.camera.scene());
+  show_camera(order.camera);
   const PictureSettings& settings = order.settings;
   text_->setText(QStringLiteral("Gain %1   R %2   B %3")
                      .arg(settings.gain, 0, 'f', 2)
@@ -109,16 +143,22 @@ Task<> CameraDock::compute(Order order) {
   emit picture_shown();
 }
 
-void CameraDock::show_scene(const Scene& scene) {
-  const QSignalBlocker blocker(scene_);
-  scene_->setCurrentIndex(scene_->findData(QString::fromStdString(scene_name(scene))));
+void CameraDock::show_camera(const Camera& camera) {
+  show_item(scene_, QString::fromStdString(scene_name(camera.scene())), scene_text(camera.scene()));
+  const int lamp = camera.truth().lamp;
+  show_item(lamp_, lamp, QString("Lamp of %1 K").arg(lamp));
+  const std::string_view noise = noise_name(camera.truth());
+  show_item(noise_, QString::fromLatin1(noise.data(), static_cast<qsizetype>(noise.size())), "Noise");
 }
 
-void CameraDock::aim(const QString& name) {
-  const std::optional<Scene> scene = scene_named(name.toStdString());
+void CameraDock::aim() {
+  const std::optional<Scene> scene = scene_named(scene_->currentData().toString().toStdString());
   if (!scene) return;
   with_chip_([&](SimulatedChip& chip) {
-    chip.set_camera(Camera(*scene, chip.camera() ? chip.camera()->truth() : CameraTruth{}));
+    CameraTruth truth = chip.camera() ? chip.camera()->truth() : CameraTruth{};
+    truth.lamp = lamp_->currentData().toInt();
+    set_noise(truth, noise_->currentData().toString().toStdString());
+    chip.set_camera(Camera(*scene, truth));
   });
   look();
 }

@@ -53,11 +53,15 @@ class CameraDock final : public QDockWidget {
   std::optional<Order> order();
   void look();
   Task<> compute(Order order);
-  void show_scene(const Scene& scene);
-  void aim(const QString& scene);
+  QComboBox* add_choice(QWidget* content, const char* name, const QString& what, const QString& tooltip);
+  void fill_choices();
+  void show_camera(const Camera& camera);
+  void aim();
 
   const WithChip with_chip_;
   QComboBox* scene_ = nullptr;
+  QComboBox* lamp_ = nullptr;
+  QComboBox* noise_ = nullptr;
   PictureView* view_ = nullptr;
   QLabel* text_ = nullptr;
   QTimer timer_;

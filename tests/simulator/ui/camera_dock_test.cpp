@@ -46,6 +46,20 @@ TEST(CameraDock, ShowsTheChipsPictureWhenItHasChangedAimsTheCameraAndRestsWhileH
   ASSERT_TRUE(bench.shown.wait());
   EXPECT_NEAR(bench.at(19, 17).green(), bench.at(50, 50).green(), 20);
 
+  auto* lamp = bench.dock.findChild<QComboBox*>("lamp");
+  auto* noise = bench.dock.findChild<QComboBox*>("noise");
+  EXPECT_EQ(noise->currentText(), "Noise low");
+  lamp->setCurrentIndex(lamp->findData(2400));
+  noise->setCurrentIndex(2);
+  emit noise->activated(2);
+  EXPECT_EQ(bench.chip.camera()->truth().lamp, 2400);
+  EXPECT_EQ(noise_name(bench.chip.camera()->truth()), "high");
+  EXPECT_EQ(bench.chip.camera()->scene(), scene_named("flat-720"));
+  bench.chip.set_camera(Camera(*scene_named("chart-turned-steep")));
+  ASSERT_TRUE(bench.shown.wait());
+  EXPECT_TRUE(scene->currentText().startsWith("Colour chart, turned by 4 degrees, steep lens"))
+      << "set elsewhere";
+
   bench.dock.hide();
   bench.write({{0x5F, 1}});
   EXPECT_FALSE(bench.shown.wait(2 * static_cast<int>(CameraDock::kLook.count())));
