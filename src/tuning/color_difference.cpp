@@ -97,7 +97,7 @@ std::uint32_t display_colour(const LinearRgb& colour) {
   return display_byte(colour[0]) << 16 | display_byte(colour[1]) << 8 | display_byte(colour[2]);
 }
 
-double ciede2000(const Lab& one, const Lab& other) {
+std::array<double, 3> ciede2000_parts(const Lab& one, const Lab& other) {
   const double mean_chroma = (std::hypot(one.a, one.b) + std::hypot(other.a, other.b)) / 2;
   const double stretch = 1 + 0.5 * (1 - saturation(mean_chroma));
   const Polar p1 = polar(one.a * stretch, one.b);
@@ -109,7 +109,14 @@ double ciede2000(const Lab& one, const Lab& other) {
   const double dc = (p2.chroma - p1.chroma) / (1 + 0.045 * chroma);
   const double dh = 2 * std::sqrt(p1.chroma * p2.chroma) * std::sin(hue_step(p1, p2) / 2) /
                     (1 + 0.015 * chroma * hue_weight(hue));
-  return std::sqrt(std::max(0.0, dl * dl + dc * dc + dh * dh + rotation(hue, chroma) * dc * dh));
+  // dc^2 + dh^2 + turn dc dh as a sum of two squares.
+  const double turn = rotation(hue, chroma);
+  return {dl, dc + turn / 2 * dh, std::sqrt(std::max(0.0, 1 - turn * turn / 4)) * dh};
+}
+
+double ciede2000(const Lab& one, const Lab& other) {
+  const auto [lightness, chroma, hue] = ciede2000_parts(one, other);
+  return std::sqrt(lightness * lightness + chroma * chroma + hue * hue);
 }
 
 }  // namespace qv5123

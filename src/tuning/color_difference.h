@@ -22,6 +22,9 @@ Lab lab_of(const LinearRgb& colour);
 /// 0xRRGGBB to paint the colour with: sRGB transfer characteristic, clipped to the gamut.
 std::uint32_t display_colour(const LinearRgb& colour);
 
+/// What the colour difference below is made of: its root of the sum of squares.
+std::array<double, 3> ciede2000_parts(const Lab& one, const Lab& other);
+
 /// The CIE's 2000 colour difference with all weights 1; 1 is about what an eye can just tell apart.
 double ciede2000(const Lab& one, const Lab& other);
 

@@ -53,14 +53,22 @@ bool all_finite(const std::array<float, 3>& row) {
 
 }  // namespace
 
-std::optional<BalancedColours> balance_patches(const MeasuredColours& measured) {
+std::optional<BalancedColours> balance_patches_exactly(const MeasuredColours& measured) {
   const Row sums = grey_sums(measured);
   if (sums[0] == 0 || sums[1] == 0 || sums[2] == 0) return std::nullopt;
   BalancedColours balanced{};
   for (std::size_t i = 0; i < kPatches; ++i) {
-    balanced[i] = {std::trunc(measured[i][0] * (sums[1] / sums[0])), static_cast<double>(measured[i][1]),
-                   std::trunc(measured[i][2] * (sums[1] / sums[2]))};
+    balanced[i] = {measured[i][0] * (sums[1] / sums[0]), static_cast<double>(measured[i][1]),
+                   measured[i][2] * (sums[1] / sums[2])};
   }
+  return balanced;
+}
+
+std::optional<BalancedColours> balance_patches(const MeasuredColours& measured) {
+  std::optional<BalancedColours> balanced = balance_patches_exactly(measured);
+  if (!balanced) return std::nullopt;
+  for (auto& patch : *balanced)
+    for (double& counts : patch) counts = std::trunc(counts);
   return balanced;
 }
 
@@ -68,17 +76,21 @@ bool is_measured(const MeasuredColour& patch) {
   return patch[0] != 0 && patch[1] != 0 && patch[2] != 0;
 }
 
-std::optional<MatrixFit> fit_matrix(const MeasuredColours& measured, int ratio) {
-  const std::optional<BalancedColours> balanced = balance_patches(measured);
-  if (!balanced) return std::nullopt;
+MatrixFit fit_balanced(const MeasuredColours& measured, const BalancedColours& balanced, int ratio) {
   MatrixFit fit;
   for (std::size_t r = 0; r < kMatrixRows; ++r) {
-    const auto [raw, determined] = fit_row(measured, *balanced, r);
+    const auto [raw, determined] = fit_row(measured, balanced, r);
     fit.coefficients[r] = finished_row(raw, r, ratio / 100.0);
     // At 0 % the identity is the answer whatever was measured.
     fit.solvable = fit.solvable && (determined || ratio == 0) && all_finite(fit.coefficients[r]);
   }
   return fit;
+}
+
+std::optional<MatrixFit> fit_matrix(const MeasuredColours& measured, int ratio) {
+  const std::optional<BalancedColours> balanced = balance_patches(measured);
+  if (!balanced) return std::nullopt;
+  return fit_balanced(measured, *balanced, ratio);
 }
 
 MatrixResult calculate_matrix(MatrixValues& values) {

@@ -12,6 +12,9 @@ using BalancedColours = std::array<std::array<double, 3>, kPatches>;
 /// when one colour of all four is 0.
 std::optional<BalancedColours> balance_patches(const MeasuredColours& measured);
 
+/// The same without truncating.
+std::optional<BalancedColours> balance_patches_exactly(const MeasuredColours& measured);
+
 /// True when no component of the patch is 0; only these count in the fit.
 bool is_measured(const MeasuredColour& patch);
 
@@ -26,6 +29,10 @@ struct MatrixFit {
 /// row scaled to sum to 1, so that neutral stays neutral; then moved towards the identity: `ratio` percent
 /// of the way from there. Nothing when no grey has been measured.
 std::optional<MatrixFit> fit_matrix(const MeasuredColours& measured, int ratio);
+
+/// The same for patches that are balanced already. Only those whose `measured` has no 0 count, so that one
+/// can be left out by itself.
+MatrixFit fit_balanced(const MeasuredColours& measured, const BalancedColours& balanced, int ratio);
 
 enum class MatrixResult {
   ok,

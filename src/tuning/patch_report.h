@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "tuning/matrix_fit.h"
 
@@ -29,9 +30,20 @@ struct PatchReport {
   DifferenceSummary after;
 };
 
-/// The report on `measured` with the matrix as the registers hold it, after rounding. The exposure is the
-/// one that brings the green of the four greys, summed, to that of their references. Nothing when no grey
-/// has been measured.
+/// The measured patches, white balanced and exposed like the references; empty where a component was not
+/// measured. The exposure is the one that brings the green of the four greys, summed, to that of their
+/// references. Nothing when no grey has been measured.
+using ExposedPatches = std::array<std::optional<LinearRgb>, kPatches>;
+std::optional<ExposedPatches> exposed_patches(const MeasuredColours& measured);
+/// The same without cutting balanced counts to whole ones, as the chip balances.
+std::optional<ExposedPatches> exact_patches(const MeasuredColours& measured);
+
+LinearRgb through_matrix(const Coefficients& matrix, const LinearRgb& colour);
+
+DifferenceSummary summary_of(std::vector<double> differences);
+
+/// The report on `measured` with the matrix as the registers hold it, after rounding. Nothing when no
+/// grey has been measured.
 std::optional<PatchReport> patch_report(const MeasuredColours& measured, const Coefficients& coefficients);
 
 }  // namespace qv5123
