@@ -74,7 +74,7 @@ _qv5123ctl() {
     "gamma") words="compute" ;;
     "gamma compute") words="--gamma --itu709 --front-level" ;;
     "matrix") words="fit" ;;
-    "matrix fit") words="--ratio" files=yes ;;
+    "matrix fit") words="--ratio --color-difference --memory-weight --noise-limit" files=yes ;;
     "lsc") words="fit" ;;
     "lsc fit") words="--ratio --width" files=yes ;;
   esac

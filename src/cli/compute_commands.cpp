@@ -9,7 +9,7 @@
 #include "cli/numbers.h"
 #include "tuning/gamma_curve.h"
 #include "tuning/lens_fit.h"
-#include "tuning/patch_report.h"
+#include "tuning/matrix_diagnosis.h"
 
 namespace qv5123 {
 namespace {
@@ -25,6 +25,8 @@ struct FitOptions {
   std::filesystem::path file;
   int ratio = 100;
   int width = 1920;
+  bool color_difference = false;
+  ColorFitOptions color;
 };
 
 ExitCode compute_gamma(Context& context, const GammaOptions& options) {
@@ -82,6 +84,24 @@ Json matrix_json(const MatrixFit& fit, const PatchReport& report) {
           {"after", json_of(report.after)}};
 }
 
+Json diagnosis_json(const MatrixFit& fit, const MatrixDiagnosis& found) {
+  Json pulls = Json::array();
+  for (const PatchPull& pull : found.pulls)
+    pulls.push_back({{"name", kPatchCaptions[pull.patch]}, {"change", pull.change}});
+  Json gains = Json::array();
+  for (const auto& row : fit.coefficients) gains.push_back(noise_gain(row));
+  return {{"condition", found.condition},
+          {"left_out", json_of(found.left_out)},
+          {"noise_gain", gains},
+          {"pulls", pulls}};
+}
+
+std::string diagnosis_text(const MatrixFit& fit, const MatrixDiagnosis& found) {
+  std::string text = "condition " + fixed(found.condition, 1) + ", noise gain";
+  for (const auto& row : fit.coefficients) text += " " + fixed(noise_gain(row), 2);
+  return text + "\n";
+}
+
 std::string summary_text(const std::string& when, const DifferenceSummary& summary) {
   return "CIEDE2000 " + when + ": mean " + fixed(summary.mean, 2) + ", median " + fixed(summary.median, 2) +
          ", worst " + fixed(summary.worst, 2) + "\n";
@@ -105,15 +125,32 @@ std::string matrix_text(const MatrixFit& fit, const PatchReport& report) {
   return text + summary_text("before", report.before) + summary_text("after", report.after);
 }
 
+MatrixValues values_of(const MeasuredColours& measured, int ratio, const Coefficients& coefficients) {
+  MatrixValues values;
+  values.measured = measured;
+  values.ratio = ratio;
+  values.coefficients = coefficients;
+  return values;
+}
+
 ExitCode fit_matrix_command(Context& context, const FitOptions& options) {
   const MeasuredColours measured = read_patches(options.file);
-  const std::optional<MatrixFit> fit = fit_matrix(measured, options.ratio);
+  std::optional<MatrixFit> fit = fit_matrix(measured, options.ratio);
+  const std::optional<MatrixDiagnosis> found = diagnose_patches(measured, options.ratio);
+  if (fit && options.color_difference) fit = {*fit_color_difference(measured, options.color), true};
   const std::optional<PatchReport> report = fit ? patch_report(measured, fit->coefficients) : std::nullopt;
-  if (!report) refuse(path_text(options.file) + ": one colour of all four greys, lines 20 to 23, is 0");
+  if (!report || !found)
+    refuse(path_text(options.file) + ": one colour of all four greys, lines 20 to 23, is 0");
   if (!fit->solvable) {
     throw Complaint{ExitCode::negative, path_text(options.file) + ": the patches do not determine a matrix"};
   }
-  context.out.result(matrix_json(*fit, *report), matrix_text(*fit, *report));
+  Json json = matrix_json(*fit, *report);
+  json.update(diagnosis_json(*fit, *found));
+  std::string text = matrix_text(*fit, *report) + summary_text("of patches left out", found->left_out) +
+                     diagnosis_text(*fit, *found);
+  for (const std::string& warning : matrix_warnings(values_of(measured, options.ratio, fit->coefficients)))
+    text += "! " + warning + "\n";
+  context.out.result(json, text);
   return ExitCode::done;
 }
 
@@ -169,6 +206,12 @@ void declare_ratio(CLI::App& command, FitOptions& options) {
 void declare_matrix(CLI::App& command, FitOptions& options) {
   add_path(command, "PATCHES.csv", options.file, "24 lines R,G,B; 0 is not measured")->required();
   declare_ratio(command, options);
+  command.add_flag("--color-difference", options.color_difference,
+                   "Fit whole codes for the least mean CIEDE2000 instead; the ratio has no say in it");
+  add_number(command, "--memory-weight", options.color.memory_weight, kMemoryWeight.lowest,
+             kMemoryWeight.highest, "With that: what skin and neutral patches count (default 1)");
+  add_number(command, "--noise-limit", options.color.noise_limit, kNoiseLimit.lowest, kNoiseLimit.highest,
+             "With that: percent of its noise that a row may make (default 300)");
 }
 
 void declare_lens(CLI::App& command, FitOptions& options) {
