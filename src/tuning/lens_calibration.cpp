@@ -1,5 +1,6 @@
 #include "tuning/lens_calibration.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/delay.h"
@@ -83,7 +84,8 @@ Task<std::string> switch_lens_picker(CommandLink& link, LensValues& values, bool
 }
 
 Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values,
-                                           std::function<void(const LensSample&)> on_sample) {
+                                           std::function<void(const LensSample&)> on_sample,
+                                           std::function<Task<LensDecision>(const LensCalibration&)> decide) {
   LensCalibrationResult result;
   LensCalibration& calibration = result.calibration;
   calibration.width = lens_line_width(values.screen_index);
@@ -104,6 +106,17 @@ Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values
   }
 
   calibration.centre = fit_lens_centre(calibration.samples, calibration.width);
+  LensValues found = values;
+  result.log = recompute_lens(calibration, found);
+  const LensDecision decision = co_await decide(calibration);
+  if (decision == LensDecision::keep_old) {
+    result.end = CalibrationEnd::declined;
+    result.log.pop_back();  // the mark of both rows sent
+    values.calibrated = false;
+    if (values.picker_on) result.picker = co_await end_measuring(link, values);
+    co_return result;
+  }
+  calibration.first_alone = decision == LensDecision::send_first_alone;
   int ratio = 0;
   do {
     ratio = values.ratio;
@@ -113,6 +126,32 @@ Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values
     if (values.picker_on) result.picker = co_await end_measuring(link, values);
   } while (values.ratio != ratio);
   co_return result;
+}
+
+Task<std::string> check_field(CommandLink& link, LensValues& values, std::vector<PickerPosition> positions,
+                              std::function<bool(const PerColour&)> on_reading) {
+  const int enable = co_await read_picker_register(link, picker_register::kEnable);
+  if (enable < 0) co_return no_answer_text(picker_register::kEnable);
+  const int correction = co_await read_picker_register(link, picker_register::kCorrection);
+  if (correction < 0) co_return no_answer_text(picker_register::kCorrection);
+  IspBytes on = picker_switch_bytes(true, enable);
+  // Behind the correction, which a calibration measures in front of.
+  on.insert(on.begin(), {picker_register::kCorrection, correction | 0x10});
+  std::string trouble = co_await switch_picker(link, true, std::move(on), positions.front());
+  const unsigned connection = link.connection();
+  for (const PickerPosition& position : positions) {
+    if (!trouble.empty()) break;
+    IspBytes there = picker_position_bytes(position);
+    PerColour colour = co_await read_picker_at(link, std::move(there));
+    if (*std::ranges::min_element(colour) < 0 || link.connection() != connection) {
+      trouble = "Check field: no reading at " + std::to_string(position.x) + ", " +
+                std::to_string(position.y) + ".";
+    } else if (!on_reading(colour)) {
+      trouble = "Check field: stopped.";
+    }
+  }
+  const std::string left_on = co_await end_measuring(link, values);
+  co_return trouble.empty() ? left_on : trouble;
 }
 
 }  // namespace qv5123

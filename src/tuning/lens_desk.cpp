@@ -3,6 +3,7 @@
 #include <functional>
 #include <utility>
 
+#include "base/text.h"
 #include "tuning/page_flows.h"
 
 namespace qv5123 {
@@ -57,7 +58,73 @@ void LensDesk::set_flicker(int mode) {
 
 void LensDesk::start_calibration(Prompts& prompts) {
   view().take_typed();
-  if (!calibrating()) calibrating_.start(calibrate(prompts));
+  if (!calibrating() && !checking_field()) calibrating_.start(calibrate(prompts));
+}
+
+Task<LensDecision> LensDesk::decide(Prompts& prompts, const LensCalibration& found) {
+  std::string text;
+  for (const std::string& warning : lens_warnings(found)) text += warning + "\n";
+  if (!second_parameter_clamped(found)) {
+    if (text.empty()) co_return LensDecision::send;
+    const Answer answer =
+        co_await prompts.ask(careful_question(text + "\nSend the parameters all the same?", "Calibration"));
+    co_return answer == Answer::yes ? LensDecision::send : LensDecision::keep_old;
+  }
+  const PerColour alone = first_parameter_alone(found, values_.ratio);
+  const auto ripple = [&](const PerColour& parameter1) {
+    return fixed(lens_line_ripple(found, parameter1, found.fit.parameter2), 1) + " %";
+  };
+  text += "Parameter-2 came out below 0, which the chip cannot do, and became 0: a ripple of " +
+          ripple(found.fit.parameter1) + " remains along the line. With Parameter-1 fitted alone it is " +
+          fixed(lens_line_ripple(found, alone, {}), 1) + " %.";
+  Question question;
+  question.text = text;
+  question.title = "Calibration";
+  question.buttons = Question::Buttons::yes_no_cancel;
+  question.preferred = Answer::cancel;
+  question.yes_text = "Send as fitted";
+  question.no_text = "Send Parameter-1 alone";
+  question.cancel_text = "Keep the old";
+  const Answer answer = co_await prompts.ask(std::move(question));
+  if (answer == Answer::yes) co_return LensDecision::send;
+  co_return answer == Answer::no ? LensDecision::send_first_alone : LensDecision::keep_old;
+}
+
+void LensDesk::press_check_field() {
+  view().take_typed();
+  stop_checking_ = checking_field();
+  if (!calibrating() && !checking_field()) checking_.start(run_check_field());
+}
+
+Task<> LensDesk::run_check_field() {
+  co_await picker_.arrive();
+  const BusyScope busy(host());
+  field_.clear();
+  picker_.want_keys(false);
+  lens_view_->allow_switch(false);
+  lens_view_->show_field();
+  host().show_status("Checking the field with the correction that the chip has. Press again to stop.");
+  const std::vector<PickerPosition> positions = field_positions(values_.screen_index);
+  const std::size_t of = positions.size();
+  std::function<bool(const PerColour&)> on_reading = [this, of](const PerColour& colour) {
+    field_.push_back(colour);
+    host().show_progress(static_cast<int>(field_.size() * 100 / of));
+    lens_view_->show_field();
+    return !stop_checking_;
+  };
+  const std::string trouble = co_await check_field(link(), values_, positions, std::move(on_reading));
+  lens_view_->allow_switch(true);
+  picker_.want_keys(values_.picker_on);
+  view().show_values();
+  if (!trouble.empty()) {
+    host().show_failure(trouble);
+    co_return;
+  }
+  const auto [red, green, blue] = field_ripple(field_);
+  const std::string text = "Ripple of the whole picture: red " + fixed(red, 1) + " %, green " +
+                           fixed(green, 1) + " %, blue " + fixed(blue, 1) + " %.";
+  lens_view_->add_to_log(text + "\r\n");
+  host().show_status(text);
 }
 
 Task<> LensDesk::calibrate(Prompts& prompts) {
@@ -81,7 +148,9 @@ Task<> LensDesk::calibrate(Prompts& prompts) {
   LensCalibrationResult result;
   {
     const BusyScope busy(host());
-    result = co_await calibrate_lens(link(), values_, std::move(on_sample));
+    std::function<Task<LensDecision>(const LensCalibration&)> asked =
+        [this, &prompts](const LensCalibration& found) { return decide(prompts, found); };
+    result = co_await calibrate_lens(link(), values_, std::move(on_sample), std::move(asked));
   }
   LensValues before = values_;
   before.parameter1 = former.parameter1;
@@ -114,8 +183,10 @@ void LensDesk::finish(LensCalibrationResult result) {
   picker_.want_keys(result.end == CalibrationEnd::aborted || values_.picker_on);
   // An abort was a click on the switch, which says so itself.
   if (result.end == CalibrationEnd::aborted) return;
-  if (result.picker.empty()) return host().show_status(kPickerOffStatus);
-  host().show_failure(result.picker);
+  if (!result.picker.empty()) return host().show_failure(result.picker);
+  host().show_status(result.end == CalibrationEnd::declined
+                         ? "The parameters were not sent: the old ones are kept."
+                         : kPickerOffStatus);
 }
 
 Task<> LensDesk::save(PageHost& files) {

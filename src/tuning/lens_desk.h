@@ -17,6 +17,8 @@ class LensDesk final : public PageDesk<LensPage> {
    public:
     /// A sweep has begun or a sample came in.
     virtual void show_calibration() {}
+    /// "Check field" has begun, or measured at another place.
+    virtual void show_field() {}
     virtual void clear_log() {}
     virtual void add_to_log(const std::string&) {}
     /// Whether the picker may be switched: not while a sweep does so by itself.
@@ -39,6 +41,10 @@ class LensDesk final : public PageDesk<LensPage> {
   void send_row(LensControl row);
   /// "CALIBRATION"; ignored while one is under way.
   void start_calibration(Prompts& prompts);
+  /// "Check field": measures 9 x 5 places with the correction that the chip has; pressed again it stops.
+  void press_check_field();
+  bool checking_field() const { return checking_.running(); }
+  const LensField& field() const { return field_; }
   /// "File/Flash Save" on file and chip.
   Task<> save(PageHost& files);
 
@@ -52,12 +58,17 @@ class LensDesk final : public PageDesk<LensPage> {
   Task<> calibrate(Prompts& prompts);
   void take_sample(const LensSample& sample, std::size_t of);
   void finish(LensCalibrationResult result);
+  Task<LensDecision> decide(Prompts& prompts, const LensCalibration& found);
+  Task<> run_check_field();
 
   View nobody_;
   View* lens_view_ = &nobody_;
   PickerDesk picker_;
   LensCalibration calibration_;
   Flow calibrating_;
+  LensField field_;
+  bool stop_checking_ = false;
+  Flow checking_;
 };
 
 }  // namespace qv5123

@@ -1,10 +1,10 @@
 #include "tuning/lens_fit.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 
 #include "base/saturate.h"
+#include "base/text.h"
 #include "tuning/linear_solve.h"
 
 namespace qv5123 {
@@ -63,13 +63,6 @@ int parameter_of(double coefficient) {
   return std::clamp(saturate_to_int(coefficient * kParameterUnit), 0, kLensParameterMaximum);
 }
 
-/// Six decimals with a point in every locale.
-std::string decimals(double value) {
-  char text[400];
-  const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6).ptr;
-  return {text, end};
-}
-
 }  // namespace
 
 LensSample lens_sample(int x, const PerColour& rgb) {
@@ -117,9 +110,26 @@ double lens_gain(int parameter1, int parameter2, int x, int centre_x) {
   return 1 + parameter1 / kParameterUnit * d2 - parameter2 / kParameterUnit * d2 * d2;
 }
 
+PerColour first_parameter_alone(const LensCalibration& calibration, int ratio) {
+  PerColour parameter{};
+  for (std::size_t c = 0; c < 3; ++c) {
+    LeastSquares<1> squares;
+    for (const LensSample& sample : calibration.samples) {
+      const double gain = (static_cast<double>(calibration.centre.peak[c]) / sample.rgb[c] - 1) * ratio / 100;
+      squares.add({squared_distance(sample.x, calibration.centre.x)}, gain);
+    }
+    parameter[c] = parameter_of(squares.solve().solution[0]);
+  }
+  return parameter;
+}
+
 std::string recompute_lens(LensCalibration& calibration, LensValues& values) {
   if (calibration.samples.empty()) return {};
   calibration.fit = fit_lens(calibration.samples, calibration.centre, values.ratio);
+  if (calibration.first_alone) {
+    calibration.fit.parameter1 = first_parameter_alone(calibration, values.ratio);
+    calibration.fit.parameter2 = {};
+  }
   values.parameter1 = calibration.fit.parameter1;
   values.parameter2 = calibration.fit.parameter2;
   values.calibrated = true;
@@ -139,7 +149,7 @@ std::string lens_sample_log(const LensSample& sample) {
 
 std::string lens_fit_log(const LensCentre& centre, const LensFit& fit) {
   std::string log = "Center horizontal pos: " + std::to_string(centre.x) + "\r\n";
-  for (std::size_t c = 0; c < 3; ++c) log += decimals(fit.a[c]) + ", " + decimals(fit.b[c]) + ", \r\n";
+  for (std::size_t c = 0; c < 3; ++c) log += fixed(fit.a[c], 6) + ", " + fixed(fit.b[c], 6) + ", \r\n";
   return log + " ";
 }
 

@@ -59,7 +59,11 @@ struct LensCalibration {
   std::vector<LensSample> samples;
   LensCentre centre;
   LensFit fit;
+  bool first_alone = false;  ///< parameter 1 is fitted without the other, which is 0
 };
+
+/// Parameter 1 where gain - 1 = a d^2 alone is fitted. `ratio` is in percent.
+PerColour first_parameter_alone(const LensCalibration& calibration, int ratio);
 
 /// Fits `calibration` anew for the ratio in `values`, puts the parameters there and returns what the log
 /// gets. Nothing happens without samples.

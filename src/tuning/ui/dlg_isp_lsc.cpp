@@ -14,9 +14,11 @@ CDlgIspLSC::CDlgIspLSC(PageHost& host)
       desk_(host, host.document().user_data),
       edits_(desk_, [this] { chart_->refresh(); }),
       picker_(make_picker()),
-      chart_(new LensChartView(desk_.calibration(), desk_.values())) {
+      chart_(new LensChartView(desk_.calibration(), desk_.values())),
+      field_(new LensFieldView) {
   auto* left = new QVBoxLayout;
   left->addWidget(chart_, 3);
+  left->addWidget(field_);
   left->addWidget(make_log_row(), 1);
   auto* right = new QVBoxLayout;
   right->addWidget(picker_);
@@ -89,6 +91,11 @@ QWidget* CDlgIspLSC::make_ratio_row() {
   row->addWidget(ratio);
   row->addWidget(new QLabel("%"));
   row->addStretch(1);
+  row->addWidget(
+      make_button("Check field", {},
+                  "Measures 9 x 5 places of the picture with the correction that the chip has, and "
+                  "switches the picker off; pressed again it stops",
+                  [this] { desk_.press_check_field(); }));
   return widget;
 }
 
@@ -121,6 +128,10 @@ void CDlgIspLSC::show_values() {
   show_checked(ntsc_, desk_.values().flicker == kFlickerNtsc);
   show_checked(pal_, desk_.values().flicker == kFlickerPal);
   chart_->refresh();
+}
+
+void CDlgIspLSC::show_field() {
+  field_->show_field(desk_.field());
 }
 
 void CDlgIspLSC::add_to_log(const std::string& text) {

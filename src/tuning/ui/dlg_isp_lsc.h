@@ -7,6 +7,7 @@
 #include "tuning/lens_desk.h"
 #include "tuning/ui/field_edits.h"
 #include "tuning/ui/lens_chart_view.h"
+#include "tuning/ui/lens_field_view.h"
 #include "tuning/ui/picker_box.h"
 #include "tuning/ui/tuning_dialog.h"
 
@@ -35,6 +36,7 @@ class CDlgIspLSC : public TuningDialog, private LensDesk::View {
   void show_values() override;
   void show_marks(const std::vector<ValueMark>& marks) override { edits_.show_marks(marks); }
   void show_calibration() override { chart_->refresh(); }
+  void show_field() override;
   void clear_log() override { log_->clear(); }
   void add_to_log(const std::string& text) override;
   void allow_switch(bool allowed) override { picker_->setEnabled(allowed); }
@@ -43,6 +45,7 @@ class CDlgIspLSC : public TuningDialog, private LensDesk::View {
   FieldEdits edits_;
   PickerBox* picker_;
   LensChartView* chart_;
+  LensFieldView* field_;
   QPlainTextEdit* log_;
   QCheckBox* ntsc_;
   QCheckBox* pal_;

@@ -1,0 +1,62 @@
+#include "tuning/ui/lens_field_view.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <array>
+
+namespace qv5123 {
+namespace {
+
+constexpr std::array<const char*, 3> kNames{"Red", "Green", "Blue"};
+constexpr std::array<int, 3> kHues{0, 120, 225};
+/// How far below the brightest place a cell is black, as a share of it: small differences are to be seen.
+constexpr double kDarkest = 0.3;
+
+}  // namespace
+
+LensFieldView::LensFieldView() {
+  setAccessibleName("Ripple of the whole picture");
+  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  hide();
+}
+
+void LensFieldView::show_field(const LensField& field) {
+  field_ = field;
+  const auto ripple = field_ripple(field);
+  QString text;
+  for (std::size_t c = 0; c < ripple.size(); ++c)
+    text += QString("%1 %2 %   ").arg(kNames[c]).arg(ripple[c], 0, 'f', 1);
+  setAccessibleDescription(text.trimmed());
+  show();
+  update();
+}
+
+void LensFieldView::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  const double third = width() / 3.0;
+  for (std::size_t c = 0; c < kNames.size(); ++c)
+    paint_colour(painter, QRectF(static_cast<double>(c) * third, 0, third - 6, height()), c);
+}
+
+void LensFieldView::paint_colour(QPainter& painter, const QRectF& area, std::size_t colour) const {
+  const double line = fontMetrics().height();
+  painter.setPen(palette().color(QPalette::WindowText));
+  painter.drawText(
+      area, Qt::AlignLeft | Qt::AlignTop,
+      QString("%1: ripple %2 %").arg(kNames[colour]).arg(field_ripple(field_)[colour], 0, 'f', 1));
+  int brightest = 1;
+  for (const PerColour& place : field_) brightest = std::max(brightest, place[colour]);
+  const double cell_width = area.width() / kFieldColumns;
+  const double cell_height = (area.height() - line) / kFieldRows;
+  for (std::size_t i = 0; i < field_.size(); ++i) {
+    const int at = static_cast<int>(i);
+    const double below = (1 - static_cast<double>(field_[i][colour]) / brightest) / kDarkest;
+    const QRectF cell(area.left() + at % kFieldColumns * cell_width,
+                      area.top() + line + at / kFieldColumns * cell_height, cell_width, cell_height);
+    painter.fillRect(cell, QColor::fromHsvF(static_cast<float>(kHues[colour] / 360.0), 0.6F,
+                                            static_cast<float>(std::clamp(1 - below, 0.0, 1.0))));
+  }
+}
+
+}  // namespace qv5123

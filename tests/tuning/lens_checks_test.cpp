@@ -1,0 +1,156 @@
+#include "tuning/lens_checks.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+#include "support/chip_talk.h"
+#include "support/desk_bench.h"
+#include "tuning/lens_desk.h"
+
+namespace qv5123 {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+LensCalibration fitted(std::vector<LensSample> samples) {
+  LensCalibration calibration;
+  calibration.samples = std::move(samples);
+  calibration.centre = fit_lens_centre(calibration.samples, calibration.width);
+  LensValues values;
+  recompute_lens(calibration, values);
+  return calibration;
+}
+
+/// What a sweep over a line of a scene, across patches where there are some comes to, its brightest level at
+/// 200 counts where it is exposed rightly.
+LensCalibration swept(const char* scene_name) {
+  const Scene scene = *scene_named(scene_name);
+  CameraTruth truth;
+  set_noise(truth, "off");
+  const Camera camera(scene, truth);
+  const double gain = 200 * camera.overexposure() / camera.signal(960, 420, 1)[0];
+  std::vector<LensSample> samples;
+  for (const int x : lens_positions(scene.width)) {
+    const Light raw = camera.raw(x, 420, gain);
+    samples.push_back(
+        lens_sample(x, {static_cast<int>(std::lround(raw[0])), static_cast<int>(std::lround(raw[1])),
+                        static_cast<int>(std::lround(raw[2]))}));
+  }
+  return fitted(std::move(samples));
+}
+
+std::string all_warnings(const LensCalibration& calibration) {
+  std::string all;
+  for (const std::string& warning : lens_warnings(calibration)) all += warning + "\n";
+  return all;
+}
+
+TEST(LensChecks, DoubtWhatNoLensDoes) {
+  EXPECT_EQ(all_warnings(swept("flat")), "");
+  EXPECT_EQ(all_warnings(swept("flat-cos4")), "");
+  EXPECT_THAT(all_warnings(swept("flat-bright")), HasSubstr("Readings of red are clipped, over 250 counts"));
+  EXPECT_THAT(all_warnings(swept("chart")), HasSubstr("% off a smooth line: is the scene even?"));
+
+  std::vector<LensSample> still;
+  std::vector<LensSample> hollow;
+  for (const int x : lens_positions(1920)) {
+    still.push_back(lens_sample(x, {10, 20, 30}));
+    const int level = 100 + (x - 960) * (x - 960) / 10'000;
+    hollow.push_back(lens_sample(x, {level, level, level}));
+  }
+  EXPECT_THAT(all_warnings(fitted(still)), StartsWith("All readings of red are 10: is the picker on"));
+  EXPECT_THAT(all_warnings(fitted(hollow)), HasSubstr("Parameter-1 of green is at its limit, 4095."));
+  EXPECT_THAT(all_warnings(fitted(hollow)), HasSubstr("no flatter than the measured one: ripple "));
+  std::vector<LensSample> tunnel;
+  for (const int x : lens_positions(1920))
+    tunnel.push_back(
+        lens_sample(x, {std::max(1, 250 - std::abs(x - 960) / 3), 200, 200 - std::abs(x - 960) / 20}));
+  EXPECT_THAT(all_warnings(fitted(tunnel)), HasSubstr("Parameter-1 of red was fitted below 0"));
+}
+
+TEST(LensChecks, ASecondParameterBelowZeroIsBetterLeftOut) {
+  EXPECT_FALSE(second_parameter_clamped(swept("flat")));
+  for (const char* scene : {"flat-cos4", "flat-steep"}) {
+    const LensCalibration found = swept(scene);
+    EXPECT_TRUE(second_parameter_clamped(found)) << scene;
+    const double stated = lens_line_ripple(found, found.fit.parameter1, found.fit.parameter2);
+    EXPECT_LT(lens_line_ripple(found, first_parameter_alone(found, 100), {}), stated) << scene;
+    EXPECT_LT(stated, lens_line_ripple(found)) << scene;
+  }
+}
+
+class LensDeskOnAChip : public test::DeskBench {
+ protected:
+  LensDeskOnAChip() {
+    fake_.sender.chip = [this](const std::string& bytes) { fake_.receive(test::ask(chip_, bytes)); };
+    aim("flat-cos4");
+  }
+  void aim(const char* scene) {
+    CameraTruth truth;
+    set_noise(truth, "off");
+    chip_.set_camera(Camera(*scene_named(scene), truth));
+  }
+  /// What was sent to the registers of the parameters.
+  std::string calibrated() {
+    desk_.picker().click_switch(true);
+    wire(5000);
+    desk_.start_calibration(host_.user);
+    const std::string sent = wire(60'000);
+    const std::size_t at = sent.find("@64");
+    return at == std::string::npos ? std::string() : sent.substr(at, 72);
+  }
+
+  test::ListeningChip chip_;
+  LensDesk desk_{host_, host_.doc.user_data};
+};
+
+TEST_F(LensDeskOnAChip, AsksWhatToSendWhereTheChipCannotDoWhatWasFitted) {
+  const LensValues old = desk_.values();
+  EXPECT_EQ(calibrated(), "") << "cancelled: the default";
+  ASSERT_EQ(host_.user.questions.size(), 1u);
+  const Question& question = host_.user.questions[0];
+  EXPECT_THAT(question.text,
+              HasSubstr("Parameter-2 came out below 0, which the chip cannot do, and became 0"));
+  EXPECT_EQ(question.preferred, Answer::cancel);
+  EXPECT_EQ(desk_.values().parameter1, old.parameter1);
+  EXPECT_FALSE(desk_.values().calibrated);
+  EXPECT_FALSE(desk_.picker().on());
+  EXPECT_EQ(host_.last_status(), "The parameters were not sent: the old ones are kept.");
+  EXPECT_FALSE(desk_.calibration().samples.empty()) << "still to be seen";
+
+  host_.user.answers = {Answer::no, Answer::yes};
+  EXPECT_TRUE(calibrated().ends_with("@6500*@6500*@6500*@6500*@6500*@6500*"));
+  const PerColour alone = desk_.values().parameter1;
+  desk_.move_ratio(50);
+  EXPECT_NEAR(desk_.values().parameter1[1], alone[1] / 2, 1) << "the ratio goes on with the first alone";
+  desk_.move_ratio(100);
+  calibrated();
+  EXPECT_LT(desk_.values().parameter1[1], alone[1]) << "as fitted";
+}
+
+TEST_F(LensDeskOnAChip, ChecksTheFieldWithTheCorrectionOfTheChip) {
+  desk_.press_check_field();
+  wire(60'000);
+  ASSERT_EQ(desk_.field().size(), 45u);
+  const double uncorrected = field_ripple(desk_.field())[1];
+  EXPECT_THAT(host_.last_status(), StartsWith("Ripple of the whole picture: red "));
+  EXPECT_FALSE(chip_.state().isp[0xA29] & 0x80) << "the picker is off again";
+  EXPECT_TRUE(chip_.state().isp[0xA10] & 0x10);
+  host_.user.answers = {Answer::no};
+  calibrated();
+  desk_.press_check_field();
+  wire(60'000);
+  EXPECT_LT(field_ripple(desk_.field())[1], uncorrected);
+
+  desk_.press_check_field();
+  wire(5000);
+  desk_.press_check_field();
+  wire(5000);
+  EXPECT_EQ(host_.last_status(), "Check field: stopped.");
+  EXPECT_FALSE(desk_.checking_field());
+}
+
+}  // namespace
+}  // namespace qv5123
