@@ -133,6 +133,19 @@ Traffic matrix_row(const MatrixValues& values, int mode, int light, int row) {
   return traffic;
 }
 
+Traffic matrix_send_copies(const MatrixValues& values, const std::vector<MatrixPlace>& places) {
+  Traffic traffic;
+  for (const MatrixPlace& place : places) {
+    MatrixValues there = values;
+    there.mode = place.mode;
+    there.light = place.light;
+    for (int row = 0; row < kMatrixRows; ++row) append(traffic, matrix_send_row(there, row));
+  }
+  append(traffic, flushed_singly({{kMatrixLightRegister, low_byte(values.light)},
+                                  {kMatrixModeRegister, low_byte(values.mode)}}));
+  return traffic;
+}
+
 Traffic matrix_full_save(const MatrixValues& values) {
   Traffic body;
   for (int mode = 0; mode < kVideoModes; ++mode) append(body, mode_traffic(values, mode));

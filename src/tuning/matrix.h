@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "console/user_data_image.h"
 #include "link/register_write.h"
@@ -167,6 +168,16 @@ void clear_matrix(MatrixValues& values);
 /// Selects the next patch, wrapping from the last to the first; with a patch step of at least 1 the picker
 /// follows, along the row or to the start of the next. Nothing happens with a patch step of 0.
 void go_to_next_patch(MatrixValues& values);
+
+/// Whose matrix it is.
+struct MatrixPlace {
+  int mode = kTvi;  ///< VideoMode
+  int light = 0;    ///< light source, 0..2
+  friend bool operator==(const MatrixPlace&, const MatrixPlace&) = default;
+};
+/// "Copy matrix to...": for each place the traffic of its three "Set" buttons. At its end the chip's choice
+/// of light source and video mode is that of the page again.
+Traffic matrix_send_copies(const MatrixValues& values, const std::vector<MatrixPlace>& places);
 
 /// Row "Set": row 0..2 of the current mode and light source.
 Traffic matrix_send_row(const MatrixValues& values, int row);

@@ -4,16 +4,16 @@
 #include <cmath>
 #include <utility>
 
-#include "tuning/matrix_fit.h"
+#include "base/text.h"
+#include "tuning/matrix_diagnosis.h"
 #include "tuning/page_flows.h"
 #include "tuning/picker_flow.h"
 
 namespace qv5123 {
 namespace {
 
-std::string counts_text(std::size_t patch, const MeasuredColour& counts) {
-  return std::string(kPatchCaptions[patch]) + " is " + std::to_string(counts[0]) + ", " +
-         std::to_string(counts[1]) + ", " + std::to_string(counts[2]);
+std::string row_name(MatrixControl row) {
+  return std::string(kMatrixRowNames[static_cast<int>(row)]) + " row";
 }
 
 }  // namespace
@@ -105,13 +105,21 @@ std::vector<WriteNote::Value> MatrixDesk::own_values(const std::vector<std::size
 
 void MatrixDesk::show_matrix_in_force() {
   show_matrix(values_);
-  typed_codes_ = {};
-  matrix_view_->show_codes();
-  matrix_view_->show_report();
+  show_current();
 }
 
 void MatrixDesk::choose_patch(std::size_t patch) {
-  values_.patch = patch;
+  const std::size_t from = std::exchange(values_.patch, patch);
+  if (values_.patch_step > 0 && values_.picker_on && !measuring_patch_ && !measuring_all()) {
+    const auto steps = [&](std::size_t to_place, std::size_t from_place) {
+      return (static_cast<int>(to_place) - static_cast<int>(from_place)) *
+             std::min(values_.patch_step, kPickerMaximumX);
+    };
+    PickerPosition& at = values_.picker;
+    at = clamped({at.x + steps(patch % kPatchesInRow, from % kPatchesInRow),
+                  at.y + steps(patch / kPatchesInRow, from / kPatchesInRow)});
+    picker_.go();
+  }
   matrix_view_->show_typing();
 }
 
@@ -129,6 +137,7 @@ void MatrixDesk::type_patch(std::size_t patch, std::size_t colour, std::uint32_t
   const Changing change(*this, DeskChange::Kind::typed,
                         std::string(kPatchCaptions[patch]) + " " + kMatrixRowNames[colour]);
   values_.measured[patch][colour] = count;
+  forget_fits();
   matrix_view_->show_report();
 }
 
@@ -161,11 +170,15 @@ bool MatrixDesk::take_codes() {
       const std::string text = code_text(row, column);
       // What is no number stands there as a code, and is sent as that.
       if (std::isfinite(coefficient) && text == matrix_code_text(coefficient)) continue;
+      if (text.empty()) {
+        host().show_status(std::string(kMatrixCodeNames[row][column]) + " is empty: nothing was sent.");
+        return false;
+      }
       if (code_refused(row, column)) {
         host().show_failure(std::string(kMatrixCodeNames[row][column]) + " takes " + kMatrixCodeRange + ".");
         return false;
       }
-      coefficient = matrix_coefficient_of(text).value_or(0);
+      coefficient = *matrix_coefficient_of(text);
     }
   }
   values_.coefficients = taken;
@@ -174,42 +187,13 @@ bool MatrixDesk::take_codes() {
 
 /// An arrow would move the cursor away from what is being measured.
 void MatrixDesk::update_keys() {
-  picker_.want_keys(values_.picker_on && !measuring_patch_);
+  picker_.want_keys(values_.picker_on);
   matrix_view_->show_typing();
 }
 
 void MatrixDesk::picker_settled() {
   view().take_typed();
   matrix_view_->show_measurements();
-}
-
-void MatrixDesk::get_color() {
-  view().take_typed();
-  if (!measuring_.running()) measuring_.start(run_get_color());
-}
-
-Task<> MatrixDesk::run_get_color() {
-  const std::size_t patch = values_.patch;
-  co_await picker_.arrive();
-  if (picker_.chip_was_away()) {
-    host().show_failure("GET COLOR: " + std::string(kPickerChipWasAway));
-    co_return;
-  }
-  measuring_patch_ = true;
-  update_keys();
-  const MeasuredColour former = values_.measured[patch];
-  const bool measured = co_await get_patch_color(link(), values_, patch);
-  MatrixValues before = values_;
-  before.measured[patch] = former;
-  tell({DeskChange::Kind::measured, "GET COLOR", before});
-  measuring_patch_ = false;
-  if (measured)
-    host().show_status("GET COLOR: " + counts_text(patch, values_.measured[patch]));
-  else
-    host().show_failure("GET COLOR: the chip did not answer.");
-  view().take_typed();
-  matrix_view_->show_measurements();
-  update_keys();
 }
 
 void MatrixDesk::calculate(Prompts& prompts) {
@@ -226,9 +210,62 @@ void MatrixDesk::calculate(Prompts& prompts) {
     host().show_failure("The measured patches do not determine a matrix.");
   else
     host().show_status("Matrix calculated from " + std::to_string(patches) + " patches.");
+  fits_.calculated = values_.coefficients;
+  show_current();
+}
+
+void MatrixDesk::show_current() {
   typed_codes_ = {};
   matrix_view_->show_codes();
   matrix_view_->show_report();
+}
+
+void MatrixDesk::fit_color_difference(PageHost& worker) {
+  view().take_typed();
+  if (!fitting_.running()) fitting_.start(run_color_fit(worker));
+}
+
+Task<> MatrixDesk::run_color_fit(PageHost& worker) {
+  const MeasuredColours measured = values_.measured;
+  const std::optional<MatrixFit> calculated = fit_matrix(measured, values_.ratio);
+  if (!calculated) {
+    Message no_grey{"Please get color of gray!"};
+    co_await worker.prompts().message(std::move(no_grey));
+    co_return;
+  }
+  std::function<std::optional<Coefficients>()> work = [measured, options = color_options_] {
+    return qv5123::fit_color_difference(measured, options);
+  };
+  const std::optional<Coefficients> found = co_await worker.background().run(std::move(work));
+  // What was measured meanwhile is not what was fitted.
+  if (!found || measured != values_.measured) co_return;
+  if (!fits_.calculated) fits_.calculated = calculated->coefficients;
+  fits_.color_difference = found;
+  const auto mean = [&](const Coefficients& matrix) {
+    return fixed(patch_report(measured, matrix).value_or(PatchReport{}).after.mean, 2);
+  };
+  host().show_status("Color difference fit: mean " + mean(*found) + ", calculated " +
+                     mean(*fits_.calculated) + ". Choose one below the patches.");
+  matrix_view_->show_report();
+}
+
+void MatrixDesk::choose_fit(Fit fit) {
+  const auto& matrix = fit == Fit::calculated ? fits_.calculated : fits_.color_difference;
+  if (!matrix) return;
+  const Changing change(*this, DeskChange::Kind::computed,
+                        fit == Fit::calculated ? "Calculate" : "Fit color difference");
+  values_.coefficients = *matrix;
+  store_matrix(values_);
+  show_current();
+}
+
+bool MatrixDesk::in_force(Fit fit) const {
+  const auto& matrix = fit == Fit::calculated ? fits_.calculated : fits_.color_difference;
+  return matrix && as_registers_hold(*matrix) == as_registers_hold(values_.coefficients);
+}
+
+void MatrixDesk::forget_fits() {
+  fits_ = {};
 }
 
 void MatrixDesk::clear() {
@@ -236,22 +273,71 @@ void MatrixDesk::clear() {
     const Changing change(*this, DeskChange::Kind::computed, "Clear");
     clear_matrix(values_);
   }
+  forget_fits();
   for (auto& row : typed_codes_) row.fill(std::string());
   view().show_values();
   host().show_status("Patches and shown matrix are empty.");
 }
 
-void MatrixDesk::set_row(MatrixControl row) {
+void MatrixDesk::set_row(MatrixControl row, Prompts& prompts) {
+  with_consent(row_name(row), prompts, [this, row] { send_row(row); });
+}
+
+void MatrixDesk::copy_matrix(std::vector<MatrixPlace> places, Prompts& prompts) {
+  if (places.empty()) return;
+  with_consent("Copy matrix to...", prompts, [this, places = std::move(places)] { send_copies(places); });
+}
+
+/// Calls `send` with the rows ready to be sent, unless the user, who is told what is doubtful about them,
+/// says no: then nothing has changed.
+void MatrixDesk::with_consent(std::string what, Prompts& prompts, std::function<void()> send) {
   view().take_typed();
-  const Changing change(*this, DeskChange::Kind::typed,
-                        std::string(kMatrixRowNames[static_cast<int>(row)]) + " row");
+  const Changing change(*this, DeskChange::Kind::typed, what);
+  const Coefficients before = values_.coefficients;
   if (!take_codes()) return;
+  MatrixValues ready = values_;
+  set_matrix_rows(ready);
+  std::string reasons;
+  for (const std::string& warning : matrix_warnings(ready)) reasons += warning + "\n";
+  if (reasons.empty() || reasons == accepted_) return send();
+  values_.coefficients = before;
+  spawn(ask_first(prompts, std::move(what), std::move(reasons), std::move(send)));
+}
+
+Task<> MatrixDesk::ask_first(Prompts& prompts, std::string what, std::string reasons,
+                             std::function<void()> send) {
+  const Answer answer = co_await prompts.ask(careful_question(reasons + "\nSend the matrix all the same?"));
+  if (answer != Answer::yes) {
+    host().show_status("The matrix was not sent.");
+    co_return;
+  }
+  view().take_typed();
+  const Changing change(*this, DeskChange::Kind::typed, std::move(what));
+  if (!take_codes()) co_return;
+  accepted_ = std::move(reasons);
+  send();
+}
+
+void MatrixDesk::send_row(MatrixControl row) {
   set_matrix_rows(values_);
-  typed_codes_ = {};
-  matrix_view_->show_codes();
-  matrix_view_->show_report();
-  const int number = static_cast<int>(row);
-  send_control(std::string(kMatrixRowNames[number]) + " row", number);
+  show_current();
+  send_control(row_name(row), static_cast<int>(row));
+}
+
+void MatrixDesk::send_copies(const std::vector<MatrixPlace>& places) {
+  set_matrix_rows(values_);
+  std::vector<std::size_t> fields;
+  for (const MatrixPlace& place : places) {
+    for (int row = 0; row < kMatrixRows; ++row) {
+      MatrixCodes& codes = values_.tables[place.mode][row][place.light];
+      codes = values_.tables[values_.mode][row][values_.light];
+      for (const int& code : codes) fields.push_back(field(code));
+    }
+  }
+  show_current();
+  send_noted(
+      "Matrix copied to " + std::to_string(places.size()) + (places.size() == 1 ? " place" : " places"),
+      matrix_send_copies(values_, places), own_values(fields));
 }
 
 Task<> MatrixDesk::save(PageHost& files) {

@@ -1,13 +1,18 @@
 #pragma once
 
 #include <array>
+#include <deque>
+#include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/task.h"
 #include "console/page_host.h"
 #include "console/prompts.h"
 #include "link/command_link.h"
+#include "tuning/chart_run.h"
+#include "tuning/color_fit.h"
 #include "tuning/matrix.h"
 #include "tuning/picker_desk.h"
 #include "tuning/tuning_desk.h"
@@ -24,13 +29,21 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
     /// Which patches may be typed into.
     virtual void show_typing() {}
     virtual void show_codes() {}
-    /// How close the patches come to what they should be.
+    /// How many corners are set, and how far "Measure all 24" has come.
+    virtual void show_run() {}
+    /// How close the patches come to what they should be, and with which of the two fits.
     virtual void show_report() {}
     /// Whether the picker may be switched: not while a save does so by itself.
     virtual void allow_switch(bool) {}
   };
   /// The patches that may be typed into.
   enum class Typing { none, chosen, all };
+  enum class Fit { calculated, color_difference };
+  /// What both fits came to; empty before them, and once other patches are measured.
+  struct Fits {
+    std::optional<Coefficients> calculated;
+    std::optional<Coefficients> color_difference;
+  };
 
   MatrixDesk(DeskHost& host, UserDataImage& image);
   void attach(View& view);
@@ -39,6 +52,7 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
 
   void choose_light(int light);
   void choose_mode(int mode);
+  /// With a patch step the cursor goes there, as many steps across and down as the patch is from the last.
   void choose_patch(std::size_t patch);
   void choose_patch_step(int step) { values_.patch_step = step; }
   void choose_manual_input(bool on);
@@ -54,12 +68,34 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   /// Whether it is neither a code nor empty.
   bool code_refused(int row, int column) const;
 
-  /// "GET COLOR"; ignored while one is under way.
+  /// "GET COLOR"; what is pressed while one is under way comes after it.
   void get_color();
+  /// "Set corner": the cursor is on the chosen patch, one of the chart's corners. Kept for the video mode.
+  void set_corner();
+  const ChartCorners& corners() const { return corners_[static_cast<std::size_t>(values_.mode)]; }
+  /// "Measure all 24", from the four corners; pressed again it stops. Where a reading is doubtful it stops by
+  /// itself, and goes on once "GET COLOR" has measured that patch.
+  void measure_all();
+  bool measuring_all() const { return measuring_all_; }
+  std::size_t patches_left() const { return kPatches - values_.patch; }
   void calculate(Prompts& prompts);
+  /// "Fit color difference": puts its result beside that of "Calculate"; the matrix in force stays until one
+  /// of the two is chosen. Ignored while one is under way.
+  void fit_color_difference(PageHost& worker);
+  const ColorFitOptions& color_options() const { return color_options_; }
+  void choose_memory_weight(int weight) { color_options_.memory_weight = weight; }
+  void choose_noise_limit(int percent) { color_options_.noise_limit = percent; }
+  const Fits& fits() const { return fits_; }
+  /// Makes the result of a fit the current matrix.
+  void choose_fit(Fit fit);
+  /// Whether the current matrix is the result of this fit.
+  bool in_force(Fit fit) const;
   void clear();
-  /// "Set" beside a row.
-  void set_row(MatrixControl row);
+  /// "Set" beside a row. Asks first where the matrix may amplify errors, once for each reason.
+  void set_row(MatrixControl row, Prompts& prompts);
+  /// "Copy matrix to...": what stands in the edits goes to these places, in the tables and on the chip, each
+  /// by the bursts of its own "Set" buttons. Asks as they do.
+  void copy_matrix(std::vector<MatrixPlace> places, Prompts& prompts);
   /// "File/Flash Save" on file and chip.
   Task<> save(PageHost& files);
 
@@ -85,7 +121,18 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   void update_keys();
   void picker_settled();
   Task<> run_get_color();
+  Task<bool> measure_patch(std::size_t patch);
+  Task<> run_all(std::array<PickerPosition, kPatches> places, std::size_t first);
+  void take_reading(std::size_t patch, const SteadyReading& reading);
+  void stop_at(std::size_t patch, const std::string& complaint);
+  Task<> run_color_fit(PageHost& worker);
+  void show_current();
+  void forget_fits();
   bool take_codes();
+  void with_consent(std::string what, Prompts& prompts, std::function<void()> send);
+  Task<> ask_first(Prompts& prompts, std::string what, std::string reasons, std::function<void()> send);
+  void send_row(MatrixControl row);
+  void send_copies(const std::vector<MatrixPlace>& places);
 
   View nobody_;
   View* matrix_view_ = &nobody_;
@@ -95,6 +142,18 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   bool measuring_patch_ = false;
   std::string picker_trouble_;  ///< why the last save left the picker as it was
   Flow measuring_;
+  std::size_t measured_patch_ = 0;  ///< the one that is being measured
+  /// Presses of "GET COLOR" that wait: for which patch, or for the one that is chosen by then.
+  std::deque<std::optional<std::size_t>> presses_;
+  std::array<ChartCorners, kVideoModes> corners_;
+  std::optional<std::size_t> stopped_at_;  ///< where the last run has found something doubtful
+  bool measuring_all_ = false;
+  bool stop_run_ = false;
+  Flow running_all_;
+  ColorFitOptions color_options_;
+  Fits fits_;
+  std::string accepted_;  ///< reasons that the user has sent a matrix in spite of
+  Flow fitting_;
 };
 
 /// Sets `values.picker_on` and brings the chip to it; switching on ends manual input. The values are the

@@ -22,6 +22,16 @@ void PickerDesk::want_keys(bool wanted) {
   show_keys();
 }
 
+void PickerDesk::set_measuring(bool measuring) {
+  measuring_ = measuring;
+  show_keys();
+}
+
+void PickerDesk::go() {
+  view_->show_picker();
+  if (picker_.on) moves_.spawn(send_move(picker_position_bytes(picker_.position)));
+}
+
 void PickerDesk::show_keys() {
   view_->show_keys();
   if (keys_enabled()) send_typed();

@@ -60,8 +60,15 @@ class PickerDesk {
   void type_y(int y);
 
   /// Whether the keys may be used: the page wants them, and the chip is not being switched.
-  bool keys_enabled() const { return keys_wanted_ && !switching_chip_; }
+  bool keys_enabled() const { return keys_wanted_ && !switching_chip_ && !measuring_; }
   void want_keys(bool wanted);
+
+  /// While it is set the arrows rest, and the key between them takes further presses and shows that it is
+  /// busy.
+  void set_measuring(bool measuring);
+  bool measuring() const { return measuring_; }
+  /// Brings the cursor to where the page's values say that it is by now.
+  void go();
 
   /// Waits until the cursor is where the page says: what is measured before that belongs elsewhere.
   Task<> arrive();
@@ -84,6 +91,7 @@ class PickerDesk {
   View* view_ = &nobody_;
   bool keys_wanted_;
   bool switching_chip_ = false;
+  bool measuring_ = false;
   unsigned connection_ = 0;  // on which the chip was switched
   bool x_typed_ = false;     // and not sent yet
   bool y_typed_ = false;

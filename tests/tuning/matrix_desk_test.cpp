@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "support/chart_readings.h"
 #include "support/desk_bench.h"
 #include "support/page_reply.h"
 #include "support/traffic_text.h"
@@ -36,6 +37,11 @@ class MatrixDeskTest : public test::DeskBench {
   void type_patches(std::uint32_t count) {
     for (std::size_t patch = 0; patch < kPatches; ++patch)
       for (std::size_t colour = 0; colour < 3; ++colour) desk_.type_patch(patch, colour, count);
+  }
+  void type_patches(const MeasuredColours& counts) {
+    for (std::size_t patch = 0; patch < kPatches; ++patch)
+      for (std::size_t colour = 0; colour < 3; ++colour)
+        desk_.type_patch(patch, colour, counts[patch][colour]);
   }
   const MeasuredColour& patch(std::size_t i) const { return desk_.values().measured[i]; }
 
@@ -99,7 +105,8 @@ TEST_F(MatrixDeskTest, CalculatesOnlyWithGrey) {
   EXPECT_EQ(host_.last_status(), "The measured patches do not determine a matrix.");
   EXPECT_THAT(codes(), Each("0x0000"));
   desk_.type_code(0, 0, "0x0500");
-  desk_.set_row(MatrixControl::red_row);
+  host_.user.answers = {Answer::yes};
+  desk_.set_row(MatrixControl::red_row, host_.user);
   EXPECT_EQ(codes()[1], "0x1F00") << "what stood there as 0 counts as 0";
 
   desk_.type_ratio(0);
@@ -131,7 +138,7 @@ TEST_F(MatrixDeskTest, SetDerivesStoresAndSendsARow) {
   desk_.choose_mode(3);
   desk_.type_code(0, 0, "0x0500");
   desk_.type_code(0, 2, "1F00");
-  desk_.set_row(MatrixControl::red_row);
+  desk_.set_row(MatrixControl::red_row, host_.user);
   EXPECT_EQ(codes()[1], "0x0000") << "1 - 1.25 + 0.25";
   EXPECT_EQ(wire(), "@4e02*@ca03*@5805*@5800*@5800*@5800*@58ff*@5800*");
   EXPECT_EQ(host_.last_status(), "Red row: 3 registers sent");
@@ -142,7 +149,7 @@ TEST_F(MatrixDeskTest, SetDerivesStoresAndSendsARow) {
 
   desk_.type_code(1, 0, "0x2000");
   EXPECT_TRUE(desk_.code_refused(1, 0));
-  desk_.set_row(MatrixControl::green_row);
+  desk_.set_row(MatrixControl::green_row, host_.user);
   EXPECT_EQ(wire(), "");
   EXPECT_EQ(host_.last_status(),
             "G from R takes 0x0000..0x1FFF in 13-bit "
@@ -153,9 +160,81 @@ TEST_F(MatrixDeskTest, SetDerivesStoresAndSendsARow) {
   EXPECT_EQ(codes()[3], "0x0000") << "what was refused is not";
 
   fake_.sender.connected = false;
-  desk_.set_row(MatrixControl::blue_row);
+  desk_.set_row(MatrixControl::blue_row, host_.user);
   fake_.advance(1000);
   EXPECT_EQ(host_.last_status(), "Blue row: not sent, the port is not open");
+}
+
+TEST_F(MatrixDeskTest, PutsTheColorDifferenceFitBesideCalculateUntilOneIsChosen) {
+  using Fit = MatrixDesk::Fit;
+  desk_.fit_color_difference(host_);
+  EXPECT_EQ(host_.user.messages.at(0).text, "Please get color of gray!");
+  type_patches(test::chart_readings("chart"));
+  desk_.calculate(host_.user);
+  const auto calculated = codes();
+  desk_.fit_color_difference(host_);
+  EXPECT_THAT(host_.last_status(),
+              testing::MatchesRegex("Color difference fit: mean 1\\.[0-9]+, calculated 1\\.[0-9]+"
+                                    "\\. Choose one below the patches\\."));
+  EXPECT_EQ(codes(), calculated) << "nothing was chosen yet";
+  EXPECT_TRUE(desk_.in_force(Fit::calculated));
+  desk_.choose_fit(Fit::color_difference);
+  EXPECT_NE(codes(), calculated);
+  EXPECT_TRUE(desk_.in_force(Fit::color_difference));
+  desk_.choose_fit(Fit::calculated);
+  EXPECT_EQ(codes(), calculated);
+  desk_.type_patch(0, 0, 1);
+  EXPECT_FALSE(desk_.fits().color_difference) << "it was fitted to other patches";
+
+  host_.work.busy = true;
+  desk_.fit_color_difference(host_);
+  desk_.clear();
+  host_.work.catch_up();
+  fake_.advance(10);
+  EXPECT_FALSE(desk_.fits().color_difference);
+}
+
+TEST_F(MatrixDeskTest, AsksBeforeADoubtfulMatrixIsSentAndRefusesAnEmptyOne) {
+  desk_.clear();
+  desk_.set_row(MatrixControl::red_row, host_.user);
+  EXPECT_EQ(host_.last_status(), "R from R is empty: nothing was sent.");
+  type_patches(test::chart_readings("chart-bright"));
+  desk_.calculate(host_.user);
+  const MatrixValues before = desk_.values();
+  desk_.set_row(MatrixControl::red_row, host_.user);
+  ASSERT_EQ(host_.user.questions.size(), 1u);
+  EXPECT_THAT(host_.user.questions[0].text, StartsWith("Clipped, over 250 counts: "));
+  EXPECT_THAT(host_.user.questions[0].text, EndsWith("\n\nSend the matrix all the same?"));
+  EXPECT_EQ(host_.user.questions[0].preferred, Answer::no);
+  EXPECT_EQ(wire(), "");
+  EXPECT_EQ(desk_.values(), before);
+  EXPECT_EQ(host_.last_status(), "The matrix was not sent.");
+
+  host_.user.answers = {Answer::yes};
+  desk_.set_row(MatrixControl::red_row, host_.user);
+  EXPECT_EQ(wire().size(), 8u * 6);
+  desk_.set_row(MatrixControl::green_row, host_.user);
+  EXPECT_EQ(host_.user.questions.size(), 2u) << "asked once for each reason";
+  EXPECT_EQ(wire().size(), 8u * 6);
+}
+
+TEST_F(MatrixDeskTest, CopiesTheShownMatrixToOtherPlaces) {
+  desk_.choose_mode(kAhd);
+  for (int row = 0; row < 3; ++row)
+    for (int column = 0; column < 3; ++column)
+      desk_.type_code(row, column, row == column ? "0x0500" : "0x1F80");
+  desk_.copy_matrix({{kTvi, 2}, {kCvbs, 0}}, host_.user);
+  EXPECT_EQ(wire(3000),
+            "@4e02*@ca00*@5805*@5800*@58ff*@5880*@58ff*@5880*"
+            "@4e02*@ca00*@59ff*@5980*@5905*@5900*@59ff*@5980*"
+            "@4e02*@ca00*@5aff*@5a80*@5aff*@5a80*@5a05*@5a00*"
+            "@4e00*@ca03*@5205*@5200*@52ff*@5280*@52ff*@5280*"
+            "@4e00*@ca03*@53ff*@5380*@5305*@5300*@53ff*@5380*"
+            "@4e00*@ca03*@54ff*@5480*@54ff*@5480*@5405*@5400*"
+            "@4e00*@ca01*");
+  EXPECT_EQ(desk_.values().tables[kTvi][0][2], desk_.values().tables[kAhd][0][0]);
+  EXPECT_EQ(desk_.values().tables[kCvbs][2][0][2], 0x500);
+  EXPECT_EQ(desk_.values().tables[kTvi][0][0][0], 0) << "not asked for";
 }
 
 TEST_F(MatrixDeskTest, LoadsFromTheChip) {

@@ -67,8 +67,13 @@ void CDlgIspAwb::add_line_row(QGridLayout* grid, AwbControl line) {
 }
 
 QPushButton* CDlgIspAwb::make_write_button(const QString& caption, RegisterWrite write) {
-  return make_button(caption, {}, register_text(write.address) + " = " + QString::number(write.value),
-                     [this, name = caption.toStdString(), write] { desk_.press(name, write); });
+  auto* button = make_button(caption, {}, register_text(write.address) + " = " + QString::number(write.value),
+                             [this, name = caption.toStdString(), write] { desk_.press(name, write); });
+  // The arrows go on while they are held down.
+  button->setAutoRepeat(write.address == reg::kOsdKey);
+  button->setAutoRepeatDelay(400);
+  button->setAutoRepeatInterval(250);
+  return button;
 }
 
 QWidget* CDlgIspAwb::make_navigation_group() {

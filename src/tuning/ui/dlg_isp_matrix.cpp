@@ -11,6 +11,7 @@
 
 #include "tuning/patch_report.h"
 #include "tuning/ui/mark_strip.h"
+#include "tuning/ui/matrix_copy_dialog.h"
 
 namespace qv5123 {
 namespace {
@@ -49,13 +50,14 @@ CDlgIspMatrix::CDlgIspMatrix(PageHost& host)
       desk_(host, host.document().user_data),
       picker_(make_picker()),
       patches_(new PatchGrid(desk_)),
-      swatches_(new PatchSwatchView) {
+      fit_(new MatrixFitBox(desk_)) {
   auto* left = new QVBoxLayout;
   left->addWidget(patches_);
-  left->addWidget(swatches_, 1);
+  left->addWidget(fit_, 1);
   auto* right = new QVBoxLayout;
   right->setSpacing(3);
   right->addWidget(picker_);
+  right->addLayout(make_chart_row());
   right->addWidget(make_light_group());
   right->addWidget(make_calculation_group());
   right->addWidget(make_matrix_group());
@@ -81,6 +83,29 @@ PickerBox* CDlgIspMatrix::make_picker() {
   connect(patch_step_, &QSpinBox::valueChanged, this, [this](int step) { desk_.choose_patch_step(step); });
   box->add_setting("Patch Step:", patch_step_);
   return box;
+}
+
+QLayout* CDlgIspMatrix::make_chart_row() {
+  corner_ =
+      make_button("Set corner", {},
+                  "Takes the cursor's place for the chosen patch: Dark skin, Bluish green, Black or White",
+                  [this] { desk_.set_corner(); });
+  all_ = make_button(
+      "Measure all 24", {},
+      "Measures the whole chart from its four corners, each patch three times; pressed again it stops",
+      [this] { desk_.measure_all(); });
+  auto* row = new QHBoxLayout;
+  row->addWidget(corner_);
+  row->addWidget(all_);
+  return row;
+}
+
+void CDlgIspMatrix::show_run() {
+  const auto set =
+      std::ranges::count_if(desk_.corners(), [](const auto& place) { return place.has_value(); });
+  corner_->setText(set == 0 ? QString("Set corner") : QString("Set corner (%1 of 4)").arg(set));
+  all_->setText(desk_.measuring_all() ? QString("Stop (%1 left)").arg(desk_.patches_left())
+                                      : QString("Measure all 24"));
 }
 
 QWidget* CDlgIspMatrix::make_file_buttons() {
@@ -128,7 +153,18 @@ QLayout* CDlgIspMatrix::make_mode_row() {
                  "Shows this video mode's matrix, " + register_text(kMatrixModeRegister) + " = 0..3",
                  [this](int mode) { desk_.choose_mode(mode); }));
   row->addStretch(1);
+  row->addWidget(
+      make_button("Copy matrix to...", {},
+                  "Gives the shown matrix to other video modes and light sources, here and on the chip",
+                  [this] { choose_copies(); }));
   return row;
+}
+
+void CDlgIspMatrix::choose_copies() {
+  auto* dialog = new MatrixCopyDialog({desk_.values().mode, desk_.values().light}, this);
+  connect(dialog, &MatrixCopyDialog::chosen, this,
+          [this](const std::vector<MatrixPlace>& places) { desk_.copy_matrix(places, host().prompts()); });
+  dialog->open();
 }
 
 QWidget* CDlgIspMatrix::make_calculation_group() {
@@ -146,6 +182,12 @@ QWidget* CDlgIspMatrix::make_calculation_group() {
   grid->addWidget(manual_, 1, 0, 1, 2);
   grid->addWidget(
       make_button("Clear", {}, "Empties the patches and the shown matrix", [this] { desk_.clear(); }), 1, 2);
+  grid->addWidget(
+      make_button("Fit color difference", {},
+                  "Fits whole codes for the least mean CIEDE2000, and shows it beside what Calculate "
+                  "found; the choice is below the patches",
+                  [this] { desk_.fit_color_difference(host()); }),
+      2, 0, 1, 3);
   return group;
 }
 
@@ -174,11 +216,12 @@ void CDlgIspMatrix::add_matrix_row(QGridLayout* grid, int row) {
   const QString name = kRows[row];
   grid->addWidget(new QLabel(name), row, 0);
   for (int column = 0; column < 3; ++column) grid->addWidget(make_code(row, column), row, column + 1);
-  grid->addWidget(make_set_button("Set", "Row " + name,
-                                  "Sends the row, of " + registers_text(row_registers(desk_, row)) +
-                                      " the one of the light source",
-                                  [this, row] { desk_.set_row(static_cast<MatrixControl>(row)); }),
-                  row, 4);
+  grid->addWidget(
+      make_set_button(
+          "Set", "Row " + name,
+          "Sends the row, of " + registers_text(row_registers(desk_, row)) + " the one of the light source",
+          [this, row] { desk_.set_row(static_cast<MatrixControl>(row), host().prompts()); }),
+      row, 4);
 }
 
 QLineEdit* CDlgIspMatrix::make_code(int row, int column) {
@@ -200,6 +243,7 @@ void CDlgIspMatrix::show_values() {
 }
 
 void CDlgIspMatrix::show_measurements() {
+  show_run();
   picker_->show_picker();
   show_value(patch_step_, desk_.values().patch_step);
   patches_->show_values();
@@ -241,7 +285,7 @@ void CDlgIspMatrix::mark_codes() {
 }
 
 void CDlgIspMatrix::show_report() {
-  swatches_->show_report(patch_report(desk_.values().measured, desk_.values().coefficients));
+  fit_->show_report();
 }
 
 }  // namespace qv5123

@@ -7,8 +7,8 @@
 
 #include "tuning/matrix_desk.h"
 #include "tuning/ui/field_edits.h"
+#include "tuning/ui/matrix_fit_box.h"
 #include "tuning/ui/patch_grid.h"
-#include "tuning/ui/patch_swatch_view.h"
 #include "tuning/ui/picker_box.h"
 #include "tuning/ui/tuning_dialog.h"
 
@@ -27,10 +27,12 @@ class CDlgIspMatrix : public TuningDialog, private MatrixDesk::View {
 
  private:
   PickerBox* make_picker();
+  QLayout* make_chart_row();
   QWidget* make_file_buttons();
   QWidget* make_light_group();
   QLayout* make_light_row();
   QLayout* make_mode_row();
+  void choose_copies();
   QWidget* make_calculation_group();
   QLayout* make_ratio_row();
   QWidget* make_matrix_group();
@@ -44,6 +46,7 @@ class CDlgIspMatrix : public TuningDialog, private MatrixDesk::View {
   void show_measurements() override;
   void show_typing() override;
   void show_codes() override;
+  void show_run() override;
   void show_report() override;
   void allow_switch(bool allowed) override { picker_->setEnabled(allowed); }
 
@@ -51,8 +54,10 @@ class CDlgIspMatrix : public TuningDialog, private MatrixDesk::View {
   std::vector<ValueMark> marks_;  // by field; empty while nobody keeps account
   QSpinBox* patch_step_;
   PickerBox* picker_;
+  QPushButton* corner_;
+  QPushButton* all_;
   PatchGrid* patches_;
-  PatchSwatchView* swatches_;
+  MatrixFitBox* fit_;
   QCheckBox* manual_;
   std::array<std::array<QLineEdit*, 3>, kMatrixRows> codes_{};
 };

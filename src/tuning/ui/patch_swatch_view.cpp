@@ -4,18 +4,11 @@
 #include <QPainter>
 #include <QToolTip>
 
-#include <array>
-#include <tuple>
-
 namespace qv5123 {
 namespace {
 
 constexpr int kChartRows = static_cast<int>(kPatches) / kPatchesInRow;
 constexpr double kGap = 4;
-
-QString change(double before, double after) {
-  return QString("%1 \u2192 %2").arg(before, 0, 'f', 1).arg(after, 0, 'f', 1);
-}
 
 }  // namespace
 
@@ -24,18 +17,31 @@ PatchSwatchView::PatchSwatchView() {
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
-void PatchSwatchView::show_report(const std::optional<PatchReport>& report) {
+void PatchSwatchView::show_report(const std::optional<PatchReport>& report,
+                                  const std::optional<PatchReport>& second) {
   report_ = report;
+  second_ = report ? second : std::nullopt;
   setAccessibleDescription(summary());
   update();
 }
 
+QString PatchSwatchView::change(double before, double after, const double* other) const {
+  const QString first = QString("%1 \u2192 %2").arg(before, 0, 'f', 1).arg(after, 0, 'f', 1);
+  return other ? QString("%1 | %2").arg(first).arg(*other, 0, 'f', 1) : first;
+}
+
+QString PatchSwatchView::change_of(std::size_t patch) const {
+  const PatchMatch& match = *report_->patches[patch];
+  return change(match.before, match.after, second_ ? &second_->patches[patch]->after : nullptr);
+}
+
 QString PatchSwatchView::summary() const {
   if (!report_) return {};
-  const auto& [before, after] = std::tie(report_->before, report_->after);
+  const auto part = [&](double DifferenceSummary::*of) {
+    return change(report_->before.*of, report_->after.*of, second_ ? &(second_->after.*of) : nullptr);
+  };
   return QString("CIEDE2000:   mean %1   median %2   worst %3")
-      .arg(change(before.mean, after.mean), change(before.median, after.median),
-           change(before.worst, after.worst));
+      .arg(part(&DifferenceSummary::mean), part(&DifferenceSummary::median), part(&DifferenceSummary::worst));
 }
 
 double PatchSwatchView::line_height() const {
@@ -57,8 +63,7 @@ QString PatchSwatchView::text_at(QPointF point) const {
     if (!cell(patch).contains(point)) continue;
     const QString caption = kPatchCaptions[patch];
     if (!report_ || !report_->patches[patch]) return caption + ": not measured";
-    const PatchMatch& match = *report_->patches[patch];
-    return caption + ": CIEDE2000 " + change(match.before, match.after);
+    return caption + ": CIEDE2000 " + change_of(patch);
   }
   return {};
 }
@@ -74,8 +79,10 @@ void PatchSwatchView::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setPen(palette().color(QPalette::WindowText));
   const QRectF area = rect();
-  painter.drawText(area, Qt::AlignLeft | Qt::AlignTop,
-                   "Reference | measured | corrected, and the color difference before \u2192 after");
+  painter.drawText(
+      area, Qt::AlignLeft | Qt::AlignTop,
+      second_ ? "Reference | measured | calculated | color difference fit, before \u2192 after | after"
+              : "Reference | measured | corrected, and the color difference before \u2192 after");
   painter.drawText(area, Qt::AlignLeft | Qt::AlignBottom,
                    report_ ? summary() : QString("Measure the grays to see the differences."));
   for (std::size_t patch = 0; patch < kPatches; ++patch) paint_patch(painter, patch);
@@ -87,16 +94,18 @@ void PatchSwatchView::paint_patch(QPainter& painter, std::size_t patch) const {
   const std::optional<PatchMatch> match = report_ ? report_->patches[patch] : std::nullopt;
   painter.fillRect(swatch, QColor(display_colour(kPatchReferences[patch])));
   if (match) {
-    const double third = swatch.width() / 3;
-    painter.fillRect(swatch.adjusted(third, 0, 0, 0), QColor(display_colour(match->measured)));
-    painter.fillRect(swatch.adjusted(2 * third, 0, 0, 0), QColor(display_colour(match->corrected)));
+    const double part = swatch.width() / (second_ ? 4 : 3);
+    painter.fillRect(swatch.adjusted(part, 0, 0, 0), QColor(display_colour(match->measured)));
+    painter.fillRect(swatch.adjusted(2 * part, 0, 0, 0), QColor(display_colour(match->corrected)));
+    if (second_)
+      painter.fillRect(swatch.adjusted(3 * part, 0, 0, 0),
+                       QColor(display_colour(second_->patches[patch]->corrected)));
   }
   // Black and white patches end somewhere, too.
   painter.setPen(Qt::gray);
   painter.drawRect(swatch);
   painter.setPen(palette().color(QPalette::WindowText));
-  painter.drawText(whole, Qt::AlignHCenter | Qt::AlignBottom,
-                   match ? change(match->before, match->after) : QString("\u2013"));
+  painter.drawText(whole, Qt::AlignHCenter | Qt::AlignBottom, match ? change_of(patch) : QString("\u2013"));
 }
 
 }  // namespace qv5123

@@ -16,9 +16,11 @@ class PatchSwatchView : public QWidget {
  public:
   PatchSwatchView();
 
-  /// Nothing when no grey has been measured: only the references are shown then.
-  void show_report(const std::optional<PatchReport>& report);
-  /// "mean 8.1 → 2.3   median ...   worst ..."; empty without a report.
+  /// Nothing when no grey has been measured: only the references are shown then. `second` is that of another
+  /// matrix, shown beside it.
+  void show_report(const std::optional<PatchReport>& report,
+                   const std::optional<PatchReport>& second = std::nullopt);
+  /// "mean 8.1 → 2.3   median ...   worst ..."; with a second report "8.1 → 2.3 | 1.9"; empty without any.
   QString summary() const;
   /// The patch at a point of the widget with its differences; empty beside the patches.
   QString text_at(QPointF point) const;
@@ -26,7 +28,7 @@ class PatchSwatchView : public QWidget {
   QRectF cell(std::size_t patch) const;
 
   QSize sizeHint() const override { return {600, 250}; }
-  QSize minimumSizeHint() const override { return {420, 190}; }
+  QSize minimumSizeHint() const override { return {420, 150}; }
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -36,7 +38,11 @@ class PatchSwatchView : public QWidget {
   void paint_patch(QPainter& painter, std::size_t patch) const;
   double line_height() const;
 
+  QString change(double before, double after, const double* other) const;
+  QString change_of(std::size_t patch) const;
+
   std::optional<PatchReport> report_;
+  std::optional<PatchReport> second_;
 };
 
 }  // namespace qv5123

@@ -8,6 +8,10 @@
 namespace qv5123 {
 namespace {
 
+/// Of an arrow that is held down, milliseconds: no faster than the chip takes the cursor's places.
+constexpr int kRepeatDelay = 400;
+constexpr int kRepeatInterval = 250;
+
 QStringList step_items() {
   QStringList items;
   for (int index = 0; index < kMoveSteps; ++index) items << QString::number(move_step(index));
@@ -72,16 +76,22 @@ void PickerBox::add_setting(const QString& caption, QWidget* setting) {
 void PickerBox::make_keys(QGridLayout* grid, Key key) {
   add_arrow(grid, 0, 1, "UP", PickerMove::up);
   add_arrow(grid, 1, 0, "LEFT", PickerMove::left);
-  grid->addWidget(make_button(key.caption, {}, key.tooltip, std::move(key.pressed)), 1, 1);
+  caption_ = key.caption;
+  middle_ = make_button(key.caption, {}, key.tooltip, std::move(key.pressed));
+  grid->addWidget(middle_, 1, 1);
   add_arrow(grid, 1, 2, "RIGHT", PickerMove::right);
   add_arrow(grid, 2, 1, "DOWN", PickerMove::down);
 }
 
 void PickerBox::add_arrow(QGridLayout* grid, int row, int column, const QString& caption, PickerMove move) {
   const QString registers = moves_across(move) ? "0xC38 and 0xC39" : "0xC3A and 0xC3B";
-  grid->addWidget(make_button(caption, {}, "Moves the cursor by the move step, ISP registers " + registers,
-                              [this, move] { desk_.move(move); }),
-                  row, column);
+  auto* arrow = make_button(caption, {}, "Moves the cursor by the move step, ISP registers " + registers,
+                            [this, move] { desk_.move(move); });
+  arrow->setAutoRepeat(true);
+  arrow->setAutoRepeatDelay(kRepeatDelay);
+  arrow->setAutoRepeatInterval(kRepeatInterval);
+  arrows_.push_back(arrow);
+  grid->addWidget(arrow, row, column);
 }
 
 void PickerBox::show_picker() {
@@ -92,7 +102,10 @@ void PickerBox::show_picker() {
 }
 
 void PickerBox::show_keys() {
-  const bool enabled = desk_.keys_enabled();
+  // A measurement takes no arrows, but further presses of the key between them.
+  for (QPushButton* arrow : arrows_) arrow->setEnabled(!desk_.measuring());
+  middle_->setText(desk_.measuring() ? caption_ + " ..." : caption_);
+  const bool enabled = desk_.keys_enabled() || desk_.measuring();
   // Qt would hand the focus of a disabled key on, and the next press of it would do something else.
   if (!enabled && keys_->isAncestorOf(window()->focusWidget())) {
     focused_key_ = window()->focusWidget();

@@ -4,6 +4,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <vector>
 
 #include "tuning/picker_desk.h"
 #include "tuning/ui/page_parts.h"
@@ -49,6 +50,9 @@ class PickerBox : public QWidget, public PickerDesk::View {
   int setting_rows_ = 0;
   QWidget* last_setting_;
   QWidget* keys_;
+  std::vector<QPushButton*> arrows_;
+  QPushButton* middle_ = nullptr;
+  QString caption_;                 // of the key in the middle
   QWidget* focused_key_ = nullptr;  // had the focus when the keys were disabled
 };
 

@@ -1,0 +1,148 @@
+// How the linear matrix page measures: patch by patch, and the whole chart.
+#include <algorithm>
+#include <utility>
+
+#include "tuning/matrix_desk.h"
+
+namespace qv5123 {
+namespace {
+
+std::string counts_text(std::size_t patch, const MeasuredColour& counts) {
+  return std::string(kPatchCaptions[patch]) + " is " + std::to_string(counts[0]) + ", " +
+         std::to_string(counts[1]) + ", " + std::to_string(counts[2]);
+}
+
+}  // namespace
+
+void MatrixDesk::get_color() {
+  view().take_typed();
+  if (measuring_all()) return host().show_status("GET COLOR: the whole chart is being measured.");
+  if (!measuring_.running()) return measuring_.start(run_get_color());
+  // With a patch step the next press means the next patch.
+  const bool next = values_.patch == measured_patch_ && values_.patch_step > 0;
+  presses_.push_back(next ? std::nullopt : std::optional(values_.patch));
+  host().show_status("GET COLOR: " + std::to_string(presses_.size()) + " more to come.");
+}
+
+Task<> MatrixDesk::run_get_color() {
+  presses_.assign(1, values_.patch);
+  std::optional<std::size_t> measured;
+  while (!presses_.empty()) {
+    const std::size_t patch = presses_.front().value_or(values_.patch);
+    presses_.pop_front();
+    const bool done = co_await measure_patch(patch);
+    if (done) measured = patch;
+    if (picker_.chip_was_away()) presses_.clear();
+  }
+  if (!measured || measured != stopped_at_ || !values_.picker_on) co_return;
+  if (const auto places = patch_places(corners())) running_all_.start(run_all(*places, *measured + 1));
+}
+
+/// An arrow would move the cursor away from what is being measured.
+Task<bool> MatrixDesk::measure_patch(std::size_t patch) {
+  measured_patch_ = patch;
+  co_await picker_.arrive();
+  if (picker_.chip_was_away()) {
+    host().show_failure("GET COLOR: " + std::string(kPickerChipWasAway));
+    co_return false;
+  }
+  measuring_patch_ = true;
+  picker_.set_measuring(true);
+  const MeasuredColour former = values_.measured[patch];
+  const bool measured = co_await get_patch_color(link(), values_, patch);
+  MatrixValues before = values_;
+  before.measured[patch] = former;
+  tell({DeskChange::Kind::measured, "GET COLOR", before});
+  if (measured) forget_fits();
+  measuring_patch_ = false;
+  if (measured)
+    host().show_status("GET COLOR: " + counts_text(patch, values_.measured[patch]));
+  else
+    host().show_failure("GET COLOR: the chip did not answer.");
+  view().take_typed();
+  matrix_view_->show_measurements();
+  picker_.set_measuring(false);
+  co_return measured;
+}
+
+void MatrixDesk::set_corner() {
+  view().take_typed();
+  const auto corner = corner_of(values_.patch);
+  if (!corner)
+    return host().show_status(
+        "The corners are Dark skin, Bluish green, Black and White: choose one of them.");
+  ChartCorners& corners = corners_[static_cast<std::size_t>(values_.mode)];
+  corners[*corner] = clamped(values_.picker);
+  const auto set = std::ranges::count_if(corners, [](const auto& place) { return place.has_value(); });
+  host().show_status("Corner " + std::to_string(set) + " of 4 is set.");
+  const auto open = std::ranges::find_if(corners, [](const auto& place) { return !place; });
+  if (open != corners.end()) values_.patch = kCornerPatches[static_cast<std::size_t>(open - corners.begin())];
+  matrix_view_->show_measurements();
+  matrix_view_->show_run();
+}
+
+void MatrixDesk::measure_all() {
+  view().take_typed();
+  if (measuring_all()) {
+    stop_run_ = true;
+    return;
+  }
+  const auto places = patch_places(corners());
+  if (!values_.picker_on || measuring_.running())
+    return host().show_status("Measure all 24: enable the color picker first, and wait for GET COLOR.");
+  if (!places)
+    return host().show_status(
+        "Measure all 24: put the cursor on each corner patch and press Set corner there.");
+  {
+    const Changing change(*this, DeskChange::Kind::measured, "Measure all 24");
+    values_.measured = {};
+  }
+  forget_fits();
+  running_all_.start(run_all(*places, 0));
+}
+
+Task<> MatrixDesk::run_all(std::array<PickerPosition, kPatches> places, std::size_t first) {
+  measuring_all_ = true;
+  stop_run_ = false;
+  stopped_at_.reset();
+  co_await picker_.arrive();
+  const BusyScope busy(host());
+  picker_.set_measuring(true);
+  for (std::size_t patch = first; patch < kPatches && !stop_run_; ++patch) {
+    values_.patch = patch;
+    values_.picker = places[patch];
+    matrix_view_->show_measurements();
+    matrix_view_->show_run();
+    host().show_progress(static_cast<int>(100 * patch / kPatches));
+    const SteadyReading reading = co_await read_steadily(link(), places[patch]);
+    if (stop_run_) break;
+    std::string complaint = reading_complaint(values_.measured, patch, reading);
+    if (picker_.chip_was_away() || !values_.picker_on) complaint = kPickerChipWasAway;
+    if (!complaint.empty()) {
+      stop_at(patch, complaint);
+      break;
+    }
+    take_reading(patch, reading);
+    host().show_status("Measured " + counts_text(patch, values_.measured[patch]) + "; " +
+                       std::to_string(kPatches - 1 - patch) + " left.");
+  }
+  if (stop_run_) host().show_status("Measure all 24: stopped.");
+  forget_fits();
+  picker_.set_measuring(false);
+  measuring_all_ = false;
+  matrix_view_->show_measurements();
+}
+
+void MatrixDesk::take_reading(std::size_t patch, const SteadyReading& reading) {
+  const Changing change(*this, DeskChange::Kind::measured, "Measure all 24");
+  for (std::size_t c = 0; c < 3; ++c)
+    values_.measured[patch][c] = static_cast<std::uint32_t>(reading.colour[c]);
+}
+
+void MatrixDesk::stop_at(std::size_t patch, const std::string& complaint) {
+  stopped_at_ = patch;
+  host().show_failure("Measure all 24 stopped. " + complaint +
+                      " GET COLOR measures it anew, and the rest follows.");
+}
+
+}  // namespace qv5123

@@ -1,0 +1,149 @@
+#include "tuning/chart_run.h"
+
+#include <gmock/gmock.h>
+
+#include "support/chip_talk.h"
+#include "support/desk_bench.h"
+#include "tuning/matrix_desk.h"
+
+namespace qv5123 {
+namespace {
+
+using testing::HasSubstr;
+
+PickerPosition middle_of(const char* scene, std::size_t patch) {
+  const PicturePoint middle = patch_middle(*scene_named(scene), patch);
+  return {middle.x, middle.y};
+}
+
+TEST(ChartRun, FindsAllPatchesFromTheFourAtTheCorners) {
+  for (const char* scene : {"chart", "chart-turned", "chart-angle", "chart-turned-angle-720"}) {
+    ChartCorners corners;
+    for (std::size_t i = 0; i < corners.size(); ++i) corners[i] = middle_of(scene, kCornerPatches[i]);
+    const auto places = patch_places(corners);
+    ASSERT_TRUE(places) << scene;
+    for (std::size_t i = 0; i < kPatches; ++i) {
+      const PickerPosition middle = middle_of(scene, i);
+      EXPECT_NEAR((*places)[i].x, middle.x, 3) << scene << " " << i;
+      EXPECT_NEAR((*places)[i].y, middle.y, 3) << scene << " " << i;
+    }
+    std::swap(corners[0], corners[1]);
+    EXPECT_FALSE(patch_places(corners)) << "they cross";
+    corners[0].reset();
+    EXPECT_FALSE(patch_places(corners));
+  }
+}
+
+class MatrixDeskOnAChip : public test::DeskBench {
+ protected:
+  MatrixDeskOnAChip() {
+    fake_.sender.chip = [this](const std::string& bytes) { fake_.receive(test::ask(chip_, bytes)); };
+  }
+  void aim(const char* scene) {
+    chip_.set_camera(Camera(*scene_named(scene)));
+    chip_.look();
+  }
+  void set_corners(const char* scene) {
+    desk_.picker().click_switch(true);
+    wire(3000);
+    for (const std::size_t patch : kCornerPatches) {
+      desk_.choose_patch(patch);
+      const PickerPosition at = middle_of(scene, patch);
+      desk_.picker().type_x(at.x);
+      desk_.picker().type_y(at.y);
+      wire(2000);
+      desk_.set_corner();
+    }
+  }
+  std::size_t measured() const {
+    return static_cast<std::size_t>(std::ranges::count_if(desk_.values().measured, is_measured));
+  }
+
+  test::ListeningChip chip_;
+  MatrixDesk desk_{host_, host_.doc.user_data};
+};
+
+TEST_F(MatrixDeskOnAChip, MeasuresTheTurnedChartInTime) {
+  aim("chart-turned");
+  desk_.measure_all();
+  EXPECT_THAT(host_.last_status(), HasSubstr("enable the color picker first"));
+  desk_.picker().click_switch(true);
+  wire(3000);
+  desk_.measure_all();
+  EXPECT_THAT(host_.last_status(), HasSubstr("press Set corner there"));
+  set_corners("chart-turned");
+  EXPECT_EQ(host_.last_status(), "Corner 4 of 4 is set.");
+  desk_.measure_all();
+  wire(1000);
+  EXPECT_FALSE(desk_.picker().keys_enabled());
+  desk_.get_color();
+  EXPECT_EQ(host_.last_status(), "GET COLOR: the whole chart is being measured.");
+  // A line of 19200 baud takes another 5 s for the 24 x 138 characters.
+  wire(14'000);
+  EXPECT_EQ(measured(), kPatches);
+  EXPECT_FALSE(desk_.measuring_all());
+  EXPECT_TRUE(desk_.picker().keys_enabled());
+  desk_.calculate(host_.user);
+  EXPECT_LT(patch_report(desk_.values().measured, desk_.values().coefficients)->after.mean, 2);
+
+  desk_.measure_all();
+  wire(2000);
+  desk_.measure_all();
+  wire(2000);
+  EXPECT_EQ(host_.last_status(), "Measure all 24: stopped.");
+  EXPECT_LT(measured(), 6u);
+  desk_.choose_mode(kCvi);
+  desk_.measure_all();
+  EXPECT_FALSE(desk_.measuring_all()) << "the corners are another video mode's";
+}
+
+TEST_F(MatrixDeskOnAChip, StopsAtADoubtfulPatchAndGoesOnOnceItIsMeasuredAnew) {
+  aim("chart");
+  set_corners("chart");
+  test::ask(chip_, "@a001*");  // exposes anew
+  aim("chart-bright");
+  test::ask(chip_, "@a000*");
+  desk_.measure_all();
+  wire(20'000);
+  EXPECT_THAT(host_.last_status(), HasSubstr("Measure all 24 stopped. "));
+  EXPECT_THAT(host_.last_status(), HasSubstr(" is clipped: it reads 255."));
+  const std::size_t at = desk_.values().patch;
+  EXPECT_EQ(measured(), at);
+  desk_.get_color();
+  wire(3000);
+  EXPECT_GT(desk_.values().patch, at) << "the rest follows";
+}
+
+TEST_F(MatrixDeskOnAChip, QueuesPressesAndMovesWithTheChosenPatch) {
+  aim("chart");
+  desk_.picker().click_switch(true);
+  wire(3000);
+  desk_.choose_patch_step(240);
+  desk_.picker().type_x(360);
+  desk_.picker().type_y(180);
+  wire(1000);
+  for (int press = 0; press < 3; ++press) desk_.get_color();
+  EXPECT_EQ(host_.last_status(), "GET COLOR: 2 more to come.");
+  wire(10'000);
+  EXPECT_EQ(measured(), 3u);
+  EXPECT_EQ(desk_.values().patch, 3u);
+  desk_.choose_patch(14);
+  EXPECT_EQ(desk_.picker().position(), middle_of("chart", 14));
+  wire(1000);
+  EXPECT_EQ(chip_.state().isp[0xC38] * 256 + chip_.state().isp[0xC39], middle_of("chart", 14).x);
+}
+
+TEST(ChartRun, ComplainsOfReadingsThatCannotBe) {
+  MeasuredColours measured{};
+  measured[18] = {200, 200, 200};
+  EXPECT_EQ(reading_complaint(measured, 19, {{130, 130, 130}, true}), "");
+  EXPECT_EQ(reading_complaint(measured, 19, {{210, 210, 210}, true}),
+            "Neutral 8 is out of order: its brightness does not fit that of White.");
+  EXPECT_EQ(reading_complaint(measured, 19, {{130, 130, 130}, false}),
+            "Neutral 8 is unsteady: its three readings differ.");
+  EXPECT_EQ(reading_complaint(measured, 19, {{1, 130, 130}, true}), "Neutral 8 is too dark: it reads 1.");
+  EXPECT_EQ(reading_complaint(measured, 19, {{-1, 130, 130}, true}), "Neutral 8: the chip did not answer.");
+}
+
+}  // namespace
+}  // namespace qv5123
