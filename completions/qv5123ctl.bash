@@ -11,7 +11,7 @@ _qv5123ctl() {
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return ;;
-    --baud|--category|--data-bits|--expect|--find|--flow|--for|--front-level|--gamma|--parity|--ratio|--repair|--stop-bits|--timeout|--width) return ;;
+    --baud|--category|--data-bits|--expect|--find|--flow|--for|--front-level|--gamma|--memory-weight|--noise-limit|--parity|--ratio|--repair|--stop-bits|--timeout|--width) return ;;
   esac
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case "${path:+$path }$word" in

@@ -44,7 +44,7 @@ class LensDesk final : public PageDesk<LensPage> {
   /// "Check field": measures 9 x 5 places with the correction that the chip has; pressed again it stops.
   void press_check_field();
   bool checking_field() const { return checking_.running(); }
-  const LensField& field() const { return field_; }
+  const LensField& picture() const { return field_; }
   /// "File/Flash Save" on file and chip.
   Task<> save(PageHost& files);
 

@@ -29,7 +29,7 @@ void PickerDesk::set_measuring(bool measuring) {
 
 void PickerDesk::go() {
   view_->show_picker();
-  if (picker_.on) moves_.spawn(send_move(picker_position_bytes(picker_.position)));
+  if (picker_.on) moves_.spawn(send_move("Picker position", picker_position_bytes(picker_.position)));
 }
 
 void PickerDesk::show_keys() {

@@ -178,7 +178,7 @@ TEST_F(ValueStatesTest, ARowOfTheMatrixIsOfItsModeAndLight) {
   desk.choose_mode(kCvbs);
   desk.choose_light(1);
   desk.type_code(1, 0, "0x0123");
-  desk.set_row(MatrixControl::green_row);
+  desk.set_row(MatrixControl::green_row, host_.user);
   wire();
   std::vector<std::string> sent;
   const std::size_t page = states_.page_named("matrix");

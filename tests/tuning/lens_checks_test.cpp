@@ -133,8 +133,8 @@ TEST_F(LensDeskOnAChip, AsksWhatToSendWhereTheChipCannotDoWhatWasFitted) {
 TEST_F(LensDeskOnAChip, ChecksTheFieldWithTheCorrectionOfTheChip) {
   desk_.press_check_field();
   wire(60'000);
-  ASSERT_EQ(desk_.field().size(), 45u);
-  const double uncorrected = field_ripple(desk_.field())[1];
+  ASSERT_EQ(desk_.picture().size(), 45u);
+  const double uncorrected = field_ripple(desk_.picture())[1];
   EXPECT_THAT(host_.last_status(), StartsWith("Ripple of the whole picture: red "));
   EXPECT_FALSE(chip_.state().isp[0xA29] & 0x80) << "the picker is off again";
   EXPECT_TRUE(chip_.state().isp[0xA10] & 0x10);
@@ -142,7 +142,7 @@ TEST_F(LensDeskOnAChip, ChecksTheFieldWithTheCorrectionOfTheChip) {
   calibrated();
   desk_.press_check_field();
   wire(60'000);
-  EXPECT_LT(field_ripple(desk_.field())[1], uncorrected);
+  EXPECT_LT(field_ripple(desk_.picture())[1], uncorrected);
 
   desk_.press_check_field();
   wire(5000);

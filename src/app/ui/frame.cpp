@@ -14,7 +14,6 @@
 #include <QWindow>
 #include <chrono>
 
-#include "app/ui/main_actions.h"
 #include "app/ui/message_list.h"
 #include "app/ui/page_area.h"
 #include "app/ui/port_state.h"
@@ -22,6 +21,7 @@
 #include "app/ui/status_pane.h"
 #include "app/ui/undo_actions.h"
 #include "app/ui/verify_pane.h"
+#include "app/ui/window_actions.h"
 #include "base/ui/qt_text.h"
 #include "tuning/tuning_desk.h"
 
@@ -50,7 +50,7 @@ CMainFrame::CMainFrame(CQV5123View* view) : view_(*view) {
   fill_menu_bar();
   fill_status_bar();
   fill_tools();
-  new MainActions(*this, *view);
+  new WindowActions(*this, *view);
   connect(view, &CQV5123View::status_changed, this, &CMainFrame::show_messages);
   connect(view, &CQV5123View::messages_read, this, &CMainFrame::show_messages);
   connect(view, &CQV5123View::progress_changed, this, &CMainFrame::show_progress);

@@ -131,7 +131,7 @@ void CDlgIspLSC::show_values() {
 }
 
 void CDlgIspLSC::show_field() {
-  field_->show_field(desk_.field());
+  field_->show_field(desk_.picture());
 }
 
 void CDlgIspLSC::add_to_log(const std::string& text) {

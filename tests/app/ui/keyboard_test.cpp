@@ -6,7 +6,7 @@
 #include <QTextBrowser>
 
 #include "app/ui/help_window.h"
-#include "app/ui/main_actions.h"
+#include "app/ui/window_actions.h"
 #include "app/ui/window_bench.h"
 #include "console/setting_file.h"
 

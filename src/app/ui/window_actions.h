@@ -12,10 +12,10 @@ class CMainFrame;
 class CQV5123View;
 
 /// The commands that have a key wherever the focus is. All of them stand in the menu "Tools".
-class MainActions final : public QObject {
+class WindowActions final : public QObject {
  public:
   /// Adds them to the frame's menu. Both outlive this.
-  MainActions(CMainFrame& frame, CQV5123View& view);
+  WindowActions(CMainFrame& frame, CQV5123View& view);
 
  private:
   QAction* add(const char* text, const char* keys, const char* name, std::function<void()> act);

@@ -1,4 +1,4 @@
-#include "app/ui/main_actions.h"
+#include "app/ui/window_actions.h"
 
 #include <QAction>
 #include <QMenu>
@@ -13,7 +13,7 @@
 
 namespace qv5123 {
 
-MainActions::MainActions(CMainFrame& frame, CQV5123View& view)
+WindowActions::WindowActions(CMainFrame& frame, CQV5123View& view)
     : QObject(&frame), frame_(frame), view_(view), menu_(frame.tools()) {
   if (!menu_.isEmpty()) menu_.addSeparator();
   add_files();
@@ -23,7 +23,7 @@ MainActions::MainActions(CMainFrame& frame, CQV5123View& view)
   add_window_commands();
 }
 
-QAction* MainActions::add(const char* text, const char* keys, const char* name, std::function<void()> act) {
+QAction* WindowActions::add(const char* text, const char* keys, const char* name, std::function<void()> act) {
   QAction* action = menu_.addAction(text);
   action->setObjectName(name);
   action->setShortcuts(QKeySequence::listFromString(keys));
@@ -31,14 +31,14 @@ QAction* MainActions::add(const char* text, const char* keys, const char* name, 
   return action;
 }
 
-void MainActions::add_files() {
+void WindowActions::add_files() {
   add("&Load setting file...", "Ctrl+O", "load-settings", [this] { view_.load_setting_file(); });
   add("&Save setting file", "Ctrl+S", "save-settings", [this] { view_.save_setting_file(); });
   add("Save setting file &as...", "Ctrl+Shift+S", "save-settings-as",
       [this] { view_.save_setting_file_as(); });
 }
 
-void MainActions::add_page_commands() {
+void WindowActions::add_page_commands() {
   add("Load <- &ISP", "Ctrl+L", "load-page", [this] { press(kLoadCommand); });
   add("&File/Flash Save", "Ctrl+Return; Ctrl+Enter", "save-page", [this] { press(kSaveCommand); });
   add("&Read again", "F5", "read-again", [this] {
@@ -46,7 +46,7 @@ void MainActions::add_page_commands() {
   });
 }
 
-void MainActions::add_window_commands() {
+void WindowActions::add_window_commands() {
   add("Fold the &column", "F9", "fold-column", [this] { view_.column().choose_next(); });
   add("First &steps", "", "first-steps", [this] { emit frame_.topic_wanted("first-steps"); });
   add("List &messages", "Ctrl+Shift+M", "list-messages", [this] { frame_.list_messages(); });
@@ -54,7 +54,7 @@ void MainActions::add_window_commands() {
   add("Close serial port...", "Ctrl+Shift+X", "close-serial", [this] { view_.ask_and_close_serial(); });
 }
 
-bool MainActions::press(const char* command) {
+bool WindowActions::press(const char* command) {
   const auto page = view_.pages().current();
   const QWidget* widget = page ? view_.pages().page_widget(*page) : nullptr;
   if (!widget || !widget->isVisible()) return false;
