@@ -45,7 +45,8 @@ std::optional<EndAtOnce> scene_fault(const ProgramOptions& options) {
   if (!options.scene || scene_named(*options.scene)) return std::nullopt;
   const QString scene = QString::fromStdString(*options.scene).simplified();
   return EndAtOnce{QStringLiteral("QV5123: There is no scene '%1': chart or flat, then any of %2.")
-                       .arg(scene, QString::fromStdString(scene_words())), 2};
+                       .arg(scene, QString::fromStdString(scene_words())),
+                   2};
 }
 
 EndAtOnce unwritable(const std::filesystem::path& trace) {

@@ -20,13 +20,15 @@ constexpr int kSpace = 2;
 PortState::PortState(QWidget* parent) : QAbstractButton(parent) {
   setObjectName("port-state");
   setFocusPolicy(Qt::TabFocus);
-  // Its text is what assistive tools read out; a name would stand in its place.
+  setToolTip(kHowToOpen);
   setAccessibleDescription("Port state. Press to see how the line does.");
   connect(this, &QAbstractButton::clicked, this, &PortState::open_dialog);
 }
 
 void PortState::show_connected(bool connected) {
   setText(connected ? "Port open" : "Port closed");
+  // What assistive tools read out.
+  setAccessibleName(text());
   updateGeometry();
 }
 

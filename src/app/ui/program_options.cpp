@@ -149,7 +149,8 @@ std::variant<ProgramOptions, EndAtOnce> read_options(const QStringList& argument
       {{"v", "version"}, "Print the version and exit."},
       {"port", "Use this serial device and store no settings but the window's look.", "DEVICE"},
       {"simulate", "Use the simulated chip and store no settings but the window's look."},
-      {"scene", "What the simulated camera looks at: chart, flat, chart-turned, flat-cos4-720 and many more.", "KIND"},
+      {"scene", "What the simulated camera looks at: chart, flat, chart-turned, flat-cos4-720 and many more.",
+       "KIND"},
       {"settings", "Load this setting file at the start instead of offering the dialog.", "FILE"},
       {"tour",
        "Open every page in turn, save a picture of each in this folder, and exit. Runs on the simulated chip "

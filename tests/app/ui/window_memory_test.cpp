@@ -66,6 +66,7 @@ TEST(ColumnDrawer, FoldsByItselfUntilTheUserChooses) {
   bench.frame->resize(1280, 770);
   QCoreApplication::processEvents();
   EXPECT_EQ(column.shape(), ColumnShape::whole);
+  QApplication::setActiveWindow(bench.frame.get());
   QTest::keyClick(bench.frame.get(), Qt::Key_F9);
   EXPECT_EQ(column.shape(), ColumnShape::console);
   EXPECT_TRUE(test::find<QWidget>(*bench.frame, "Console")->isVisible());

@@ -206,6 +206,8 @@ Operation lens_calibration() {
   sweep.prepare = [](MatrixBench& bench) {
     bench.spoil_page(5);
     switch_picker_on(bench);
+    // To what is asked about doubtful readings.
+    bench.user.answers = {Answer::yes};
   };
   sweep.start = click("CALIBRATION");
   sweep.end = [](MatrixBench& bench) {
