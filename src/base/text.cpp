@@ -1,6 +1,10 @@
 #include "base/text.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
+
+#include "base/hex.h"
 
 namespace qv5123 {
 namespace {
@@ -33,6 +37,15 @@ std::string padded(long long number, std::size_t width) {
   std::string digits = std::to_string(number);
   if (digits.size() < width) digits.insert(0, width - digits.size(), '0');
   return digits;
+}
+
+/// Unlike from_chars, takes no sign of its own.
+std::optional<long long> parse_digits(std::string_view digits, int base) {
+  long long value = 0;
+  if (digits.empty() || digits.front() == '-') return std::nullopt;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
+  if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
+  return value;
 }
 
 }  // namespace
@@ -97,6 +110,32 @@ std::string iso_time(std::chrono::system_clock::time_point time) {
          "-" + padded(static_cast<unsigned>(date.day()), 2) + "T" + padded(clock.hours().count(), 2) + ":" +
          padded(clock.minutes().count(), 2) + ":" + padded(clock.seconds().count(), 2) + "." +
          padded(clock.subseconds().count(), 3) + "Z";
+}
+
+std::optional<long long> parse_number(std::string_view text) {
+  const bool negative = text.starts_with('-');
+  if (negative || text.starts_with('+')) text.remove_prefix(1);
+  const bool is_hex = text.starts_with("0x") || text.starts_with("0X");
+  const auto value = is_hex ? parse_digits(text.substr(2), 16) : parse_digits(text, 10);
+  return value && negative ? -*value : value;
+}
+
+std::optional<double> parse_real(std::string_view text) {
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  const bool whole = !text.empty() && error == std::errc() && end == text.data() + text.size();
+  return whole && std::isfinite(value) ? std::optional(value) : std::nullopt;
+}
+
+std::string hex(unsigned value, int digits) {
+  std::size_t needed = 1;
+  for (unsigned rest = value >> 4; rest != 0; rest >>= 4) ++needed;
+  return "0x" + upper_hex(value, std::max(needed, static_cast<std::size_t>(digits)));
+}
+
+std::string shortest(double value) {
+  char text[64];
+  return {text, std::to_chars(text, text + sizeof text, value).ptr};
 }
 
 }  // namespace qv5123

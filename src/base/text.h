@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -24,5 +25,16 @@ std::string fixed(double value, int digits);
 
 /// A moment in UTC as "2026-11-22T02:51:01.123Z".
 std::string iso_time(std::chrono::system_clock::time_point time);
+
+/// The number that a text is, all of it: decimal, or hex behind "0x"; a sign may stand before either.
+/// Nothing for any other text and for what is beyond 64 bits.
+std::optional<long long> parse_number(std::string_view text);
+/// The finite decimal number that a text is, all of it; the point is a point in every locale.
+std::optional<double> parse_real(std::string_view text);
+
+/// "0xF922": at least `digits` upper-case digits.
+std::string hex(unsigned value, int digits);
+/// A number as short as it can be without losing anything.
+std::string shortest(double value);
 
 }  // namespace qv5123

@@ -6,9 +6,9 @@
 #include "cli/files.h"
 #include "cli/numbers.h"
 #include "cli/parameters.h"
-#include "cli/settings_table.h"
 #include "console/setting_file.h"
 #include "console/setting_format.h"
+#include "tuning/settings_table.h"
 
 namespace qv5123 {
 namespace {
@@ -179,6 +179,7 @@ void add_settings_commands(CLI::App& app, Context& context) {
   add_command<SettingsOptions>(*settings, context, "check",
                                "Check that a file is whole and within what the pages take", declare_file,
                                check);
+  add_settings_read(*settings, context);
 }
 
 }  // namespace qv5123

@@ -1,5 +1,8 @@
 #include "tuning/tuning_pages.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "tuning/awb_desk.h"
 #include "tuning/dynamic_desk.h"
 #include "tuning/front_desk.h"
@@ -8,6 +11,16 @@
 #include "tuning/matrix_desk.h"
 
 namespace qv5123 {
+
+std::string page_names() {
+  std::string text;
+  for (const char* name : kTuningPages) text += (text.empty() ? "" : ", ") + std::string(name);
+  return text;
+}
+
+bool is_page(std::string_view name) {
+  return std::ranges::find(kTuningPages, name) != std::end(kTuningPages);
+}
 
 std::unique_ptr<TuningModel> make_model(std::string_view name) {
   if (name == FrontPage::kTexts.name) return std::make_unique<PageModel<FrontPage>>();

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "console/document.h"
 #include "tuning/tuning_desk.h"
@@ -10,6 +12,11 @@ namespace qv5123 {
 
 /// The names of the tuning pages.
 inline constexpr const char* kTuningPages[] = {"front", "awb", "dynamic", "gamma", "matrix", "lsc"};
+
+/// "front, awb, ...".
+std::string page_names();
+/// Whether it is one of kTuningPages.
+bool is_page(std::string_view name);
 
 /// The values of the page of that name, which is one of kTuningPages, as the page starts.
 std::unique_ptr<TuningModel> make_model(std::string_view name);

@@ -1,4 +1,4 @@
-#include "cli/settings_table.h"
+#include "tuning/settings_table.h"
 
 #include <gtest/gtest.h>
 

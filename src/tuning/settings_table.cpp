@@ -1,11 +1,11 @@
-#include "cli/settings_table.h"
+#include "tuning/settings_table.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <memory>
 
-#include "cli/numbers.h"
+#include "base/text.h"
 #include "console/main_commands.h"
 #include "console/version_box.h"
 #include "tuning/tuning_pages.h"
