@@ -22,7 +22,7 @@ need_packages() {
 }
 
 # What building and running the program takes, and what the tests take on top.
-program_packages=(g++ cmake ninja-build ccache qt6-base-dev libcli11-dev nlohmann-json3-dev fonts-dejavu-core)
+program_packages=(g++ cmake ninja-build ccache qt6-base-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev fonts-dejavu-core)
 test_packages=(libgtest-dev libgmock-dev)
 
 # configure_program FOLDER [CMAKE OPTIONS...]: says nothing unless it fails.

@@ -2,31 +2,9 @@
 
 #include "cli/chip.h"
 #include "console/page_host.h"
+#include "provision/unattended.h"
 
 namespace qv5123 {
-
-/// The user who is not there. Nothing is ever asked: questions are answered with Cancel unless told
-/// otherwise, choosers with the file that the command line named, and what had to be acknowledged or answered
-/// is kept.
-class HeadlessPrompts final : public Prompts {
- public:
-  explicit HeadlessPrompts(std::filesystem::path file = {}) : file_(std::move(file)) {}
-
-  Task<> message(Message message) override;
-  Task<Answer> ask(Question question) override;
-  Task<std::optional<std::filesystem::path>> choose_open(FileChoice choice) override;
-  Task<std::optional<std::filesystem::path>> choose_save(FileChoice choice) override;
-
-  /// What questions are answered with.
-  void answer(Answer answer) { answer_ = answer; }
-  /// The last message; empty while there was none.
-  const std::string& last_message() const { return last_message_; }
-
- private:
-  std::filesystem::path file_;
-  std::string last_message_;
-  Answer answer_ = Answer::cancel;
-};
 
 /// Runs a desk without a window. Commands say by themselves what came of them.
 class HeadlessHost final : public DeskHost {

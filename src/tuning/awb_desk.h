@@ -21,6 +21,7 @@ class AwbDesk final : public PageDesk<AwbPage> {
   void press(const std::string& name, RegisterWrite key) { send_noted(name, {Batch{key}}, {}); }
   /// "GET COLOR"; ignored while one is under way.
   void get_color();
+  bool measuring() const { return measuring_.running(); }
   /// "File/Flash Save".
   Task<> save();
 

@@ -78,6 +78,7 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   void measure_all();
   bool measuring_all() const { return measuring_all_; }
   std::size_t patches_left() const { return kPatches - values_.patch; }
+  bool measuring() const { return measuring_.running(); }
   void calculate(Prompts& prompts);
   /// "Fit color difference": puts its result beside that of "Calculate"; the matrix in force stays until one
   /// of the two is chosen. Ignored while one is under way.

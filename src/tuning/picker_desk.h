@@ -43,6 +43,8 @@ class PickerDesk {
   void attach(View& view) { view_ = &view; }
 
   bool on() const { return picker_.on; }
+  /// Whether the chip is being switched.
+  bool switching() const { return switching_.running(); }
   const PickerPosition& position() const { return picker_.position; }
   int step_index() const { return picker_.step_index; }
   void choose_step(int index) { picker_.step_index = index; }

@@ -1,0 +1,86 @@
+#include "provision/recipe.h"
+
+#include <algorithm>
+
+#include "base/atomic_file.h"
+#include "base/sha256.h"
+#include "provision/recipe_table.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr std::uintmax_t kLargestRecipe = 1u << 20;
+
+std::optional<RegDescription> read_description(RecipeTable& table) {
+  if (!table.has("description")) return std::nullopt;
+  const std::filesystem::path path = table.path("description");
+  RegDescription description = RegDescription::load(path, path_text(path));
+  if (!description.problem.empty()) table.refuse("description", description.problem);
+  return description;
+}
+
+void check_order(const RecipeTable& table, const std::vector<Step>& steps) {
+  bool settings = false;
+  std::size_t number = 0;
+  for (const Step& step : steps) {
+    ++number;
+    settings = settings || std::holds_alternative<SettingsStep>(step.work);
+    if (std::holds_alternative<PagesStep>(step.work) && !settings)
+      table.refuse("step",
+                   "step " + std::to_string(number) + " saves pages, and no settings stand before it");
+  }
+}
+
+void read_steps(RecipeTable& table, const RegDescription* description, Recipe& recipe) {
+  const toml::node* node = table.node("step");
+  const toml::array* steps = node ? node->as_array() : nullptr;
+  if (!steps || steps->empty() || !steps->is_array_of_tables()) table.refuse("step", "no [[step]] is there");
+  for (const toml::node& element : *steps) {
+    const std::string place = "step " + std::to_string(recipe.steps.size() + 1);
+    RecipeTable step(*element.as_table(), place, table.folder());
+    recipe.steps.push_back(read_step(step, description));
+  }
+  check_order(table, recipe.steps);
+}
+
+Recipe read_root(const toml::table& root, const std::filesystem::path& path) {
+  Recipe recipe;
+  recipe.path = path;
+  RecipeTable table(root, "", path.parent_path());
+  recipe.name = table.text("name", path_text(path.stem()));
+  if (table.has("records")) recipe.records = table.path("records");
+  const std::optional<RegDescription> description = read_description(table);
+  // A file of another key first, so that what is said of it is about the key that is wrong.
+  table.node("step");
+  table.end();
+  read_steps(table, description ? &*description : nullptr, recipe);
+  return recipe;
+}
+
+std::string parse_problem(const toml::parse_error& error) {
+  return "line " + std::to_string(error.source().begin.line) + ": " + std::string(error.description());
+}
+
+}  // namespace
+
+ReadRecipe read_recipe(const std::filesystem::path& path) {
+  ReadRecipe read;
+  std::string text;
+  const FileResult result = read_whole_file(path, text, kLargestRecipe);
+  if (!result.ok()) {
+    read.problem = result.text;
+    return read;
+  }
+  try {
+    const toml::table root = toml::parse(text);
+    read.recipe = read_root(root, path);
+    read.recipe.sha256 = sha256(text);
+  } catch (const toml::parse_error& error) {
+    read.problem = path_text(path) + ", " + parse_problem(error);
+  } catch (const RecipeProblem& problem) {
+    read.problem = path_text(path) + ", " + problem.text;
+  }
+  return read;
+}
+
+}  // namespace qv5123

@@ -1,0 +1,291 @@
+#include <algorithm>
+#include <array>
+
+#include "base/text.h"
+#include "console/setting_file.h"
+#include "console/setting_format.h"
+#include "provision/recipe_table.h"
+#include "registers/register_file.h"
+#include "tuning/settings_table.h"
+#include "tuning/tuning_pages.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr int kMostTries = 9;
+constexpr std::size_t kLongestSerial = 32;
+
+/// "2.3.7" as three numbers of 0..99.
+VersionNumbers version_of(const RecipeTable& table, std::string_view key, const std::string& text) {
+  VersionNumbers numbers{};
+  std::string_view rest = text;
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    const std::size_t point = i + 1 < numbers.size() ? rest.find('.') : rest.size();
+    const auto number = point == rest.npos ? std::nullopt : parse_number(rest.substr(0, point));
+    if (!number || *number < 0 || *number > kVersionNumberMax)
+      table.refuse(key, "\"" + text + "\" is not three numbers 0..99 such as \"2.3.7\"");
+    numbers[i] = static_cast<int>(*number);
+    rest.remove_prefix(std::min(point + 1, rest.size()));
+  }
+  return numbers;
+}
+
+ExpectStep read_expect(RecipeTable& table) {
+  constexpr std::array kKeys{"hw", "sw", "isp"};
+  ExpectStep step;
+  for (int slot = 0; slot < kVersionSlots; ++slot) {
+    const char* key = kKeys[static_cast<std::size_t>(slot)];
+    if (table.has(key)) step.versions[slot] = version_of(table, key, table.text(key));
+  }
+  step.serial = table.text("serial", "");
+  step.console = table.text("console", "");
+  if (step.versions.empty() && step.serial.empty() && step.console.empty())
+    table.refuse("do", "expects nothing: hw, sw, isp, serial or console say what");
+  return step;
+}
+
+ImageStep read_image(RecipeTable& table, TransferKind kind) {
+  ImageStep step;
+  step.kind = kind;
+  step.file = table.file();
+  if (step.file.bytes.empty() || step.file.bytes.size() > kImageFits)
+    table.refuse("file", step.file.shown + " has " + std::to_string(step.file.bytes.size()) +
+                             " bytes, a download takes 1 to " + std::to_string(kImageFits));
+  step.says = table.text("says", step.says);
+  step.tries = table.whole("tries", 1, kMostTries, step.tries);
+  return step;
+}
+
+std::vector<std::string> lines_of(const RecipeTable& table, const std::filesystem::path& path) {
+  std::string text;
+  const FileResult result = read_whole_file(path, text);
+  if (!result.ok()) table.refuse("list", result.text);
+  std::vector<std::string> lines;
+  for (std::size_t start = 0; start < text.size();) {
+    const std::size_t end = std::min(text.find('\n', start), text.size());
+    std::string line = text.substr(start, end - start);
+    while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) line.pop_back();
+    if (!line.empty()) lines.push_back(std::move(line));
+    start = end + 1;
+  }
+  return lines;
+}
+
+void check_list(const RecipeTable& table, const std::vector<std::string>& serials) {
+  std::vector<std::string> sorted = serials;
+  std::ranges::sort(sorted);
+  const auto twice = std::ranges::adjacent_find(sorted);
+  if (twice != sorted.end()) table.refuse("list", "\"" + *twice + "\" is in it twice");
+  const auto longest = std::ranges::find_if(serials, [](const auto& s) { return s.size() > kLongestSerial; });
+  if (longest != serials.end()) table.refuse("list", "\"" + *longest + "\" is longer than 32 characters");
+  if (serials.empty()) table.refuse("list", "holds no serial numbers");
+}
+
+SerialSource read_serial(RecipeTable table) {
+  SerialSource source;
+  if (table.has("list")) {
+    source.list = table.path("list");
+    source.serials = lines_of(table, source.list);
+    check_list(table, source.serials);
+    source.state = source.list;
+    source.state += ".used";
+  } else {
+    source.state = table.path("counter");
+    source.prefix = table.text("prefix", "");
+    source.first = table.has("first") ? table.whole("first", 0LL, 999'999'999'999LL) : 1;
+    source.digits = table.whole("digits", 1, 12, source.digits);
+  }
+  if (table.has("entry")) {
+    constexpr int kLast = static_cast<int>(UserDataImage::kSize) - 1;
+    source.entry = static_cast<std::size_t>(table.whole("entry", 0, kLast, 0));
+    std::size_t longest = source.prefix.size() + static_cast<std::size_t>(source.digits);
+    for (const std::string& serial : source.serials) longest = std::max(longest, serial.size());
+    if (*source.entry + longest > UserDataImage::kSize)
+      table.refuse("entry", "its end lies beyond entry 1023");
+  }
+  table.end();
+  return source;
+}
+
+void assign(RecipeTable& table, const SettingsTable& settings, const std::string& name,
+            UserDataImage& image) {
+  const std::vector<Setting> found = settings.find(name);
+  if (found.empty()) table.refuse(name, "no setting has this name");
+  if (found.size() > 1) table.refuse(name, "stands for " + std::to_string(found.size()) + " settings");
+  const int number = static_cast<int>(table.whole(name, -0x8000LL, 0xFFFF));
+  found.front().set(image, number);
+  const int stored = found.front().get(image);
+  if (stored != number)
+    table.refuse(
+        name, std::to_string(number) + " is beyond its range, it would count as " + std::to_string(stored));
+}
+
+SettingsStep read_settings(RecipeTable& table) {
+  SettingsStep step;
+  step.file = table.file();
+  const std::string oddity = format_summary(step.file.bytes);
+  if (!oddity.empty()) table.refuse("file", step.file.shown + ": " + oddity);
+  step.image = image_of(step.file.bytes);
+  if (auto set = table.table("set")) {
+    const SettingsTable settings;
+    for (const std::string& name : set->rest()) assign(*set, settings, name, step.image);
+  }
+  if (auto serial = table.table("serial")) step.serial = read_serial(std::move(*serial));
+  step.says = table.text("says", step.says);
+  step.tries = table.whole("tries", 1, kMostTries, step.tries);
+  return step;
+}
+
+PagesStep read_pages(RecipeTable& table) {
+  PagesStep step;
+  step.pages = table.texts("pages");
+  if (step.pages.empty() || step.pages == std::vector<std::string>{"all"})
+    step.pages.assign(std::begin(kTuningPages), std::end(kTuningPages));
+  for (const std::string& page : step.pages)
+    if (!is_page(page))
+      table.refuse("pages", "no page is named \"" + page + "\"; the pages are " + page_names());
+  step.repair = table.whole("repair", 0, kMostTries, step.repair);
+  return step;
+}
+
+/// "file" and the table `key`, each optional.
+std::vector<ExpectedRegister> read_registers(RecipeTable& table, const char* key,
+                                             const RegDescription* description) {
+  std::vector<ExpectedRegister> registers;
+  if (table.has("file")) {
+    const RecipeFile file = table.file();
+    auto expected = RegisterExpectations::parse(file.bytes, description);
+    if (!expected.problem.empty()) table.refuse("file", file.shown + ", " + expected.problem);
+    registers = std::move(expected.registers);
+  }
+  if (auto below = table.table(key)) {
+    for (const std::string& name : below->rest()) {
+      ExpectedRegister expected;
+      const std::string value = std::to_string(below->whole(name, 0LL, 0xFF));
+      const std::string problem = expect_register(name, value, description, expected);
+      if (!problem.empty()) below->refuse(name, problem);
+      registers.push_back(std::move(expected));
+    }
+  }
+  return registers;
+}
+
+RegistersStep read_register_writes(RecipeTable& table, const RegDescription* description) {
+  RegistersStep step;
+  step.registers = read_registers(table, "set", description);
+  if (step.registers.empty()) table.refuse("do", "names no register: \"file\" or \"set\" say which");
+  step.verify = table.flag("verify", step.verify);
+  return step;
+}
+
+CheckStep::Value read_value(RecipeTable& table, const std::string& name) {
+  CheckStep::Value value;
+  value.name = name;
+  const std::size_t point = name.find('.');
+  value.page = name.substr(0, point);
+  if (point == name.npos || !is_page(value.page)) table.refuse(name, "no page has such a value");
+  const std::vector<FieldInfo>& fields = make_model(value.page)->fields();
+  const auto field = std::ranges::find(fields, name.substr(point + 1), &FieldInfo::name);
+  if (field == fields.end() || !field->has_reply()) table.refuse(name, "the chip reports no such value");
+  value.field = static_cast<std::size_t>(field - fields.begin());
+  const toml::node* node = table.node(name);
+  if (const auto number = node->value_exact<std::int64_t>()) {
+    value.limits.least = value.limits.most = static_cast<double>(*number);
+    return value;
+  }
+  auto limits = table.table(name);
+  value.limits.least = limits->real("least", -1e9);
+  value.limits.most = limits->real("most", value.limits.least.value_or(-1e9));
+  limits->end();
+  return value;
+}
+
+CheckStep read_check(RecipeTable& table, const RegDescription* description) {
+  CheckStep step;
+  step.registers = read_registers(table, "registers", description);
+  if (auto values = table.table("values"))
+    for (const std::string& name : values->rest()) step.values.push_back(read_value(*values, name));
+  if (step.registers.empty() && step.values.empty())
+    table.refuse("do", "checks nothing: file, registers or values say what");
+  return step;
+}
+
+LensStep read_lens(RecipeTable& table) {
+  LensStep step;
+  const int width = table.whole("width", 1, 4096, 1920);
+  if (width != 1920 && width != 1280) table.refuse("width", "is 1920 or 1280");
+  step.screen = width == 1280 ? 1 : 0;
+  step.ratio = table.whole("ratio", 0, 100, step.ratio);
+  step.most_ripple = table.real("most_ripple", 0);
+  step.save = table.flag("save", step.save);
+  return step;
+}
+
+template <std::size_t count>
+int choice(RecipeTable& table, const char* key, const std::array<const char*, count>& names) {
+  if (!table.has(key)) return 0;
+  const std::string name = table.text(key);
+  const auto found = std::ranges::find(names, name);
+  if (found == names.end()) table.refuse(key, "\"" + name + "\" is none of the page's");
+  return static_cast<int>(found - names.begin());
+}
+
+PickerPosition position(RecipeTable& table, const char* key, PickerPosition otherwise) {
+  const toml::node* node = table.node(key);
+  if (!node) return otherwise;
+  const toml::array* pair = node->as_array();
+  const auto x = pair && pair->size() == 2 ? pair->get(0)->value_exact<std::int64_t>() : std::nullopt;
+  const auto y = pair && pair->size() == 2 ? pair->get(1)->value_exact<std::int64_t>() : std::nullopt;
+  if (!x || !y || *x < 0 || *x > kPickerMaximumX || *y < 0 || *y > kPickerMaximumY)
+    table.refuse(key, "is not [x, y] within the picture");
+  return {static_cast<int>(*x), static_cast<int>(*y)};
+}
+
+MatrixStep read_matrix(RecipeTable& table) {
+  MatrixStep step;
+  step.place.first = position(table, "first", step.place.first);
+  step.place.step = table.whole("step", 1, kPickerMaximumX, step.place.step);
+  step.ratio = table.whole("ratio", 0, 100, step.ratio);
+  step.light = choice(table, "light", kMatrixLightNames);
+  step.mode = choice(table, "mode", kMatrixModeNames);
+  step.most_mean = table.real("most_mean", 0);
+  step.most_worst = table.real("most_worst", 0);
+  step.save = table.flag("save", step.save);
+  return step;
+}
+
+ReportStep read_report(RecipeTable& table) {
+  return {table.text("file"), table.folder()};
+}
+
+StepWork read_work(RecipeTable& table, const std::string& what, const RegDescription* description) {
+  if (what == "expect") return read_expect(table);
+  if (what == "firmware") return read_image(table, TransferKind::firmware);
+  if (what == "font") return read_image(table, TransferKind::font);
+  if (what == "settings") return read_settings(table);
+  if (what == "pages") return read_pages(table);
+  if (what == "registers") return read_register_writes(table, description);
+  if (what == "check") return read_check(table, description);
+  if (what == "lsc") return read_lens(table);
+  if (what == "matrix") return read_matrix(table);
+  if (what == "report") return read_report(table);
+  if (what == "factory_copy") return FactoryCopyStep{};
+  table.refuse("do",
+               "\"" + what +
+                   "\" is no step; the steps are expect, firmware, font, settings, pages, registers, check, "
+                   "lsc, matrix, report and factory_copy");
+}
+
+}  // namespace
+
+Step read_step(RecipeTable& table, const RegDescription* description) {
+  Step step;
+  const std::string what = table.text("do");
+  step.name = table.text("name", what);
+  step.wait_before = std::chrono::milliseconds(table.whole("wait", 0, 3'600'000, 0));
+  step.work = read_work(table, what, description);
+  table.end();
+  return step;
+}
+
+}  // namespace qv5123

@@ -1,0 +1,133 @@
+#include "provision/recipe_table.h"
+
+#include <algorithm>
+
+#include "base/atomic_file.h"
+#include "base/sha256.h"
+#include "base/text.h"
+
+namespace qv5123 {
+namespace {
+
+std::filesystem::path path_of(const std::string& utf8) {
+  return std::u8string(utf8.begin(), utf8.end());
+}
+
+}  // namespace
+
+void RecipeTable::refuse(std::string_view key, const std::string& what) const {
+  const toml::node* node = table_.get(key);
+  const auto line = node ? node->source().begin.line : table_.source().begin.line;
+  const std::string place =
+      place_.empty() || key.empty() ? place_ + std::string(key) : place_ + ", " + std::string(key);
+  throw RecipeProblem{"line " + std::to_string(line) + ", " + place + ": " + what};
+}
+
+const toml::node* RecipeTable::node(std::string_view key) {
+  taken_.emplace(key);
+  return table_.get(key);
+}
+
+template <class T>
+std::optional<T> RecipeTable::value(std::string_view key, const char* kind) {
+  const toml::node* found = node(key);
+  if (!found) return std::nullopt;
+  const auto value = found->value_exact<T>();
+  if (!value) refuse(key, std::string("is not ") + kind);
+  return value;
+}
+
+std::string RecipeTable::text(std::string_view key, std::string otherwise) {
+  return value<std::string>(key, "a text").value_or(std::move(otherwise));
+}
+
+std::string RecipeTable::text(std::string_view key) {
+  const auto text = value<std::string>(key, "a text");
+  if (!text) refuse(key, "is missing");
+  if (text->empty()) refuse(key, "is empty");
+  return *text;
+}
+
+long long RecipeTable::whole(std::string_view key, long long lowest, long long highest) {
+  const auto number = value<std::int64_t>(key, "a whole number");
+  if (!number) refuse(key, "is missing");
+  if (*number < lowest || *number > highest)
+    refuse(key,
+           std::to_string(*number) + " is not in " + std::to_string(lowest) + ".." + std::to_string(highest));
+  return *number;
+}
+
+int RecipeTable::whole(std::string_view key, int lowest, int highest, int otherwise) {
+  return has(key) ? static_cast<int>(whole(key, static_cast<long long>(lowest), highest)) : otherwise;
+}
+
+std::optional<double> RecipeTable::real(std::string_view key, double lowest) {
+  const toml::node* found = node(key);
+  if (!found) return std::nullopt;
+  const auto number = found->is_number() ? found->value<double>() : std::nullopt;
+  if (!number || !std::isfinite(*number)) refuse(key, "is not a number");
+  if (*number < lowest) refuse(key, shortest(*number) + " is below " + shortest(lowest));
+  return number;
+}
+
+bool RecipeTable::flag(std::string_view key, bool otherwise) {
+  return value<bool>(key, "true or false").value_or(otherwise);
+}
+
+std::vector<std::string> RecipeTable::texts(std::string_view key) {
+  const toml::node* found = node(key);
+  if (!found) return {};
+  std::vector<std::string> texts;
+  if (const auto* array = found->as_array()) {
+    for (const toml::node& element : *array) {
+      const auto text = element.value_exact<std::string>();
+      if (!text) refuse(key, "is not a list of texts");
+      texts.push_back(*text);
+    }
+    return texts;
+  }
+  return {text(key)};
+}
+
+std::filesystem::path RecipeTable::path(std::string_view key) {
+  return folder_ / path_of(text(key));
+}
+
+RecipeFile RecipeTable::file() {
+  RecipeFile file;
+  file.shown = text("file");
+  file.path = path("file");
+  const FileResult result = read_whole_file(file.path, file.bytes);
+  if (!result.ok()) refuse("file", result.text);
+  file.sha256 = sha256(file.bytes);
+  std::string wanted = text("sha256", file.sha256);
+  std::ranges::transform(wanted, wanted.begin(),
+                         [](char c) { return c >= 'A' && c <= 'F' ? static_cast<char>(c + 32) : c; });
+  if (wanted != file.sha256) refuse("sha256", file.shown + " has " + file.sha256);
+  return file;
+}
+
+std::optional<RecipeTable> RecipeTable::table(std::string_view key) {
+  const toml::node* found = node(key);
+  if (!found) return std::nullopt;
+  if (!found->is_table()) refuse(key, "is not a table");
+  const std::string place = place_.empty() ? std::string(key) : place_ + ", " + std::string(key);
+  return RecipeTable(*found->as_table(), place, folder_);
+}
+
+std::vector<std::string> RecipeTable::rest() const {
+  std::vector<std::pair<toml::source_position, std::string>> keys;
+  for (const auto& [key, node] : table_)
+    if (!taken_.contains(key.str())) keys.emplace_back(node.source().begin, key.str());
+  std::ranges::sort(keys, [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<std::string> names;
+  for (auto& [position, name] : keys) names.push_back(std::move(name));
+  return names;
+}
+
+void RecipeTable::end() const {
+  const std::vector<std::string> names = rest();
+  if (!names.empty()) refuse(names.front(), "no such key is known here");
+}
+
+}  // namespace qv5123

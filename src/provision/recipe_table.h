@@ -1,0 +1,67 @@
+#pragma once
+
+// Problems are told by value and line; nothing here prints documents.
+#define TOML_ENABLE_FORMATTERS 0
+#include <toml++/toml.h>
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "provision/recipe.h"
+
+namespace qv5123 {
+
+/// Thrown by what reads a recipe, and caught by read_recipe().
+struct RecipeProblem {
+  std::string text;
+};
+
+/// A table of a recipe whose keys are taken one after the other. What is wrong with one is a RecipeProblem
+/// that names line and key.
+class RecipeTable {
+ public:
+  /// `place` is what problems call the table, such as "step 3"; may be empty.
+  RecipeTable(const toml::table& table, std::string place, std::filesystem::path folder)
+      : table_(table), place_(std::move(place)), folder_(std::move(folder)) {}
+
+  bool has(std::string_view key) const { return table_.contains(key); }
+  /// Where relative paths begin.
+  const std::filesystem::path& folder() const { return folder_; }
+
+  std::string text(std::string_view key);
+  std::string text(std::string_view key, std::string otherwise);
+  long long whole(std::string_view key, long long lowest, long long highest);
+  int whole(std::string_view key, int lowest, int highest, int otherwise);
+  std::optional<double> real(std::string_view key, double lowest);
+  bool flag(std::string_view key, bool otherwise);
+  std::vector<std::string> texts(std::string_view key);
+  /// A path as it stands, against the recipe's folder.
+  std::filesystem::path path(std::string_view key);
+  /// The file of "file", held to "sha256" where that is given.
+  RecipeFile file();
+  /// A table below; nothing where there is none.
+  std::optional<RecipeTable> table(std::string_view key);
+  const toml::node* node(std::string_view key);
+  /// All keys that were not taken yet, in the order of the file.
+  std::vector<std::string> rest() const;
+
+  /// Nothing may be left: a key that nobody knows is a problem.
+  void end() const;
+  [[noreturn]] void refuse(std::string_view key, const std::string& what) const;
+
+ private:
+  template <class T>
+  std::optional<T> value(std::string_view key, const char* kind);
+
+  const toml::table& table_;
+  std::string place_;
+  std::filesystem::path folder_;
+  std::set<std::string, std::less<>> taken_;
+};
+
+/// One element of "step".
+Step read_step(RecipeTable& table, const RegDescription* description);
+
+}  // namespace qv5123

@@ -1,0 +1,24 @@
+#include "provision/unattended.h"
+
+namespace qv5123 {
+
+Task<> HeadlessPrompts::message(Message message) {
+  last_message_ = std::move(message.text);
+  co_return;
+}
+
+Task<Answer> HeadlessPrompts::ask(Question question) {
+  last_message_ = std::move(question.text);
+  co_return answer_;
+}
+
+Task<std::optional<std::filesystem::path>> HeadlessPrompts::choose_open(FileChoice) {
+  if (file_.empty()) co_return std::nullopt;
+  co_return file_;
+}
+
+Task<std::optional<std::filesystem::path>> HeadlessPrompts::choose_save(FileChoice) {
+  co_return std::nullopt;
+}
+
+}  // namespace qv5123

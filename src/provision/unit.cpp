@@ -1,0 +1,184 @@
+#include "provision/unit.h"
+
+#include <utility>
+
+#include "base/delay.h"
+#include "base/text.h"
+#include "link/indirect_access.h"
+#include "link/reply_text.h"
+#include "provision/step_failed.h"
+
+namespace qv5123 {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kLook{10};
+/// A chip announces itself when its line is opened; nothing is asked before it has.
+constexpr milliseconds kGreeting{150};
+constexpr milliseconds kLongestGreeting{1500};
+constexpr int kAskTries = 3;
+constexpr std::size_t kVersionDigits = 18;
+constexpr std::size_t kSerialDigits = 9;
+
+}  // namespace
+
+bool matches(std::string_view text, std::string_view pattern) {
+  if (pattern.empty()) return text.empty();
+  if (pattern.front() == '*') {
+    for (std::size_t skip = 0; skip <= text.size(); ++skip)
+      if (matches(text.substr(skip), pattern.substr(1))) return true;
+    return false;
+  }
+  if (text.empty() || (pattern.front() != '?' && pattern.front() != text.front())) return false;
+  return matches(text.substr(1), pattern.substr(1));
+}
+
+Unit::Unit(UnitSurroundings surroundings, std::string id) : around_(surroundings) {
+  record_.unit = std::move(id);
+  record_.port = around_.port.name();
+  record_.started = utc_time();
+  began_ = scheduler().now();
+}
+
+milliseconds Unit::time_in_step() const {
+  return around_.port.link().scheduler().now() - step_began_;
+}
+
+void Unit::stop() {
+  stopped_ = true;
+  around_.host.stop();
+  if (transfer_) {
+    transfer_->cancel();
+  } else {
+    link().cancel_running_job();
+  }
+}
+
+void Unit::check_stop() const {
+  if (stopped_) throw StepFailed{"Interrupted"};
+}
+
+void Unit::give_up(const std::string& why) {
+  if (!record_.verdict.empty()) return;
+  if (!record_.steps.empty() && !step_record().passed) step_record().time = time_in_step();
+  record_.verdict = stopped_ ? "stopped" : "fail";
+  record_.why = why;
+  record_.time = scheduler().now() - began_;
+}
+
+void Unit::take_console(const std::string& text) {
+  said_ += latin1_to_utf8(text);
+  signs_ += text.size();
+}
+
+Task<> Unit::run() {
+  step_began_ = scheduler().now();
+  co_await greet();
+  std::string why;
+  for (current_ = 0; current_ < around_.recipe.steps.size() && why.empty(); ++current_) {
+    const Step& step = around_.recipe.steps[current_];
+    record_.steps.push_back({step.name});
+    step_began_ = scheduler().now();
+    percent_.reset();
+    if (around_.step_began) around_.step_began();
+    try {
+      check_stop();
+      co_await run_step(step);
+      step_record().passed = true;
+    } catch (const StepFailed& failed) {
+      why = failed.why;
+    }
+    step_record().time = time_in_step();
+  }
+  record_.time = scheduler().now() - began_;
+  record_.why = why;
+  record_.verdict = why.empty() ? "pass" : stopped_ ? "stopped" : "fail";
+}
+
+Task<> Unit::run_step(const Step& step) {
+  around_.host.forget_failure();
+  around_.port.prepare(step);
+  if (step.wait_before.count() > 0) co_await Delay(scheduler(), step.wait_before);
+  co_await std::visit([this](const auto& work) { return do_step(work); }, step.work);
+}
+
+/// The block that comes with the banner has the versions and the serial number.
+Task<> Unit::greet() {
+  co_await wait_for_quiet(kGreeting, kLongestGreeting);
+  if (const std::optional<std::string> block = link().reply().take_block()) take_greeting(*block);
+}
+
+/// A slow chip's comes later than one waits for that does not need it.
+Task<> Unit::hear_greeting() {
+  const milliseconds start = scheduler().now();
+  while (!version_ && scheduler().now() - start < around_.timeout) {
+    co_await Delay(scheduler(), kLook);
+    if (const std::optional<std::string> block = link().reply().take_block()) take_greeting(*block);
+  }
+}
+
+void Unit::take_greeting(const std::string& block) {
+  if (block.size() < 2 * (kVersionDigits + kSerialDigits) || !all_hex_digits(block)) return;
+  version_.emplace();
+  for (std::size_t i = 0; i < kVersionDigits; ++i)
+    *version_ += static_cast<char>('0' + reply_byte(block, i) % 10);
+  std::string serial;
+  for (std::size_t i = 0; i < kSerialDigits; ++i)
+    serial += static_cast<char>(reply_byte(block, kVersionDigits + i));
+  record_.serial = latin1_to_utf8(std::string_view(serial).substr(0, serial.find('\0')));
+}
+
+Task<> Unit::wait_for_quiet(milliseconds quiet, milliseconds longest) {
+  const milliseconds start = scheduler().now();
+  milliseconds heard = start;
+  std::size_t last = signs_ + link().reply().index();
+  while (scheduler().now() - heard < quiet && scheduler().now() - start < longest) {
+    co_await Delay(scheduler(), kLook);
+    const std::size_t now = signs_ + link().reply().index();
+    if (now == last) continue;
+    last = now;
+    heard = scheduler().now();
+  }
+}
+
+Task<std::string> Unit::ask(Batch request, std::string what) {
+  for (int tries = 1;; ++tries) {
+    check_stop();
+    const std::optional<std::string> reply = co_await link().request(request, around_.timeout);
+    if (reply && whole_bytes(*reply) && reply->size() >= 2) co_return *reply;
+    if (tries == kAskTries)
+      throw StepFailed{what + (reply ? ": the answer was damaged on the line" : ": the chip did not answer")};
+    ++step_record().retries;
+  }
+}
+
+Task<> Unit::send(Batch batch) {
+  const JobResult result = co_await link().send(std::move(batch));
+  if (result.failed || result.chunks_sent == 0) throw StepFailed{around_.port.name() + " took no more"};
+}
+
+Task<int> Unit::read_register(const ExpectedRegister& reg) {
+  const std::string reply = co_await ask(isp_read_request(reg.address), reg.name);
+  co_return reply_byte_at(reply, reply.size() - 2);
+}
+
+Task<> Unit::read_page(TuningModel& page) {
+  const std::string name = page.texts().name;
+  for (int tries = 1;; ++tries) {
+    const Batch request(1, RegisterWrite{page.texts().trigger, 0});
+    const std::string reply = co_await ask(request, name);
+    if (page.take_reply(reply)) co_return;
+    if (tries == kAskTries) throw StepFailed{name + ": the answer is too short"};
+    ++step_record().retries;
+  }
+}
+
+Task<bool> Unit::hear(const std::string& text, milliseconds longest) {
+  const milliseconds start = scheduler().now();
+  while (said_.find(text) == std::string::npos && scheduler().now() - start < longest)
+    co_await Delay(scheduler(), kLook);
+  co_return said_.find(text) != std::string::npos;
+}
+
+}  // namespace qv5123

@@ -1,0 +1,64 @@
+#include "provision/unit_record.h"
+
+#include <ctime>
+
+namespace qv5123 {
+namespace {
+
+double seconds(std::chrono::milliseconds time) {
+  return static_cast<double>(time.count()) / 1000;
+}
+
+RecordJson json_of(const StepRecord& step) {
+  RecordJson json{{"step", step.name},
+                  {"result", step.passed ? "pass" : "fail"},
+                  {"seconds", seconds(step.time)},
+                  {"retries", step.retries}};
+  if (!step.values.empty()) json["values"] = step.values;
+  return json;
+}
+
+RecordJson files_of(const Recipe& recipe) {
+  RecordJson files = RecordJson::object();
+  for (const RecipeFile* file : recipe.files()) files[file->shown] = file->sha256;
+  return files;
+}
+
+}  // namespace
+
+std::string UnitRecord::failed_step() const {
+  return passed() || steps.empty() || steps.back().passed ? std::string() : steps.back().name;
+}
+
+int UnitRecord::retries() const {
+  int sum = 0;
+  for (const StepRecord& step : steps) sum += step.retries;
+  return sum;
+}
+
+std::string record_line(const UnitRecord& record, const Recipe& recipe) {
+  RecordJson steps = RecordJson::array();
+  for (const StepRecord& step : record.steps) steps.push_back(json_of(step));
+  RecordJson json{
+      {"unit", record.unit},       {"serial", record.serial},         {"port", record.port},
+      {"started", record.started}, {"seconds", seconds(record.time)}, {"verdict", record.verdict}};
+  if (!record.why.empty()) json["why"] = record.why;
+  if (!record.failed_step().empty()) json["failed_step"] = record.failed_step();
+  json["retries"] = record.retries();
+  json["steps"] = steps;
+  json["recipe"] = recipe.name;
+  json["recipe_sha256"] = recipe.sha256;
+  json["files"] = files_of(recipe);
+  json["program"] = QV5123_VERSION;
+  // What a chip says may be any bytes.
+  return json.dump(-1, ' ', false, RecordJson::error_handler_t::replace);
+}
+
+std::string utc_time() {
+  const std::time_t now = std::time(nullptr);
+  char text[32];
+  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", std::gmtime(&now));
+  return text;
+}
+
+}  // namespace qv5123

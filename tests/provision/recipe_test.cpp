@@ -1,0 +1,95 @@
+#include "provision/recipe.h"
+
+#include <gmock/gmock.h>
+
+#include "base/sha256.h"
+#include "console/setting_file.h"
+#include "support/temporary_folder.h"
+
+namespace qv5123 {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+
+TEST(Sha256, OfTextsThatEverybodyKnows) {
+  EXPECT_EQ(sha256(""), "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+  EXPECT_EQ(sha256("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+  // The padding takes a block of its own.
+  EXPECT_EQ(sha256("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq"),
+            "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1");
+  EXPECT_EQ(sha256(std::string(1'000'000, 'a')),
+            "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
+}
+
+class RecipeTest : public testing::Test {
+ protected:
+  RecipeTest() {
+    folder_.write("fw.bin", "firmware");
+    folder_.write("lot.dat", setting_text(UserDataImage()));
+  }
+  ReadRecipe read(const std::string& text) const { return read_recipe(folder_.write("lot.toml", text)); }
+  /// What is wrong with a recipe of one step, behind the file's name.
+  std::string problem(const std::string& step) const {
+    const std::string problem = read("[[step]]\n" + step).problem;
+    const std::string name = path_text(folder_ / "lot.toml") + ", ";
+    return problem.starts_with(name) ? problem.substr(name.size()) : problem;
+  }
+
+  test::TemporaryFolder folder_;
+};
+
+TEST_F(RecipeTest, WhatIsWrongIsNamedWithLineAndKey) {
+  EXPECT_EQ(read("").problem, path_text(folder_ / "lot.toml") + ", line 0, step: no [[step]] is there");
+  EXPECT_THAT(read("nmae = \"x\"\n[[step]]\ndo = \"lsc\"").problem,
+              EndsWith("line 1, nmae: no such key is known here"));
+  EXPECT_THAT(problem("do = "), HasSubstr("line 2: "));
+  EXPECT_EQ(problem("file = \"fw.bin\""), "line 1, step 1, do: is missing");
+  EXPECT_THAT(problem("do = \"firmwear\""),
+              testing::StartsWith("line 2, step 1, do: \"firmwear\" is no step; the steps are expect, "));
+  EXPECT_EQ(problem("do = \"firmware\"\nfile = \"fw.bin\"\ntires = 2"),
+            "line 4, step 1, tires: no such key is known here");
+  EXPECT_THAT(problem("do = \"firmware\"\nfile = \"no.bin\""),
+              testing::StartsWith("line 3, step 1, file: Cannot read "));
+  EXPECT_EQ(problem("do = \"firmware\"\nfile = \"fw.bin\"\nsha256 = \"00\""),
+            "line 4, step 1, sha256: fw.bin has " + sha256("firmware"));
+  EXPECT_EQ(problem("do = \"firmware\"\nfile = \"fw.bin\"\ntries = 0"),
+            "line 4, step 1, tries: 0 is not in 1..9");
+  EXPECT_EQ(problem("do = \"expect\"\nsw = \"1.2\""),
+            "line 3, step 1, sw: \"1.2\" is not three numbers 0..99 such as \"2.3.7\"");
+  EXPECT_EQ(problem("do = \"settings\"\nfile = \"fw.bin\"").substr(0, 28), "line 3, step 1, file: fw.bin");
+  EXPECT_EQ(problem("do = \"settings\"\nfile = \"lot.dat\"\nset.\"awb.a_slope\" = 900"),
+            "line 4, step 1, set, awb.a_slope: 900 is beyond its range, it would count as 800");
+  EXPECT_EQ(problem("do = \"settings\"\nfile = \"lot.dat\"\nset.awb = 1"),
+            "line 4, step 1, set, awb: stands for 82 settings");
+  EXPECT_EQ(problem("do = \"check\"\nvalues.\"lsc.parameter1.g\" = { least = 9, most = 3 }"),
+            "line 3, step 1, values, lsc.parameter1.g, most: 3 is below 9");
+  EXPECT_EQ(problem("do = \"check\"\nregisters.\"0xF900&0x0F\" = 16"),
+            "line 3, step 1, registers, 0xF900&0x0F: \"16\" is beyond its bits");
+  EXPECT_EQ(problem("do = \"pages\"\npages = [\"all\"]"),
+            "line 0, step: step 1 saves pages, and no settings stand before it");
+}
+
+TEST_F(RecipeTest, FilesAreReadAndSettingsChanged) {
+  folder_.write("serials.txt", "A1\r\nA2\n");
+  const ReadRecipe read = this->read(
+      "name = \"Lot 7\"\nrecords = \"lot.jsonl\"\n"
+      "[[step]]\ndo = \"settings\"\nfile = \"lot.dat\"\nset = { \"awb.a_slope\" = -300, 1000 = 7 }\n"
+      "serial = { list = \"serials.txt\", entry = 1010 }\n"
+      "[[step]]\ndo = \"check\"\nname = \"gain\"\nwait = 20\nregisters = { \"0xA08&0xF0\" = 0x30 }\n");
+  ASSERT_EQ(read.problem, "");
+  EXPECT_EQ(read.recipe.name, "Lot 7");
+  EXPECT_EQ(read.recipe.records, folder_ / "lot.jsonl");
+  const auto& settings = std::get<SettingsStep>(read.recipe.steps[0].work);
+  EXPECT_EQ(settings.image.word(181), 0x10000 - 300);
+  EXPECT_EQ(settings.image.entry(1000), 7);
+  EXPECT_EQ(settings.serial->serials, (std::vector<std::string>{"A1", "A2"}));
+  EXPECT_EQ(read.recipe.steps[1].name, "gain");
+  const ExpectedRegister& reg = std::get<CheckStep>(read.recipe.steps[1].work).registers.at(0);
+  EXPECT_EQ(reg.address, 0xFA08);
+  EXPECT_EQ(reg.mask, 0xF0);
+  EXPECT_EQ(read.recipe.files().at(0)->sha256, sha256(setting_text(UserDataImage())));
+}
+
+}  // namespace
+}  // namespace qv5123
