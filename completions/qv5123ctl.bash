@@ -22,12 +22,13 @@ _qv5123ctl() {
   case "$path" in
     "") words="ports reg send osd factory-reset copy-to-factory info page param settings download script replay monitor flash font gamma matrix lsc" ;;
     "ports") words="" ;;
-    "reg") words="read write save load list dump" ;;
-    "reg read") words="--wide --sensor" ;;
+    "reg") words="read write save load list check dump" ;;
+    "reg read") words="--description --wide --sensor" ;;
     "reg write") words="--wide --sensor" ;;
     "reg save") words="--description --category" files=yes ;;
     "reg load") words="--description" files=yes ;;
     "reg list") words="--description --find" ;;
+    "reg check") words="--description" files=yes ;;
     "reg dump") words="" ;;
     "send") words="" ;;
     "osd") words="up down left right set pattern" ;;
@@ -56,6 +57,7 @@ _qv5123ctl() {
     "settings set") words="--lenient" files=yes ;;
     "settings diff") words="" files=yes ;;
     "settings check") words="" files=yes ;;
+    "settings read") words="--output --pages --base --lenient" ;;
     "download") words="fw font user" ;;
     "download fw") words="--expect" files=yes ;;
     "download font") words="--expect" files=yes ;;
@@ -77,6 +79,12 @@ _qv5123ctl() {
     "matrix fit") words="--ratio --color-difference --memory-weight --noise-limit" files=yes ;;
     "lsc") words="fit" ;;
     "lsc fit") words="--ratio --width" files=yes ;;
+    "lsc measure") words="--width --ratio --save" ;;
+    "awb") words="measure" ;;
+    "awb measure") words="" ;;
+    "provision") words="--records --metrics --watch --dry-run" files=yes ;;
+    "records") words="summary" ;;
+    "records summary") words="--csv" files=yes ;;
   esac
   COMPREPLY=($(compgen -W "$words --help --version --port --baud --data-bits --parity --stop-bits --flow --simulate --timeout --json --trace --quiet" -- "$current"))
   if [ -n "$files" ]; then

@@ -38,6 +38,7 @@ std::string case_of(const CLI::App& app, const std::string& path) {
   // The pages are the only arguments with a fixed set of words.
   if (path.starts_with("page ")) {
     words.insert(words.end(), std::begin(kTuningPages), std::end(kTuningPages));
+    words.emplace_back("all");
   }
   std::string text =
       "    \"" + path + "\") words=\"" + joined(words) + "\"" + (files ? " files=yes" : "") + " ;;\n";

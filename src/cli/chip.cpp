@@ -38,6 +38,7 @@ Chip::Chip(Context& context)
   if (context.globals.port.empty() && !context.globals.simulate) {
     refuse("This command talks to the chip: --port DEVICE or --simulate says where it is");
   }
+  if (context.globals.ports.size() > 1) refuse("This command takes one --port");
   if (!context.globals.trace.empty()) begin_trace();
   session_ = std::make_unique<PortSession>(scheduler_, make_device(), session_events());
 }

@@ -51,9 +51,16 @@ CLI::Option* add_real(CLI::App& command, const std::string& name, double& number
 void add_port_commands(CLI::App& app, Context& context);
 void add_register_commands(CLI::App& app, Context& context);
 void add_register_file_commands(CLI::App& reg, Context& context);
+void add_register_check(CLI::App& reg, Context& context);
 void add_form_commands(CLI::App& app, Context& context);
 void add_page_commands(CLI::App& app, Context& context);
+void add_awb_commands(CLI::App& app, Context& context);
+void add_provision_command(CLI::App& app, Context& context);
+void add_records_commands(CLI::App& app, Context& context);
+void add_matrix_measure(CLI::App& matrix, Context& context);
+void add_lens_measure(CLI::App& lens, Context& context);
 void add_settings_commands(CLI::App& app, Context& context);
+void add_settings_read(CLI::App& settings, Context& context);
 void add_download_commands(CLI::App& app, Context& context);
 void add_param_commands(CLI::App& app, Context& context);
 void add_replay_command(CLI::App& app, Context& context);

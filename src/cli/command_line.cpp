@@ -32,8 +32,13 @@ void declare_globals(CLI::App& app, Context& context) {
   app.set_help_flag("-h,--help", "Print this help and exit");
   app.set_version_flag("--version", "qv5123ctl " QV5123_VERSION, "Print the version and exit");
   GlobalOptions& globals = context.globals;
-  auto* port = app.add_option("--port", globals.port, "The serial port that the chip is on");
-  port->type_name(kDeviceType);
+  const auto take_ports = [&globals](const std::vector<std::string>& ports) {
+    globals.ports = ports;
+    globals.port = ports.front();
+  };
+  auto* port = app.add_option_function<std::vector<std::string>>("--port", take_ports,
+                                                                 "The serial port that the chip is on");
+  port->type_name(kDeviceType)->expected(1)->take_all();
   declare_line(app, globals.line, port);
   app.add_flag("--simulate", globals.simulate, "Work on a simulated chip inside the program")->excludes(port);
   const auto take_timeout = [&globals](const std::string& text) {
@@ -152,6 +157,9 @@ std::unique_ptr<CLI::App> make_command_line(Context& context) {
   add_flash_commands(*app, context);
   add_font_commands(*app, context);
   add_compute_commands(*app, context);
+  add_awb_commands(*app, context);
+  add_provision_command(*app, context);
+  add_records_commands(*app, context);
   add_self_description(*app, context);
   return app;
 }

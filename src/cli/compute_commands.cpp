@@ -1,11 +1,9 @@
-#include <algorithm>
-#include <array>
-
 #include "base/atomic_file.h"
 #include "base/text.h"
 #include "cli/command.h"
 #include "cli/csv.h"
 #include "cli/files.h"
+#include "cli/fit_results.h"
 #include "cli/numbers.h"
 #include "tuning/gamma_curve.h"
 #include "tuning/lens_fit.h"
@@ -13,8 +11,6 @@
 
 namespace qv5123 {
 namespace {
-
-constexpr std::array<const char*, 3> kColours{"R", "G", "B"};
 
 struct GammaOptions {
   double gamma = 0;
@@ -61,70 +57,6 @@ MeasuredColours read_patches(const std::filesystem::path& path) {
   return measured;
 }
 
-Json json_of(const DifferenceSummary& summary) {
-  return {{"mean", summary.mean}, {"median", summary.median}, {"worst", summary.worst}};
-}
-
-Json matrix_json(const MatrixFit& fit, const PatchReport& report) {
-  Json codes = Json::array();
-  for (const auto& row : fit.coefficients) {
-    codes.push_back({matrix_code(row[0]), matrix_code(row[1]), matrix_code(row[2])});
-  }
-  Json patches = Json::array();
-  for (std::size_t i = 0; i < kPatches; ++i) {
-    const auto& match = report.patches[i];
-    Json patch = {{"name", kPatchCaptions[i]}};
-    if (match) patch.update({{"before", match->before}, {"after", match->after}});
-    patches.push_back(patch);
-  }
-  return {{"coefficients", fit.coefficients},
-          {"codes", codes},
-          {"patches", patches},
-          {"before", json_of(report.before)},
-          {"after", json_of(report.after)}};
-}
-
-Json diagnosis_json(const MatrixFit& fit, const MatrixDiagnosis& found) {
-  Json pulls = Json::array();
-  for (const PatchPull& pull : found.pulls)
-    pulls.push_back({{"name", kPatchCaptions[pull.patch]}, {"change", pull.change}});
-  Json gains = Json::array();
-  for (const auto& row : fit.coefficients) gains.push_back(noise_gain(row));
-  return {{"condition", found.condition},
-          {"left_out", json_of(found.left_out)},
-          {"noise_gain", gains},
-          {"pulls", pulls}};
-}
-
-std::string diagnosis_text(const MatrixFit& fit, const MatrixDiagnosis& found) {
-  std::string text = "condition " + fixed(found.condition, 1) + ", noise gain";
-  for (const auto& row : fit.coefficients) text += " " + fixed(noise_gain(row), 2);
-  return text + "\n";
-}
-
-std::string summary_text(const std::string& when, const DifferenceSummary& summary) {
-  return "CIEDE2000 " + when + ": mean " + fixed(summary.mean, 2) + ", median " + fixed(summary.median, 2) +
-         ", worst " + fixed(summary.worst, 2) + "\n";
-}
-
-std::string matrix_text(const MatrixFit& fit, const PatchReport& report) {
-  std::string text;
-  for (std::size_t r = 0; r < kMatrixRows; ++r) {
-    const auto& row = fit.coefficients[r];
-    text += std::string(kColours[r]) + ":";
-    for (const float coefficient : row) text += " " + fixed(coefficient, 6);
-    for (const float coefficient : row) text += " " + matrix_code_text(coefficient);
-    text += "\n";
-  }
-  for (std::size_t i = 0; i < kPatches; ++i) {
-    if (const auto& match = report.patches[i]) {
-      text += std::string(kPatchCaptions[i]) + ": " + fixed(match->before, 2) + " -> " +
-              fixed(match->after, 2) + "\n";
-    }
-  }
-  return text + summary_text("before", report.before) + summary_text("after", report.after);
-}
-
 MatrixValues values_of(const MeasuredColours& measured, int ratio, const Coefficients& coefficients) {
   MatrixValues values;
   values.measured = measured;
@@ -146,8 +78,7 @@ ExitCode fit_matrix_command(Context& context, const FitOptions& options) {
   }
   Json json = matrix_json(*fit, *report);
   json.update(diagnosis_json(*fit, *found));
-  std::string text = matrix_text(*fit, *report) + summary_text("of patches left out", found->left_out) +
-                     diagnosis_text(*fit, *found);
+  std::string text = matrix_text(*fit, *report) + diagnosis_text(*fit, *found);
   for (const std::string& warning : matrix_warnings(values_of(measured, options.ratio, fit->coefficients)))
     text += "! " + warning + "\n";
   context.out.result(json, text);
@@ -163,22 +94,6 @@ std::vector<LensSample> read_samples(const std::filesystem::path& path, int widt
     samples.push_back(lens_sample(line.values[0], {line.values[1], line.values[2], line.values[3]}));
   }
   return samples;
-}
-
-Json lens_json(const LensCentre& centre, const LensFit& fit) {
-  return {{"centre", centre.x}, {"peak", centre.peak},          {"peak_x", centre.peak_x},     {"a", fit.a},
-          {"b", fit.b},         {"parameter1", fit.parameter1}, {"parameter2", fit.parameter2}};
-}
-
-std::string lens_text(const LensCentre& centre, const LensFit& fit) {
-  std::string text = "centre: " + std::to_string(centre.x) + "\n";
-  for (std::size_t c = 0; c < 3; ++c) {
-    text += std::string(kColours[c]) + ": peak " + std::to_string(centre.peak[c]) + " at " +
-            std::to_string(centre.peak_x[c]) + ", a " + fixed(fit.a[c], 6) + ", b " + fixed(fit.b[c], 6) +
-            ", parameter1 " + std::to_string(fit.parameter1[c]) + ", parameter2 " +
-            std::to_string(fit.parameter2[c]) + "\n";
-  }
-  return text;
 }
 
 ExitCode fit_lens_command(Context& context, const FitOptions& options) {
@@ -231,11 +146,13 @@ void add_compute_commands(CLI::App& app, Context& context) {
                           "Fit the matrix to measured patches; print coefficients, codes, and colour "
                           "differences before and after",
                           declare_matrix, fit_matrix_command);
+  add_matrix_measure(*matrix, context);
   CLI::App* lens = add_group(app, "lsc", "Lens shading");
   add_command<FitOptions>(*lens, context, "fit",
                           "Fit the parameters to samples along a line; print centre, peaks, a, b and the "
                           "six parameters",
                           declare_lens, fit_lens_command);
+  add_lens_measure(*lens, context);
 }
 
 }  // namespace qv5123

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "cli/complaint.h"
 #include "cli/output.h"
@@ -13,8 +14,9 @@ namespace qv5123 {
 
 /// The options that every command takes.
 struct GlobalOptions {
-  std::string port;
-  LineSettings line;  ///< 19200 8N1 unless options say otherwise
+  std::string port;                ///< the first of `ports`; empty for none
+  std::vector<std::string> ports;  ///< only provision takes more than one
+  LineSettings line;               ///< 19200 8N1 unless options say otherwise
   bool simulate = false;
   std::chrono::milliseconds timeout{1800};  ///< as long as the window looks for a reply
   std::filesystem::path trace;

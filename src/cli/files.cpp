@@ -51,4 +51,15 @@ UserDataImage read_whole_settings(const std::filesystem::path& path, bool lenien
   return image_of(text);
 }
 
+RegDescription load_description(Output& out, const std::filesystem::path& given) {
+  const std::filesystem::path path = given.empty() ? "regu.xml" : given;
+  RegDescription description = RegDescription::load(path, path_text(path));
+  const bool missing = description.problem == RegDescription::kNotFound;
+  if (missing && !given.empty()) refuse("Cannot read the description " + path_text(path));
+  if (!description.problem.empty()) refuse(description.problem);
+  if (description.registers.empty()) refuse(path_text(path) + " describes no registers");
+  if (!description.remark.empty()) out.warning(description.remark);
+  return description;
+}
+
 }  // namespace qv5123

@@ -7,6 +7,7 @@
 
 #include "cli/output.h"
 #include "console/user_data_image.h"
+#include "registers/reg_description.h"
 
 namespace qv5123 {
 
@@ -25,5 +26,7 @@ UserDataImage read_whole_settings(const std::filesystem::path& path, bool lenien
 /// Refuses what is not `count` decimal numbers 0..255, unless lenient.
 void check_settings_text(const std::filesystem::path& path, std::string_view text, std::size_t count,
                          bool lenient);
+/// The description of the registers, "regu.xml" where no other is given. What is left out of it is told.
+RegDescription load_description(Output& out, const std::filesystem::path& given);
 
 }  // namespace qv5123

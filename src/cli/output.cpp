@@ -77,7 +77,9 @@ void Output::event(const Json& json, std::string_view text) {
 }
 
 void Output::remark(std::string_view text) {
-  if (!json_ && !quiet_) print(text);
+  if (quiet_) return;
+  progress("");
+  std::fputs(visible(text).c_str(), stderr);
 }
 
 void Output::warning(const std::string& line) {

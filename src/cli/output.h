@@ -22,6 +22,7 @@ class Output {
   void use_json(bool json) { json_ = json; }
   void be_quiet(bool quiet) { quiet_ = quiet; }
   bool json() const { return json_; }
+  bool quiet() const { return quiet_; }
 
   /// Text that has no other form, such as help.
   void print(std::string_view text);
@@ -34,7 +35,7 @@ class Output {
   /// One of several results on a line of its own, as soon as it is there.
   void event(const Json& json, std::string_view text);
 
-  /// Text that tells of what goes on, for people only.
+  /// Text that tells of what goes on, for people only; on stderr.
   void remark(std::string_view text);
   /// A line on stderr that is not an error.
   void warning(const std::string& line);

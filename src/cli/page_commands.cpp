@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <iterator>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -8,13 +6,14 @@
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/headless_host.h"
+#include "cli/page_reading.h"
 #include "tuning/tuning_pages.h"
 
 namespace qv5123 {
 namespace {
 
 struct PageOptions {
-  std::string name;
+  std::vector<std::string> names;  ///< of pages, at least one
   std::filesystem::path file;
   bool verify = false;
   int repair = 0;
@@ -27,27 +26,53 @@ std::string full_name(const TuningModel& page, const FieldInfo& field) {
   return std::string(page.texts().name) + "." + field.name;
 }
 
-/// Brings `page` to what the chip has of it. What the chip does not report stays.
-Task<> read_page(Chip& chip, TuningModel& page) {
-  const std::string name = page.texts().name;
-  const Batch request{{page.texts().trigger, 0}};
-  const std::string reply = co_await chip.ask(request, name);
-  if (!page.take_reply(reply)) throw Complaint{ExitCode::negative, name + ": the answer is too short"};
+/// What came of one page, as JSON and as text.
+struct PageResult {
+  Json json;
+  std::string text;
+  bool negative = false;
+};
+
+/// What one page gives, alone; what several give, as an array.
+ExitCode show_results(Output& out, const std::vector<PageResult>& results) {
+  Json pages = Json::array();
+  std::string text;
+  bool negative = false;
+  for (const PageResult& result : results) {
+    pages.push_back(result.json);
+    text += result.text;
+    negative = negative || result.negative;
+  }
+  out.result(results.size() == 1 ? pages[0] : Json{{"pages", pages}}, text);
+  return negative ? ExitCode::negative : ExitCode::done;
 }
 
-Task<ExitCode> show(Chip& chip, TuningModel& page) {
-  co_await read_page(chip, page);
+PageResult shown(const TuningModel& page) {
+  PageResult result;
   const Numbers numbers = page.numbers();
   Json values = Json::object();
-  std::string text;
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     const FieldInfo& field = page.fields()[i];
     if (!field.has_reply()) continue;
     values[full_name(page, field)] = numbers[i];
-    text += full_name(page, field) + " = " + std::to_string(numbers[i]) + "\n";
+    result.text += full_name(page, field) + " = " + std::to_string(numbers[i]) + "\n";
   }
-  chip.out().result({{"page", page.texts().name}, {"values", values}}, text);
-  co_return ExitCode::done;
+  result.json = {{"page", page.texts().name}, {"values", values}};
+  return result;
+}
+
+Task<ExitCode> show(Chip& chip, const PageOptions& options) {
+  std::vector<PageResult> results;
+  for (const std::string& name : options.names) {
+    const std::unique_ptr<TuningModel> page = make_model(name);
+    co_await read_page(chip, *page);
+    results.push_back(shown(*page));
+  }
+  co_return show_results(chip.out(), results);
+}
+
+bool is_in_both(const FieldInfo& field) {
+  return field.has_reply() && field.has_entry();
 }
 
 /// What differs, as JSON, and as lines "awb.a_slope: chip 12, file 20".
@@ -62,7 +87,7 @@ Comparison compare(const TuningModel& chip, const Numbers& file) {
   const Numbers on_chip = chip.numbers();
   for (std::size_t i = 0; i < on_chip.size(); ++i) {
     const FieldInfo& field = chip.fields()[i];
-    if (!field.has_reply() || !field.has_entry()) continue;
+    if (!is_in_both(field)) continue;
     ++comparison.compared;
     if (on_chip[i] == file[i]) continue;
     const std::string name = full_name(chip, field);
@@ -73,14 +98,55 @@ Comparison compare(const TuningModel& chip, const Numbers& file) {
   return comparison;
 }
 
-Task<ExitCode> diff(Chip& chip, TuningModel& page, const Numbers& file) {
-  co_await read_page(chip, page);
+/// Registers of the page that the chip does not report or no file keeps: nobody knows whether they are the
+/// same.
+Json not_compared(const TuningModel& page) {
+  Json names = Json::array();
+  for (const FieldInfo& field : page.fields())
+    if (!is_in_both(field) && field.address != Field::kNowhere) names.push_back(full_name(page, field));
+  return names;
+}
+
+std::string listed(const Json& names) {
+  std::string text;
+  for (const Json& name : names) text += (text.empty() ? "" : ", ") + name.get<std::string>();
+  return text;
+}
+
+void say_not_compared(Output& out, const TuningModel& page) {
+  const Json names = not_compared(page);
+  if (!names.empty())
+    out.remark(std::string(page.texts().name) +
+               ": not compared, since the chip or the file does not tell: " + listed(names) + "\n");
+}
+
+PageResult compared(Output& out, const TuningModel& page, const Numbers& file) {
   const Comparison comparison = compare(page, file);
-  chip.out().result({{"page", page.texts().name},
-                     {"compared", comparison.compared},
-                     {"differences", comparison.differences}},
-                    comparison.text);
-  co_return comparison.differences.empty() ? ExitCode::done : ExitCode::negative;
+  PageResult result;
+  result.json = {{"page", page.texts().name},
+                 {"compared", comparison.compared},
+                 {"differences", comparison.differences},
+                 {"not_compared", not_compared(page)}};
+  result.text = comparison.text;
+  result.negative = !comparison.differences.empty();
+  if (!result.negative)
+    out.remark(std::string(page.texts().name) + ": equal, " + std::to_string(comparison.compared) +
+               " values compared\n");
+  say_not_compared(out, page);
+  return result;
+}
+
+Task<ExitCode> diff(Chip& chip, const PageOptions& options, const UserDataImage& image) {
+  std::vector<PageResult> results;
+  for (const std::string& name : options.names) {
+    const std::unique_ptr<TuningModel> page = make_model(name);
+    page->load_all(image);
+    const Numbers in_file = page->numbers();
+    const std::unique_ptr<TuningModel> on_chip = make_model(name);
+    co_await read_page(chip, *on_chip);
+    results.push_back(compared(chip.out(), *on_chip, in_file));
+  }
+  co_return show_results(chip.out(), results);
 }
 
 /// Whatever had left of a save that was given up, the chip is not left in the middle of it.
@@ -124,7 +190,7 @@ Task<Verification> read_back(Chip& chip, TuningDesk& desk, int repairs) {
   co_return found;
 }
 
-Task<ExitCode> verify(Chip& chip, TuningDesk& desk, int repairs, Json json) {
+Task<PageResult> verify(Chip& chip, TuningDesk& desk, int repairs, Json json) {
   const std::string name = desk.model().texts().name;
   const Verification found = co_await read_back(chip, desk, repairs);
   if (found.end == Verification::End::no_answer)
@@ -133,30 +199,44 @@ Task<ExitCode> verify(Chip& chip, TuningDesk& desk, int repairs, Json json) {
     throw Complaint{ExitCode::negative, name + ": the answer was damaged on the line"};
   json["verified"] = found.reported;
   json["differences"] = Json::array();
-  const std::string text = differences_text(desk.model(), found, json["differences"]);
-  chip.out().result(json, text);
-  if (found.end == Verification::End::differs) co_return ExitCode::negative;
-  chip.out().remark(name + ": " + std::to_string(found.reported) + " values read back agree\n");
-  co_return ExitCode::done;
+  PageResult result;
+  result.text = differences_text(desk.model(), found, json["differences"]);
+  result.json = std::move(json);
+  result.negative = found.end == Verification::End::differs;
+  if (!result.negative)
+    chip.out().remark(name + ": " + std::to_string(found.reported) + " values read back agree\n");
+  say_not_compared(chip.out(), desk.model());
+  co_return result;
 }
 
-Task<ExitCode> save(Chip& chip, CQV5123Doc& document, const PageOptions& options) {
+Task<PageResult> save_page(Chip& chip, CQV5123Doc& document, const std::string& name,
+                           const PageOptions& options) {
   HeadlessHost host(chip);
-  const std::unique_ptr<TuningDesk> desk = make_desk(options.name, host, document);
+  const std::unique_ptr<TuningDesk> desk = make_desk(name, host, document);
   desk->model().load_all(document.user_data);
   FullSave save = desk->full_save();
   for (const std::string& warning : save.corrections) chip.out().warning(warning);
-  const Json json = {{"page", options.name}, {"sent", save.traffic.size()}};
-  chip.out().remark(options.name + ": saving, " + std::to_string(save.traffic.size()) + " flushes\n");
+  Json json = {{"page", name}, {"sent", save.traffic.size()}};
+  chip.out().remark(name + ": saving, " + std::to_string(save.traffic.size()) + " flushes\n");
   co_await send_save(chip, host, *desk, std::move(save));
-  if (options.verify || options.repair > 0) co_return co_await verify(chip, *desk, options.repair, json);
-  chip.out().result(json);
-  co_return ExitCode::done;
+  if (options.verify || options.repair > 0)
+    co_return co_await verify(chip, *desk, options.repair, std::move(json));
+  PageResult result;
+  result.json = std::move(json);
+  co_return result;
+}
+
+Task<ExitCode> save(Chip& chip, CQV5123Doc& document, const PageOptions& options) {
+  std::vector<PageResult> results;
+  for (const std::string& name : options.names) {
+    PageResult result = co_await save_page(chip, document, name, options);
+    results.push_back(std::move(result));
+  }
+  co_return show_results(chip.out(), results);
 }
 
 ExitCode run_show(Context& context, const PageOptions& options) {
-  const auto page = make_model(options.name);
-  return run_on_chip(context, [&](Chip& chip) { return show(chip, *page); });
+  return run_on_chip(context, [&](Chip& chip) { return show(chip, options); });
 }
 
 ExitCode run_save(Context& context, const PageOptions& options) {
@@ -168,24 +248,14 @@ ExitCode run_save(Context& context, const PageOptions& options) {
 
 ExitCode run_diff(Context& context, const PageOptions& options) {
   const UserDataImage image = read_whole_settings(options.file, options.lenient);
-  const auto in_file = make_model(options.name);
-  in_file->load_all(image);
-  const Numbers numbers = in_file->numbers();
-  const auto page = make_model(options.name);
-  return run_on_chip(context, [&](Chip& chip) { return diff(chip, *page, numbers); });
+  return run_on_chip(context, [&](Chip& chip) { return diff(chip, options, image); });
 }
 
 void declare_name(CLI::App& command, PageOptions& options) {
-  const std::vector<std::string> names(std::begin(kTuningPages), std::end(kTuningPages));
-  std::string list;
-  for (const std::string& name : names) list += (list.empty() ? "" : ", ") + name;
-  const auto take = [&options, names, list](const std::string& name) {
-    if (std::find(names.begin(), names.end(), name) == names.end()) {
-      refuse("No page is named \"" + name + "\"; the pages are " + list);
-    }
-    options.name = name;
-  };
-  command.add_option_function<std::string>("NAME", take, "One of " + list)->type_name("")->required();
+  const auto take = [&options](const std::string& name) { options.names = pages_named({name}); };
+  command.add_option_function<std::string>("NAME", take, "One of " + page_names() + ", or all")
+      ->type_name("")
+      ->required();
 }
 
 void declare_save(CLI::App& command, PageOptions& options) {
@@ -206,7 +276,7 @@ void declare_diff(CLI::App& command, PageOptions& options) {
 }  // namespace
 
 void add_page_commands(CLI::App& app, Context& context) {
-  CLI::App* page = add_group(app, "page", "The tuning pages: front, awb, dynamic, gamma, matrix, lsc");
+  CLI::App* page = add_group(app, "page", "The tuning pages: " + page_names());
   add_command<PageOptions>(*page, context, "show", "Read a page back from the chip and print its values",
                            declare_name, run_show);
   add_command<PageOptions>(*page, context, "save", "Save a page on the chip, as a setting file has it",

@@ -9,6 +9,7 @@
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/headless_host.h"
+#include "cli/page_reading.h"
 #include "cli/parameters.h"
 #include "console/setting_file.h"
 
@@ -27,13 +28,6 @@ using Numbers = std::vector<int>;
 
 /// Longer than another command takes to change the file.
 constexpr std::chrono::seconds kLockPatience{5};
-
-Task<> read_page(Chip& chip, TuningModel& page) {
-  const std::string name = page.texts().name;
-  const Batch request{{page.texts().trigger, 0}};
-  const std::string reply = co_await chip.ask(request, name);
-  if (!page.take_reply(reply)) throw Complaint{ExitCode::negative, name + ": the answer is too short"};
-}
 
 /// Leaves only what `has` is true of. A value that was named by itself and is not among it is a Complaint.
 void keep_only(std::vector<PageParameters>& pages, const std::vector<std::string>& names,
@@ -213,10 +207,7 @@ Traffic traffic_without_base(Chip& chip, const Assigned& assigned, const PagePar
 
 Task<Traffic> page_traffic(Chip& chip, const ParamOptions& options, const Assigned& assigned,
                            const PageParameters& page) {
-  const std::string name = page.page->texts().name;
-  const Batch request{{page.page->texts().trigger, 0}};
-  const std::string reply = co_await chip.ask(request, name);
-  if (!page.page->take_reply(reply)) throw Complaint{ExitCode::negative, name + ": the answer is too short"};
+  const std::string reply = co_await read_page(chip, *page.page);
   if (options.other.empty()) co_return traffic_without_base(chip, assigned, page, reply);
   const UserDataImage base = read_whole_settings(options.other, options.lenient);
   co_return traffic_of(chip, assigned, page, reply, base);

@@ -1,10 +1,13 @@
 #include <cstdio>
+#include <optional>
 #include <utility>
 
 #include "cli/chip.h"
 #include "cli/command.h"
+#include "cli/files.h"
 #include "cli/numbers.h"
 #include "link/indirect_access.h"
+#include "registers/register_names.h"
 #include "tuning/raw_access.h"
 
 namespace qv5123 {
@@ -12,6 +15,8 @@ namespace {
 
 struct AccessOptions {
   std::vector<int> numbers;
+  std::vector<std::string> names;  ///< what is read: addresses, and names of the description
+  std::filesystem::path description;
   bool wide = false;
   bool sensor = false;
 
@@ -60,18 +65,61 @@ Json register_json(int address, int value) {
   return {{"address", address}, {"value", value}};
 }
 
-Task<ExitCode> read(Chip& chip, const AccessOptions& options) {
+/// What is read: a register, or some bits of one that the description names.
+struct Wanted {
+  std::string name;  ///< empty for an address
+  RegisterBits bits;
+};
+
+Wanted wanted_address(const AccessOptions& options, const std::string& word) {
+  const int address = number_in("ADDR", word, 0, 0xFFFF);
+  check_address(options.access(), address);
+  return {"", {shown_address(options.access(), address)}};
+}
+
+std::vector<Wanted> wanted(Context& context, const AccessOptions& options) {
+  std::vector<Wanted> all;
+  std::optional<RegDescription> description;
+  for (const std::string& word : options.names) {
+    if (parse_number(word)) {
+      all.push_back(wanted_address(options, word));
+      continue;
+    }
+    if (options.access() != Access::isp_byte) refuse(word + ": names are of registers of one byte");
+    if (!description) description = load_description(context.out, options.description);
+    const auto bits = find_register(*description, word);
+    if (!bits) refuse("The description has no register \"" + word + "\"");
+    all.push_back({word, *bits});
+  }
+  return all;
+}
+
+/// What the chip holds there, as hex digits.
+Task<std::string> read_one(Chip& chip, Access access, const Wanted& one) {
+  const std::string name = one.name.empty() ? hex(static_cast<unsigned>(one.bits.address), 4) : one.name;
+  Batch request = read_request(access, sent_address(access, one.bits.address));
+  const std::string reply = co_await chip.ask(std::move(request), name);
+  const auto field = answer_field(access, reply);
+  if (!field) throw Complaint{ExitCode::negative, name + ": the answer is too short"};
+  co_return *field;
+}
+
+Json value_json(const Wanted& one, int value) {
+  Json json = register_json(one.bits.address, value);
+  if (!one.name.empty()) json["name"] = one.name;
+  return json;
+}
+
+Task<ExitCode> read(Chip& chip, const AccessOptions& options, const std::vector<Wanted>& all) {
   chip.only_print();
   Json json = Json::array();
-  for (const int address : options.numbers) {
-    const int shown = shown_address(options.access(), address);
-    Batch request = read_request(options.access(), sent_address(options.access(), address));
-    const std::string reply = co_await chip.ask(std::move(request), hex(static_cast<unsigned>(shown), 4));
-    const auto field = answer_field(options.access(), reply);
-    if (!field)
-      throw Complaint{ExitCode::negative, hex(static_cast<unsigned>(shown), 4) + ": the answer is too short"};
-    json.push_back(register_json(shown, std::stoi(*field, nullptr, 16)));
-    chip.out().text(hex(static_cast<unsigned>(shown), 4) + " = 0x" + *field + "\n");
+  for (const Wanted& one : all) {
+    const std::string digits = co_await read_one(chip, options.access(), one);
+    const int value = std::stoi(digits, nullptr, 16);
+    json.push_back(value_json(one, one.bits.whole() ? value : one.bits.of(value)));
+    const std::string text = one.bits.whole() ? "0x" + digits : std::to_string(one.bits.of(value));
+    const std::string address = hex(static_cast<unsigned>(one.bits.address), 4);
+    chip.out().text((one.name.empty() ? address : one.name) + " = " + text + "\n");
   }
   chip.out().result(json);
   co_return ExitCode::done;
@@ -85,8 +133,8 @@ Task<ExitCode> send_all(Chip& chip, Traffic traffic) {
 }
 
 ExitCode run_read(Context& context, const AccessOptions& options) {
-  for (const int address : options.numbers) check_address(options.access(), address);
-  return run_on_chip(context, [&options](Chip& chip) { return read(chip, options); });
+  const std::vector<Wanted> all = wanted(context, options);
+  return run_on_chip(context, [&](Chip& chip) { return read(chip, options, all); });
 }
 
 struct Pair {
@@ -202,7 +250,14 @@ void add_register_commands(CLI::App& app, Context& context) {
   add_command<AccessOptions>(
       *reg, context, "read", "Read registers and print them as \"0xF922 = 0x12\"",
       [](CLI::App& command, AccessOptions& options) {
-        add_numbers(command, "ADDR", options.numbers, 0, 0xFFFF, "Addresses")->required();
+        command
+            .add_option(
+                "ADDR", options.names,
+                "Addresses, and registers or bit fields as the description names them: NAME, NAME.FIELD")
+            ->type_name("")
+            ->required();
+        add_path(command, "--description", options.description,
+                 "The description of the registers (default regu.xml)");
         declare_kind(command, options);
       },
       run_read);
@@ -216,6 +271,7 @@ void add_register_commands(CLI::App& app, Context& context) {
       },
       run_write);
   add_register_file_commands(*reg, context);
+  add_register_check(*reg, context);
   add_command<DumpOptions>(
       *reg, context, "dump", "Ask for a dump of ISP registers and print what comes",
       [](CLI::App& command, DumpOptions& options) {

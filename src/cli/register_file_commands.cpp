@@ -25,19 +25,6 @@ CLI::Option* add_description(CLI::App& command, FileOptions& options, const std:
   return add_path(command, "--description", options.description, help);
 }
 
-constexpr const char* kDescription = "regu.xml";
-
-RegDescription load_description(Context& context, const std::filesystem::path& given) {
-  const std::filesystem::path path = given.empty() ? kDescription : given;
-  RegDescription description = RegDescription::load(path, path_text(path));
-  const bool missing = description.problem == RegDescription::kNotFound;
-  if (missing && !given.empty()) refuse("Cannot read the description " + path_text(path));
-  if (!description.problem.empty()) refuse(description.problem);
-  if (description.registers.empty()) refuse(path_text(path) + " describes no registers");
-  if (!description.remark.empty()) context.out.warning(description.remark);
-  return description;
-}
-
 std::string category_name(const RegDescription& description, const RegEntry& entry) {
   return utf8(description.categories[static_cast<std::size_t>(entry.category)]);
 }
@@ -80,7 +67,7 @@ Task<ExitCode> save(Chip& chip, const FileOptions& options, RegDescription& desc
 }
 
 ExitCode run_save(Context& context, const FileOptions& options) {
-  RegDescription description = load_description(context, options.description);
+  RegDescription description = load_description(context.out, options.description);
   if (!options.category.empty()) check_category(description, options.category);
   return run_on_chip(context, [&](Chip& chip) { return save(chip, options, description); });
 }
@@ -121,7 +108,7 @@ ExitCode run_load(Context& context, const FileOptions& options) {
   const RegisterFile file = read_register_file(options.file);
   const std::vector<RegisterFile::Line> lines =
       options.description.empty() ? file.lines
-                                  : known_lines(file, load_description(context, options.description));
+                                  : known_lines(file, load_description(context.out, options.description));
   if (lines.empty()) {
     refuse(path_text(options.file) + " has no register" +
            (options.description.empty() ? "" : " that the description knows"));
@@ -159,7 +146,7 @@ std::string line_of(const RegDescription& description, std::size_t reg) {
 }
 
 ExitCode run_list(Context& context, const FileOptions& options) {
-  const RegDescription description = load_description(context, options.description);
+  const RegDescription description = load_description(context.out, options.description);
   const std::string wanted = lower_case(options.find);
   Json json = Json::array();
   std::string text;

@@ -41,7 +41,7 @@ TEST_F(CtlTest, Settings) {
 
 TEST_F(CtlTest, SettingsChecked) {
   copy_resource("sample.dat");
-  EXPECT_EQ(ctl({"settings", "check", "sample.dat"}).out, "sample.dat: ok\n");
+  EXPECT_EQ(ctl({"settings", "check", "sample.dat"}).err, "sample.dat: ok\n");
   UserDataImage image;
   image.set_word(181, 900);
   folder.write("odd.dat", setting_text(image) + "7\r\n300\r\nx\r\n");
@@ -124,7 +124,7 @@ TEST_F(CtlTest, FlashImages) {
 
 TEST_F(CtlTest, Fonts) {
   copy_resource("fontT_16x24_.bin");
-  EXPECT_EQ(ctl({"font", "export", "fontT_16x24_.bin", "-o", "font.txt"}).out, "font.txt: 1024 glyphs\n");
+  EXPECT_EQ(ctl({"font", "export", "fontT_16x24_.bin", "-o", "font.txt"}).err, "font.txt: 1024 glyphs\n");
   EXPECT_EQ(ctl({"font", "import", "font.txt", "-o", "again.bin"}).code, 0);
   const auto diff = ctl({"font", "diff", "fontT_16x24_.bin", "again.bin", "--json"}).json()["differences"];
   for (const auto& glyph : diff) {

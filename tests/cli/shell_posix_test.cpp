@@ -26,11 +26,11 @@ TEST_F(CtlTest, BashCompletes) {
   EXPECT_EQ(complete("settings show my"), "my setting.dat\n");
 }
 
-/// The shell blocks of the guide that stand behind the mark.
-std::string example() {
-  std::istringstream guide(test::source_file("docs/cli.md"));
+/// The block of the guide that stands behind the mark.
+std::string block_of(const std::string& file, const std::string& mark) {
+  std::istringstream guide(test::source_file(file));
   std::string line, script;
-  while (std::getline(guide, line) && line != "<!-- example -->") {
+  while (std::getline(guide, line) && line != "<!-- " + mark + " -->") {
   }
   std::getline(guide, line);
   while (std::getline(guide, line) && line != "```") script += line + "\n";
@@ -39,12 +39,28 @@ std::string example() {
 
 TEST_F(CtlTest, TheGuidesExampleRunsAsItStands) {
   for (const char* name : {"sample.dat", "firmware.bin", "fontT_16x24_.bin", "regu.xml"}) copy_resource(name);
-  folder.write("station.sh", example());
+  folder.write("station.sh", block_of("docs/cli.md", "example"));
   test::Program shell("/bin/bash",
                       {"-c", "PATH=\"$0:$PATH\" exec /bin/bash station.sh", test::program_folder().string()},
                       folder.path());
   const std::string out = shell.expect("PASS\n");
   EXPECT_THAT(out, testing::EndsWith("PASS\n")) << shell.errors();
+  EXPECT_EQ(shell.end(), 0);
+}
+
+TEST_F(CtlTest, TheGuidesStationRunsAsItStands) {
+  for (const char* name : {"sample.dat", "firmware.bin", "fontT_16x24_.bin", "regu.xml"}) copy_resource(name);
+  for (const char* name : {"load.toml", "calibrate.toml", "station.sh"})
+    folder.write(name, block_of("docs/line.md", name));
+  test::Program shell("/bin/bash",
+                      {"-c", "PATH=\"$0:$PATH\" exec /bin/bash station.sh", test::program_folder().string()},
+                      folder.path());
+  std::string out;
+  // It takes longer than anything else that is waited for.
+  for (int i = 0; i < 8 && out.find("units_total{") == std::string::npos; ++i)
+    out += shell.expect("units_total{verdict=\"pass\"} 2\n");
+  EXPECT_THAT(out, HasSubstr("units: 2, in 2 records\nyield: 100.0 % (2)\n")) << shell.errors();
+  EXPECT_TRUE(std::filesystem::exists(folder / "L7-0002.json"));
   EXPECT_EQ(shell.end(), 0);
 }
 

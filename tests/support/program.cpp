@@ -6,6 +6,15 @@ namespace {
 /// What no file or program prints, so that reading goes on to the end.
 constexpr std::string_view kNever{"\0\x04\0", 3};
 
+/// Takes from `text` all up to and including `wanted`.
+std::string take_until(std::string& text, std::string_view wanted) {
+  const std::size_t found = text.find(wanted);
+  const std::size_t end = found == std::string::npos ? text.size() : found + wanted.size();
+  std::string taken = text.substr(0, end);
+  text.erase(0, end);
+  return taken;
+}
+
 }  // namespace
 
 std::string Program::line() {
@@ -19,18 +28,17 @@ std::string Program::output() {
 }
 
 std::string Program::errors() {
-  std::string text;
-  read_errors(text, kNever);
-  return text;
+  return expect_error(kNever);
 }
 
 std::string Program::expect(std::string_view wanted) {
   read_output(printed_, wanted);
-  const std::size_t found = printed_.find(wanted);
-  const std::size_t end = found == std::string::npos ? printed_.size() : found + wanted.size();
-  const std::string text = printed_.substr(0, end);
-  printed_.erase(0, end);
-  return text;
+  return take_until(printed_, wanted);
+}
+
+std::string Program::expect_error(std::string_view wanted) {
+  read_errors(complained_, wanted);
+  return take_until(complained_, wanted);
 }
 
 }  // namespace qv5123::test

@@ -24,6 +24,8 @@ class Program {
   std::string line();
   /// What it prints up to and including `wanted`.
   std::string expect(std::string_view wanted);
+  /// The same of its errors, of which errors() then tells the rest.
+  std::string expect_error(std::string_view wanted);
   /// All that it prints from here on, and all of its errors. Lines end with LF on every system.
   std::string output();
   std::string errors();
@@ -42,6 +44,7 @@ class Program {
 
   const std::unique_ptr<Process> process_;
   std::string printed_;
+  std::string complained_;
 };
 
 }  // namespace qv5123::test
