@@ -49,7 +49,7 @@ void declare_globals(CLI::App& app, Context& context) {
       ->type_name("MS");
   app.add_flag_callback(
       "--json", [&context] { context.out.use_json(true); }, "Print results as JSON");
-  add_path(app, "--trace", globals.trace, "Add every byte both ways to this file, time-stamped");
+  add_path(app, "--trace", globals.trace, "Add every byte both ways to this file, time-stamped; - is stderr");
   app.add_flag_callback(
       "--quiet", [&context] { context.out.be_quiet(true); }, "Print results and errors only");
 }

@@ -40,7 +40,7 @@ class Monitor {
  public:
   Monitor(Chip& chip, const MonitorOptions& options) : chip_(chip), options_(options) {
     if (options.log.empty()) return;
-    log_.open(options.log, std::ios::binary);
+    log_.open(options.log, std::ios::binary | std::ios::app);
     if (!log_) refuse("Cannot write " + path_text(options.log));
   }
 
@@ -151,7 +151,7 @@ void add_monitor_command(CLI::App& app, Context& context) {
       "Show the chip's console and its replies, and send what is typed, until Ctrl-C",
       [](CLI::App& command, MonitorOptions& options) {
         command.add_flag("--timestamps", options.timestamps, "Print each line with its time and direction");
-        add_path(command, "--log", options.log, "Write each line with its time and direction here");
+        add_path(command, "--log", options.log, "Add each line with its time and direction to this file");
         add_number(command, "--for", options.milliseconds, 1, kLongest, "End by itself after that time")
             ->type_name("MS");
       },

@@ -1,6 +1,7 @@
 #include "link/trace_device.h"
 
 #include <algorithm>
+#include <iostream>
 #include <utility>
 
 #include "base/hex.h"
@@ -51,8 +52,9 @@ std::string in_seconds(double time) {
 }  // namespace
 
 Trace::Trace(const std::filesystem::path& path, std::function<void()> failed)
-    : failed_(std::move(failed)), file_(path, std::ios::binary | std::ios::app) {
-  ok_ = file_.good();
+    : failed_(std::move(failed)), out_(path == "-" ? std::cerr : file_) {
+  if (path != "-") file_.open(path, std::ios::binary | std::ios::app);
+  ok_ = out_.good();
   if (ok_) write("# " + iso_time(std::chrono::system_clock::now()) + "\n");
 }
 
@@ -70,8 +72,8 @@ void Trace::note(char direction, std::span<const std::uint8_t> bytes) {
 
 void Trace::write(const std::string& line) {
   const MutexLock lock(mutex_);
-  file_ << line << std::flush;
-  if (!file_ && ok_.exchange(false) && failed_) failed_();
+  out_ << line << std::flush;
+  if (!out_ && ok_.exchange(false) && failed_) failed_();
 }
 
 std::unique_ptr<SerialDevice> traced(std::unique_ptr<SerialDevice> device, std::shared_ptr<Trace> trace) {

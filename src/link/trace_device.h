@@ -21,7 +21,7 @@ namespace qv5123 {
 ///
 /// seconds since the record began, the direction (> to the chip, < from it), the bytes, and the characters
 /// they are, with a point for those that cannot be shown. A record that is there goes on: each run begins
-/// with a line "# 2026-11-22T02:51:01.000Z".
+/// with a line "# 2026-11-22T02:51:01.000Z". The file "-" is stderr.
 class Trace {
  public:
   /// `failed` is called once, on any thread, when the file does not take a line any more. May be empty.
@@ -39,6 +39,7 @@ class Trace {
   const std::function<void()> failed_;
   Mutex mutex_;
   std::ofstream file_ GUARDED_BY(mutex_);
+  std::ostream& out_ GUARDED_BY(mutex_);
   std::atomic<bool> ok_{true};
 };
 
