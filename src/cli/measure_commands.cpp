@@ -1,4 +1,5 @@
 #include <utility>
+#include <vector>
 
 #include "cli/chip.h"
 #include "cli/command.h"
@@ -11,8 +12,10 @@ namespace qv5123 {
 namespace {
 
 struct MatrixOptions {
-  std::string first = "360,180";
-  int step = 240;
+  std::string first;
+  int step = kPatchStep;
+  std::vector<std::string> corners;
+  bool send_doubtful = false;
   int ratio = 100;
   bool fit = false;
   bool save = false;
@@ -20,12 +23,17 @@ struct MatrixOptions {
 struct LensOptions {
   int width = 1920;
   int ratio = 100;
+  bool send_doubtful = false;
   bool save = false;
 };
 struct AwbOptions {};
 
 constexpr int kWideLine = 1920;
 constexpr int kNarrowLine = 1280;
+
+Doubtful doubtful(bool send) {
+  return send ? Doubtful::send : Doubtful::refuse;
+}
 
 UnattendedHost::Progress progress_of(Chip& chip) {
   return [&chip](std::optional<int> percent) {
@@ -81,7 +89,8 @@ Task<ExitCode> measure(Chip& chip, const MatrixOptions& options, ChartPlace plac
   co_await begin(chip, host, desk);
   desk.type_ratio(options.ratio);
   const bool fit = options.fit || options.save;
-  const MatrixMeasurement measured = co_await measure_matrix(host, desk, place, fit);
+  const MatrixMeasurement measured =
+      co_await measure_matrix(host, desk, place, fit, doubtful(options.send_doubtful));
   check_end(chip, measured.trouble);
   if (options.save) co_await keep(chip, host, desk);
   if (fit && measured.report) {
@@ -99,14 +108,15 @@ Task<ExitCode> measure(Chip& chip, const LensOptions& options) {
   co_await begin(chip, host, desk);
   desk.choose_screen(options.width == kNarrowLine ? 1 : 0);
   desk.move_ratio(options.ratio);
-  const LensMeasurement measured = co_await measure_lens(host, desk);
+  const LensMeasurement measured = co_await measure_lens(host, desk, doubtful(options.send_doubtful));
   check_end(chip, measured.trouble);
   if (options.save) co_await keep(chip, host, desk);
   const LensCalibration& calibration = desk.calibration();
   Json json = lens_json(calibration.centre, calibration.fit);
   json["ripple"] = measured.ripple;
-  const std::string ripple = "ripple: " + fixed(measured.ripple[0], 1) + ", " + fixed(measured.ripple[1], 1) +
-                             ", " + fixed(measured.ripple[2], 1) + " %\n";
+  json["ripple_before"] = measured.ripple_before;
+  const std::string ripple =
+      "ripple: " + fixed(measured.ripple_before, 1) + " -> " + fixed(measured.ripple, 1) + " %\n";
   chip.out().result(json, lens_text(calibration.centre, calibration.fit) + ripple);
   co_return ExitCode::done;
 }
@@ -124,13 +134,23 @@ Task<ExitCode> measure(Chip& chip, const AwbOptions&) {
   co_return ExitCode::done;
 }
 
+PickerPosition position(const std::string& option, const std::string& text) {
+  const std::size_t comma = text.find(',');
+  if (comma == std::string::npos) refuse(option + ": \"" + text + "\" is not of the form X,Y");
+  return {number_in(option, text.substr(0, comma), 0, kPickerMaximumX),
+          number_in(option, text.substr(comma + 1), 0, kPickerMaximumY)};
+}
+
 ChartPlace chart_place(const MatrixOptions& options) {
-  const std::size_t comma = options.first.find(',');
-  if (comma == std::string::npos) refuse("--first: \"" + options.first + "\" is not of the form X,Y");
-  ChartPlace place;
-  place.first.x = number_in("--first", options.first.substr(0, comma), 0, kPickerMaximumX);
-  place.first.y = number_in("--first", options.first.substr(comma + 1), 0, kPickerMaximumY);
-  place.step = options.step;
+  if (options.corners.empty()) {
+    const PickerPosition first = options.first.empty() ? kFirstPatch : position("--first", options.first);
+    const auto place = straight_chart(first, options.step);
+    if (!place) refuse("--step: the chart would go beyond the picture");
+    return *place;
+  }
+  ChartPlace place{};
+  for (std::size_t i = 0; i < place.size(); ++i) place[i] = position("--corners", options.corners[i]);
+  if (!is_chart(place)) refuse("--corners: these do not go round a chart");
   return place;
 }
 
@@ -148,14 +168,29 @@ ExitCode run_awb(Context& context, const AwbOptions& options) {
   return run_on_chip(context, [&](Chip& chip) { return measure(chip, options); });
 }
 
+void add_doubtful(CLI::App& command, bool& send) {
+  command.add_flag("--send-doubtful", send, "Send also what the page would ask about first");
+}
+
 void declare_matrix(CLI::App& command, MatrixOptions& options) {
-  command.add_option("--first", options.first, "The middle of the first patch (default 360,180)")
-      ->type_name("X,Y");
-  add_number(command, "--step", options.step, 1, kPickerMaximumX,
-             "Pixels from a patch to the next, across and down (default 240)");
+  auto* first =
+      command.add_option("--first", options.first, "The middle of the first patch (default 360,180)")
+          ->type_name("X,Y");
+  auto* step = add_number(command, "--step", options.step, 1, kPickerMaximumX,
+                          "Pixels from a patch to the next, across and down (default 240)");
+  command
+      .add_option(
+          "--corners", options.corners,
+          "The middles of the four patches at the corners of a chart that stands in any way, round it "
+          "from the first: Dark skin, Bluish green, Black, White")
+      ->type_name("X,Y")
+      ->expected(4)
+      ->excludes(first)
+      ->excludes(step);
   add_number(command, "--ratio", options.ratio, 0, 100, "Correction ratio in percent (default 100)");
   command.add_flag("--fit", options.fit, "Fit the matrix and send it to the chip");
   command.add_flag("--save", options.save, "The same, and save the page on the chip");
+  add_doubtful(command, options.send_doubtful);
 }
 
 void declare_lens(CLI::App& command, LensOptions& options) {
@@ -163,6 +198,7 @@ void declare_lens(CLI::App& command, LensOptions& options) {
              "Pixels in a line, 1920 or 1280 (default 1920)");
   add_number(command, "--ratio", options.ratio, 0, 100, "Correction ratio in percent (default 100)");
   command.add_flag("--save", options.save, "Save the page on the chip with what was measured");
+  add_doubtful(command, options.send_doubtful);
 }
 
 }  // namespace

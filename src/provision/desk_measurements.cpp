@@ -3,7 +3,8 @@
 #include <algorithm>
 
 #include "base/delay.h"
-#include "tuning/matrix_fit.h"
+#include "base/text.h"
+#include "tuning/matrix_diagnosis.h"
 
 namespace qv5123 {
 namespace {
@@ -18,60 +19,95 @@ Task<> wait_for(UnattendedHost& host, std::function<bool()> busy) {
 
 /// Why the chip did not follow; empty when it did.
 Task<std::string> switch_picker_of(UnattendedHost& host, PickerDesk& picker, bool on) {
+  host.forget_failure();
   picker.click_switch(on);
   std::function<bool()> busy = [&picker] { return picker.switching(); };
   co_await wait_for(host, std::move(busy));
   if (picker.on() == on) co_return std::string();
-  co_return host.last_status();
+  co_return host.last_failure();
 }
 
-double ripple_of(const LensDesk& desk, std::size_t colour) {
-  const LensCalibration& calibration = desk.calibration();
-  double lowest = 0, highest = 0, sum = 0;
-  for (const LensSample& sample : calibration.samples) {
-    const double level = corrected_level(calibration, desk.values(), sample, colour);
-    const bool first = &sample == &calibration.samples.front();
-    lowest = first ? level : std::min(lowest, level);
-    highest = first ? level : std::max(highest, level);
-    sum += level;
+std::string joined(const std::vector<std::string>& sentences) {
+  std::string text;
+  for (const std::string& sentence : sentences) text += (text.empty() ? "" : " ") + sentence;
+  return text;
+}
+
+/// What the page asks about before it sends.
+std::string lens_doubts(const LensCalibration& found) {
+  std::vector<std::string> doubts = lens_warnings(found);
+  if (second_parameter_clamped(found)) {
+    const double ripple = lens_line_ripple(found, found.fit.parameter1, found.fit.parameter2);
+    doubts.push_back("Parameter-2 came out below 0, which the chip cannot do: a ripple of " +
+                     fixed(ripple, 1) + " % would remain along the line.");
   }
-  return sum > 0 ? (highest - lowest) * 100 * static_cast<double>(calibration.samples.size()) / sum : 0;
+  return joined(doubts);
 }
 
-Task<std::string> measure_patches(UnattendedHost& host, MatrixDesk& desk, ChartPlace place) {
-  desk.choose_patch_step(place.step);
-  desk.choose_patch(0);
-  for (std::size_t patch = 0; patch < kPatches; ++patch) {
-    if (host.stopped()) co_return std::string(kStopped);
-    host.show_progress(static_cast<int>(patch * 100 / kPatches));
-    desk.get_color();
-    std::function<bool()> busy = [&desk] { return desk.measuring(); };
-    co_await wait_for(host, std::move(busy));
-    // The patches start empty; what the chip says of one is there, be it black.
-    const std::size_t next = patch + 1 == kPatches ? 0 : patch + 1;
-    if (desk.values().patch != next) co_return std::string(kPatchCaptions[patch]) + ": " + host.last_status();
+std::string lens_trouble(const UnattendedHost& host, const LensDesk& desk, const HeadlessPrompts& prompts,
+                         Doubtful doubtful) {
+  if (host.stopped()) return kStopped;
+  if (prompts.asked() && doubtful == Doubtful::refuse) return lens_doubts(desk.calibration());
+  if (!prompts.asked() && !prompts.last_message().empty()) return prompts.last_message();
+  return host.last_failure();
+}
+
+/// The page's own "Measure all 24".
+Task<std::string> measure_chart(UnattendedHost& host, MatrixDesk& desk) {
+  host.forget_failure();
+  desk.measure_all();
+  bool stopping = false;
+  std::function<bool()> busy = [&] {
+    // Pressed again it stops.
+    if (host.stopped() && !stopping && desk.measuring_all()) desk.measure_all();
+    stopping = host.stopped();
+    return desk.measuring_all();
+  };
+  co_await wait_for(host, std::move(busy));
+  if (host.stopped()) co_return std::string(kStopped);
+  co_return desk.run_complaint().empty() ? host.last_failure() : desk.run_complaint();
+}
+
+void set_corners(MatrixDesk& desk, const ChartPlace& place) {
+  desk.choose_patch_step(0);
+  for (std::size_t corner = 0; corner < place.size(); ++corner) {
+    desk.choose_patch(kCornerPatches[corner]);
+    desk.picker().type_x(place[corner].x);
+    desk.picker().type_y(place[corner].y);
+    desk.set_corner();
   }
-  co_return std::string();
 }
 
-/// Empty, or why there is no matrix.
-std::string fit_and_send(UnattendedHost& host, MatrixDesk& desk) {
-  if (!fit_matrix(desk.values().measured, desk.values().ratio)) return "Please get color of gray!";
+std::string matrix_doubts(const MatrixValues& values) {
+  MatrixValues ready = values;
+  set_matrix_rows(ready);
+  return joined(matrix_warnings(ready));
+}
+
+/// Empty, or why nothing was sent.
+std::string fit_and_send(UnattendedHost& host, MatrixDesk& desk, Doubtful doubtful) {
   HeadlessPrompts prompts;
+  host.forget_failure();
   desk.calculate(prompts);
-  const auto fit = fit_matrix(desk.values().measured, desk.values().ratio);
-  if (!fit->solvable) return host.last_status();
-  for (int row = 0; row < kMatrixRows; ++row) desk.set_row(static_cast<MatrixControl>(row));
+  if (!prompts.last_message().empty()) return prompts.last_message();
+  if (!host.last_failure().empty()) return host.last_failure();
+  if (doubtful == Doubtful::refuse) {
+    const std::string doubts = matrix_doubts(desk.values());
+    if (!doubts.empty()) return doubts;
+  }
+  prompts.answer(Answer::yes);
+  for (int row = 0; row < kMatrixRows; ++row) desk.set_row(static_cast<MatrixControl>(row), prompts);
   return {};
 }
 
 }  // namespace
 
-Task<LensMeasurement> measure_lens(UnattendedHost& host, LensDesk& desk) {
+Task<LensMeasurement> measure_lens(UnattendedHost& host, LensDesk& desk, Doubtful doubtful) {
   LensMeasurement result;
   result.trouble = co_await switch_picker_of(host, desk.picker(), true);
   if (!result.trouble.empty()) co_return result;
   HeadlessPrompts prompts;
+  if (doubtful == Doubtful::send) prompts.answer(Answer::yes);
   desk.start_calibration(prompts);
   std::function<bool()> busy = [&] {
     // The switch ends a sweep.
@@ -79,33 +115,47 @@ Task<LensMeasurement> measure_lens(UnattendedHost& host, LensDesk& desk) {
     return desk.calibrating() || desk.picker().switching();
   };
   co_await wait_for(host, std::move(busy));
-  result.trouble = host.stopped() ? kStopped : prompts.last_message();
-  if (result.trouble.empty() && desk.calibration().samples.empty()) result.trouble = host.last_status();
-  for (std::size_t colour = 0; colour < 3; ++colour) result.ripple[colour] = ripple_of(desk, colour);
+  result.trouble = lens_trouble(host, desk, prompts, doubtful);
+  const LensCalibration& found = desk.calibration();
+  result.ripple_before = lens_line_ripple(found);
+  result.ripple = lens_line_ripple(found, desk.values().parameter1, desk.values().parameter2);
   co_return result;
 }
 
-Task<MatrixMeasurement> measure_matrix(UnattendedHost& host, MatrixDesk& desk, ChartPlace place, bool fit) {
+std::optional<ChartPlace> straight_chart(PickerPosition first, int step) {
+  const PickerPosition last{first.x + (kPatchesInRow - 1) * step,
+                            first.y + (static_cast<int>(kPatches) / kPatchesInRow - 1) * step};
+  if (last.x > kPickerMaximumX || last.y > kPickerMaximumY) return std::nullopt;
+  return ChartPlace{first, PickerPosition{last.x, first.y}, last, PickerPosition{first.x, last.y}};
+}
+
+bool is_chart(const ChartPlace& place) {
+  return patch_places({place[0], place[1], place[2], place[3]}).has_value();
+}
+
+Task<MatrixMeasurement> measure_matrix(UnattendedHost& host, MatrixDesk& desk, ChartPlace place, bool fit,
+                                       Doubtful doubtful) {
   MatrixMeasurement result;
-  desk.picker().type_x(place.first.x);
-  desk.picker().type_y(place.first.y);
+  set_corners(desk, place);
   result.trouble = co_await switch_picker_of(host, desk.picker(), true);
   if (!result.trouble.empty()) co_return result;
-  result.trouble = co_await measure_patches(host, desk, place);
-  if (result.trouble.empty() && fit) result.trouble = fit_and_send(host, desk);
+  result.trouble = co_await measure_chart(host, desk);
+  if (result.trouble.empty() && fit) result.trouble = fit_and_send(host, desk, doubtful);
   if (result.trouble.empty())
     result.report = patch_report(desk.values().measured, desk.values().coefficients);
-  const std::string left_on = co_await switch_picker_of(host, desk.picker(), false);
-  if (result.trouble.empty()) result.trouble = left_on;
+  co_await switch_picker_of(host, desk.picker(), false);
+  // Of the rows as well, which have left by now.
+  if (result.trouble.empty()) result.trouble = host.last_failure();
   co_return result;
 }
 
 Task<std::string> measure_awb(UnattendedHost& host, AwbDesk& desk) {
+  host.forget_failure();
   desk.choose_patch(0);
   desk.get_color();
   std::function<bool()> busy = [&desk] { return desk.measuring(); };
   co_await wait_for(host, std::move(busy));
-  co_return host.last_status();
+  co_return host.last_failure();
 }
 
 }  // namespace qv5123

@@ -83,15 +83,17 @@ struct LensStep {
   int screen = 0;
   int ratio = 100;
   std::optional<double> most_ripple;  ///< percent
+  Doubtful doubtful = Doubtful::refuse;
   bool save = true;
 };
 struct MatrixStep {
-  ChartPlace place;
+  ChartPlace place{};
   int ratio = 100;
   int light = 0;
   int mode = 0;
   std::optional<double> most_mean;  ///< CIEDE2000 after the fit
   std::optional<double> most_worst;
+  Doubtful doubtful = Doubtful::refuse;
   bool save = true;
 };
 struct ReportStep {

@@ -210,6 +210,10 @@ CheckStep read_check(RecipeTable& table, const RegDescription* description) {
   return step;
 }
 
+Doubtful doubtful(RecipeTable& table) {
+  return table.flag("send_doubtful", false) ? Doubtful::send : Doubtful::refuse;
+}
+
 LensStep read_lens(RecipeTable& table) {
   LensStep step;
   const int width = table.whole("width", 1, 4096, 1920);
@@ -217,6 +221,7 @@ LensStep read_lens(RecipeTable& table) {
   step.screen = width == 1280 ? 1 : 0;
   step.ratio = table.whole("ratio", 0, 100, step.ratio);
   step.most_ripple = table.real("most_ripple", 0);
+  step.doubtful = doubtful(table);
   step.save = table.flag("save", step.save);
   return step;
 }
@@ -230,26 +235,57 @@ int choice(RecipeTable& table, const char* key, const std::array<const char*, co
   return static_cast<int>(found - names.begin());
 }
 
-PickerPosition position(RecipeTable& table, const char* key, PickerPosition otherwise) {
-  const toml::node* node = table.node(key);
-  if (!node) return otherwise;
-  const toml::array* pair = node->as_array();
-  const auto x = pair && pair->size() == 2 ? pair->get(0)->value_exact<std::int64_t>() : std::nullopt;
-  const auto y = pair && pair->size() == 2 ? pair->get(1)->value_exact<std::int64_t>() : std::nullopt;
-  if (!x || !y || *x < 0 || *x > kPickerMaximumX || *y < 0 || *y > kPickerMaximumY)
-    table.refuse(key, "is not [x, y] within the picture");
-  return {static_cast<int>(*x), static_cast<int>(*y)};
+/// Nothing for what is not [x, y] within the picture.
+std::optional<PickerPosition> position(const toml::node& node) {
+  const toml::array* pair = node.as_array();
+  if (!pair || pair->size() != 2) return std::nullopt;
+  const auto x = pair->get(0)->value_exact<std::int64_t>();
+  const auto y = pair->get(1)->value_exact<std::int64_t>();
+  if (!x || !y || *x < 0 || *x > kPickerMaximumX || *y < 0 || *y > kPickerMaximumY) return std::nullopt;
+  return PickerPosition{static_cast<int>(*x), static_cast<int>(*y)};
+}
+
+std::optional<ChartPlace> corners_of(const toml::node& node) {
+  ChartPlace place{};
+  const toml::array* corners = node.as_array();
+  if (!corners || corners->size() != place.size()) return std::nullopt;
+  for (std::size_t i = 0; i < place.size(); ++i) {
+    const auto corner = position(*corners->get(i));
+    if (!corner) return std::nullopt;
+    place[i] = *corner;
+  }
+  return place;
+}
+
+ChartPlace chart_at_corners(RecipeTable& table) {
+  for (const char* key : {"first", "step"})
+    if (table.has(key)) table.refuse(key, "corners say it already");
+  const auto place = corners_of(*table.node("corners"));
+  if (!place) table.refuse("corners", "is not four [x, y] within the picture");
+  if (!is_chart(*place)) table.refuse("corners", "do not go round a chart");
+  return *place;
+}
+
+/// "corners", or where "first" is and how far the next.
+ChartPlace chart_place(RecipeTable& table) {
+  if (table.has("corners")) return chart_at_corners(table);
+  const toml::node* node = table.node("first");
+  const auto first = node ? position(*node) : kFirstPatch;
+  if (!first) table.refuse("first", "is not [x, y] within the picture");
+  const auto place = straight_chart(*first, table.whole("step", 1, kPickerMaximumX, kPatchStep));
+  if (!place) table.refuse("step", "the chart would go beyond the picture");
+  return *place;
 }
 
 MatrixStep read_matrix(RecipeTable& table) {
   MatrixStep step;
-  step.place.first = position(table, "first", step.place.first);
-  step.place.step = table.whole("step", 1, kPickerMaximumX, step.place.step);
+  step.place = chart_place(table);
   step.ratio = table.whole("ratio", 0, 100, step.ratio);
   step.light = choice(table, "light", kMatrixLightNames);
   step.mode = choice(table, "mode", kMatrixModeNames);
   step.most_mean = table.real("most_mean", 0);
   step.most_worst = table.real("most_worst", 0);
+  step.doubtful = doubtful(table);
   step.save = table.flag("save", step.save);
   return step;
 }

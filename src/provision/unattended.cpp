@@ -9,6 +9,7 @@ Task<> HeadlessPrompts::message(Message message) {
 
 Task<Answer> HeadlessPrompts::ask(Question question) {
   last_message_ = std::move(question.text);
+  asked_ = true;
   co_return answer_;
 }
 

@@ -25,13 +25,16 @@ class HeadlessPrompts final : public Prompts {
 
   /// What questions are answered with.
   void answer(Answer answer) { answer_ = answer; }
-  /// The last message; empty while there was none.
+  /// The last message or question; empty while there was none.
   const std::string& last_message() const { return last_message_; }
+  /// Whether anything was asked.
+  bool asked() const { return asked_; }
 
  private:
   std::filesystem::path file_;
   std::string last_message_;
   Answer answer_ = Answer::cancel;
+  bool asked_ = false;
 };
 
 /// Runs a desk that nobody looks at, and keeps what it says.

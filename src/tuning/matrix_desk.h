@@ -77,6 +77,8 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   /// itself, and goes on once "GET COLOR" has measured that patch.
   void measure_all();
   bool measuring_all() const { return measuring_all_; }
+  /// Why the last run has stopped by itself; empty where it has not.
+  const std::string& run_complaint() const { return run_complaint_; }
   std::size_t patches_left() const { return kPatches - values_.patch; }
   bool measuring() const { return measuring_.running(); }
   void calculate(Prompts& prompts);
@@ -148,6 +150,7 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   std::deque<std::optional<std::size_t>> presses_;
   std::array<ChartCorners, kVideoModes> corners_;
   std::optional<std::size_t> stopped_at_;  ///< where the last run has found something doubtful
+  std::string run_complaint_;
   bool measuring_all_ = false;
   bool stop_run_ = false;
   Flow running_all_;

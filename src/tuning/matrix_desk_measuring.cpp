@@ -105,6 +105,7 @@ Task<> MatrixDesk::run_all(std::array<PickerPosition, kPatches> places, std::siz
   measuring_all_ = true;
   stop_run_ = false;
   stopped_at_.reset();
+  run_complaint_.clear();
   co_await picker_.arrive();
   const BusyScope busy(host());
   picker_.set_measuring(true);
@@ -141,6 +142,7 @@ void MatrixDesk::take_reading(std::size_t patch, const SteadyReading& reading) {
 
 void MatrixDesk::stop_at(std::size_t patch, const std::string& complaint) {
   stopped_at_ = patch;
+  run_complaint_ = complaint;
   host().show_failure("Measure all 24 stopped. " + complaint +
                       " GET COLOR measures it anew, and the rest follows.");
 }
