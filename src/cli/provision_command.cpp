@@ -1,14 +1,16 @@
 #include <optional>
 #include <utility>
 
+#include "base/atomic_file.h"
 #include "base/delay.h"
 #include "base/interrupts.h"
 #include "base/loop_scheduler.h"
-#include "base/text.h"
 #include "base/virtual_scheduler.h"
 #include "cli/command.h"
 #include "cli/provision_view.h"
+#include "link/port_list.h"
 #include "link/serial_device.h"
+#include "link/trace_device.h"
 #include "provision/dry_run.h"
 #include "provision/production_line.h"
 
@@ -35,7 +37,7 @@ Recipe recipe_of(const ProvisionOptions& options) {
 /// What the system opens under both names.
 bool is_same_port(const std::string& one, const std::string& other) {
   std::error_code error;
-  return lower_case(one) == lower_case(other) || std::filesystem::equivalent(one, other, error);
+  return openable_name(one) == openable_name(other) || std::filesystem::equivalent(one, other, error);
 }
 
 void check_ports(const std::vector<std::string>& ports) {
@@ -99,7 +101,7 @@ class Station {
         records_(records_path(options, recipe)),
         line_(scheduler_, background_, recipe, records_, view_, line_options(context, options)) {
     for (const std::string& port : context.globals.ports)
-      line_.add(make_board_port(scheduler_, make_serial_device(), port, context.globals.line));
+      line_.add(make_board_port(scheduler_, make_device(context), port, context.globals.line));
   }
 
   void run() {
@@ -113,6 +115,13 @@ class Station {
   bool interrupted() const { return requests_ > 0; }
 
  private:
+  std::unique_ptr<SerialDevice> make_device(const Context& context) {
+    std::unique_ptr<SerialDevice> device = make_serial_device();
+    if (context.globals.trace.empty()) return device;
+    const auto trace = std::make_shared<Trace>(context.globals.trace);
+    if (!trace->ok()) refuse("Cannot write " + path_text(context.globals.trace));
+    return traced(std::move(device), trace);
+  }
   void take_interrupt() {
     interrupts_.heard();
     // One that is asked for a third time does not wait for a driver any more.
@@ -139,9 +148,10 @@ class Station {
 ExitCode run(Context& context, const ProvisionOptions& options) {
   const Recipe recipe = recipe_of(options);
   check_ports(context.globals.ports);
+  const bool traced = !context.globals.trace.empty();
+  if (traced && (options.dry_run || context.globals.ports.size() > 1)) refuse("--trace is for one --port");
   if (options.dry_run) return run_dry(context, options, recipe);
   if (context.globals.ports.empty()) refuse("provision needs --port for every board, or --dry-run");
-  if (!context.globals.trace.empty()) refuse("--trace is for commands with one board");
   Station station(context, options, recipe);
   station.run();
   return end(context, station.line(), station.interrupted() && station.line().failed() > 0);

@@ -16,6 +16,7 @@ class SessionPort final : public BoardPort {
   Task<OpenResult> open() override { co_return co_await session_.open(name_, line_); }
   void close() override { session_.close(); }
   bool connected() const override { return session_.connected(); }
+  std::uint32_t baud_rate() const override { return line_.baud_rate; }
 
  private:
   PortSessionEvents session_events() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -29,6 +30,8 @@ class BoardPort {
   virtual Task<OpenResult> open() = 0;
   virtual void close() = 0;
   virtual bool connected() const = 0;
+  /// Of the line; 0 where nothing takes time on it.
+  virtual std::uint32_t baud_rate() const = 0;
   /// A fixture puts in front of the camera what the step measures.
   virtual void prepare(const Step&) {}
 

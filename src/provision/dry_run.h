@@ -23,6 +23,7 @@ class SimulatedPort final : public BoardPort, private Sender {
   const std::string& name() const override { return name_; }
   CommandLink& link() override { return link_; }
   bool connected() const override { return connected_; }
+  std::uint32_t baud_rate() const override { return rate_; }
   Task<OpenResult> open() override;
   void close() override;
   void prepare(const Step& step) override;

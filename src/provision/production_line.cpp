@@ -5,6 +5,7 @@
 
 #include "base/atomic_file.h"
 #include "base/delay.h"
+#include "base/text.h"
 #include "link/indirect_access.h"
 
 namespace qv5123 {
@@ -127,9 +128,10 @@ Task<> ProductionLine::Place::run() {
     const bool there = co_await find_board();
     const bool room = co_await line_.may_begin();
     if (!room) break;
+    const auto rehearsed = line_.options_.dry ? std::optional(line_.units_) : std::nullopt;
     unit_ = std::make_unique<Unit>(
         UnitSurroundings{*port_, host_, line_.background_, line_.recipe_, line_.options_.timeout,
-                         line_.options_.dry, [this] { line_.view_.step_began(state()); }},
+                         [this] { line_.view_.step_began(state()); }, rehearsed},
         line_.next_unit());
     phase_ = PlaceState::Phase::working;
     if (there) {
@@ -239,7 +241,8 @@ std::vector<PlaceState> ProductionLine::places() const {
 }
 
 std::string ProductionLine::next_unit() {
-  return utc_time() + "-" + std::to_string(detail::process_number()) + "-" + std::to_string(++units_);
+  return iso_time(std::chrono::system_clock::now()) + "-" + std::to_string(detail::process_number()) + "-" +
+         std::to_string(++units_);
 }
 
 /// No unit begins whose record might find no room.

@@ -46,7 +46,7 @@ class ProductionLine {
     bool watch = false;  ///< after a unit comes the next, until interrupt()
     std::chrono::milliseconds timeout{1800};
     std::filesystem::path metrics;  ///< empty for none
-    bool dry = false;               ///< serial numbers are shown and not used up
+    bool dry = false;               ///< a rehearsal leaves no files but records, and uses no serial numbers
   };
 
   ProductionLine(Scheduler& scheduler, Background& background, const Recipe& recipe,

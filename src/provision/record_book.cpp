@@ -78,10 +78,10 @@ std::string RecordBook::append(const std::string& line) const {
   return append_line(path_, line);
 }
 
-TakenSerial next_serial(const SerialSource& source) {
+TakenSerial next_serial(const SerialSource& source, int ahead) {
   std::string problem;
   const auto used = used_of(source.state, problem);
-  return used ? serial_after(source, *used) : TakenSerial{"", problem};
+  return used ? serial_after(source, *used + ahead) : TakenSerial{"", problem};
 }
 
 TakenSerial take_serial(const SerialSource& source) {

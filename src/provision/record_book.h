@@ -34,7 +34,7 @@ struct TakenSerial {
 /// The next serial number. That it is used is on the disk before it is returned: one may be lost with its
 /// unit, none is given twice.
 TakenSerial take_serial(const SerialSource& source);
-/// The same, and it stays unused.
-TakenSerial next_serial(const SerialSource& source);
+/// The one that comes after `ahead` more, which stay unused as it does.
+TakenSerial next_serial(const SerialSource& source, int ahead = 0);
 
 }  // namespace qv5123

@@ -20,6 +20,7 @@ constexpr milliseconds kLongestGreeting{1500};
 constexpr int kAskTries = 3;
 constexpr std::size_t kVersionDigits = 18;
 constexpr std::size_t kSerialDigits = 9;
+constexpr std::size_t kGreetingDigits = 2 * (kVersionDigits + kSerialDigits);
 
 }  // namespace
 
@@ -37,7 +38,7 @@ bool matches(std::string_view text, std::string_view pattern) {
 Unit::Unit(UnitSurroundings surroundings, std::string id) : around_(surroundings) {
   record_.unit = std::move(id);
   record_.port = around_.port.name();
-  record_.started = utc_time();
+  record_.started = iso_time(std::chrono::system_clock::now());
   began_ = scheduler().now();
 }
 
@@ -119,7 +120,7 @@ Task<> Unit::hear_greeting() {
 }
 
 void Unit::take_greeting(const std::string& block) {
-  if (block.size() < 2 * (kVersionDigits + kSerialDigits) || !all_hex_digits(block)) return;
+  if (block.size() < kGreetingDigits || !all_hex_digits(block)) return;
   version_.emplace();
   for (std::size_t i = 0; i < kVersionDigits; ++i)
     *version_ += static_cast<char>('0' + reply_byte(block, i) % 10);
@@ -145,7 +146,12 @@ Task<> Unit::wait_for_quiet(milliseconds quiet, milliseconds longest) {
 Task<std::string> Unit::ask(Batch request, std::string what) {
   for (int tries = 1;; ++tries) {
     check_stop();
-    const std::optional<std::string> reply = co_await link().request(request, around_.timeout);
+    std::optional<std::string> reply = co_await link().request(request, around_.timeout);
+    // A slow chip's greeting comes where the first answer is looked for, which comes behind it.
+    if (reply && !version_ && reply->size() == kGreetingDigits) {
+      take_greeting(*reply);
+      reply = co_await link().next_block(around_.timeout);
+    }
     if (reply && whole_bytes(*reply) && reply->size() >= 2) co_return *reply;
     if (tries == kAskTries)
       throw StepFailed{what + (reply ? ": the answer was damaged on the line" : ": the chip did not answer")};
@@ -179,6 +185,12 @@ Task<bool> Unit::hear(const std::string& text, milliseconds longest) {
   while (said_.find(text) == std::string::npos && scheduler().now() - start < longest)
     co_await Delay(scheduler(), kLook);
   co_return said_.find(text) != std::string::npos;
+}
+
+milliseconds Unit::line_time(std::size_t bytes) const {
+  constexpr std::size_t kBitsOfByte = 10;
+  const std::uint32_t rate = around_.port.baud_rate();
+  return milliseconds(rate == 0 ? 0 : bytes * kBitsOfByte * 1000 / rate);
 }
 
 }  // namespace qv5123

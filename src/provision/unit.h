@@ -19,8 +19,9 @@ struct UnitSurroundings {
   Background& background;
   const Recipe& recipe;
   std::chrono::milliseconds timeout;  ///< how long an answer may take
-  bool dry = false;                   ///< serial numbers are not used up
   std::function<void()> step_began = {};
+  /// How many units of a rehearsal come before, which leaves no files and uses no serial numbers.
+  std::optional<int> rehearsed = {};
 };
 
 /// One board from its port's opening to its verdict.
@@ -71,11 +72,12 @@ class Unit {
   Task<> transfer(TransferKind kind, const RecipeFile* file, const std::string& says, int tries);
   Task<bool> transfer_once(TransferKind kind, const RecipeFile* file, const std::string& says);
   Task<bool> hear(const std::string& text, std::chrono::milliseconds longest);
+  std::chrono::milliseconds line_time(std::size_t bytes) const;
   Task<> wait_for_quiet(std::chrono::milliseconds quiet, std::chrono::milliseconds longest);
   Task<> save_page(const std::string& name, int repair);
   Task<> save_verified(TuningDesk& desk, int repair);
   Task<> send_save(TuningDesk& desk);
-  Task<> close_brackets();
+  Task<> end_stopped_save();
   Task<RecordJson> reported_pages();
   Task<> put_serial(const SerialSource& source);
 

@@ -7,55 +7,36 @@
 #include "tuning/tuning_pages.h"
 
 namespace qv5123 {
-namespace {
-
-/// The first values that differ, in words; empty when all that the page saves agree.
-std::string differences(const TuningModel& chip, const std::vector<int>& sent) {
-  constexpr std::size_t kNamed = 3;
-  std::string text;
-  std::size_t count = 0;
-  const std::vector<int> numbers = chip.numbers();
-  for (std::size_t i = 0; i < numbers.size(); ++i) {
-    const FieldInfo& field = chip.fields()[i];
-    if (!field.saved || !field.has_reply() || numbers[i] == sent[i]) continue;
-    if (++count > kNamed) continue;
-    text += (text.empty() ? "" : ", ") + std::string(chip.texts().name) + "." + field.name + ": chip " +
-            std::to_string(numbers[i]) + ", sent " + std::to_string(sent[i]);
-  }
-  return count > kNamed ? text + " and " + std::to_string(count - kNamed) + " more" : text;
-}
-
-}  // namespace
 
 /// The chip is not left in the middle of a save that was given up.
-Task<> Unit::close_brackets() {
+Task<> Unit::end_stopped_save() {
+  if (!stopped_) co_return;
   co_await send(Batch(1, RegisterWrite{reg::kKeepBracket, 0}));
   co_await send(Batch(1, RegisterWrite{reg::kSaveBracket, 0}));
+  throw StepFailed{"Interrupted: the chip has only a part of the page"};
 }
 
 Task<> Unit::send_save(TuningDesk& desk) {
   around_.host.forget_failure();
   const bool saved = co_await desk.send_save(desk.full_save(), std::string());
-  if (stopped_) {
-    co_await close_brackets();
-    throw StepFailed{"Interrupted: the chip has only a part of the page"};
-  }
+  co_await end_stopped_save();
   if (!saved || !around_.host.last_failure().empty()) throw StepFailed{around_.host.last_failure()};
 }
 
-/// What the chip reports afterwards is what was sent, or the page is sent again.
+/// What the chip reports afterwards is what was sent, or what differs is sent again.
 Task<> Unit::save_verified(TuningDesk& desk, int repair) {
-  for (int repaired = 0;; ++repaired) {
+  check_stop();
+  co_await send_save(desk);
+  Verification found = co_await desk.verify_save(around_.timeout);
+  for (; repair > 0 && found.end == Verification::End::differs; --repair) {
     check_stop();
-    co_await send_save(desk);
-    const std::vector<int> sent = desk.model().numbers();
-    const std::unique_ptr<TuningModel> chip = make_model(desk.model().texts().name);
-    co_await read_page(*chip);
-    std::string difference = differences(*chip, sent);
-    if (difference.empty()) co_return;
-    if (repaired == repair) throw StepFailed{difference};
     ++step_record().retries;
+    found = co_await desk.repair_save(std::move(found), 1, around_.timeout);
+    co_await end_stopped_save();
   }
+  if (found.end != Verification::End::verified)
+    throw StepFailed{std::string(desk.model().texts().name) + ": " +
+                     verification_text(desk.model().fields(), found)};
 }
 
 Task<> Unit::save_page(const std::string& name, int repair) {
@@ -78,17 +59,17 @@ Task<> Unit::do_step(const LensStep& step) {
   co_await load_page(desk);
   desk.choose_screen(step.screen);
   desk.move_ratio(step.ratio);
-  const LensMeasurement measured = co_await measure_lens(around_.host, desk);
+  const LensMeasurement measured = co_await measure_lens(around_.host, desk, step.doubtful);
   if (!measured.trouble.empty()) throw StepFailed{measured.trouble};
   const LensFit& fit = desk.calibration().fit;
   step_record().values = {{"centre", desk.calibration().centre.x},
                           {"parameter1", fit.parameter1},
                           {"parameter2", fit.parameter2},
+                          {"ripple_before", measured.ripple_before},
                           {"ripple", measured.ripple}};
-  for (const double ripple : measured.ripple)
-    if (step.most_ripple && ripple > *step.most_ripple)
-      throw StepFailed{"the ripple is " + fixed(ripple, 1) + " %, at most " + shortest(*step.most_ripple) +
-                       " is allowed"};
+  if (step.most_ripple && measured.ripple > *step.most_ripple)
+    throw StepFailed{"the ripple is " + fixed(measured.ripple, 1) + " %, at most " +
+                     shortest(*step.most_ripple) + " is allowed"};
   if (step.save) co_await save_verified(desk, PagesStep().repair);
 }
 
@@ -98,7 +79,8 @@ Task<> Unit::do_step(const MatrixStep& step) {
   desk.choose_light(step.light);
   desk.choose_mode(step.mode);
   desk.type_ratio(step.ratio);
-  const MatrixMeasurement measured = co_await measure_matrix(around_.host, desk, step.place, true);
+  const MatrixMeasurement measured =
+      co_await measure_matrix(around_.host, desk, step.place, true, step.doubtful);
   if (!measured.trouble.empty()) throw StepFailed{measured.trouble};
   const DifferenceSummary& after = measured.report->after;
   step_record().values = {{"measured", desk.values().measured},

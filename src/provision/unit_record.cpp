@@ -1,7 +1,5 @@
 #include "provision/unit_record.h"
 
-#include <ctime>
-
 namespace qv5123 {
 namespace {
 
@@ -52,13 +50,6 @@ std::string record_line(const UnitRecord& record, const Recipe& recipe) {
   json["program"] = QV5123_VERSION;
   // What a chip says may be any bytes.
   return json.dump(-1, ' ', false, RecordJson::error_handler_t::replace);
-}
-
-std::string utc_time() {
-  const std::time_t now = std::time(nullptr);
-  char text[32];
-  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", std::gmtime(&now));
-  return text;
 }
 
 }  // namespace qv5123

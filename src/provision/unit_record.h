@@ -25,7 +25,7 @@ struct UnitRecord {
   std::string unit;  ///< told apart from every other unit by it
   std::string serial;
   std::string port;
-  std::string started;  ///< "2024-05-17T12:34:56Z"
+  std::string started;  ///< "2024-05-17T12:34:56.789Z"
   std::chrono::milliseconds time{0};
   std::string verdict;  ///< "pass", "fail", or "stopped" by the operator
   std::string why;      ///< empty for "pass"
@@ -39,8 +39,5 @@ struct UnitRecord {
 
 /// The record as one line of JSON, without its line end.
 std::string record_line(const UnitRecord& record, const Recipe& recipe);
-
-/// "2024-05-17T12:34:56Z".
-std::string utc_time();
 
 }  // namespace qv5123

@@ -16,7 +16,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// The rest of what the chip says of an image.
+/// Until the chip has said what it has to say of an image that has arrived.
 constexpr milliseconds kImagePatience{3000};
 /// After that a chip has given up an image that stopped coming.
 constexpr milliseconds kTransferGivenUp{2500};
@@ -102,8 +102,8 @@ Task<> Unit::do_step(const ImageStep& step) {
 }
 
 Task<> Unit::put_serial(const SerialSource& source) {
-  std::function<TakenSerial()> take = [source, dry = around_.dry] {
-    return dry ? next_serial(source) : take_serial(source);
+  std::function<TakenSerial()> take = [source, ahead = around_.rehearsed] {
+    return ahead ? next_serial(source, *ahead) : take_serial(source);
   };
   const TakenSerial taken = co_await around_.background.run<TakenSerial>(std::move(take));
   if (!taken.problem.empty()) throw StepFailed{taken.problem};
@@ -150,7 +150,10 @@ Task<bool> Unit::transfer_once(TransferKind kind, const RecipeFile* file, const 
   if (end == TransferEnd::not_sent) throw StepFailed{prompts.last_message()};
   if (end != TransferEnd::sent) throw StepFailed{words_of(last_words)};
   said_.erase(0, before);
-  co_return says.empty() || co_await hear(says, kImagePatience);
+  if (says.empty()) co_return true;
+  // What the system has taken may be on its way for as long as all of it takes on the line.
+  const std::size_t bytes = file ? file->bytes.size() : UserDataImage::kSize;
+  co_return co_await hear(says, kImagePatience + line_time(bytes));
 }
 
 Task<> Unit::write_register(const ExpectedRegister& reg) {
@@ -219,6 +222,7 @@ Task<> Unit::do_step(const ReportStep& step) {
   RecordJson report = RecordJson::parse(record_line(record_, around_.recipe));
   report.erase("verdict");
   report["chip"] = co_await reported_pages();
+  if (around_.rehearsed) co_return;
   std::string name = filled(step.file, "{serial}", record_.serial);
   name = filled(filled(std::move(name), "{port}", record_.port), "{unit}", record_.unit);
   const std::filesystem::path path = step.folder / std::u8string(name.begin(), name.end());
