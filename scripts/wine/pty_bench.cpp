@@ -22,10 +22,34 @@ namespace {
 
 using qv5123::PtyLine;
 
-std::string obey(const std::string& folder, std::unique_ptr<PtyLine>& line, std::istream& command) {
-  std::string verb, argument;
-  command >> verb >> argument;
-  if (verb == "line") line = std::make_unique<PtyLine>(folder + "/" + argument);
+/// What a connection has: a line whose far end is in the test's hands, or two for the programs at both ends.
+struct Lines {
+  std::unique_ptr<PtyLine> line;
+  std::unique_ptr<PtyLine> other;
+
+  ~Lines() { end(); }
+  /// Neither reads on while the other goes.
+  void end() {
+    for (const auto& one : {line.get(), other.get()})
+      if (one) one->stall();
+    line.reset();
+    other.reset();
+  }
+};
+
+std::string obey(const std::string& folder, Lines& lines, std::istream& command) {
+  std::string verb, argument, second;
+  command >> verb >> argument >> second;
+  std::unique_ptr<PtyLine>& line = lines.line;
+  if (verb == "line" || verb == "cross") {
+    lines.end();
+    line = std::make_unique<PtyLine>(folder + "/" + argument);
+  }
+  if (verb == "cross") {
+    lines.other = std::make_unique<PtyLine>(folder + "/" + second);
+    line->pass_on_to(*lines.other);
+    lines.other->pass_on_to(*line);
+  }
   if (!line) return "no line";
   if (verb == "received") return qv5123::to_hex(line->received(std::stoul(argument)));
   if (verb == "baud_rate") return std::to_string(line->baud_rate());
@@ -38,7 +62,7 @@ std::string obey(const std::string& folder, std::unique_ptr<PtyLine>& line, std:
 
 /// One connection is one line, which goes with it.
 void serve(const std::string& folder, int connection) {
-  std::unique_ptr<PtyLine> line;
+  Lines lines;
   std::string text;
   for (char byte = 0; read(connection, &byte, 1) == 1;) {
     if (byte != '\n') {
@@ -48,7 +72,7 @@ void serve(const std::string& folder, int connection) {
     std::string answer;
     try {
       std::istringstream command(text);
-      answer = obey(folder, line, command);
+      answer = obey(folder, lines, command);
     } catch (const std::exception& error) {
       answer = std::string("failed: ") + error.what();
     }

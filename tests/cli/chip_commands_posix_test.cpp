@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <map>
+#include <sstream>
 #include <thread>
 
 #include "cli/ctl_test.h"
@@ -18,38 +18,6 @@ using test::CtlTest;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
-
-TEST_F(CtlTest, RegistersOfEveryKind) {
-  plug_in();
-  EXPECT_EQ(on_board({"reg", "write", "0xF922", "0x5A", "2339", "7"}).code, 0);
-  EXPECT_EQ(on_board({"reg", "read", "0xF922", "0x923"}).out, "0xF922 = 0x5A\n0xF923 = 0x07\n");
-  EXPECT_EQ(on_board({"reg", "read", "--wide", "0xF922", "--json"}).json()[0]["value"], 23047);
-  EXPECT_EQ(on_board({"reg", "write", "--sensor", "0x3012", "0x1234"}).code, 0);
-  EXPECT_EQ(on_board({"reg", "read", "--sensor", "0x3012"}).out, "0x3012 = 0x1234\n");
-  EXPECT_EQ(on_board({"reg", "dump", "0xF922", "0xF923"}).out, "\n0xF922 = 0x5A\n0xF923 = 0x07\n");
-  EXPECT_EQ(on_board({"send", "0x92", "9", "0x92", "0x22", "0x93", "0x11"}).code, 0);
-  EXPECT_EQ(on_board({"reg", "read", "0xF922"}).out, "0xF922 = 0x11\n");
-}
-
-TEST_F(CtlTest, OfAnIspAddressTwelveBitsAreSent) {
-  for (const auto& [command, frames] : std::map<std::vector<std::string>, std::string>{
-           {{"reg", "read", "--wide", "0xF922"}, "|@9709*@9722*|"},
-           {{"reg", "write", "--wide", "0xF922", "0x5A07"}, "|@9509*@9522*@965a*@9607*|"},
-           {{"reg", "dump", "0xF922", "0xF923"}, "|@9b09*@9b22*@9b09*@9b23*|"},
-           {{"reg", "write", "--sensor", "0xF922", "1"}, "|@98f9*@9822*@9900*@9901*|"}}) {
-    std::vector<std::string> words = command;
-    words.insert(words.end(), {"--simulate", "--trace", "trace.txt"});
-    EXPECT_EQ(ctl(words).code, 0);
-    EXPECT_THAT(folder.read("trace.txt"), HasSubstr(frames));
-  }
-}
-
-TEST_F(CtlTest, ASlowChipsValuesStayWithTheirRegisters) {
-  plug_in({"--latency", "300"});
-  EXPECT_EQ(on_board({"reg", "write", "0x801", "1", "0x802", "2", "0x803", "3"}).code, 0);
-  EXPECT_EQ(on_board({"reg", "read", "0x801", "0x802", "0x803"}).out,
-            "0xF801 = 0x01\n0xF802 = 0x02\n0xF803 = 0x03\n");
-}
 
 TEST_F(CtlTest, ADumpOfAChipThatChatsEndsAfterTheTimeout) {
   const int chip = ::posix_openpt(O_RDWR | O_NOCTTY);
@@ -77,113 +45,6 @@ TEST_F(CtlTest, ReadsAreDrivenByTheReply) {
   EXPECT_LT(taken / kCount, std::chrono::milliseconds(105));
 }
 
-TEST_F(CtlTest, RegisterFiles) {
-  copy_resource("regu.xml");
-  EXPECT_EQ(ctl({"reg", "list", "--find", "gain_max_h"}).out,
-            "Auto exposure  0xFA0A  GAIN_MAX_H  [7:0] HIGH\n");
-  std::string odd = folder.read("regu.xml");
-  odd[odd.find(std::string("G\0A\0I\0N\0_\0M\0A\0X\0_\0H", 19))] = '\x9B';
-  folder.write("odd.xml", odd);
-  EXPECT_THAT(ctl({"--json", "reg", "list", "--description", "odd.xml", "--find", "ain_max_h"}).out,
-              HasSubstr("\"\\u009bAIN_MAX_H\""));
-
-  std::string cut_off = folder.read("regu.xml");
-  cut_off.replace(cut_off.find(std::string("w\0r\0i\0t\0e\0", 10)), 2, std::string("v\0", 2));
-  folder.write("cut.xml", cut_off);
-  EXPECT_THAT(ctl({"reg", "list", "--description", "cut.xml"}).err,
-              MatchesRegex("qv5123ctl: cut.xml, line [0-9]+: register without \"write\"\n"));
-
-  plug_in();
-  EXPECT_EQ(on_board({"reg", "save", "regs.txt", "--category", "Auto exposure"}).code, 0);
-  EXPECT_THAT(folder.read("regs.txt"), HasSubstr("\r\n0xFA0A="));
-
-  folder.write("two.txt", "0xFA0A=0x77 //GAIN_MAX_H\r\n0xF123=0x01 //UNKNOWN\r\n");
-  EXPECT_EQ(on_board({"reg", "load", "two.txt"}).code, 0);
-  EXPECT_EQ(on_board({"reg", "read", "0xFA0A", "0xF123"}).out, "0xFA0A = 0x77\n0xF123 = 0x01\n");
-
-  folder.write("bad.txt", "0xFA0A=0x77 //GAIN_MAX_H\r\nnonsense\r\n");
-  EXPECT_EQ(on_board({"reg", "load", "bad.txt"}).err,
-            "qv5123ctl: bad.txt, line 2: not of the form \"0xF800=0x1A //NAME\"\n");
-}
-
-TEST_F(CtlTest, ButtonsOfTheForm) {
-  plug_in();
-  using Words = std::vector<std::string>;
-  for (const auto& [command, frame] : std::map<Words, std::string>{{{"osd", "set"}, "@0104*"},
-                                                                   {{"osd", "pattern", "1"}, "@c901*"},
-                                                                   {{"copy-to-factory", "--yes"}, "@bf00*"},
-                                                                   {{"factory-reset", "--yes"}, "@93cc*"}}) {
-    EXPECT_EQ(on_board(command).code, 0);
-    EXPECT_THAT(board->expect(frame), testing::EndsWith(frame));
-  }
-  EXPECT_THAT(on_board({"info", "ae"}).out, StartsWith("AE\n task: running\n"));
-}
-
-TEST_F(CtlTest, PagesShowSaveAndDiff) {
-  copy_resource("sample.dat");
-  plug_in();
-  EXPECT_EQ(ctl({"settings", "set", "sample.dat", "lsc.parameter1.g=1111", "awb.a_slope=-300"}).code, 0);
-  EXPECT_EQ(on_board({"page", "save", "lsc", "--from", "sample.dat", "--verify"}).err,
-            "lsc: saving, 10 flushes\nlsc: 6 values read back agree\n");
-  const auto equal = on_board({"page", "diff", "lsc", "sample.dat"});
-  EXPECT_EQ(equal.code, 0);
-  EXPECT_EQ(equal.out, "");
-  EXPECT_EQ(equal.err, "lsc: equal, 6 values compared\n");
-  EXPECT_THAT(on_board({"page", "show", "lsc"}).out, HasSubstr("\nlsc.parameter1.g = 1111\n"));
-
-  EXPECT_EQ(on_board({"page", "save", "awb", "--from", "sample.dat"}).code, 0);
-  EXPECT_EQ(on_board({"send", "0x0D", "0", "0x0D", "100"}).code, 0);
-  const auto changed = on_board({"page", "diff", "awb", "sample.dat"});
-  EXPECT_EQ(changed.out, "awb.a_slope: chip 100, file -300\n");
-  EXPECT_EQ(changed.code, 1);
-
-  const auto all = on_board({"page", "diff", "all", "sample.dat", "--json"});
-  EXPECT_EQ(all.json()["pages"].size(), 6U);
-  EXPECT_THAT(all.err,
-              HasSubstr("front: not compared, since the chip or the file does not tell: front.delay, "));
-  EXPECT_THAT(on_board({"page", "show", "all"}).out,
-              testing::AllOf(StartsWith("front."), HasSubstr("\nmatrix."), HasSubstr("\nlsc.")));
-}
-
-TEST_F(CtlTest, TheChipsSettingsBecomeAFile) {
-  copy_resource("sample.dat");
-  plug_in({});
-  EXPECT_EQ(on_board({"send", "0x0D", "0", "0x0D", "100"}).code, 0);
-  EXPECT_EQ(on_board({"settings", "read", "-o", "chip.dat", "--base", "sample.dat"}).code, 0);
-  EXPECT_EQ(ctl({"settings", "show", "chip.dat", "awb.a_slope"}).out, "awb.a_slope = 100\n");
-  EXPECT_EQ(on_board({"page", "diff", "all", "chip.dat"}).code, 0);
-  EXPECT_EQ(on_board({"settings", "read", "-o", "lsc.dat", "--pages", "lsc"}).code, 0);
-  EXPECT_EQ(ctl({"settings", "show", "lsc.dat", "awb.a_slope"}).out, "awb.a_slope = 0\n");
-  EXPECT_EQ(on_board({"settings", "read", "-o", "x.dat", "--pages", "lcs"}).code, 2);
-}
-
-TEST_F(CtlTest, RegistersByNameAndTheirChecks) {
-  copy_resource("regu.xml");
-  plug_in({});
-  EXPECT_EQ(on_board({"reg", "write", "0xFA0A", "0x5A"}).code, 0);
-  EXPECT_EQ(on_board({"reg", "read", "gain_max_h", "GAIN_MAX_H.HIGH", "0xA0A"}).out,
-            "gain_max_h = 0x5A\nGAIN_MAX_H.HIGH = 0x5A\n0xFA0A = 0x5A\n");
-  EXPECT_EQ(on_board({"reg", "read", "GAIN_MIX"}).err,
-            "qv5123ctl: The description has no register \"GAIN_MIX\"\n");
-  folder.write("expected.txt", "0xFA0A=0x5A //GAIN_MAX_H\r\n\n# bits\nGAIN_MAX_H & 0xF0 = 0x50\n");
-  EXPECT_EQ(on_board({"reg", "check", "expected.txt"}).err, "2 registers equal\n");
-  folder.write("wrong.txt", "GAIN_MAX_H&0x0F=0x0B\n");
-  const auto wrong = on_board({"reg", "check", "wrong.txt"});
-  EXPECT_EQ(wrong.out, "GAIN_MAX_H: chip 0x0A, expected 0x0B, mask 0x0F\n");
-  EXPECT_EQ(wrong.code, 1);
-  folder.write("bad.txt", "0xFA0A=0x5A\n0xFA0A&0x0F=0x5A\n");
-  EXPECT_EQ(on_board({"reg", "check", "bad.txt"}).err,
-            "qv5123ctl: bad.txt, line 2: \"0x5A\" is beyond its bits\n");
-}
-
-TEST_F(CtlTest, AfterTheMatrixSaveThePickerIsOff) {
-  copy_resource("sample.dat");
-  plug_in();
-  EXPECT_EQ(on_board({"page", "save", "matrix", "--from", "sample.dat"}).code, 0);
-  EXPECT_THAT(board->expect("@a101*"), testing::AllOf(HasSubstr("@fa00*\n@f900*\n@940a*\n@9429*\n"),
-                                                      HasSubstr("  ISP 0xFA20 <- 0x90\n")));
-}
-
 TEST_F(CtlTest, AnInterruptedSaveIsClosed) {
   copy_resource("sample.dat");
   plug_in();
@@ -194,22 +55,6 @@ TEST_F(CtlTest, AnInterruptedSaveIsClosed) {
               testing::EndsWith("qv5123ctl: Interrupted: the chip has only a part of the page\n"));
   EXPECT_EQ(save->end(), 1);
   EXPECT_THAT(board->expect("@f900*"), HasSubstr("\n@fa00*\n"));
-}
-
-TEST_F(CtlTest, Downloads) {
-  folder.write("fw.bin", std::string(1000, 'f'));
-  copy_resource("sample.dat");
-  plug_in({});
-  const auto firmware = on_board({"download", "fw", "fw.bin", "--expect", "checksum ok"});
-  EXPECT_EQ(firmware.code, 0) << firmware.err;
-  EXPECT_EQ(firmware.out, "");
-  EXPECT_THAT(firmware.err, HasSubstr("Firmware: 4 blocks received, checksum ok\n"));
-  EXPECT_THAT(firmware.err, testing::Not(HasSubstr("\r"))) << "progress is for terminals";
-  EXPECT_EQ(on_board({"download", "user", "sample.dat", "--quiet", "--expect", "ok"}).out, "");
-  const auto unexpected =
-      on_board({"download", "fw", "fw.bin", "--expect", "hooray", "--timeout", "300", "--quiet"});
-  EXPECT_EQ(unexpected.code, 1);
-  EXPECT_EQ(unexpected.err, "qv5123ctl: The chip did not say \"hooray\"\n");
 }
 
 TEST_F(CtlTest, ProgressIsShownOnATerminal) {
@@ -255,7 +100,9 @@ TEST_F(CtlTest, MonitorsTheConsoleBothWays) {
   EXPECT_THAT(log, HasSubstr(" > @9409*@9422*\n"));
   EXPECT_THAT(log, HasSubstr(" < QV5123 camera ISP"));
 
-  EXPECT_THAT(on_board({"monitor", "--for", "300", "--timestamps"}).out, HasSubstr(" < QV5123 camera ISP"));
+  EXPECT_THAT(on_board({"monitor", "--for", "300", "--timestamps", "--log", "log.txt"}).out,
+              HasSubstr(" < QV5123 camera ISP"));
+  EXPECT_TRUE(folder.read("log.txt").starts_with(log)) << "it goes on";
   std::istringstream lines(on_board({"monitor", "--for", "300", "--json"}).out);
   std::string line;
   while (std::getline(lines, line)) EXPECT_TRUE(nlohmann::json::parse(line).contains("time"));
@@ -278,15 +125,15 @@ TEST_F(CtlTest, AnUnpluggedBoardAndASilentOne) {
   EXPECT_EQ(silent.err, "qv5123ctl: 0xF922: the chip did not answer\n");
 }
 
-TEST_F(CtlTest, TracesEveryByteAndSimulatesByItself) {
-  EXPECT_EQ(ctl({"--simulate", "--trace", "trace.txt", "reg", "read", "0xF922"}).out, "0xF922 = 0x00\n");
-  const std::string trace = folder.read("trace.txt");
-  EXPECT_THAT(trace, HasSubstr(" > 40 39 34 30 39 2a 40 39 34 32 32 2a |@9409*@9422*|\n"));
-  EXPECT_THAT(trace, HasSubstr(" < 7e 30 30 5e |~00^|\n"));
-  EXPECT_EQ(ctl({"--simulate", "--trace", "trace.txt", "reg", "read", "0xF922"}).code, 0);
-  const std::string both = folder.read("trace.txt");
-  EXPECT_EQ(both.rfind(trace, 0), 0u) << "it goes on";
-  EXPECT_THAT(both.substr(trace.size()), testing::MatchesRegex("# 20[^Z]*Z\n.*~00.*"));
+TEST_F(CtlTest, AnInterruptedReplayClosesTheSave) {
+  plug_in();
+  folder.write("long.regs", "fa01\nwait 60000\n0100\n");
+  const auto replay = start({"replay", "long.regs", "--port", "board"});
+  board->expect("@fa01*");
+  replay->signal(SIGINT);
+  board->expect("@fa00*");
+  EXPECT_EQ(replay->errors(), "qv5123ctl: Interrupted before long.regs, line 3\n");
+  EXPECT_EQ(replay->end(), 1);
 }
 
 }  // namespace

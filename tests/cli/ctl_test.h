@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "support/board_cable.h"
 #include "support/program.h"
 #include "support/source_folder.h"
 #include "support/temporary_folder.h"
@@ -32,6 +33,7 @@ class CtlTest : public testing::Test {
   };
 
   TemporaryFolder folder;
+  std::unique_ptr<BoardCable> cable;
   std::unique_ptr<Program> board;
 
   std::unique_ptr<Program> start(std::vector<std::string> arguments) const {
@@ -44,14 +46,16 @@ class CtlTest : public testing::Test {
     return {program->end(), out, err};
   }
 
-  /// The board is at "board" in the folder; it prints every frame that it gets.
+  /// The board is at the cable's port, which is "board" where ports have such names; it prints every frame
+  /// that it gets.
   void plug_in(std::vector<std::string> options = {"--trace"}) {
-    options.insert(options.end(), {"--link", "board"});
+    if (!cable) cable = std::make_unique<BoardCable>();
+    for (const std::string& option : BoardCable::simulator_options()) options.push_back(option);
     board = std::make_unique<Program>("qv5123sim", options, folder.path());
     ASSERT_NE(board->line(), "");
   }
   Result on_board(std::vector<std::string> arguments) const {
-    arguments.insert(arguments.end(), {"--port", "board"});
+    arguments.insert(arguments.end(), {"--port", BoardCable::port()});
     return ctl(std::move(arguments));
   }
 

@@ -99,10 +99,24 @@ void PtyLine::read_far_end() {
       continue;
     }
     if (count <= 0) return;
-    const std::lock_guard lock(mutex_);
-    received_.append(buffer.data(), static_cast<std::size_t>(count));
-    arrived_.notify_all();
+    take({buffer.data(), static_cast<std::size_t>(count)});
   }
+}
+
+void PtyLine::take(std::string_view bytes) {
+  PtyLine* other = nullptr;
+  {
+    const std::lock_guard lock(mutex_);
+    other = other_;
+    if (!other) received_ += bytes;
+  }
+  if (other) return other->send(bytes);
+  arrived_.notify_all();
+}
+
+void PtyLine::pass_on_to(PtyLine& other) {
+  const std::lock_guard lock(mutex_);
+  other_ = &other;
 }
 
 std::string PtyLine::received(std::size_t count) {

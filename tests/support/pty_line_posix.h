@@ -18,6 +18,8 @@ class PtyLine {
 
   std::string received(std::size_t count);
   void send(std::string_view bytes);
+  /// From now on what arrives goes to the other line, which must outlive this one's reading.
+  void pass_on_to(PtyLine& other);
   /// Closes the test's own hand on the near end: a program that looks who has the port open would find it in
   /// use.
   void leave_to_others();
@@ -30,6 +32,7 @@ class PtyLine {
   void start_reading();
   void stop_reading();
   void read_far_end();
+  void take(std::string_view bytes);
 
   const std::string link_;
   int far_end_ = -1;
@@ -39,6 +42,7 @@ class PtyLine {
   std::mutex mutex_;
   std::condition_variable arrived_;
   std::string received_;
+  PtyLine* other_ = nullptr;
 };
 
 }  // namespace qv5123

@@ -1,7 +1,5 @@
 #include "cli/ctl_test.h"
 
-#include <csignal>
-
 namespace qv5123 {
 namespace {
 
@@ -97,14 +95,6 @@ TEST_F(CtlTest, ReplaySendsAScriptAsItStands) {
   EXPECT_EQ(on_board({"replay", "script.regs", "--json", "--trace", "trace"}).json()["writes"], 4);
   EXPECT_THAT(folder.read("trace"),
               testing::MatchesRegex("(.|\n)*\\|@9209\\*@9222\\*@93cc\\*\\|\n(.|\n)*\\|@0100\\*\\|\n(.|\n)*"));
-
-  folder.write("long.regs", "fa01\nwait 60000\n0100\n");
-  const auto replay = start({"replay", "long.regs", "--port", "board"});
-  board->expect("@fa01*");
-  replay->signal(SIGINT);
-  board->expect("@fa00*");
-  EXPECT_EQ(replay->errors(), "qv5123ctl: Interrupted before long.regs, line 3\n");
-  EXPECT_EQ(replay->end(), 1);
 }
 
 }  // namespace
