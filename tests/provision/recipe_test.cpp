@@ -66,6 +66,12 @@ TEST_F(RecipeTest, WhatIsWrongIsNamedWithLineAndKey) {
             "line 3, step 1, values, lsc.parameter1.g, most: 3 is below 9");
   EXPECT_EQ(problem("do = \"check\"\nregisters.\"0xF900&0x0F\" = 16"),
             "line 3, step 1, registers, 0xF900&0x0F: \"16\" is beyond its bits");
+  EXPECT_EQ(problem("do = \"matrix\"\ncorners = [[360, 180], [1560, 180], [1560, 900]]"),
+            "line 3, step 1, corners: is not four [x, y] within the picture");
+  EXPECT_EQ(problem("do = \"matrix\"\ncorners = [[360, 180], [1560, 900], [1560, 180], [360, 900]]"),
+            "line 3, step 1, corners: do not go round a chart");
+  EXPECT_EQ(problem("do = \"matrix\"\nfirst = [1500, 180]\nstep = 240"),
+            "line 4, step 1, step: the chart would go beyond the picture");
   EXPECT_EQ(problem("do = \"pages\"\npages = [\"all\"]"),
             "line 0, step: step 1 saves pages, and no settings stand before it");
 }
