@@ -7,20 +7,20 @@ _qv5123ctl() {
     --port)
       COMPREPLY=($(compgen -W "$("$1" ports 2>/dev/null | cut -d' ' -f1)" -- "$current"))
       return ;;
-    --base|--description|--font|--from|--fw|--log|--output|--to|--trace|--user|--with|-o)
+    --base|--description|--font|--from|--fw|--log|--metrics|--output|--records|--to|--trace|--user|--with|-o)
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return ;;
-    --baud|--category|--data-bits|--expect|--find|--flow|--for|--front-level|--gamma|--memory-weight|--noise-limit|--parity|--ratio|--repair|--stop-bits|--timeout|--width) return ;;
+    --baud|--category|--corners|--data-bits|--expect|--find|--first|--flow|--for|--front-level|--gamma|--memory-weight|--noise-limit|--pages|--parity|--ratio|--repair|--step|--stop-bits|--timeout|--width) return ;;
   esac
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case "${path:+$path }$word" in
-      "ports"|"reg"|"reg read"|"reg write"|"reg save"|"reg load"|"reg list"|"reg dump"|"send"|"osd"|"osd up"|"osd down"|"osd left"|"osd right"|"osd set"|"osd pattern"|"factory-reset"|"copy-to-factory"|"info"|"info ae"|"info awb"|"page"|"page show"|"page save"|"page diff"|"param"|"param list"|"param get"|"param set"|"param diff"|"settings"|"settings show"|"settings set"|"settings diff"|"settings check"|"download"|"download fw"|"download font"|"download user"|"script"|"replay"|"monitor"|"flash"|"flash make"|"flash inspect"|"font"|"font export"|"font import"|"font show"|"font diff"|"gamma"|"gamma compute"|"matrix"|"matrix fit"|"lsc"|"lsc fit")
+      "ports"|"reg"|"reg read"|"reg write"|"reg save"|"reg load"|"reg list"|"reg check"|"reg dump"|"send"|"osd"|"osd up"|"osd down"|"osd left"|"osd right"|"osd set"|"osd pattern"|"factory-reset"|"copy-to-factory"|"info"|"info ae"|"info awb"|"page"|"page show"|"page save"|"page diff"|"param"|"param list"|"param get"|"param set"|"param diff"|"settings"|"settings show"|"settings set"|"settings diff"|"settings check"|"settings read"|"download"|"download fw"|"download font"|"download user"|"script"|"replay"|"monitor"|"flash"|"flash make"|"flash inspect"|"font"|"font export"|"font import"|"font show"|"font diff"|"gamma"|"gamma compute"|"matrix"|"matrix fit"|"matrix measure"|"lsc"|"lsc fit"|"lsc measure"|"awb"|"awb measure"|"provision"|"records"|"records summary")
         path="${path:+$path }$word" ;;
     esac
   done
   case "$path" in
-    "") words="ports reg send osd factory-reset copy-to-factory info page param settings download script replay monitor flash font gamma matrix lsc" ;;
+    "") words="ports reg send osd factory-reset copy-to-factory info page param settings download script replay monitor flash font gamma matrix lsc awb provision records" ;;
     "ports") words="" ;;
     "reg") words="read write save load list check dump" ;;
     "reg read") words="--description --wide --sensor" ;;
@@ -44,15 +44,15 @@ _qv5123ctl() {
     "info ae") words="" ;;
     "info awb") words="" ;;
     "page") words="show save diff" ;;
-    "page show") words="front awb dynamic gamma matrix lsc" ;;
-    "page save") words="--from --verify --repair --lenient front awb dynamic gamma matrix lsc" ;;
-    "page diff") words="--lenient front awb dynamic gamma matrix lsc" files=yes ;;
+    "page show") words="front awb dynamic gamma matrix lsc all" ;;
+    "page save") words="--from --verify --repair --lenient front awb dynamic gamma matrix lsc all" ;;
+    "page diff") words="--lenient front awb dynamic gamma matrix lsc all" files=yes ;;
     "param") words="list get set diff" ;;
     "param list") words="" ;;
     "param get") words="--from" ;;
     "param set") words="--to --base --verify --lenient" ;;
     "param diff") words="--with --lenient" files=yes ;;
-    "settings") words="show set diff check" ;;
+    "settings") words="show set diff check read" ;;
     "settings show") words="" files=yes ;;
     "settings set") words="--lenient" files=yes ;;
     "settings diff") words="" files=yes ;;
@@ -75,11 +75,12 @@ _qv5123ctl() {
     "font diff") words="" files=yes ;;
     "gamma") words="compute" ;;
     "gamma compute") words="--gamma --itu709 --front-level" ;;
-    "matrix") words="fit" ;;
+    "matrix") words="fit measure" ;;
     "matrix fit") words="--ratio --color-difference --memory-weight --noise-limit" files=yes ;;
-    "lsc") words="fit" ;;
+    "matrix measure") words="--first --step --corners --ratio --fit --save --send-doubtful" ;;
+    "lsc") words="fit measure" ;;
     "lsc fit") words="--ratio --width" files=yes ;;
-    "lsc measure") words="--width --ratio --save" ;;
+    "lsc measure") words="--width --ratio --save --send-doubtful" ;;
     "awb") words="measure" ;;
     "awb measure") words="" ;;
     "provision") words="--records --metrics --watch --dry-run" files=yes ;;

@@ -34,10 +34,16 @@ Recipe recipe_of(const ProvisionOptions& options) {
   return std::move(read.recipe);
 }
 
-/// What the system opens under both names.
-bool is_same_port(const std::string& one, const std::string& other) {
+/// The file that a name leads to; empty where there is none, as for Windows' ports.
+std::filesystem::path file_of(const std::string& port) {
   std::error_code error;
-  return openable_name(one) == openable_name(other) || std::filesystem::equivalent(one, other, error);
+  return std::filesystem::canonical(port, error);
+}
+
+/// Whether the system opens the same under both names.
+bool is_same_port(const std::string& one, const std::string& other) {
+  const std::filesystem::path file = file_of(one);
+  return openable_name(one) == openable_name(other) || (!file.empty() && file == file_of(other));
 }
 
 void check_ports(const std::vector<std::string>& ports) {

@@ -77,11 +77,16 @@ Wanted wanted_address(const AccessOptions& options, const std::string& word) {
   return {"", {shown_address(options.access(), address)}};
 }
 
+/// What begins with a digit or a sign is meant as a number.
+bool may_be_name(const std::string& word) {
+  return word.find_first_of("0123456789+-") != 0;
+}
+
 std::vector<Wanted> wanted(Context& context, const AccessOptions& options) {
   std::vector<Wanted> all;
   std::optional<RegDescription> description;
   for (const std::string& word : options.names) {
-    if (parse_number(word)) {
+    if (!may_be_name(word)) {
       all.push_back(wanted_address(options, word));
       continue;
     }

@@ -41,7 +41,8 @@ class ProductionLineTest : public testing::Test, protected LineView {
     ASSERT_EQ(read.problem, "");
     recipe_ = std::move(read.recipe);
     records_.emplace(records_path_);
-    line_.emplace(scheduler_, background_, recipe_, *records_, *this, std::move(options));
+    line_.emplace(scheduler_, background_, recipe_, *records_, static_cast<LineView&>(*this),
+                  std::move(options));
   }
   SimulatedPort& add(const std::string& name, const LineOptions& options = line_with(milliseconds(0))) {
     auto port = std::make_unique<SimulatedPort>(scheduler_, name, options);
@@ -53,6 +54,11 @@ class ProductionLineTest : public testing::Test, protected LineView {
     line_->start();
     scheduler_.run_until([this] { return line_->over(); });
     ASSERT_TRUE(line_->over());
+  }
+  void time(milliseconds time) {
+    const milliseconds end = scheduler_.now() + time;
+    scheduler_.call_after(time, [] {});
+    scheduler_.run_until([&] { return scheduler_.now() >= end; });
   }
   /// The record of the port's last unit.
   RecordJson record_of(const std::string& port) const {
@@ -132,7 +138,7 @@ TEST_F(ProductionLineTest, AllStepsOnFourBoardsOfWhichOneIsPulledOutOneLiesAndOn
   add("good");
   SimulatedPort& pulled = add("pulled");
   SimulatedPort& lying = add("lying");
-  SimulatedPort& slow = add("slow", line_with(milliseconds(300)));
+  SimulatedPort& slow = add("slow", line_with(milliseconds(40)));
   lying.chip().set_reply(0x36, [](const ChipState&) { return std::string(40, '0'); });
   on_step_ = [&](const PlaceState& place) {
     if (place.port == "pulled" && place.step == "font") pulled.unplug();
@@ -145,7 +151,8 @@ TEST_F(ProductionLineTest, AllStepsOnFourBoardsOfWhichOneIsPulledOutOneLiesAndOn
   EXPECT_EQ(record_of("pulled")["failed_step"], "font");
   EXPECT_EQ(record_of("pulled")["why"], "pulled is gone");
   EXPECT_EQ(record_of("lying")["failed_step"], "pages");
-  EXPECT_THAT(record_of("lying")["why"].get<std::string>(), testing::MatchesRegex("awb: [0-9]+ of [0-9]+ values differ: .*chip 0.*"));
+  EXPECT_THAT(record_of("lying")["why"].get<std::string>(),
+              testing::MatchesRegex("awb: [0-9]+ of [0-9]+ values differ: .*chip 0.*"));
   EXPECT_EQ(record_of("lying")["retries"], 2) << "it was given two more chances";
   EXPECT_EQ(line_->passed(), 2);
   EXPECT_EQ(line_->failed(), 2);
@@ -188,11 +195,6 @@ TEST_F(ProductionLineTest, WatchesForOneBoardAfterTheOther) {
   port.unplug();
   line_->start();
   const auto boards = [this](std::size_t count) { return [this, count] { return over_.size() == count; }; };
-  const auto time = [this](milliseconds time) {
-    const milliseconds end = scheduler_.now() + time;
-    scheduler_.call_after(time, [] {});
-    scheduler_.run_until([&] { return scheduler_.now() >= end; });
-  };
   time(milliseconds(5000));
   EXPECT_TRUE(over_.empty());
   port.plug_in();
@@ -219,6 +221,7 @@ TEST_F(ProductionLineTest, TheSecondInterruptEndsAtTheNextBlock) {
   };
   run();
   EXPECT_EQ(record_of("board")["verdict"], "stopped");
+  time(milliseconds(1000));
   EXPECT_FALSE(port.chip().transfer_open()) << "the chip takes commands again";
 }
 

@@ -40,7 +40,7 @@ class RecipeTest : public testing::Test {
 };
 
 TEST_F(RecipeTest, WhatIsWrongIsNamedWithLineAndKey) {
-  EXPECT_EQ(read("").problem, path_text(folder_ / "lot.toml") + ", line 0, step: no [[step]] is there");
+  EXPECT_EQ(read("").problem, path_text(folder_ / "lot.toml") + ", line 1, step: no [[step]] is there");
   EXPECT_THAT(read("nmae = \"x\"\n[[step]]\ndo = \"lsc\"").problem,
               EndsWith("line 1, nmae: no such key is known here"));
   EXPECT_THAT(problem("do = "), HasSubstr("line 2: "));
@@ -73,7 +73,7 @@ TEST_F(RecipeTest, WhatIsWrongIsNamedWithLineAndKey) {
   EXPECT_EQ(problem("do = \"matrix\"\nfirst = [1500, 180]\nstep = 240"),
             "line 4, step 1, step: the chart would go beyond the picture");
   EXPECT_EQ(problem("do = \"pages\"\npages = [\"all\"]"),
-            "line 0, step: step 1 saves pages, and no settings stand before it");
+            "line 1, step: step 1 saves pages, and no settings stand before it");
 }
 
 TEST_F(RecipeTest, FilesAreReadAndSettingsChanged) {
