@@ -56,8 +56,8 @@ QScrollArea* scrolled(QWidget* page) {
 
 }  // namespace
 
-PageArea::PageArea(PageHost& host, PageFactories factories, QWidget* parent)
-    : QStackedWidget(parent), host_(host), factories_(std::move(factories)) {
+PageArea::PageArea(HostOfPage host_of, PageFactories factories, QWidget* parent)
+    : QStackedWidget(parent), host_of_(std::move(host_of)), factories_(std::move(factories)) {
   addWidget(new QWidget);  // the area before any page is chosen
   for (const PageEntry& entry : kPageEntries) {
     auto* action = new QAction(QString::fromLatin1(entry.menu_text), this);
@@ -128,7 +128,7 @@ void PageArea::update_actions(std::optional<PageId> chosen) {
 }
 
 void PageArea::create(PageId id) {
-  CreatedPage created = factories_[id](host_);
+  CreatedPage created = factories_[id](host_of_(entry_of(id)));
   if (created.desk) emit made(*created.desk);
   Slot& slot = slots_[id];
   slot.widget = created.widget.release();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QStackedWidget>
+#include <functional>
 #include <map>
 
 #include "app/ui/pages.h"
@@ -15,7 +16,9 @@ class PageArea final : public QStackedWidget {
   Q_OBJECT
 
  public:
-  PageArea(PageHost& host, PageFactories factories, QWidget* parent = nullptr);
+  /// What a page is made for; must outlive the pages.
+  using HostOfPage = std::function<PageHost&(const PageEntry&)>;
+  PageArea(HostOfPage host_of, PageFactories factories, QWidget* parent = nullptr);
 
   /// The nine menu items in their order.
   const QList<QAction*>& actions_in_order() const { return actions_; }
@@ -54,7 +57,7 @@ class PageArea final : public QStackedWidget {
   void create(PageId id);
   void show_slot(const Slot& slot);
 
-  PageHost& host_;
+  HostOfPage host_of_;
   PageFactories factories_;
   QList<QAction*> actions_;
   std::map<PageId, Slot> slots_;

@@ -39,7 +39,8 @@ CQV5123View::CQV5123View(CommandLink& link, Prompts& prompts, Background& backgr
       image_check_(*this, values_),
       files_(document, prompts, background, link.scheduler(), files_surroundings()),
       transfer_(link, document, prompts, background, transfer_view()) {
-  pages_ = new PageArea(*this, std::move(factories));
+  pages_ = new PageArea([this](const PageEntry& page) -> PageHost& { return host_of(page); },
+                        std::move(factories));
   column_ = new ControlColumn;
   typed_ = new TypedText(this);
   auto* row = new QHBoxLayout(this);
@@ -50,8 +51,7 @@ CQV5123View::CQV5123View(CommandLink& link, Prompts& prompts, Background& backgr
   row->addWidget(drawer_);
   connect(pages_, &PageArea::chosen, this, &CQV5123View::page_chosen);
   connect(pages_, &PageArea::room_changed, this, &CQV5123View::leave_room);
-  connect(pages_, &PageArea::says, this,
-          [this](const QString& text) { say(StatusRank::text, page_kind(), from_qt(text)); });
+  connect(pages_, &PageArea::says, this, &CQV5123View::tell_chosen);
   connect(pages_, &PageArea::made, this, [this](TuningDesk& desk) { desk.watch(values_); });
   connect_column();
   connect_downloads();
@@ -279,18 +279,21 @@ void CQV5123View::mark_read() {
   emit messages_read();
 }
 
-std::string CQV5123View::page_kind() const {
-  const std::optional<PageId> page = pages_->current();
-  return page ? kPageEntries[static_cast<std::size_t>(*page)].name : "";
+PageHost& CQV5123View::host_of(const PageEntry& page) {
+  return hosts_.try_emplace(page.id, *this, page.name).first->second;
 }
 
-void CQV5123View::send_and_tell(const std::string& what, Traffic traffic,
-                                std::shared_ptr<const WriteNote> note) {
+void CQV5123View::tell_chosen(const QString& text) {
+  const std::optional<PageId> page = pages_->current();
+  say(StatusRank::text, page ? kPageEntries[static_cast<std::size_t>(*page)].name : "", from_qt(text));
+}
+
+void CQV5123View::send_and_tell_of(const std::string& kind, const std::string& what, Traffic traffic,
+                                   std::shared_ptr<const WriteNote> note) {
   std::string text = sent_text(what, traffic);
   std::vector<Pending<JobResult>> sent;
   sent.push_back(link_.send(noted_job(std::move(traffic), std::move(note))));
-  // Another page may be shown by the time it has left.
-  flows_.spawn(tell_what_left(what, std::move(sent), std::move(text), page_kind()));
+  flows_.spawn(tell_what_left(what, std::move(sent), std::move(text), kind));
 }
 
 void CQV5123View::tell_sent(std::string what, Traffic traffic) {

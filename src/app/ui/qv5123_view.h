@@ -2,8 +2,10 @@
 
 #include <QWidget>
 #include <filesystem>
+#include <map>
 #include <optional>
 
+#include "app/ui/named_host.h"
 #include "app/ui/pages.h"
 #include "console/console_text.h"
 #include "console/image_transfer.h"
@@ -82,11 +84,16 @@ class CQV5123View final : public QWidget, public PageHost {
   CQV5123Doc& document() override { return document_; }
   Prompts& prompts() override { return prompts_; }
   Background& background() override { return background_; }
-  /// From a page: it is about the one that is shown.
-  void show_status(const std::string& text) override { say(StatusRank::outcome, page_kind(), text); }
-  void show_failure(const std::string& text) override { say(StatusRank::failure, page_kind(), text); }
+  /// What the form's own work has to say; a page speaks through its NamedHost.
+  void show_status(const std::string& text) override { say(StatusRank::outcome, kAboutForm, text); }
+  void show_failure(const std::string& text) override { say(StatusRank::failure, kAboutForm, text); }
   void send_and_tell(const std::string& what, Traffic traffic,
-                     std::shared_ptr<const WriteNote> note = {}) override;
+                     std::shared_ptr<const WriteNote> note = {}) override {
+    send_and_tell_of(kAboutForm, what, std::move(traffic), std::move(note));
+  }
+  /// The same for a page.
+  void send_and_tell_of(const std::string& kind, const std::string& what, Traffic traffic,
+                        std::shared_ptr<const WriteNote> note);
   /// Says something in the status bar. At most 256 characters are shown.
   void say(StatusRank rank, const std::string& kind, const std::string& text);
   const StatusBoard& board() const { return board_; }
@@ -182,7 +189,8 @@ class CQV5123View final : public QWidget, public PageHost {
   /// The dots of the menu's items, and the star of the setting file.
   void show_differences();
   void send_text(const QString& text);
-  std::string page_kind() const;
+  PageHost& host_of(const PageEntry& page);
+  void tell_chosen(const QString& text);
   /// Sends flush by flush, another command may come between two, and says what came of it.
   void tell_sent(std::string what, Traffic traffic);
   Task<> tell_what_left(std::string what, std::vector<Pending<JobResult>> sent, std::string sent_text,
@@ -202,6 +210,7 @@ class CQV5123View final : public QWidget, public PageHost {
   RecentFiles recent_files_;
   SettingFiles files_;
   ImageTransfer transfer_;
+  std::map<PageId, NamedHost> hosts_;  // of the pages that were made
   PageArea* pages_ = nullptr;
   ControlColumn* column_ = nullptr;
   ColumnDrawer* drawer_ = nullptr;

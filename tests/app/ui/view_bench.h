@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <map>
 #include <memory>
 
 #include "app/ui/console_view.h"
@@ -43,7 +44,8 @@ struct ViewBench {
   CQV5123Doc document;
   TemporaryFolder folder;
   std::vector<std::string> record;
-  Traffic last_words;  ///< of every page
+  Traffic last_words;                      ///< of every page
+  std::map<std::string, PageHost*> hosts;  ///< of the pages that were made
   CQV5123View* view = new CQV5123View(wire.link, user, work, document, factories());
   CMainFrame frame{view};
   PageDriver driver{frame};
@@ -60,7 +62,8 @@ struct ViewBench {
     PageFactories pages;
     for (const PageEntry& entry : kPageEntries) {
       if (entry.id == PageId::lsc) continue;
-      pages[entry.id] = [this, name = std::string(entry.name)](PageHost&) {
+      pages[entry.id] = [this, name = std::string(entry.name)](PageHost& host) {
+        hosts[name] = &host;
         auto page = std::make_unique<RecordingPage>(name, record, last_words);
         Page* side = page.get();
         return CreatedPage{std::move(page), side};
