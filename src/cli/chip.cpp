@@ -16,6 +16,9 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kLookEvery{10};
+/// How long what is told last may take to leave. Less than what the program's end may take.
+constexpr milliseconds kLeavePatience{1500};
+static_assert(kLeavePatience < Interrupts::kEndedWithin);
 /// Of other programs that had the port a moment ago, and this one's.
 constexpr int kMostGreetings = 8;
 
@@ -85,11 +88,27 @@ ExitCode Chip::run(Begin begin, const Work& work) {
   if (interrupted()) interrupts_.ending();
   const bool ended = !flow.running();
   flow.cancel();
+  if (interrupted()) leave();
   if (failure_) std::rethrow_exception(failure_);
   if (gone_ && !ended) throw Complaint{ExitCode::port_failed, session_->name() + " is gone"};
   if (stopped_) throw Complaint{ExitCode::negative, "Interrupted"};
   if (trace_ && !trace_->ok()) refuse("Cannot write " + path_text(context_.globals.trace));
   return result_;
+}
+
+/// What is being sent ends at its next flush, and the chip is not left with a bracket open. One more request
+/// ends that, too.
+void Chip::leave() {
+  const int interrupts = interrupts_seen_;
+  bool over = false;
+  const auto end = [this, &over]() -> Task<> {
+    co_await link().end_with({});
+    over = true;
+  };
+  const Flow leaving(end());
+  const Scheduler::TimerId timer = scheduler_.call_after(kLeavePatience, [&over] { over = true; });
+  scheduler_.run_until([&] { return over || interrupts_seen_ > interrupts; });
+  scheduler_.cancel(timer);
 }
 
 Task<> Chip::main(Begin begin, const Work& work) {

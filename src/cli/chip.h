@@ -35,7 +35,8 @@ class Chip {
   ~Chip();
 
   /// Opens the port, runs `work` to its end and returns what it says. A port that fails or goes away and a
-  /// request to end the program are Complaints.
+  /// request to end the program are Complaints. After such a request the brackets that are open on the chip
+  /// are closed.
   ExitCode run(Begin begin, const Work& work);
 
   Context& context() { return context_; }
@@ -64,6 +65,8 @@ class Chip {
     on_interrupt_ = std::move(callback);
     interrupts_taken_ = times;
   }
+  /// Ends the program as a request that nobody takes does: the work is dropped wherever it is.
+  void stop() { stopped_ = true; }
   /// Whether the command comes to its end by itself when the port goes.
   void notice_loss_itself(bool itself) { notices_loss_ = itself; }
   /// The command is there for what it prints alone, and ends when nobody reads that any more. Others go on: a
@@ -85,6 +88,7 @@ class Chip {
   PortSessionEvents session_events();
   void take_interrupt();
   Task<> main(Begin begin, const Work& work);
+  void leave();
   Task<std::string> behind_greeting(std::string reply, bool greeting, std::chrono::milliseconds took);
 
   Context& context_;

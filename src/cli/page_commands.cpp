@@ -149,20 +149,16 @@ Task<ExitCode> diff(Chip& chip, const PageOptions& options, const UserDataImage&
   co_return show_results(chip.out(), results);
 }
 
-/// Whatever had left of a save that was given up, the chip is not left in the middle of it.
-Task<> close_brackets(Chip& chip) {
-  Traffic closing;
-  append(closing, RegisterWrite{reg::kKeepBracket, 0});
-  append(closing, RegisterWrite{reg::kSaveBracket, 0});
-  co_await chip.send(std::move(closing));
-}
-
 Task<> send_save(Chip& chip, HeadlessHost& host, TuningDesk& desk, FullSave save) {
-  chip.on_interrupt([&chip] { chip.link().cancel_running_job(); });
+  // What follows the save on the chip is still done when the save is given up. While the chip stores there is
+  // nothing to give up.
+  chip.on_interrupt(
+      [&chip] { chip.link().jobs_waiting() > 0 ? chip.link().cancel_running_job() : chip.stop(); });
   const bool saved = co_await desk.send_save(std::move(save), std::string());
-  if (!saved && chip.interrupted()) {
-    co_await close_brackets(chip);
-    throw Complaint{ExitCode::negative, "Interrupted: the chip has only a part of the page"};
+  chip.on_interrupt({});
+  if (chip.interrupted()) {
+    throw Complaint{ExitCode::negative, saved ? "Interrupted: the page was saved"
+                                              : "Interrupted: the chip has only a part of the page"};
   }
   if (!saved) throw Complaint{ExitCode::port_failed, host.last_failure()};
   // What comes after the save has not ended well.

@@ -203,12 +203,12 @@ Json registers_of(const std::string& text) {
 }
 
 /// Listens until the chip has finished. One that goes on and on is given up after the timeout, counted anew
-/// while more registers come: a long dump takes its time.
-Task<> hear_out(Chip& chip, const std::string& text) {
+/// while more of the registers that were asked for come: a long dump takes its time.
+Task<> hear_out(Chip& chip, const std::string& text, std::size_t wanted) {
   std::size_t registers = 0;
   while (!co_await chip.wait_for_quiet(Chip::kQuiet, chip.timeout())) {
     const std::size_t now = registers_of(text).size();
-    if (now == registers) co_return;
+    if (now == registers || now >= wanted) co_return;
     registers = now;
   }
 }
@@ -223,7 +223,7 @@ Task<ExitCode> dump(Chip& chip, const DumpOptions& options) {
   Batch request = dump_request(options.start & 0xFFF, options.end & 0xFFF);
   const bool heard = co_await chip.send_and_hear(std::move(request));
   if (!heard) throw Complaint{ExitCode::negative, "The chip did not answer"};
-  co_await hear_out(chip, text);
+  co_await hear_out(chip, text, static_cast<std::size_t>(options.end - options.start) + 1);
   // Some chips answer in a block instead of in words.
   if (const auto block = chip.link().reply().take_block()) {
     const std::string lines = dump_text(options.start, options.end, *block);

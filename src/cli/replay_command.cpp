@@ -78,9 +78,7 @@ Task<> wait(Chip& chip, milliseconds time, const bool& ended) {
     co_await Delay(chip.link().scheduler(), std::min(kPacing, end - chip.link().scheduler().now()));
 }
 
-/// The chip is not left in the middle of a save.
-Task<> end_in_the_middle(Chip& chip, const ReplayOptions& options, const ReplayStep& next) {
-  co_await chip.link().end_with({});
+[[noreturn]] void end_in_the_middle(const ReplayOptions& options, const ReplayStep& next) {
   throw Complaint{ExitCode::negative,
                   "Interrupted before " + path_text(options.file) + ", line " + std::to_string(next.line)};
 }
@@ -91,7 +89,7 @@ Task<ExitCode> play(Chip& chip, const ReplayOptions& options, const ReplayScript
   std::size_t sent = 0;
   for (const ReplayStep& step : script.steps) {
     co_await wait(chip, step.wait, ended);
-    if (ended) co_await end_in_the_middle(chip, options, step);
+    if (ended) end_in_the_middle(options, step);
     if (step.flush.empty()) continue;
     Traffic flush;
     flush.push_back(step.flush);

@@ -10,6 +10,7 @@
 
 #include "cli/ctl_test.h"
 #include "support/program_posix.h"
+#include "support/pty_line_posix.h"
 
 namespace qv5123 {
 namespace {
@@ -24,13 +25,13 @@ TEST_F(CtlTest, ADumpOfAChipThatChatsEndsAfterTheTimeout) {
   ASSERT_TRUE(chip >= 0 && ::grantpt(chip) == 0 && ::unlockpt(chip) == 0);
   std::jthread chat([chip](const std::stop_token& end) {
     for (; !end.stop_requested(); std::this_thread::sleep_for(std::chrono::milliseconds(50)))
-      EXPECT_NE(::write(chip, "so\r\n", 4), 0);
+      EXPECT_NE(::write(chip, "0xF001 = 0x12\r\n", 15), 0);
   });
   const auto dump = ctl({"reg", "dump", "1", "2", "--timeout", "300", "--port", ::ptsname(chip)});
   chat = {};
   ::close(chip);
   EXPECT_EQ(dump.code, 0) << dump.err;
-  EXPECT_THAT(dump.out, StartsWith("so\n"));
+  EXPECT_THAT(dump.out, StartsWith("0xF001 = 0x12\n"));
 }
 
 TEST_F(CtlTest, ReadsAreDrivenByTheReply) {
@@ -55,6 +56,43 @@ TEST_F(CtlTest, AnInterruptedSaveIsClosed) {
               testing::EndsWith("qv5123ctl: Interrupted: the chip has only a part of the page\n"));
   EXPECT_EQ(save->end(), 1);
   EXPECT_THAT(board->expect("@f900*"), HasSubstr("\n@fa00*\n"));
+}
+
+TEST_F(CtlTest, AnInterruptAfterTheSaveIsNotSwallowed) {
+  copy_resource("sample.dat");
+  plug_in({"--trace", "--latency", "20000"});
+  const auto verify = start(
+      {"page", "save", "lsc", "--from", "sample.dat", "--verify", "--timeout", "60000", "--port", "board"});
+  board->expect("@6b00*");
+  verify->signal(SIGINT);
+  EXPECT_THAT(verify->errors(), testing::EndsWith("qv5123ctl: Interrupted\n"));
+  EXPECT_EQ(verify->end(), 1);
+}
+
+TEST_F(CtlTest, AnInterruptedRepairIsClosed) {
+  copy_resource("sample.dat");
+  PtyLine line(folder.path() / "chip");
+  line.leave_to_others();
+  const auto repair =
+      start({"page", "save", "lsc", "--from", "sample.dat", "--repair", "3", "--port", "chip"});
+  const auto expect = [&line](const std::string& wanted) {
+    std::string got = line.received(1);
+    while (got.find(wanted) == std::string::npos) {
+      const std::string more = line.received(1);
+      if (more.empty()) break;
+      got += more;
+    }
+    return got;
+  };
+  for (int answers = 0; answers < 2; ++answers) {
+    EXPECT_THAT(expect("@6b00*"), HasSubstr("@6b00*"));
+    line.send("~000000000000000000000000^");
+  }
+  expect("@fa01*");
+  repair->signal(SIGINT);
+  EXPECT_THAT(repair->errors(), testing::EndsWith("qv5123ctl: Interrupted\n"));
+  EXPECT_EQ(repair->end(), 1);
+  EXPECT_THAT(expect("@f900*"), HasSubstr("@fa00*@f900*"));
 }
 
 TEST_F(CtlTest, ProgressIsShownOnATerminal) {
