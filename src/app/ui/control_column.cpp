@@ -22,6 +22,7 @@
 
 #include "app/ui/console_view.h"
 #include "app/ui/page_keys.h"
+#include "base/ui/list_choice.h"
 #include "base/ui/number_edit.h"
 #include "base/ui/page_marks.h"
 #include "base/ui/qt_text.h"
@@ -48,20 +49,6 @@ class VersionEdit final : public NumberEdit {
     return QStringLiteral("%1").arg(value, 2, 10, QLatin1Char('0'));
   }
 };
-
-/// Calls `take` for what the user chooses in `list`, by whatever means: what assistive tools choose is a
-/// change alone, and the entry that was chosen before is none.
-void on_choice(QComboBox* list, std::function<void(int)> take) {
-  auto taken = std::make_shared<bool>(false);
-  QObject::connect(list, &QComboBox::currentIndexChanged, list, [list, taken, take](int index) {
-    *taken = true;
-    QTimer::singleShot(0, list, [taken] { *taken = false; });
-    take(index);
-  });
-  QObject::connect(list, &QComboBox::activated, list, [taken, take](int index) {
-    if (!std::exchange(*taken, false)) take(index);
-  });
-}
 
 }  // namespace
 

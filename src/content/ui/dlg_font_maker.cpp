@@ -14,6 +14,7 @@
 
 #include "base/atomic_file.h"
 #include "base/delay.h"
+#include "base/hex.h"
 #include "base/ui/qt_text.h"
 #include "content/font_text.h"
 #include "content/ui/fill_range_box.h"
@@ -50,7 +51,7 @@ std::filesystem::path export_path_here() {
 
 QString number_text(int glyph) {
   return QString("Glyph: 0x%1 / %2")
-      .arg(QString::number(glyph, 16).toUpper().rightJustified(3, '0'))
+      .arg(QString::fromStdString(upper_hex(static_cast<unsigned>(glyph), 3)))
       .arg(glyph);
 }
 
@@ -117,8 +118,9 @@ QBoxLayout* CDlgFontMaker::make_file_row() {
   for (int page = 0; page < FontLibrary::kPages; ++page) page_selector_->addItem(QString::number(page));
   page_selector_->setAccessibleName("FontPage");
   page_selector_->setToolTip("Page of 256 glyphs to show");
-  connect(page_selector_, &QComboBox::activated, this, [this](int page) {
-    // Chosen once more, it would put its first glyph in place of the drawing.
+  // Assistive tools choose without "activating".
+  connect(page_selector_, &QComboBox::currentIndexChanged, this, [this](int page) {
+    // Shown, or chosen once more, it would put its first glyph in place of the drawing.
     if (page == editor_.page()) return;
     tell_unset();
     editor_.choose_page(page);

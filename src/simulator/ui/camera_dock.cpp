@@ -8,6 +8,7 @@
 #include <array>
 #include <utility>
 
+#include "base/ui/list_choice.h"
 #include "simulator/simulated_chip.h"
 #include "simulator/ui/picture_view.h"
 
@@ -82,7 +83,6 @@ QComboBox* CameraDock::add_choice(QWidget* content, const char* name, const QStr
   list->setToolTip(tooltip);
   // A long name must not make the dock wide.
   list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-  connect(list, &QComboBox::activated, this, &CameraDock::aim);
   return list;
 }
 
@@ -91,6 +91,7 @@ void CameraDock::fill_choices() {
     scene_->addItem(scene_text(scene_named(name).value_or(Scene{})), QString(name));
   for (const int lamp : kLamps) lamp_->addItem(QString("Lamp of %1 K").arg(lamp), lamp);
   for (const char* name : kNoiseNames) noise_->addItem(QString("Noise %1").arg(name), QString(name));
+  for (QComboBox* list : {scene_, lamp_, noise_}) on_choice(list, [this](int) { aim(); });
 }
 
 const QImage& CameraDock::picture() const {

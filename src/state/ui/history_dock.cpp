@@ -12,6 +12,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QTableView>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -19,6 +20,7 @@
 #include <utility>
 
 #include "base/atomic_file.h"
+#include "base/ui/list_choice.h"
 #include "base/ui/qt_text.h"
 #include "state/ui/history_model.h"
 #include "state/way_back.h"
@@ -96,7 +98,7 @@ QWidget* HistoryDock::make_bar() {
   source_->setAccessibleName("Run");
   source_->setToolTip("Whose writes are shown: this run's, an earlier one's, or those of a file");
   fill_sources({});
-  connect(source_, &QComboBox::activated, this, &HistoryDock::choose_source);
+  on_choice(source_, [this](int index) { choose_source(index); });
   words_ = new QLineEdit(bar);
   words_->setPlaceholderText("Search");
   words_->setAccessibleName("Search");
@@ -184,6 +186,7 @@ Task<> HistoryDock::list_runs() {
 }
 
 void HistoryDock::fill_sources(const std::vector<WriteJournalFiles::Run>& runs) {
+  const QSignalBlocker quiet(source_);
   source_->clear();
   source_->addItem("This run");
   for (const WriteJournalFiles::Run& run : runs) source_->addItem(run_text(run), path_to_qt(run.file));
@@ -192,6 +195,7 @@ void HistoryDock::fill_sources(const std::vector<WriteJournalFiles::Run>& runs) 
 
 /// One that is not listed is put in.
 void HistoryDock::show_source(const QString& name, const QString& file) {
+  const QSignalBlocker quiet(source_);
   if (file.isEmpty()) return source_->setCurrentIndex(kOwnRun);
   if (source_->findData(file) < 0) source_->insertItem(kOwnRun + 1, name, file);
   source_->setCurrentIndex(source_->findData(file));
@@ -242,7 +246,7 @@ void HistoryDock::show_opened(fs::path file, OpenedJournal opened) {
 void HistoryDock::show_own() {
   model_->show_journal(history_.journal());
   opened_.reset();
-  source_->setCurrentIndex(kOwnRun);
+  show_source({}, {});
   table_->scrollToBottom();
 }
 

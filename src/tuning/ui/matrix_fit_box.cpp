@@ -77,7 +77,11 @@ QRadioButton* MatrixFitBox::make_fit(const QString& caption, const QString& tool
   auto* radio = named(new QRadioButton(caption), "Use " + caption, tooltip);
   // Neither may be the matrix in force: the codes can be typed.
   radio->setAutoExclusive(false);
-  connect(radio, &QRadioButton::clicked, this, [this, fit] { desk_.choose_fit(fit); });
+  // However it was flipped, it was used: assistive tools toggle without a click.
+  connect(radio, &QRadioButton::toggled, this, [this, fit] {
+    desk_.choose_fit(fit);
+    show_report();
+  });
   return radio;
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/chart_readings.h"
 #include "support/page_bench.h"
 
 namespace qv5123 {
@@ -79,6 +80,25 @@ TEST_F(MatrixPage, ShowsWhatIsCalculatedAndCleared) {
   EXPECT_EQ(codes(), std::vector<QString>(9));
   EXPECT_EQ(user_.number(patch(23, "B")), 0);
   EXPECT_EQ(swatches->summary(), "");
+}
+
+TEST_F(MatrixPage, AFitIsChosenByWhateverMeans) {
+  const MeasuredColours counts = test::chart_readings("chart");
+  for (std::size_t i = 0; i < kPatches; ++i)
+    for (std::size_t c = 0; c < 3; ++c)
+      user_.type(patch(i, std::array{"R", "G", "B"}[c]), static_cast<int>(counts[i][c]));
+  user_.click("Calculate");
+  const std::vector<QString> calculated = codes();
+  user_.click("Fit color difference");
+  fake_.advance(10);
+  user_.toggle("Use Color difference");
+  EXPECT_NE(codes(), calculated);
+  for (int times = 0; times < 2; ++times) {
+    user_.toggle("Use Calculate");
+    EXPECT_EQ(codes(), calculated);
+    EXPECT_TRUE(user_.checked("Use Calculate"));
+    EXPECT_FALSE(user_.checked("Use Color difference"));
+  }
 }
 
 TEST_F(MatrixPage, SetsRowsOfTheChosenLightAndMode) {
