@@ -2,6 +2,8 @@
 
 #include <QHBoxLayout>
 
+#include "link/indirect_access.h"
+#include "tuning/ui/field_edits.h"
 #include "tuning/ui/front_parts.h"
 #include "tuning/ui/page_parts.h"
 
@@ -22,13 +24,15 @@ BitEditorBox::BitEditorBox(BitEditor& editor) : QGroupBox("Isp Control (1Byte)")
 }
 
 QGridLayout* BitEditorBox::make_address() {
-  auto* address = make_hex_edit(HexForm::address, "Bit editor address", "000",
-                                "ISP address, 3 hex digits, registers 0x94, 0x92");
+  auto* address = make_hex_edit(
+      HexForm::address, "Bit editor address", "000",
+      "ISP address, 3 hex digits, " + registers_text({reg::kIspReadAddress, reg::kIspWriteAddress}));
   connect(address, &QLineEdit::textChanged, this,
           [this](const QString& text) { editor_.type_address(text.toStdString()); });
   auto* field = new QGridLayout;
   add_field(field, 0, "Addr(0xF,000) :", address);
-  field->addWidget(make_button("Get Info", {}, "Read the byte whose bits are shown, register 0x94",
+  field->addWidget(make_button("Get Info", {},
+                               "Read the byte whose bits are shown, " + register_text(reg::kIspReadAddress),
                                [this] { editor_.press_get_info(); }),
                    1, 1);
   return field;
@@ -47,7 +51,8 @@ void BitEditorBox::add_bit(QGridLayout* grid, int number) {
 /// flips one, it was used.
 QRadioButton* BitEditorBox::make_radio(int number, int value) {
   auto* radio = named(new QRadioButton, QString("Bit %1 = %2").arg(number).arg(value),
-                      QString(value ? "Set bit %1" : "Clear bit %1").arg(number) + ", registers 0x92, 0x93");
+                      QString(value ? "Set bit %1, " : "Clear bit %1, ").arg(number) +
+                          registers_text({reg::kIspWriteAddress, reg::kIspWriteData}));
   radio->setAutoExclusive(false);
   connect(radio, &QRadioButton::toggled, this, [this, number, value] { editor_.click(number, value == 1); });
   bits_[static_cast<std::size_t>(number)][static_cast<std::size_t>(value)] = radio;

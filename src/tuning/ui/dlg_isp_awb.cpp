@@ -82,11 +82,11 @@ QWidget* CDlgIspAwb::make_navigation_group() {
   grid->setContentsMargins(5, 5, 5, 6);
   grid->addWidget(make_write_button("UP", kAwbUp), 0, 1);
   grid->addWidget(make_write_button("LEFT", kAwbLeft), 1, 0);
-  QStringList registers;
-  for (const int address : kAwbColourRegisters) registers << "0xF" + QString::number(address, 16).toUpper();
+  std::vector<int> registers;
+  for (const int address : kAwbColourRegisters) registers.push_back(0xF000 | address);
   grid->addWidget(make_button("GET COLOR", {},
-                              "Measure the colour under the cursor for the selected patch, ISP registers " +
-                                  registers.join(", "),
+                              "Measure the colour under the cursor for the selected patch, ISP " +
+                                  registers_text(registers),
                               [this] { desk_.get_color(); }),
                   1, 1);
   grid->addWidget(make_write_button("RIGHT", kAwbRight), 1, 2);

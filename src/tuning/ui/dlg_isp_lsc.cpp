@@ -8,6 +8,17 @@
 #include <array>
 
 namespace qv5123 {
+namespace {
+
+QString flicker_text(int hertz, int mode) {
+  return QString("For lamps of %1 Hz, %2 = %3, or %4 when off")
+      .arg(hertz)
+      .arg(register_text(flicker_mode_write(mode).front().address))
+      .arg(mode)
+      .arg(kFlickerOff);
+}
+
+}  // namespace
 
 CDlgIspLSC::CDlgIspLSC(PageHost& host)
     : TuningDialog(host, desk_),
@@ -28,8 +39,8 @@ CDlgIspLSC::CDlgIspLSC(PageHost& host)
   right->addWidget(make_file_control(
       {[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
        [this] { desk_.start_save(this->host().prompts(), desk_.save(this->host())); },
-       "Reads the parameters, register 0x6B",
-       "Sends the parameters for the chip to keep, registers 0x64 and 0x65", make_unread_note()}));
+       "Reads the parameters, " + register_text(LensPage::kTexts.trigger),
+       "Sends the parameters for the chip to keep, " + parameter_registers(), make_unread_note()}));
   auto* page = new QHBoxLayout(this);
   page->setContentsMargins(6, 6, 6, 6);
   page->addLayout(left, 1);
@@ -38,12 +49,18 @@ CDlgIspLSC::CDlgIspLSC(PageHost& host)
   show_values();
 }
 
+QString CDlgIspLSC::parameter_registers() const {
+  const LensValues& values = desk_.values();
+  return registers_text({desk_.info(values.parameter1[0]).address, desk_.info(values.parameter2[0]).address});
+}
+
 PickerBox* CDlgIspLSC::make_picker() {
   auto* box = new PickerBox(
       desk_.picker(),
       {"CALIBRATION",
-       "Sweeps the cursor along a line, fits the parameters and sends them, registers 0x64 and 0x65",
-       [this] { desk_.start_calibration(host().prompts()); }});
+       "Sweeps the cursor along a line, fits the parameters and sends them, " + parameter_registers(),
+       [this] { desk_.start_calibration(host().prompts()); }},
+      {picker_register::kCorrection, picker_register::kDisplay, picker_register::kEnable});
   auto* size = make_combo({"1080P", "720P"}, "Screen Size", "Length of the line: 1920 or 1280 pixels",
                           [this](int index) { desk_.choose_screen(index); });
   box->add_setting("Screen Size:", size);
@@ -102,10 +119,8 @@ QWidget* CDlgIspLSC::make_ratio_row() {
 QWidget* CDlgIspLSC::make_flicker_group() {
   auto* group = new QGroupBox("Flickerless");
   auto* row = new QHBoxLayout(group);
-  ntsc_ = make_check("NTSC", {}, "For lamps of 60 Hz, register 0xBD = 2, or 0 when off",
-                     [this](bool) { desk_.click_ntsc(); });
-  pal_ = make_check("PAL", {}, "For lamps of 50 Hz, register 0xBD = 1, or 0 when off",
-                    [this](bool) { desk_.click_pal(); });
+  ntsc_ = make_check("NTSC", {}, flicker_text(60, kFlickerNtsc), [this](bool) { desk_.click_ntsc(); });
+  pal_ = make_check("PAL", {}, flicker_text(50, kFlickerPal), [this](bool) { desk_.click_pal(); });
   row->addWidget(ntsc_);
   row->addWidget(pal_);
   row->addStretch(1);

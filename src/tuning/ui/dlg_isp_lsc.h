@@ -25,6 +25,7 @@ class CDlgIspLSC : public TuningDialog, private LensDesk::View {
 
  private:
   PickerBox* make_picker();
+  QString parameter_registers() const;
   QWidget* make_parameter_group();
   void add_parameter_row(QGridLayout* grid, int row, const QString& caption, const PerColour& parameter,
                          LensControl control);

@@ -72,10 +72,13 @@ CDlgIspMatrix::CDlgIspMatrix(PageHost& host)
 }
 
 PickerBox* CDlgIspMatrix::make_picker() {
-  auto* box = new PickerBox(desk_.picker(), {"GET COLOR",
-                                             "Measures around the cursor for the chosen patch, "
-                                             "ISP registers 0xC3D, 0xC3E, 0xC3F",
-                                             [this] { desk_.get_color(); }});
+  namespace reg = picker_register;
+  auto* box = new PickerBox(desk_.picker(),
+                            {"GET COLOR",
+                             "Measures around the cursor for the chosen patch, ISP " +
+                                 registers_text({reg::kRed, reg::kGreen, reg::kBlue}),
+                             [this] { desk_.get_color(); }},
+                            {reg::kDisplay, reg::kEnable});
   patch_step_ = make_number(0, kPickerMaximumX, "Patch Step",
                             "0..2303 pixels from patch to patch: after GET "
                             "COLOR the cursor goes on to the next; 0 "

@@ -5,6 +5,8 @@
 
 #include <utility>
 
+#include "tuning/ui/field_edits.h"
+
 namespace qv5123 {
 namespace {
 
@@ -18,16 +20,21 @@ QStringList step_items() {
   return items;
 }
 
+QSpinBox* make_position(int maximum, const QString& name, int first_register) {
+  return make_number(
+      0, maximum, name,
+      QString("0..%1 pixels, ISP %2").arg(maximum).arg(registers_text({first_register, first_register + 1})));
+}
+
 }  // namespace
 
-PickerBox::PickerBox(PickerDesk& desk, Key key) : desk_(desk) {
-  switch_ =
-      make_check("Enable \nColor Picker", "Enable Color Picker",
-                 "Shows the cursor in the picture and stops AE and AWB meanwhile, ISP registers 0xA20 and "
-                 "0xA29, registers 0xA0 and 0xA1",
-                 [this](bool on) { desk_.click_switch(on); });
-  x_ = make_number(0, kPickerMaximumX, "X Pos", "0..2303 pixels, ISP registers 0xC38 and 0xC39");
-  y_ = make_number(0, kPickerMaximumY, "Y Pos", "0..1535 pixels, ISP registers 0xC3A and 0xC3B");
+PickerBox::PickerBox(PickerDesk& desk, Key key, const std::vector<int>& switched) : desk_(desk) {
+  switch_ = make_check("Enable \nColor Picker", "Enable Color Picker",
+                       "Shows the cursor in the picture and stops AE and AWB meanwhile, ISP " +
+                           registers_text(switched) + ", " + registers_text({reg::kAeTask, reg::kAwbTask}),
+                       [this](bool on) { desk_.click_switch(on); });
+  x_ = make_position(kPickerMaximumX, "X Pos", picker_register::kX);
+  y_ = make_position(kPickerMaximumY, "Y Pos", picker_register::kY);
   connect(x_, &QSpinBox::valueChanged, this, [this](int x) { desk_.type_x(x); });
   connect(y_, &QSpinBox::valueChanged, this, [this](int y) { desk_.type_y(y); });
   step_ = make_combo(step_items(), "Move Step", "1..128 pixels to a press of a key",
@@ -84,9 +91,10 @@ void PickerBox::make_keys(QGridLayout* grid, Key key) {
 }
 
 void PickerBox::add_arrow(QGridLayout* grid, int row, int column, const QString& caption, PickerMove move) {
-  const QString registers = moves_across(move) ? "0xC38 and 0xC39" : "0xC3A and 0xC3B";
-  auto* arrow = make_button(caption, {}, "Moves the cursor by the move step, ISP registers " + registers,
-                            [this, move] { desk_.move(move); });
+  const int first = moves_across(move) ? picker_register::kX : picker_register::kY;
+  auto* arrow =
+      make_button(caption, {}, "Moves the cursor by the move step, ISP " + registers_text({first, first + 1}),
+                  [this, move] { desk_.move(move); });
   arrow->setAutoRepeat(true);
   arrow->setAutoRepeatDelay(kRepeatDelay);
   arrow->setAutoRepeatInterval(kRepeatInterval);

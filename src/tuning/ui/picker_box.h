@@ -22,7 +22,8 @@ class PickerBox : public QWidget, public PickerDesk::View {
     QString tooltip;
     std::function<void()> pressed;
   };
-  PickerBox(PickerDesk& desk, Key key);
+  /// `switched` are the ISP registers that the switch writes beside AE and AWB.
+  PickerBox(PickerDesk& desk, Key key, const std::vector<int>& switched);
 
   /// Adds a setting of the page's own below the move step.
   void add_setting(const QString& caption, QWidget* setting);

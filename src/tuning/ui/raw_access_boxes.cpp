@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 
 #include "link/indirect_access.h"
+#include "tuning/ui/field_edits.h"
 #include "tuning/ui/front_parts.h"
 #include "tuning/ui/page_parts.h"
 
@@ -17,16 +18,22 @@ struct Group {
   const char* data;
   const char* write;
   const char* read;
-  const char* registers;
+  int write_address;  ///< the data goes to the next
+  int read_address;
+
+  QString registers() const {
+    return registers_text({write_address, write_address + 1}) + " to write, " + register_text(read_address) +
+           " to read";
+  }
 };
 /// By Access.
 constexpr std::array<Group, 3> kGroups{
     {{"ISP/TX Control (1Byte)", "1Byte", "Addr(0xF,000)", "Data(0x, 00)", "Write(1Byte)", "Read(1Byte)",
-      "registers 0x92, 0x93 to write, 0x94 to read"},
+      reg::kIspWriteAddress, reg::kIspReadAddress},
      {"ISP Control (2Byte)", "2Byte", "Addr(0xF,000)", "Data(0x,0000)", "Write(2Byte)", "Read(2Byte)",
-      "registers 0x95, 0x96 to write, 0x97 to read"},
+      reg::kIspWideWriteAddress, reg::kIspWideReadAddress},
      {"Sensor Register", "Sensor", "Addr(0x,0000)", "Data(0x,0000)", "Write", "Read",
-      "registers 0x98, 0x99 to write, 0x9A to read"}}};
+      reg::kSensorWriteAddress, reg::kSensorReadAddress}}};
 
 const Group& group_of(Access access) {
   return kGroups[static_cast<std::size_t>(access)];
@@ -66,9 +73,9 @@ void RawAccessBoxes::make_fields(Access access, QGridLayout* grid) {
   const HexForm address = address_form(access);
   const HexForm data = data_form(access);
   fields(access) = {make_hex_edit(address, name + " address", access == Access::sensor ? "0000" : "000",
-                                  QString("Address, ") + form_text(address) + group.registers),
+                                  QString("Address, ") + form_text(address) + group.registers()),
                     make_hex_edit(data, name + " data", access == Access::isp_byte ? "00" : "0000",
-                                  QString("Data, ") + form_text(data) + group.registers)};
+                                  QString("Data, ") + form_text(data) + group.registers())};
   grid->addWidget(label_for(fields(access).address, group.address), 0, 0);
   grid->addWidget(fields(access).address, 0, 1, 1, 2);
   grid->addWidget(label_for(fields(access).data, group.data), 1, 0);
@@ -89,10 +96,10 @@ QLayout* RawAccessBoxes::make_buttons(Access access) {
   const QString prefix = access == Access::sensor ? "Sensor " : "";
   auto* row = new QHBoxLayout;
   row->setSpacing(5);
-  row->addWidget(make_button(group.write, prefix + group.write, group.registers, [this, access] {
+  row->addWidget(make_button(group.write, prefix + group.write, group.registers(), [this, access] {
     desk_.write(access, utf8(fields(access).address), utf8(fields(access).data));
   }));
-  row->addWidget(make_button(group.read, prefix + group.read, group.registers,
+  row->addWidget(make_button(group.read, prefix + group.read, group.registers(),
                              [this, access] { desk_.read(access, utf8(fields(access).address)); }));
   return row;
 }

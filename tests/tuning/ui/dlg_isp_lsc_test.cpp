@@ -47,6 +47,9 @@ class LensPage : public test::PageBench<CDlgIspLSC> {
 
 TEST_F(LensPage, SwitchesThePickerAndMovesIt) {
   answer_reads();
+  EXPECT_EQ(user_.find<QWidget>("Enable Color Picker")->toolTip().toStdString(),
+            "Shows the cursor in the picture and stops AE and AWB meanwhile, ISP registers 0xA10, 0xA20, "
+            "0xA29, registers 0xA0, 0xA1");
   user_.click("Enable Color Picker");
   EXPECT_FALSE(enabled("LEFT")) << "not before the chip has followed";
   EXPECT_EQ(wire(3000),
