@@ -171,7 +171,7 @@ bool MatrixDesk::take_codes() {
       // What is no number stands there as a code, and is sent as that.
       if (std::isfinite(coefficient) && text == matrix_code_text(coefficient)) continue;
       if (text.empty()) {
-        host().show_status(std::string(kMatrixCodeNames[row][column]) + " is empty: nothing was sent.");
+        host().show_failure(std::string(kMatrixCodeNames[row][column]) + " is empty: nothing was sent.");
         return false;
       }
       if (code_refused(row, column)) {

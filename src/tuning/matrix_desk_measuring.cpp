@@ -69,7 +69,7 @@ void MatrixDesk::set_corner() {
   view().take_typed();
   const auto corner = corner_of(values_.patch);
   if (!corner)
-    return host().show_status(
+    return host().show_failure(
         "The corners are Dark skin, Bluish green, Black and White: choose one of them.");
   ChartCorners& corners = corners_[static_cast<std::size_t>(values_.mode)];
   corners[*corner] = clamped(values_.picker);
@@ -89,9 +89,9 @@ void MatrixDesk::measure_all() {
   }
   const auto places = patch_places(corners());
   if (!values_.picker_on || measuring_.running())
-    return host().show_status("Measure all 24: enable the color picker first, and wait for GET COLOR.");
+    return host().show_failure("Measure all 24: enable the color picker first, and wait for GET COLOR.");
   if (!places)
-    return host().show_status(
+    return host().show_failure(
         "Measure all 24: put the cursor on each corner patch and press Set corner there.");
   {
     const Changing change(*this, DeskChange::Kind::measured, "Measure all 24");

@@ -126,7 +126,7 @@ Task<> CDlgMakeEeprom::save_image(FlashBuild build) {
     else
       host_.show_failure("Flash image written: " + path_text(*path) + but);
   } else {
-    host_.show_status("No flash image was written");
+    host_.show_failure("No flash image was written");
     co_await host_.prompts().message(warning("Flash file generation error"));
   }
   co_await host_.prompts().message(information("Ok.. QV512x Flash data.bin"));
