@@ -5,6 +5,7 @@
 #include <exception>
 
 #include "base/atomic_file.h"
+#include "base/hex.h"
 #include "console/setting_file.h"
 
 namespace qv5123 {
@@ -20,10 +21,7 @@ std::uint32_t checksum(std::string_view text) {
 }
 
 std::string sum_line(std::string_view text) {
-  static constexpr char kDigits[] = "0123456789abcdef";
-  std::string line = "sum ";
-  for (int shift = 28; shift >= 0; shift -= 4) line += kDigits[checksum(text) >> shift & 0xF];
-  return line + '\n';
+  return "sum " + lower_hex(checksum(text), 8) + '\n';
 }
 
 /// Nothing where Windows finds it to be no UTF-8.

@@ -9,7 +9,6 @@
 namespace qv5123 {
 namespace {
 
-constexpr std::u16string_view kDigits = u"0123456789ABCDEF";
 constexpr int kLowestCode = 8;
 constexpr int kHighestCode = 120;
 constexpr std::size_t kRangeLength = 7;
@@ -19,7 +18,8 @@ bool is_hex_digit(int code) {
 }
 
 char16_t upper_digit(int code) {
-  return kDigits[static_cast<std::size_t>(hex_value(static_cast<char32_t>(code)))];
+  return static_cast<char16_t>(
+      upper_hex(static_cast<unsigned>(hex_value(static_cast<char32_t>(code))), 1)[0]);
 }
 
 // The decimal number a text starts with, at most three digits of it: no register has bits beyond that.
@@ -36,9 +36,8 @@ int leading_number(std::u16string_view text) {
 }  // namespace
 
 std::u16string hex_text(int number, int digits) {
-  std::u16string text = u"0x";
-  for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) text += kDigits[(number >> shift) & 0xF];
-  return text;
+  const std::string hex = upper_hex(static_cast<unsigned>(number), static_cast<std::size_t>(digits));
+  return u"0x" + std::u16string(hex.begin(), hex.end());
 }
 
 void HexEdit::set_text(std::u16string_view text) {
