@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "link/late_answers.h"
 #include "support/fake_page_host.h"
+#include "tuning/tuning_pages.h"
 
 namespace qv5123 {
 namespace {
@@ -19,6 +21,15 @@ Task<> load(PageHost& host, std::string& taken) {
     return true;
   };
   co_await load_from_chip(host, std::move(load));
+}
+
+TEST(LoadFromChip, TheLinkKnowsHowLongEachPagesReplyIs) {
+  for (const char* name : kTuningPages) {
+    const auto page = make_model(name);
+    const std::size_t digits = answer_digits({{page->texts().trigger, 0}}).value_or(2);
+    EXPECT_TRUE(page->take_reply(std::string(digits, '0'))) << name;
+    EXPECT_FALSE(page->take_reply(std::string(digits - 2, '0'))) << name;
+  }
 }
 
 TEST(LoadFromChip, TakesWholeRepliesOnly) {
