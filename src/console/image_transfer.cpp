@@ -17,6 +17,23 @@ constexpr std::chrono::milliseconds kBlockPatience{400};
 /// A device that is pulled out fails the write first, and is found gone a little later.
 constexpr std::chrono::milliseconds kLossNews{300};
 
+void name_chooser(TransferKind kind, FileChoice& choice) {
+  switch (kind) {
+    case TransferKind::firmware:
+      choice.title = "Choose the firmware to send";
+      choice.kind = "firmware";
+      return;
+    case TransferKind::font:
+      choice.title = "Choose the font to send";
+      choice.kind = "font";
+      return;
+    case TransferKind::user_data:
+      choice.title = "Choose the user data to send: Cancel sends the present image";
+      choice.kind = "dat";
+      return;
+  }
+}
+
 }  // namespace
 
 ImageTransfer::ImageTransfer(CommandLink& link, CQV5123Doc& document, Prompts& prompts,
@@ -157,6 +174,7 @@ Task<std::optional<BlockImage>> ImageTransfer::choose_image(TransferKind kind) {
   FileChoice choice;
   choice.filter = style_of(kind).filter;
   choice.default_extension = style_of(kind).extension;
+  name_chooser(kind, choice);
   std::optional<std::filesystem::path> path = co_await prompts_.choose_open(std::move(choice));
   if (kind == TransferKind::user_data) co_return co_await read_user_data(std::move(path));
   if (!path) co_return std::nullopt;

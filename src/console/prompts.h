@@ -49,6 +49,9 @@ struct FileChoice {
   std::string filter;
   std::string default_extension;  ///< without the point; added to a name typed without one
   std::string initial_name;       ///< may be empty
+  std::string title = {};         ///< what the file is for; empty for the system's own word
+  /// Choosers of the same kind begin in the folder that the last of them ended in. Empty: the current folder.
+  std::string kind = {};
 };
 
 /// The user, asked. Every call resumes when the user has answered; nothing blocks meanwhile. Texts are plain:

@@ -8,8 +8,8 @@
 namespace qv5123 {
 namespace {
 
-FileChoice setting_file_choice() {
-  return {kSettingFileFilter, kSettingFileExtension, {}};
+FileChoice setting_file_choice(const char* title) {
+  return {kSettingFileFilter, kSettingFileExtension, {}, title, kSettingFileExtension};
 }
 
 constexpr const char* kWritten = "Setting file written: ";
@@ -33,8 +33,8 @@ SettingFiles::SettingFiles(CQV5123Doc& document, Prompts& prompts, Background& b
       scheduler_(scheduler),
       surroundings_(std::move(surroundings)) {}
 
-Task<> SettingFiles::load() {
-  FileChoice choice = setting_file_choice();
+Task<> SettingFiles::load(const char* title) {
+  FileChoice choice = setting_file_choice(title);
   std::optional<std::filesystem::path> path = co_await prompts_.choose_open(std::move(choice));
   if (path) co_await load_from(std::move(*path));
 }
@@ -81,7 +81,7 @@ Task<> SettingFiles::save() {
   }
   const std::filesystem::path also = remembered ? document_.setting_file : std::filesystem::path();
   const bool also_written = !also.empty() && co_await write_to(also, *remembered);
-  FileChoice choice = setting_file_choice();
+  FileChoice choice = setting_file_choice("Save the settings of all pages");
   choice.initial_name = path_text(document_.setting_file.filename());
   std::optional<std::filesystem::path> path = co_await prompts_.choose_save(std::move(choice));
   if (!path) co_return tell_cancelled(also_written ? path_text(also) : "");
@@ -96,7 +96,7 @@ void SettingFiles::tell_cancelled(const std::string& written) {
 
 Task<bool> SettingFiles::write_user_data_file() {
   if (document_.setting_file.empty()) {
-    FileChoice choice = setting_file_choice();
+    FileChoice choice = setting_file_choice("Choose the setting file to write");
     std::optional<std::filesystem::path> path = co_await prompts_.choose_save(std::move(choice));
     if (!path) co_return false;
     document_.setting_file = std::move(*path);
@@ -190,7 +190,7 @@ Task<bool> SettingFiles::ask_before_overwriting(std::string oddity) {
 }
 
 Task<bool> SettingFiles::write_elsewhere(std::filesystem::path path, UserDataImage image) {
-  FileChoice choice = setting_file_choice();
+  FileChoice choice = setting_file_choice("Save the settings under another name");
   std::optional<std::filesystem::path> other = co_await prompts_.choose_save(std::move(choice));
   if (!other) co_return false;
   const bool written = co_await write_to(*other, image);

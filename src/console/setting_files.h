@@ -54,8 +54,8 @@ class SettingFiles {
   SettingFiles(CQV5123Doc& document, Prompts& prompts, Background& background, Scheduler& scheduler,
                Surroundings surroundings);
 
-  /// "Load File...", also offered at the start: asks for a file and loads it.
-  Task<> load();
+  /// "Load File...", also offered at the start: asks for a file and loads it. `title` is the chooser's.
+  Task<> load(const char* title = "Load a setting file");
   /// Reads `path`, remembers it unless it was refused, and lets the pages reload. A message names a file that
   /// cannot be read; the status bar and the console tell what is odd about one that is no whole setting file.
   Task<> load_from(std::filesystem::path path);

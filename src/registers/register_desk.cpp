@@ -12,8 +12,8 @@
 namespace qv5123 {
 namespace {
 
-FileChoice register_file_choice() {
-  return {"REG Files (*.txt)|*.txt|All Files (*.*)|*.*||", "txt", "*.txt"};
+FileChoice register_file_choice(const char* title) {
+  return {"REG Files (*.txt)|*.txt|All Files (*.*)|*.*||", "txt", "*.txt", title, "registers"};
 }
 
 std::string skipped_text(const std::filesystem::path& path, const RegisterFile& file) {
@@ -213,7 +213,7 @@ void RegisterDesk::save_file() {
 }
 
 Task<> RegisterDesk::save_file_flow() {
-  FileChoice choice = register_file_choice();
+  FileChoice choice = register_file_choice("Save the registers that were read");
   const auto path = co_await host_.prompts().choose_save(std::move(choice));
   if (!path) co_return;
   co_await offer_to_read_written();
@@ -254,7 +254,7 @@ void RegisterDesk::load_file() {
 }
 
 Task<> RegisterDesk::load_file_flow() {
-  FileChoice choice = register_file_choice();
+  FileChoice choice = register_file_choice("Choose the registers to write to the chip");
   const auto path = co_await host_.prompts().choose_open(std::move(choice));
   if (!path) co_return;
   const LoadedRegisterFile loaded = co_await load_register_file(host_.background(), *path);

@@ -50,7 +50,8 @@ void ScriptPlayer::press() {
 }
 
 Task<> ScriptPlayer::run() {
-  FileChoice choice{"Setting Files (*.txt)|*.txt|All Files (*.*)|*.*||", "txt", ""};
+  FileChoice choice{"Setting Files (*.txt)|*.txt|All Files (*.*)|*.*||", "txt", "",
+                    "Choose the registers to write to the chip", "registers"};
   const auto path = co_await host_.prompts().choose_open(std::move(choice));
   if (!path) co_return;
   const BusyScope busy(host_);

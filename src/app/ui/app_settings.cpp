@@ -15,6 +15,7 @@ constexpr const char* kWindowDocksKey = "Window/Docks";
 constexpr const char* kWindowPageKey = "Window/Page";
 constexpr const char* kWindowColumnKey = "Window/Column";
 constexpr const char* kWindowChoicesKey = "Window/Choices";
+constexpr const char* kWindowFoldersKey = "Window/Folders";
 
 QString recent_key(std::size_t position) {
   return QStringLiteral("RecentFiles/File%1").arg(position + 1);
@@ -77,6 +78,7 @@ WindowLook AppSettings::window_look() const {
   look.page = store_.value(kWindowPageKey).toString();
   look.column = store_.value(kWindowColumnKey, look.column).toInt();
   look.choices = store_.value(kWindowChoicesKey).toMap();
+  look.folders = store_.value(kWindowFoldersKey).toMap();
   return look;
 }
 
@@ -86,6 +88,7 @@ void AppSettings::store_window_look(const WindowLook& look) {
   store_.setValue(kWindowPageKey, look.page);
   store_.setValue(kWindowColumnKey, look.column);
   store_.setValue(kWindowChoicesKey, look.choices);
+  store_.setValue(kWindowFoldersKey, look.folders);
 }
 
 bool AppSettings::fourth_tdn_mode() const {

@@ -19,6 +19,7 @@ struct WindowLook {
   QString page;         ///< by its name; empty for none
   int column = -1;      ///< a ColumnShape; -1 where the user chose none
   QVariantMap choices;  ///< of the pages, by "page/accessible name"
+  QVariantMap folders;  ///< where choosers begin, by the kind of file
 };
 
 /// What the application remembers from run to run, in the system's store for it (the registry on Windows).

@@ -192,12 +192,30 @@ Task<bool> Program::store_port(PortSettings settings) {
   return store([settings = std::move(settings)](AppSettings& stored) { stored.store_port(settings); });
 }
 
+QVariantMap Program::chosen_folders() const {
+  QVariantMap folders;
+  if (const auto* dialogs = dynamic_cast<const QtPrompts*>(prompts_.get()))
+    for (const auto& [kind, folder] : dialogs->folders()) folders[to_qt(kind)] = folder;
+  return folders;
+}
+
+void Program::use_dialogs() {
+  auto* dialogs = dynamic_cast<QtPrompts*>(prompts_.get());
+  if (!dialogs) return;
+  dialogs->set_parent(frame_.get());
+  QtPrompts::Folders folders;
+  for (const auto& [kind, folder] : settings_.window_look().folders.asKeyValueRange())
+    folders[from_qt(kind)] = folder.toString();
+  dialogs->set_folders(std::move(folders));
+}
+
 Task<bool> Program::store_window_look() {
   std::function<bool()> work = [] { return true; };
   // Of a tour nobody arranged the window.
   if (memory_ && !options_.tour) {
-    work =
-        settings_.changing([look = memory_->look()](AppSettings& stored) { stored.store_window_look(look); });
+    WindowLook look = memory_->look();
+    look.folders = chosen_folders();
+    work = settings_.changing([look](AppSettings& stored) { stored.store_window_look(look); });
   }
   return files_.run<bool>(std::move(work));
 }
@@ -206,7 +224,7 @@ void Program::open_window(PortSettings port) {
   view_ = new CQV5123View(session_.link(), *prompts_, files_, document_, std::move(parts_.pages));
   view_->values().verify_saves(settings_.verify_saves());
   frame_ = std::make_unique<CMainFrame>(view_);
-  if (auto* dialogs = dynamic_cast<QtPrompts*>(prompts_.get())) dialogs->set_parent(frame_.get());
+  use_dialogs();
   PortInUse::Surroundings surroundings;
   surroundings.open = [this](std::string name, LineSettings line) {
     return session_.open(std::move(name), line);

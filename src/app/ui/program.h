@@ -73,6 +73,9 @@ class Program {
   Task<bool> store(std::function<void(AppSettings&)> change);
   Task<bool> store_port(PortSettings settings);
   Task<bool> store_window_look();
+  QVariantMap chosen_folders() const;
+  /// The dialogs stand over the window, and choosers begin where they ended in the run before.
+  void use_dialogs();
   void keep_journal();
   void keep_history();
   Task<> look_at_adapter();

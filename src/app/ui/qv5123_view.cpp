@@ -146,7 +146,12 @@ Task<> CQV5123View::begin_with_image(Startup startup) {
     const bool restored = co_await startup.restore();
     if (restored) co_return;
   }
-  if (startup.setting_file || startup.offer_setting_file) co_await load_file(std::move(startup.setting_file));
+  if (startup.setting_file) {
+    co_await load_file(std::move(startup.setting_file));
+  } else if (startup.offer_setting_file) {
+    co_await files_.load("Load a setting file: Cancel starts without one");
+    show_image();
+  }
 }
 
 JournalEntry CQV5123View::unsaved() const {

@@ -4,6 +4,7 @@
 #include <QChildEvent>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -156,8 +157,14 @@ Task<std::optional<std::filesystem::path>> QtPrompts::choose_save(FileChoice cho
   co_return co_await this->choose(std::move(choice), true);
 }
 
+QString QtPrompts::folder_of(const std::string& kind) const {
+  const auto folder = folders_.find(kind);
+  const bool there = folder != folders_.end() && QFileInfo(folder->second).isDir();
+  return there ? folder->second : QDir::currentPath();
+}
+
 Task<std::optional<std::filesystem::path>> QtPrompts::choose(FileChoice choice, bool save) {
-  auto* chooser = new QFileDialog(parent(), QString(), QDir::currentPath());
+  auto* chooser = new QFileDialog(parent(), to_qt(choice.title), folder_of(choice.kind));
   chooser->installEventFilter(new PlainMessages(chooser));
   OpenDialog dialog(chooser);
   chooser->setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
@@ -171,6 +178,7 @@ Task<std::optional<std::filesystem::path>> QtPrompts::choose(FileChoice choice, 
   if (result != QDialog::Accepted) co_return std::nullopt;
   const QStringList files = chooser->selectedFiles();
   if (files.isEmpty()) co_return std::nullopt;
+  if (!choice.kind.empty()) folders_[choice.kind] = QFileInfo(files.first()).absolutePath();
   co_return to_path(files.first());
 }
 

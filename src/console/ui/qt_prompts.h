@@ -3,6 +3,9 @@
 #include <QPointer>
 #include <QStringList>
 #include <QWidget>
+#include <map>
+#include <string>
+#include <utility>
 
 #include "console/prompts.h"
 
@@ -21,6 +24,11 @@ class QtPrompts final : public Prompts {
   /// The window over which the dialogs open; none before there is one.
   void set_parent(QWidget* parent) { parent_ = parent; }
 
+  /// The folders in which choosers begin, by the kind of file.
+  using Folders = std::map<std::string, QString>;
+  void set_folders(Folders folders) { folders_ = std::move(folders); }
+  const Folders& folders() const { return folders_; }
+
   Task<> message(Message message) override;
   Task<Answer> ask(Question question) override;
   Task<std::optional<std::filesystem::path>> choose_open(FileChoice choice) override;
@@ -28,9 +36,12 @@ class QtPrompts final : public Prompts {
 
  private:
   QWidget* parent() const;
+  /// Where a chooser of this kind begins.
+  QString folder_of(const std::string& kind) const;
   Task<std::optional<std::filesystem::path>> choose(FileChoice choice, bool save);
 
   QPointer<QWidget> parent_;
+  Folders folders_;
 };
 
 }  // namespace qv5123

@@ -40,8 +40,8 @@ struct ReadFont {
   std::string bytes;
 };
 
-FileChoice font_file_choice(const char* initial_name) {
-  return {"FONT Files (*.bin)|*.bin|All Files (*.*)|*.*||", "bin", initial_name};
+FileChoice font_file_choice(const char* title, const char* initial_name) {
+  return {"FONT Files (*.bin)|*.bin|All Files (*.*)|*.*||", "bin", initial_name, title, "font"};
 }
 
 std::filesystem::path export_path_here() {
@@ -315,7 +315,7 @@ void CDlgFontMaker::undo() {
 }
 
 Task<> CDlgFontMaker::open_font_file() {
-  const auto path = co_await host_.prompts().choose_open(font_file_choice("*.bin"));
+  const auto path = co_await host_.prompts().choose_open(font_file_choice("Open a font file", "*.bin"));
   if (!path) co_return;
   std::function<ReadFont()> work = [path = *path] {
     ReadFont font;
@@ -340,7 +340,8 @@ Task<> CDlgFontMaker::save_font_file() {
     if (!without) co_return;
   }
   begin_export(Export::always);
-  const auto path = co_await host_.prompts().choose_save(font_file_choice("fontT_16x24_.bin"));
+  const auto path =
+      co_await host_.prompts().choose_save(font_file_choice("Save the font", "fontT_16x24_.bin"));
   if (!path) co_return;
   std::vector<std::uint8_t> binary = editor_.library().to_binary();
   std::function<FileResult()> work = [path = *path, binary] {

@@ -15,8 +15,8 @@ namespace qv5123 {
 
 namespace {
 
-FileChoice binary_choice() {
-  return {"Binary File(*.bin)|*.bin", "bin", ".bin"};
+FileChoice binary_choice(const char* title, const char* kind) {
+  return {"Binary File(*.bin)|*.bin", "bin", ".bin", title, kind};
 }
 
 Message warning(std::string text) {
@@ -53,9 +53,12 @@ CDlgMakeEeprom::CDlgMakeEeprom(PageHost& host, QWidget* parent) : QWidget(parent
   auto* layout = new QVBoxLayout(this);
   auto* paths = new QGridLayout;
   layout->addLayout(paths);
-  firmware_ = add_path_row(paths, "fw file", binary_choice());
-  font_ = add_path_row(paths, "font file", binary_choice());
-  user_ = add_path_row(paths, "user file", {"DAT file(*.dat)|*.dat", "dat", ".dat"});
+  firmware_ =
+      add_path_row(paths, "fw file", binary_choice("Choose the firmware for the flash image", "firmware"));
+  font_ = add_path_row(paths, "font file", binary_choice("Choose the font for the flash image", "font"));
+  user_ = add_path_row(
+      paths, "user file",
+      {"DAT file(*.dat)|*.dat", "dat", ".dat", "Choose the user data for the flash image", "dat"});
 
   auto* make = new QPushButton("Make Serial Flash FILE");
   make->setAccessibleName(make->text());
@@ -111,7 +114,7 @@ Task<> CDlgMakeEeprom::make_image() {
 
 // "Ok.." follows whatever came of the output, a cancelled chooser included: the pairing is kept deliberately.
 Task<> CDlgMakeEeprom::save_image(FlashBuild build) {
-  FileChoice choice{"Binary(*.bin)|*.bin", "bin", ".bin"};
+  FileChoice choice{"Binary(*.bin)|*.bin", "bin", ".bin", "Save the flash image", "flash image"};
   const auto path = co_await host_.prompts().choose_save(std::move(choice));
   if (path) {
     std::function<FileResult()> work = [path = *path, image = std::move(build.image)] {

@@ -20,6 +20,8 @@
 namespace qv5123 {
 namespace {
 
+constexpr const char* kNoPortThere = " This computer has no serial port now.";
+
 void fill(QComboBox* list, std::span<const char* const> labels) {
   for (const char* label : labels) list->addItem(QString::fromLatin1(label));
 }
@@ -49,14 +51,15 @@ CSerialPortSetting::CSerialPortSetting(std::vector<PortInfo> ports, const PortSe
   add_line_lists(*form);
   add_flow_boxes(*form);
   add_send_delay(*form);
-  add_buttons(*form);
+  add_buttons(*form, !why_asked.empty() && simulated() >= 0);
   show_selection(selection_of(current.line));
   update_open_button();
 }
 
 void CSerialPortSetting::add_reason(QFormLayout& form, const std::string& why_asked) {
   if (why_asked.empty()) return;
-  auto* reason = new QLabel(to_qt(why_asked), this);
+  const bool none = std::ranges::none_of(ports_, [](const PortInfo& port) { return port.number >= 0; });
+  auto* reason = new QLabel(to_qt(why_asked + (none ? kNoPortThere : "")), this);
   reason->setObjectName("why-asked");
   reason->setTextFormat(Qt::PlainText);
   reason->setWordWrap(true);
@@ -155,7 +158,28 @@ void CSerialPortSetting::add_send_delay(QFormLayout& form) {
   form.addRow("Send Delay:", row);
 }
 
-void CSerialPortSetting::add_buttons(QFormLayout& form) {
+int CSerialPortSetting::simulated() const {
+  // What has a negative number is no port of this computer.
+  const auto found = std::ranges::find_if(ports_, [](const PortInfo& port) { return port.number < 0; });
+  return found == ports_.end() ? -1 : static_cast<int>(found - ports_.begin());
+}
+
+// For who has no board at hand yet, and does not know what to choose.
+void CSerialPortSetting::offer_simulated(QDialogButtonBox& box) {
+  auto* use = box.addButton("Use the simulated chip", QDialogButtonBox::ActionRole);
+  use->setAccessibleName(use->text());
+  use->setToolTip("Needs no board. \"Change COM Port...\" chooses a real port later.");
+  connect(use, &QPushButton::clicked, this, [this] {
+    port_->setCurrentIndex(simulated());
+    open();
+  });
+}
+
+void CSerialPortSetting::open() {
+  if (!opening_.running()) opening_.start(try_open());
+}
+
+void CSerialPortSetting::add_buttons(QFormLayout& form, bool offers_simulated) {
   auto* box = new QDialogButtonBox(this);
   open_ = box->addButton("Open", QDialogButtonBox::AcceptRole);
   open_->setDefault(true);
@@ -163,9 +187,8 @@ void CSerialPortSetting::add_buttons(QFormLayout& form) {
   open_->setAccessibleName("Open port");
   cancel->setAccessibleName("Cancel port setting");
   cancel->setToolTip("Change nothing");
-  connect(box, &QDialogButtonBox::accepted, this, [this] {
-    if (!opening_.running()) opening_.start(try_open());
-  });
+  if (offers_simulated) offer_simulated(*box);
+  connect(box, &QDialogButtonBox::accepted, this, &CSerialPortSetting::open);
   connect(box, &QDialogButtonBox::rejected, this, &QDialog::reject);
   form.addRow(box);
 }

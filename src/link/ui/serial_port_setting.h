@@ -11,6 +11,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QDialogButtonBox;
 class QFormLayout;
 class QPushButton;
 
@@ -37,13 +38,16 @@ class CSerialPortSetting final : public QDialog {
  private:
   QComboBox* list(const QString& name, const QString& tip);
   void add_reason(QFormLayout& form, const std::string& why_asked);
+  void offer_simulated(QDialogButtonBox& box);
+  int simulated() const;
+  void open();
   void add_port_list(QFormLayout& form);
   int first_shown() const;
   void update_open_button();
   void add_line_lists(QFormLayout& form);
   void add_flow_boxes(QFormLayout& form);
   void add_send_delay(QFormLayout& form);
-  void add_buttons(QFormLayout& form);
+  void add_buttons(QFormLayout& form, bool offers_simulated);
   void widen_drop_down();
   void show_selection(const PortSelection& selection);
   PortSelection selection() const;

@@ -62,6 +62,8 @@ FileChoice file_choice(const ExportFormat& format) {
   choice.filter = std::string(format.name) + " (" + pattern + ")|" + pattern + "|All Files (*.*)|*.*||";
   choice.default_extension = format.extension;
   choice.initial_name = std::string("history.") + format.extension;
+  choice.title = "Export the writes that are shown";
+  choice.kind = "history";
   return choice;
 }
 
@@ -220,6 +222,8 @@ void HistoryDock::open_file(fs::path file) {
 Task<> HistoryDock::choose_file() {
   FileChoice choice;
   choice.filter = "Journals (*.journal)|*.journal|All Files (*.*)|*.*||";
+  choice.title = "Open another run's journal of writes";
+  choice.kind = "journal";
   const auto file = co_await surroundings_.prompts.choose_open(std::move(choice));
   if (file) {
     co_await open(*file);

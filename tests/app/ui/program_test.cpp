@@ -120,7 +120,9 @@ TEST(ProgramStart, WithNothingStoredThePortDialogComesFirstAndItsChoiceIsStored)
   EXPECT_EQ(frame->windowTitle(), "QV512xC Adjustment Program  V 2.3_2");
   EXPECT_NE(bench.folder.read("settings.ini").find("PortNumber=5"), std::string::npos)
       << "on the disk by now";
-  wait_for<QFileDialog>()->reject();
+  auto* chooser = wait_for<QFileDialog>();
+  EXPECT_EQ(chooser->windowTitle(), "Load a setting file: Cancel starts without one");
+  chooser->reject();
   QCoreApplication::processEvents();
   frame->close();
   auto* question = wait_for<QMessageBox>();

@@ -7,6 +7,9 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "base/ui/qt_text.h"
+#include "support/temporary_folder.h"
+
 namespace qv5123 {
 namespace {
 
@@ -71,6 +74,34 @@ TEST(QtPrompts, ChoosersOfferTheFiltersAndANameThatIsNoPattern) {
     const Flow flow(save(prompts, {"Setting Files (*.dat)|*.dat||", "dat", initial}));
     EXPECT_EQ(open_dialog<QFileDialog>()->findChild<QLineEdit*>("fileNameEdit")->text(), shown);
   }
+}
+
+TEST(QtPrompts, ChoosersSayWhatForAndBeginWhereTheLastOfTheirKindEnded) {
+  const test::TemporaryFolder folder;
+  folder.write("a.bin", "1");
+  QtPrompts prompts;
+  const FileChoice font{"FONT Files (*.bin)|*.bin||", "bin", "", "Open a font file", "font"};
+  const auto open = [&prompts](FileChoice choice) {
+    return Flow([](Prompts& asked, FileChoice wanted) -> Task<> {
+      co_await asked.choose_open(std::move(wanted));
+    }(prompts, std::move(choice)));
+  };
+  {
+    const Flow flow = open(font);
+    auto* chooser = open_dialog<QFileDialog>();
+    EXPECT_EQ(chooser->windowTitle(), "Open a font file");
+    chooser->selectFile(path_to_qt(folder.path() / "a.bin"));
+    chooser->accept();
+    while (flow.running()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  }
+  {
+    const Flow again = open(font);
+    EXPECT_EQ(open_dialog<QFileDialog>()->directory(), QDir(path_to_qt(folder.path())));
+  }
+  const QtPrompts::Folders gone = {{"font", "/no/such/folder"}};
+  prompts.set_folders(gone);
+  const Flow other = open(font);
+  EXPECT_EQ(open_dialog<QFileDialog>()->directory(), QDir::current()) << "a folder that is gone";
 }
 
 }  // namespace

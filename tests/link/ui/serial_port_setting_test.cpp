@@ -4,6 +4,7 @@
 
 #include <QAbstractItemView>
 #include <QCheckBox>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -104,9 +105,28 @@ TEST(SerialPortSetting, ThePortInUseIsThereAndAnotherCanBeTyped) {
 
   PortDialog simulated({}, {{-1, "simulated chip", "Simulated chip"}});
   EXPECT_FALSE(simulated.control<QPushButton>("Open port")->isEnabled()) << "not by mistake";
+  EXPECT_EQ(test::find<QPushButton>(simulated.dialog, "Use the simulated chip"), nullptr);
   simulated.control<QComboBox>("Serial Port")->setCurrentIndex(0);
   simulated.open();
   EXPECT_EQ(simulated.dialog.settings().device, "simulated chip");
+}
+
+TEST(SerialPortSetting, AtAStartWithoutAPortTheSimulatedChipIsOneClickAway) {
+  std::vector<std::string> probed;
+  CSerialPortSetting dialog(
+      {{-1, "simulated chip", "Simulated chip"}}, {},
+      [&probed](std::string device) -> Task<OpenResult> {
+        probed.push_back(device);
+        co_return OpenResult{};
+      },
+      "No port was chosen yet.");
+  dialog.show();
+  EXPECT_EQ(dialog.findChild<QLabel*>("why-asked")->text(),
+            "No port was chosen yet. This computer has no serial port now.");
+  test::find<QPushButton>(dialog, "Use the simulated chip")->click();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(probed, std::vector<std::string>{"simulated chip"});
+  EXPECT_EQ(dialog.result(), QDialog::Accepted);
 }
 
 TEST(SerialPortSetting, WithoutPortsOnlyCancelIsLeft) {
