@@ -130,11 +130,18 @@ void TuningDesk::reload() {
 
 void TuningDesk::mark_filled(bool filled) {
   filled_ = filled;
+  older_than_chip_ = false;
   show_unread();
 }
 
 std::string TuningDesk::unread() const {
-  return filled_ ? "" : "not read yet";
+  if (!filled_) return "not read yet";
+  return older_than_chip_ ? kOlderThanChip : "";
+}
+
+void TuningDesk::chip_was_reset() {
+  older_than_chip_ = true;
+  show_unread();
 }
 
 std::string TuningDesk::unread_saved() const {
@@ -245,6 +252,10 @@ Task<bool> TuningDesk::send_save(FullSave save, std::string done) {
   const bool saved = co_await send_with_progress(host_, std::move(on_chip));
   co_await after_save();
   saved_whole_ = saved;
+  if (saved && older_than_chip_) {
+    older_than_chip_ = false;
+    show_unread();
+  }
   co_return saved;
 }
 

@@ -29,6 +29,8 @@ struct LongTraffic;
 
 /// What the note of a full save calls its control.
 inline constexpr const char* kFullSave = "File/Flash Save";
+/// What unread() says of a page that was filled before the chip was reset.
+inline constexpr const char* kOlderThanChip = "older than the chip";
 
 /// The window's side of a desk; as it stands here it is that of the command line, which shows nothing.
 class DeskView {
@@ -101,10 +103,13 @@ class TuningDesk {
   /// Asks the chip and takes its reply. True when it was taken.
   Task<bool> load_from_chip();
 
-  /// What of the page came neither from the chip nor from a file: "not read yet"; empty when all of it did.
+  /// What of the page came neither from the chip nor from a file: "not read yet", or kOlderThanChip; empty
+  /// when all of it did and nothing is newer.
   virtual std::string unread() const;
   /// `told` hears of unread() at once, and whenever it may have changed.
   void tell_unread(std::function<void(const std::string&)> told);
+  /// The chip has other values since, such as its factory settings. A load or a full save ends that.
+  void chip_was_reset();
 
   /// "File/Flash Save"; ignored while one is under way. Asks first, once, where it would send what nobody has
   /// read. The page is read back afterwards where the watcher wants that.
@@ -206,6 +211,7 @@ class TuningDesk {
   std::uint64_t asked_at_ = 0;  ///< as the watcher counts, when the chip was asked for the page
   TuningModel& model_;
   bool filled_ = false;  // by the chip or a file
+  bool older_than_chip_ = false;
   std::function<void(const std::string&)> unread_told_;
   std::set<std::string> agreed_texts_;
   /// What the chip is to hold since the last full save, and the page's values as they were sent.

@@ -84,8 +84,7 @@ void CQV5123View::connect_column() {
   connect(column_, &C::load_file, this, &CQV5123View::load_setting_file);
   connect(column_, &C::recent_file_chosen, this, &CQV5123View::load_recent_file);
   connect(column_, &C::save_file, this, &CQV5123View::save_setting_file_as);
-  connect(column_, &C::factory_reset, this,
-          [this] { tell_sent("Factory Reset", {qv5123::factory_reset()}); });
+  connect(column_, &C::factory_reset, this, &CQV5123View::reset_chip);
   connect(column_, &C::copy_to_factory, this, [this] { flows_.spawn(copy_to_factory()); });
   connect(column_, &C::version_slot_chosen, this, &CQV5123View::show_version);
   connect(column_, &C::version_store, this, [this] { flows_.spawn(store_version()); });
@@ -223,6 +222,12 @@ void CQV5123View::show_differences() {
   const std::filesystem::path& file = document_.setting_file;
   const bool differs = !values_.file() || !(files_.unsaved() == *values_.file());
   column_->set_setting_file(path_to_qt(file), !file.empty() && differs);
+}
+
+void CQV5123View::reset_chip() {
+  tell_sent("Factory Reset", {qv5123::factory_reset()});
+  for (std::size_t page = 0; page < values_.pages(); ++page)
+    if (TuningDesk* desk = values_.desk(page)) desk->chip_was_reset();
 }
 
 void CQV5123View::load_recent_file(int position) {

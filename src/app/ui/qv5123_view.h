@@ -157,6 +157,7 @@ class CQV5123View final : public QWidget, public PageHost {
   Task<> run_start(Startup startup);
   Task<> begin_with_image(Startup startup);
   Task<> load_file(std::optional<std::filesystem::path> path);
+  void reset_chip();
   Task<> copy_to_factory();
   Task<> store_version();
   Task<> choose_osd_pattern(int selection);

@@ -228,7 +228,7 @@ QWidget* CDlgAeTune::make_file_group() {
   return make_file_control({[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
                             [this] { desk_.start_save(host().prompts(), desk_.save(host().prompts())); },
                             "Reads all values, " + register_text(DynamicPage::kTexts.trigger),
-                            "Sends all values for the chip to keep in its flash", make_unread_note()});
+                            save_tip(SavedFile::none), make_unread_note()});
 }
 
 QWidget* CDlgAeTune::make_more_area() {

@@ -98,13 +98,10 @@ QWidget* CDlgIspAwb::make_navigation_group() {
 }
 
 QWidget* CDlgIspAwb::make_file_group() {
-  const QString first = register_text(desk_.info(desk_.values().words.front()).address);
-  const QString last = register_text(desk_.info(desk_.values().words.back()).address);
   return make_file_control({[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
                             [this] { desk_.start_save(host().prompts(), desk_.save()); },
                             "Reads the lines, " + register_text(AwbPage::kTexts.trigger),
-                            "Sends all lines for the chip to keep, " + first + " to " + last,
-                            make_unread_note()});
+                            save_tip(SavedFile::none), make_unread_note()});
 }
 
 QWidget* CDlgIspAwb::make_patch_group() {

@@ -141,9 +141,8 @@ QLayout* CDlgIspFront::make_chip_row() {
                           "Read the settings from the chip, " + register_text(FrontPage::kTexts.trigger),
                           [this] { desk_.start_load(); });
   row->addWidget(mark_command(load_isp_, kLoadCommand));
-  QPushButton* save =
-      make_button("File/Flash Save", {}, "Write the user data file and send all settings to keep",
-                  [this] { desk_.start_save(host().prompts(), desk_.save(host())); });
+  QPushButton* save = make_button("File/Flash Save", {}, save_tip(SavedFile::own),
+                                  [this] { desk_.start_save(host().prompts(), desk_.save(host())); });
   row->addWidget(mark_command(save, kSaveCommand));
   row->addWidget(make_unread_note());
   row->addStretch();

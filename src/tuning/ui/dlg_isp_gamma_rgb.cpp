@@ -71,9 +71,7 @@ CDlgIspGammaRgb::CDlgIspGammaRgb(PageHost& host)
   right->addWidget(make_file_control({[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
                                       [this] { desk_.start_save(this->host().prompts(), desk_.save()); },
                                       "Reads the curves, " + register_text(GammaPage::kTexts.trigger),
-                                      "Sends all three curves for the chip to keep, " + end_registers() +
-                                          " and " + register_text(kGammaChannelRegister),
-                                      make_unread_note()}));
+                                      save_tip(SavedFile::none), make_unread_note()}));
   auto* page = new QHBoxLayout(this);
   page->setContentsMargins(6, 6, 6, 6);
   page->addLayout(left, 1);

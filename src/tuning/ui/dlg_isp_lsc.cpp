@@ -39,8 +39,8 @@ CDlgIspLSC::CDlgIspLSC(PageHost& host)
   right->addWidget(make_file_control(
       {[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
        [this] { desk_.start_save(this->host().prompts(), desk_.save(this->host())); },
-       "Reads the parameters, " + register_text(LensPage::kTexts.trigger),
-       "Sends the parameters for the chip to keep, " + parameter_registers(), make_unread_note()}));
+       "Reads the parameters, " + register_text(LensPage::kTexts.trigger), save_tip(SavedFile::all_pages),
+       make_unread_note()}));
   auto* page = new QHBoxLayout(this);
   page->setContentsMargins(6, 6, 6, 6);
   page->addLayout(left, 1);

@@ -112,14 +112,10 @@ void CDlgIspMatrix::show_run() {
 }
 
 QWidget* CDlgIspMatrix::make_file_buttons() {
-  const std::vector<FieldInfo>& fields = desk_.model().fields();
-  const QString rows = register_text(fields.front().address) + " to " + register_text(fields.back().address);
   return make_file_control({[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
                             [this] { desk_.start_save(host().prompts(), desk_.save(host())); },
                             "Reads all matrices, " + register_text(MatrixPage::kTexts.trigger),
-                            "Writes the setting file and sends all matrices for the chip to keep, " + rows +
-                                " for each video mode of " + register_text(kMatrixModeRegister),
-                            make_unread_note()});
+                            save_tip(SavedFile::all_pages), make_unread_note()});
 }
 
 QWidget* CDlgIspMatrix::make_light_group() {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "console/page_host.h"
+#include "tuning/save_tip.h"
 #include "tuning/tuning_desk.h"
 #include "tuning/ui/page_parts.h"
 
@@ -30,24 +31,18 @@ class TuningDialog : public QWidget, public Page {
 
  protected:
   PageHost& host() { return host_; }
-  /// Says beside the page's buttons what nobody has read yet. It keeps its place while there is nothing to
-  /// say.
-  QLabel* make_unread_note() {
-    auto* note = new QLabel;
-    note->setObjectName("unread");
-    QSizePolicy place = note->sizePolicy();
-    place.setRetainSizeWhenHidden(true);
-    note->setSizePolicy(place);
-    tuning_desk_.tell_unread([note](const std::string& text) {
-      note->setText(QString::fromStdString(text));
-      note->setVisible(!text.empty());
-    });
-    return note;
-  }
+  /// Says beside the page's buttons what nobody has read yet, and offers to read a page that is older than
+  /// the chip. It keeps its place while there is nothing to say.
+  QLabel* make_unread_note();
+  /// What the page's "File/Flash Save" does. Its tooltip goes on to tell it as it is at the time.
+  QString save_tip(SavedFile file);
+  void showEvent(QShowEvent* event) override;
 
  private:
   PageHost& host_;
   TuningDesk& tuning_desk_;
+  SavedFile saved_file_ = SavedFile::none;
+  bool tip_is_fresh_ = false;
 };
 
 }  // namespace qv5123

@@ -1,5 +1,6 @@
 // What the window shows of what is known of the values: marks, dots and the star, the read-back after a save,
 // and the steps that can be undone.
+#include <QHelpEvent>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -114,6 +115,27 @@ TEST_F(KnownValues, KeysUndoStepsButFirstWhatIsBeingTyped) {
   EXPECT_EQ(red1()->value(), 0);
   EXPECT_FALSE(action("undo")->isEnabled());
   EXPECT_EQ(action("redo")->text(), "Redo Parameter-1 RED");
+}
+
+TEST_F(KnownValues, APageOlderThanAChipThatWasResetOffersToReadIt) {
+  auto* save = test::find<QPushButton>(*bench_.view->pages().page_widget(PageId::lsc), "File/Flash Save");
+  bench_.document.setting_file = "/home/me/board.dat";
+  QHelpEvent hover(QEvent::ToolTip, QPoint(1, 1), QPoint(1, 1));
+  QApplication::sendEvent(save, &hover);
+  EXPECT_TRUE(save->toolTip().contains("setting file board.dat")) << save->toolTip().toStdString();
+
+  bench_.click("Load <- ISP");
+  bench_.wire.advance(2000);
+  type(321);
+  bench_.click_in_column("Factory Reset");
+  bench_.wire.advance(2000);
+  auto* note = label("unread");
+  EXPECT_EQ(note->text(), "older than the chip: <a href=\"load\">read it</a>");
+  EXPECT_EQ(red1()->value(), 321) << "nothing is read unasked";
+  emit note->linkActivated("load");
+  bench_.wire.advance(2000);
+  EXPECT_EQ(note->text(), "");
+  EXPECT_NE(red1()->value(), 321);
 }
 
 }  // namespace
