@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <utility>
 
 #include "base/delay.h"
 #include "base/hex.h"
+#include "tuning/matrix_fit.h"
+#include "tuning/picker_flow.h"
 
 namespace qv5123 {
 namespace {
@@ -15,9 +18,22 @@ constexpr std::chrono::milliseconds kBeforeSave{50};
 
 }  // namespace
 
-AwbDesk::AwbDesk(DeskHost& host, UserDataImage& image) : PageDesk(host, image) {
+AwbDesk::AwbDesk(DeskHost& host, UserDataImage& image, std::shared_ptr<MeasuringBoard> board)
+    : PageDesk(host, image),
+      board_(std::move(board)),
+      picker_(host,
+              {picker_on_, picker_off_, place_, step_index_,
+               [this](bool on) {
+                 return switch_plain_picker(link(), on, {picker_off_, place_});
+               }},
+              board_) {
   // Saving a page that was opened after the file must not replace what the file said.
   if (image.loaded()) open_with_image();
+}
+
+void AwbDesk::attach(View& view) {
+  TuningDesk::attach(view);
+  awb_view_ = &view;
 }
 
 Traffic AwbDesk::control_traffic(int control) const {
@@ -39,13 +55,39 @@ void AwbDesk::send_line(AwbControl line) {
   send_control(std::string("Line ") + awb_row(line).name, static_cast<int>(line));
 }
 
+std::string AwbDesk::counts_text(std::size_t patch) const {
+  const PatchColour& colour = values_.patches[patch];
+  return std::string(kAwbPatches[patch].caption) + " is " + std::to_string(colour.r) + ", " +
+         std::to_string(colour.g) + ", " + std::to_string(colour.b);
+}
+
+void AwbDesk::take_colour(const std::string& what, std::size_t patch, const PerColour& colour) {
+  view().take_typed();
+  const Changing change(*this, DeskChange::Kind::measured, what);
+  values_.patches[patch] = {colour[0], colour[1], colour[2]};
+}
+
 void AwbDesk::get_color() {
-  if (!measuring_.running()) measuring_.start(measure(patch_));
+  if (measuring_all() || picker_.at_work_elsewhere())
+    return host().show_status("GET COLOR: the cursor is being moved by a measurement.");
+  if (!measuring_.running()) return measuring_.start(run_get_color());
+  const bool next = advances_ && patch_ == measured_patch_;
+  presses_.push_back(next ? std::nullopt : std::optional(patch_));
+  host().show_status("GET COLOR: " + std::to_string(presses_.size()) + " more to come.");
+}
+
+Task<> AwbDesk::run_get_color() {
+  presses_.assign(1, patch_);
+  while (!presses_.empty()) {
+    measured_patch_ = presses_.front().value_or(patch_);
+    presses_.pop_front();
+    co_await measure(measured_patch_);
+  }
 }
 
 /// The patch changes only when the chip answered for all three colours.
 Task<> AwbDesk::measure(std::size_t patch) {
-  std::array<int, 3> colour{};
+  PerColour colour{};
   for (std::size_t part = 0; part < colour.size(); ++part)
     colour[part] = co_await link().wide_read(kAwbColourRegisters[part]);
   const auto missing = std::find(colour.begin(), colour.end(), -1);
@@ -54,13 +96,83 @@ Task<> AwbDesk::measure(std::size_t patch) {
     host().show_failure("GET COLOR: no answer from 0xF" + upper_hex(static_cast<unsigned>(address), 3));
     co_return;
   }
-  view().take_typed();
-  const Changing change(*this, DeskChange::Kind::measured, "GET COLOR");
-  values_.patches[patch] = {colour[0], colour[1], colour[2]};
+  take_colour("GET COLOR", patch, colour);
+  // Whoever chose another patch meanwhile is not to be moved away from it.
+  if (advances_ && patch_ == patch) patch_ = (patch + 1) % kAwbPatchCount;
   view().show_values();
-  host().show_status("GET COLOR: " + std::string(kAwbPatches[patch].caption) + " is " +
-                     std::to_string(colour[0]) + ", " + std::to_string(colour[1]) + ", " +
-                     std::to_string(colour[2]));
+  host().show_status("GET COLOR: " + counts_text(patch));
+}
+
+void AwbDesk::take_from_matrix() {
+  view().take_typed();
+  std::size_t taken = 0;
+  {
+    const Changing change(*this, DeskChange::Kind::taken_over, "From LinearMatrix");
+    for (std::size_t patch = 0; board_->chart && patch < kColouredPatches; ++patch) {
+      const MeasuredColour& counts = (*board_->chart)[patch];
+      if (!is_measured(counts)) continue;
+      const auto count = [&counts](std::size_t c) { return static_cast<int>(std::min(counts[c], 255u)); };
+      values_.patches[patch] = {count(0), count(1), count(2)};
+      ++taken;
+    }
+  }
+  view().show_values();
+  host().show_status(taken == 0
+                         ? "From LinearMatrix: none of the 18 colors is measured there."
+                         : "From LinearMatrix: " + std::to_string(taken) + " of 18 colors taken over.");
+}
+
+void AwbDesk::measure_all() {
+  view().take_typed();
+  if (measuring_all()) {
+    stop_run_ = true;
+    return;
+  }
+  if (!picker_on_ || measuring_.running())
+    return host().show_status("Measure 18: enable the color picker first, and wait for GET COLOR.");
+  const auto places = patch_places(board_->latest_corners());
+  if (!places)
+    return host().show_status(
+        "Measure 18: the chart's four corners are set on LinearMatrix, and are not yet.");
+  running_all_.start(run_all(*places));
+}
+
+Task<> AwbDesk::run_all(std::array<PickerPosition, kPatches> places) {
+  measuring_all_ = true;
+  stop_run_ = false;
+  seen_ = {};
+  co_await picker_.arrive();
+  const BusyScope busy(host());
+  picker_.set_measuring(true);
+  for (std::size_t patch = 0; patch < kColouredPatches && !stop_run_; ++patch) {
+    patch_ = patch;
+    awb_view_->show_measuring();
+    host().show_progress(static_cast<int>(100 * patch / kColouredPatches));
+    if (!co_await measure_at(patch, places[patch])) break;
+    host().show_status("Measured " + counts_text(patch) + "; " +
+                       std::to_string(kColouredPatches - 1 - patch) + " left.");
+  }
+  if (stop_run_) host().show_status("Measure 18: stopped.");
+  picker_.set_measuring(false);
+  measuring_all_ = false;
+  awb_view_->show_measuring();
+}
+
+/// False where the run ends there.
+Task<bool> AwbDesk::measure_at(std::size_t patch, PickerPosition place) {
+  place_ = place;
+  const SteadyReading reading = co_await read_steadily(link(), place, kAwbColourRegisters);
+  if (stop_run_) co_return false;
+  std::string complaint = reading_complaint(seen_, patch, reading);
+  if (picker_.chip_was_away() || !picker_on_) complaint = kPickerChipWasAway;
+  if (!complaint.empty()) {
+    host().show_failure("Measure 18 stopped. " + complaint);
+    co_return false;
+  }
+  for (std::size_t c = 0; c < 3; ++c) seen_[patch][c] = static_cast<std::uint32_t>(reading.colour[c]);
+  take_colour("Measure 18", patch, reading.colour);
+  view().show_values();
+  co_return true;
 }
 
 Task<> AwbDesk::save() {

@@ -139,18 +139,17 @@ std::optional<std::array<PickerPosition, kPatches>> patch_places(const ChartCorn
   return places;
 }
 
-Task<SteadyReading> read_steadily(CommandLink& link, PickerPosition place) {
+Task<SteadyReading> read_steadily(CommandLink& link, PickerPosition place, std::array<int, 3> registers) {
   SteadyReading reading;
   Batch there = place_batch(place);
   const JobResult sent = co_await link.send(std::move(there));
   reading.colour.fill(-1);
   if (sent.failed) co_return reading;
   co_await Delay(link.scheduler(), kNextPicture);
-  constexpr std::array kRegisters{picker_register::kRed, picker_register::kGreen, picker_register::kBlue};
   std::array<std::array<int, kReadings>, 3> all{};
   for (int i = 0; i < kReadings; ++i) {
     for (std::size_t c = 0; c < 3; ++c) {
-      all[c][static_cast<std::size_t>(i)] = co_await read_fast(link, kRegisters[c]);
+      all[c][static_cast<std::size_t>(i)] = co_await read_fast(link, registers[c]);
       if (all[c][static_cast<std::size_t>(i)] < 0) co_return reading;
     }
   }

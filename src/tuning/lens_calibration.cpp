@@ -134,6 +134,8 @@ Task<std::string> check_field(CommandLink& link, LensValues& values, std::vector
   if (enable < 0) co_return no_answer_text(picker_register::kEnable);
   const int correction = co_await read_picker_register(link, picker_register::kCorrection);
   if (correction < 0) co_return no_answer_text(picker_register::kCorrection);
+  values.picker_off = lens_picker_switch_bytes(false, enable, correction);
+  values.picker_on = true;
   IspBytes on = picker_switch_bytes(true, enable);
   // Behind the correction, which a calibration measures in front of.
   on.insert(on.begin(), {picker_register::kCorrection, correction | 0x10});

@@ -5,19 +5,47 @@
 
 #include "base/text.h"
 #include "tuning/page_flows.h"
+#include "tuning/video_mode.h"
 
 namespace qv5123 {
 
-LensDesk::LensDesk(DeskHost& host, UserDataImage& image)
+LensDesk::LensDesk(DeskHost& host, UserDataImage& image, std::shared_ptr<MeasuringBoard> board)
     : PageDesk(host, image),
-      picker_(host, {values_.picker_on, values_.picker_off, values_.picker, values_.step_index,
-                     [this](bool on) { return switch_lens_picker(link(), values_, on); }}) {
+      board_(std::move(board)),
+      picker_(host,
+              {values_.picker_on, values_.picker_off, values_.picker, values_.step_index,
+               [this](bool on) { return switch_lens_picker(link(), values_, on); }},
+              board_) {
   open_with_image();
 }
 
 void LensDesk::attach(View& view) {
   TuningDesk::attach(view);
   lens_view_ = &view;
+}
+
+void LensDesk::allow_switch(bool allowed) {
+  lens_view_->allow_switch(allowed);
+  picker_.allow_switch(allowed);
+}
+
+std::string LensDesk::other_size_text() const {
+  const std::optional<int> number = board_->video_mode(image());
+  const auto mode = number ? video_mode_of(*number) : std::nullopt;
+  if (!mode || !mode->screen || *mode->screen == values_.screen_index) return {};
+  return "The chip's video mode is " + std::string(video_mode_name(*number)) + ": its lines have " +
+         std::to_string(lens_line_width(*mode->screen)) + " pixels, and Screen Size says " +
+         std::to_string(lens_line_width(values_.screen_index)) + ".";
+}
+
+void LensDesk::begin_sweep() {
+  picker_.want_keys(false);
+  picker_.set_sweeping(true);
+}
+
+void LensDesk::end_sweep(bool keys) {
+  picker_.want_keys(keys);
+  picker_.set_sweeping(false);
 }
 
 Traffic LensDesk::control_traffic(int control) const {
@@ -62,7 +90,8 @@ void LensDesk::start_calibration(Prompts& prompts) {
 }
 
 Task<LensDecision> LensDesk::decide(Prompts& prompts, const LensCalibration& found) {
-  std::string text;
+  std::string text = other_size_text();
+  if (!text.empty()) text += "\n";
   for (const std::string& warning : lens_warnings(found)) text += warning + "\n";
   if (!second_parameter_clamped(found)) {
     if (text.empty()) co_return LensDecision::send;
@@ -100,8 +129,8 @@ Task<> LensDesk::run_check_field() {
   co_await picker_.arrive();
   const BusyScope busy(host());
   field_.clear();
-  picker_.want_keys(false);
-  lens_view_->allow_switch(false);
+  begin_sweep();
+  allow_switch(false);
   lens_view_->show_field();
   host().show_status("Checking the field with the correction that the chip has. Press again to stop.");
   const std::vector<PickerPosition> positions = field_positions(values_.screen_index);
@@ -113,8 +142,8 @@ Task<> LensDesk::run_check_field() {
     return !stop_checking_;
   };
   const std::string trouble = co_await check_field(link(), values_, positions, std::move(on_reading));
-  lens_view_->allow_switch(true);
-  picker_.want_keys(values_.picker_on);
+  allow_switch(true);
+  end_sweep(values_.picker_on);
   view().show_values();
   if (!trouble.empty()) {
     host().show_failure(trouble);
@@ -135,11 +164,13 @@ Task<> LensDesk::calibrate(Prompts& prompts) {
     co_return;
   }
   lens_view_->clear_log();
-  picker_.want_keys(false);
+  begin_sweep();
   calibration_ = {};
   calibration_.width = lens_line_width(values_.screen_index);
   lens_view_->show_calibration();
   host().show_status("Calibrating. Switch the color picker off to stop.");
+  const std::string other_size = other_size_text();
+  if (!other_size.empty()) host().show_failure(other_size);
   const std::size_t positions = lens_positions(calibration_.width).size();
   std::function<void(const LensSample&)> on_sample = [this, positions](const LensSample& sample) {
     take_sample(sample, positions);
@@ -170,7 +201,7 @@ void LensDesk::take_sample(const LensSample& sample, std::size_t of) {
   lens_view_->show_calibration();
   host().show_progress(static_cast<int>(taken * 100 / of));
   // What follows the last position switches the picker off by itself.
-  if (taken == of) lens_view_->allow_switch(false);
+  if (taken == of) allow_switch(false);
 }
 
 void LensDesk::finish(LensCalibrationResult result) {
@@ -179,8 +210,8 @@ void LensDesk::finish(LensCalibrationResult result) {
   calibration_.width = width;
   lens_view_->add_to_log(result.log);
   view().show_values();
-  lens_view_->allow_switch(true);
-  picker_.want_keys(result.end == CalibrationEnd::aborted || values_.picker_on);
+  allow_switch(true);
+  end_sweep(result.end == CalibrationEnd::aborted || values_.picker_on);
   // An abort was a click on the switch, which says so itself.
   if (result.end == CalibrationEnd::aborted) return;
   if (!result.picker.empty()) return host().show_failure(result.picker);

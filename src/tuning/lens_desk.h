@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "console/page_host.h"
@@ -24,7 +25,8 @@ class LensDesk final : public PageDesk<LensPage> {
     /// Whether the picker may be switched: not while a sweep does so by itself.
     virtual void allow_switch(bool) {}
   };
-  LensDesk(DeskHost& host, UserDataImage& image);
+  LensDesk(DeskHost& host, UserDataImage& image,
+           std::shared_ptr<MeasuringBoard> board = std::make_shared<MeasuringBoard>());
   void attach(View& view);
 
   const LensCalibration& calibration() const { return calibration_; }
@@ -54,6 +56,12 @@ class LensDesk final : public PageDesk<LensPage> {
 
  private:
   FullSave make_save() override { return {lens_full_save(values_), {}, {}, {}}; }
+  /// Not while a sweep switches the picker off by itself.
+  void allow_switch(bool allowed);
+  /// Where "Screen Size:" is not that of the chip's picture; empty where it is, or nobody knows.
+  std::string other_size_text() const;
+  void begin_sweep();
+  void end_sweep(bool keys);
   void set_flicker(int mode);
   Task<> calibrate(Prompts& prompts);
   void take_sample(const LensSample& sample, std::size_t of);
@@ -63,6 +71,7 @@ class LensDesk final : public PageDesk<LensPage> {
 
   View nobody_;
   View* lens_view_ = &nobody_;
+  std::shared_ptr<MeasuringBoard> board_;
   PickerDesk picker_;
   LensCalibration calibration_;
   Flow calibrating_;

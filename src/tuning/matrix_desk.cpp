@@ -8,6 +8,7 @@
 #include "tuning/matrix_diagnosis.h"
 #include "tuning/page_flows.h"
 #include "tuning/picker_flow.h"
+#include "tuning/video_mode.h"
 
 namespace qv5123 {
 namespace {
@@ -21,12 +22,7 @@ std::string row_name(MatrixControl row) {
 Task<std::string> switch_matrix_picker(CommandLink& link, MatrixValues& values, bool on) {
   values.picker_on = on;
   if (on) values.manual_input = false;
-  const int enable = co_await read_picker_register(link, picker_register::kEnable);
-  if (enable < 0) co_return no_answer_text(picker_register::kEnable);
-  values.picker_off = picker_switch_bytes(false, enable);
-  std::string trouble = co_await switch_picker(link, on, picker_switch_bytes(on, enable), values.picker);
-  if (!on && trouble.empty()) values.picker_off.clear();
-  co_return trouble;
+  co_return co_await switch_plain_picker(link, on, {values.picker_off, values.picker});
 }
 
 Task<bool> get_patch_color(CommandLink& link, MatrixValues& values, std::size_t patch) {
@@ -40,12 +36,16 @@ Task<bool> get_patch_color(CommandLink& link, MatrixValues& values, std::size_t 
   co_return true;
 }
 
-MatrixDesk::MatrixDesk(DeskHost& host, UserDataImage& image)
+MatrixDesk::MatrixDesk(DeskHost& host, UserDataImage& image, std::shared_ptr<MeasuringBoard> board)
     : PageDesk(host, image),
-      picker_(host, {values_.picker_on, values_.picker_off, values_.picker, values_.step_index,
-                     [this](bool on) { return switch_matrix_picker(link(), values_, on); },
-                     [this] { update_keys(); }, [this] { picker_settled(); }}),
+      board_(std::move(board)),
+      picker_(host,
+              {values_.picker_on, values_.picker_off, values_.picker, values_.step_index,
+               [this](bool on) { return switch_matrix_picker(link(), values_, on); },
+               [this] { update_keys(); }, [this] { picker_settled(); }},
+              board_),
       typed_ratio_(values_.ratio) {
+  board_->chart = &values_.measured;
   open_with_image();
 }
 
@@ -187,6 +187,7 @@ bool MatrixDesk::take_codes() {
 
 /// An arrow would move the cursor away from what is being measured.
 void MatrixDesk::update_keys() {
+  if (values_.picker_on) values_.manual_input = false;
   picker_.want_keys(values_.picker_on);
   matrix_view_->show_typing();
 }
@@ -210,8 +211,19 @@ void MatrixDesk::calculate(Prompts& prompts) {
     host().show_failure("The measured patches do not determine a matrix.");
   else
     host().show_status("Matrix calculated from " + std::to_string(patches) + " patches.");
+  const std::string other_mode = other_mode_text();
+  if (!other_mode.empty()) host().show_failure(other_mode);
   fits_.calculated = values_.coefficients;
   show_current();
+}
+
+std::string MatrixDesk::other_mode_text() const {
+  const std::optional<int> number = board_->video_mode(image());
+  const auto mode = number ? video_mode_of(*number) : std::nullopt;
+  if (!mode || mode->signal == values_.mode || values_.mode < 0 || values_.mode >= kVideoModes) return {};
+  const auto name = [](int of) { return std::string(kMatrixModeNames[static_cast<std::size_t>(of)]); };
+  return "The chip's video mode is " + std::string(video_mode_name(*number)) + ": it uses the matrix of " +
+         name(mode->signal) + ", and this is that of " + name(values_.mode) + ".";
 }
 
 void MatrixDesk::show_current() {
@@ -280,24 +292,25 @@ void MatrixDesk::clear() {
 }
 
 void MatrixDesk::set_row(MatrixControl row, Prompts& prompts) {
-  with_consent(row_name(row), prompts, [this, row] { send_row(row); });
+  with_consent(row_name(row), other_mode_text(), prompts, [this, row] { send_row(row); });
 }
 
 void MatrixDesk::copy_matrix(std::vector<MatrixPlace> places, Prompts& prompts) {
   if (places.empty()) return;
-  with_consent("Copy matrix to...", prompts, [this, places = std::move(places)] { send_copies(places); });
+  with_consent("Copy matrix to...", {}, prompts, [this, places = std::move(places)] { send_copies(places); });
 }
 
 /// Calls `send` with the rows ready to be sent, unless the user, who is told what is doubtful about them,
 /// says no: then nothing has changed.
-void MatrixDesk::with_consent(std::string what, Prompts& prompts, std::function<void()> send) {
+void MatrixDesk::with_consent(std::string what, const std::string& doubt, Prompts& prompts,
+                              std::function<void()> send) {
   view().take_typed();
   const Changing change(*this, DeskChange::Kind::typed, what);
   const Coefficients before = values_.coefficients;
   if (!take_codes()) return;
   MatrixValues ready = values_;
   set_matrix_rows(ready);
-  std::string reasons;
+  std::string reasons = doubt.empty() ? doubt : doubt + "\n";
   for (const std::string& warning : matrix_warnings(ready)) reasons += warning + "\n";
   if (reasons.empty() || reasons == accepted_) return send();
   values_.coefficients = before;
@@ -363,12 +376,14 @@ Task<> MatrixDesk::after_save() {
   values_.picker_on = false;
   update_keys();
   matrix_view_->show_measurements();
-  picker_trouble_ = co_await switch_matrix_picker(link(), values_, false);
+  picker_.allow_switch(false);
+  picker_trouble_ = co_await picker_.switch_own_way(false);
   if (!picker_trouble_.empty()) {
     values_.picker_on = was_on;
     host().show_failure(picker_trouble_);
   }
   matrix_view_->allow_switch(true);
+  picker_.allow_switch(true);
   view().take_typed();
   update_keys();
   matrix_view_->show_measurements();

@@ -3,6 +3,7 @@
 #include <array>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -45,7 +46,9 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
     std::optional<Coefficients> color_difference;
   };
 
-  MatrixDesk(DeskHost& host, UserDataImage& image);
+  MatrixDesk(DeskHost& host, UserDataImage& image,
+             std::shared_ptr<MeasuringBoard> board = std::make_shared<MeasuringBoard>());
+  ~MatrixDesk() override { board_->chart = nullptr; }
   void attach(View& view);
 
   PickerDesk& picker() { return picker_; }
@@ -72,7 +75,7 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   void get_color();
   /// "Set corner": the cursor is on the chosen patch, one of the chart's corners. Kept for the video mode.
   void set_corner();
-  const ChartCorners& corners() const { return corners_[static_cast<std::size_t>(values_.mode)]; }
+  const ChartCorners& corners() const { return board_->corners()[static_cast<std::size_t>(values_.mode)]; }
   /// "Measure all 24", from the four corners; pressed again it stops. Where a reading is doubtful it stops by
   /// itself, and goes on once "GET COLOR" has measured that patch.
   void measure_all();
@@ -122,6 +125,8 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   void values_loaded() override { typed_codes_ = {}; }
   void show_matrix_in_force();
   void update_keys();
+  /// Where the chip uses the matrix of another mode; empty where it does not, or nobody knows.
+  std::string other_mode_text() const;
   void picker_settled();
   Task<> run_get_color();
   Task<bool> measure_patch(std::size_t patch);
@@ -132,13 +137,14 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   void show_current();
   void forget_fits();
   bool take_codes();
-  void with_consent(std::string what, Prompts& prompts, std::function<void()> send);
+  void with_consent(std::string what, const std::string& doubt, Prompts& prompts, std::function<void()> send);
   Task<> ask_first(Prompts& prompts, std::string what, std::string reasons, std::function<void()> send);
   void send_row(MatrixControl row);
   void send_copies(const std::vector<MatrixPlace>& places);
 
   View nobody_;
   View* matrix_view_ = &nobody_;
+  std::shared_ptr<MeasuringBoard> board_;
   PickerDesk picker_;
   int typed_ratio_;
   TypedCodes typed_codes_;
@@ -148,7 +154,6 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   std::size_t measured_patch_ = 0;  ///< the one that is being measured
   /// Presses of "GET COLOR" that wait: for which patch, or for the one that is chosen by then.
   std::deque<std::optional<std::size_t>> presses_;
-  std::array<ChartCorners, kVideoModes> corners_;
   std::optional<std::size_t> stopped_at_;  ///< where the last run has found something doubtful
   std::string run_complaint_;
   bool measuring_all_ = false;

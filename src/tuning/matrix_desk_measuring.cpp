@@ -71,8 +71,9 @@ void MatrixDesk::set_corner() {
   if (!corner)
     return host().show_failure(
         "The corners are Dark skin, Bluish green, Black and White: choose one of them.");
-  ChartCorners& corners = corners_[static_cast<std::size_t>(values_.mode)];
+  ChartCorners& corners = board_->corners()[static_cast<std::size_t>(values_.mode)];
   corners[*corner] = clamped(values_.picker);
+  board_->corner_set(values_.mode);
   const auto set = std::ranges::count_if(corners, [](const auto& place) { return place.has_value(); });
   host().show_status("Corner " + std::to_string(set) + " of 4 is set.");
   const auto open = std::ranges::find_if(corners, [](const auto& place) { return !place; });

@@ -14,8 +14,52 @@ constexpr const char* kYPosition = "Y Pos";
 
 }  // namespace
 
-PickerDesk::PickerDesk(DeskHost& host, Picker picker)
-    : host_(host), picker_(std::move(picker)), keys_wanted_(picker_.on) {}
+PickerDesk::PickerDesk(DeskHost& host, Picker picker, std::shared_ptr<MeasuringBoard> board)
+    : host_(host), picker_(std::move(picker)), board_(std::move(board)), keys_wanted_(board_->picker().on) {
+  picker_.on = board_->picker().on;
+  picker_.off = board_->picker().off;
+  picker_.position = board_->picker().position;
+  board_->join(*this);
+}
+
+void PickerDesk::tell_others() {
+  const auto mark = [this](const Member*& who, bool it_is_this) {
+    if (it_is_this)
+      who = this;
+    else if (who == this)
+      who = nullptr;
+  };
+  MeasuringBoard::Picker now = board_->picker();
+  now.on = picker_.on;
+  now.off = picker_.off;
+  now.position = picker_.position;
+  mark(now.at_work, measuring_ || sweeping_);
+  mark(now.switched_by, switching_chip_ || taking_over_ || !switch_allowed_);
+  if (!now.on && now.off.empty()) now.by = nullptr;
+  board_->tell(*this, std::move(now));
+}
+
+void PickerDesk::picker_changed() {
+  const MeasuringBoard::Picker& now = board_->picker();
+  picker_.off = now.off;
+  picker_.position = now.position;
+  if (std::exchange(picker_.on, now.on) != now.on) {
+    x_typed_ = y_typed_ = false;
+    switched();
+  }
+  view_->show_picker();
+  show_keys();
+}
+
+void PickerDesk::allow_switch(bool allowed) {
+  switch_allowed_ = allowed;
+  tell_others();
+}
+
+void PickerDesk::set_sweeping(bool sweeping) {
+  sweeping_ = sweeping;
+  tell_others();
+}
 
 void PickerDesk::want_keys(bool wanted) {
   keys_wanted_ = wanted;
@@ -25,10 +69,20 @@ void PickerDesk::want_keys(bool wanted) {
 void PickerDesk::set_measuring(bool measuring) {
   measuring_ = measuring;
   show_keys();
+  tell_others();
+}
+
+void PickerDesk::go_to(PickerPosition place) {
+  if (measuring_ || sweeping_ || at_work_elsewhere())
+    return host_.show_status("The cursor stays: it is being moved by a measurement.");
+  picker_.position = clamped(place);
+  x_typed_ = y_typed_ = false;
+  go();
 }
 
 void PickerDesk::go() {
   view_->show_picker();
+  tell_others();
   if (picker_.on) moves_.spawn(send_move("Picker position", picker_position_bytes(picker_.position)));
 }
 
@@ -40,12 +94,14 @@ void PickerDesk::show_keys() {
 void PickerDesk::type_x(int x) {
   picker_.position.x = x;
   x_typed_ = true;
+  tell_others();
   send_typed();
 }
 
 void PickerDesk::type_y(int y) {
   picker_.position.y = y;
   y_typed_ = true;
+  tell_others();
   send_typed();
 }
 
@@ -68,13 +124,43 @@ Task<> PickerDesk::run_send_typed() {
 }
 
 Task<> PickerDesk::arrive() {
-  while (typing_.running() || moves_.running()) co_await Delay(host_.scheduler(), CommandLink::kWideWait);
+  while (typing_.running() || moves_.running() || at_work_elsewhere())
+    co_await Delay(host_.scheduler(), CommandLink::kWideWait);
+  if (!picker_.on || !is_another(board_->picker().by) || chip_was_away()) co_return;
+  taking_over_ = true;
+  tell_others();
+  const std::string trouble = co_await switch_own_way(true);
+  if (!trouble.empty()) host_.show_failure(trouble);
+  taking_over_ = false;
+  tell_others();
+}
+
+/// Beside the page's own way, what another page's way has changed and this one leaves alone is as it was.
+Task<std::string> PickerDesk::switch_own_way(bool on) {
+  MeasuringBoard::Picker before = board_->picker();
+  IspBytes others;
+  if (is_another(before.by)) others = restored_beside_picker(before.off);
+  before.connection = host_.link().connection();
+  board_->tell(*this, std::move(before));
+  IspBytes restoring = others;
+  const bool restored = co_await write_isp_bytes(host_.link(), std::move(restoring));
+  std::string trouble = co_await picker_.switch_chip(on);
+  if (trouble.empty() && !restored) trouble = "Color picker: not all of it reached the chip";
+  MeasuringBoard::Picker after = board_->picker();
+  if (trouble.empty()) {
+    after.by = on ? this : nullptr;
+  } else if (!picker_.off.empty()) {
+    picker_.off.insert(picker_.off.begin(), others.begin(), others.end());
+  }
+  board_->tell(*this, std::move(after));
+  co_return trouble;
 }
 
 void PickerDesk::move(PickerMove move) {
   view_->take_typed();
   picker_.position = moved(picker_.position, move, picker_.step_index);
   view_->show_picker();
+  tell_others();
   moves_.spawn(moves_across(move) ? send_move(kXPosition, picker_x_bytes(picker_.position.x))
                                   : send_move(kYPosition, picker_y_bytes(picker_.position.y)));
 }
@@ -90,9 +176,11 @@ Task<> PickerDesk::send_move(const char* what, IspBytes position) {
 
 void PickerDesk::click_switch(bool on) {
   view_->take_typed();
+  if (!switch_enabled()) return view_->show_picker();
   picker_.on = on;
   if (!switching_.running()) switching_.start(run_switch());
   switched();
+  tell_others();
 }
 
 void PickerDesk::switched() {
@@ -105,11 +193,11 @@ Task<> PickerDesk::run_switch() {
   bool on = false;
   switching_chip_ = true;
   show_keys();
+  while (taking_over_) co_await Delay(host_.scheduler(), CommandLink::kWideWait);
   do {
     on = picker_.on;
-    connection_ = host_.link().connection();
     x_typed_ = y_typed_ = false;
-    const std::string trouble = co_await picker_.switch_chip(on);
+    const std::string trouble = co_await switch_own_way(on);
     if (trouble.empty()) {
       host_.show_status(on ? kPickerOnStatus : kPickerOffStatus);
       watching_.start(tell_of_loss());
@@ -122,6 +210,7 @@ Task<> PickerDesk::run_switch() {
   switching_chip_ = false;
   view_->show_picker();
   show_keys();
+  tell_others();
   if (picker_.settled) picker_.settled();
 }
 
@@ -129,13 +218,13 @@ Task<> PickerDesk::tell_of_loss() {
   const Resolver<bool> changed;
   host_.link().resolve_on_connection_change(changed);
   co_await changed.pending();
-  if (picker_.on) host_.show_failure(kPickerPortLost);
+  if (picker_.on && !is_another(board_->picker().by)) host_.show_failure(kPickerPortLost);
 }
 
 Traffic PickerDesk::leave() {
   switching_.cancel();
   watching_.cancel();
-  switching_chip_ = false;
+  switching_chip_ = taking_over_ = false;
   const IspBytes off = std::exchange(picker_.off, {});
   if (std::exchange(picker_.on, false)) {
     switched();
@@ -143,6 +232,7 @@ Traffic PickerDesk::leave() {
     show_keys();
     if (picker_.settled) picker_.settled();
   }
+  tell_others();
   return picker_off_traffic(off);
 }
 

@@ -1,17 +1,19 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "base/task.h"
 #include "console/page_host.h"
+#include "tuning/measuring_board.h"
 #include "tuning/picker.h"
 
 namespace qv5123 {
 
 /// The colour picker of a page: brings the chip to where the page's values say that it is, and knows when it
-/// has arrived.
-class PickerDesk {
+/// has arrived. The chip has one picker: what the other pages do to it the page's values say as well.
+class PickerDesk final : private MeasuringBoard::Member {
  public:
   /// Its controls; as it stands here there are none.
   class View {
@@ -38,7 +40,10 @@ class PickerDesk {
     std::function<void()> settled = {};
   };
 
-  PickerDesk(DeskHost& host, Picker picker);
+  PickerDesk(DeskHost& host, Picker picker, std::shared_ptr<MeasuringBoard> board);
+  PickerDesk(const PickerDesk&) = delete;
+  PickerDesk& operator=(const PickerDesk&) = delete;
+  ~PickerDesk() override { board_->leave(*this); }
   /// The view must outlive the desk's work.
   void attach(View& view) { view_ = &view; }
 
@@ -62,23 +67,45 @@ class PickerDesk {
   void type_y(int y);
 
   /// Whether the keys may be used: the page wants them, and the chip is not being switched.
-  bool keys_enabled() const { return keys_wanted_ && !switching_chip_ && !measuring_; }
+  bool keys_enabled() const {
+    return keys_wanted_ && !switching_chip_ && !measuring_ && !at_work_elsewhere() && switch_enabled();
+  }
   void want_keys(bool wanted);
+  /// Whether another page moves the cursor by itself.
+  bool at_work_elsewhere() const { return is_another(board_->picker().at_work); }
+  /// Whether the switch may be used: no other page does so at present, or will by itself.
+  bool switch_enabled() const { return !is_another(board_->picker().switched_by); }
 
   /// While it is set the arrows rest, and the key between them takes further presses and shows that it is
   /// busy.
   void set_measuring(bool measuring);
   bool measuring() const { return measuring_; }
+  /// While it is set the page moves the cursor by itself, and the other pages' keys rest.
+  void set_sweeping(bool sweeping);
+  /// While it is not allowed the page switches the picker off by itself, and no other page may switch it.
+  void allow_switch(bool allowed);
+  /// Brings the chip to it by itself. What another page's way of measuring has changed beside the picker is
+  /// restored. What went wrong, in words; empty when the chip followed.
+  Task<std::string> switch_own_way(bool on);
+  /// The page's values of its picker have changed by themselves: the other pages are told.
+  void tell_others();
   /// Brings the cursor to where the page's values say that it is by now.
   void go();
 
-  /// Waits until the cursor is where the page says: what is measured before that belongs elsewhere.
+  /// Waits until the cursor is where the page says, what is measured before that belongs elsewhere, and until
+  /// no other page is at work. A picker that another page has switched on is then switched on in this page's
+  /// way.
   Task<> arrive();
   /// Whether the port was lost or closed since the picker was switched on. The chip may have been without
   /// power and measure nothing: its registers then hold what they always hold.
-  bool chip_was_away() const { return picker_.on && host_.link().connection() != connection_; }
+  bool chip_was_away() const {
+    return picker_.on && host_.link().connection() != board_->picker().connection;
+  }
 
  private:
+  void picker_changed() override;
+  void go_to(PickerPosition place) override;
+  bool is_another(const Member* member) const { return member && member != this; }
   Task<> send_move(const char* what, IspBytes position);
   Task<> run_switch();
   Task<> tell_of_loss();
@@ -89,13 +116,16 @@ class PickerDesk {
 
   DeskHost& host_;
   Picker picker_;
+  std::shared_ptr<MeasuringBoard> board_;
   View nobody_;
   View* view_ = &nobody_;
   bool keys_wanted_;
   bool switching_chip_ = false;
   bool measuring_ = false;
-  unsigned connection_ = 0;  // on which the chip was switched
-  bool x_typed_ = false;     // and not sent yet
+  bool sweeping_ = false;
+  bool switch_allowed_ = true;
+  bool taking_over_ = false;
+  bool x_typed_ = false;  // and not sent yet
   bool y_typed_ = false;
   Flow switching_;
   Flow watching_;

@@ -58,6 +58,23 @@ Task<std::string> switch_picker(CommandLink& link, bool on, IspBytes bytes, Pick
   co_return std::string("Color picker: not all of it reached the chip");
 }
 
+Task<std::string> switch_plain_picker(CommandLink& link, bool on, PickerSwitch picker) {
+  const int enable = co_await read_picker_register(link, picker_register::kEnable);
+  if (enable < 0) co_return no_answer_text(picker_register::kEnable);
+  picker.off = picker_switch_bytes(false, enable);
+  std::string trouble = co_await switch_picker(link, on, picker_switch_bytes(on, enable), picker.position);
+  if (!on && trouble.empty()) picker.off.clear();
+  co_return trouble;
+}
+
+IspBytes restored_beside_picker(const IspBytes& off) {
+  IspBytes others = off;
+  std::erase_if(others, [](const IspByte& byte) {
+    return byte.address == picker_register::kDisplay || byte.address == picker_register::kEnable;
+  });
+  return others;
+}
+
 Traffic picker_off_traffic(const IspBytes& off) {
   Traffic traffic;
   if (off.empty()) return traffic;

@@ -30,8 +30,21 @@ std::string no_answer_text(int address);
 /// position. What went wrong, in words; empty when all of it left.
 Task<std::string> switch_picker(CommandLink& link, bool on, IspBytes bytes, PickerPosition position);
 
-/// The same for off where nobody can wait for it: each access is followed by a flush of nothing, whose pacing
-/// is its wait. `off` may be empty.
+/// A page's picker as its own values have it, which must outlive the switching.
+struct PickerSwitch {
+  IspBytes& off;  ///< what switches the chip's picker off again
+  PickerPosition& position;
+};
+/// Switches the picker and nothing else, as the linear matrix page does. What went wrong, in words; empty
+/// when the chip followed. Nothing is written where the chip does not tell the bits to keep.
+Task<std::string> switch_plain_picker(CommandLink& link, bool on, PickerSwitch picker);
+
+/// What `off` restores beside the picker itself, such as the correction that a lens calibration measures in
+/// front of.
+IspBytes restored_beside_picker(const IspBytes& off);
+
+/// What switches the picker off where nobody can wait for it: each access is followed by a flush of nothing,
+/// whose pacing is its wait. `off` may be empty.
 Traffic picker_off_traffic(const IspBytes& off);
 
 }  // namespace qv5123

@@ -3,6 +3,7 @@
 #include <QScreen>
 #include <QSettings>
 #include <QStandardPaths>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -13,6 +14,7 @@
 #include "app/ui/process.h"
 #include "app/ui/program.h"
 #include "app/ui/qv5123_app.h"
+#include "app/ui/qv5123_view.h"
 #include "base/atomic_file.h"
 #include "base/ui/qt_text.h"
 #include "link/deferred_device.h"
@@ -22,6 +24,7 @@
 #include "link/trace_device.h"
 #include "simulator/simulated_board.h"
 #include "simulator/ui/camera_dock.h"
+#include "tuning/measuring_board.h"
 
 namespace {
 
@@ -79,9 +82,23 @@ std::optional<PortSettings> fixed_port(const ProgramOptions& options) {
   return port;
 }
 
+CQV5123View& view_of(CMainFrame& frame) {
+  return *static_cast<CQV5123View*>(frame.centralWidget());
+}
+
+/// What was read or sent on the ISP tune page.
+std::optional<int> known_video_mode(const ValueStates& values) {
+  const std::size_t page = values.page_named("front");
+  const auto& fields = values.fields(page);
+  const auto field = std::ranges::find(fields, "video_mode", &FieldInfo::name);
+  if (field == fields.end()) return std::nullopt;
+  const ChipValue chip = values.state(page, static_cast<std::size_t>(field - fields.begin())).chip;
+  return chip.how == Known::nothing ? std::nullopt : std::optional(chip.number);
+}
+
 /// The dock with the simulated camera's picture, and the menu item that shows and hides it. It stands beside
 /// the pages, never over them; a window that cannot become wider for it opens without it.
-void add_camera(CMainFrame& frame, Scheduler& scheduler, SimulatedBoard& board, bool visible) {
+CameraDock& add_camera(CMainFrame& frame, Scheduler& scheduler, SimulatedBoard& board, bool visible) {
   auto* dock = new CameraDock([&board](const auto& use) { board.with_chip(use); }, scheduler, &frame);
   frame.addDockWidget(Qt::RightDockWidgetArea, dock);
   const QSize wider(frame.width() + kCameraWidth, frame.height());
@@ -96,6 +113,16 @@ void add_camera(CMainFrame& frame, Scheduler& scheduler, SimulatedBoard& board, 
   show->setText("&Camera");
   show->setStatusTip("Shows the picture of the simulated camera");
   frame.menuBar()->addAction(show);
+  return *dock;
+}
+
+/// A click into the camera's picture is one into what the pages measure.
+void let_clicks_measure(CameraDock& dock, CMainFrame& frame, std::shared_ptr<MeasuringBoard> measuring) {
+  QObject::connect(&dock, &CameraDock::place_clicked, &frame, [&frame, measuring](int x, int y) {
+    if (measuring->move_to({x, y})) return;
+    view_of(frame).show_status(
+        "The cursor is that of LinearMatrix, LSC and AWBTune: open one of them first.");
+  });
 }
 
 std::unique_ptr<SimulatedBoard> simulated_board(const ProgramOptions& options) {
@@ -136,21 +163,27 @@ Program::Parts program_parts(const ProgramOptions& options) {
   Program::Parts parts;
   parts.list_ports = ports_to_choose;
   parts.probe_port = probe_any;
-  parts.pages = all_pages();
+  const auto measuring = std::make_shared<MeasuringBoard>();
+  parts.pages = all_pages(measuring);
   parts.fixed_port = fixed_port(options);
   if (!options.tour) parts.journal_folder = to_path(QStandardPaths::writableLocation(kJournalPlace));
   // At once: nothing is torn down, and what was to be saved is on the disk.
   parts.end_process = [](int code) { std::_Exit(code); };
   parts.report = report;
+  const auto know_video_mode = [measuring](CMainFrame& frame) {
+    measuring->known_video_mode = [&values = view_of(frame).values()] { return known_video_mode(values); };
+  };
   if (!options.simulate) {
+    parts.furnish = [know_video_mode](CMainFrame& frame, Scheduler&) { know_video_mode(frame); };
     parts.device = device_beside(std::make_unique<DeferredDevice>([] { return simulated_board({}); }));
     return parts;
   }
   auto board = simulated_board(options);
   // The board lives as long as the port session, which outlives the window.
-  parts.furnish = [board = board.get(), tour = options.tour.has_value()](CMainFrame& frame,
-                                                                         Scheduler& scheduler) {
-    add_camera(frame, scheduler, *board, !tour);
+  parts.furnish = [=, board = board.get(), tour = options.tour.has_value()](CMainFrame& frame,
+                                                                            Scheduler& scheduler) {
+    know_video_mode(frame);
+    let_clicks_measure(add_camera(frame, scheduler, *board, !tour), frame, measuring);
   };
   parts.device = device_beside(std::move(board));
   return parts;

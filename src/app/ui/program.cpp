@@ -8,6 +8,7 @@
 #include "app/ui/frame.h"
 #include "app/ui/help_window.h"
 #include "app/ui/history_tool.h"
+#include "app/ui/left_chip.h"
 #include "app/ui/page_area.h"
 #include "app/ui/port_state.h"
 #include "app/ui/qv5123_view.h"
@@ -324,6 +325,7 @@ Task<> Program::end(int exit_code) {
   const bool left = co_await view_->leave_chip(kChipPatience, CQV5123View::Leave::for_good);
   // Nobody sees the window any more.
   if (!left) parts_.report(view_->board().failures().back().text);
+  if (view_->board().latest() == kPickerLeftOff) parts_.report(kPickerLeftOff);
   co_await session_.close();
   if (!view_->gave_up_writing()) co_await finish_files();
   parts_.end_process(exit_code);
@@ -376,6 +378,7 @@ Task<> Program::run_unasked_end() {
   if (view_) {
     co_await view_->end_transfers(kTransferPatience);
     co_await view_->leave_chip(kChipPatience, CQV5123View::Leave::for_good);
+    if (view_->board().latest() == kPickerLeftOff) parts_.report(kPickerLeftOff);
     for (const StatusMessage& failure : view_->board().failures()) parts_.report(failure.text);
   }
   co_await session_.close();

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "app/ui/control_column.h"
+#include "app/ui/left_chip.h"
 #include "app/ui/page_area.h"
 #include "app/ui/qv5123_view.h"
 #include "base/ui/qt_text.h"
@@ -114,11 +115,17 @@ Task<> CQV5123View::send_last_words(Leave leave, Resolver<bool> over) {
   for (const PageEntry& entry : kPageEntries) {
     if (Page* page = pages_->page(entry.id)) append(last, page->leave());
   }
-  bool left = last.empty();
+  const bool has_words = !last.empty();
+  bool left = !has_words;
   // A chip in the middle of an image would take it for the rest of that.
   if (!transfer_.running() && !transfer_.waiting()) {
     left = leave == Leave::for_good ? co_await link_.end_with(std::move(last))
                                     : co_await interrupt_with(std::move(last));
+  }
+  // What pages have to say last is that their picker is off.
+  if (left && has_words) {
+    say(StatusRank::outcome, kAboutForm, kPickerLeftOff);
+    append_console(std::string("\r\n") + kPickerLeftOff + "\r\n");
   }
   // Posted, since who waits for it ends this flow.
   scheduler().post([over, left] { over.resolve(left); });

@@ -59,6 +59,8 @@ CameraDock::CameraDock(WithChip with_chip, Scheduler& scheduler, QWidget* parent
   fill_choices();
   view_ = new PictureView(content);
   view_->setAccessibleName("Picture of the simulated camera");
+  view_->setToolTip("A click moves the cursor of the color picker there");
+  connect(view_, &PictureView::clicked, this, &CameraDock::tell_place);
   text_ = new QLabel(content);
   text_->setAccessibleName("Exposure and white balance");
   auto* layout = new QVBoxLayout(content);
@@ -150,6 +152,17 @@ void CameraDock::show_camera(const Camera& camera) {
   show_item(lamp_, lamp, QString("Lamp of %1 K").arg(lamp));
   const std::string_view noise = noise_name(camera.truth());
   show_item(noise_, QString::fromLatin1(noise.data(), static_cast<qsizetype>(noise.size())), "Noise");
+}
+
+void CameraDock::tell_place(QPointF place) {
+  if (!shown_) return;
+  const Scene& scene = shown_->camera.scene();
+  const auto pixel = [](double at, int size, bool turned) {
+    const int pixel = std::min(static_cast<int>(at * size), size - 1);
+    return turned ? size - 1 - pixel : pixel;
+  };
+  emit place_clicked(pixel(place.x(), scene.width, shown_->settings.mirror),
+                     pixel(place.y(), scene.height, shown_->settings.flip));
 }
 
 void CameraDock::aim() {

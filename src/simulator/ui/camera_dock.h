@@ -36,6 +36,8 @@ class CameraDock final : public QDockWidget {
 
  signals:
   void picture_shown();
+  /// A click into the picture, at this place of what the chip puts out.
+  void place_clicked(int x, int y);
 
  protected:
   void showEvent(QShowEvent* event) override;
@@ -57,6 +59,7 @@ class CameraDock final : public QDockWidget {
   void fill_choices();
   void show_camera(const Camera& camera);
   void aim();
+  void tell_place(QPointF place);
 
   const WithChip with_chip_;
   QComboBox* scene_ = nullptr;

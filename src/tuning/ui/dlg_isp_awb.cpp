@@ -16,11 +16,12 @@ QLabel* centred(const QString& text) {
 
 }  // namespace
 
-CDlgIspAwb::CDlgIspAwb(PageHost& host)
+CDlgIspAwb::CDlgIspAwb(PageHost& host, std::shared_ptr<MeasuringBoard> board)
     : TuningDialog(host, desk_),
-      desk_(host, host.document().user_data),
+      desk_(host, host.document().user_data, std::move(board)),
       edits_(desk_, [this] { redraw(); }),
-      chart_(new AwbChartView) {
+      chart_(new AwbChartView),
+      choice_(new QButtonGroup(this)) {
   auto* commands = new QVBoxLayout;
   commands->addWidget(make_navigation_group());
   commands->addWidget(make_file_group());
@@ -35,10 +36,14 @@ CDlgIspAwb::CDlgIspAwb(PageHost& host)
   left->addLayout(below);
   below->addWidget(make_line_group());
   below->addLayout(commands);
+  below->addWidget(make_measuring_group(), 0, Qt::AlignTop);
   below->addStretch();
   page->addWidget(make_patch_group());
+  on_choice(choice_, [this](int patch) { desk_.choose_patch(static_cast<std::size_t>(patch)); });
   desk_.attach(*this);
+  desk_.picker().attach(*this);
   show_values();
+  show_keys();
 }
 
 QWidget* CDlgIspAwb::make_line_group() {
@@ -97,6 +102,30 @@ QWidget* CDlgIspAwb::make_navigation_group() {
   return group;
 }
 
+QWidget* CDlgIspAwb::make_measuring_group() {
+  auto* group = new QGroupBox("Chart");
+  auto* column = new QVBoxLayout(group);
+  column->setContentsMargins(5, 5, 5, 6);
+  picker_ = make_check("Enable \nColor Picker", "Enable Color Picker",
+                       "Shows the cursor in the picture and stops AE and AWB meanwhile, as on LinearMatrix",
+                       [this](bool on) { desk_.picker().click_switch(on); });
+  auto* next = make_check("Next patch after\nGET COLOR", "Next patch after GET COLOR",
+                          "GET COLOR then chooses the patch after the one that it has measured",
+                          [this](bool on) { desk_.choose_advance(on); });
+  show_checked(next, desk_.advances());
+  all_ = make_button("Measure 18", {},
+                     "Measures the 18 colored patches from the chart's four corners, which are set on "
+                     "LinearMatrix; pressed again it stops",
+                     [this] { desk_.measure_all(); });
+  column->addWidget(picker_);
+  column->addWidget(next);
+  column->addWidget(all_);
+  column->addWidget(make_button("From LinearMatrix", {},
+                                "Takes over the 18 colored patches that were measured on LinearMatrix",
+                                [this] { desk_.take_from_matrix(); }));
+  return group;
+}
+
 QWidget* CDlgIspAwb::make_file_group() {
   return make_file_control({[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
                             [this] { desk_.start_save(host().prompts(), desk_.save()); },
@@ -121,9 +150,7 @@ void CDlgIspAwb::add_patch_row(QGridLayout* grid, std::size_t row) {
   const QString caption = kAwbPatches[row].caption;
   auto* choice = named(new QRadioButton(caption), caption, "GET COLOR fills this patch");
   choice->setChecked(row == 0);
-  connect(choice, &QRadioButton::toggled, this, [this, row](bool chosen) {
-    if (chosen) desk_.choose_patch(row);
-  });
+  choice_->addButton(choice, static_cast<int>(row));
   grid->addWidget(choice, line, 0);
   int column = 1;
   const PatchColour& patch = desk_.values().patches[row];
@@ -138,7 +165,19 @@ void CDlgIspAwb::add_patch_row(QGridLayout* grid, std::size_t row) {
 
 void CDlgIspAwb::show_values() {
   edits_.show();
+  show_measuring();
   redraw();
+}
+
+void CDlgIspAwb::show_measuring() {
+  show_choice(choice_, static_cast<int>(desk_.patch()));
+  show_caption(all_, desk_.measuring_all() ? QString("Stop (%1 left)").arg(desk_.patches_left())
+                                           : QString("Measure 18"));
+}
+
+void CDlgIspAwb::show_keys() {
+  show_checked(picker_, desk_.picker().on());
+  picker_->setEnabled(desk_.picker().switch_enabled());
 }
 
 }  // namespace qv5123

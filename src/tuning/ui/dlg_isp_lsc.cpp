@@ -20,9 +20,9 @@ QString flicker_text(int hertz, int mode) {
 
 }  // namespace
 
-CDlgIspLSC::CDlgIspLSC(PageHost& host)
+CDlgIspLSC::CDlgIspLSC(PageHost& host, std::shared_ptr<MeasuringBoard> board)
     : TuningDialog(host, desk_),
-      desk_(host, host.document().user_data),
+      desk_(host, host.document().user_data, std::move(board)),
       edits_(desk_, [this] { chart_->refresh(); }),
       picker_(make_picker()),
       chart_(new LensChartView(desk_.calibration(), desk_.values())),

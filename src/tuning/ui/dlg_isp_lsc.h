@@ -18,7 +18,8 @@ class CDlgIspLSC : public TuningDialog, private LensDesk::View {
   Q_OBJECT
 
  public:
-  explicit CDlgIspLSC(PageHost& host);
+  explicit CDlgIspLSC(PageHost& host,
+                      std::shared_ptr<MeasuringBoard> board = std::make_shared<MeasuringBoard>());
 
   bool save_writes_file() const override { return true; }
   Traffic leave() override { return desk_.leave(); }

@@ -45,9 +45,9 @@ class RatioEdit : public NumberEdit {
 
 }  // namespace
 
-CDlgIspMatrix::CDlgIspMatrix(PageHost& host)
+CDlgIspMatrix::CDlgIspMatrix(PageHost& host, std::shared_ptr<MeasuringBoard> board)
     : TuningDialog(host, desk_),
-      desk_(host, host.document().user_data),
+      desk_(host, host.document().user_data, std::move(board)),
       picker_(make_picker()),
       patches_(new PatchGrid(desk_)),
       fit_(new MatrixFitBox(desk_)) {

@@ -20,7 +20,8 @@ class CDlgIspMatrix : public TuningDialog, private MatrixDesk::View {
   Q_OBJECT
 
  public:
-  explicit CDlgIspMatrix(PageHost& host);
+  explicit CDlgIspMatrix(PageHost& host,
+                         std::shared_ptr<MeasuringBoard> board = std::make_shared<MeasuringBoard>());
 
   void chosen_again() override { show_measurements(); }
   Traffic leave() override { return desk_.leave(); }

@@ -1,0 +1,218 @@
+#include "tuning/measuring_board.h"
+
+#include "support/chart_readings.h"
+#include "support/desk_bench.h"
+#include "tuning/awb_desk.h"
+#include "tuning/lens_desk.h"
+#include "tuning/matrix_desk.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr char kReadBoth[] = "@940a*@9429*@940a*@9410*";
+constexpr char kCorrectionBack[] = "@920a*@9210*@9313*";
+constexpr char kOn[] =
+    "@920a*@9220*@9380*@920a*@9229*@9385*@a000*@a100*"
+    "@920c*@923a*@9302*@920c*@923b*@931c*@920c*@9238*@9303*@920c*@9239*@93c0*";
+constexpr char kOff[] = "@940a*@9429*@920a*@9220*@9390*@920a*@9229*@9305*@a001*@a101*";
+
+/// The three pages on a chip whose picker reads 10, 20, 30 everywhere.
+class MeasuringBoardTest : public test::DeskBench {
+ protected:
+  MeasuringBoardTest() {
+    fake_.sender.chip = [this](const std::string& bytes) {
+      if (bytes == "@940a*@9429*") fake_.receive("~05^");
+      if (bytes == "@940a*@9410*") fake_.receive("~03^");
+      if (bytes == "@940c*@943d*" || bytes == "@940c*@9492*") fake_.receive("~0a^");
+      if (bytes == "@940c*@943e*" || bytes == "@940c*@9496*") fake_.receive("~14^");
+      if (bytes == "@940c*@943f*" || bytes == "@940c*@949a*") fake_.receive("~1E^");
+    };
+  }
+  /// The signal of the chip's picture: an item of "Video Mode".
+  void load_file_with_mode(int mode) {
+    image().set_entry(454, mode);
+    image().mark_loaded();
+  }
+  void type_chart(const MeasuredColours& counts) {
+    for (std::size_t patch = 0; patch < kPatches; ++patch)
+      for (std::size_t colour = 0; colour < 3; ++colour)
+        matrix_.type_patch(patch, colour, counts[patch][colour]);
+  }
+
+  std::shared_ptr<MeasuringBoard> board_ = std::make_shared<MeasuringBoard>();
+  MatrixDesk matrix_{host_, host_.doc.user_data, board_};
+  LensDesk lens_{host_, host_.doc.user_data, board_};
+  AwbDesk awb_{host_, host_.doc.user_data, board_};
+};
+
+TEST_F(MeasuringBoardTest, APickerSwitchedOnOnePageIsOnOnAll) {
+  matrix_.choose_manual_input(true);
+  lens_.picker().click_switch(true);
+  EXPECT_TRUE(matrix_.picker().on());
+  EXPECT_FALSE(matrix_.picker().switch_enabled()) << "one switch at a time";
+  matrix_.picker().click_switch(false);
+  EXPECT_EQ(wire(3000), std::string(kReadBoth) + "@920a*@9210*@9303*" + kOn);
+  EXPECT_TRUE(matrix_.picker().keys_enabled());
+  EXPECT_EQ(matrix_.typing(), MatrixDesk::Typing::chosen) << "switching on ends manual input, wherever";
+  EXPECT_TRUE(awb_.picker().on());
+
+  matrix_.picker().type_x(5);
+  EXPECT_EQ(lens_.values().picker, (PickerPosition{5, 540}));
+  matrix_.picker().type_x(960);
+  wire();
+  matrix_.get_color();
+  EXPECT_EQ(wire(3000),
+            std::string(kCorrectionBack) + "@940a*@9429*" + kOn + "@940c*@943d*@940c*@943e*@940c*@943f*")
+      << "measured in the page's own way, behind the lens correction";
+  matrix_.get_color();
+  EXPECT_EQ(wire(), "@940c*@943d*@940c*@943e*@940c*@943f*");
+
+  awb_.picker().click_switch(false);
+  EXPECT_EQ(wire(3000), kOff);
+  EXPECT_FALSE(matrix_.picker().on());
+  EXPECT_FALSE(lens_.values().picker_on);
+  EXPECT_EQ(host_.last_status(), kPickerOffStatus);
+}
+
+TEST_F(MeasuringBoardTest, WhatEndsItElsewhereRestoresTheLensCorrection) {
+  lens_.picker().click_switch(true);
+  wire(3000);
+  matrix_.picker().click_switch(false);
+  EXPECT_EQ(wire(3000), std::string(kCorrectionBack) + kOff);
+
+  lens_.picker().click_switch(true);
+  wire(3000);
+  host_.user.answers = {Answer::yes};
+  matrix_.start_save(host_.user, matrix_.save(host_));
+  EXPECT_TRUE(wire(60000).ends_with("@fa00*@f900*" + std::string(kCorrectionBack) + kOff));
+  EXPECT_FALSE(lens_.picker().on());
+
+  lens_.picker().click_switch(true);
+  wire(3000);
+  EXPECT_EQ(matrix_.leave().front(), (Batch{{0x92, 0x0A}, {0x92, 0x10}, {0x93, 0x13}}));
+  EXPECT_TRUE(lens_.leave().empty()) << "said once";
+  EXPECT_FALSE(awb_.picker().on());
+}
+
+TEST_F(MeasuringBoardTest, OthersKeysRestWhileAPageMovesTheCursor) {
+  lens_.picker().click_switch(true);
+  wire(3000);
+  lens_.start_calibration(host_.user);
+  wire(500);
+  EXPECT_FALSE(matrix_.picker().keys_enabled());
+  EXPECT_TRUE(matrix_.picker().switch_enabled()) << "it ends the sweep";
+  EXPECT_TRUE(board_->move_to({1, 2}));
+  EXPECT_EQ(host_.last_status(), "The cursor stays: it is being moved by a measurement.");
+  awb_.get_color();
+  EXPECT_EQ(host_.last_status(), "GET COLOR: the cursor is being moved by a measurement.");
+  matrix_.picker().click_switch(false);
+  wire(5000);
+  EXPECT_FALSE(lens_.calibrating());
+  EXPECT_FALSE(matrix_.picker().keys_enabled());
+  EXPECT_TRUE(board_->move_to({7, 2}));
+  EXPECT_EQ(wire(), "") << "switching on brings it there";
+  EXPECT_EQ(awb_.picker().position(), (PickerPosition{7, 2}));
+  awb_.picker().click_switch(true);
+  wire(3000);
+  board_->move_to({7, 3});
+  EXPECT_EQ(wire(), "@920c*@923a*@9300*@920c*@923b*@9303*@920c*@9238*@9300*@920c*@9239*@9307*");
+}
+
+TEST_F(MeasuringBoardTest, AwbGoesOnFromPatchToPatch) {
+  awb_.choose_patch(22);
+  awb_.get_color();
+  awb_.get_color();
+  awb_.get_color();
+  EXPECT_EQ(host_.last_status(), "GET COLOR: 2 more to come.");
+  wire(2000);
+  for (const std::size_t patch : {22, 23, 0})
+    EXPECT_EQ(awb_.values().patches[patch], (PatchColour{10, 20, 30})) << patch;
+  EXPECT_EQ(awb_.patch(), 1u);
+  awb_.choose_advance(false);
+  awb_.get_color();
+  wire(2000);
+  EXPECT_EQ(awb_.patch(), 1u);
+
+  awb_.take_from_matrix();
+  EXPECT_EQ(host_.last_status(), "From LinearMatrix: none of the 18 colors is measured there.");
+  MeasuredColours counts = test::chart_readings("chart");
+  counts[4] = {};
+  counts[5] = {1, 2, 300};
+  type_chart(counts);
+  awb_.take_from_matrix();
+  EXPECT_EQ(host_.last_status(), "From LinearMatrix: 17 of 18 colors taken over.");
+  EXPECT_EQ(awb_.values().patches[4], PatchColour{}) << "not measured there either";
+  EXPECT_EQ(awb_.values().patches[5], (PatchColour{1, 2, 255}));
+  EXPECT_EQ(awb_.values().patches[18], PatchColour{}) << "whites are no patches of the chart";
+}
+
+TEST_F(MeasuringBoardTest, AwbMeasuresItsColorsFromTheCorners) {
+  const MeasuredColours counts = test::chart_readings("chart");
+  std::string asked;
+  std::size_t patch = 0;
+  fake_.sender.chip = [&](const std::string& bytes) {
+    if (bytes == "@940a*@9429*") fake_.receive("~05^");
+    constexpr const char* kAsked[] = {"@940c*@9492*", "@940c*@9496*", "@940c*@949a*"};
+    if (bytes.starts_with("@920c*@923a*")) patch = patch == 0 && asked.empty() ? 0 : patch + 1;
+    for (std::size_t c = 0; c < 3; ++c) {
+      if (bytes != kAsked[c]) continue;
+      asked = bytes;
+      const char* digits = "0123456789abcdef";
+      const unsigned count = counts[patch][c];
+      fake_.receive(std::string("~") + digits[count / 16] + digits[count % 16] + "^");
+    }
+  };
+  awb_.measure_all();
+  EXPECT_EQ(host_.last_status(), "Measure 18: enable the color picker first, and wait for GET COLOR.");
+  awb_.picker().click_switch(true);
+  wire(3000);
+  awb_.measure_all();
+  EXPECT_EQ(host_.last_status(),
+            "Measure 18: the chart's four corners are set on LinearMatrix, and are not yet.");
+  constexpr PickerPosition kCorners[] = {{100, 100}, {1100, 100}, {1100, 700}, {100, 700}};
+  for (std::size_t corner = 0; corner < 4; ++corner) {
+    matrix_.choose_patch(kCornerPatches[corner]);
+    matrix_.picker().type_x(kCorners[corner].x);
+    matrix_.picker().type_y(kCorners[corner].y);
+    wire(2000);
+    matrix_.set_corner();
+  }
+  patch = 0;
+  asked.clear();
+  awb_.measure_all();
+  EXPECT_TRUE(awb_.measuring_all());
+  wire(30000);
+  EXPECT_FALSE(awb_.measuring_all());
+  EXPECT_EQ(host_.last_status().find("Measured Cyan is "), 0u) << host_.last_status();
+  EXPECT_EQ(awb_.values().patches[17].g, static_cast<int>(counts[17][1]));
+  EXPECT_EQ(awb_.picker().position(), (PickerPosition{1100, 500})) << "the third row's end";
+}
+
+TEST_F(MeasuringBoardTest, AnotherVideoModeThanTheChipsIsSaid) {
+  load_file_with_mode(2);
+  type_chart(test::chart_readings("chart"));
+  matrix_.calculate(host_.user);
+  const std::string other =
+      "The chip's video mode is 2M PAL A_25fps: it uses the matrix of AHD, and this is that of TVI.";
+  EXPECT_EQ(host_.last_status(), other);
+  wire();
+  host_.user.answers = {Answer::no};
+  matrix_.set_row(MatrixControl::red_row, host_.user);
+  EXPECT_EQ(wire(), "");
+  ASSERT_EQ(host_.user.questions.size(), 1u);
+  EXPECT_EQ(host_.user.questions[0].text.find(other), 0u);
+
+  board_->known_video_mode = [] { return 8; };
+  matrix_.choose_mode(kAhd);
+  matrix_.calculate(host_.user);
+  EXPECT_EQ(host_.last_status(), "Matrix calculated from 24 patches.") << "what the chip said counts more";
+  lens_.picker().click_switch(true);
+  wire(3000);
+  lens_.start_calibration(host_.user);
+  EXPECT_EQ(
+      host_.last_status(),
+      "The chip's video mode is 1M PAL A_25fps: its lines have 1280 pixels, and Screen Size says 1920.");
+}
+
+}  // namespace
+}  // namespace qv5123
