@@ -33,6 +33,25 @@ int leading_number(std::u16string_view text) {
   return number;
 }
 
+/// The bits that a range names; none where its numbers name no bits of a register.
+struct Bits {
+  int low = 0;
+  int width = 0;
+  int largest() const { return (1 << width) - 1; }
+};
+
+/// Nothing without a '['.
+std::optional<Bits> bits_of(std::u16string_view range) {
+  range = range.substr(0, kRangeLength);
+  const std::size_t bracket = range.find(u'[');
+  if (bracket == range.npos) return std::nullopt;
+  const int high = leading_number(range.substr(bracket + 1));
+  const std::size_t colon = range.find(u':');
+  const int low = colon == range.npos ? high : leading_number(range.substr(colon + 1));
+  if (low > 7 || high < low) return Bits{};
+  return Bits{low, std::min(high - low + 1, 8)};
+}
+
 }  // namespace
 
 std::u16string hex_text(int number, int digits) {
@@ -139,15 +158,17 @@ void HexEdit::show_number() {
 }
 
 std::string bit_field_data(std::u16string_view range, int value) {
-  range = range.substr(0, kRangeLength);
-  const std::size_t bracket = range.find(u'[');
-  if (bracket == range.npos) return {};
-  const int high = leading_number(range.substr(bracket + 1));
-  const std::size_t colon = range.find(u':');
-  const int low = colon == range.npos ? high : leading_number(range.substr(colon + 1));
-  if (low > 7 || high < low) return " 0";
-  const int width = std::min(high - low + 1, 8);
-  return " " + std::to_string((value >> low) & ((1 << width) - 1));
+  const std::optional<Bits> bits = bits_of(range);
+  if (!bits) return {};
+  return " " + std::to_string((value >> bits->low) & bits->largest());
+}
+
+std::optional<int> with_bit_field(std::u16string_view range, int value, int number) {
+  const std::optional<Bits> bits = bits_of(range);
+  if (!bits || bits->width == 0) return std::nullopt;
+  const int largest = std::min(bits->largest(), 0xFF >> bits->low);
+  const int mask = largest << bits->low;
+  return (value & 0xFF & ~mask) | std::clamp(number, 0, largest) << bits->low;
 }
 
 }  // namespace qv5123

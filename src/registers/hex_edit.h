@@ -88,4 +88,8 @@ std::u16string hex_text(int number, int digits);
 /// text is empty. Bits that do not exist are 0.
 std::string bit_field_data(std::u16string_view range, int value);
 
+/// `value` with the bits of `range` replaced by `number`, which is held within what they can be. Nothing
+/// where the range names no bits of a register.
+std::optional<int> with_bit_field(std::u16string_view range, int value, int number);
+
 }  // namespace qv5123

@@ -208,6 +208,14 @@ void RegisterDesk::set_bits(int bits) {
   view_.show_value();
 }
 
+void RegisterDesk::set_field(std::size_t row, int number) {
+  drop_late_answer();
+  if (!sheet_.set_field(row, number))
+    return host_.show_failure("The register has no value yet: read it before a part of it is changed");
+  view_.show_value();
+  view_.show_data();
+}
+
 void RegisterDesk::save_file() {
   if (!save_.running()) save_.start(save_file_flow());
 }

@@ -43,6 +43,8 @@ class RegisterDesk {
   void type_address(std::u16string_view text);
   void type_value(std::u16string_view text);
   void set_bits(int bits);
+  /// A number was typed for a bit field. As a box that is switched, it is sent with "Write".
+  void set_field(std::size_t row, int number);
 
   void load_category() { loader_.load_category(); }
   void load_all() { loader_.load_all(); }

@@ -85,6 +85,16 @@ void RegisterSheet::set_bits(int bits) {
   value_text_ = hex_text(bits, 2);
 }
 
+bool RegisterSheet::set_field(std::size_t row, int number) {
+  const RegBitField* bits = field(row);
+  const int value = ParseRegAddress(value_text_);
+  const auto now = bits && value >= 0 ? with_bit_field(bits->range, value, number) : std::nullopt;
+  if (!now) return false;
+  set_bits(*now);
+  data_[row] = bit_field_data(bits->range, *now);
+  return true;
+}
+
 void RegisterSheet::show_read(int value) {
   set_bits(value);
   if (current_ < description_.registers.size()) description_.registers[current_].know(value);

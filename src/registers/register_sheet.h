@@ -58,6 +58,9 @@ class RegisterSheet {
   bool type_address(std::u16string_view text);
   void type_value(std::u16string_view text) { value_text_ = text; }
   void set_bits(int bits);
+  /// Puts a number into the bits of the field in a row of the table. False where there is no value to put it
+  /// into, or no such field.
+  bool set_field(std::size_t row, int number);
 
   /// A value that was read from the current register's address.
   void show_read(int value);

@@ -86,6 +86,10 @@ TEST(BitFieldData, ShowsTheBitsOfTheRange) {
   for (const auto odd : {u"[", u"[99999", u"[:9999", u"[-1:-2]"}) bit_field_data(odd, 0xFF);
   EXPECT_EQ(bit_field_data(u"[4:7]", 0xFF), " 0");
   EXPECT_EQ(bit_field_data(u"[99:4]", 0xA5), " 10");
+  EXPECT_EQ(with_bit_field(u"[6:4]", 0xFF, 2), 0xAF);
+  EXPECT_EQ(with_bit_field(u"[0]", 0xA4, 9), 0xA5) << "the nearest that fits";
+  EXPECT_EQ(with_bit_field(u"[99:4]", 0x0F, 3), 0x3F);
+  for (const auto odd : {u"7:4", u"[15:12]", u"[4:7]"}) EXPECT_FALSE(with_bit_field(odd, 0xFF, 0));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QSpinBox>
+#include <QSplitter>
 #include <utility>
 
 #include "app/ui/column_drawer.h"
@@ -32,6 +33,7 @@ QVariant state_of(const QWidget* widget) {
   if (const auto* number = qobject_cast<const QSpinBox*>(widget)) return number->value();
   if (const auto* edit = qobject_cast<const QLineEdit*>(widget)) return edit->text();
   if (const auto* header = qobject_cast<const QHeaderView*>(widget)) return header->saveState();
+  if (const auto* splitter = qobject_cast<const QSplitter*>(widget)) return splitter->saveState();
   return {};
 }
 
@@ -44,6 +46,7 @@ void restore_state(QWidget* widget, const QVariant& state) {
   if (auto* number = qobject_cast<QSpinBox*>(widget)) return number->setValue(state.toInt());
   if (auto* edit = qobject_cast<QLineEdit*>(widget)) return edit->setText(state.toString());
   if (auto* header = qobject_cast<QHeaderView*>(widget)) header->restoreState(state.toByteArray());
+  if (auto* splitter = qobject_cast<QSplitter*>(widget)) splitter->restoreState(state.toByteArray());
 }
 
 }  // namespace

@@ -9,6 +9,7 @@ namespace qv5123 {
 
 inline constexpr const char* kKeptChoice = "kept-choice";
 inline constexpr const char* kCommand = "command";
+inline constexpr const char* kUnfolds = "unfolds";
 inline constexpr const char* kSetsTheEditsBeside = "sets-the-edits-beside";
 
 /// The commands that the main window has a key for.
@@ -18,11 +19,18 @@ inline constexpr const char* kReadCommand =
 inline constexpr const char* kSaveCommand = "save";  ///< sends the page for the chip to keep
 
 /// Marks a control whose state is the user's own choice and no value of the chip: it is kept from run to run
-/// by its accessible name, which must not change. Check boxes, lists, number edits, line edits and headers
-/// can be kept.
+/// by its accessible name, which must not change. Check boxes, lists, number edits, line edits, headers and
+/// splitters can be kept.
 template <class Widget>
 Widget* keep_choice(Widget* widget) {
   widget->setProperty(kKeptChoice, true);
+  return widget;
+}
+
+/// Marks the check box that shows more of its page.
+template <class Widget>
+Widget* mark_unfolds(Widget* widget) {
+  widget->setProperty(kUnfolds, true);
   return widget;
 }
 

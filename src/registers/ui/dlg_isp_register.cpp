@@ -5,14 +5,20 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScrollBar>
+#include <QSortFilterProxyModel>
+#include <QSplitter>
 #include <QTableView>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "base/ui/page_marks.h"
+#include "registers/hex_edit.h"
 #include "registers/ui/bit_boxes.h"
 #include "registers/ui/hex_edits.h"
 #include "registers/ui/multiline_list.h"
+#include "registers/ui/register_columns.h"
 #include "registers/ui/register_list_model.h"
 #include "registers/ui/spin_arrows.h"
 
@@ -21,27 +27,13 @@ namespace {
 
 constexpr int kBit = 0, kFieldName = 1, kDescription = 2, kSample = 3, kData = 4, kFieldColumns = 5;
 
-struct ColumnLayout {
-  const char* heading;
-  int width;           // pixels
-  const char* widest;  // a content that must fit with any font
-};
-
 constexpr int kFieldMargins = 6;  // around a cell's text, with its grid line
 
-constexpr ColumnLayout kListColumns[] = {
-    {"No.", 30, "2000"}, {"Addr", 50, "0xDDDD"}, {"Name", 120, ""}, {"Value", 50, "0xDD"}};
 constexpr ColumnLayout kFieldTable[] = {{"Bit", 40, "[7:0]"},
                                         {"Name", 80, ""},
                                         {"Description", 200, ""},
                                         {"Data Sample", 190, ""},
                                         {"Data", 40, " 255"}};
-
-// The given width, or what the content needs with the cell's own margins.
-int column_width(const ColumnLayout& column, const QWidget& widget, int margins) {
-  return std::max(column.width,
-                  widget.fontMetrics().horizontalAdvance(QLatin1String(column.widest)) + margins);
-}
 
 QLabel* label_of(const QString& caption, QWidget* control, const QString& name) {
   auto* label = new QLabel(caption);
@@ -63,6 +55,15 @@ void reserve_width(QPushButton* button, const QString& widest) {
   button->setText(caption);
 }
 
+/// The lines of a sample that lists numbers with what they mean, as "0: off"; none of any other sample.
+QStringList choices_of(const QString& sample) {
+  static const QRegularExpression number_with_words("^\\s*\\d+\\s*:");
+  QStringList lines = QString(sample).remove(u'\r').split(u'\n', Qt::SkipEmptyParts);
+  const bool all =
+      std::ranges::all_of(lines, [](const QString& line) { return line.contains(number_with_words); });
+  return all && lines.size() > 1 ? lines : QStringList();
+}
+
 QString cell_of(const QString& text) {
   return text.isEmpty() ? QStringLiteral(" ") : text;
 }
@@ -82,8 +83,7 @@ CDlgIspRegister::CDlgIspRegister(PageHost& host, QWidget* parent)
   make_list();
   make_field_table();
   auto* layout = new QHBoxLayout(this);
-  layout->addLayout(make_list_column());
-  layout->addLayout(make_register_column(), 1);
+  layout->addWidget(make_splitter());
   connect(category_, &QComboBox::currentIndexChanged, this,
           [this](int index) { desk_.choose_category(index); });
   connect_edits();
@@ -93,6 +93,20 @@ CDlgIspRegister::CDlgIspRegister(PageHost& host, QWidget* parent)
 }
 
 CDlgIspRegister::~CDlgIspRegister() = default;
+
+QWidget* CDlgIspRegister::make_splitter() {
+  auto* splitter = keep_choice(new QSplitter);
+  splitter->setAccessibleName("Width of the list");
+  splitter->setChildrenCollapsible(false);
+  for (QBoxLayout* column : {make_list_column(), make_register_column()}) {
+    auto* side = new QWidget;
+    column->setContentsMargins(0, 0, 0, 0);
+    side->setLayout(column);
+    splitter->addWidget(side);
+  }
+  splitter->setStretchFactor(1, 1);
+  return splitter;
+}
 
 QBoxLayout* CDlgIspRegister::make_list_column() {
   category_->setToolTip("Group of registers in the description");
@@ -106,46 +120,19 @@ QBoxLayout* CDlgIspRegister::make_list_column() {
   return column;
 }
 
-void CDlgIspRegister::make_list() {
-  list_model_ = new RegisterListModel(desk_.sheet(), this);
-  list_->setModel(list_model_);
-  list_->setAccessibleName("Registers");
-  list_->setToolTip("Registers of the category; a selected one is read");
-  list_->setSelectionBehavior(QAbstractItemView::SelectRows);
-  list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  list_->setTabKeyNavigation(false);
-  list_->setWordWrap(false);
-  list_->setCornerButtonEnabled(false);
-  list_->verticalHeader()->hide();
-  list_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-  list_->verticalHeader()->setDefaultSectionSize(list_->fontMetrics().height() + 6);
-  list_->horizontalHeader()->setHighlightSections(false);
-  list_->horizontalHeader()->setMinimumSectionSize(10);
-  list_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-  const int margins = 2 * (list_->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, list_) + 1) + 4;
-  int width = list_->verticalScrollBar()->sizeHint().width() + 2 * list_->frameWidth();
-  for (int column = 0; column < RegisterListModel::kColumns; ++column) {
-    list_->setColumnWidth(column, column_width(kListColumns[column], *list_, margins));
-    width += list_->columnWidth(column);
-  }
-  list_->setFixedWidth(width);
-  // Where there is no scroll bar, names have its room.
-  list_->horizontalHeader()->setSectionResizeMode(RegisterListModel::kName, QHeaderView::Stretch);
-  connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-          &CDlgIspRegister::follow_selection);
-  connect(list_, &QTableView::doubleClicked, this, [this](const QModelIndex& index) {
-    if (index.row() == desk_.sheet().current_row()) desk_.read();
-  });
-}
-
 void CDlgIspRegister::make_field_table() {
   fields_->setAccessibleName("Bit fields");
-  fields_->setToolTip("Bit fields of the register at the address, with their part of the value");
+  fields_->setToolTip(
+      "Bit fields of the register at the address, with their part of the value. Return or a double click "
+      "changes the part in \"Data\"; \"Write\" sends it.");
+  connect(fields_, &CMultilineList::cell_edited, this,
+          [this](int, int row, int number) { desk_.set_field(static_cast<std::size_t>(row), number); });
   fields_->set_size(kFieldColumns, static_cast<int>(RegisterSheet::kFieldRows));
   for (int column = 0; column < kFieldColumns; ++column) {
     fields_->set_column_heading(column, QLatin1String(kFieldTable[column].heading));
     fields_->set_column_width(column, column_width(kFieldTable[column], *fields_, kFieldMargins));
   }
+  fields_->stretch_column(kDescription);
 }
 
 QBoxLayout* CDlgIspRegister::make_register_column() {
@@ -258,22 +245,6 @@ void CDlgIspRegister::connect_edits() {
   connect(bits_, &BitBoxes::toggled, this, [this](int bits) { desk_.set_bits(bits); });
 }
 
-void CDlgIspRegister::follow_selection(const QItemSelection& added) {
-  if (showing_selection_) return;
-  // Assistive tools add a row and leave the current one where it is.
-  if (!added.isEmpty() && !added.contains(list_->currentIndex())) {
-    showing_selection_ = true;
-    list_->selectionModel()->setCurrentIndex(added.indexes().first(),
-                                             QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    showing_selection_ = false;
-  }
-  // Not what is newly selected: a click on one of several selected rows only takes the others away.
-  const QModelIndex current = list_->currentIndex();
-  if (current.isValid() && list_->selectionModel()->isRowSelected(current.row())) {
-    desk_.select_row(current.row());
-  }
-}
-
 void CDlgIspRegister::show_description() {
   const QSignalBlocker blocker(category_);
   for (const std::u16string& name : desk_.sheet().description().categories) {
@@ -287,25 +258,6 @@ void CDlgIspRegister::show_category() {
   showing_selection_ = false;
   // Not while another page is shown, whose keys it would take.
   if (isVisible()) list_->setFocus();
-}
-
-void CDlgIspRegister::show_selection() {
-  // Rows that stand together are one range: the selection's cost grows with the square of its ranges.
-  QItemSelection rows;
-  const std::vector<int>& selected = desk_.sheet().selected_rows();
-  for (std::size_t i = 0; i < selected.size();) {
-    const int first = selected[i];
-    int last = first;
-    while (++i < selected.size() && selected[i] == last + 1) ++last;
-    rows.select(list_model_->index(first, 0), list_model_->index(last, 0));
-  }
-  showing_selection_ = true;
-  QItemSelectionModel* selection = list_->selectionModel();
-  selection->select(rows, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-  const QModelIndex current = list_model_->index(desk_.sheet().current_row(), 0);
-  selection->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
-  if (current.isValid()) list_->scrollTo(current);
-  showing_selection_ = false;
 }
 
 void CDlgIspRegister::show_value_cell(int row) {
@@ -332,6 +284,8 @@ void CDlgIspRegister::show_fields() {
     fields_->set_cell_text(kFieldName, row, cell_of(shown_name(field->name)));
     fields_->set_cell_text(kDescription, row, cell_of(QString::fromStdU16String(field->description)));
     fields_->set_cell_text(kSample, row, cell_of(QString::fromStdU16String(field->sample)));
+    fields_->set_cell_editable(kData, row, with_bit_field(field->range, 0, 0).has_value(),
+                               choices_of(QString::fromStdU16String(field->sample)));
   }
   show_data();
 }

@@ -2,6 +2,7 @@
 
 #include <QWidget>
 
+#include "base/ui/findable.h"
 #include "console/page_host.h"
 #include "registers/register_desk.h"
 
@@ -11,6 +12,7 @@ class QItemSelection;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class QSortFilterProxyModel;
 class QTableView;
 
 namespace qv5123 {
@@ -24,7 +26,7 @@ class RegisterListModel;
 
 /// The page that reads and writes single registers, by address or by the categories of the description
 /// "regu.xml" in the current directory, and loads, saves and restores them in bulk.
-class CDlgIspRegister final : public QWidget, public Page, private RegisterView {
+class CDlgIspRegister final : public QWidget, public Page, public Findable, private RegisterView {
   Q_OBJECT
 
  public:
@@ -34,7 +36,12 @@ class CDlgIspRegister final : public QWidget, public Page, private RegisterView 
   /// True while the description or the first register is being read.
   bool loading() const override { return desk_.opening() || desk_.reading(); }
 
+  /// All registers and bit fields of the description.
+  std::vector<FoundPlace> places() const override;
+  void go_to(int id) override;
+
  private:
+  QWidget* make_splitter();
   QBoxLayout* make_list_column();
   QBoxLayout* make_register_column();
   QBoxLayout* make_address_rows();
@@ -58,6 +65,7 @@ class CDlgIspRegister final : public QWidget, public Page, private RegisterView 
 
   QComboBox* category_;
   RegisterListModel* list_model_ = nullptr;
+  QSortFilterProxyModel* sorted_ = nullptr;
   QTableView* list_;
   CMyEditAddress* address_;
   CMyEditValue* value_;

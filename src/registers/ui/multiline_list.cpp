@@ -1,133 +1,146 @@
 #include "registers/ui/multiline_list.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QScrollBar>
 #include <QStyle>
 #include <QTimer>
 #include <QWheelEvent>
+#include <algorithm>
+
+#include "registers/ui/cell_delegate.h"
 
 namespace qv5123 {
 namespace {
 
-constexpr int kTextMargin = 2;    // around a cell's text
 constexpr int kBelowText = 3;     // from the tallest text to the end of its row
 constexpr int kWheelNotch = 120;  // eighths of a degree
-// Neither mnemonics nor tabs mean anything in a cell.
-constexpr int kTextFlags = Qt::TextWordWrap | Qt::AlignLeft | Qt::AlignTop;
-
-// Painting knows line feeds only.
-QString lines_of(QString text) {
-  return text.replace(QLatin1String("\r\n"), QLatin1String("\n"))
-      .replace(QLatin1Char('\r'), QLatin1Char('\n'));
-}
+const QString kEmpty = QStringLiteral(" ");
 
 }  // namespace
 
-CMultilineList::CMultilineList(QWidget* parent)
-    : QAbstractScrollArea(parent), header_(new QHeaderView(Qt::Horizontal, this)) {
-  header_->setModel(&header_model_);
-  header_->setDefaultAlignment(Qt::AlignCenter);
-  header_->setMinimumSectionSize(1);
-  header_->setFocusPolicy(Qt::NoFocus);
-  connect(header_, &QHeaderView::sectionResized, this,
+CMultilineList::CMultilineList(QWidget* parent) : QTableView(parent) {
+  setModel(&model_);
+  auto* delegate = new CellDelegate(this);
+  setItemDelegate(delegate);
+  connect(delegate, &CellDelegate::edited, this, &CMultilineList::cell_edited);
+  setSelectionBehavior(QAbstractItemView::SelectRows);
+  setSelectionMode(QAbstractItemView::SingleSelection);
+  setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
+  setTabKeyNavigation(false);
+  setCornerButtonEnabled(false);
+  setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+  setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+  verticalHeader()->hide();
+  verticalHeader()->setMinimumSectionSize(1);
+  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  horizontalHeader()->setDefaultAlignment(Qt::AlignCenter);
+  horizontalHeader()->setMinimumSectionSize(1);
+  horizontalHeader()->setDefaultSectionSize(kDefaultWidth);
+  horizontalHeader()->setHighlightSections(false);
+  connect(horizontalHeader(), &QHeaderView::sectionResized, this,
           [this](int column, int, int width) { column_dragged(column, width); });
   connect(verticalScrollBar(), &QAbstractSlider::actionTriggered, this, &CMultilineList::scroll_by_line);
-  setFocusPolicy(Qt::StrongFocus);
+  connect(this, &QTableView::doubleClicked, this, [this](const QModelIndex& at) { edit_row(at.row()); });
 }
 
 void CMultilineList::set_size(int columns, int rows) {
-  if (columns == columns_ && rows == rows_) return;
-  columns_ = std::max(columns, 0);
-  rows_ = std::max(rows, 0);
-  std::erase_if(cells_, [this](const auto& cell) {
-    return cell.first.first >= columns_ || cell.first.second >= rows_;
-  });
-  std::erase_if(column_table_, [this](const auto& column) { return column.first >= columns_; });
+  if (columns == this->columns() && rows == this->rows()) return;
+  const int before = this->columns();
+  model_.setColumnCount(std::max(columns, 0));
+  model_.setRowCount(std::max(rows, 0));
+  for (int column = before; column < this->columns(); ++column)
+    model_.setHeaderData(column, Qt::Horizontal, kEmpty);
+  std::erase_if(widths_, [this](const auto& width) { return width.first >= this->columns(); });
   heights_.clear();
-  if (selected_row_ >= rows_) selected_row_ = -1;
   change_layout();
 }
 
 void CMultilineList::set_column_heading(int column, const QString& heading) {
-  if (column < 0 || column >= columns_) return;
-  column_table_[column].heading = heading;
-  change_layout();
+  if (column < 0 || column >= columns()) return;
+  model_.setHeaderData(column, Qt::Horizontal, heading);
 }
 
 QString CMultilineList::column_heading(int column) const {
-  const auto found = column_table_.find(column);
-  return found == column_table_.end() ? Column().heading : found->second.heading;
+  const QVariant heading = model_.headerData(column, Qt::Horizontal);
+  return column < 0 || column >= columns() ? kEmpty : heading.toString();
 }
 
 void CMultilineList::set_column_width(int column, int width) {
-  if (column < 0 || column >= columns_) return;
-  column_table_[column].width = std::max(width, 1);
+  if (column < 0 || column >= columns()) return;
+  widths_[column] = std::max(width, 1);
+  setColumnWidth(column, widths_[column]);
   heights_.clear();
   change_layout();
 }
 
-int CMultilineList::column_width(int column) const {
-  const auto found = column_table_.find(column);
-  return found == column_table_.end() ? kDefaultWidth : found->second.width;
+void CMultilineList::stretch_column(int column) {
+  stretched_ = column;
+  change_layout();
 }
 
 void CMultilineList::set_cell_text(int column, int row, const QString& text) {
-  if (column < 0 || column >= columns_ || row < 0 || row >= rows_) return;
+  if (column < 0 || column >= columns() || row < 0 || row >= rows()) return;
   if (text == cell_text(column, row)) return;
-  cells_[{column, row}] = text;
+  model_.setData(model_.index(row, column), text);
   heights_.erase(row);
   change_layout();
 }
 
 QString CMultilineList::cell_text(int column, int row) const {
-  const auto found = cells_.find({column, row});
-  return found == cells_.end() ? QStringLiteral(" ") : found->second;
+  const QVariant text = model_.index(row, column).data();
+  return text.isValid() ? text.toString() : kEmpty;
+}
+
+void CMultilineList::set_cell_editable(int column, int row, bool editable, const QStringList& choices) {
+  if (column < 0 || column >= columns() || row < 0 || row >= rows()) return;
+  const QModelIndex cell = model_.index(row, column);
+  model_.setData(cell, choices, CellDelegate::kChoicesRole);
+  model_.itemFromIndex(cell)->setEditable(editable);
+}
+
+int CMultilineList::selected_row() const {
+  const QModelIndexList rows = selectionModel()->selectedRows();
+  return rows.isEmpty() ? -1 : rows.first().row();
 }
 
 int CMultilineList::row_height(int row) const {
   if (const auto known = heights_.find(row); known != heights_.end()) return known->second;
+  constexpr int kMargin = CellDelegate::kTextMargin;
   int tallest = 0;
-  for (int column = 0; column < columns_; ++column) {
-    const QRect room(0, 0, std::max(column_width(column) - 2 * kTextMargin, 1), QWIDGETSIZE_MAX);
-    const QRect text = fontMetrics().boundingRect(room, kTextFlags, lines_of(cell_text(column, row)));
-    tallest = std::max(tallest, text.height());
+  for (int column = 0; column < columns(); ++column) {
+    // The grid line is the cell's last pixel.
+    const QRect room(0, 0, std::max(column_width(column) - 2 * kMargin - 1, 1), QWIDGETSIZE_MAX);
+    const QString text = CellDelegate::lines_of(cell_text(column, row));
+    tallest = std::max(tallest, fontMetrics().boundingRect(room, CellDelegate::kTextFlags, text).height());
   }
-  return heights_[row] = kTextMargin + tallest + kBelowText;
-}
-
-int CMultilineList::row_top(int row) const {
-  int top = 0;
-  for (int i = 0; i < row; ++i) top += row_height(i);
-  return top;
+  return heights_[row] = kMargin + tallest + kBelowText;
 }
 
 int CMultilineList::total_width() const {
   int width = 0;
-  for (int column = 0; column < columns_; ++column) width += column_width(column);
+  for (int column = 0; column < columns(); ++column) {
+    const auto set = widths_.find(column);
+    width += set == widths_.end() ? kDefaultWidth : set->second;
+  }
   return width;
 }
 
-int CMultilineList::row_at(int y) const {
-  int bottom = -verticalScrollBar()->value();
-  if (y < bottom) return -1;
-  for (int row = 0; row < rows_; ++row) {
-    bottom += row_height(row);
-    if (y < bottom) return row;
-  }
-  return -1;
+int CMultilineList::total_height() const {
+  int height = 0;
+  for (int row = 0; row < rows(); ++row) height += row_height(row);
+  return height;
 }
 
 QSize CMultilineList::sizeHint() const {
   const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
   const int frame = 2 * frameWidth();
-  return {total_width() + bar + frame, total_height() + header_->sizeHint().height() + frame};
+  return {total_width() + bar + frame, total_height() + horizontalHeader()->sizeHint().height() + frame};
 }
 
 // A refresh sets many cells; they are laid out together.
 void CMultilineList::change_layout() {
-  viewport()->update();
   if (layout_due_) return;
   layout_due_ = true;
   QTimer::singleShot(0, this, &CMultilineList::lay_out);
@@ -137,46 +150,26 @@ void CMultilineList::lay_out() {
   if (laying_out_) return;
   laying_out_ = true;
   layout_due_ = false;
-  lay_out_header();
-  lay_out_scroll_bars();
-  viewport()->update();
+  fill_width();
+  for (int row = 0; row < rows(); ++row) verticalHeader()->resizeSection(row, row_height(row));
   laying_out_ = false;
 }
 
-void CMultilineList::lay_out_header() {
-  header_model_.setColumnCount(columns_);
-  for (int column = 0; column < columns_; ++column) {
-    if (header_model_.headerData(column, Qt::Horizontal).toString() != column_heading(column)) {
-      header_model_.setHeaderData(column, Qt::Horizontal, column_heading(column));
-    }
-    if (header_->sectionSize(column) != column_width(column)) {
-      header_->resizeSection(column, column_width(column));
-    }
-  }
-  const int height = header_->sizeHint().height();
-  setViewportMargins(0, height, 0, 0);
-  const QRect area = viewport()->geometry();
-  header_->setGeometry(area.left(), area.top() - height, area.width(), height);
-  header_->setOffset(horizontalScrollBar()->value());
-}
-
-// Each bar takes room from the other direction, so the second one may make the first one needed.
-void CMultilineList::lay_out_scroll_bars() {
-  QSize area = maximumViewportSize();
-  const bool tall = total_height() > area.height();
-  if (tall) area.rwidth() -= verticalScrollBar()->sizeHint().width();
-  if (total_width() > area.width()) area.rheight() -= horizontalScrollBar()->sizeHint().height();
-  if (!tall && total_height() > area.height()) area.rwidth() -= verticalScrollBar()->sizeHint().width();
-  verticalScrollBar()->setPageStep(area.height());
-  verticalScrollBar()->setRange(0, std::max(total_height() - area.height(), 0));
-  horizontalScrollBar()->setPageStep(area.width());
-  horizontalScrollBar()->setSingleStep(fontMetrics().averageCharWidth() * 2);
-  horizontalScrollBar()->setRange(0, std::max(total_width() - area.width(), 0));
+void CMultilineList::fill_width() {
+  if (stretched_ < 0 || stretched_ >= columns()) return;
+  const int left = std::max(viewport()->width() - total_width(), 0);
+  const auto set = widths_.find(stretched_);
+  const int width = (set == widths_.end() ? kDefaultWidth : set->second) + left;
+  if (width == column_width(stretched_)) return;
+  setColumnWidth(stretched_, width);
+  heights_.clear();
 }
 
 void CMultilineList::column_dragged(int column, int width) {
-  if (laying_out_ || column >= columns_) return;
-  set_column_width(column, width);
+  if (laying_out_) return;
+  widths_[column] = width;
+  heights_.clear();
+  change_layout();
 }
 
 // Replaces the fixed step that the scroll bar is about to make by one to a row boundary.
@@ -184,11 +177,11 @@ void CMultilineList::scroll_by_line(int action) {
   QScrollBar* bar = verticalScrollBar();
   if (action == QAbstractSlider::SliderSingleStepAdd) {
     int target = 0;
-    for (int row = 0; row < rows_ && target <= bar->value(); ++row) target += row_height(row);
+    for (int row = 0; row < rows() && target <= bar->value(); ++row) target += row_height(row);
     bar->setSliderPosition(std::min(target, bar->maximum()));
   } else if (action == QAbstractSlider::SliderSingleStepSub) {
     int target = 0;
-    for (int row = 0; row < rows_ && target + row_height(row) < bar->value(); ++row)
+    for (int row = 0; row < rows() && target + row_height(row) < bar->value(); ++row)
       target += row_height(row);
     bar->setSliderPosition(target);
   }
@@ -196,76 +189,58 @@ void CMultilineList::scroll_by_line(int action) {
 
 void CMultilineList::show_row(int row) {
   QScrollBar* bar = verticalScrollBar();
-  const int top = row_top(row);
+  const int top = verticalHeader()->sectionPosition(row);
   const int last_offset = top + row_height(row) - viewport()->height();
   if (bar->value() < last_offset) bar->setValue(last_offset);
   if (bar->value() > top) bar->setValue(top);
 }
 
-void CMultilineList::paintEvent(QPaintEvent*) {
-  QPainter painter(viewport());
-  painter.fillRect(viewport()->rect(), palette().color(QPalette::Base));
-  int top = -verticalScrollBar()->value();
-  for (int row = 0; row < rows_ && top < viewport()->height(); ++row) {
-    const int height = row_height(row);
-    if (top + height > 0) {
-      paint_row(painter, QRect(-horizontalScrollBar()->value(), top, total_width(), height), row);
-    }
-    top += height;
+void CMultilineList::edit_row(int row) {
+  for (int column = 0; column < columns(); ++column) {
+    const QModelIndex cell = model_.index(row, column);
+    if (!model_.flags(cell).testFlag(Qt::ItemIsEditable)) continue;
+    setCurrentIndex(cell);
+    return edit(cell);
   }
-}
-
-void CMultilineList::paint_row(QPainter& painter, const QRect& row_rect, int row) const {
-  const bool selected = row == selected_row_;
-  if (selected) painter.fillRect(row_rect, palette().color(QPalette::Highlight));
-  const QColor text = palette().color(selected ? QPalette::HighlightedText : QPalette::Text);
-  const QColor grid = palette().color(QPalette::Mid);
-  QRect cell = row_rect;
-  for (int column = 0; column < columns_; ++column) {
-    cell.setWidth(column_width(column));
-    const QRect inside = cell.adjusted(kTextMargin, kTextMargin, -kTextMargin, -kTextMargin);
-    painter.save();
-    painter.setClipRect(cell);
-    painter.setPen(text);
-    painter.drawText(inside, kTextFlags, lines_of(cell_text(column, row)));
-    painter.restore();
-    painter.setPen(grid);
-    painter.drawLine(cell.topRight(), cell.bottomRight());
-    cell.moveLeft(cell.right() + 1);
-  }
-  painter.setPen(grid);
-  painter.drawLine(row_rect.bottomLeft(), row_rect.bottomRight());
 }
 
 void CMultilineList::resizeEvent(QResizeEvent* event) {
-  QAbstractScrollArea::resizeEvent(event);
+  QTableView::resizeEvent(event);
   lay_out();
 }
 
 void CMultilineList::showEvent(QShowEvent* event) {
-  QAbstractScrollArea::showEvent(event);
+  QTableView::showEvent(event);
   lay_out();
-}
-
-void CMultilineList::scrollContentsBy(int, int) {
-  header_->setOffset(horizontalScrollBar()->value());
-  viewport()->update();
 }
 
 void CMultilineList::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton) return event->ignore();
-  selected_row_ = row_at(event->pos().y());
+  const int row = row_at(event->pos().y());
+  QTableView::mousePressEvent(event);
+  if (row < 0) {
+    clearSelection();
+  } else if (row != selected_row()) {
+    selectRow(row);
+  }
   lay_out();
-  if (selected_row_ >= 0) show_row(selected_row_);
+  if (row >= 0) show_row(row);
   // Told once this press is dealt with, since the owner may change the whole grid in answer.
   QMetaObject::invokeMethod(
-      this, [this, row = selected_row_] { emit row_pressed(row); }, Qt::QueuedConnection);
+      this, [this, row] { emit row_pressed(row); }, Qt::QueuedConnection);
+}
+
+void CMultilineList::keyPressEvent(QKeyEvent* event) {
+  const bool is_return = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (!is_return || state() == EditingState || !currentIndex().isValid())
+    return QTableView::keyPressEvent(event);
+  edit_row(currentIndex().row());
 }
 
 // One line to a notch. Fine-grained wheels send parts of a notch, which are added up.
 void CMultilineList::wheelEvent(QWheelEvent* event) {
   const int delta = event->angleDelta().y();
-  if (delta == 0) return QAbstractScrollArea::wheelEvent(event);
+  if (delta == 0) return QTableView::wheelEvent(event);
   if ((delta < 0) != (wheel_ < 0)) wheel_ = 0;
   for (wheel_ += delta; std::abs(wheel_) >= kWheelNotch; wheel_ -= wheel_ < 0 ? -kWheelNotch : kWheelNotch) {
     verticalScrollBar()->triggerAction(wheel_ < 0 ? QAbstractSlider::SliderSingleStepAdd
@@ -275,7 +250,7 @@ void CMultilineList::wheelEvent(QWheelEvent* event) {
 }
 
 void CMultilineList::changeEvent(QEvent* event) {
-  QAbstractScrollArea::changeEvent(event);
+  QTableView::changeEvent(event);
   if (event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange) return;
   heights_.clear();
   change_layout();

@@ -26,9 +26,18 @@ QString RegisterListModel::text(int row, int column) const {
   }
 }
 
+QVariant RegisterListModel::sort_key(int row, int column) const {
+  const auto at = static_cast<std::size_t>(row);
+  if (column == kNumber) return row;
+  if (column == kAddress) return sheet_.row_address(at);
+  if (column == kValue) return ParseRegAddress(sheet_.value_cell(at));
+  return text(row, column).toLower();
+}
+
 QVariant RegisterListModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid() || index.row() >= rows_) return {};
   if (role == Qt::DisplayRole) return text(index.row(), index.column());
+  if (role == kSortRole) return sort_key(index.row(), index.column());
   if (role == Qt::TextAlignmentRole) return int(Qt::AlignCenter);
   // Names may be longer than their column.
   if (role == Qt::ToolTipRole && index.column() == kName) return plain_tool_tip(text(index.row(), kName));
@@ -57,7 +66,7 @@ void RegisterListModel::reset() {
 
 void RegisterListModel::value_changed(int row) {
   const QModelIndex cell = index(row, kValue);
-  emit dataChanged(cell, cell, {Qt::DisplayRole});
+  emit dataChanged(cell, cell, {Qt::DisplayRole, kSortRole});
 }
 
 }  // namespace qv5123

@@ -15,6 +15,8 @@ class RegisterListModel final : public QAbstractTableModel {
 
  public:
   static constexpr int kNumber = 0, kAddress = 1, kName = 2, kValue = 3, kColumns = 4;
+  /// What a column is sorted by: numbers where it shows them.
+  static constexpr int kSortRole = Qt::UserRole;
 
   explicit RegisterListModel(const RegisterSheet& sheet, QObject* parent = nullptr)
       : QAbstractTableModel(parent), sheet_(sheet) {}
@@ -30,6 +32,7 @@ class RegisterListModel final : public QAbstractTableModel {
 
  private:
   QString text(int row, int column) const;
+  QVariant sort_key(int row, int column) const;
 
   const RegisterSheet& sheet_;
   int rows_ = 0;

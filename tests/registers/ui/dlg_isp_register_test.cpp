@@ -153,6 +153,52 @@ TEST_F(RegisterPageTest, TextThatComesAsAWholeIsTakenOrRefusedAsAWhole) {
   for (const char* refused : {"F8011", "-1", "0x", "1 2", ""}) EXPECT_EQ(paste(refused), "0x0012");
 }
 
+TEST_F(RegisterPageTest, ASortedListReadsAndShowsWhatIsChosenInIt) {
+  open();
+  wire_.advance(200);
+  list()->sortByColumn(2, Qt::DescendingOrder);
+  EXPECT_EQ(cell(0, 2), "MODE");
+  EXPECT_EQ(cell(2, 2), "GAIN");
+  click_row(2);
+  wire_.advance(300);
+  EXPECT_EQ(text("Address"), "0xf801");
+  EXPECT_EQ(cell(2, 3), "0x3C") << "its own row";
+  page_->go_to(0);
+  wire_.advance(300);
+  EXPECT_EQ(text("Name"), "MODE");
+  EXPECT_EQ(list()->selectionModel()->selectedRows().at(0).row(), 0);
+  list()->sortByColumn(3, Qt::AscendingOrder);
+  EXPECT_EQ(cell(0, 3), "") << "not read yet";
+  EXPECT_EQ(cell(2, 3), "0xA5");
+}
+
+TEST_F(RegisterPageTest, ABitFieldIsChangedInItsRow) {
+  open();
+  wire_.advance(200);
+  auto* table = find<CMultilineList>("Bit fields");
+  const auto edit = [this, table](int row) {
+    table->setFocus();
+    table->setCurrentIndex(table->model()->index(row, 1));
+    QTest::keyClick(table, Qt::Key_Return);
+    return QApplication::focusWidget();
+  };
+  QWidget* editor = edit(0);
+  ASSERT_TRUE(qobject_cast<QLineEdit*>(editor));
+  EXPECT_EQ(editor->accessibleName(), "Data of row 1");
+  const std::size_t sent = wire_.sender.writes.size();
+  QTest::keyClicks(editor, "3");
+  QTest::keyClick(editor, Qt::Key_Return);
+  EXPECT_EQ(text("Value"), "0x35");
+  EXPECT_EQ(fields(0).back(), " 3");
+  EXPECT_FALSE(find<QCheckBox>("Bit 7")->isChecked());
+  EXPECT_EQ(wire_.sender.writes.size(), sent) << "\"Write\" sends it";
+  EXPECT_EQ(edit(4), table) << "no field there";
+  const auto* interface = QAccessible::queryAccessibleInterface(table)->tableInterface();
+  ASSERT_NE(interface, nullptr);
+  EXPECT_EQ(interface->cellAt(0, 1)->text(QAccessible::Name), "HIGH");
+  EXPECT_EQ(interface->columnDescription(2), "Description");
+}
+
 TEST_F(RegisterPageTest, AScreenReaderSetsTextsAndTogglesBoxes) {
   open();
   wire_.advance(200);

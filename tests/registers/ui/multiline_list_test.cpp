@@ -67,7 +67,7 @@ TEST_F(MultilineListTest, APressSelectsTheRowAndShowsItWhole) {
   EXPECT_EQ(list_.selected_row(), 1);
   ASSERT_EQ(pressed.size(), 1);
   EXPECT_EQ(pressed[0][0].toInt(), 1);
-  press(390 - list_.findChild<QHeaderView*>()->height());
+  press(390 - list_.horizontalHeader()->height());
   EXPECT_EQ(list_.selected_row(), -1) << "below the last row";
 
   list_.set_size(3, 50);
