@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "app/ui/column_drawer.h"
+#include "app/ui/find_places.h"
 #include "app/ui/frame.h"
 #include "app/ui/page_area.h"
 #include "app/ui/qv5123_view.h"
@@ -20,6 +21,7 @@ WindowActions::WindowActions(CMainFrame& frame, CQV5123View& view)
   menu_.addSeparator();
   add_page_commands();
   menu_.addSeparator();
+  add_find();
   add_window_commands();
 }
 
@@ -44,6 +46,17 @@ void WindowActions::add_page_commands() {
   add("&Read again", "F5", "read-again", [this] {
     if (!press(kReadCommand)) press(kLoadCommand);
   });
+}
+
+void WindowActions::add_find() {
+  add("Fin&d...", "Ctrl+K", "find", [this] { look_for("Find", places_in(frame_, view_)); });
+  add("Find a re&gister...", "Ctrl+F", "find-register",
+      [this] { look_for("Find a register", registers_in(view_)); });
+}
+
+void WindowActions::look_for(const QString& title, std::vector<FindItem> items) {
+  if (!find_) find_ = new FindDialog(&frame_);
+  find_->look_for(title, std::move(items));
 }
 
 void WindowActions::add_window_commands() {

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <functional>
+#include <vector>
 
 class QAction;
 class QMenu;
@@ -10,6 +11,8 @@ namespace qv5123 {
 
 class CMainFrame;
 class CQV5123View;
+class FindDialog;
+struct FindItem;
 
 /// The commands that have a key wherever the focus is. All of them stand in the menu "Tools".
 class WindowActions final : public QObject {
@@ -21,13 +24,16 @@ class WindowActions final : public QObject {
   QAction* add(const char* text, const char* keys, const char* name, std::function<void()> act);
   void add_files();
   void add_page_commands();
+  void add_find();
   void add_window_commands();
   /// Presses the button of the shown page that is marked with the command.
   bool press(const char* command);
+  void look_for(const QString& title, std::vector<FindItem> items);
 
   CMainFrame& frame_;
   CQV5123View& view_;
   QMenu& menu_;
+  FindDialog* find_ = nullptr;
 };
 
 /// A table of all keys in the window and what they do, as Markdown, made from the actions that are there.

@@ -56,8 +56,9 @@ CDlgAeTune::CDlgAeTune(PageHost& host)
   below->addWidget(make_smart_ir_group());
   below->addWidget(make_file_group());
   QWidget* more_area = make_more_area();
-  page->addWidget(keep_choice(make_check("More", {}, "Show the AE value of register 0x3C and the messages",
-                                         [more_area](bool checked) { more_area->setVisible(checked); })));
+  page->addWidget(
+      mark_unfolds(keep_choice(make_check("More", {}, "Show the AE value of register 0x3C and the messages",
+                                          [more_area](bool checked) { more_area->setVisible(checked); }))));
   page->addWidget(more_area);
   page->addStretch(1);
   desk_.attach(*this);

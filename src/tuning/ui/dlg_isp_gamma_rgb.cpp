@@ -95,8 +95,8 @@ QWidget* CDlgIspGammaRgb::make_channel_row() {
     add_channel(row, channel);
   on_choice(channels_, [this](int channel) { desk_.choose_channel(static_cast<GammaChannel>(channel)); });
   row->addStretch(1);
-  row->addWidget(keep_choice(
-      make_check("More", "More", "Shows the front gamma controls", [this](bool on) { show_more(on); })));
+  row->addWidget(mark_unfolds(keep_choice(
+      make_check("More", "More", "Shows the front gamma controls", [this](bool on) { show_more(on); }))));
   row->addWidget(make_button("Apply", {}, "Sends the selected curves point by point, " + end_registers(),
                              [this] { desk_.apply(); }));
   return widget;
