@@ -29,6 +29,7 @@ fs::path Journal::slot_file(const fs::path& folder, int slot) {
 Journal::Slots Journal::take_slots(const Surroundings& surroundings) {
   std::error_code error;
   fs::create_directories(surroundings.folder, error);
+  clear_put_aside(surroundings.folder);
   Slots slots;
   for (int number = 1; number <= kSlots && !(slots.own && slots.left); ++number) {
     Slot slot{slot_file(surroundings.folder, number), nullptr};
@@ -78,9 +79,28 @@ Task<bool> Journal::offer(Prompts& prompts, Slots slots) {
     // At every moment one file or the other holds it.
     const bool kept = own_ && co_await write(slots.entry);
     if (!kept) co_return true;
+  } else if (!co_await put_aside(std::move(slots.entry))) {
+    co_return false;
   }
   co_await remove(std::move(*slots.left));
   co_return answer == Answer::yes;
+}
+
+Task<bool> Journal::put_aside(JournalEntry entry) {
+  const fs::path file = put_aside_file(surroundings_.folder, std::chrono::system_clock::now());
+  std::function<FileResult()> work = [file, entry = std::move(entry)] {
+    const FileResult font =
+        entry.font.empty() ? FileResult{}
+                           : write_file_atomically(fs::path(file).replace_extension(".font.txt"), entry.font);
+    return font.ok() ? write_file_atomically(file, setting_text(entry.image)) : font;
+  };
+  const FileResult result = co_await background_.run<FileResult>(std::move(work));
+  if (!result.ok()) {
+    surroundings_.show_status("The unsaved values stay where they are: " + result.text);
+  } else if (surroundings_.show_done) {
+    surroundings_.show_done("The values that were not saved are kept for a week: " + path_text(file));
+  }
+  co_return result.ok();
 }
 
 bool Journal::is_saved(const JournalEntry& entry) const {

@@ -37,15 +37,18 @@ class Journal {
     std::function<JournalEntry()> unsaved;
     /// Takes over what the user wants back.
     std::function<void(const JournalEntry&)> restore;
-    /// Shows a result in the status bar.
+    /// Shows in the status bar what did not work.
     std::function<void(const std::string&)> show_status;
+    /// The same for what was done. May be empty.
+    std::function<void(const std::string&)> show_done = {};
   };
 
   /// What `unsaved` tells now counts as saved.
   Journal(Scheduler& scheduler, Background& background, Surroundings surroundings);
 
   /// Takes a slot, keeps the journal from then on, and offers what was left in another slot. True when it was
-  /// restored; its old file goes once it is journalled anew.
+  /// restored; its old file goes once it is journalled anew. What the user would not go on with is put aside
+  /// for a week.
   Task<bool> start(Prompts& prompts);
   /// A file holds this image now. What is kept goes at once where nothing else is unsaved.
   void saved(const UserDataImage& image);
@@ -80,6 +83,8 @@ class Journal {
   Task<> clear_if_saved();
   Task<bool> write(JournalEntry entry);
   Task<> remove(Slot slot);
+  /// False when there is no copy; then the journal stays.
+  Task<bool> put_aside(JournalEntry entry);
 
   Scheduler& scheduler_;
   Background& background_;

@@ -11,7 +11,7 @@
 namespace qv5123 {
 namespace {
 
-constexpr std::string_view kFirstLine = "QV5123 journal 2\n";
+constexpr std::string_view kFirstLine = "QV5123 journal 3\n";
 
 /// FNV-1a with its usual start and prime: it is to notice accidents, not forgers.
 std::uint32_t checksum(std::string_view text) {
@@ -55,8 +55,8 @@ std::optional<std::string_view> take_field(std::string_view name, std::string_vi
 
 std::string journal_text(const JournalEntry& entry) {
   std::string text(kFirstLine);
-  text +=
-      field("file", path_text(entry.setting_file)) + field("font", entry.font) + field("typed", entry.typed);
+  text += field("file", path_text(entry.setting_file)) + field("font", entry.font) +
+          field("typed", entry.typed) + field("port", entry.port);
   text += setting_text(entry.image);
   return text + sum_line(text);
 }
@@ -67,9 +67,11 @@ std::optional<JournalEntry> read_journal(std::string_view text) {
   const auto file = take_field("file", rest);
   const auto font = file ? take_field("font", rest) : std::nullopt;
   const auto typed = font ? take_field("typed", rest) : std::nullopt;
+  const auto port = typed ? take_field("port", rest) : std::nullopt;
   auto path = path_of(file.value_or(""));
-  if (!typed || !path) return std::nullopt;
-  JournalEntry entry{image_of(rest), std::move(*path), std::string(*font), std::string(*typed)};
+  if (!port || !path) return std::nullopt;
+  JournalEntry entry{image_of(rest), std::move(*path), std::string(*font), std::string(*typed),
+                     std::string(*port)};
   if (journal_text(entry) != text) return std::nullopt;
   return entry;
 }

@@ -19,16 +19,19 @@ struct JournalEntry {
   std::string font = {};
   /// The text that was being typed, behind the name of its edit; may be empty.
   std::string typed = {};
+  /// The port in use, as it is shown; may be empty.
+  std::string port = {};
 
   friend bool operator==(const JournalEntry&, const JournalEntry&) = default;
 };
 
 /// The content of a journal file:
 ///
-///     QV5123 journal 2
+///     QV5123 journal 3
 ///     file <length in bytes> <path in UTF-8>
 ///     font <length in bytes> <draft of the font>
 ///     typed <length in bytes> <text in UTF-8>
+///     port <length in bytes> <text in UTF-8>
 ///     <the 1024 lines of a setting file>
 ///     sum <8 hex digits: FNV-1a, 32 bits, over all bytes before this line>
 std::string journal_text(const JournalEntry& entry);

@@ -31,6 +31,8 @@ struct Question {
   std::string yes_text = {};
   std::string no_text = {};
   std::string cancel_text = {};
+  /// Stands below the text, in smaller letters.
+  std::string detail = {};
 };
 
 /// A question before something that cannot be taken back: Enter answers No.

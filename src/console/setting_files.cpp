@@ -130,6 +130,7 @@ Task<bool> SettingFiles::may_exit() {
   question.text = path_text(document_.setting_file) + kSaveQuestion;
   question.title = kSaveQuestionTitle;
   question.buttons = Question::Buttons::yes_no_cancel;
+  if (surroundings_.what_differs) question.detail = surroundings_.what_differs();
   const Answer answer = co_await prompts_.ask(std::move(question));
   if (answer == Answer::cancel) co_return false;
   if (Page* editor = surroundings_.font_editor()) {

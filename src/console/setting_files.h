@@ -46,6 +46,8 @@ class SettingFiles {
     /// Shows what was done in the status bar.
     std::function<void(const std::string&)> show_done;
     std::function<void(const std::string&)> append_console;
+    /// What a save would change in which file, in a sentence, for the question at the end. May be empty.
+    std::function<std::string()> what_differs = {};
   };
 
   /// A write that takes longer is told of.

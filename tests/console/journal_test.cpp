@@ -22,6 +22,13 @@ JournalEntry entry_of(int value, std::filesystem::path file = "board.dat") {
   return entry;
 }
 
+/// With the moment that stands in brackets left out.
+std::string without_time(std::string text) {
+  const std::size_t at = text.find(" UTC)");
+  constexpr std::size_t kLength = 19;
+  return at == std::string::npos ? text : text.replace(at - kLength, kLength + 4, "TIME");
+}
+
 /// One computer, on which runs of the program begin, die and end.
 struct Computer {
   test::TemporaryFolder folder;
@@ -62,6 +69,12 @@ struct Computer {
 
   std::filesystem::path file(int slot) const {
     return Journal::slot_file(folder.path() / "made" / "when needed", slot);
+  }
+  std::vector<std::filesystem::path> put_aside() const {
+    std::vector<std::filesystem::path> files;
+    for (const auto& file : std::filesystem::directory_iterator(folder.path() / "made" / "when needed"))
+      if (file.path().extension() == ".dat") files.push_back(file.path());
+    return files;
   }
   std::optional<JournalEntry> kept(int slot) const {
     std::string text;
@@ -127,9 +140,10 @@ TEST(Journal, OfADeadRunIsOfferedUntilTheUserDecides) {
     EXPECT_EQ(computer.kept(2), entry_of(50));
     Flow(between->journal->end());
   }
-  EXPECT_EQ(computer.user.questions[0].text,
-            std::string(kRestoreQuestion) + "\n\nKept less than a minute ago: 1024 values other than 0." +
-                kRestoreFile + "Gerät\n.dat");
+  EXPECT_EQ(without_time(computer.user.questions[0].text),
+            std::string(kRestoreQuestion) +
+                "\n\nKept less than a minute ago (TIME): 1024 values other than 0." + kRestoreFile +
+                "Gerät\n.dat");
 
   computer.user.hesitates = true;
   computer.user.answers = {Answer::yes};
@@ -152,6 +166,16 @@ TEST(Journal, OfADeadRunIsOfferedUntilTheUserDecides) {
   EXPECT_TRUE(last->restored.empty());
   EXPECT_FALSE(computer.kept(1));
   EXPECT_FALSE(computer.kept(2));
+  const auto aside = computer.put_aside();
+  ASSERT_EQ(aside.size(), 1u) << "not thrown away";
+  EXPECT_EQ(read_setting_file(aside[0]).image, entry_of(7).image);
+  const auto now = std::filesystem::file_time_type::clock::now();
+  std::filesystem::last_write_time(aside[0], now - 6 * 24h);
+  computer.begin();
+  EXPECT_EQ(computer.put_aside().size(), 1u);
+  std::filesystem::last_write_time(aside[0], now - 8 * 24h);
+  computer.begin();
+  EXPECT_TRUE(computer.put_aside().empty()) << "for a week";
 }
 
 TEST(Journal, ThatIsOfferedTellsAgeCountAndANewerFile) {
@@ -159,6 +183,7 @@ TEST(Journal, ThatIsOfferedTellsAgeCountAndANewerFile) {
   JournalEntry entry = entry_of(7, computer.folder / "board.dat");
   entry.font = "0\nfont";
   entry.typed = "AE Target: 5";
+  entry.port = "COM5";
   auto run = computer.begin();
   run->now = entry;
   computer.clock.advance(Journal::kInterval);
@@ -170,16 +195,19 @@ TEST(Journal, ThatIsOfferedTellsAgeCountAndANewerFile) {
   image.set_entry(5, 8);
   const std::filesystem::path file = computer.folder.write("board.dat", setting_text(image));
   std::filesystem::last_write_time(file, now - 4h);
-  const std::string kept = std::string(kRestoreQuestion) +
-                           "\n\nKept 3 hours ago: 1 value that the setting file has otherwise."
-                           "\nThe font that was edited is kept as well.\nBeing typed: AE Target: 5" +
-                           kRestoreFile + path_text(file);
+  const std::string kept =
+      std::string(kRestoreQuestion) +
+      "\n\nKept 3 hours ago (TIME): 1 value that the setting file has otherwise."
+      "\nThe font that was edited is kept as well.\nBeing typed: AE Target: 5\nThe port was: COM5" +
+      kRestoreFile + path_text(file);
   computer.begin();
   std::filesystem::last_write_time(file, now);
   computer.begin();
   ASSERT_EQ(computer.user.questions.size(), 2u);
-  EXPECT_EQ(computer.user.questions[0].text, kept);
-  EXPECT_EQ(computer.user.questions[1].text, kept + kRestoreOlder);
+  EXPECT_EQ(without_time(computer.user.questions[0].text), kept);
+  EXPECT_EQ(without_time(computer.user.questions[1].text), kept + kRestoreOlder);
+  for (const std::string& text : {computer.user.questions[0].yes_text, computer.user.questions[0].no_text})
+    EXPECT_TRUE(text.size() > 3 && text.find('&') == std::string::npos) << "no single letter presses it";
   for (const auto& [time, text] : {std::pair<std::chrono::seconds, const char*>{59s, "less than a minute"},
                                    {60s, "1 minute"},
                                    {47h, "47 hours"},
@@ -226,10 +254,10 @@ TEST(Journal, ThatIsHalfAlteredOrForeignIsNeitherOfferedNorTouched) {
                                     "some file\n",
                                     setting_text(entry_of(42).image),
                                     whole + "\n",
-                                    "QV5123 journal 2\nfile 99999999999999999999 x",
-                                    "QV5123 journal 2\nfile -1 x",
-                                    "QV5123 journal 2\nfile 9",
-                                    "QV5123 journal 2\nfile 2 \xFF\xFE\n" + setting_text({})};
+                                    "QV5123 journal 3\nfile 99999999999999999999 x",
+                                    "QV5123 journal 3\nfile -1 x",
+                                    "QV5123 journal 3\nfile 9",
+                                    "QV5123 journal 3\nfile 2 \xFF\xFE\n" + setting_text({})};
   for (std::size_t length = 1; length < whole.size(); length += 37) wrong.push_back(whole.substr(0, length));
   for (std::size_t at = 0; at < whole.size(); at += 41) {
     wrong.push_back(whole);

@@ -281,6 +281,9 @@ void Program::keep_journal() {
   surroundings.show_status = [this](const std::string& text) {
     view_->say(StatusRank::failure, kAboutJournal, text);
   };
+  surroundings.show_done = [this](const std::string& text) {
+    view_->say(StatusRank::outcome, kAboutJournal, text);
+  };
   journal_ = std::make_unique<Journal>(scheduler_, files_, std::move(surroundings));
   QObject::connect(view_, &CQV5123View::image_saved, frame_.get(),
                    [this](const UserDataImage& image) { journal_->saved(image); });

@@ -119,6 +119,7 @@ SettingFiles::Surroundings CQV5123View::files_surroundings() {
     emit image_saved(image);
   };
   surroundings.show_done = [this](const std::string& text) { say(StatusRank::outcome, kAboutFiles, text); };
+  surroundings.what_differs = [this] { return what_would_change(); };
   surroundings.append_console = [this](const std::string& text) { append_console(text); };
   return surroundings;
 }
@@ -155,6 +156,7 @@ Task<> CQV5123View::begin_with_image(Startup startup) {
 
 JournalEntry CQV5123View::unsaved() const {
   JournalEntry entry{files_.unsaved(), document_.setting_file};
+  if (port_) entry.port = shown_port(port_->settings());
   const Page* editor = pages_->page(PageId::font_editor);
   entry.font = editor ? editor->draft() : document_.font_draft;
   entry.typed = typed_->text();
@@ -228,6 +230,20 @@ void CQV5123View::reset_chip() {
   tell_sent("Factory Reset", {qv5123::factory_reset()});
   for (std::size_t page = 0; page < values_.pages(); ++page)
     if (TuningDesk* desk = values_.desk(page)) desk->chip_was_reset();
+}
+
+std::string CQV5123View::what_would_change() const {
+  const std::filesystem::path& file = document_.setting_file;
+  if (file.empty()) return "No setting file is in use: Yes asks for one.";
+  const std::string name = path_text(file.filename());
+  if (!values_.file()) return "What " + name + " holds was not looked at.";
+  const UserDataImage now = files_.unsaved();
+  int differing = 0;
+  for (std::size_t i = 0; i < UserDataImage::kSize; ++i)
+    differing += now.entry(i) != values_.file()->entry(i) ? 1 : 0;
+  if (differing == 0) return name + " has all of it already.";
+  return std::to_string(differing) + " of the 1024 numbers in " + name + (differing == 1 ? " is" : " are") +
+         " to change.";
 }
 
 void CQV5123View::load_recent_file(int position) {

@@ -158,6 +158,8 @@ class CQV5123View final : public QWidget, public PageHost {
   Task<> begin_with_image(Startup startup);
   Task<> load_file(std::optional<std::filesystem::path> path);
   void reset_chip();
+  /// What saving would change in the setting file, for who is asked whether to.
+  std::string what_would_change() const;
   Task<> copy_to_factory();
   Task<> store_version();
   Task<> choose_osd_pattern(int selection);

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -103,12 +104,20 @@ void name_button(const QMessageBox& box, Answer answer, const std::string& text)
   if (button && !text.empty()) button->setText(to_qt(text));
 }
 
+void add_detail(QMessageBox& box, const std::string& text) {
+  if (text.empty()) return;
+  box.setInformativeText(to_qt(text));
+  // The box's own text format is not for this one.
+  if (auto* label = box.findChild<QLabel*>("qt_msgbox_informativelabel")) label->setTextFormat(Qt::PlainText);
+}
+
 QMessageBox* question_box(const Question& question, QWidget* parent) {
   auto* box =
       message_box(question.title, question.text, QMessageBox::Question, buttons_of(question.buttons), parent);
   name_button(*box, Answer::yes, question.yes_text);
   name_button(*box, Answer::no, question.no_text);
   name_button(*box, Answer::cancel, question.cancel_text);
+  add_detail(*box, question.detail);
   if (question.preferred) box->setDefaultButton(button_for(*box, *question.preferred));
   return box;
 }

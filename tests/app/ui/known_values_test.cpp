@@ -117,6 +117,21 @@ TEST_F(KnownValues, KeysUndoStepsButFirstWhatIsBeingTyped) {
   EXPECT_EQ(action("redo")->text(), "Redo Parameter-1 RED");
 }
 
+TEST_F(KnownValues, TheQuestionAtTheEndTellsWhatASaveWouldChange) {
+  const auto detail = [this] {
+    bench_.view->request_exit();
+    bench_.wire.advance(100);
+    return bench_.user.questions.back().detail;
+  };
+  EXPECT_EQ(detail(), "No setting file is in use: Yes asks for one.");
+  bench_.user.paths = {bench_.folder.write("board.dat", setting_text(bench_.document.user_data))};
+  bench_.click_in_column("Load File...");
+  bench_.wire.advance(1000);
+  EXPECT_EQ(detail(), "board.dat has all of it already.");
+  type(321);
+  EXPECT_EQ(detail(), "2 of the 1024 numbers in board.dat are to change.");
+}
+
 TEST_F(KnownValues, APageOlderThanAChipThatWasResetOffersToReadIt) {
   auto* save = test::find<QPushButton>(*bench_.view->pages().page_widget(PageId::lsc), "File/Flash Save");
   bench_.document.setting_file = "/home/me/board.dat";

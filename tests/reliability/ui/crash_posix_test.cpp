@@ -80,9 +80,10 @@ TEST(Crash, OfTheKilledProgramTheNextStartOffersWhatWasUnsaved) {
   test::wait_until([] { return test::visible<QMessageBox>() != nullptr; });
   auto* box = test::visible<QMessageBox>();
   EXPECT_TRUE(box->text().endsWith("board.dat")) << box->text().toStdString();
+  EXPECT_TRUE(box->text().contains("Kept less than a minute ago (")) << box->text().toStdString();
   EXPECT_TRUE(
-      box->text().contains("Kept less than a minute ago: 2 values that the setting file has otherwise.\n"
-                           "The font that was edited is kept as well."))
+      box->text().contains(" UTC): 2 values that the setting file has otherwise.\n"
+                           "The font that was edited is kept as well.\nThe port was: "))
       << box->text().toStdString();
   box->button(QMessageBox::Yes)->click();
   next.wait_for_start();
