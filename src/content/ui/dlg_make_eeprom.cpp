@@ -1,19 +1,27 @@
 #include "content/ui/dlg_make_eeprom.h"
 
+#include <QDragEnterEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPushButton>
+#include <QUrl>
 #include <QVBoxLayout>
 #include <utility>
 
 #include "base/atomic_file.h"
+#include "base/delay.h"
 #include "base/ui/page_marks.h"
 #include "base/ui/qt_text.h"
+#include "content/ui/flash_map_view.h"
 
 namespace qv5123 {
 
 namespace {
+
+/// A path that is being typed is not looked for at every letter.
+constexpr std::chrono::milliseconds kTyped{300};
 
 FileChoice binary_choice(const char* title, const char* kind) {
   return {"Binary File(*.bin)|*.bin", "bin", ".bin", title, kind};
@@ -65,13 +73,19 @@ CDlgMakeEeprom::CDlgMakeEeprom(PageHost& host, QWidget* parent) : QWidget(parent
   make->setToolTip("Build the 256 KiB flash image from the three files and save it");
   connect(make, &QPushButton::clicked, this, [this] { flows_.spawn(make_image()); });
   layout->addWidget(make, 0, Qt::AlignLeft);
-  layout->addStretch(1);
+  map_ = new FlashMapView;
+  layout->addWidget(map_, 1);
+  setAcceptDrops(true);
+  for (QLineEdit* edit : {firmware_, font_, user_})
+    connect(edit, &QLineEdit::textChanged, this, &CDlgMakeEeprom::look_again);
 }
 
 QLineEdit* CDlgMakeEeprom::add_path_row(QGridLayout* layout, const QString& label, const FileChoice& choice) {
   auto* edit = keep_choice(new QLineEdit);
   edit->setAccessibleName(label);
-  edit->setToolTip("Path of the " + label);
+  edit->setToolTip("Path of the " + label + "; files can be dropped on the page");
+  // By itself it would take the file as an address among its text.
+  edit->setAcceptDrops(false);
   auto* caption = new QLabel(label);
   caption->setBuddy(edit);
   auto* button = new QPushButton("...");
@@ -93,14 +107,11 @@ Task<> CDlgMakeEeprom::choose_path(QLineEdit* edit, FileChoice choice) {
 }
 
 Task<> CDlgMakeEeprom::make_image() {
-  const QString firmware = meant_path(firmware_->text());
-  const QString font = meant_path(font_->text());
-  const QString user = meant_path(user_->text());
-  if (firmware.isEmpty() || font.isEmpty() || user.isEmpty()) {
+  FlashFiles files = this->files();
+  if (files.firmware.empty() || files.font.empty() || files.user.empty()) {
     co_await host_.prompts().message(warning("Error!!  Any File is not assigned.."));
     co_return;
   }
-  FlashFiles files{to_path(firmware), to_path(font), to_path(user)};
   std::function<FlashBuild()> work = [files = std::move(files)] { return build_flash_image(files); };
   auto build = co_await host_.background().run<FlashBuild>(std::move(work));
   if (build.ok()) {
@@ -110,6 +121,54 @@ Task<> CDlgMakeEeprom::make_image() {
   } else {
     co_await host_.prompts().message(warning(build.refusal));
   }
+}
+
+FlashFiles CDlgMakeEeprom::files() const {
+  const auto path = [](const QLineEdit* edit) { return to_path(meant_path(edit->text())); };
+  return {path(firmware_), path(font_), path(user_)};
+}
+
+void CDlgMakeEeprom::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  look_again();
+}
+
+void CDlgMakeEeprom::look_again() {
+  looking_.start(look());
+}
+
+Task<> CDlgMakeEeprom::look() {
+  co_await Delay(host_.scheduler(), kTyped);
+  std::function<FlashLook()> work = [files = files()] { return look_at_flash(files); };
+  map_->show_look(co_await host_.background().run<FlashLook>(std::move(work)));
+}
+
+void CDlgMakeEeprom::dragEnterEvent(QDragEnterEvent* event) {
+  for (const QUrl& url : event->mimeData()->urls())
+    if (url.isLocalFile()) return event->acceptProposedAction();
+}
+
+QLineEdit* CDlgMakeEeprom::edit_for(const std::filesystem::path& dropped) const {
+  switch (flash_file_kind(dropped)) {
+    case FlashFile::firmware:
+      return firmware_;
+    case FlashFile::font:
+      return font_;
+    default:
+      return user_;
+  }
+}
+
+void CDlgMakeEeprom::dropEvent(QDropEvent* event) {
+  const QList<QUrl> urls = event->mimeData()->urls();
+  auto* under = qobject_cast<QLineEdit*>(childAt(event->position().toPoint()));
+  for (const QUrl& url : urls) {
+    if (!url.isLocalFile()) continue;
+    const QString path = url.toLocalFile();
+    QLineEdit* edit = urls.size() == 1 && under ? under : edit_for(to_path(path));
+    edit->setText(path);
+  }
+  event->acceptProposedAction();
 }
 
 // "Ok.." follows whatever came of the output, a cancelled chooser included: the pairing is kept deliberately.

@@ -2,7 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <QDragEnterEvent>
+#include <QMimeData>
+#include <QUrl>
+
+#include "console/setting_file.h"
+#include "console/version_box.h"
 #include "content/flash_image.h"
+#include "content/ui/flash_map_view.h"
 #include "support/page_bench.h"
 #include "support/temporary_folder.h"
 
@@ -63,6 +70,54 @@ TEST_F(MakeEepromPage, PastedPathsAreReadAndWhatIsMissingIsNamedToTheEnd) {
   user_.type("font file", " \" \" ");
   make();
   EXPECT_EQ(shown().back(), "Error!!  Any File is not assigned..");
+}
+
+TEST_F(MakeEepromPage, TheMapTellsWhatTheChosenFilesFill) {
+  page_.show();
+  folder_.write("fw.bin", std::string(4096, '\1'));
+  UserDataImage image;
+  store_version(image, 1, {1, 2, 30});
+  folder_.write("user.dat", setting_text(image));
+  const auto place = [this](std::size_t offset) {
+    wire_.advance(400);
+    for (const FlashPlace& one : page_.findChild<FlashMapView*>()->look().places)
+      if (one.offset == offset) return one.text + " | " + std::to_string(one.filled);
+    return std::string();
+  };
+  EXPECT_EQ(place(0x20000), "font: no file chosen | 0");
+  type_all();
+  EXPECT_EQ(place(0), "firmware: fw.bin, 4096 of 65536 bytes, CRC-32 3AD9E426 | 4096");
+  EXPECT_EQ(place(0x30000), "firmware again: the same bytes | 4096");
+  EXPECT_EQ(place(0x10000), "user data: user.dat, HW 0.0.0  SW 1.2.30  ISP 0.0.0 | 2048");
+  EXPECT_EQ(place(0x15000), "user data again, piece 5: 233 bytes | 233");
+  folder_.write("fw.bin", std::string(70000, '\1'));
+  user_.type("font file", QString::fromStdString(path_text(folder_ / "no.bin")));
+  EXPECT_EQ(place(0), "firmware: fw.bin is too large, 70000 of 65536 bytes | 0");
+  EXPECT_EQ(place(0x20000), "font: no.bin cannot be read, erased | 0");
+}
+
+TEST_F(MakeEepromPage, DroppedFilesGoWhereTheyBelong) {
+  page_.show();
+  folder_.write("big.bin", std::string(49152, '\0'));
+  QMimeData files;
+  QList<QUrl> urls;
+  for (const char* name : {"user.dat", "fw.bin", "big.bin"})
+    urls << QUrl::fromLocalFile(QString::fromStdString(path_text(folder_ / name)));
+  files.setUrls(urls);
+  const auto drop = [this, &files](QPoint at) {
+    QDragEnterEvent enter(at, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&page_, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent event(at, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&page_, &event);
+  };
+  drop({1, 1});
+  for (const auto& [edit, name] :
+       {std::pair{"user file", "user.dat"}, {"fw file", "fw.bin"}, {"font file", "big.bin"}})
+    EXPECT_TRUE(user_.text(edit).endsWith(name)) << edit;
+  files.setUrls({urls[1]});
+  drop(user_.find<QLineEdit>("font file")->geometry().center());
+  EXPECT_TRUE(user_.text("font file").endsWith("fw.bin")) << "where it was dropped";
 }
 
 TEST_F(MakeEepromPage, AnEmptyPathStopsBeforeAnythingIsRead) {
