@@ -109,13 +109,14 @@ void add_chart_menu(QWidget* chart, std::function<QString()> numbers, std::funct
     data->setText(numbers());
     QGuiApplication::clipboard()->setMimeData(data.release());
   });
+  chart->addAction(copy);
+  chart->setContextMenuPolicy(Qt::ActionsContextMenu);
+  if (!show_all) return;
   auto* whole = new QAction("Show all of it", chart);
   whole->setShortcut(QKeySequence("0"));
   whole->setShortcutContext(Qt::WidgetShortcut);
   QObject::connect(whole, &QAction::triggered, chart, std::move(show_all));
-  chart->addAction(copy);
   chart->addAction(whole);
-  chart->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
 }  // namespace qv5123

@@ -64,7 +64,7 @@ class ChartLegend {
 };
 
 /// Gives a chart its menu: it is copied as a picture with its numbers as text, and shown whole again after
-/// the wheel enlarged a part of it.
+/// the wheel enlarged a part of it; `show_all` may be empty.
 void add_chart_menu(QWidget* chart, std::function<QString()> numbers, std::function<void()> show_all);
 
 }  // namespace qv5123

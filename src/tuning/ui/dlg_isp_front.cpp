@@ -3,6 +3,7 @@
 #include <QHideEvent>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
 
 #include "base/ui/page_marks.h"
@@ -13,6 +14,11 @@
 #include "tuning/ui/service_area_box.h"
 
 namespace qv5123 {
+namespace {
+
+constexpr int kWidest = 140;  // characters
+
+}  // namespace
 
 CDlgIspFront::CDlgIspFront(PageHost& host)
     : TuningDialog(host, desk_),
@@ -22,8 +28,14 @@ CDlgIspFront::CDlgIspFront(PageHost& host)
       raw_access_(host, area_),
       player_(host),
       edits_(desk_) {
-  auto* page = new QVBoxLayout(this);
-  page->setContentsMargins(4, 6, 4, 6);
+  // On a wide screen the groups stay together: a value far from its caption is hard to read.
+  auto* together = new QWidget;
+  auto* sides = new QHBoxLayout(this);
+  sides->setContentsMargins(4, 6, 4, 6);
+  sides->addWidget(together, 1);
+  sides->addStretch(0);
+  auto* page = new QVBoxLayout(together);
+  page->setContentsMargins(0, 0, 0, 0);
   page->addLayout(make_settings());
   auto* bits = new QHBoxLayout;
   bits->addWidget(make_flag_group(), 1);
@@ -34,6 +46,8 @@ CDlgIspFront::CDlgIspFront(PageHost& host)
   service_box_ = new ServiceAreaBox(area_, player_);
   page->addWidget(service_box_, 1000);
   page->addStretch(1);
+  together->setMaximumWidth(
+      std::max(kWidest * fontMetrics().averageCharWidth(), together->minimumSizeHint().width()));
   desk_.attach(*this);
   show_values();
   // The page's first control would set the chip's video mode at the first arrow key or turn of the wheel.

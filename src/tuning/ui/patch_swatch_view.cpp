@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include "tuning/ui/chart_tools.h"
+
 namespace qv5123 {
 namespace {
 
@@ -14,7 +16,26 @@ constexpr double kGap = 4;
 
 PatchSwatchView::PatchSwatchView() {
   setAccessibleName("Patches");
+  setToolTip("Point at a patch for its differences. Ctrl+C copies the picture and the numbers.");
+  setFocusPolicy(Qt::StrongFocus);
+  add_chart_menu(this, [this] { return numbers(); }, {});
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+}
+
+QString PatchSwatchView::numbers() const {
+  QString text = QString("Patch\tReference\tMeasured\tCorrected\tBefore\tAfter") +
+                 (second_ ? "\tColor difference fit\n" : "\n");
+  const auto colour = [](const auto& shown) { return QColor(display_colour(shown)).name(); };
+  for (std::size_t patch = 0; patch < kPatches; ++patch) {
+    text += QString("%1\t%2").arg(kPatchCaptions[patch]).arg(colour(kPatchReferences[patch]));
+    if (const auto match = report_ ? report_->patches[patch] : std::nullopt) {
+      text += QString("\t%1\t%2").arg(colour(match->measured), colour(match->corrected));
+      text += QString("\t%1\t%2").arg(match->before, 0, 'f', 1).arg(match->after, 0, 'f', 1);
+      if (second_) text += QString("\t%1").arg(second_->patches[patch]->after, 0, 'f', 1);
+    }
+    text += u'\n';
+  }
+  return text + summary() + u'\n';
 }
 
 void PatchSwatchView::show_report(const std::optional<PatchReport>& report,
@@ -86,6 +107,9 @@ void PatchSwatchView::paintEvent(QPaintEvent*) {
   painter.drawText(area, Qt::AlignLeft | Qt::AlignBottom,
                    report_ ? summary() : QString("Measure the grays to see the differences."));
   for (std::size_t patch = 0; patch < kPatches; ++patch) paint_patch(painter, patch);
+  if (!hasFocus()) return;
+  painter.setPen(QPen(palette().color(QPalette::WindowText), 1, Qt::DashLine));
+  painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
 void PatchSwatchView::paint_patch(QPainter& painter, std::size_t patch) const {

@@ -22,6 +22,8 @@ class PatchSwatchView : public QWidget {
                    const std::optional<PatchReport>& second = std::nullopt);
   /// "mean 8.1 → 2.3   median ...   worst ..."; with a second report "8.1 → 2.3 | 1.9"; empty without any.
   QString summary() const;
+  /// Reference, measured and corrected colour of each patch with its differences, a line for each.
+  QString numbers() const;
   /// The patch at a point of the widget with its differences; empty beside the patches.
   QString text_at(QPointF point) const;
   /// Where the patch is drawn, its difference included.

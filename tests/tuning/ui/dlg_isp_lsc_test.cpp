@@ -106,6 +106,35 @@ TEST_F(LensPage, CalibratesSendsAndSwitchesOff) {
   EXPECT_EQ(parameters(), all);
 }
 
+TEST_F(LensPage, TheChartIsReadByKeyEnlargedAndCopied) {
+  answer_reads();
+  start_calibration();
+  fake_.advance(70000);
+  auto* chart = user_.find<LensChartView>("Lens shading chart");
+  chart->resize(600, 400);
+  const auto press = [chart](Qt::Key key) {
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    QApplication::sendEvent(chart, &event);
+    return chart->readout();
+  };
+  EXPECT_TRUE(press(Qt::Key_Right).startsWith("X 16:   R 216"));
+  EXPECT_NE(press(Qt::Key_Right), press(Qt::Key_Left));
+  EXPECT_TRUE(
+      chart->numbers().startsWith("X\tR\tG\tB\tR corrected\tG corrected\tB corrected\n16\t216\t180\t144\t"));
+  const QPointF at = chart->to_widget(960, 128);
+  QWheelEvent wheel(at, chart->mapToGlobal(at), {}, {0, 240}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                    false);
+  QApplication::sendEvent(chart, &wheel);
+  EXPECT_NEAR(chart->to_widget(960, 128).x(), at.x(), 1);
+  EXPECT_GT(chart->to_widget(1160, 128).x() - at.x(), 70);
+  chart->actions().last()->trigger();
+  EXPECT_EQ(chart->to_widget(960, 128), at);
+  // A name that is clicked takes its curve away.
+  const auto all = chart->grab().toImage();
+  test::mouse(chart, QEvent::MouseButtonPress, chart->legend_place(1).center());
+  EXPECT_NE(chart->grab().toImage(), all);
+}
+
 TEST_F(LensPage, TheRatioCountsUntilThePickerIsOff) {
   answer_reads();
   start_calibration();
