@@ -59,6 +59,27 @@ void FontEditor::open_binary(std::span<const std::uint8_t> bytes) {
   in_file_ = library_.to_binary();
 }
 
+void FontEditor::compare_with(std::span<const std::uint8_t> binary) {
+  other_.emplace().read_binary(binary);
+}
+
+Glyph FontEditor::compared(int glyph) const {
+  if (other_) return other_->glyph(glyph);
+  Glyph::Rows rows{};
+  std::size_t at = static_cast<std::size_t>(glyph) * FontLibrary::kGlyphBytes;
+  for (std::uint16_t& row : rows) {
+    row = static_cast<std::uint16_t>(in_file_[at] << 8 | in_file_[at + 1]);
+    at += 2;
+  }
+  return Glyph(rows);
+}
+
+int FontEditor::differing() const {
+  int count = 0;
+  for (int glyph = 0; glyph < FontLibrary::kGlyphs; ++glyph) count += differs(glyph) ? 1 : 0;
+  return count;
+}
+
 std::string FontEditor::draft() const {
   if (!is_unset() && !differs_from_file()) return {};
   std::string text = std::to_string(selected_glyph()) + "\n";

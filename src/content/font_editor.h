@@ -45,6 +45,18 @@ class FontEditor {
   void mark_in_file(std::vector<std::uint8_t> binary) { in_file_ = std::move(binary); }
   void mark_in_export(std::vector<std::uint8_t> binary) { in_export_ = std::move(binary); }
 
+  /// What glyphs are compared with: another binary file's content, of which a short one leaves the rest
+  /// empty, or the file last read or written, as at the beginning.
+  void compare_with(std::span<const std::uint8_t> binary);
+  void compare_with_file() { other_.reset(); }
+  bool compares_with_other() const { return other_.has_value(); }
+  /// The other's glyph, 0..1023, and whether the library's is not the same.
+  Glyph compared(int glyph) const;
+  bool differs(int glyph) const { return library_.glyph(glyph) != compared(glyph); }
+  int differing() const;
+  /// Puts the other's glyph in place of the selected one, as one step.
+  void take_over() { fill(selected_glyph(), {compared(selected_glyph())}); }
+
   /// Library, glyph and edit buffer as text that another run can go on with; empty while nothing is unset and
   /// the file holds all.
   std::string draft() const;
@@ -98,6 +110,7 @@ class FontEditor {
   FontLibrary library_;
   std::vector<std::uint8_t> in_file_ = FontLibrary().to_binary();
   std::vector<std::uint8_t> in_export_ = in_file_;
+  std::optional<FontLibrary> other_;
   std::bitset<FontLibrary::kGlyphs> edited_;  // library glyphs that were ever replaced
   GlyphHistory history_;
   Glyph buffer_;

@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -15,10 +16,12 @@
 #include "base/atomic_file.h"
 #include "base/delay.h"
 #include "base/hex.h"
+#include "base/ui/page_marks.h"
 #include "base/ui/qt_text.h"
 #include "content/font_text.h"
 #include "content/ui/fill_range_box.h"
 #include "content/ui/font_preview_area.h"
+#include "content/ui/font_text_view.h"
 #include "content/ui/glyph_editor_area.h"
 #include "content/ui/glyph_rasterizer.h"
 
@@ -34,15 +37,6 @@ struct ReadExport {
   FontLibrary library;
   bool unreadable = false;  // it is there, but cannot be read
 };
-
-struct ReadFont {
-  FileResult result;
-  std::string bytes;
-};
-
-FileChoice font_file_choice(const char* title, const char* initial_name) {
-  return {"FONT Files (*.bin)|*.bin|All Files (*.*)|*.*||", "bin", initial_name, title, "font"};
-}
 
 std::filesystem::path export_path_here() {
   std::error_code error;
@@ -97,6 +91,8 @@ CDlgFontMaker::CDlgFontMaker(PageHost& host, QWidget* parent)
   editing->addLayout(make_buffer_row());
   editing->addLayout(make_edit_rows());
   editing->addWidget(fill_);
+  layout->addLayout(make_compare_row());
+  layout->addLayout(make_text_row());
   add_action("Close", QKeySequence("Ctrl+W"), "Close the font editor", [this] { close_page(); });
 
   connect(preview_, &FontPreviewArea::glyph_picked, this, [this](int index) {
@@ -147,6 +143,48 @@ QBoxLayout* CDlgFontMaker::make_file_row() {
   row->addStretch(1);
   row->addWidget(state_);
   row->addWidget(number_);
+  return row;
+}
+
+QBoxLayout* CDlgFontMaker::make_compare_row() {
+  auto* row = new QHBoxLayout;
+  const auto add = [this, row](const char* caption, const char* tip, std::function<void()> act) {
+    auto* button = make_button(caption, tip);
+    connect(button, &QPushButton::clicked, this, std::move(act));
+    row->addWidget(button);
+    return button;
+  };
+  add("Compare with...",
+      "Mark the glyphs that another font file has otherwise; Cancel compares with this font's own file",
+      [this] { flows_.spawn(compare_font()); });
+  take_over_ = add("Take over", "Put the glyph of the file compared with in place of the selected one",
+                   [this] { edit([this] { editor_.take_over(); }); });
+  compared_ = new QLabel;
+  compared_->setAccessibleName("Comparison");
+  compared_->setTextFormat(Qt::PlainText);
+  row->addWidget(compared_, 1);
+  add("Export sheet...", "Write all glyphs as one picture, 32 in a row, black on white",
+      [this] { flows_.spawn(export_sheet()); });
+  add("Import sheet...", "Take all glyphs from such a picture, as one step",
+      [this] { flows_.spawn(import_sheet()); });
+  return row;
+}
+
+QBoxLayout* CDlgFontMaker::make_text_row() {
+  text_view_ = new FontTextView(editor_);
+  auto* edit = keep_choice(new QLineEdit("OSD 0123"));
+  edit->setAccessibleName("Preview text");
+  edit->setToolTip(
+      "Shown in the glyphs of this page: a character is the glyph of its code, as A is glyph 65");
+  edit->setMaximumWidth(20 * edit->fontMetrics().averageCharWidth());
+  connect(edit, &QLineEdit::textChanged, text_view_, &FontTextView::show_text);
+  text_view_->show_text(edit->text());
+  auto* caption = new QLabel("Text:");
+  caption->setBuddy(edit);
+  auto* row = new QHBoxLayout;
+  row->addWidget(caption);
+  row->addWidget(edit);
+  row->addWidget(text_view_, 1);
   return row;
 }
 
@@ -206,13 +244,23 @@ void CDlgFontMaker::refresh_buffer() {
   state_->setText(editor_.is_unset() ? "Drawn, not set" : "");
   undo_->setEnabled(editor_.can_undo() || fills_ > 0);
   redo_->setEnabled(editor_.can_redo());
+  take_over_->setEnabled(editor_.differs(glyph));
+  text_view_->update();
   editor_area_->update();
 }
 
 void CDlgFontMaker::refresh_all() {
   page_selector_->setCurrentIndex(editor_.page());
   preview_->refresh_page();
+  show_comparison();
   refresh_buffer();
+}
+
+void CDlgFontMaker::show_comparison() {
+  const int differing = editor_.differing();
+  const QString what = compared_name_.isEmpty() ? "the font file" : compared_name_;
+  compared_->setText(differing == 0 ? "As in " + what
+                                    : QString("%1 of 1024 glyphs differ from %2").arg(differing).arg(what));
 }
 
 void CDlgFontMaker::edit(const std::function<void()>& change) {
@@ -312,46 +360,6 @@ void CDlgFontMaker::undo() {
   } else {
     editor_.undo();
   }
-}
-
-Task<> CDlgFontMaker::open_font_file() {
-  const auto path = co_await host_.prompts().choose_open(font_file_choice("Open a font file", "*.bin"));
-  if (!path) co_return;
-  std::function<ReadFont()> work = [path = *path] {
-    ReadFont font;
-    font.result = read_whole_file(path, font.bytes);
-    return font;
-  };
-  const ReadFont font = co_await host_.background().run<ReadFont>(std::move(work));
-  // No box to be clicked away: the library is as it was.
-  if (!font.result.ok()) co_return host_.show_failure(font.result.text);
-  editor_.open_binary({reinterpret_cast<const std::uint8_t*>(font.bytes.data()), font.bytes.size()});
-  refresh_all();
-  const std::size_t glyphs = font.bytes.size() / FontLibrary::kGlyphBytes;
-  const std::string part =
-      glyphs < FontLibrary::kGlyphs ? ", " + std::to_string(glyphs) + " of 1024 glyphs" : "";
-  host_.show_status("Font file read: " + path_text(*path) + part);
-}
-
-Task<> CDlgFontMaker::save_font_file() {
-  const std::string unset = unset_text();
-  if (!unset.empty()) {
-    const bool without = co_await agreed(unset + "\n\nSave the font without it?");
-    if (!without) co_return;
-  }
-  begin_export(Export::always);
-  const auto path =
-      co_await host_.prompts().choose_save(font_file_choice("Save the font", "fontT_16x24_.bin"));
-  if (!path) co_return;
-  std::vector<std::uint8_t> binary = editor_.library().to_binary();
-  std::function<FileResult()> work = [path = *path, binary] {
-    return write_file_atomically(path, {reinterpret_cast<const char*>(binary.data()), binary.size()});
-  };
-  const FileResult written = co_await host_.background().run<FileResult>(std::move(work));
-  if (!written.ok()) co_return host_.show_failure(written.text);
-  editor_.mark_in_file(std::move(binary));
-  host_.draft_saved();
-  host_.show_status("Font file written: " + path_text(*path));
 }
 
 Task<> CDlgFontMaker::fill_range() {

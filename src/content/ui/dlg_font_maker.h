@@ -10,10 +10,12 @@ class QAction;
 class QBoxLayout;
 class QComboBox;
 class QLabel;
+class QPushButton;
 
 namespace qv5123 {
 
 class FillRangeBox;
+class FontTextView;
 class FontPreviewArea;
 class GlyphEditorArea;
 
@@ -44,6 +46,8 @@ class CDlgFontMaker : public QWidget, public Page {
  private:
   QBoxLayout* make_file_row();
   QBoxLayout* make_buffer_row();
+  QBoxLayout* make_compare_row();
+  QBoxLayout* make_text_row();
   QBoxLayout* make_edit_rows();
   QAction* add_action(const QString& text, const QKeySequence& keys, const QString& tip,
                       const std::function<void()>& act);
@@ -51,6 +55,7 @@ class CDlgFontMaker : public QWidget, public Page {
   /// Shows the edit buffer and its glyph's number anew, or everything.
   void refresh_buffer();
   void refresh_all();
+  void show_comparison();
   void edit(const std::function<void()>& change);
   void copy_glyph();
   void paste_glyph();
@@ -69,6 +74,9 @@ class CDlgFontMaker : public QWidget, public Page {
 
   Task<> open_font_file();
   Task<> save_font_file();
+  Task<> compare_font();
+  Task<> export_sheet();
+  Task<> import_sheet();
   Task<> fill_range();
   Task<> ask_and_close();
 
@@ -86,6 +94,10 @@ class CDlgFontMaker : public QWidget, public Page {
   FontPreviewArea* preview_ = nullptr;
   GlyphEditorArea* editor_area_ = nullptr;
   FillRangeBox* fill_ = nullptr;
+  QPushButton* take_over_ = nullptr;
+  QLabel* compared_ = nullptr;
+  QString compared_name_;  // empty for the font's own file
+  FontTextView* text_view_ = nullptr;
   QAction* undo_ = nullptr;
   QAction* redo_ = nullptr;
   /// What the user started and has not answered to its end; last, so that it ends before what it uses.

@@ -12,6 +12,9 @@ namespace qv5123 {
 
 namespace {
 
+/// The amber of values that were not sent.
+const QColor kDifferingColour(0xE0, 0x90, 0x00);
+
 /// How far a key moves the selection; 0 if it doesn't.
 int key_step(int key) {
   switch (key) {
@@ -46,7 +49,10 @@ QRectF cell(int index) {
 FontPreviewArea::FontPreviewArea(const FontEditor& editor, QWidget* parent)
     : ScaledArea(QSize(preview::kWidth, preview::kHeight), parent), editor_(editor) {
   setAccessibleName("Font page preview");
-  setToolTip("Click a glyph to edit it; the arrow keys pick its neighbours");
+  setToolTip(
+      "Click a glyph to edit it; the arrow keys pick its neighbours. A corner is marked where a glyph is not "
+      "as in the "
+      "font file, or as in the one compared with.");
 }
 
 void FontPreviewArea::refresh_page() {
@@ -63,8 +69,24 @@ void FontPreviewArea::paintEvent(QPaintEvent*) {
   const QRectF white_area(preview::kLeft, preview::kTop, preview::kRight - preview::kLeft,
                           preview::kBottom - preview::kTop);
   painter.drawImage(to_widget(white_area), page_, white_area);
+  paint_differing(painter);
   painter.setPen(QPen(palette().color(QPalette::Highlight), hasFocus() ? 3 : 2));
   painter.drawRect(to_widget(cell(editor_.selected())));
+}
+
+void FontPreviewArea::paint_differing(QPainter& painter) const {
+  constexpr double kMark = 6;  // pixels of the design
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(kDifferingColour);
+  const int first = editor_.page() * FontLibrary::kPageGlyphs;
+  for (int index = 0; index < FontLibrary::kPageGlyphs; ++index) {
+    if (!editor_.differs(first + index)) continue;
+    const QRectF place = to_widget(cell(index));
+    const double mark = kMark * scale();
+    const QPointF corner = place.topRight();
+    painter.drawPolygon(QPolygonF{{corner, corner - QPointF(mark, 0), corner + QPointF(0, mark)}});
+  }
+  painter.setBrush(Qt::NoBrush);
 }
 
 void FontPreviewArea::mouseReleaseEvent(QMouseEvent* event) {

@@ -29,6 +29,8 @@ class FontPreviewArea : public ScaledArea {
   void changeEvent(QEvent* event) override;
 
  private:
+  void paint_differing(QPainter& painter) const;
+
   const FontEditor& editor_;
   QImage page_;  // null until drawn
 };

@@ -334,6 +334,43 @@ TEST_F(FontMakerPage, AVisitLeavesTheExportAsItWas) {
   EXPECT_TRUE(folder_.read("fntmkr.txt") == text) << "row 0 of glyph 1 is still there";
 }
 
+TEST_F(FontMakerPage, GlyphsAreComparedTakenOverAndGoThroughASheet) {
+  open();
+  const auto comparison = [this] { return find<QLabel>(*page_, "Comparison")->text().toStdString(); };
+  EXPECT_EQ(comparison(), "As in the font file");
+  pick(1, 4);
+  press("Invert");
+  EXPECT_EQ(comparison(), "As in the font file") << "drawn, not set";
+  press("Set");
+  EXPECT_EQ(comparison(), "1 of 1024 glyphs differ from the font file");
+
+  std::vector<std::uint8_t> other = page_->editor().library().to_binary();
+  other[5 * FontLibrary::kGlyphBytes] ^= 0x80;
+  folder_.write("other.bin", {other.begin(), other.end()});
+  host_.user.paths = {folder_ / "other.bin"};
+  press("Compare with...");
+  EXPECT_EQ(comparison(), "1 of 1024 glyphs differ from other.bin");
+  EXPECT_FALSE(find<QAbstractButton>(*page_, "Take over")->isEnabled()) << "this one is the same";
+  pick(5, 0);
+  press("Take over");
+  EXPECT_EQ(glyph(5).rows()[0], 0x8000);
+  EXPECT_EQ(comparison(), "As in other.bin");
+
+  host_.user.paths = {folder_ / "font.png", folder_ / "font.png"};
+  press("Export sheet...");
+  const FontLibrary before = page_->editor().library();
+  press("Undo");
+  press("Import sheet...");
+  EXPECT_EQ(page_->editor().library().to_binary(), before.to_binary());
+  QImage small(16, 16, QImage::Format_ARGB32);
+  small.save(QString::fromStdString((folder_ / "small.png").string()));
+  host_.user.paths = {folder_ / "small.png"};
+  press("Import sheet...");
+  EXPECT_EQ(host_.last_status(), "small.png is no sheet of 512 x 768 pixels");
+  press("Compare with...");
+  EXPECT_EQ(comparison(), "2 of 1024 glyphs differ from the font file") << "cancelled: its own file";
+}
+
 TEST_F(FontMakerPage, UndoWaitsForAFill) {
   open();
   press("Invert");
