@@ -58,7 +58,11 @@ Message warning(const std::string& text) {
 }  // namespace
 
 RegisterDesk::RegisterDesk(PageHost& host, RegisterView& view)
-    : host_(host), view_(view), reader_(host.link()), loader_(host, reader_, sheet_, view) {}
+    : host_(host),
+      view_(view),
+      reader_(host.link()),
+      loader_(host, reader_, sheet_, view),
+      check_(host, loader_) {}
 
 void RegisterDesk::open() {
   // Named now: the current directory may be another one by the time it is read.
@@ -180,7 +184,9 @@ Task<> RegisterDesk::write_unknown(int address) {
 }
 
 void RegisterDesk::write_to(int address) {
-  host_.send_and_tell(address_name(address), {isp_write(address, ParseRegAddress(sheet_.value_text()))});
+  const Batch write = isp_write(address, ParseRegAddress(sheet_.value_text()));
+  check_.written(address, write.back().value);
+  host_.send_and_tell(address_name(address), {write});
   sheet_.show_written();
   view_.show_data();
   if (sheet_.current_row() >= 0) view_.show_value_cell(sheet_.current_row());
@@ -270,13 +276,16 @@ Task<> RegisterDesk::load_file_flow() {
     say(loaded.result.text);
     co_return;
   }
+  check_.forget();
   const BusyScope busy(host_);
   const RegisterFile& file = loaded.file;
   if (file.skipped > 0) host_.show_failure(skipped_text(*path, file));
   loader_.enable_load_file(false);
   const std::size_t matches = sheet_.apply(file);
   const unsigned connection = host_.link().connection();
-  const std::size_t lost = co_await loader_.write_known(matches);
+  // What the file gave, whatever a sequence that runs beside this one learns meanwhile.
+  const std::vector<RegisterFile::Line> known = known_registers(sheet_.description());
+  const std::size_t lost = co_await loader_.write(known, matches);
   const bool forgotten = host_.link().connection() != connection;
   if (lost > 0 || forgotten) {
     host_.show_failure(lost_text(lost));
@@ -285,6 +294,7 @@ Task<> RegisterDesk::load_file_flow() {
   }
   if (sheet_.category() >= 0) choose_category(sheet_.category());
   loader_.enable_load_file(true);
+  if (lost == 0 && !forgotten) check_.start(known);
 }
 
 void RegisterDesk::write_flash() {

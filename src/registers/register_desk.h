@@ -6,6 +6,7 @@
 
 #include "console/page_host.h"
 #include "registers/kept_registers.h"
+#include "registers/register_check.h"
 #include "registers/register_loader.h"
 #include "registers/register_sheet.h"
 #include "registers/register_view.h"
@@ -52,8 +53,10 @@ class RegisterDesk {
   void stop() { loader_.stop(); }
   /// Saves the registers read so far, and says how many. Those written since may be read again before.
   void save_file();
-  /// Writes a file's registers to the chip. Closing the window asks meanwhile.
+  /// Writes a file's registers to the chip. Closing the window asks meanwhile. Once that is over they are
+  /// read back where check()'s listener wants that.
   void load_file();
+  RegisterCheck& check() { return check_; }
   /// Stores the registers 0xF800..0xFFFF in the chip's flash. The page's button for it is disabled.
   void write_flash();
 
@@ -78,6 +81,7 @@ class RegisterDesk {
   RegisterSheet sheet_;
   RegisterReader reader_;
   RegisterLoader loader_;
+  RegisterCheck check_;
   KeptRegisters flash_;
   bool answer_is_late_ = false;  ///< of the single read that runs
   bool read_failed_ = false;     ///< the last one, and the status bar says so

@@ -122,6 +122,13 @@ Task<LoadedRegisterFile> load_register_file(Background& background, std::filesys
 }
 
 // First the lines, then the registers: each may be many, and many of both may be of one address.
+std::vector<RegisterFile::Line> known_registers(const RegDescription& description) {
+  std::vector<RegisterFile::Line> known;
+  for (const RegEntry& entry : description.registers)
+    if (entry.value != -1) known.push_back({entry.address, entry.value});
+  return known;
+}
+
 std::size_t apply_register_file(const RegisterFile& file, RegDescription& description) {
   struct Given {
     int value = -1;

@@ -58,6 +58,9 @@ struct LoadedRegisterFile {
 };
 Task<LoadedRegisterFile> load_register_file(Background& background, std::filesystem::path path);
 
+/// The registers whose value is known, in the description's order.
+std::vector<RegisterFile::Line> known_registers(const RegDescription& description);
+
 /// Forgets all values, then gives every register the last value that the file has for its address. Returns
 /// how often a line met a register.
 std::size_t apply_register_file(const RegisterFile& file, RegDescription& description);

@@ -1,7 +1,6 @@
 #include "registers/register_loader.h"
 
 #include <utility>
-#include <vector>
 
 #include "base/delay.h"
 #include "base/text.h"
@@ -165,15 +164,10 @@ void RegisterLoader::show_cell(std::size_t reg) {
   if (entry.category == sheet_.category()) view_.show_value_cell(entry.index_in_category);
 }
 
-Task<std::size_t> RegisterLoader::write_known(std::size_t matches) {
-  // What the file gave, whatever a sequence that runs beside this one learns meanwhile.
-  std::vector<std::pair<int, int>> known;
-  for (const RegEntry& entry : sheet_.description().registers) {
-    if (entry.value != -1) known.emplace_back(entry.address, entry.value);
-  }
+Task<std::size_t> RegisterLoader::write(std::vector<RegisterFile::Line> registers, std::size_t matches) {
   std::size_t failed = 0;
-  for (std::size_t i = 0; i < known.size(); ++i) {
-    const JobResult sent = co_await host_.link().send(isp_write(known[i].first, known[i].second));
+  for (std::size_t i = 0; i < registers.size(); ++i) {
+    const JobResult sent = co_await host_.link().send(isp_write(registers[i].address, registers[i].value));
     failed += sent.failed;
     buttons_.load_file_caption = percent("Load REG to ISP", i + 1, matches);
     show_buttons();

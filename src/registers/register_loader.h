@@ -3,8 +3,10 @@
 #include <chrono>
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "console/page_host.h"
+#include "registers/register_file.h"
 #include "registers/register_reader.h"
 #include "registers/register_sheet.h"
 #include "registers/register_view.h"
@@ -43,9 +45,9 @@ class RegisterLoader {
   Task<RegisterAnswer> read(int address);
 
   void enable_load_file(bool enable);
-  /// Writes every register whose value is known, and tells how many of them did not leave. `matches` stands
-  /// for the whole in the button's caption.
-  Task<std::size_t> write_known(std::size_t matches);
+  /// Writes registers one after the other, and tells how many of them did not leave. `matches` stands for the
+  /// whole in the button's caption.
+  Task<std::size_t> write(std::vector<RegisterFile::Line> registers, std::size_t matches);
 
  private:
   Task<> category_sequence();

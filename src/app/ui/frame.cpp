@@ -56,7 +56,7 @@ CMainFrame::CMainFrame(CQV5123View* view) : view_(*view) {
   connect(view, &CQV5123View::progress_changed, this, &CMainFrame::show_progress);
   view->values().on_verification(
       [this](TuningDesk* desk, const Verification* found) { show_verification(desk, found); });
-  connect(view, &CQV5123View::image_checked, this, &CMainFrame::show_image_check);
+  connect(view, &CQV5123View::checked, this, &CMainFrame::show_checked);
   fit_to_screen();
 }
 
@@ -118,10 +118,10 @@ void CMainFrame::show_verification(TuningDesk* desk, const Verification* found) 
     offer_repair([desk, again = *found] { desk->start_repair(again); });
 }
 
-void CMainFrame::show_image_check(const QString& text, const QStringList& differences) {
+void CMainFrame::show_checked(const QString& text, const QStringList& differences,
+                              const std::function<void()>& again) {
   verification_->show_text(text, differences);
-  offer_repair({});
-  if (!differences.isEmpty()) offer_repair([this] { view_.repair_image(); });
+  offer_repair(again);
 }
 
 /// By the pane's button; by none where there is nothing to do.

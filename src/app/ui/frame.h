@@ -58,7 +58,7 @@ class CMainFrame final : public QMainWindow {
   void fill_tools();
   void fill_status_bar();
   void show_verification(TuningDesk* desk, const Verification* found);
-  void show_image_check(const QString& text, const QStringList& differences);
+  void show_checked(const QString& text, const QStringList& differences, const std::function<void()>& again);
   void offer_repair(std::function<void()> repair);
   void fit_to_screen();
   void show_messages();

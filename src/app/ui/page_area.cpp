@@ -135,6 +135,7 @@ void PageArea::create(PageId id) {
   slot.page = created.page;
   slot.frame = scrolled(slot.widget);
   let_return_set(*slot.widget);
+  if (created.registers) emit made_registers(*created.registers);
   give_mnemonics(*slot.widget, menu_letters(this));
   addWidget(slot.frame);
   show_slot(slot);

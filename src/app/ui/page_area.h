@@ -40,6 +40,8 @@ class PageArea final : public QStackedWidget {
   void made(qv5123::TuningDesk& desk);
   /// The text of the page that is being chosen.
   void says(const QString& text);
+  /// The Registers page has.
+  void made_registers(qv5123::RegisterDesk& desk);
   /// needed_width() may be another.
   void room_changed();
 

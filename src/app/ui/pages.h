@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "console/page_host.h"
+#include "registers/register_desk.h"
 #include "tuning/tuning_desk.h"
 
 namespace qv5123 {
@@ -62,7 +63,8 @@ constexpr PageId tuning_page_id(std::string_view desk) {
 struct CreatedPage {
   std::unique_ptr<QWidget> widget;
   Page* page = nullptr;
-  TuningDesk* desk = nullptr;  ///< of a tuning page; null for others
+  TuningDesk* desk = nullptr;         ///< of a tuning page; null for others
+  RegisterDesk* registers = nullptr;  ///< of the Registers page; null for others
 };
 
 using PageFactory = std::function<CreatedPage(PageHost&)>;
@@ -82,4 +84,5 @@ PageFactory page_factory() {
   };
 }
 
+    if constexpr (requires { dialog->register_desk(); }) created.registers = &dialog->register_desk();
 }  // namespace qv5123

@@ -53,6 +53,7 @@ CQV5123View::CQV5123View(CommandLink& link, Prompts& prompts, Background& backgr
   connect(pages_, &PageArea::room_changed, this, &CQV5123View::leave_room);
   connect(pages_, &PageArea::says, this, &CQV5123View::tell_chosen);
   connect(pages_, &PageArea::made, this, [this](TuningDesk& desk) { desk.watch(values_); });
+  connect(pages_, &PageArea::made_registers, this, &CQV5123View::check_registers);
   connect_column();
   connect_downloads();
   values_.on_change([this] { show_differences(); });

@@ -110,9 +110,6 @@ class CQV5123View final : public QWidget, public PageHost {
   ValueStates& values() { return values_; }
   /// The steps that can be taken back. steps_changed() tells of others.
   UndoList& steps() { return steps_; }
-  /// Sends again what differs of the user data that was sent as a whole.
-  void repair_image();
-
   PageArea& pages() { return *pages_; }
   ColumnDrawer& column() { return *drawer_; }
   const ConsoleText& console_text() const { return console_text_; }
@@ -138,8 +135,9 @@ class CQV5123View final : public QWidget, public PageHost {
   void image_saved(const qv5123::UserDataImage& image);
   void font_saved();
   void steps_changed();
-  /// The user data that was sent as a whole is being read back, or was.
-  void image_checked(const QString& text, const QStringList& differences);
+  /// What was sent without a tuning page is being read back, or was: the user data as a whole, a register
+  /// file. `again` sends what differs once more; empty where there is nothing to send.
+  void checked(const QString& text, const QStringList& differences, const std::function<void()>& again);
   void progress_changed(std::optional<int> percent);
   /// The user has answered that the program is to end; what was to be saved is whole on the disk.
   void closing_confirmed();
@@ -167,7 +165,11 @@ class CQV5123View final : public QWidget, public PageHost {
   void cancel_transfer();
   Task<> check_image();
   Task<> run_repair_image();
+  void repair_image();
   void tell_image_checked();
+  void check_registers(RegisterDesk& desk);
+  void tell_checked(const std::string& text, const std::vector<std::string>& differences,
+                    const std::function<void()>& again);
   Task<> end_waiting();
   /// A command cannot leave while the chip expects the rest of an image: asks what to do. True when it can
   /// now.

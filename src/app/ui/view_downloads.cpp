@@ -1,4 +1,4 @@
-// The main form's downloads.
+// The main form's downloads, and what is read back after them.
 #include "app/ui/control_column.h"
 #include "app/ui/qv5123_view.h"
 #include "base/ui/qt_text.h"
@@ -48,7 +48,7 @@ Task<> CQV5123View::transfer(TransferKind kind) {
 }
 
 Task<> CQV5123View::check_image() {
-  emit image_checked("Verifying...", {});
+  tell_checked("Verifying...", {}, {});
   co_await image_check_.verify();
   tell_image_checked();
 }
@@ -64,9 +64,24 @@ Task<> CQV5123View::run_repair_image() {
 }
 
 void CQV5123View::tell_image_checked() {
-  QStringList differences;
-  for (const std::string& text : image_check_.differences()) differences << to_qt(text);
-  emit image_checked(to_qt(image_check_.text()), differences);
+  const std::vector<std::string> differences = image_check_.differences();
+  tell_checked(image_check_.text(), differences,
+               differences.empty() ? nullptr : std::function<void()>([this] { repair_image(); }));
+}
+
+void CQV5123View::tell_checked(const std::string& text, const std::vector<std::string>& differences,
+                               const std::function<void()>& again) {
+  QStringList details;
+  for (const std::string& difference : differences) details << to_qt(difference);
+  emit checked(to_qt(text), details, again);
+}
+
+void CQV5123View::check_registers(RegisterDesk& desk) {
+  RegisterCheck::Listener listener;
+  listener.wanted = [this] { return values_.verifies_saves(); };
+  listener.tell = [this](const std::string& text, const std::vector<std::string>& differences,
+                         const std::function<void()>& again) { tell_checked(text, differences, again); };
+  desk.check().tell(std::move(listener));
 }
 
 void CQV5123View::show_transferring() {

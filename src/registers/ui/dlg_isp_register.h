@@ -34,6 +34,7 @@ class CDlgIspRegister final : public QWidget, public Page, public Findable, priv
   ~CDlgIspRegister() override;
 
   /// True while the description or the first register is being read.
+  RegisterDesk& register_desk() { return desk_; }
   bool loading() const override { return desk_.opening() || desk_.reading(); }
 
   /// All registers and bit fields of the description.
