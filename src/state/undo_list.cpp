@@ -8,8 +8,9 @@
 namespace qv5123 {
 namespace {
 
-bool is_from_file(DeskChange::Kind kind) {
-  return kind == DeskChange::Kind::from_file;
+/// Whether pages change so one after the other at the same time.
+bool is_of_pages(DeskChange::Kind kind) {
+  return kind == DeskChange::Kind::from_file || kind == DeskChange::Kind::taken_over;
 }
 
 }  // namespace
@@ -21,7 +22,8 @@ UndoList::UndoList(ValueStates& states, Scheduler& scheduler, std::function<void
   states.on_close([this](TuningDesk& desk) { closed(desk); });
 }
 
-/// A drag is one step, however long it lasts. A setting file that is loaded changes all pages at once.
+/// A drag is one step, however long it lasts. A setting file that is loaded changes all pages
+/// at once, and so may values that are taken over.
 bool UndoList::belongs_to_last(const TuningDesk& desk, const DeskChange& change) const {
   if (place_ == 0) return false;
   const Step& last = steps_[place_ - 1];
@@ -29,7 +31,7 @@ bool UndoList::belongs_to_last(const TuningDesk& desk, const DeskChange& change)
   const bool same_page = last.parts.size() == 1 && last.parts.front().desk == &desk;
   const auto since = scheduler_.now() - last.time;
   if (change.kind == DeskChange::Kind::dragged) return same_page && last.drag == change.drag;
-  if (is_from_file(change.kind)) return !same_page && since.count() == 0;
+  if (is_of_pages(change.kind)) return !same_page && in_one_go_;
   return change.kind == DeskChange::Kind::typed && same_page && last.what == change.what &&
          since < kOneStep && last.jobs == states_.jobs();
 }
@@ -43,14 +45,23 @@ void UndoList::take(TuningDesk& desk, const DeskChange& change) {
     if (steps_.size() > kMostSteps) steps_.pop_front();
   }
   place_ = steps_.size();
+  note_one_go();
   Step& step = steps_.back();
   step.time = scheduler_.now();
   step.jobs = states_.jobs();
-  if (joins && !is_from_file(change.kind))
+  if (joins && !is_of_pages(change.kind))
     step.parts.front().after = desk.model().keep();
   else
     step.parts.push_back({&desk, change.before, desk.model().keep()});
   changed_();
+}
+
+/// Until others have their turn.
+void UndoList::note_one_go() {
+  if (std::exchange(in_one_go_, true)) return;
+  scheduler_.post([this, alive = std::weak_ptr<bool>(alive_)] {
+    if (alive.lock()) in_one_go_ = false;
+  });
 }
 
 void UndoList::closed(const TuningDesk& desk) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -60,6 +61,7 @@ class UndoList {
 
   void take(TuningDesk& desk, const DeskChange& change);
   bool belongs_to_last(const TuningDesk& desk, const DeskChange& change) const;
+  void note_one_go();
   void closed(const TuningDesk& desk);
   void go(Step& step, bool back);
   void note_sent(const Step& step, Part& part) const;
@@ -72,6 +74,8 @@ class UndoList {
   std::deque<Step> steps_;
   std::size_t place_ = 0;  ///< steps before it are made, those from it on are taken back
   bool going_ = false;
+  bool in_one_go_ = false;  ///< nobody else has had a turn since the last step was taken
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 }  // namespace qv5123
