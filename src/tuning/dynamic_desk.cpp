@@ -56,13 +56,18 @@ void DynamicDesk::switch_ir_led(bool on) {
   view().take_typed();
   values_.ir_led = on;
   if (!on) video_mode_enabled_ = true;
-  view().show_values();
+  show_bank();
 }
 
 void DynamicDesk::choose_video_mode(int index) {
   view().take_typed();
   values_.video_mode = index;
-  view().show_values();
+  show_bank();
+}
+
+/// Another bank is no step to undo. The watcher hears of it all the same, for its marks.
+void DynamicDesk::show_bank() {
+  restore(model().keep());
 }
 
 void DynamicDesk::turn(int flags, bool on, PageHost& files) {

@@ -65,6 +65,7 @@ class DynamicDesk final : public PageDesk<DynamicPage> {
   std::vector<WriteNote::Value> without_unknown_sources(std::vector<WriteNote::Value> values) const;
   void taken_reply() override { video_mode_enabled_ = !values_.ir_led; }
   void turn(int flags, bool on, PageHost& files);
+  void show_bank();
   Task<> send_orientation(PageHost& files);
   Task<> set_gain(std::size_t number, Prompts& prompts);
   Task<> restore_gain(std::size_t gain, Prompts& prompts);

@@ -2,6 +2,8 @@
 
 #include <QSignalBlocker>
 
+#include "tuning/ui/mark_strip.h"
+
 namespace qv5123 {
 
 void CDlgAeTune::show_values() {
@@ -10,6 +12,15 @@ void CDlgAeTune::show_values() {
   show_light_source_bar();
   show_orientation();
   show_bank();
+}
+
+/// Those that are no edits of one value each are marked here.
+void CDlgAeTune::show_marks(const std::vector<ValueMark>& marks) {
+  edits_.show_marks(marks);
+  const DynamicValues& values = desk_.values();
+  for (QCheckBox* box : {mirror_, flip_}) MarkStrip::show_mark(box, marks[desk_.field(values.orientation)]);
+  MarkStrip::show_mark(ir_led_, marks[desk_.field(values.ir_led)]);
+  MarkStrip::show_mark(video_mode_, marks[desk_.field(values.video_mode)]);
 }
 
 void CDlgAeTune::show_orientation() {

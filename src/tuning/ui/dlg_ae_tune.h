@@ -48,7 +48,7 @@ class CDlgAeTune : public TuningDialog, private DynamicDesk::View {
 
   void take_typed() override { take_typed_text(this); }
   void show_values() override;
-  void show_marks(const std::vector<ValueMark>& marks) override { edits_.show_marks(marks); }
+  void show_marks(const std::vector<ValueMark>& marks) override;
   void show_orientation();
   void show_light_source_bar();
   void show_bank();

@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 #include <array>
@@ -99,13 +100,12 @@ QWidget* CDlgIspLSC::make_ratio_row() {
   auto* widget = new QWidget;
   auto* row = new QHBoxLayout(widget);
   row->setContentsMargins(0, 0, 0, 0);
-  auto* ratio = make_number(0, 100, "Correction Ratio", "0..100 % of the measured fall-off");
-  ratio->setValue(desk_.values().ratio);
-  connect(ratio, &QSpinBox::valueChanged, this, [this](int percent) { desk_.move_ratio(percent); });
+  ratio_ = make_number(0, 100, "Correction Ratio", "0..100 % of the measured fall-off");
+  connect(ratio_, &QSpinBox::valueChanged, this, [this](int percent) { desk_.move_ratio(percent); });
   auto* label = new QLabel("Correction Ratio");
-  label->setBuddy(ratio);
+  label->setBuddy(ratio_);
   row->addWidget(label);
-  row->addWidget(ratio);
+  row->addWidget(ratio_);
   row->addWidget(new QLabel("%"));
   row->addStretch(1);
   row->addWidget(
@@ -139,10 +139,17 @@ QWidget* CDlgIspLSC::make_log_row() {
 
 void CDlgIspLSC::show_values() {
   edits_.show();
+  show_ratio();
   picker_->show_picker();
   show_checked(ntsc_, desk_.values().flicker == kFlickerNtsc);
   show_checked(pal_, desk_.values().flicker == kFlickerPal);
   chart_->refresh();
+}
+
+/// Without being taken for moved by the user.
+void CDlgIspLSC::show_ratio() {
+  const QSignalBlocker quiet(ratio_);
+  ratio_->setValue(desk_.values().ratio);
 }
 
 void CDlgIspLSC::show_field() {

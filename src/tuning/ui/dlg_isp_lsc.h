@@ -38,6 +38,7 @@ class CDlgIspLSC : public TuningDialog, private LensDesk::View {
   void show_values() override;
   void show_marks(const std::vector<ValueMark>& marks) override { edits_.show_marks(marks); }
   void show_calibration() override { chart_->refresh(); }
+  void show_ratio();
   void show_field() override;
   void clear_log() override { log_->clear(); }
   void add_to_log(const std::string& text) override;
@@ -49,6 +50,7 @@ class CDlgIspLSC : public TuningDialog, private LensDesk::View {
   LensChartView* chart_;
   LensFieldView* field_;
   QPlainTextEdit* log_;
+  QSpinBox* ratio_ = nullptr;
   QCheckBox* ntsc_;
   QCheckBox* pal_;
 };

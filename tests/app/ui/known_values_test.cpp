@@ -153,5 +153,31 @@ TEST_F(KnownValues, APageOlderThanAChipThatWasResetOffersToReadIt) {
   EXPECT_NE(red1()->value(), 321);
 }
 
+TEST_F(KnownValues, WhatIsNoEditOfOneValueIsMarkedAndUndoneAsWell) {
+  auto* ratio = bench_.control<QSpinBox>("Correction Ratio");
+  const int before = ratio->value();
+  ratio->setValue(before - 7);
+  bench_.wire.advance(2000);
+  action("undo")->trigger();
+  EXPECT_EQ(ratio->value(), before);
+  EXPECT_EQ(action("redo")->text(), "Redo Correction Ratio") << "showing it is no step";
+
+  bench_.open(PageId::dynamic_control);
+  bench_.click("Load <- ISP");
+  bench_.wire.advance(3000);
+  const auto marked = [this](const char* name) {
+    const auto* strip = bench_.control<QWidget>(name)->findChild<MarkStrip*>();
+    return strip && !strip->isHidden();
+  };
+  EXPECT_FALSE(marked("MIRROR") || marked("Case of IR-LED") || marked("Video Mode"));
+  bench_.click("Case of IR-LED");
+  bench_.wire.advance(2000);
+  EXPECT_TRUE(marked("Case of IR-LED")) << "the chip reports another one";
+  bench_.wire.sender.connected = false;
+  bench_.click("MIRROR");
+  bench_.wire.advance(2000);
+  EXPECT_TRUE(marked("MIRROR") && marked("FLIP")) << "it did not reach the chip";
+}
+
 }  // namespace
 }  // namespace qv5123
