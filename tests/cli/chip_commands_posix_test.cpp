@@ -46,6 +46,23 @@ TEST_F(CtlTest, ReadsAreDrivenByTheReply) {
   EXPECT_LT(taken / kCount, std::chrono::milliseconds(105));
 }
 
+TEST_F(CtlTest, APageIsRepairedOnALineThatLosesBytes) {
+  copy_resource("sample.dat");
+  plug_in({"--fault", "drop=0.006", "--seed", "1"});
+  const auto repaired = on_board({"page", "save", "lsc", "--from", "sample.dat", "--repair", "3"});
+  EXPECT_EQ(repaired.code, 0);
+  EXPECT_EQ(repaired.out,
+            "lsc: saving, 10 flushes\n"
+            "lsc: 1 of 6 values differs: Parameter-2 GREEN (sent 280, chip 4095); sending again\n"
+            "lsc: 6 values read back agree\n");
+  board.reset();
+  plug_in({"--fault", "drop=0.006", "--seed", "1"});
+  const auto verified = on_board({"page", "save", "lsc", "--from", "sample.dat", "--verify"});
+  EXPECT_EQ(verified.code, 1);
+  EXPECT_EQ(verified.out, "lsc: saving, 10 flushes\nlsc.parameter2.g: chip 4095, file 280\n")
+      << "without it the same bytes stay lost";
+}
+
 TEST_F(CtlTest, AnInterruptedSaveIsClosed) {
   copy_resource("sample.dat");
   plug_in();
