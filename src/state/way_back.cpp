@@ -1,17 +1,12 @@
 #include "state/way_back.h"
 
 #include <algorithm>
-#include <chrono>
-
-#include "base/text.h"
 
 namespace qv5123 {
 namespace {
 
 /// So many differences are named in a question.
 constexpr std::size_t kMostNamed = 15;
-/// What the port waits before each flush.
-constexpr std::chrono::milliseconds kPacing{50};
 
 std::optional<int> known_number(const ChipValue& chip) {
   return chip.how == Known::nothing ? std::nullopt : std::optional(chip.number);
@@ -20,10 +15,6 @@ std::optional<int> known_number(const ChipValue& chip) {
 std::string difference(const std::string& name, const WayBack::Value& value) {
   return name + ": chip " + (value.chip ? std::to_string(*value.chip) : "?") + ", then " +
          std::to_string(value.then);
-}
-
-std::string counted(std::size_t number, const std::string& one) {
-  return std::to_string(number) + " " + one + (number == 1 ? "" : "s");
 }
 
 void add_page(const KnownValues& then, const ValueStates& states, std::size_t page, WayBack& way) {
@@ -68,8 +59,7 @@ std::size_t unnamed_writes_after(const WriteJournal& journal, std::size_t count)
   return unnamed;
 }
 
-std::string way_back_question(const WayBack& way, std::size_t writes, std::size_t flushes,
-                              std::size_t unnamed) {
+std::string way_back_question(const WayBack& way, const SendingSum& sum, std::size_t unnamed) {
   std::string text = counted(way.differences.size(), "value") +
                      (way.differences.size() == 1 ? " differs" : " differ") + " from that moment:\n\n";
   for (std::size_t i = 0; i < std::min(way.differences.size(), kMostNamed); ++i)
@@ -81,9 +71,7 @@ std::string way_back_question(const WayBack& way, std::size_t writes, std::size_
   if (unnamed > 0)
     text += "\n" + counted(unnamed, "write") + " since then without names of values " +
             (unnamed == 1 ? "is" : "are") + " not taken back.\n";
-  const double seconds = std::chrono::duration<double>(kPacing).count() * static_cast<double>(flushes);
-  return text + "\nSend " + counted(writes, "register write") + ", in some " + fixed(seconds, 1) +
-         " s? The pages take the values, too.";
+  return text + "\nSend " + sending_text(sum) + "? The pages take the values, too.";
 }
 
 }  // namespace qv5123

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "state/sending_sum.h"
 #include "state/value_states.h"
 #include "state/write_journal.h"
 
@@ -37,8 +38,7 @@ WayBack way_back(const KnownValues& then, const ValueStates& states);
 /// How many writes behind the first `count` of a journal have no names, and so no way back.
 std::size_t unnamed_writes_after(const WriteJournal& journal, std::size_t count);
 
-/// The question before it is sent, with so many register writes in so many flushes.
-std::string way_back_question(const WayBack& way, std::size_t writes, std::size_t flushes,
-                              std::size_t unnamed);
+/// The question before it is sent.
+std::string way_back_question(const WayBack& way, const SendingSum& sum, std::size_t unnamed);
 
 }  // namespace qv5123

@@ -6,6 +6,7 @@
 
 #include "base/hex.h"
 #include "base/text.h"
+#include "state/csv_field.h"
 #include "state/replay_script.h"
 
 namespace qv5123 {
@@ -20,13 +21,6 @@ std::string joined(const std::vector<std::string>& parts, const char* between) {
   std::string text;
   for (const std::string& part : parts) text += (text.empty() ? "" : between) + part;
   return text;
-}
-
-std::string csv_field(const std::string& text) {
-  if (text.find_first_of(",\"\n\r") == std::string::npos) return text;
-  std::string field = "\"";
-  for (const char c : text) field += c == '"' ? std::string("\"\"") : std::string(1, c);
-  return field + "\"";
 }
 
 std::string json_text(const std::string& text) {

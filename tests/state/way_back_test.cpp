@@ -43,15 +43,15 @@ TEST_F(WayBackTest, IsWhatDiffersFromTheMomentAndWhatIsNotKnown) {
   EXPECT_EQ(states_.page_name(way.pages[0].page), "lsc");
   EXPECT_THAT(way.pages[0].fields(), ElementsAre(1, 5));
 
-  const std::string question = way_back_question(way, 12, 2, 1);
+  const std::string question = way_back_question(way, {12, 2}, 1);
   EXPECT_THAT(question, HasSubstr("3 values differ from that moment:\n\nawb.patch1.r: chip ?, then 7\n"));
   EXPECT_THAT(question, HasSubstr("Nothing sends 1 of them alone; left out."));
   EXPECT_THAT(question, HasSubstr("1 write since then without names of values is not taken back."));
   EXPECT_THAT(question, HasSubstr("Send 12 register writes, in some 0.1 s?"));
   WayBack long_way;
   long_way.differences.assign(17, "a: chip 1, then 2");
-  EXPECT_THAT(way_back_question(long_way, 1, 1, 0), HasSubstr("and 2 more\n"));
-  EXPECT_THAT(way_back_question(long_way, 1, 1, 0), Not(HasSubstr("Nothing sends")));
+  EXPECT_THAT(way_back_question(long_way, {1, 1}, 0), HasSubstr("and 2 more\n"));
+  EXPECT_THAT(way_back_question(long_way, {1, 1}, 0), Not(HasSubstr("Nothing sends")));
 }
 
 TEST_F(WayBackTest, LeadsFromTheJournalBackToWhatTheChipHeld) {

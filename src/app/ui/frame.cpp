@@ -73,6 +73,7 @@ void CMainFrame::fill_menu_bar() {
 void CMainFrame::fill_tools() {
   new UndoActions(*tools_, view_, this);
   tools_->addSeparator();
+  tools_->addAction(view_.pages().action(PageId::compare));
   QAction* verify = tools_->addAction("&Verify saves");
   verify->setObjectName("verify-saves");
   verify->setStatusTip("Reads a page back after its full save and compares it with what was sent");

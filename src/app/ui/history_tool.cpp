@@ -27,13 +27,23 @@ HistoryTool::~HistoryTool() {
 }
 
 void HistoryTool::add_dock(CMainFrame& frame) {
-  HistoryDock::Surroundings surroundings{surroundings_.prompts, surroundings_.files, surroundings_.say, {}};
+  HistoryDock::Surroundings surroundings{
+      surroundings_.prompts, surroundings_.files, surroundings_.say, {}, {}};
   surroundings.back = [this](KnownValues then, std::size_t unnamed, std::string when) {
     way_back_.start(std::move(then), unnamed, std::move(when));
+  };
+  surroundings.compare = [this](const KnownValues& then, const std::string& when) {
+    surroundings_.view.compare_with(then, when);
   };
   dock_ = new HistoryDock(history_, std::move(surroundings), &frame);
   frame.addDockWidget(Qt::BottomDockWidgetArea, dock_);
   dock_->hide();
+  surroundings_.view.use_history(history_);
+  QObject::connect(&surroundings_.view, &CQV5123View::moment_wanted, dock_, [this] {
+    dock_->show();
+    dock_->raise();
+    surroundings_.say(false, "Choose a write in the History, then press \"Compare\" there.");
+  });
   QAction* show = dock_->toggleViewAction();
   show->setText("&History");
   show->setShortcut(QKeySequence("Ctrl+H"));

@@ -17,6 +17,11 @@ const PageEntry& entry_of(PageId id) {
   return kPageEntries[static_cast<std::size_t>(id)];
 }
 
+QKeySequence key_of(PageId id) {
+  if (id == PageId::compare) return QKeySequence("Ctrl+D");
+  return QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + static_cast<int>(id)));
+}
+
 /// The control that the page itself or the user last chose in it.
 QWidget* chosen_control(QWidget* page) {
   QWidget* chosen = page->focusWidget();
@@ -64,7 +69,7 @@ PageArea::PageArea(HostOfPage host_of, PageFactories factories, QWidget* parent)
     action->setObjectName(QString::fromLatin1(entry.name));
     action->setStatusTip(QString::fromLatin1(entry.status_text));
     action->setEnabled(available(entry.id));
-    action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + actions_.size())));
+    action->setShortcut(key_of(entry.id));
     connect(action, &QAction::triggered, this, [this, id = entry.id] { choose(id); });
     actions_ << action;
   }
@@ -106,7 +111,7 @@ int PageArea::needed_width() const {
 }
 
 void PageArea::mark(PageId id, bool marked) {
-  QAction* action = actions_[static_cast<qsizetype>(id)];
+  QAction* action = this->action(id);
   const QString text = QString::fromLatin1(entry_of(id).menu_text) + (marked ? kDot : "");
   if (action->text() != text) action->setText(text);
 }
@@ -130,12 +135,12 @@ void PageArea::update_actions(std::optional<PageId> chosen) {
 void PageArea::create(PageId id) {
   CreatedPage created = factories_[id](host_of_(entry_of(id)));
   if (created.desk) emit made(*created.desk);
+  if (created.registers) emit made_registers(*created.registers);
   Slot& slot = slots_[id];
   slot.widget = created.widget.release();
   slot.page = created.page;
   slot.frame = scrolled(slot.widget);
   let_return_set(*slot.widget);
-  if (created.registers) emit made_registers(*created.registers);
   give_mnemonics(*slot.widget, menu_letters(this));
   addWidget(slot.frame);
   show_slot(slot);

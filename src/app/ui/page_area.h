@@ -20,8 +20,10 @@ class PageArea final : public QStackedWidget {
   using HostOfPage = std::function<PageHost&(const PageEntry&)>;
   PageArea(HostOfPage host_of, PageFactories factories, QWidget* parent = nullptr);
 
-  /// The nine menu items in their order.
-  const QList<QAction*>& actions_in_order() const { return actions_; }
+  /// The menu bar's items in their order.
+  QList<QAction*> actions_in_order() const { return actions_.first(kBarPages); }
+  /// What chooses a page.
+  QAction* action(PageId id) const { return actions_[static_cast<qsizetype>(id)]; }
   /// Shows `id`, as if chosen from the menu. Nothing for a page that has no factory.
   void choose(PageId id);
   /// A dot behind the page's item: something there was not sent or not saved.
@@ -38,10 +40,10 @@ class PageArea final : public QStackedWidget {
   void chosen(qv5123::PageId id);
   /// A tuning page has come into being.
   void made(qv5123::TuningDesk& desk);
-  /// The text of the page that is being chosen.
-  void says(const QString& text);
   /// The Registers page has.
   void made_registers(qv5123::RegisterDesk& desk);
+  /// The text of the page that is being chosen.
+  void says(const QString& text);
   /// needed_width() may be another.
   void room_changed();
 

@@ -23,7 +23,8 @@ enum class PageId {
   linear_matrix,
   dynamic_control,
   font_editor,
-  make_flash
+  make_flash,
+  compare
 };
 
 struct PageEntry {
@@ -33,8 +34,11 @@ struct PageEntry {
   const char* name;  ///< what files and accessibility tools call the page
 };
 
-/// The menu bar's items in its order, with what each says when it is chosen.
-inline constexpr std::array<PageEntry, 9> kPageEntries = {{
+/// So many pages have an item in the menu bar; the others are chosen from its menu "Tools".
+inline constexpr std::size_t kBarPages = 9;
+
+/// The menu bar's items in its order, then the other pages, with what each says when it is chosen.
+inline constexpr std::array<PageEntry, 10> kPageEntries = {{
     {PageId::registers, "&Registers", "ISP register read/write and dump", "registers"},
     {PageId::isp_tune, "&ISPTune", "ISP tune and debug tool", "isp-tune"},
     {PageId::gamma, "&Gamma", "Gamma parameter tool", "gamma"},
@@ -46,6 +50,7 @@ inline constexpr std::array<PageEntry, 9> kPageEntries = {{
     {PageId::dynamic_control, "&DynamicControl", "Dynamic parameters for AE/AWB work", "dynamic-control"},
     {PageId::font_editor, "FontEditor", "Edit Font Library", "font-editor"},
     {PageId::make_flash, "&MakeFlash", "Make EEPROM flash binary", "make-flash"},
+    {PageId::compare, "C&ompare", "Every value in page, chip and file", "compare"},
 }};
 
 /// The page of a tuning desk, by the name that files and the command line call it.
@@ -79,10 +84,10 @@ PageFactory page_factory() {
     auto dialog = std::make_unique<Dialog>(host);
     CreatedPage created{nullptr, dialog.get()};
     if constexpr (requires { dialog->tuning_desk(); }) created.desk = &dialog->tuning_desk();
+    if constexpr (requires { dialog->register_desk(); }) created.registers = &dialog->register_desk();
     created.widget = std::move(dialog);
     return created;
   };
 }
 
-    if constexpr (requires { dialog->register_desk(); }) created.registers = &dialog->register_desk();
 }  // namespace qv5123

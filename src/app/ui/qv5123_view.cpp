@@ -40,7 +40,7 @@ CQV5123View::CQV5123View(CommandLink& link, Prompts& prompts, Background& backgr
       files_(document, prompts, background, link.scheduler(), files_surroundings()),
       transfer_(link, document, prompts, background, transfer_view()) {
   pages_ = new PageArea([this](const PageEntry& page) -> PageHost& { return host_of(page); },
-                        std::move(factories));
+                        with_compare(std::move(factories)));
   column_ = new ControlColumn;
   typed_ = new TypedText(this);
   auto* row = new QHBoxLayout(this);

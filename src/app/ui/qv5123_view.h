@@ -19,6 +19,7 @@
 #include "state/image_check.h"
 #include "state/undo_list.h"
 #include "state/value_states.h"
+#include "state/write_journal.h"
 
 namespace qv5123 {
 
@@ -27,6 +28,7 @@ class ConsoleView;
 class ControlColumn;
 class PageArea;
 class TypedText;
+class WriteHistory;
 
 /// The main form: the tool pages on the left, the column with port, files, keys, downloads and console on the
 /// right. It is what the pages know of the window.
@@ -110,6 +112,13 @@ class CQV5123View final : public QWidget, public PageHost {
   ValueStates& values() { return values_; }
   /// The steps that can be taken back. steps_changed() tells of others.
   UndoList& steps() { return steps_; }
+  /// The journal of writes, for who compares with a moment of it; it must outlive the pages.
+  void use_history(const WriteHistory& history) { history_ = &history; }
+  /// Opens a tuning page that was not opened yet, behind the one that is shown, and waits until it has read
+  /// itself from the chip.
+  Task<> open_behind(std::size_t page);
+  /// Shows the page "Compare" with what the chip held at a moment of a journal.
+  void compare_with(const KnownValues& then, const std::string& when);
   PageArea& pages() { return *pages_; }
   ColumnDrawer& column() { return *drawer_; }
   const ConsoleText& console_text() const { return console_text_; }
@@ -135,6 +144,8 @@ class CQV5123View final : public QWidget, public PageHost {
   void image_saved(const qv5123::UserDataImage& image);
   void font_saved();
   void steps_changed();
+  /// The user wants to choose a moment of the journal of writes.
+  void moment_wanted();
   /// What was sent without a tuning page is being read back, or was: the user data as a whole, a register
   /// file. `again` sends what differs once more; empty where there is nothing to send.
   void checked(const QString& text, const QStringList& differences, const std::function<void()>& again);
@@ -146,6 +157,7 @@ class CQV5123View final : public QWidget, public PageHost {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  PageFactories with_compare(PageFactories factories);
   void leave_room();
   void connect_column();
   void connect_downloads();
@@ -220,6 +232,7 @@ class CQV5123View final : public QWidget, public PageHost {
   ControlColumn* column_ = nullptr;
   ColumnDrawer* drawer_ = nullptr;
   TypedText* typed_ = nullptr;
+  const WriteHistory* history_ = nullptr;
   int transfers_ = 0;
   bool asking_about_waiting_ = false;
   int busy_ = 0;  // how many pages are at work

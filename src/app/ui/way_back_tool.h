@@ -20,14 +20,9 @@ class WayBackTool {
   void start(KnownValues then, std::size_t unnamed, std::string when);
 
  private:
-  struct Sum {
-    std::size_t writes = 0;
-    std::size_t flushes = 0;
-  };
   Task<> run(KnownValues then, std::size_t unnamed, std::string when);
-  Sum sum_of(const WayBack& way);
+  SendingSum sum_of(const WayBack& way);
   Task<> send(WayBack::Page page, std::string what);
-  Task<> open_page(std::size_t page);
 
   CQV5123View& view_;
   Prompts& prompts_;

@@ -165,9 +165,17 @@ QWidget* HistoryDock::make_buttons() {
   connect(back_, &QPushButton::clicked, this, [this] {
     if (!going_back_.running()) going_back_.start(go_back());
   });
+  compare_ = new QPushButton("Compare", bar);
+  compare_->setEnabled(false);
+  compare_->setToolTip(
+      "Shows what the chip held when the selected write had left, beside all that is known now");
+  connect(compare_, &QPushButton::clicked, this, [this] {
+    if (!going_back_.running()) going_back_.start(compare());
+  });
   connect(table_->selectionModel(), &QItemSelectionModel::selectionChanged, this, &HistoryDock::offer_back);
   connect(model_, &QAbstractItemModel::modelReset, this, &HistoryDock::offer_back);
   row->addWidget(count_, 1);
+  row->addWidget(compare_);
   row->addWidget(back_);
   row->addWidget(copy);
   row->addWidget(save);
@@ -274,24 +282,31 @@ void HistoryDock::show_count() {
 void HistoryDock::offer_back() {
   // Not row by row: all may be selected.
   const QItemSelection selected = table_->selectionModel()->selection();
-  back_->setEnabled(selected.size() == 1 && selected.first().height() == 1);
+  const bool one = selected.size() == 1 && selected.first().height() == 1;
+  back_->setEnabled(one);
+  compare_->setEnabled(one);
 }
 
-Task<> HistoryDock::go_back() {
-  struct Moment {
-    KnownValues known;
-    std::size_t unnamed = 0;
-  };
+Task<std::optional<HistoryDock::Moment>> HistoryDock::moment() {
   const QModelIndexList selected = table_->selectionModel()->selectedRows();
-  if (selected.size() != 1) co_return;
+  if (selected.size() != 1) co_return std::nullopt;
   const int row = selected.first().row();
   std::string when = from_qt(model_->index(row, HistoryModel::time).data().toString());
   // A long journal takes a while.
-  std::function<Moment()> work = [journal = model_->journal(), count = model_->place(row) + 1] {
-    return Moment{values_after(journal, count), unnamed_writes_after(journal, count)};
+  std::function<Moment()> work = [journal = model_->journal(), count = model_->place(row) + 1, when] {
+    return Moment{values_after(journal, count), unnamed_writes_after(journal, count), when};
   };
-  Moment moment = co_await surroundings_.files.run<Moment>(std::move(work));
-  surroundings_.back(std::move(moment.known), moment.unnamed, std::move(when));
+  co_return co_await surroundings_.files.run<Moment>(std::move(work));
+}
+
+Task<> HistoryDock::go_back() {
+  std::optional<Moment> moment = co_await this->moment();
+  if (moment) surroundings_.back(std::move(moment->known), moment->unnamed, std::move(moment->when));
+}
+
+Task<> HistoryDock::compare() {
+  const std::optional<Moment> moment = co_await this->moment();
+  if (moment) surroundings_.compare(moment->known, moment->when);
 }
 
 std::vector<std::string> HistoryDock::lines() const {

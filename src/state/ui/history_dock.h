@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,8 @@ class HistoryDock final : public QDockWidget {
     /// Goes back to a moment that `when` names: to what the chip was told until then. So many writes behind
     /// it have no names.
     std::function<void(KnownValues then, std::size_t unnamed, std::string when)> back;
+    /// Compares with that moment.
+    std::function<void(const KnownValues& then, const std::string& when)> compare;
   };
 
   /// The history must outlive the dock.
@@ -60,6 +63,14 @@ class HistoryDock final : public QDockWidget {
   Task<> save(std::size_t format);
   Task<> copy();
   Task<> go_back();
+  Task<> compare();
+  /// The moment when the one selected write had left; nothing where not one is selected.
+  struct Moment {
+    KnownValues known;
+    std::size_t unnamed = 0;
+    std::string when;
+  };
+  Task<std::optional<Moment>> moment();
   void offer_back();
   void show_own();
   void fill_sources(const std::vector<WriteJournalFiles::Run>& runs);
@@ -80,6 +91,7 @@ class HistoryDock final : public QDockWidget {
   QTableView* table_ = nullptr;
   QLabel* count_ = nullptr;
   QPushButton* back_ = nullptr;
+  QPushButton* compare_ = nullptr;
   std::unique_ptr<WriteJournal> opened_;  ///< an earlier run's, while that is shown
   Flow listing_;
   Flow opening_;

@@ -51,12 +51,14 @@ struct DockBench {
   WriteJournalFiles files{
       scheduler, background, {folder.path(), std::chrono::system_clock::now, [](const std::string&) {}}};
   std::vector<KnownValues> backs;
+  std::vector<KnownValues> compared;
   HistoryDock dock{history,
                    {user, background, [this](bool, const std::string& text) { said.push_back(text); },
                     [this](KnownValues then, std::size_t unnamed, const std::string&) {
                       backs.push_back(std::move(then));
                       said.push_back(std::to_string(unnamed) + " unnamed");
-                    }}};
+                    },
+                    [this](const KnownValues& then, const std::string&) { compared.push_back(then); }}};
 
   DockBench() { history.keep_in(files); }
   HistoryModel& model() { return dock.model(); }
@@ -150,6 +152,8 @@ TEST(HistoryDock, GoesBackToOneWriteThatIsSelected) {
   bench.click("Back to here...");
   EXPECT_EQ(bench.backs, (std::vector<KnownValues>{{{"awb.a_slope", 3}}}));
   EXPECT_EQ(bench.said.back(), "1 unnamed");
+  bench.click("Compare");
+  EXPECT_EQ(bench.compared, bench.backs);
 }
 
 TEST(HistoryDock, OpensEarlierRunsAndOtherFiles) {

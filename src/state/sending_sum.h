@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "link/register_write.h"
+
+namespace qv5123 {
+
+/// How much is to be sent, for who is asked before.
+struct SendingSum {
+  std::size_t writes = 0;   ///< of registers
+  std::size_t flushes = 0;  ///< the port waits before each
+
+  void add(const Traffic& traffic);
+};
+
+/// "12 register writes, in some 0.1 s".
+std::string sending_text(const SendingSum& sum);
+
+/// "1 value", "2 values".
+std::string counted(std::size_t number, const std::string& one);
+
+}  // namespace qv5123

@@ -1,0 +1,96 @@
+#include "state/ui/further_column_box.h"
+
+#include <utility>
+
+#include "base/atomic_file.h"
+#include "base/ui/qt_text.h"
+#include "console/setting_file.h"
+#include "console/setting_files.h"
+
+namespace qv5123 {
+namespace {
+
+/// What an entry does, as its data; an earlier run's has the place in the list of runs.
+enum Entry { nothing = -1, shown = -2, file = -3, moment = -4 };
+
+FileChoice setting_choice() {
+  FileChoice choice;
+  choice.filter = kSettingFileFilter;
+  choice.default_extension = kSettingFileExtension;
+  return choice;
+}
+
+}  // namespace
+
+FurtherColumnBox::FurtherColumnBox(Surroundings surroundings, QWidget* parent)
+    : QComboBox(parent), surroundings_(std::move(surroundings)) {
+  connect(this, &QComboBox::activated, this, &FurtherColumnBox::choose);
+  fill();
+}
+
+void FurtherColumnBox::show_title(std::optional<std::string> title) {
+  title_ = std::move(title);
+  fill();
+}
+
+void FurtherColumnBox::look_for_runs() {
+  if (!listing_.running()) listing_.start(list_runs());
+}
+
+void FurtherColumnBox::fill() {
+  clear();
+  addItem("Nothing else", Entry::nothing);
+  if (title_) addItem(to_qt(*title_), Entry::shown);
+  setCurrentIndex(count() - 1);
+  addItem("Setting file...", Entry::file);
+  if (surroundings_.history()) addItem("Moment of the History...", Entry::moment);
+  for (std::size_t i = 0; i < runs_.size(); ++i)
+    addItem("End of run " + to_qt(runs_[i].start) + " UTC", static_cast<int>(i));
+}
+
+Task<> FurtherColumnBox::list_runs() {
+  const WriteHistory* history = surroundings_.history();
+  if (history && history->files()) runs_ = co_await history->files()->others();
+  fill();
+}
+
+void FurtherColumnBox::choose(int index) {
+  const int what = itemData(index).toInt();
+  if (what == Entry::nothing) return surroundings_.chosen(std::nullopt);
+  if (what == Entry::file) return opening_.start(choose_file());
+  if (what >= 0) {
+    const WriteJournalFiles::Run& run = runs_[static_cast<std::size_t>(what)];
+    return opening_.start(open_run(run.file, "Run " + run.start));
+  }
+  fill();
+  if (what == Entry::moment) surroundings_.choose_moment();
+}
+
+Task<> FurtherColumnBox::choose_file() {
+  const auto path = co_await surroundings_.host.prompts().choose_open(setting_choice());
+  // Until something is there to be shown, what is shown stays.
+  fill();
+  if (!path) co_return;
+  const ReadSettings read = co_await read_setting_file(surroundings_.host.background(), *path);
+  if (!read.result.ok()) surroundings_.host.show_failure(read.result.text);
+  if (!read.oddity.empty()) surroundings_.host.show_failure(read.oddity);
+  if (read.result.ok())
+    surroundings_.chosen(values_in_file(surroundings_.states, read.image, path_text(path->filename())));
+}
+
+Task<> FurtherColumnBox::open_run(std::filesystem::path file, std::string title) {
+  struct Opened {
+    KnownValues known;
+    std::vector<std::string> remarks;
+  };
+  std::function<Opened()> work = [file] {
+    OpenedJournal opened = open_journal_file(file);
+    return Opened{values_after(opened.journal, opened.journal.size()), std::move(opened.remarks)};
+  };
+  const Opened opened = co_await surroundings_.host.background().run<Opened>(std::move(work));
+  for (const std::string& remark : opened.remarks)
+    surroundings_.host.show_failure(path_text(file.filename()) + ": " + remark);
+  surroundings_.chosen(values_in_journal(surroundings_.states, opened.known, std::move(title)));
+}
+
+}  // namespace qv5123
