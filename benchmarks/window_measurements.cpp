@@ -27,11 +27,6 @@ constexpr std::chrono::milliseconds kPatience{180'000};
 /// The one pacing between a save's writes.
 constexpr double kPacing = 50;
 
-[[noreturn]] void give_up(const std::string& why) {
-  std::fprintf(stderr, "window_benchmark: %s\n", why.c_str());
-  std::_Exit(1);
-}
-
 QPushButton* button(const QWidget& window, const QString& caption) {
   for (auto* found : window.findChildren<QPushButton*>()) {
     if (found->text() == caption) return found;
@@ -207,11 +202,25 @@ const std::map<std::string, PageId> kSaves{
 };
 
 const std::map<std::string, void (*)(Bench&)> kMeasurements{
-    {"load-all", load_all},       {"console", console}, {"description", description},
-    {"calibration", calibration}, {"drag", drag},       {"download", download},
+    {"load-all", load_all},         {"console", console}, {"description", description},
+    {"calibration", calibration},   {"drag", drag},       {"download", download},
+    {"known-values", known_values},
 };
 
 }  // namespace
+
+void give_up(const std::string& why) {
+  std::fprintf(stderr, "window_benchmark: %s\n", why.c_str());
+  std::_Exit(1);
+}
+
+void when_quiet(Bench& bench, std::function<void()> then) {
+  every(20, [quiet = link_quiet(bench), then = std::move(then)]() mutable {
+    if (!quiet()) return false;
+    then();
+    return true;
+  });
+}
 
 void print_figure(const std::string& name, double value, const char* unit) {
   std::printf("%s %.3f %s\n", name.c_str(), value, unit);
@@ -229,11 +238,17 @@ bool begin_measurement(const std::string& what, Bench& bench) {
     found->second(bench);
     return true;
   }
-  const auto found = kSaves.find(what);
+  const bool verified = what.starts_with("verify-");
+  const auto found = kSaves.find(verified ? "save-" + what.substr(7) : what);
   if (found == kSaves.end()) return false;
-  std::string name = what.substr(5);
+  std::string name = found->first.substr(5);
   std::replace(name.begin(), name.end(), '-', '_');
-  save(bench, found->second, name);
+  if (verified) {
+    QPushButton* save = button(shown_page(bench, found->second), "File/Flash Save");
+    verified_save(bench, name, [save] { save->click(); });
+  } else {
+    save(bench, found->second, name);
+  }
   return true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "gap_meter.h"
@@ -20,6 +21,14 @@ struct Bench {
 /// False when there is no such measurement.
 bool begin_measurement(const std::string& what, Bench& bench);
 
+/// "known-values": Compare filled and filtered, undo, and the marks of all pages.
+void known_values(Bench& bench);
+/// How long reading back takes after `save`.
+void verified_save(Bench& bench, const std::string& name, std::function<void()> save);
+
+/// Calls `then` once nothing has been waiting to leave for a second.
+void when_quiet(Bench& bench, std::function<void()> then);
+[[noreturn]] void give_up(const std::string& why);
 /// Prints one figure.
 void print_figure(const std::string& name, double value, const char* unit);
 /// Prints one figure and ends the process.
