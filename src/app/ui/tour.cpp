@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QPixmap>
+#include <array>
 
 #include "app/ui/console_view.h"
 #include "app/ui/layout_check.h"
@@ -9,6 +10,7 @@
 #include "app/ui/qv5123_view.h"
 #include "base/delay.h"
 #include "base/ui/qt_text.h"
+#include "tuning/tuning_desk.h"
 
 namespace qv5123 {
 namespace {
@@ -16,6 +18,9 @@ namespace {
 constexpr std::chrono::milliseconds kLook{50};
 /// Looks in a row that must find everything quiet: an answer may still be on its way after the last write.
 constexpr int kQuietLooks = 6;
+/// Where values are edited before they are compared, and how many.
+constexpr std::array kEdited{"lsc", "awb", "dynamic"};
+constexpr std::size_t kEdits = 3;
 
 }  // namespace
 
@@ -30,6 +35,7 @@ Task<std::vector<std::string>> Tour::run(std::function<std::unique_ptr<QDialog>(
     co_return faults_;
   }
   for (const PageEntry& entry : kPageEntries) {
+    if (entry.id == PageId::compare) co_await take_picture_of_marks();
     if (view_.pages().available(entry.id)) co_await take_picture_of_page(entry.id);
   }
   const std::unique_ptr<QDialog> dialog = port_dialog();
@@ -47,6 +53,27 @@ Task<> Tour::take_picture_of_page(PageId id) {
   if (!co_await settle([page] { return !page->loading(); }))
     faults_.push_back(std::string("Page '") + name + "' does not finish loading.");
   take_picture(window_, name);
+}
+
+/// A few values become others than the chip's, so that there is something to mark and to compare.
+Task<> Tour::take_picture_of_marks() {
+  for (const char* page : kEdited) edit_values(page);
+  view_.pages().choose(PageId::lsc);
+  co_await settle([] { return true; });
+  take_picture(window_, "marks");
+}
+
+void Tour::edit_values(const char* page) {
+  TuningDesk* desk = view_.values().desk(view_.values().page_named(page));
+  if (!desk) return;
+  const std::vector<int> numbers = desk->model().numbers();
+  std::vector<WriteNote::Value> values;
+  for (std::size_t i = 0; i < numbers.size() && values.size() < kEdits; ++i) {
+    const FieldInfo& field = desk->model().fields()[i];
+    if (field.sent_by == Field::kNowhere) continue;
+    values.push_back({i, numbers[i] == field.range.highest ? numbers[i] - 1 : numbers[i] + 1});
+  }
+  desk->take_values("Tour", values);
 }
 
 Task<bool> Tour::settle(std::function<bool()> settled) {

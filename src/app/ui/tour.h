@@ -18,8 +18,8 @@ namespace qv5123 {
 
 class CQV5123View;
 
-/// Opens every page in turn and takes a picture of the window each time, then one of a dialog. May look
-/// whether all of them fit.
+/// Opens every page in turn and takes a picture of the window each time, the last with a few values edited,
+/// then one of a dialog. May look whether all of them fit.
 class Tour {
  public:
   /// How long a page may take to show the chip's values.
@@ -40,6 +40,8 @@ class Tour {
   Task<bool> settle(std::function<bool()> settled);
   bool quiet() const;
   Task<> take_picture_of_page(PageId id);
+  Task<> take_picture_of_marks();
+  void edit_values(const char* page);
   void take_picture(QWidget& widget, const char* name);
 
   QWidget& window_;
