@@ -46,6 +46,16 @@ TEST_F(CtlTest, ProvisionsBoardsBesideEachOther) {
               MatchesRegex("fail  board  -  [0-9.]+ s  The port board is in use by .*qv5123ctl.*\n"));
 }
 
+TEST_F(CtlTest, WatchesUntilAskedToEnd) {
+  folder.write("lot.toml", kRecipe);
+  plug_in({});
+  const auto line = start({"provision", "lot.toml", "--watch", "--port", "board", "--port", "gone"});
+  EXPECT_THAT(line->expect("QV5120042"), HasSubstr("pass  board  "));
+  line->signal(SIGINT);
+  EXPECT_EQ(line->end(), 0);
+  EXPECT_EQ(ctl({"records", "summary", "lot.records.jsonl", "--json"}).json()["records"], 1);
+}
+
 TEST_F(CtlTest, RecordsOutliveEveryKill) {
   folder.write("lot.toml", kRecipe);
   std::vector<std::string> command{"provision", "lot.toml", "--dry-run", "--records", "r.jsonl"};
