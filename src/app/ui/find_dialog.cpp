@@ -100,7 +100,10 @@ void FindDialog::go() {
   const std::function<void()> go = items_[found_[static_cast<std::size_t>(row)]].go;
   accept();
   // Behind what the closing does to the keyboard.
-  QTimer::singleShot(0, parentWidget(), go);
+  QTimer::singleShot(0, parentWidget(), [window = parentWidget(), go] {
+    window->activateWindow();
+    go();
+  });
 }
 
 bool FindDialog::eventFilter(QObject*, QEvent* event) {

@@ -15,7 +15,7 @@ namespace {
 constexpr int kQuarters = 4;
 constexpr int kGap = 6;        // pixels, between texts, bars and quarters
 constexpr int kNarrowest = 3;  // pixels of a part that is filled
-constexpr int kTallestBar = 40;
+constexpr int kTallestBar = 96;
 constexpr std::size_t kQuarter = flash::kImageSize / kQuarters;
 
 QString offset_text(std::size_t offset) {

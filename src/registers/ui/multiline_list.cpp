@@ -21,6 +21,9 @@ const QString kEmpty = QStringLiteral(" ");
 }  // namespace
 
 CMultilineList::CMultilineList(QWidget* parent) : QTableView(parent) {
+  auto* cell = new QStandardItem;
+  cell->setEditable(false);
+  model_.setItemPrototype(cell);
   setModel(&model_);
   auto* delegate = new CellDelegate(this);
   setItemDelegate(delegate);
@@ -52,6 +55,9 @@ void CMultilineList::set_size(int columns, int rows) {
   model_.setRowCount(std::max(rows, 0));
   for (int column = before; column < this->columns(); ++column)
     model_.setHeaderData(column, Qt::Horizontal, kEmpty);
+  // Made here, since one that is not there yet could be edited.
+  for (int cell = 0; cell < this->rows() * this->columns(); ++cell)
+    model_.itemFromIndex(model_.index(cell / this->columns(), cell % this->columns()));
   std::erase_if(widths_, [this](const auto& width) { return width.first >= this->columns(); });
   heights_.clear();
   change_layout();

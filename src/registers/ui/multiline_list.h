@@ -69,13 +69,14 @@ class CMultilineList final : public QTableView {
   int total_width() const;
   int total_height() const;
 
-  QStandardItemModel model_;
   std::map<int, int> widths_;           // as they were set or dragged
   mutable std::map<int, int> heights_;  // of the rows measured so far
   int stretched_ = -1;
   int wheel_ = 0;  // eighths of a degree not yet scrolled
   bool laying_out_ = false;
   bool layout_due_ = false;
+  /// Last: the headers tell of it when it goes.
+  QStandardItemModel model_;
 };
 
 }  // namespace qv5123

@@ -64,7 +64,8 @@ CDlgIspMatrix::CDlgIspMatrix(PageHost& host, std::shared_ptr<MeasuringBoard> boa
   right->addStretch(1);
   right->addWidget(make_file_buttons());
   auto* page = new QHBoxLayout(this);
-  page->setContentsMargins(6, 6, 6, 6);
+  // Where letters are large every pixel counts.
+  page->setContentsMargins(3, 6, 3, 6);
   page->addLayout(left, 1);
   page->addLayout(right);
   desk_.attach(*this);

@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <QLineEdit>
+#include <QTableView>
 #include <QTreeWidget>
 
+#include "app/ui/column_drawer.h"
 #include "app/ui/find_dialog.h"
 #include "app/ui/window_bench.h"
 #include "registers/register_sheet.h"

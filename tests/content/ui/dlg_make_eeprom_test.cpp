@@ -79,7 +79,7 @@ TEST_F(MakeEepromPage, TheMapTellsWhatTheChosenFilesFill) {
   store_version(image, 1, {1, 2, 30});
   folder_.write("user.dat", setting_text(image));
   const auto place = [this](std::size_t offset) {
-    wire_.advance(400);
+    fake_.advance(400);
     for (const FlashPlace& one : page_.findChild<FlashMapView*>()->look().places)
       if (one.offset == offset) return one.text + " | " + std::to_string(one.filled);
     return std::string();

@@ -188,6 +188,7 @@ TEST_F(RegisterPageTest, ABitFieldIsChangedInItsRow) {
   const std::size_t sent = wire_.sender.writes.size();
   QTest::keyClicks(editor, "3");
   QTest::keyClick(editor, Qt::Key_Return);
+  QCoreApplication::processEvents();
   EXPECT_EQ(text("Value"), "0x35");
   EXPECT_EQ(fields(0).back(), " 3");
   EXPECT_FALSE(find<QCheckBox>("Bit 7")->isChecked());

@@ -83,7 +83,7 @@ TEST(Crash, OfTheKilledProgramTheNextStartOffersWhatWasUnsaved) {
   EXPECT_TRUE(box->text().contains("Kept less than a minute ago (")) << box->text().toStdString();
   EXPECT_TRUE(
       box->text().contains(" UTC): 2 values that the setting file has otherwise.\n"
-                           "The font that was edited is kept as well.\nThe port was: "))
+                           "The font that was edited is kept as well.\n"))
       << box->text().toStdString();
   box->button(QMessageBox::Yes)->click();
   next.wait_for_start();
