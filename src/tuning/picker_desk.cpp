@@ -30,19 +30,24 @@ void PickerDesk::tell_others() {
       who = nullptr;
   };
   MeasuringBoard::Picker now = board_->picker();
-  now.on = picker_.on;
-  now.off = picker_.off;
   now.position = picker_.position;
   mark(now.at_work, measuring_ || sweeping_);
   mark(now.switched_by, switching_chip_ || taking_over_ || !switch_allowed_);
+  // Who switches knows better how the chip is.
+  if (!is_another(now.switched_by)) {
+    now.on = picker_.on;
+    now.off = picker_.off;
+  }
   if (!now.on && now.off.empty()) now.by = nullptr;
   board_->tell(*this, std::move(now));
 }
 
 void PickerDesk::picker_changed() {
   const MeasuringBoard::Picker& now = board_->picker();
-  picker_.off = now.off;
   picker_.position = now.position;
+  // Of what this page does itself the others hear when it is done.
+  if (now.switched_by == this) return view_->show_picker();
+  picker_.off = now.off;
   if (std::exchange(picker_.on, now.on) != now.on) {
     x_typed_ = y_typed_ = false;
     switched();
