@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <utility>
 
 #include "tuning/linear_solve.h"
 
@@ -56,11 +58,18 @@ std::vector<Target> targets_of(const ExposedPatches& patches, const ColorFitOpti
   return targets;
 }
 
+/// What holds the fit back from following single patches: the square of each coefficient's way from plain
+/// least squares costs so much.
+struct Pull {
+  Codes towards{};
+  double strength = 0;
+};
+
 /// What is minimised.
 class Cost {
  public:
-  Cost(const ExposedPatches& patches, const ColorFitOptions& options)
-      : noise_limit(options.noise_limit / 100.0), targets(targets_of(patches, options)) {}
+  Cost(std::vector<Target> to_hit, const ColorFitOptions& options, const Pull& held_by)
+      : noise_limit(options.noise_limit / 100.0), targets(std::move(to_hit)), pull(held_by) {}
 
   double operator()(const Codes& codes) const {
     const Coefficients matrix = matrix_of(codes);
@@ -68,12 +77,16 @@ class Cost {
     for (const Target& target : targets)
       cost += target.weight * ciede2000(target.look, lab_of(through_matrix(matrix, target.measured)));
     for (const auto& row : matrix) cost += kTooNoisy * std::max(0.0, noise_gain(row) - noise_limit);
-    for (const int code : codes) cost += kLaziness * std::abs(code);
+    for (std::size_t i = 0; i < kUnknowns; ++i) {
+      const double away = static_cast<double>(codes[i] - pull.towards[i]) / kOne;
+      cost += kLaziness * std::abs(codes[i]) + pull.strength * away * away;
+    }
     return cost;
   }
 
   const double noise_limit;
   const std::vector<Target> targets;
+  const Pull pull;
 };
 
 /// Off-diagonal coefficients where codes would be too coarse to differentiate.
@@ -130,6 +143,10 @@ Point newton_step(const Cost& cost, const Point& point) {
     std::array<double, kUnknowns> lazy{};
     lazy[i] = 0.1;
     squares.add(lazy, 0);
+    // The reweighted squares stand for twice the differences.
+    std::array<double, kUnknowns> held{};
+    held[i] = std::sqrt(2 * cost.pull.strength);
+    squares.add(held, held[i] * (static_cast<double>(cost.pull.towards[i]) / kOne - point[i]));
   }
   for (std::size_t r = 0; r < kMatrixRows; ++r) {
     const Gain gain = gain_of(point[2 * r], point[2 * r + 1]);
@@ -167,14 +184,15 @@ Codes quieted(Codes codes, double limit) {
   return codes;
 }
 
+constexpr int kSteps = 12;
+
 /// The best codes on the way from `start`.
-Codes approach(const Cost& cost, const Codes& start) {
-  constexpr int kSteps = 12;
+Codes approach(const Cost& cost, const Codes& start, int steps = kSteps) {
   Codes best = quieted(start, cost.noise_limit);
   double least = cost(best);
   Point point{};
   for (std::size_t i = 0; i < kUnknowns; ++i) point[i] = static_cast<double>(start[i]) / kOne;
-  for (int step = 0; step < kSteps; ++step) {
+  for (int step = 0; step < steps; ++step) {
     const Point by = newton_step(cost, point);
     for (std::size_t i = 0; i < kUnknowns; ++i)
       point[i] += std::isfinite(by[i]) ? std::clamp(by[i], -0.3, 0.3) : 0;
@@ -234,12 +252,12 @@ class Descent {
 
 /// Least squares with rows that sum to 1. With `dark` above 0 dark patches count for more, as they do for an
 /// eye.
-Codes least_squares_start(const Cost& cost, double dark) {
+Codes least_squares_start(const std::vector<Target>& targets, double dark) {
   Codes codes{};
   for (std::size_t r = 0; r < kMatrixRows; ++r) {
     const auto [first, second] = others(r);
     LeastSquares<2> squares;
-    for (const Target& target : cost.targets) {
+    for (const Target& target : targets) {
       const double weight = std::pow(std::max(target.reference[1], 0.02), -dark);
       const double own = target.measured[r];
       squares.add({(target.measured[first] - own) * weight, (target.measured[second] - own) * weight},
@@ -257,6 +275,27 @@ Codes halfway(Codes codes) {
   return codes;
 }
 
+/// By how much each patch is missed by the fit to all others, on an average: what the patches themselves
+/// cannot flatter. `start` is the fit to all of them.
+double left_out_mean(const Cost& whole, const ColorFitOptions& options, const Codes& start) {
+  constexpr int kFewSteps = 5;
+  double sum = 0, weights = 0;
+  for (std::size_t out = 0; out < whole.targets.size(); ++out) {
+    const Target& target = whole.targets[out];
+    std::vector<Target> others = whole.targets;
+    others.erase(others.begin() + static_cast<std::ptrdiff_t>(out));
+    const Pull pull{least_squares_start(others, 0), whole.pull.strength};
+    const Coefficients matrix = matrix_of(approach(Cost(std::move(others), options, pull), start, kFewSteps));
+    sum += target.weight * ciede2000(target.look, lab_of(through_matrix(matrix, target.measured)));
+    weights += target.weight;
+  }
+  return sum / weights;
+}
+
+/// The pulls that are tried, and what a stronger one must gain on patches left out.
+constexpr std::array<double, 3> kPulls{0, 4, 40};
+constexpr double kWorthIt = 0.995;
+
 }  // namespace
 
 double noise_gain(const std::array<float, 3>& row) {
@@ -264,14 +303,27 @@ double noise_gain(const std::array<float, 3>& row) {
 }
 
 Coefficients fit_color_difference(const ExposedPatches& patches, const ColorFitOptions& options) {
-  const Cost cost(patches, options);
-  const Codes plain = least_squares_start(cost, 0);
+  const std::vector<Target> targets = targets_of(patches, options);
+  const Codes plain = least_squares_start(targets, 0);
+  const Codes dark = least_squares_start(targets, 0.6);
+  double best_left_out = std::numeric_limits<double>::infinity();
+  Codes best{};
+  double best_pull = 0;
   Codes found{};
-  for (const Codes& start : {Codes{}, plain, halfway(plain), least_squares_start(cost, 0.6)}) {
-    const Codes end = approach(cost, start);
-    if (cost(end) < cost(found)) found = end;
+  for (const double strength : kPulls) {
+    const Cost cost(targets, options, {plain, strength});
+    for (const Codes& start : {Codes{}, plain, halfway(plain), dark, found}) {
+      const Codes end = approach(cost, start);
+      if (cost(end) < cost(found)) found = end;
+    }
+    const double left_out = left_out_mean(cost, options, found);
+    if (!(left_out < kWorthIt * best_left_out)) continue;
+    best_left_out = left_out;
+    best = found;
+    best_pull = strength;
   }
-  Descent descent(cost, found);
+  const Cost cost(targets, options, {plain, best_pull});
+  Descent descent(cost, best);
   descent.run();
   return matrix_of(descent.best());
 }
