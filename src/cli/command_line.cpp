@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/numbers.h"
+#include "cli/report_command.h"
 #include "cli/self_description.h"
 #include "cli/terminal.h"
 #include "link/line_options.h"
@@ -153,6 +154,7 @@ std::unique_ptr<CLI::App> make_command_line(Context& context) {
   add_download_commands(*app, context);
   add_script_command(*app, context);
   add_replay_command(*app, context);
+  add_report_command(*app, context);
   add_monitor_command(*app, context);
   add_flash_commands(*app, context);
   add_font_commands(*app, context);

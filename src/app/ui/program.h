@@ -24,6 +24,7 @@ class CMainFrame;
 class CQV5123View;
 class HelpWindow;
 class HistoryTool;
+class ReportTool;
 class WindowMemory;
 
 /// The window with everything behind it, from the start of the application to its end.
@@ -41,6 +42,8 @@ class Program {
     std::filesystem::path journal_folder;
     /// Adds to the window what only this way to run has, before it is shown. May be empty.
     std::function<void(CMainFrame&, Scheduler&)> furnish;
+    /// Lets the simulated camera look at the scene of that name; empty where there is none.
+    std::function<void(const char* scene)> aim_camera;
     /// Ends the process with this code, at once.
     std::function<void(int)> end_process;
     /// A line for whoever started the program.
@@ -104,6 +107,7 @@ class Program {
   std::unique_ptr<WindowMemory> memory_;
   std::unique_ptr<Journal> journal_;
   std::unique_ptr<HistoryTool> history_;
+  std::unique_ptr<ReportTool> report_;
   std::optional<std::chrono::milliseconds> latency_timer_;  ///< of the port's adapter
   FlowSet flows_;
   Flow trouble_;

@@ -1,0 +1,132 @@
+#include "app/ui/report_tool.h"
+
+#include <QAction>
+#include <QLineEdit>
+#include <QMenu>
+#include <utility>
+#include <vector>
+
+#include "app/ui/frame.h"
+#include "app/ui/qv5123_view.h"
+#include "base/atomic_file.h"
+#include "base/text.h"
+#include "base/ui/qt_text.h"
+#include "state/sign_off_values.h"
+#include "state/ui/report_pdf.h"
+
+namespace qv5123 {
+namespace {
+
+constexpr const char* kAboutReport = "report";
+
+/// Reads the files that the user has named and writes the report; what went wrong, in words.
+struct ReportWork {
+  SignOff report;
+  std::filesystem::path out;
+  std::vector<std::pair<const char*, std::filesystem::path>> files;  ///< with their roles
+  std::filesystem::path limits;
+  WriteJournal journal;
+
+  std::string operator()() {
+    report.journal = journal_summary(journal);
+    for (const auto& [role, path] : files) {
+      std::string bytes;
+      const FileResult read = read_whole_file(path, bytes);
+      if (!read.ok()) return read.text;
+      report.files.push_back(sign_off_file(role, path_text(path.filename()), bytes));
+    }
+    if (const std::string trouble = judge(); !trouble.empty()) return trouble;
+    return write_file_atomically(out, bytes()).text;
+  }
+
+ private:
+  std::string judge() {
+    if (limits.empty()) return {};
+    std::string text;
+    const FileResult read = read_whole_file(limits, text);
+    if (!read.ok()) return read.text;
+    const Limits found = read_limits(text);
+    if (!found.faults.empty()) return path_text(limits) + ": " + found.faults.front();
+    report.limits = judged(found.limits, figures_of(report));
+    return {};
+  }
+  std::string bytes() const {
+    const std::string extension = lower_case(path_text(out.extension()));
+    if (extension == ".pdf") return sign_off_pdf(report).toStdString();
+    return extension == ".json" ? sign_off_json(report) : sign_off_html(report);
+  }
+};
+
+}  // namespace
+
+ReportTool::ReportTool(Surroundings surroundings) : surroundings_(std::move(surroundings)) {
+  QAction* action = surroundings_.frame.tools().addAction("&Report...");
+  action->setObjectName("report");
+  action->setStatusTip("Writes what is known of the board to a file that can be signed");
+  QObject::connect(action, &QAction::triggered, action, [this] { open(); });
+}
+
+// Its flows own nothing of the dialog, which the frame would delete as well.
+ReportTool::~ReportTool() {
+  flows_.cancel();
+  delete dialog_;
+}
+
+SignOff ReportTool::known() const {
+  CQV5123View& view = surroundings_.view;
+  SignOff report;
+  report.program = "QV5123 " QV5123_VERSION;
+  report.time = iso_time(std::chrono::system_clock::now());
+  report.port = surroundings_.port();
+  report.serial_number = view.startup_reply().serial_number();
+  report.versions = version_texts(view.document().user_data);
+  report.pages = sign_off_pages(view.values());
+  for (std::size_t page = 0; page < view.values().pages(); ++page)
+    if (const TuningDesk* desk = view.values().desk(page)) take_desk(report, *desk);
+  return report;
+}
+
+void ReportTool::open() {
+  if (!dialog_) {
+    if (answers_.serial_number.isEmpty())
+      answers_.serial_number = to_qt(surroundings_.view.startup_reply().serial_number());
+    dialog_ = new ReportDialog(answers_, &surroundings_.frame);
+    dialog_->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(dialog_, &ReportDialog::file_wanted, dialog_,
+                     [this](QLineEdit* edit) { flows_.spawn(choose_file(edit)); });
+    QObject::connect(dialog_, &QDialog::accepted, dialog_, [this] {
+      answers_ = dialog_->answers();
+      flows_.spawn(save(answers_));
+    });
+  }
+  dialog_->open();
+}
+
+Task<> ReportTool::choose_file(QPointer<QLineEdit> edit) {
+  FileChoice choice{"All Files (*.*)|*.*||", {}, {}};
+  const auto chosen = co_await surroundings_.prompts.choose_open(std::move(choice));
+  if (chosen && edit) edit->setText(path_to_qt(*chosen));
+}
+
+Task<> ReportTool::save(ReportAnswers answers) {
+  FileChoice choice{"Web page (*.html)|*.html|PDF (*.pdf)|*.pdf|JSON (*.json)|*.json||", "html",
+                    "sign-off.html"};
+  const auto out = co_await surroundings_.prompts.choose_save(std::move(choice));
+  if (!out) co_return;
+  ReportWork work{known(), *out, {}, to_path(answers.limits),
+                  surroundings_.history.journal()};
+  if (!answers.serial_number.isEmpty()) work.report.serial_number = from_qt(answers.serial_number);
+  work.report.notes = from_qt(answers.notes);
+  const auto add = [&work](const char* role, const std::filesystem::path& path) {
+    if (!path.empty()) work.files.emplace_back(role, path);
+  };
+  add("Setting file", surroundings_.view.document().setting_file);
+  add("Firmware", to_path(answers.firmware));
+  add("Font", to_path(answers.font));
+  std::function<std::string()> write = std::move(work);
+  const std::string trouble = co_await surroundings_.files.run<std::string>(std::move(write));
+  surroundings_.view.say(trouble.empty() ? StatusRank::outcome : StatusRank::failure, kAboutReport,
+                         trouble.empty() ? "Report written: " + path_text(*out) : trouble);
+}
+
+}  // namespace qv5123

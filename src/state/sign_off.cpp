@@ -1,0 +1,73 @@
+#include "state/sign_off.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "base/sha256.h"
+#include "base/text.h"
+#include "console/version_box.h"
+
+namespace qv5123 {
+
+SignOffFile sign_off_file(std::string role, std::string name, std::string_view bytes) {
+  return {std::move(role), std::move(name), bytes.size(), sha256(bytes)};
+}
+
+JournalSummary journal_summary(const WriteJournal& journal) {
+  JournalSummary summary;
+  summary.dropped = journal.dropped();
+  std::map<std::string, std::size_t> controls;
+  for (std::size_t i = 0; i < journal.size(); ++i) {
+    const WriteRecord record = journal.at(i);
+    if (is_question(record)) continue;
+    ++summary.writes;
+    for (std::size_t flush = 0; flush < record.flushes_left && flush < record.flushes.size(); ++flush)
+      summary.registers += record.flushes[flush].size();
+    if (record.result != WriteRecord::Result::sent) ++summary.failed;
+    summary.last = iso_time(record.time);
+    if (summary.first.empty()) summary.first = summary.last;
+    const std::string name = record.page.empty() ? record.control : record.page + ": " + record.control;
+    ++controls[name.empty() || name == ": " ? "others" : name];
+  }
+  summary.controls.assign(controls.begin(), controls.end());
+  return summary;
+}
+
+std::vector<std::pair<std::string, std::string>> version_texts(const UserDataImage& image) {
+  std::vector<std::pair<std::string, std::string>> texts;
+  for (int slot = 0; slot < kVersionSlots; ++slot) {
+    const auto [major, minor, patch] = load_version(image, slot);
+    texts.emplace_back(kVersionSlotNames[slot],
+                       std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(patch));
+  }
+  return texts;
+}
+
+Figures figures_of(const SignOff& report) {
+  Figures figures;
+  if (report.chart) {
+    figures["mean color difference"] = report.chart->after.mean;
+    figures["worst color difference"] = report.chart->after.worst;
+    figures["mean color difference before"] = report.chart->before.mean;
+  }
+  if (!report.lens.samples.empty()) {
+    figures["lens ripple before"] = lens_line_ripple(report.lens);
+    figures["lens ripple"] = lens_line_ripple(report.lens, report.parameter1, report.parameter2);
+  }
+  if (!report.field.empty()) figures["field ripple"] = std::ranges::max(field_ripple(report.field));
+  if (report.journal) figures["failed writes"] = static_cast<double>(report.journal->failed);
+  double& unverified = figures["unverified values"];
+  double& unlike = figures["values unlike file"];
+  for (const SignOffPage& page : report.pages) {
+    for (const SignOffValue& value : page.values) {
+      const std::optional<int>& number = value.chip ? value.chip : value.page;
+      if (number) figures[page.name + "." + value.name] = *number;
+      if (value.known != "verified" && value.known != "read" && value.known != kNeverReported) ++unverified;
+      if (number && value.file && *number != *value.file) ++unlike;
+    }
+  }
+  return figures;
+}
+
+}  // namespace qv5123

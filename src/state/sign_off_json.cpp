@@ -1,0 +1,189 @@
+// A sign-off report as JSON.
+#include <cmath>
+
+#include "base/hex.h"
+#include "base/text.h"
+#include "state/sign_off.h"
+
+namespace qv5123 {
+namespace {
+
+std::string quoted(std::string_view text) {
+  std::string out = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') {
+      out += '\\';
+      out += c;
+    } else if (static_cast<unsigned char>(c) < 0x20) {
+      out += "\\u" + upper_hex(static_cast<unsigned char>(c), 4);
+    } else {
+      out += c;
+    }
+  }
+  return out + "\"";
+}
+
+std::string text_of(double value) {
+  return std::isfinite(value) ? fixed(value, 4) : "null";
+}
+std::string text_of(const std::optional<double>& value) {
+  return value ? text_of(*value) : "null";
+}
+std::string text_of(const std::optional<int>& value) {
+  return value ? std::to_string(*value) : "null";
+}
+
+/// "{...}" or "[...]" of what is added.
+class Group {
+ public:
+  explicit Group(char open) : text_(1, open), close_(open == '{' ? '}' : ']') {}
+  Group& add(std::string_view name, const std::string& json) { return item(quoted(name) + ": " + json); }
+  Group& add(std::string_view name, const char* json) { return add(name, std::string(json)); }
+  Group& item(const std::string& json) {
+    text_ += (text_.size() > 1 ? ", " : "") + json;
+    return *this;
+  }
+  std::string done() const { return text_ + close_; }
+
+ private:
+  std::string text_;
+  char close_;
+};
+
+template <class Numbers>
+std::string list(const Numbers& numbers) {
+  Group group('[');
+  for (const auto& number : numbers) group.item(std::to_string(number));
+  return group.done();
+}
+
+std::string json_of(const SignOffPage& page) {
+  Group values('{');
+  for (const SignOffValue& value : page.values)
+    values.add(value.name, Group('{')
+                               .add("page", text_of(value.page))
+                               .add("chip", text_of(value.chip))
+                               .add("file", text_of(value.file))
+                               .add("known", quoted(value.known))
+                               .done());
+  return "\n" + Group('{').add("name", quoted(page.name)).add("values", values.done()).done();
+}
+
+std::string json_of(const DifferenceSummary& summary) {
+  return Group('{')
+      .add("mean", text_of(summary.mean))
+      .add("median", text_of(summary.median))
+      .add("worst", text_of(summary.worst))
+      .done();
+}
+
+std::string json_of(const PatchReport& report, const std::string& of) {
+  Group patches('[');
+  for (std::size_t i = 0; i < kPatches; ++i) {
+    Group patch('{');
+    patch.add("name", quoted(kPatchCaptions[i]));
+    if (const auto& match = report.patches[i])
+      patch.add("before", text_of(match->before)).add("after", text_of(match->after));
+    patches.item(patch.done());
+  }
+  return Group('{')
+      .add("of", quoted(of))
+      .add("patches", patches.done())
+      .add("before", json_of(report.before))
+      .add("after", json_of(report.after))
+      .done();
+}
+
+std::string json_of(const JournalSummary& journal) {
+  Group controls('{');
+  for (const auto& [name, times] : journal.controls) controls.add(name, std::to_string(times));
+  return Group('{')
+      .add("writes", std::to_string(journal.writes))
+      .add("registers", std::to_string(journal.registers))
+      .add("failed", std::to_string(journal.failed))
+      .add("dropped", std::to_string(journal.dropped))
+      .add("first", quoted(journal.first))
+      .add("last", quoted(journal.last))
+      .add("controls", controls.done())
+      .done();
+}
+
+std::string lens(const SignOff& report) {
+  Group samples('[');
+  for (const LensSample& sample : report.lens.samples)
+    samples.item(Group('{').add("x", std::to_string(sample.x)).add("rgb", list(sample.rgb)).done());
+  Group field('[');
+  for (const PerColour& place : report.field) field.item(list(place));
+  return Group('{')
+      .add("parameter1", list(report.parameter1))
+      .add("parameter2", list(report.parameter2))
+      .add("samples", samples.done())
+      .add("field", field.done())
+      .done();
+}
+
+std::string gamma(const GammaValues& gamma) {
+  Group curves('{');
+  for (std::size_t id = 0; id < kGammaCurves; ++id) curves.add(kGammaCurveNames[id], list(gamma.curves[id]));
+  return curves.done();
+}
+
+std::string board(const SignOff& report) {
+  Group board('{');
+  board.add("serial_number", quoted(report.serial_number));
+  Group versions('{');
+  for (const auto& [name, version] : report.versions) versions.add(name, quoted(version));
+  return board.add("versions", versions.done()).done();
+}
+
+std::string files(const SignOff& report) {
+  Group files('[');
+  for (const SignOffFile& file : report.files)
+    files.item(Group('{')
+                   .add("role", quoted(file.role))
+                   .add("name", quoted(file.name))
+                   .add("bytes", std::to_string(file.bytes))
+                   .add("sha256", quoted(file.sha256))
+                   .done());
+  return files.done();
+}
+
+std::string limits(const SignOff& report) {
+  Group limits('[');
+  for (const JudgedLimit& limit : report.limits)
+    limits.item(Group('{')
+                    .add("name", quoted(limit.limit.name))
+                    .add("low", text_of(limit.limit.low))
+                    .add("high", text_of(limit.limit.high))
+                    .add("value", text_of(limit.value))
+                    .add("met", limit.met ? "true" : "false")
+                    .done());
+  return limits.done();
+}
+
+}  // namespace
+
+std::string sign_off_json(const SignOff& report) {
+  Group pages('[');
+  for (const SignOffPage& page : report.pages) pages.item(json_of(page));
+  Group figures('{');
+  for (const auto& [name, value] : figures_of(report))
+    if (name.find('.') == std::string::npos) figures.add(name, text_of(value));
+  Group whole('{');
+  whole.add("program", quoted(report.program))
+      .add("time", quoted(report.time))
+      .add("port", quoted(report.port))
+      .add("board", board(report))
+      .add("files", files(report))
+      .add("limits", limits(report))
+      .add("figures", figures.done())
+      .add("notes", quoted(report.notes));
+  if (report.chart) whole.add("chart", json_of(*report.chart, report.chart_of));
+  whole.add("lens", lens(report));
+  if (report.gamma) whole.add("gamma", gamma(*report.gamma));
+  if (report.awb) whole.add("white_lines", list(report.awb->words));
+  if (report.journal) whole.add("journal", json_of(*report.journal));
+  return whole.add("pages", pages.done()).done() + "\n";
+}
+
+}  // namespace qv5123

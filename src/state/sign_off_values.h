@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "state/sign_off.h"
+#include "state/value_states.h"
+#include "tuning/matrix.h"
+
+namespace qv5123 {
+
+/// Every value of every page with what the chip and the file have of it.
+std::vector<SignOffPage> sign_off_pages(const ValueStates& values);
+
+/// What a page's desk has measured and computed.
+void take_desk(SignOff& report, const TuningDesk& desk);
+
+/// "TVI, Outdoor": whose matrix the page shows.
+std::string matrix_place_text(const MatrixValues& values);
+
+}  // namespace qv5123
