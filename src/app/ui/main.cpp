@@ -179,6 +179,9 @@ Program::Parts program_parts(const ProgramOptions& options) {
     return parts;
   }
   auto board = simulated_board(options);
+  parts.aim_camera = [board = board.get()](const char* scene) {
+    board->with_chip([scene](SimulatedChip& chip) { chip.set_camera(Camera(*scene_named(scene))); });
+  };
   // The board lives as long as the port session, which outlives the window.
   parts.furnish = [=, board = board.get(), tour = options.tour.has_value()](CMainFrame& frame,
                                                                             Scheduler& scheduler) {

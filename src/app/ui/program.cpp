@@ -12,7 +12,9 @@
 #include "app/ui/page_area.h"
 #include "app/ui/port_state.h"
 #include "app/ui/qv5123_view.h"
+#include "app/ui/report_tool.h"
 #include "app/ui/tour.h"
+#include "app/ui/tour_pages.h"
 #include "app/ui/unattended_prompts.h"
 #include "app/ui/window_actions.h"
 #include "app/ui/window_memory.h"
@@ -63,6 +65,7 @@ Program::~Program() {
   trouble_.cancel();
   flows_.cancel();
   journal_.reset();
+  report_.reset();
   history_.reset();
   memory_.reset();
   // Its flows own dialogs that the frame would delete as well.
@@ -270,6 +273,8 @@ void Program::keep_history() {
   };
   history_ = std::make_unique<HistoryTool>(
       *frame_, HistoryTool::Surroundings{*view_, *prompts_, files_, say, parts_.journal_folder});
+  report_ = std::make_unique<ReportTool>(ReportTool::Surroundings{
+      *frame_, *view_, *prompts_, files_, history_->history(), [this] { return session_.name(); }});
 }
 
 void Program::keep_journal() {
@@ -291,7 +296,10 @@ void Program::keep_journal() {
 }
 
 Task<> Program::make_tour() {
-  Tour tour(*frame_, *view_, {*options_.tour, options_.tour_size, options_.check_layout});
+  Tour::Plan plan{*options_.tour, options_.tour_size, options_.check_layout};
+  TourPages pages(*view_, parts_.aim_camera);
+  if (parts_.aim_camera) plan.fill = [&pages](PageId id) { return pages.fill(id); };
+  Tour tour(*frame_, *view_, std::move(plan));
   std::vector<PortInfo> ports = co_await ports_.run<std::vector<PortInfo>>(parts_.list_ports);
   const std::vector<std::string> faults = co_await tour.run(
       [this, &ports] { return make_port_dialog(std::move(ports), view_->port()->settings(), {}); });

@@ -52,6 +52,10 @@ Task<> Tour::take_picture_of_page(PageId id) {
   page->read_back();
   if (!co_await settle([page] { return !page->loading(); }))
     faults_.push_back(std::string("Page '") + name + "' does not finish loading.");
+  if (plan_.fill) {
+    co_await plan_.fill(id);
+    co_await settle([] { return true; });
+  }
   take_picture(window_, name);
 }
 

@@ -29,6 +29,8 @@ class Tour {
     std::filesystem::path folder;  ///< for the pictures
     QSize size;                    ///< of the window in them
     bool check_layout = false;
+    /// Has something to show on a page before its picture is taken. May be empty.
+    std::function<Task<>(PageId)> fill = {};
   };
 
   Tour(QWidget& window, CQV5123View& view, Plan plan);
