@@ -7,20 +7,20 @@ _qv5123ctl() {
     --port)
       COMPREPLY=($(compgen -W "$("$1" ports 2>/dev/null | cut -d' ' -f1)" -- "$current"))
       return ;;
-    --base|--description|--font|--from|--fw|--log|--metrics|--output|--records|--to|--trace|--user|--with|-o)
+    --base|--description|--firmware|--font|--from|--fw|--journal|--limits|--log|--metrics|--output|--patches|--records|--to|--trace|--user|--with|-o)
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return ;;
-    --baud|--category|--corners|--data-bits|--expect|--find|--first|--flow|--for|--front-level|--gamma|--memory-weight|--noise-limit|--pages|--parity|--ratio|--repair|--step|--stop-bits|--timeout|--width) return ;;
+    --baud|--category|--corners|--data-bits|--expect|--find|--first|--flow|--for|--front-level|--gamma|--memory-weight|--noise-limit|--notes|--pages|--parity|--ratio|--repair|--serial|--step|--stop-bits|--timeout|--width) return ;;
   esac
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case "${path:+$path }$word" in
-      "ports"|"reg"|"reg read"|"reg write"|"reg save"|"reg load"|"reg list"|"reg check"|"reg dump"|"send"|"osd"|"osd up"|"osd down"|"osd left"|"osd right"|"osd set"|"osd pattern"|"factory-reset"|"copy-to-factory"|"info"|"info ae"|"info awb"|"page"|"page show"|"page save"|"page diff"|"param"|"param list"|"param get"|"param set"|"param diff"|"settings"|"settings show"|"settings set"|"settings diff"|"settings check"|"settings read"|"download"|"download fw"|"download font"|"download user"|"script"|"replay"|"monitor"|"flash"|"flash make"|"flash inspect"|"font"|"font export"|"font import"|"font show"|"font diff"|"gamma"|"gamma compute"|"matrix"|"matrix fit"|"matrix measure"|"lsc"|"lsc fit"|"lsc measure"|"awb"|"awb measure"|"provision"|"records"|"records summary")
+      "ports"|"reg"|"reg read"|"reg write"|"reg save"|"reg load"|"reg list"|"reg check"|"reg dump"|"send"|"osd"|"osd up"|"osd down"|"osd left"|"osd right"|"osd set"|"osd pattern"|"factory-reset"|"copy-to-factory"|"info"|"info ae"|"info awb"|"page"|"page show"|"page save"|"page diff"|"param"|"param list"|"param get"|"param set"|"param diff"|"settings"|"settings show"|"settings set"|"settings diff"|"settings check"|"settings read"|"download"|"download fw"|"download font"|"download user"|"script"|"replay"|"report"|"monitor"|"flash"|"flash make"|"flash inspect"|"font"|"font export"|"font import"|"font show"|"font diff"|"gamma"|"gamma compute"|"matrix"|"matrix fit"|"matrix measure"|"lsc"|"lsc fit"|"lsc measure"|"awb"|"awb measure"|"provision"|"records"|"records summary")
         path="${path:+$path }$word" ;;
     esac
   done
   case "$path" in
-    "") words="ports reg send osd factory-reset copy-to-factory info page param settings download script replay monitor flash font gamma matrix lsc awb provision records" ;;
+    "") words="ports reg send osd factory-reset copy-to-factory info page param settings download script replay report monitor flash font gamma matrix lsc awb provision records" ;;
     "ports") words="" ;;
     "reg") words="read write save load list check dump" ;;
     "reg read") words="--description --wide --sensor" ;;
@@ -64,6 +64,7 @@ _qv5123ctl() {
     "download user") words="--expect --lenient" files=yes ;;
     "script") words="" files=yes ;;
     "replay") words="--dry-run" files=yes ;;
+    "report") words="--from --limits --firmware --font --patches --journal --serial --notes --lenient" files=yes ;;
     "monitor") words="--timestamps --log --for" ;;
     "flash") words="make inspect" ;;
     "flash make") words="--fw --font --user --output --lenient" ;;
