@@ -208,7 +208,8 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
       {{},
        "A command is missing; qv5123ctl has ports, reg, send, osd, factory-reset, copy-to-factory, info, "
        "page, "
-       "param, settings, download, script, replay, monitor, flash, font, gamma, matrix, lsc, awb, provision, "
+       "param, settings, download, script, replay, report, monitor, flash, font, gamma, matrix, lsc, awb, "
+       "provision, "
        "records"},
       {{"reg", "rede"},
        "No command is named \"rede\"; reg has read, write, save, load, list, check, dump. Did you mean "
@@ -216,7 +217,8 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
       {{"pag", "show", "lsc"},
        "No command is named \"pag\"; qv5123ctl has ports, reg, send, osd, factory-reset, copy-to-factory, "
        "info, "
-       "page, param, settings, download, script, replay, monitor, flash, font, gamma, matrix, lsc, awb, "
+       "page, param, settings, download, script, replay, report, monitor, flash, font, gamma, matrix, lsc, "
+       "awb, "
        "provision, records. Did you "
        "mean \"page\"?"},
       {{"--port", "line", "--parity", "most", "osd", "up"},

@@ -113,8 +113,7 @@ Task<> ReportTool::save(ReportAnswers answers) {
                     "sign-off.html"};
   const auto out = co_await surroundings_.prompts.choose_save(std::move(choice));
   if (!out) co_return;
-  ReportWork work{known(), *out, {}, to_path(answers.limits),
-                  surroundings_.history.journal()};
+  ReportWork work{known(), *out, {}, to_path(answers.limits), surroundings_.history.journal()};
   if (!answers.serial_number.isEmpty()) work.report.serial_number = from_qt(answers.serial_number);
   work.report.notes = from_qt(answers.notes);
   const auto add = [&work](const char* role, const std::filesystem::path& path) {

@@ -171,11 +171,11 @@ void CSerialPortSetting::offer_simulated(QDialogButtonBox& box) {
   use->setToolTip("Needs no board. \"Change COM Port...\" chooses a real port later.");
   connect(use, &QPushButton::clicked, this, [this] {
     port_->setCurrentIndex(simulated());
-    open();
+    open_chosen();
   });
 }
 
-void CSerialPortSetting::open() {
+void CSerialPortSetting::open_chosen() {
   if (!opening_.running()) opening_.start(try_open());
 }
 
@@ -188,7 +188,7 @@ void CSerialPortSetting::add_buttons(QFormLayout& form, bool offers_simulated) {
   cancel->setAccessibleName("Cancel port setting");
   cancel->setToolTip("Change nothing");
   if (offers_simulated) offer_simulated(*box);
-  connect(box, &QDialogButtonBox::accepted, this, &CSerialPortSetting::open);
+  connect(box, &QDialogButtonBox::accepted, this, &CSerialPortSetting::open_chosen);
   connect(box, &QDialogButtonBox::rejected, this, &QDialog::reject);
   form.addRow(box);
 }

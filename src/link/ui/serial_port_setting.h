@@ -40,7 +40,7 @@ class CSerialPortSetting final : public QDialog {
   void add_reason(QFormLayout& form, const std::string& why_asked);
   void offer_simulated(QDialogButtonBox& box);
   int simulated() const;
-  void open();
+  void open_chosen();
   void add_port_list(QFormLayout& form);
   int first_shown() const;
   void update_open_button();

@@ -34,9 +34,12 @@ CDlgIspAwb::CDlgIspAwb(PageHost& host, std::shared_ptr<MeasuringBoard> board)
   page->addLayout(left, 1);
   left->addWidget(chart_, 1);
   left->addLayout(below);
-  below->addWidget(make_line_group());
+  auto* lines = new QVBoxLayout;
+  lines->addWidget(make_line_group());
+  lines->addWidget(make_measuring_group());
+  lines->addStretch();
+  below->addLayout(lines);
   below->addLayout(commands);
-  below->addWidget(make_measuring_group(), 0, Qt::AlignTop);
   below->addStretch();
   page->addWidget(make_patch_group());
   on_choice(choice_, [this](int patch) { desk_.choose_patch(static_cast<std::size_t>(patch)); });
@@ -104,12 +107,12 @@ QWidget* CDlgIspAwb::make_navigation_group() {
 
 QWidget* CDlgIspAwb::make_measuring_group() {
   auto* group = new QGroupBox("Chart");
-  auto* column = new QVBoxLayout(group);
-  column->setContentsMargins(5, 5, 5, 6);
+  auto* grid = new QGridLayout(group);
+  grid->setContentsMargins(5, 5, 5, 6);
   picker_ = make_check("Enable \nColor Picker", "Enable Color Picker",
                        "Shows the cursor in the picture and stops AE and AWB meanwhile, as on LinearMatrix",
                        [this](bool on) { desk_.picker().click_switch(on); });
-  auto* next = make_check("Next patch after\nGET COLOR", "Next patch after GET COLOR",
+  auto* next = make_check("Next patch after GET COLOR", "Next patch after GET COLOR",
                           "GET COLOR then chooses the patch after the one that it has measured",
                           [this](bool on) { desk_.choose_advance(on); });
   show_checked(next, desk_.advances());
@@ -117,12 +120,13 @@ QWidget* CDlgIspAwb::make_measuring_group() {
                      "Measures the 18 colored patches from the chart's four corners, which are set on "
                      "LinearMatrix; pressed again it stops",
                      [this] { desk_.measure_all(); });
-  column->addWidget(picker_);
-  column->addWidget(next);
-  column->addWidget(all_);
-  column->addWidget(make_button("From LinearMatrix", {},
-                                "Takes over the 18 colored patches that were measured on LinearMatrix",
-                                [this] { desk_.take_from_matrix(); }));
+  grid->addWidget(picker_, 0, 0);
+  grid->addWidget(all_, 0, 1);
+  grid->addWidget(next, 1, 0, 1, 2);
+  grid->addWidget(make_button("From LinearMatrix", {},
+                              "Takes over the 18 colored patches that were measured on LinearMatrix",
+                              [this] { desk_.take_from_matrix(); }),
+                  2, 0, 1, 2);
   return group;
 }
 

@@ -37,11 +37,11 @@ CDlgIspLSC::CDlgIspLSC(PageHost& host, std::shared_ptr<MeasuringBoard> board)
   right->addWidget(make_parameter_group());
   right->addWidget(make_flicker_group());
   right->addStretch(1);
-  right->addWidget(make_file_control(
-      {[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
-       [this] { desk_.start_save(this->host().prompts(), desk_.save(this->host())); },
-       "Reads the parameters, " + register_text(LensPage::kTexts.trigger), save_tip(SavedFile::all_pages),
-       make_unread_note()}));
+  right->addWidget(
+      make_file_control({[this] { desk_.load_file(); }, [this] { desk_.start_load(); },
+                         [this] { desk_.start_save(this->host().prompts(), desk_.save(this->host())); },
+                         "Reads the parameters, " + register_text(LensPage::kTexts.trigger),
+                         save_tip(SavedFile::all_pages), make_unread_note()}));
   auto* page = new QHBoxLayout(this);
   page->setContentsMargins(6, 6, 6, 6);
   page->addLayout(left, 1);

@@ -123,6 +123,7 @@ TEST_F(KnownValues, TheQuestionAtTheEndTellsWhatASaveWouldChange) {
     bench_.wire.advance(100);
     return bench_.user.questions.back().detail;
   };
+  bench_.document.setting_file.clear();
   EXPECT_EQ(detail(), "No setting file is in use: Yes asks for one.");
   bench_.user.paths = {bench_.folder.write("board.dat", setting_text(bench_.document.user_data))};
   bench_.click_in_column("Load File...");

@@ -63,6 +63,7 @@ TEST_F(MultilineListTest, LinesScrollToRowBoundaries) {
 TEST_F(MultilineListTest, APressSelectsTheRowAndShowsItWhole) {
   QSignalSpy pressed(&list_, &CMultilineList::row_pressed);
   list_.set_cell_text(0, 1, "a\r\nb\r\nc");
+  lay_out();
   press(line() + 5 + 2 * line());
   EXPECT_EQ(list_.selected_row(), 1);
   ASSERT_EQ(pressed.size(), 1);

@@ -88,7 +88,7 @@ struct MatrixBench {
 
   /// What the list of the Registers page shows in its last column; -1 for none.
   int register_value(int row) {
-    const QAbstractItemModel& list = *widget().findChild<QTableView*>()->model();
+    const QAbstractItemModel& list = *control<QTableView>("Registers")->model();
     bool read = false;
     const QString text = list.index(row, list.columnCount() - 1).data().toString();
     const int value = text.toInt(&read, 16);

@@ -197,6 +197,8 @@ class Soak {
     // A chip that a download left waiting.
     test::find<QAbstractButton>(*bench_.frame, "Cancel download")->click();
     bench_.wait_until([&] { return bench_.wire.link.jobs_waiting() == 0; }, 600s);
+    // A calibration that still runs.
+    bench_.wire.scheduler.advance(200s);
     for (const PageId id : {PageId::isp_tune, PageId::gamma, PageId::lsc, PageId::awb_tune,
                             PageId::linear_matrix, PageId::dynamic_control}) {
       bench_.open(id);
