@@ -39,7 +39,12 @@ struct Finder : test::WindowBench {
     const QTreeWidgetItem* item = dialog()->findChild<QTreeWidget*>()->currentItem();
     return item ? (item->text(0) + " | " + item->text(1)).toStdString() : "";
   }
-  void go() { press(dialog()->findChild<QLineEdit*>(), Qt::Key_Return); }
+  void go() {
+    press(dialog()->findChild<QLineEdit*>(), Qt::Key_Return);
+    // As a window system does it.
+    QApplication::setActiveWindow(frame.get());
+    QCoreApplication::processEvents();
+  }
   std::string focus() {
     const QWidget* at = QApplication::focusWidget();
     return at ? at->accessibleName().toStdString() : "";
