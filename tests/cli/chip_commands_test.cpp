@@ -9,8 +9,9 @@ namespace qv5123 {
 namespace {
 
 using test::CtlTest;
+using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::StartsWith;
 
 TEST_F(CtlTest, RegistersOfEveryKind) {
@@ -59,7 +60,7 @@ TEST_F(CtlTest, RegisterFiles) {
   cut_off.replace(cut_off.find(std::string("w\0r\0i\0t\0e\0", 10)), 2, std::string("v\0", 2));
   folder.write("cut.xml", cut_off);
   EXPECT_THAT(ctl({"reg", "list", "--description", "cut.xml"}).err,
-              MatchesRegex("qv5123ctl: cut.xml, line [0-9]+: register without \"write\"\n"));
+              AllOf(StartsWith("qv5123ctl: cut.xml, line "), EndsWith(": register without \"write\"\n")));
 
   plug_in();
   EXPECT_EQ(on_board({"reg", "save", "regs.txt", "--category", "Auto exposure"}).code, 0);
@@ -82,7 +83,7 @@ TEST_F(CtlTest, ButtonsOfTheForm) {
                                                                    {{"copy-to-factory", "--yes"}, "@bf00*"},
                                                                    {{"factory-reset", "--yes"}, "@93cc*"}}) {
     EXPECT_EQ(on_board(command).code, 0);
-    EXPECT_THAT(board->expect(frame), testing::EndsWith(frame));
+    EXPECT_THAT(board->expect(frame), EndsWith(frame));
   }
   EXPECT_THAT(on_board({"info", "ae"}).out, StartsWith("AE\n task: running\n"));
 }
@@ -110,7 +111,7 @@ TEST_F(CtlTest, PagesShowSaveAndDiff) {
   EXPECT_THAT(all.err,
               HasSubstr("front: not compared, since the chip or the file does not tell: front.delay, "));
   EXPECT_THAT(on_board({"page", "show", "all"}).out,
-              testing::AllOf(StartsWith("front."), HasSubstr("\nmatrix."), HasSubstr("\nlsc.")));
+              AllOf(StartsWith("front."), HasSubstr("\nmatrix."), HasSubstr("\nlsc.")));
 }
 
 TEST_F(CtlTest, TheChipsSettingsBecomeAFile) {
@@ -164,8 +165,8 @@ TEST_F(CtlTest, AfterTheMatrixSaveThePickerIsOff) {
   copy_resource("sample.dat");
   plug_in();
   EXPECT_EQ(on_board({"page", "save", "matrix", "--from", "sample.dat"}).code, 0);
-  EXPECT_THAT(board->expect("@a101*"), testing::AllOf(HasSubstr("@fa00*\n@f900*\n@940a*\n@9429*\n"),
-                                                      HasSubstr("  ISP 0xFA20 <- 0x90\n")));
+  EXPECT_THAT(board->expect("@a101*"),
+              AllOf(HasSubstr("@fa00*\n@f900*\n@940a*\n@9429*\n"), HasSubstr("  ISP 0xFA20 <- 0x90\n")));
 }
 
 TEST_F(CtlTest, Downloads) {
@@ -192,7 +193,7 @@ TEST_F(CtlTest, TracesEveryByteAndSimulatesByItself) {
   EXPECT_EQ(ctl({"--simulate", "--trace", "trace.txt", "reg", "read", "0xF922"}).code, 0);
   const std::string both = folder.read("trace.txt");
   EXPECT_EQ(both.rfind(trace, 0), 0u) << "it goes on";
-  EXPECT_THAT(both.substr(trace.size()), testing::MatchesRegex("# 20[^Z]*Z\n.*~00.*"));
+  EXPECT_THAT(both.substr(trace.size()), AllOf(StartsWith("# 20"), HasSubstr("|~00^|\n")));
   EXPECT_THAT(ctl({"--simulate", "--trace=-", "reg", "read", "0xF922"}).err, HasSubstr("@9409*@9422*|\n"));
 }
 

@@ -43,7 +43,7 @@ TEST_F(CtlTest, ParamGoesBetweenChipAndFile) {
   std::filesystem::copy_file(folder.path() / "sample.dat", folder.path() / "other.dat");
   EXPECT_EQ(ctl({"param", "set", "front.delay=9", "--to", "other.dat"}).code, 0);
   EXPECT_THAT(ctl({"param", "diff", "sample.dat", "--with", "other.dat"}).out,
-              testing::MatchesRegex("front.delay: a [0-9]+, b 9\n"));
+              testing::AllOf(testing::StartsWith("front.delay: a "), testing::EndsWith(", b 9\n")));
 }
 
 TEST_F(CtlTest, ParamSetSendsWhatThePagesOwnControlSends) {
@@ -93,7 +93,7 @@ TEST_F(CtlTest, ReplaySendsAScriptAsItStands) {
   plug_in();
   EXPECT_EQ(on_board({"replay", "script.regs", "--json", "--trace", "trace"}).json()["writes"], 4);
   EXPECT_THAT(folder.read("trace"),
-              testing::MatchesRegex("(.|\n)*\\|@9209\\*@9222\\*@93cc\\*\\|\n(.|\n)*\\|@0100\\*\\|\n(.|\n)*"));
+              testing::AllOf(HasSubstr("|@9209*@9222*@93cc*|\n"), HasSubstr("|@0100*|\n")));
 }
 
 }  // namespace

@@ -152,14 +152,14 @@ TEST_F(ProductionLineTest, AllStepsOnFourBoardsOfWhichOneIsPulledOutOneLiesAndOn
   EXPECT_EQ(record_of("pulled")["why"], "pulled is gone");
   EXPECT_EQ(record_of("lying")["failed_step"], "pages");
   EXPECT_THAT(record_of("lying")["why"].get<std::string>(),
-              testing::MatchesRegex("awb: [0-9]+ of [0-9]+ values differ: .*chip 0.*"));
+              testing::AllOf(testing::StartsWith("awb: "), HasSubstr(" differ: "), HasSubstr("chip 0")));
   EXPECT_EQ(record_of("lying")["retries"], 2) << "it was given two more chances";
   EXPECT_EQ(line_->passed(), 2);
   EXPECT_EQ(line_->failed(), 2);
 
   const RecordJson good = record_of("good");
   EXPECT_EQ(good["steps"].size(), 11U);
-  EXPECT_THAT(good["serial"].get<std::string>(), testing::MatchesRegex("L7-000[1-4]"));
+  EXPECT_THAT(good["serial"].get<std::string>(), testing::StartsWith("L7-000"));
   EXPECT_EQ(good["files"]["firmware.bin"].get<std::string>().size(), 64U);
   EXPECT_LT(good["steps"][7]["values"]["ripple"], 5.0);
   EXPECT_GT(good["steps"][7]["values"]["ripple_before"], 15.0);
