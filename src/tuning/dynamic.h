@@ -281,8 +281,8 @@ struct DynamicPage {
                 .as = &kWeight});
   }
 
-  static constexpr std::array kSmartIrItems{"0", "1", "2", "3"};
-  static constexpr std::array kVideoModeItems{"TVI", "AHD", "CVI", "CVBS"};
+  static constexpr std::array<const char*, 4> kSmartIrItems{"0", "1", "2", "3"};
+  static constexpr std::array<const char*, 4> kVideoModeItems{"TVI", "AHD", "CVI", "CVBS"};
 
   template <class V, class Visitor>
   static constexpr void single_values(V& values, Visitor& visit) {
