@@ -15,12 +15,12 @@ BIN, WORK = sys.argv[1:3]
 ONLY = sys.argv[3:]  # pages, for who looks for something
 PAGES = ["Registers", "ISPTune", "Gamma", "LSC", "AWBTune", "LinearMatrix", "DynamicControl", "FontEditor", "MakeFlash"]
 QUIET = 0.16  # of the chip's trace, after which an action counts as over; a write is paced by 0.05 s
-LONGEST = 16.0  # the slowest save; DynamicControl's stores for ten seconds, in which nothing is traced
+LONGEST = 40.0  # the slowest save; DynamicControl's stores for ten seconds, in which nothing is traced, and is read back
 PRESSED = (pyatspi.ROLE_PUSH_BUTTON,)
 TOGGLED = (pyatspi.ROLE_CHECK_BOX, pyatspi.ROLE_RADIO_BUTTON)
 NUMBERS = (pyatspi.ROLE_SPIN_BUTTON, pyatspi.ROLE_SLIDER)
 # What a press opens has buttons of its own, and what moves by itself has no two equal presses.
-NOT_TWICE = {"Load All From ISP", "Load From ISP", "Stop reading registers", "CALIBRATION"}
+NOT_TWICE = {"Load All From ISP", "Load From ISP", "Stop reading registers", "CALIBRATION", "Check field"}
 # Each press moves on from where the one before it ended.
 COUNTING = {"UP", "DOWN", "LEFT", "RIGHT"}
 # What switches other controls on, or shows them.
@@ -29,6 +29,8 @@ SAVES = {"File/Flash Save"}
 # What asks the chip, or sends more than one piece: the next one waits for an answer that may still come.
 SLOW = ("File/Flash Save", "GET COLOR", "CALIBRATION", "Apply", "Dump", "Read", "Sensor Read", "Load ", "Get Info")
 SLOW_QUIET = 0.8
+# A save is read back once the chip has stored it, which takes it up to ten seconds in which nothing is sent.
+SAVE_QUIET = 11
 
 findings = 0
 
@@ -199,6 +201,8 @@ class Walk:
 
     def button(self, page, node):
         quiet = SLOW_QUIET if node.name.startswith(SLOW) or node.name in COUNTING else QUIET
+        if node.name in SAVES:
+            quiet = SAVE_QUIET
         press, click = lambda: node.queryAction().doAction(0), lambda: mouse_click(node)
         if node.name in ("FW", "FONT"):
             press, click, quiet = self.letter(node)(press), self.letter(node)(click), 1.0
