@@ -49,6 +49,13 @@ Pending<JobResult> CommandLink::send(Traffic traffic, std::function<void(std::si
   return send(std::move(job));
 }
 
+Pending<JobResult> CommandLink::send_through_hold(Traffic traffic) {
+  Resolver<JobResult> done;
+  Pending<JobResult> result = done.pending();
+  put(held_ ? held_queue_ : queue_, {noted_job(std::move(traffic), {}), done, nullptr, true});
+  return result;
+}
+
 Pending<JobResult> CommandLink::send_letter(char letter) {
   Job job;
   job.chunks.emplace_back().bytes = {static_cast<std::uint8_t>(letter)};

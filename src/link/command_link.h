@@ -101,6 +101,11 @@ class CommandLink {
   /// calls it holds the turn. If the result is dropped before the request has its turn it does not leave: its
   /// answer would reach whoever asks next.
   Pending<JobResult> send_request(Batch request);
+  /// Sends in its turn, and does not wait for the end of a hold. If the result is dropped before that it does
+  /// not leave.
+  Pending<JobResult> send_through_hold(Traffic traffic);
+  /// What closes the brackets that are open on the chip, by what has left.
+  Traffic closing_brackets() const { return brackets_.closing(); }
   /// Asks the running job to end at the next boundary between its chunks.
   void cancel_running_job() { sender_.cancel(); }
   /// The end of all sending. What waits is dropped and never resumes who waits for it, and so is whatever is

@@ -132,16 +132,16 @@ Task<> CQV5123View::send_last_words(Leave leave, Resolver<bool> over) {
 }
 
 Task<bool> CQV5123View::interrupt_with(Traffic last) {
-  Traffic traffic;
-  if (busy_) {
+  Traffic traffic = link_.closing_brackets();
+  if (busy_ && link_.jobs_waiting() > 0) {
     link_.cancel_running_job();
-    // A bracket that is closed twice does no harm.
-    append(traffic, {reg::kKeepBracket, 0});
-    append(traffic, {reg::kSaveBracket, 0});
+    // Whatever it still opens. A bracket that is closed twice does no harm.
+    traffic = flushed_singly({{reg::kKeepBracket, 0}, {reg::kSaveBracket, 0}});
   }
   append(traffic, std::move(last));
   if (traffic.empty()) co_return true;
-  const JobResult result = co_await link_.send(std::move(traffic));
+  // While the chip stores a page holds all else up for longer than the port stays.
+  const JobResult result = co_await link_.send_through_hold(std::move(traffic));
   co_return !result.failed;
 }
 
