@@ -1,0 +1,216 @@
+// How the gamma chart looks.
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+#include "base/saturate.h"
+#include "tuning/ui/gamma_chart_geometry.h"
+#include "tuning/ui/gamma_chart_view.h"
+
+namespace qv5123 {
+namespace {
+
+/// Height of the position labels, which stand upright, and so the least distance between two.
+constexpr int kLabelSize = 8;
+constexpr int kReadoutSize = 11;
+/// Of the scale on the left, as long as the whole plot is shown.
+constexpr int kScaleStep = 128;
+constexpr int kTitleSize = 10;
+constexpr double kFileOpacity = 0.5;
+
+QFont sized(QFont font, int pixels) {
+  font.setPixelSize(pixels);
+  return font;
+}
+
+/// Where the label of each position stands: below it, or as far to the right as the one before demands.
+std::vector<int> label_places(const QTransform& zoomed) {
+  std::vector<int> places;
+  int next = 0;
+  for (const int position : kGammaPositions) {
+    const double x = zoomed.map(point_of(gamma_pixel(position, 0))).x();
+    places.push_back(x < kGammaPlot.left ? saturate_to_int(x) : std::max(saturate_to_int(x), next));
+    if (x >= kGammaPlot.left) next = places.back() + kLabelSize;
+  }
+  return places;
+}
+
+}  // namespace
+
+void GammaChartView::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  paint_background(painter);
+  painter.setTransform(transform());
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.save();
+  // Half a mark lies beyond the plot's edge.
+  const int mark = 2 * kGammaMarkRadius;
+  painter.setClipRect(plot_rect().adjusted(-mark, -mark, mark, mark));
+  paint_curves(painter);
+  painter.restore();
+  paint_legend(painter);
+  paint_readout(painter);
+  if (hasFocus()) paint_focus(painter);
+}
+
+/// It stays while the points move, and takes longer to paint than they do.
+void GammaChartView::paint_background(QPainter& painter) {
+  const QSize pixels = size() * devicePixelRatio();
+  if (background_.size() != pixels) {
+    background_ = QPixmap(pixels);
+    background_.setDevicePixelRatio(devicePixelRatio());
+    background_.fill(Qt::transparent);
+    QPainter behind(&background_);
+    behind.setTransform(transform());
+    paint_frame(behind);
+    paint_grid(behind);
+    paint_labels(behind);
+    paint_scale(behind);
+    paint_titles(behind);
+  }
+  painter.drawPixmap(0, 0, background_);
+}
+
+void GammaChartView::paint_frame(QPainter& painter) const {
+  const ChartColours colours = chart_colours(palette());
+  const QRectF frame = rect_of(kGammaFrame);
+  painter.fillRect(frame, colours.paper);
+  painter.fillRect(plot_rect(), colours.plot);
+  painter.setPen(QPen(colours.grid, 1));
+  painter.drawRect(frame);
+  painter.drawRect(plot_rect());
+}
+
+void GammaChartView::paint_grid(QPainter& painter) const {
+  painter.save();
+  painter.setClipRect(plot_rect());
+  painter.setPen(QPen(readable_on(chart_colours(palette()).plot, QColor(kGammaGridColour)), 1, Qt::DotLine));
+  for (int position : kGammaPositions) {
+    const double x = zoomed().map(point_of(gamma_pixel(position, 0))).x();
+    painter.drawLine(QPointF(x, kGammaPlot.bottom), QPointF(x, kGammaPlot.top));
+  }
+  painter.restore();
+}
+
+void GammaChartView::paint_labels(QPainter& painter) const {
+  const ChartColours colours = chart_colours(palette());
+  painter.setFont(sized(font(), kLabelSize));
+  const std::vector<int> places = label_places(zoomed());
+  // Short of the frame also where a small font is drawn wider than it measures.
+  constexpr double room = kGammaFrame.bottom - kGammaLabelY - 5;
+  for (std::size_t i = 0; i < kGammaPoints; ++i) {
+    const double x = zoomed().map(point_of(gamma_pixel(kGammaPositions[i], 0))).x();
+    if (x < kGammaPlot.left || places[i] > kGammaPlot.right + kLabelSize) continue;
+    painter.setPen(QPen(Qt::gray, 0));
+    painter.drawLine(QPointF(x, kGammaPlot.bottom), QPointF(places[i], kGammaLabelY - 1));
+    painter.setPen(colours.text);
+    painter.save();
+    painter.translate(places[i], kGammaLabelY);
+    painter.rotate(90);
+    const QString text = QString::number(kGammaPositions[i]);
+    // Four digits of some fonts are longer than the margin.
+    const double width = painter.fontMetrics().horizontalAdvance(text);
+    painter.scale(std::min(1.0, room / width), 1);
+    painter.drawText(QRectF(0, -kLabelSize, width + 1, 2 * kLabelSize), Qt::AlignLeft | Qt::AlignVCenter,
+                     text);
+    painter.restore();
+  }
+}
+
+void GammaChartView::paint_scale(QPainter& painter) const {
+  const ChartColours colours = chart_colours(palette());
+  painter.setFont(sized(font(), kLabelSize));
+  painter.setPen(colours.text);
+  const int step = std::max(1, kScaleStep >> static_cast<int>(std::log2(zoom_.factor())));
+  for (int value = 0; value <= kGammaMaximum + 1; value += step) {
+    const int shown = std::min(value, kGammaMaximum);
+    const double y = zoomed().map(point_of(gamma_pixel(0, shown))).y();
+    if (y < kGammaPlot.top - 1 || y > kGammaPlot.bottom) continue;
+    painter.drawLine(QPointF(kGammaPlot.left - 3, y), QPointF(kGammaPlot.left, y));
+    const QRectF room(kGammaFrame.left + 1, y - kLabelSize, kGammaPlot.left - kGammaFrame.left - 5,
+                      2 * kLabelSize);
+    painter.drawText(room, Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip, QString::number(shown));
+  }
+}
+
+void GammaChartView::paint_titles(QPainter& painter) const {
+  painter.setFont(sized(font(), kTitleSize));
+  painter.setPen(chart_colours(palette()).text);
+  const QRectF inside = plot_rect().adjusted(5, 3, -5, -3);
+  painter.drawText(inside, Qt::AlignLeft | Qt::AlignTop, "Output, 0..1023");
+  painter.drawText(inside, Qt::AlignRight | Qt::AlignBottom, "Input, 0..1023");
+}
+
+void GammaChartView::paint_curves(QPainter& painter) {
+  painter.setTransform(zoomed() * transform());
+  const std::vector<GammaCurveId> ids = curves();
+  // The front curve is behind the others.
+  for (auto id = ids.rbegin(); id != ids.rend(); ++id) {
+    if (!shows(*id)) continue;
+    if (file_) paint_file_curve(painter, *id);
+    paint_curve(painter, *id);
+  }
+  paint_chosen(painter);
+}
+
+void GammaChartView::paint_curve(QPainter& painter, GammaCurveId id) const {
+  const double point = 1 / zoom_.factor();
+  QPolygonF line;
+  for (ChartPixel pixel : gamma_polyline(values_.curve(id))) line << point_of(pixel);
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(colour_of(id), 2 * point));
+  painter.drawPolyline(line);
+  painter.setPen(QPen(colour_of(id), point));
+  // The line starts at the plot's corner, which is no point of the curve.
+  for (qsizetype i = 1; i < line.size(); ++i)
+    painter.drawEllipse(line[i], kGammaMarkRadius * point, kGammaMarkRadius * point);
+}
+
+void GammaChartView::paint_file_curve(QPainter& painter, GammaCurveId id) const {
+  if (file_->curve(id) == values_.curve(id)) return;
+  QPolygonF line;
+  for (ChartPixel pixel : gamma_polyline(file_->curve(id))) line << point_of(pixel);
+  painter.save();
+  painter.setOpacity(kFileOpacity);
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(colour_of(id), 2 / zoom_.factor(), Qt::DashLine));
+  painter.drawPolyline(line);
+  painter.restore();
+}
+
+void GammaChartView::paint_legend(QPainter& painter) {
+  std::vector<ChartLegend::Entry> entries(4);
+  for (const GammaCurveId id : curves()) {
+    const auto at = static_cast<std::size_t>(id);
+    entries[at] = {kGammaCurveNames[at], colour_of(id)};
+  }
+  painter.setFont(sized(font(), kReadoutSize));
+  legend_.paint(painter, rect_of(kGammaFrame).adjusted(25, 4, -25, 0), entries);
+}
+
+void GammaChartView::paint_focus(QPainter& painter) const {
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(chart_colours(palette()).text, 1, Qt::DashLine));
+  painter.drawRect(rect_of(kGammaFrame).adjusted(3, 3, -3, -3));
+}
+
+void GammaChartView::paint_chosen(QPainter& painter) const {
+  const double point = 1 / zoom_.factor();
+  painter.setBrush(Qt::NoBrush);
+  for (const std::optional<GammaHit>& hit : {chosen_, hovered_}) {
+    if (!hit) continue;
+    painter.setPen(QPen(chart_colours(palette()).text, (hit == chosen_ ? 2 : 1) * point));
+    for (GammaCurveId id : hit->curves) {
+      const ChartPixel pixel = gamma_pixel(kGammaPositions[hit->point], values_.curve(id)[hit->point]);
+      painter.drawEllipse(point_of(pixel), 2 * kGammaMarkRadius * point, 2 * kGammaMarkRadius * point);
+    }
+  }
+}
+
+void GammaChartView::paint_readout(QPainter& painter) const {
+  painter.setFont(sized(font(), kReadoutSize));
+  painter.setPen(chart_colours(palette()).text);
+  painter.drawText(rect_of(kGammaFrame).adjusted(25, 4, -25, 0), Qt::AlignLeft | Qt::AlignTop, readout());
+}
+
+}  // namespace qv5123
