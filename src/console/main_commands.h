@@ -54,10 +54,4 @@ inline int osd_pattern_selection(const UserDataImage& image) {
   return selection < static_cast<int>(std::size(kOsdPatterns)) ? selection : -1;
 }
 
-/// Makes the chip report the ISP tune page's values.
-inline constexpr std::uint8_t kIspTuneTrigger = 0xBE;
-inline Batch isp_tune_request() {
-  return {{kIspTuneTrigger, 0x00}};
-}
-
 }  // namespace qv5123

@@ -41,10 +41,6 @@ ReadSettings read_setting_file(const std::filesystem::path& path) {
   return read;
 }
 
-FileResult write_setting_file(const std::filesystem::path& path, const UserDataImage& image) {
-  return write_file_atomically(path, setting_text(image));
-}
-
 namespace {
 
 Task<ReadSettings> take_over(Task<ReadSettings> reading, UserDataImage& image) {

@@ -52,8 +52,6 @@ class Camera {
   const Scene& scene() const { return scene_; }
   const CameraTruth& truth() const { return truth_; }
   PicturePoint lens_centre() const;
-  /// The light of the lamp in front of the scene, green 1.
-  const Light& illuminant() const { return illuminant_; }
   /// How many times brighter than it is told to the chip exposes.
   double overexposure() const;
   /// The share of a colour, 0..2, that the lens lets through at a pixel, 0..1.

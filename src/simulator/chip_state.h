@@ -51,9 +51,4 @@ inline bool keeping(const ChipState& state) {
   return state.direct[reg::kKeepBracket] != 0;
 }
 
-/// How many of the two save brackets (0xFA, 0xF9) are open: 0..2.
-inline int bracket_depth(const ChipState& state) {
-  return (keeping(state) ? 1 : 0) + (state.direct[reg::kSaveBracket] != 0 ? 1 : 0);
-}
-
 }  // namespace qv5123

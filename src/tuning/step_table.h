@@ -38,8 +38,7 @@ inline constexpr std::array<BankPlace, kStepBanks> kStepBankPlaces{{{"tvi", "TVI
                                                                     {"cvi", "CVI", 0xD4, 803}}};
 
 /// Rows by their place.
-inline constexpr std::size_t kRowIso = 0, kRowBright = 1, kRowSharpness = 2, kRowNr = 3, kRowFlatNr = 4,
-                             kRowContrast = 5;
+inline constexpr std::size_t kRowIso = 0, kRowBright = 1, kRowNr = 3, kRowFlatNr = 4, kRowContrast = 5;
 struct StepRowRule {
   const char* name;
   const char* caption;

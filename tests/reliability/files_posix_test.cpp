@@ -28,11 +28,15 @@ UserDataImage image_of(int entry) {
   return image;
 }
 
+FileResult save(const fs::path& path, const UserDataImage& image) {
+  return write_file_atomically(path, setting_text(image));
+}
+
 /// Saves the one and the other image in turn until it is killed; tells when the first one is saved.
 [[noreturn]] void save_for_ever(const fs::path& path, std::size_t first, int told) {
   const UserDataImage images[] = {image_of(1), image_of(222)};
   for (std::size_t i = first;; ++i) {
-    if (!write_setting_file(path, images[i % 2]).ok()) ::_exit(1);
+    if (!save(path, images[i % 2]).ok()) ::_exit(1);
     if (i == first && ::write(told, "s", 1) != 1) ::_exit(1);
   }
 }
@@ -41,7 +45,7 @@ TEST(SavingKilled, LeavesTheOldFileOrTheNewOneWhole) {
   const test::TemporaryFolder folder;
   const fs::path path = folder.path() / "board.dat";
   const std::string texts[] = {setting_text(image_of(1)), setting_text(image_of(222))};
-  ASSERT_TRUE(write_setting_file(path, image_of(1)).ok());
+  ASSERT_TRUE(save(path, image_of(1)).ok());
   std::mt19937 random(1);
   std::size_t found[2] = {0, 0};
   for (int round = 0; round < 200; ++round) {
@@ -89,7 +93,7 @@ TEST(HostileFolders, AReadOnlyOneIsNamedAndKeepsItsFile) {
   FileResult result;
   {
     const AsNobody nobody;
-    result = write_setting_file(path, image_of(1));
+    result = save(path, image_of(1));
   }
   fs::permissions(folder.path(), fs::perms(0755));
   EXPECT_EQ(result.text, "Cannot write " + path.string() + ": Permission denied");
@@ -99,8 +103,7 @@ TEST(HostileFolders, AReadOnlyOneIsNamedAndKeepsItsFile) {
 TEST(HostileFolders, ARemovedOneIsNamed) {
   const test::TemporaryFolder folder;
   const fs::path path = folder.path() / "gone" / "board.dat";
-  EXPECT_EQ(write_setting_file(path, image_of(1)).text,
-            "Cannot write " + path.string() + ": No such file or directory");
+  EXPECT_EQ(save(path, image_of(1)).text, "Cannot write " + path.string() + ": No such file or directory");
   EXPECT_EQ(read_setting_file(path).result.text,
             "Cannot read " + path.string() + ": No such file or directory");
   EXPECT_FALSE(fs::exists(folder.path() / "gone"));
@@ -110,7 +113,7 @@ TEST(HostileFolders, NamesInAnyLanguageAreFound) {
   const test::TemporaryFolder folder;
   const fs::path path = folder.path() / fs::path(u8"Größe 設定") / fs::path(u8"файл.dat");
   fs::create_directories(path.parent_path());
-  ASSERT_EQ(write_setting_file(path, image_of(7)).text, "");
+  ASSERT_EQ(save(path, image_of(7)).text, "");
   const ReadSettings read = read_setting_file(path);
   ASSERT_EQ(read.result.text, "");
   EXPECT_EQ(read.image.entry(9), 7);
@@ -123,7 +126,7 @@ TEST(HostileFolders, NamesInAnyLanguageAreFound) {
 TEST(HostileFolders, NamesThatAreNoUnicodeTextAreFound) {
   const test::TemporaryFolder folder;
   const fs::path path = folder / "board\xE4\xFF.dat";
-  ASSERT_EQ(write_setting_file(path, image_of(7)).text, "");
+  ASSERT_EQ(save(path, image_of(7)).text, "");
   EXPECT_EQ(read_setting_file(path).image.entry(9), 7);
   JournalEntry entry{image_of(7), path};
   EXPECT_EQ(read_journal(journal_text(entry)), entry);
