@@ -12,7 +12,10 @@
 
 namespace qv5123 {
 
-/// The setting file: text, line i holds entry i of the user data image as a decimal number and CR LF.
+/// The setting file: text, line i holds entry i of the user data image as a decimal number and CR LF. One
+/// whose first entries are 0, 18 and 255 begins
+///
+///     30 0D 0A  31 38 0D 0A  32 35 35 0D 0A        "0" "18" "255"
 ///
 /// Read, it is 1024 numbers in white space, of which the low 8 bits count. Where a number is missing or is
 /// none, the one before it (0 before the first) stands for it and for all that follow.
@@ -28,9 +31,6 @@ std::string setting_text(const UserDataImage& image);
 
 /// The image that the content of a setting file stands for, marked as loaded.
 UserDataImage image_of(std::string_view text);
-
-/// Replaces the file in one step; on failure the old one stays whole.
-FileResult write_setting_file(const std::filesystem::path& path, const UserDataImage& image);
 
 /// A setting file as it was read.
 struct ReadSettings {

@@ -7,7 +7,8 @@
 namespace qv5123 {
 
 /// The program's one picture of the chip's user (tuning) data: 1024 bytes that every tuning page copies its
-/// values into and reloads them from.
+/// values into and reloads them from. A word has its high byte first: 4000 for the lens shading's red
+/// Parameter-1 is 0F A0 in the entries 440 and 441.
 class UserDataImage {
  public:
   static constexpr std::size_t kSize = 1024;

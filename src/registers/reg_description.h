@@ -55,6 +55,10 @@ struct RegBitField {
 ///     </reg>
 ///     </category>
 ///
+/// So `<reg regname="GAIN_MAX_H" ...` begins, behind the two bytes FF FE of the file,
+///
+///     3C 00 72 00 65 00 67 00 20 00 72 00 65 00 67 00 6E 00 61 00 6D 00 65 00 3D 00 22 00 47 00 ...
+///
 /// An attribute is its name, two characters that are not looked at, and everything up to the next double
 /// quote. "#$" inside one is a line break; a lone '#' takes the character behind it along, a lone '$' the
 /// one before it. A register without "</reg>" is overwritten by the next one, which inherits its bit fields.

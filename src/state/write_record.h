@@ -54,7 +54,11 @@ std::string registers_text(const WriteRecord& record);
 ///     <ms since 1970> <page> <control> <values> <flushes> <result> <flushes left> <plain bytes>
 ///
 /// Values are "a_slope=12>20" between blanks, flushes "9209 9222|2001", one of plain bytes "-". In page and
-/// control a backslash stands before "\", "t" for a tab and "n" for a line end.
+/// control a backslash stands before "\", "t" for a tab and "n" for a line end. The button "A" of the AWB
+/// page, which sets a slope from 12 to 20, is with a blank for each tab
+///
+///     1795315861123 awb A a_slope=12>20 0d00 0d14 sent 1 0
+///
 std::string journal_line(const WriteRecord& record);
 /// The record that a line was made from; nothing where it is none.
 std::optional<WriteRecord> read_journal_line(std::string_view line);
