@@ -97,6 +97,7 @@ TEST(PortSession, APortThatIsNotThereIsOpenedWhenItAppears) {
   OpenResult opened;
   on.run(open(on.session, opened));
   EXPECT_EQ(opened.error, OpenError::not_found);
+  EXPECT_TRUE(on.connected.empty()) << "nobody is told of a port that was never there";
   on.session.open_when_there();
   on.line->plug_in();
   on.run_until([&] { return !on.statuses.empty(); });
@@ -160,20 +161,6 @@ TEST(PortSession, CancelEndsAWriteThatStandsStillAndTheImageWithIt) {
   EXPECT_EQ(result.chunks_sent, 0u) << "what comes behind a block that was cut short would spoil more";
   EXPECT_EQ(result.bytes_sent, 16u);
   EXPECT_EQ(on.wire(), std::string(16, 'A'));
-}
-
-TEST(PortSession, APortThatCannotBeOpenedIsNotConnectedAndTheNextOpenWorks) {
-  SessionOnLine on;
-  OpenResult opened;
-  on.line->hang_up();
-  on.run(open(on.session, opened));
-  EXPECT_EQ(opened.error, OpenError::not_found);
-  EXPECT_FALSE(on.session.connected());
-  EXPECT_TRUE(on.connected.empty()) << "nobody is told of a port that was never there";
-  on.line->plug_in();
-  on.run(open(on.session, opened));
-  EXPECT_TRUE(opened.ok());
-  EXPECT_EQ(on.connected, std::vector<bool>{true});
 }
 
 TEST(Standstill, IsSaidOnceAfterFiveSecondsWithoutAByteAndTakenBack) {

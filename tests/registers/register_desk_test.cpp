@@ -53,16 +53,6 @@ class RegisterDeskTest : public testing::Test {
   std::optional<RegisterDesk> desk_;
 };
 
-TEST_F(RegisterDeskTest, AReadThatWasOvertakenIsDropped) {
-  open_and_read();
-  desk_->select_row(1);
-  desk_->select_row(2);
-  wire_.advance(500);
-  EXPECT_EQ(chip_.requests, (std::vector<int>{0x801, 0x0A5}));
-  EXPECT_EQ(stored(1), -1);
-  EXPECT_EQ(stored(2), 0x51);
-}
-
 /// 256 registers of one category on a chip that takes its time.
 class RegisterLatencyTest : public RegisterDeskTest, public testing::WithParamInterface<int> {
  protected:

@@ -28,21 +28,6 @@ class AwbDeskTest : public test::DeskBench {
   AwbDesk desk_{host_, host_.doc.user_data};
 };
 
-TEST_F(AwbDeskTest, SendsALineKeptAndAKeyInOneWrite) {
-  type("a_slope", 900);
-  type("a_intercept", -2);
-  desk_.send_line(AwbControl::line_a);
-  EXPECT_EQ(number("a_slope"), 800);
-  for (const RegisterWrite key :
-       {kAwbMarkNone, kAwbMarkSet, kAwbMarkCheck, kAwbUp, kAwbDown, kAwbLeft, kAwbRight})
-    desk_.press("key", key);
-  type("f_intercept", -40000);
-  desk_.send_line(AwbControl::line_f);
-  EXPECT_EQ(wire(),
-            "@fa01*@0d03*@0d20*@0eff*@0efe*@fa00*@3200*@3300*@3400*@0100*@0101*@0102*@0103*"
-            "@fa01*@1680*@1600*@fa00*");
-}
-
 TEST_F(AwbDeskTest, LimitsEightWordsOfTenWhenTheyAreSet) {
   for (const char* word : kWords) type(word, 900);
   EXPECT_EQ(desk_.unread(), "not read yet");

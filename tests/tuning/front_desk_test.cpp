@@ -59,65 +59,6 @@ TEST_F(FrontDeskTest, TakesTheReply) {
   EXPECT_EQ(host_.last_status(), "ISP Load Fail...");
 }
 
-TEST_F(FrontDeskTest, ControlsStoreAndSend) {
-  load();
-  const auto use = [this](const char* name, int number, C control) {
-    set(name, number);
-    desk_.use(control);
-  };
-  use("video_mode", 15, C::video_mode);
-  use("colour_order", 1, C::colour_order);
-  EXPECT_EQ(image_.entry(456), 0) << "only sent";
-  desk_.keep_colour_order();
-  use("tdn_mode", 0, C::tdn_mode);
-  use("delay", 5, C::delay);
-  use("ir_on_off", 0x106, C::ir_on_off);
-  EXPECT_EQ(wire(), "@6e0f*@6f01*@6f01*@7001*@7105*@7406*") << "of a number the low byte";
-  desk_.use(C::led_dimmer);
-  EXPECT_EQ(values()["led_dimmer"], 88);
-  desk_.set_polarity(0);
-  use("clamp.r", 0x1234, C::clamp_r);
-  use("clamp.gr", 0x235, C::clamp_gr);
-  use("clamp.gb", 0x346, C::clamp_gb);
-  use("clamp.b", 0x457, C::clamp_b);
-  use("wdr_state", 1, C::wdr_state);
-  EXPECT_EQ(wire(), "@8d58*@aa00*@7812*@7834*@7902*@7935*@7a03*@7a46*@7b04*@7b57*@8901*");
-  const std::map<std::size_t, int> stored{
-      {454, 15},   {456, 1}, {457, 5},    {458, 5}, {462, 1},    {464, 6}, {465, 0x12}, {466, 0x34}, {467, 2},
-      {468, 0x35}, {469, 3}, {470, 0x46}, {471, 4}, {472, 0x57}, {549, 1}, {551, 0},    {582, 88}};
-  UserDataImage expected;
-  for (const auto& [entry, value] : stored) expected.set_entry(entry, value);
-  EXPECT_EQ(image_.bytes(), expected.bytes());
-  EXPECT_EQ(host_.user_data_writes, 0);
-}
-
-TEST_F(FrontDeskTest, FlagsAreSentAlone) {
-  load();
-  constexpr const char* kFlags[] = {"test_pattern", "raw_data", "gamma", "brightness", "sharpness",
-                                    "saturation",   "hue",      "dpc",   "ae_task",    "awb_task"};
-  const UserDataImage before = image_;
-  int control = static_cast<int>(C::test_pattern);
-  for (const char* flag : kFlags) {
-    const std::string name = std::string("flag.") + flag;
-    set(name.c_str(), 1 - values()[name]);
-    desk_.use(static_cast<C>(control++));
-  }
-  EXPECT_EQ(wire(), "@8201*@8300*@8400*@8501*@8600*@8701*@8800*@8b00*@a000*@a100*");
-  EXPECT_EQ(image_, before);
-}
-
-TEST_F(FrontDeskTest, ColorSuppressWritesTheFileBeforeItIsSent) {
-  set("color_suppress", 1);
-  desk_.use_color_suppress(host_);
-  EXPECT_EQ(host_.user_data_writes, 1);
-  EXPECT_EQ(host_.written.entry(552), 128);
-  EXPECT_EQ(wire(), "@ab80*");
-  set("color_suppress", 0);
-  desk_.use_color_suppress(host_);
-  EXPECT_EQ(host_.written.entry(552), 0);
-  EXPECT_EQ(wire(), "@ab00*");
-}
-
 TEST_F(FrontDeskTest, FullSaveWritesTheFileAndSends) {
   load();
   set("delay", 7);

@@ -126,6 +126,8 @@ TEST_F(GammaDeskTest, LoadsOnlyFromAnImageThatAFileWasReadInto) {
   UserDataImage stored;
   desk_.model().store(stored);
   EXPECT_EQ(stored.word(2), 0) << "the front curve is the chip's";
+  desk_.model().store_field(68, stored);
+  EXPECT_EQ(stored.word(2), 777 << 2) << "the command line stores it";
   EXPECT_EQ(stored.word(45), 500);
 }
 
@@ -145,27 +147,6 @@ TEST_F(GammaDeskTest, SavesEverythingBetweenTheBrackets) {
   EXPECT_EQ(sent.substr(0, 24), "@f901*@fa01*@0300*@0300*");
   EXPECT_EQ(sent.substr(sent.size() - 30), "@0502*@05fe*@0602*@fa00*@f900*") << "the selection of the file";
   EXPECT_EQ(host_.last_status(), "Gamma Save Done.");
-}
-
-TEST_F(GammaDeskTest, EveryNameStandsForItsOwnEntriesAndRegister) {
-  const auto& fields = desk_.model().fields();
-  ASSERT_EQ(fields.size(), 1u + 4 * 22);
-  const auto about = [&](std::size_t i) {
-    std::string text = fields[i].name + " " + fields[i].range_text() + ":";
-    for (const std::size_t entry : fields[i].entries()) text += " " + std::to_string(entry);
-    return text;
-  };
-  EXPECT_EQ(about(0), "channel 0..4, register 0x06: 44");
-  EXPECT_EQ(about(1), "r[0] 0..1023, register 0x03: 45 46");
-  EXPECT_EQ(about(23 + 5), "g[5] 0..1023, register 0x04: 99 100");
-  EXPECT_EQ(about(66), "b[21] 0..1023, register 0x05: 175 176");
-  EXPECT_EQ(about(67 + 1), "front[1] 0..1023: 2 3");
-  EXPECT_EQ(fields[66].caption.caption(), "Point 22 B");
-
-  type_point("front[1]", 777);
-  UserDataImage stored;
-  desk_.model().store_field(68, stored);
-  EXPECT_EQ(stored.word(2), 777 << 2) << "the command line stores it";
 }
 
 }  // namespace

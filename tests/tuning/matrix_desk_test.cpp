@@ -293,20 +293,6 @@ TEST_F(MatrixDeskTest, SavesAllMatricesAndEndsTheCapture) {
   EXPECT_EQ(*(host_.statuses.end() - 2), "Only the chip was saved: no setting file was written.");
 }
 
-TEST_F(MatrixDeskTest, EveryNameStandsForItsOwnEntriesAndRegister) {
-  const auto& fields = desk_.model().fields();
-  ASSERT_EQ(fields.size(), 4u * 3 * 3 * 3);
-  const auto about = [&](std::size_t i) {
-    return fields[i].name + ", " + fields[i].range_text() + ", entry " + std::to_string(fields[i].entry);
-  };
-  const std::string range = ", -32768..32767 (1024 is 1.0), register ";
-  EXPECT_EQ(about(0), "tvi.outdoor.r[0]" + range + "0x52, entry 382");
-  EXPECT_EQ(about(27 + 9 + 3 + 1), "ahd.light1.g[1]" + range + "0x56, entry 775");
-  EXPECT_EQ(about(54 + 6), "cvi.outdoor.b[0]" + range + "0x54, entry 857");
-  EXPECT_EQ(about(107), "cvbs.light2.b[2]" + range + "0x5A, entry 687");
-  EXPECT_EQ(fields[40].caption.caption(), "AHD Light-1 G from G");
-}
-
 TEST_F(MatrixDeskTest, LeavesAChipWithItsPickerOffAtWhateverMoment) {
   answer_reads();
   const auto last_words = [this] { return bytes_of(desk_.leave()); };

@@ -48,6 +48,9 @@ TEST_F(AeTunePage, BarsAndEditsShowTheSameAndSetSends) {
 
 TEST_F(AeTunePage, ColoursBelongToTheChosenLightSource) {
   user_.click("Light-1");
+  user_.find<QSlider>("Light source Sum bar")->setValue(-7);
+  user_.click("Light source Sum Set");
+  EXPECT_EQ(wire(), "@fa01*@4e01*@4f07*@fa00*");
   user_.type("Light source kind", 2);
   user_.find<QSlider>("Light source Sum bar")->setValue(250);
   EXPECT_EQ(user_.number("Light source value"), 250);
@@ -57,8 +60,9 @@ TEST_F(AeTunePage, ColoursBelongToTheChosenLightSource) {
   user_.type("Saturation", -64);
   user_.click("Saturation Set");
   user_.type("AWB R Weight", -2);
+  user_.type("AWB B Weight", 60);
   user_.click("AWB Weight Set");
-  EXPECT_EQ(wire(), "@fa01*@4e01*@51fa*@fa00*@fa01*@4e01*@5b00*@fa00*@30ff*@30fe*@3000*@3000*");
+  EXPECT_EQ(wire(), "@fa01*@4e01*@51fa*@fa00*@fa01*@4e01*@5b00*@fa00*@30ff*@30fe*@3000*@3032*");
   EXPECT_EQ(user_.find<QSpinBox>("AWB R Weight")->toolTip(), "-50..50, register 0x30");
   user_.click("Outdoor");
   EXPECT_EQ(user_.number("Saturation"), 0);
@@ -109,6 +113,8 @@ TEST_F(AeTunePage, AssistiveToolsToggleAndTypeAsAUserDoes) {
   EXPECT_FALSE(user_.checked("FLIP"));
   toggle("None");
   EXPECT_TRUE(user_.checked("None")) << "neither bit is set";
+  EXPECT_EQ(host_.user_data_writes, 4);
+  EXPECT_EQ(host_.written.entry(291), 0);
   EXPECT_EQ(wire(), "@3a29*@fa01*@5f01*@fa00*@fa01*@5f03*@fa00*@fa01*@5f00*@fa00*@fa01*@5f00*@fa00*");
 }
 

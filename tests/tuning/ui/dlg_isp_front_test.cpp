@@ -72,12 +72,14 @@ TEST_F(FrontPage, ControlsStoreAndSend) {
   load();
   user_.choose("Video Mode", 15);
   user_.choose("RGB Order", 1);
+  EXPECT_EQ(host_.doc.user_data.entry(456), 0) << "only sent";
   user_.click("RGB Order S");
+  user_.choose("TDN Mode", 0);
   user_.type("Delay", 5);
   user_.click("Delay S");
   user_.type("IR On/Off", 0x106);
   user_.click("IR On/Off S");
-  EXPECT_EQ(wire(), "@6e0f*@6f01*@6f01*@7105*@7406*") << "of a number the low byte";
+  EXPECT_EQ(wire(), "@6e0f*@6f01*@6f01*@7001*@7105*@7406*") << "of a number the low byte";
   user_.click("LED Dimmer S");
   EXPECT_EQ(user_.number("LED Dimmer"), 88);
   user_.click("Polarity -");
@@ -88,19 +90,21 @@ TEST_F(FrontPage, ControlsStoreAndSend) {
   }
   user_.choose("WDR State", 1);
   EXPECT_EQ(wire(), "@8d58*@aa00*@7812*@7834*@7912*@7934*@7a12*@7a34*@7b12*@7b34*@8901*");
+  UserDataImage stored;
+  for (const auto& [entry, value] : std::map<std::size_t, int>{
+           {454, 15}, {456, 1}, {457, 5}, {458, 5}, {462, 1}, {464, 6}, {549, 1}, {582, 88}})
+    stored.set_entry(entry, value);
+  for (const std::size_t clamp : {465, 467, 469, 471}) stored.set_word(clamp, 0x1234);
+  EXPECT_EQ(host_.doc.user_data, stored);
+  EXPECT_EQ(host_.user_data_writes, 0);
 }
 
 TEST_F(FrontPage, TooltipsTellRangeAndRegister) {
   const std::map<const char*, const char*> tooltips{
       {"Video Mode", "register 0x6E"},
-      {"RGB Order", "register 0x6F"},
-      {"TDN Mode", "register 0x70"},
       {"Delay", "0..255, register 0x71"},
-      {"IR On/Off", "0..255, register 0x74"},
       {"LED Dimmer S", "0..88, register 0x8D"},
       {"Polarity -", "0, register 0xAA"},
-      {"GB(0~4095)", "0..4095, register 0x7A"},
-      {"DPC", "register 0x8B"},
       {"Color Suppress", "0 or 128, register 0xAB"},
       {"Load Isp", "Read the settings from the chip, register 0xBE"}};
   for (const auto& [name, tooltip] : tooltips)
@@ -115,11 +119,13 @@ TEST_F(FrontPage, TogglesSendWhatClicksSend) {
   EXPECT_EQ(wire(), "@8201*@8300*@8400*@8501*@8600*@8701*@8800*@8b00*@a000*@a100*");
   for (const char* flag : kFlags) user_.toggle(flag);
   EXPECT_EQ(wire(), "@8200*@8301*@8401*@8500*@8601*@8700*@8801*@8b01*@a001*@a101*");
+  EXPECT_EQ(host_.doc.user_data, UserDataImage()) << "they are sent alone";
   user_.click("Color Suppress");
-  EXPECT_EQ(host_.user_data_writes, 1);
+  EXPECT_EQ(host_.written.entry(552), 0);
   EXPECT_EQ(wire(), "@ab00*");
   user_.toggle("Color Suppress");
   EXPECT_EQ(host_.user_data_writes, 2);
+  EXPECT_EQ(host_.written.entry(552), 128);
   EXPECT_EQ(wire(), "@ab80*");
   answer("@9405*@9423*", "a5");
   user_.type("Bit editor address", "523");
