@@ -96,6 +96,10 @@ std::string elided(std::string_view text, std::size_t most) {
   return std::string(text.substr(0, head)) + "..." + std::string(text.substr(tail));
 }
 
+std::string counted(std::size_t number, const std::string& one) {
+  return std::to_string(number) + " " + one + (number == 1 ? "" : "s");
+}
+
 std::string fixed(double value, int digits) {
   char text[400];
   return {text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, digits).ptr};

@@ -20,6 +20,9 @@ std::string latin1_to_utf8(std::string_view characters);
 /// from files, whose words and names may be of any length.
 std::string elided(std::string_view text, std::size_t most);
 
+/// "1 value", "2 values".
+std::string counted(std::size_t number, const std::string& one);
+
 /// A number with that many digits behind the point, which is a point in every locale.
 std::string fixed(double value, int digits);
 

@@ -28,12 +28,6 @@ void declare_kind(CLI::App& command, AccessOptions& options) {
   command.add_flag("--sensor", options.sensor, "Registers of the sensor, 2 bytes each")->excludes(wide);
 }
 
-Batch read_request(Access access, int address) {
-  if (access == Access::isp_word) return isp_wide_read_request(address);
-  if (access == Access::sensor) return sensor_read_request(address);
-  return isp_read_request(address);
-}
-
 Batch write_batch(Access access, int address, int value) {
   if (access == Access::isp_word) return isp_wide_write(address, value);
   if (access == Access::sensor) return sensor_write(address, value);

@@ -19,8 +19,8 @@ struct ReplayOptions {
   bool dry_run = false;
 };
 
-/// What the port waits before each flush.
-constexpr milliseconds kPacing{50};
+/// A wait is looked at this often for an interrupt.
+constexpr milliseconds kLook{50};
 
 struct ReplaySum {
   std::size_t flushes = 0;
@@ -35,7 +35,7 @@ ReplaySum sum_of(const ReplayScript& script) {
     if (step.flush.empty()) continue;
     ++sum.flushes;
     sum.writes += step.flush.size();
-    sum.time += kPacing;
+    sum.time += kNormalPacing;
   }
   return sum;
 }
@@ -75,7 +75,7 @@ ExitCode show(Context& context, const ReplayOptions& options, const ReplayScript
 Task<> wait(Chip& chip, milliseconds time, const bool& ended) {
   const milliseconds end = chip.link().scheduler().now() + time;
   while (!ended && chip.link().scheduler().now() < end)
-    co_await Delay(chip.link().scheduler(), std::min(kPacing, end - chip.link().scheduler().now()));
+    co_await Delay(chip.link().scheduler(), std::min(kLook, end - chip.link().scheduler().now()));
 }
 
 [[noreturn]] void end_in_the_middle(const ReplayOptions& options, const ReplayStep& next) {

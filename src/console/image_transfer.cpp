@@ -232,10 +232,7 @@ Task<bool> ImageTransfer::may_send(std::string oddity) {
 }
 
 Task<> ImageTransfer::warn(std::string text) {
-  Message message;
-  message.text = std::move(text);
-  message.icon = Message::Icon::warning;
-  co_await prompts_.message(std::move(message));
+  co_await prompts_.message(warning(std::move(text)));
 }
 
 Task<TransferEnd> ImageTransfer::send_image(CommandLink::Hold& hold, RunningTransfer& transfer,

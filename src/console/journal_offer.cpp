@@ -31,14 +31,10 @@ std::size_t differing(const UserDataImage& a, const UserDataImage& b) {
   return count;
 }
 
-std::string counted(long long count, const std::string& unit) {
-  return std::to_string(count) + " " + unit + (count == 1 ? "" : "s");
-}
-
 std::string what_was_kept(const JournalEntry& entry, const JournalAge& age) {
   std::string text = "\n\nKept " + duration_text(age.age) + " ago" +
                      (age.when.empty() ? "" : " (" + age.when + ")") + ": " +
-                     counted(static_cast<long long>(age.differing), "value") +
+                     counted(age.differing, "value") +
                      (age.has_file ? " that the setting file has otherwise." : " other than 0.");
   if (!entry.font.empty()) text += "\nThe font that was edited is kept as well.";
   if (!entry.typed.empty()) text += "\nBeing typed: " + elided(entry.typed, kShown);
@@ -49,7 +45,8 @@ std::string what_was_kept(const JournalEntry& entry, const JournalAge& age) {
 }  // namespace
 
 std::string duration_text(std::chrono::seconds time) {
-  const auto minutes = std::chrono::duration_cast<std::chrono::minutes>(time).count();
+  const auto minutes =
+      static_cast<std::size_t>(std::chrono::duration_cast<std::chrono::minutes>(time).count());
   if (minutes < 1) return "less than a minute";
   if (minutes < 60) return counted(minutes, "minute");
   if (minutes < 48 * 60) return counted(minutes / 60, "hour");

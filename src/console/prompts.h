@@ -35,6 +35,14 @@ struct Question {
   std::string detail = {};
 };
 
+/// A message that something is wrong.
+inline Message warning(std::string text) {
+  Message message;
+  message.text = std::move(text);
+  message.icon = Message::Icon::warning;
+  return message;
+}
+
 /// A question before something that cannot be taken back: Enter answers No.
 inline Question careful_question(std::string text, std::string title = "QV5123") {
   Question question;

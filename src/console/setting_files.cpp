@@ -16,13 +16,6 @@ constexpr const char* kWritten = "Setting file written: ";
 /// The user who waits for a disk that stands still is asked again after this time.
 constexpr std::chrono::seconds kAskAgain{10};
 
-Message warning(std::string text) {
-  Message message;
-  message.text = std::move(text);
-  message.icon = Message::Icon::warning;
-  return message;
-}
-
 }  // namespace
 
 SettingFiles::SettingFiles(CQV5123Doc& document, Prompts& prompts, Background& background,

@@ -7,7 +7,6 @@
 namespace qv5123 {
 namespace {
 
-constexpr std::chrono::milliseconds kNormalPacing{50};
 constexpr std::chrono::milliseconds kBulkPacing{1};
 
 }  // namespace

@@ -13,9 +13,12 @@
 
 namespace qv5123 {
 
+/// What the port waits before a write of commands.
+inline constexpr std::chrono::milliseconds kNormalPacing{50};
+
 /// The delay that the port pays before each write.
 enum class Pacing {
-  normal,  ///< 50 ms: the program's only pacing between command batches
+  normal,  ///< kNormalPacing: the program's only pacing between command batches
   bulk,    ///< 1 ms: the data phase of a firmware download
 };
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/delay.h"
+#include "base/text.h"
 #include "console/page_host.h"
 #include "link/indirect_access.h"
 #include "registers/register_file.h"
@@ -31,28 +32,17 @@ std::string lost_text(std::size_t lost) {
 constexpr const char* kNoAnswer = ": no answer";
 constexpr const char* kDamaged = ": the answer was damaged on the line";
 
-std::string counted(std::size_t registers) {
-  return std::to_string(registers) + (registers == 1 ? " register" : " registers");
-}
-
 std::string written_text(std::size_t written) {
   return std::string(written == 1 ? " was" : " were") + " written since " +
          (written == 1 ? "it was" : "they were") + " read";
 }
 
 std::string saved_text(const std::filesystem::path& path, const SavedRegisters& registers) {
-  std::string text = path_text(path.filename()) + ": " + counted(registers.saved) + " saved";
+  std::string text = path_text(path.filename()) + ": " + counted(registers.saved, "register") + " saved";
   if (registers.unread > 0) text += ", " + std::to_string(registers.unread) + " never read and left out";
   if (registers.written > 0)
     text += ", " + std::to_string(registers.written) + written_text(registers.written);
   return text;
-}
-
-Message warning(const std::string& text) {
-  Message message;
-  message.text = text;
-  message.icon = Message::Icon::warning;
-  return message;
 }
 
 }  // namespace
@@ -290,7 +280,7 @@ Task<> RegisterDesk::load_file_flow() {
   if (lost > 0 || forgotten) {
     host_.show_failure(lost_text(lost));
   } else if (file.skipped == 0) {
-    host_.show_status(path_text(path->filename()) + ": " + counted(sheet_.known()) + " sent");
+    host_.show_status(path_text(path->filename()) + ": " + counted(sheet_.known(), "register") + " sent");
   }
   if (sheet_.category() >= 0) choose_category(sheet_.category());
   loader_.enable_load_file(true);

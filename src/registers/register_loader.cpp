@@ -16,16 +16,12 @@ std::string percent(const char* what, std::size_t part, std::size_t whole) {
   return std::string(what) + "(" + std::to_string(part * 100 / whole) + "%)";
 }
 
-std::string counted(std::size_t registers) {
-  return std::to_string(registers) + (registers == 1 ? " register" : " registers");
-}
-
 std::string read_text(const char* button, std::size_t registers) {
-  return std::string(button) + ": " + counted(registers) + " read";
+  return std::string(button) + ": " + counted(registers, "register") + " read";
 }
 
 std::string stopped_text(const char* button, std::size_t registers) {
-  return std::string(button) + ": stopped after " + counted(registers);
+  return std::string(button) + ": stopped after " + counted(registers, "register");
 }
 
 }  // namespace

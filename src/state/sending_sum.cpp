@@ -3,14 +3,13 @@
 #include <chrono>
 
 #include "base/text.h"
+#include "link/sender.h"
 
 namespace qv5123 {
 namespace {
 
 using Seconds = std::chrono::duration<double>;
 
-/// What the port waits before each flush.
-constexpr std::chrono::milliseconds kPacing{50};
 /// What a write's frame of six characters takes at the usual 19200 baud.
 constexpr std::chrono::microseconds kFrame{3125};
 
@@ -22,12 +21,9 @@ void SendingSum::add(const Traffic& traffic) {
 }
 
 std::string sending_text(const SendingSum& sum) {
-  const Seconds time = kPacing * static_cast<double>(sum.flushes) + kFrame * static_cast<double>(sum.writes);
+  const Seconds time =
+      kNormalPacing * static_cast<double>(sum.flushes) + kFrame * static_cast<double>(sum.writes);
   return counted(sum.writes, "register write") + ", in some " + fixed(time.count(), 1) + " s";
-}
-
-std::string counted(std::size_t number, const std::string& one) {
-  return std::to_string(number) + " " + one + (number == 1 ? "" : "s");
 }
 
 }  // namespace qv5123

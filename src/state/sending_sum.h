@@ -18,7 +18,4 @@ struct SendingSum {
 /// "12 register writes, in some 0.1 s".
 std::string sending_text(const SendingSum& sum);
 
-/// "1 value", "2 values".
-std::string counted(std::size_t number, const std::string& one);
-
 }  // namespace qv5123

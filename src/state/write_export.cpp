@@ -6,6 +6,7 @@
 
 #include "base/hex.h"
 #include "base/text.h"
+#include "link/sender.h"
 #include "state/csv_field.h"
 #include "state/replay_script.h"
 
@@ -13,9 +14,6 @@ namespace qv5123 {
 namespace {
 
 using std::chrono::milliseconds;
-
-/// What the port waits before each flush.
-constexpr milliseconds kPacing{50};
 
 std::string joined(const std::vector<std::string>& parts, const char* between) {
   std::string text;
@@ -85,7 +83,7 @@ std::string remark(const WriteRecord& record) {
 
 /// How long nothing was sent before the record.
 milliseconds pause_before(const WriteRecord& record, const WriteRecord& last) {
-  const auto sending = kPacing * static_cast<int>(record.flushes_left);
+  const auto sending = kNormalPacing * static_cast<int>(record.flushes_left);
   return std::clamp<milliseconds>(record.time - last.time - sending, milliseconds(0), kLongestReplayPause);
 }
 

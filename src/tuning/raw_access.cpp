@@ -118,6 +118,11 @@ std::string sensor_write_text(int address, int value) {
   return "\r\nSensor Write :\r\n" + register_name + ", " + decimal + " (" + register_name + ", " + hex + ")";
 }
 
+Batch read_request(Access access, int address) {
+  if (access == Access::isp_byte) return isp_read_request(address);
+  return access == Access::isp_word ? isp_wide_read_request(address) : sensor_read_request(address);
+}
+
 std::string access_name(Access access, int address) {
   return shown(access, address);
 }

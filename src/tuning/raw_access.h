@@ -46,6 +46,7 @@ std::string bit_editor_text(std::uint8_t byte);
 std::string sensor_write_text(int address, int value);
 
 enum class Access { isp_byte, isp_word, sensor };
+Batch read_request(Access access, int address);
 /// "0xF922" as the page's texts call a register; ISP addresses with the F that their captions have.
 std::string access_name(Access access, int address);
 /// The line "0xF922 = 0x12" for the answer to a read. Empty when the reply is too short for a value or

@@ -15,11 +15,6 @@ int address_of(Access access, std::string_view text) {
   return access == Access::isp_byte ? address_of_field(text) : word_of_field(text);
 }
 
-Batch read_request(Access access, int address) {
-  if (access == Access::isp_byte) return isp_read_request(address);
-  return access == Access::isp_word ? isp_wide_read_request(address) : sensor_read_request(address);
-}
-
 }  // namespace
 
 void RawAccessDesk::write(Access access, std::string_view address, std::string_view data) {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/text.h"
 #include "link/reply_text.h"
 
 namespace qv5123 {
@@ -34,13 +35,9 @@ Verification without_answer(Verification::End end, const std::vector<WriteNote::
   return found;
 }
 
-std::string counted(std::size_t values) {
-  return std::to_string(values) + (values == 1 ? " value" : " values");
-}
-
 std::string verified_text(const Verification& verification) {
   std::string text =
-      "Verified: " + std::to_string(verification.reported) + " of " + counted(verification.reported);
+      "Verified: " + std::to_string(verification.reported) + " of " + counted(verification.reported, "value");
   const std::size_t silent = verification.sent - verification.reported;
   if (silent > 0) text += ", " + std::to_string(silent) + " more not reported by the chip";
   return text;
@@ -87,7 +84,7 @@ std::string verification_text(const Verification& verification, const std::vecto
   if (verification.end == Verification::End::no_answer) return "Not verified: no answer from the chip";
   if (verification.end == Verification::End::unclear)
     return "Not verified: the chip's answers were damaged on the line";
-  std::string text = std::to_string(all.size()) + " of " + counted(verification.reported) +
+  std::string text = std::to_string(all.size()) + " of " + counted(verification.reported, "value") +
                      (all.size() == 1 ? " differs: " : " differ: ");
   for (std::size_t i = 0; i < all.size() && i < kNamed; ++i) text += (i > 0 ? ", " : "") + all[i];
   if (all.size() > kNamed) text += " and " + std::to_string(all.size() - kNamed) + " more";

@@ -13,15 +13,13 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSpinBox>
-#include <QTimer>
 #include <QToolButton>
 #include <algorithm>
-#include <functional>
-#include <memory>
 #include <utility>
 
 #include "app/ui/console_view.h"
 #include "app/ui/page_keys.h"
+#include "base/hex.h"
 #include "base/ui/list_choice.h"
 #include "base/ui/number_edit.h"
 #include "base/ui/page_marks.h"
@@ -37,6 +35,11 @@ QBoxLayout* box_layout(QGroupBox* box, QBoxLayout::Direction direction) {
   layout->setContentsMargins(8, 4, 8, 6);
   layout->setSpacing(6);
   return layout;
+}
+
+/// As tooltips call the register that a command writes.
+QString register_of(const Batch& command) {
+  return "register 0x" + QString::fromStdString(upper_hex(command.front().address));
 }
 
 /// Two digits, as the version is written; more where the entries hold no digits.
@@ -125,7 +128,8 @@ void ControlColumn::add_factory_buttons(QBoxLayout& column) {
                           "The chip returns to its factory settings at once (ISP register 0x922 = 0xCC)",
                           &ControlColumn::factory_reset));
   column.addWidget(button("Current ISP Setting copy to Factory",
-                          "The chip's current user data becomes its factory data (register 0xBF)",
+                          "The chip's current user data becomes its factory data (" +
+                              register_of(qv5123::copy_to_factory()) + ")",
                           &ControlColumn::copy_to_factory));
 }
 
@@ -163,8 +167,8 @@ void ControlColumn::add_osd_pattern(QBoxLayout& column) {
   osd_pattern_ = new QComboBox(this);
   for (const char* name : kOsdPatterns) osd_pattern_->addItem(name);
   osd_pattern_->setAccessibleName("OSD Pattern Choice");
-  osd_pattern_->setToolTip(
-      "The pattern that the chip shows (register 0xC9); also written to the setting file");
+  osd_pattern_->setToolTip("The pattern that the chip shows (" + register_of(osd_pattern(0)) +
+                           "); also written to the setting file");
   label->setBuddy(osd_pattern_);
   on_choice(osd_pattern_, [this](int selection) { emit osd_pattern_chosen(selection); });
   row->addWidget(label);
@@ -241,10 +245,12 @@ void ControlColumn::add_console(QBoxLayout& column) {
   column.addWidget(console_, 1);
   auto* row = new QHBoxLayout;
   row->addWidget(button("Clear", "Empty the console", &ControlColumn::clear_console));
-  row->addWidget(
-      button("AE Info", "Let the chip print its exposure values (register 0xA2)", &ControlColumn::ae_info));
-  row->addWidget(button("AWB Info", "Let the chip print its white balance values (register 0xA5)",
-                        &ControlColumn::awb_info));
+  row->addWidget(button("AE Info",
+                        "Let the chip print its exposure values (" + register_of(qv5123::ae_info()) + ")",
+                        &ControlColumn::ae_info));
+  row->addWidget(button(
+      "AWB Info", "Let the chip print its white balance values (" + register_of(qv5123::awb_info()) + ")",
+      &ControlColumn::awb_info));
   column.addLayout(row);
 }
 

@@ -27,13 +27,6 @@ FileChoice binary_choice(const char* title, const char* kind) {
   return {"Binary File(*.bin)|*.bin", "bin", ".bin", title, kind};
 }
 
-Message warning(std::string text) {
-  Message message;
-  message.text = std::move(text);
-  message.icon = Message::Icon::warning;
-  return message;
-}
-
 /// The path as it was meant: file managers and shells put quotes around the ones that they copy.
 QString meant_path(const QString& text) {
   QString path = text.trimmed();

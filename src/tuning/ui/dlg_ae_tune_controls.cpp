@@ -56,9 +56,11 @@ CDlgAeTune::CDlgAeTune(PageHost& host)
   below->addWidget(make_smart_ir_group());
   below->addWidget(make_file_group());
   QWidget* more_area = make_more_area();
-  page->addWidget(
-      mark_unfolds(keep_choice(make_check("More", {}, "Show the AE value of register 0x3C and the messages",
-                                          [more_area](bool checked) { more_area->setVisible(checked); }))));
+  page->addWidget(mark_unfolds(keep_choice(
+      make_check("More", {},
+                 "Show the AE value of " + register_text(desk_.info(desk_.values().further_ae).address) +
+                     " and the messages",
+                 [more_area](bool checked) { more_area->setVisible(checked); }))));
   page->addWidget(more_area);
   page->addStretch(1);
   desk_.attach(*this);

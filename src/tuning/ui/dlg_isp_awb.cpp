@@ -6,15 +6,6 @@
 #include <QVBoxLayout>
 
 namespace qv5123 {
-namespace {
-
-QLabel* centred(const QString& text) {
-  auto* label = new QLabel(text);
-  label->setAlignment(Qt::AlignCenter);
-  return label;
-}
-
-}  // namespace
 
 CDlgIspAwb::CDlgIspAwb(PageHost& host, std::shared_ptr<MeasuringBoard> board)
     : TuningDialog(host, desk_),

@@ -24,12 +24,6 @@ QDoubleSpinBox* make_exponent(const QString& name, double value, std::function<v
   return box;
 }
 
-QLabel* centred(const QString& text) {
-  auto* label = new QLabel(text);
-  label->setAlignment(Qt::AlignCenter);
-  return label;
-}
-
 QHBoxLayout* flat_row(QWidget* parent) {
   auto* row = new QHBoxLayout(parent);
   row->setContentsMargins(0, 0, 0, 0);

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/hex.h"
 #include "base/ui/page_marks.h"
 
 namespace qv5123 {
@@ -51,11 +52,6 @@ QSpinBox* make_number(int minimum, int maximum, const QString& name, const QStri
   return box;
 }
 
-int typed_value(QSpinBox* box) {
-  box->interpretText();
-  return box->value();
-}
-
 QCheckBox* make_check(const QString& caption, const QString& name, const QString& tooltip,
                       std::function<void(bool)> toggled) {
   auto* box = named(new QCheckBox(caption), name.isEmpty() ? caption : name, tooltip);
@@ -81,11 +77,16 @@ QComboBox* make_combo(const QStringList& items, const QString& name, const QStri
 }
 
 QString register_text(int address) {
-  return QString("register 0x%1").arg(QString::number(address, 16).toUpper().rightJustified(2, '0'));
+  return "register 0x" +
+         QString::fromStdString(upper_hex(static_cast<unsigned>(address), address > 0xFFF  ? 4
+                                                                          : address > 0xFF ? 3
+                                                                                           : 2));
 }
 
-QString range_text(int minimum, int maximum, std::uint8_t address) {
-  return QString("%1..%2, %3").arg(minimum).arg(maximum).arg(register_text(address));
+QLabel* centred(const QString& text) {
+  auto* label = new QLabel(text);
+  label->setAlignment(Qt::AlignCenter);
+  return label;
 }
 
 void keep_wheel_from(QWidget* widget) {

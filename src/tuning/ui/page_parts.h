@@ -13,7 +13,6 @@
 #include <QSpinBox>
 #include <QString>
 
-#include <cstdint>
 #include <functional>
 
 #include "base/ui/number_edit.h"
@@ -42,9 +41,6 @@ QPushButton* make_set_button(const QString& caption, const QString& value, const
 /// A NumberEdit for `minimum`..`maximum`.
 QSpinBox* make_number(int minimum, int maximum, const QString& name, const QString& tooltip);
 
-/// What stands in the edit, typed text that was not confirmed included.
-int typed_value(QSpinBox* box);
-
 /// A check box that tells when it was switched, by whatever means, but for show_checked().
 QCheckBox* make_check(const QString& caption, const QString& name, const QString& tooltip,
                       std::function<void(bool checked)> toggled);
@@ -69,8 +65,8 @@ QStringList items_of(const Captions& captions) {
 
 /// "register 0x3A", as tooltips call it.
 QString register_text(int address);
-/// "<minimum>..<maximum>, register 0x3A".
-QString range_text(int minimum, int maximum, std::uint8_t address);
+/// A heading above what it names.
+QLabel* centred(const QString& text);
 
 /// Lets `widget` take the mouse wheel only while it has the focus, so that rolling the page changes nothing
 /// on the chip.
