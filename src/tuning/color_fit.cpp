@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <utility>
 
 #include "tuning/linear_solve.h"
@@ -58,18 +57,16 @@ std::vector<Target> targets_of(const ExposedPatches& patches, const ColorFitOpti
   return targets;
 }
 
-/// What holds the fit back from following single patches: the square of each coefficient's way from plain
-/// least squares costs so much.
-struct Pull {
-  Codes towards{};
-  double strength = 0;
-};
+/// What the square of a coefficient's way from plain least squares costs. It holds the fit back from
+/// following single patches, dark ones above all, whose counts are few: with it patches left out come closer
+/// as well.
+constexpr double kPull = 8;
 
 /// What is minimised.
 class Cost {
  public:
-  Cost(std::vector<Target> to_hit, const ColorFitOptions& options, const Pull& held_by)
-      : noise_limit(options.noise_limit / 100.0), targets(std::move(to_hit)), pull(held_by) {}
+  Cost(std::vector<Target> to_hit, const ColorFitOptions& options, const Codes& held_to)
+      : noise_limit(options.noise_limit / 100.0), targets(std::move(to_hit)), plain(held_to) {}
 
   double operator()(const Codes& codes) const {
     const Coefficients matrix = matrix_of(codes);
@@ -78,15 +75,15 @@ class Cost {
       cost += target.weight * ciede2000(target.look, lab_of(through_matrix(matrix, target.measured)));
     for (const auto& row : matrix) cost += kTooNoisy * std::max(0.0, noise_gain(row) - noise_limit);
     for (std::size_t i = 0; i < kUnknowns; ++i) {
-      const double away = static_cast<double>(codes[i] - pull.towards[i]) / kOne;
-      cost += kLaziness * std::abs(codes[i]) + pull.strength * away * away;
+      const double away = static_cast<double>(codes[i] - plain[i]) / kOne;
+      cost += kLaziness * std::abs(codes[i]) + kPull * away * away;
     }
     return cost;
   }
 
   const double noise_limit;
   const std::vector<Target> targets;
-  const Pull pull;
+  const Codes plain;  ///< least squares
 };
 
 /// Off-diagonal coefficients where codes would be too coarse to differentiate.
@@ -145,8 +142,8 @@ Point newton_step(const Cost& cost, const Point& point) {
     squares.add(lazy, 0);
     // The reweighted squares stand for twice the differences.
     std::array<double, kUnknowns> held{};
-    held[i] = std::sqrt(2 * cost.pull.strength);
-    squares.add(held, held[i] * (static_cast<double>(cost.pull.towards[i]) / kOne - point[i]));
+    held[i] = std::sqrt(2 * kPull);
+    squares.add(held, held[i] * (static_cast<double>(cost.plain[i]) / kOne - point[i]));
   }
   for (std::size_t r = 0; r < kMatrixRows; ++r) {
     const Gain gain = gain_of(point[2 * r], point[2 * r + 1]);
@@ -184,15 +181,14 @@ Codes quieted(Codes codes, double limit) {
   return codes;
 }
 
-constexpr int kSteps = 12;
-
 /// The best codes on the way from `start`.
-Codes approach(const Cost& cost, const Codes& start, int steps = kSteps) {
+Codes approach(const Cost& cost, const Codes& start) {
+  constexpr int kSteps = 12;
   Codes best = quieted(start, cost.noise_limit);
   double least = cost(best);
   Point point{};
   for (std::size_t i = 0; i < kUnknowns; ++i) point[i] = static_cast<double>(start[i]) / kOne;
-  for (int step = 0; step < steps; ++step) {
+  for (int step = 0; step < kSteps; ++step) {
     const Point by = newton_step(cost, point);
     for (std::size_t i = 0; i < kUnknowns; ++i)
       point[i] += std::isfinite(by[i]) ? std::clamp(by[i], -0.3, 0.3) : 0;
@@ -270,31 +266,29 @@ Codes least_squares_start(const std::vector<Target>& targets, double dark) {
   return codes;
 }
 
+/// What "Calculate" does: each row by itself, then scaled to sum to 1.
+Codes scaled_least_squares(const std::vector<Target>& targets) {
+  constexpr double kLeastSum = 0.1;
+  Codes codes{};
+  for (std::size_t r = 0; r < kMatrixRows; ++r) {
+    LeastSquares<3> squares;
+    for (const Target& target : targets) squares.add(target.measured, target.reference[r]);
+    const auto result = squares.solve();
+    const auto& raw = result.solution;
+    const double sum = raw[0] + raw[1] + raw[2];
+    // A row that sums to nothing cannot be scaled.
+    if (!result.determined || !(sum > kLeastSum)) continue;
+    const auto [first, second] = others(r);
+    codes[2 * r] = code_of(raw[first] / sum);
+    codes[2 * r + 1] = code_of(raw[second] / sum);
+  }
+  return codes;
+}
+
 Codes halfway(Codes codes) {
   for (int& code : codes) code /= 2;
   return codes;
 }
-
-/// By how much each patch is missed by the fit to all others, on an average: what the patches themselves
-/// cannot flatter. `start` is the fit to all of them.
-double left_out_mean(const Cost& whole, const ColorFitOptions& options, const Codes& start) {
-  constexpr int kFewSteps = 5;
-  double sum = 0, weights = 0;
-  for (std::size_t out = 0; out < whole.targets.size(); ++out) {
-    const Target& target = whole.targets[out];
-    std::vector<Target> others = whole.targets;
-    others.erase(others.begin() + static_cast<std::ptrdiff_t>(out));
-    const Pull pull{least_squares_start(others, 0), whole.pull.strength};
-    const Coefficients matrix = matrix_of(approach(Cost(std::move(others), options, pull), start, kFewSteps));
-    sum += target.weight * ciede2000(target.look, lab_of(through_matrix(matrix, target.measured)));
-    weights += target.weight;
-  }
-  return sum / weights;
-}
-
-/// The pulls that are tried, and what a stronger one must gain on patches left out.
-constexpr std::array<double, 3> kPulls{0, 4, 40};
-constexpr double kWorthIt = 0.995;
 
 }  // namespace
 
@@ -306,24 +300,13 @@ Coefficients fit_color_difference(const ExposedPatches& patches, const ColorFitO
   const std::vector<Target> targets = targets_of(patches, options);
   const Codes plain = least_squares_start(targets, 0);
   const Codes dark = least_squares_start(targets, 0.6);
-  double best_left_out = std::numeric_limits<double>::infinity();
-  Codes best{};
-  double best_pull = 0;
+  const Cost cost(targets, options, scaled_least_squares(targets));
   Codes found{};
-  for (const double strength : kPulls) {
-    const Cost cost(targets, options, {plain, strength});
-    for (const Codes& start : {Codes{}, plain, halfway(plain), dark, found}) {
-      const Codes end = approach(cost, start);
-      if (cost(end) < cost(found)) found = end;
-    }
-    const double left_out = left_out_mean(cost, options, found);
-    if (!(left_out < kWorthIt * best_left_out)) continue;
-    best_left_out = left_out;
-    best = found;
-    best_pull = strength;
+  for (const Codes& start : {Codes{}, plain, halfway(plain), dark}) {
+    const Codes end = approach(cost, start);
+    if (cost(end) < cost(found)) found = end;
   }
-  const Cost cost(targets, options, {plain, best_pull});
-  Descent descent(cost, best);
+  Descent descent(cost, found);
   descent.run();
   return matrix_of(descent.best());
 }
