@@ -151,8 +151,7 @@ std::string journal(const SignOff& report) {
 
 std::string signature(const SignOff& report) {
   return heading("Notes") + "<p>" + (report.notes.empty() ? "&nbsp;" : escaped(report.notes)) +
-         "</p>\n<p><br><br>Date: ______________________ &nbsp;&nbsp; Signature: "
-         "______________________________________</p>\n";
+         "</p>\n<p><br><br>Date: ____________________ &nbsp; Signature: ______________________________</p>\n";
 }
 
 }  // namespace

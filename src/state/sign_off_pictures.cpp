@@ -85,7 +85,7 @@ Drawing lens_drawing(const SignOff& report) {
 }
 
 Drawing field_drawing(const LensField& field) {
-  constexpr double kWide = 52, kHigh = 30;
+  constexpr double kWide = 66, kHigh = 26;
   Drawing drawing;
   drawing.title = "The whole picture at 9 x 5 places: red, green and blue, percent of the brightest";
   drawing.width = kFieldColumns * kWide + 2;
@@ -100,7 +100,7 @@ Drawing field_drawing(const LensField& field) {
     const auto grey = static_cast<std::uint32_t>(std::clamp(255 - 3 * (100 - percent), 90, 255));
     drawing.box(x, y, kWide, kHigh, kGrey, grey << 16 | grey << 8 | grey);
     for (std::size_t c = 0; c < 3; ++c)
-      drawing.label(x + 1 + 17 * static_cast<double>(c), y + 19,
+      drawing.label(x + 2 + 22 * static_cast<double>(c), y + 17,
                     std::to_string(100 * field[i][c] / highest[c]), kColors[c]);
   }
   return drawing;

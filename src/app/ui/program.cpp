@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QPointer>
+#include <array>
 #include <exception>
 #include <utility>
 
@@ -304,7 +305,17 @@ Task<> Program::make_tour() {
   const std::vector<std::string> faults = co_await tour.run(
       [this, &ports] { return make_port_dialog(std::move(ports), view_->port()->settings(), {}); });
   for (const std::string& fault : faults) parts_.report(fault);
+  if (parts_.aim_camera) co_await leave_report(*options_.tour);
   co_await end(faults.empty() ? 0 : 1);
+}
+
+Task<> Program::leave_report(std::filesystem::path folder) {
+  constexpr std::array kNames{"sign-off.html", "sign-off.pdf", "sign-off.json"};
+  for (const char* name : kNames) {
+    ReportAnswers nothing;
+    const std::string trouble = co_await report_->write(folder / name, std::move(nothing));
+    if (!trouble.empty()) parts_.report(trouble);
+  }
 }
 
 HelpWindow& Program::help() {

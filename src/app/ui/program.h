@@ -83,6 +83,8 @@ class Program {
   void keep_history();
   Task<> look_at_adapter();
   Task<> make_tour();
+  /// The sign-off report of what the tour has measured.
+  Task<> leave_report(std::filesystem::path folder);
   HelpWindow& help();
   void show_help();
   void show_help_of(const QString& topic);

@@ -113,7 +113,18 @@ Task<> ReportTool::save(ReportAnswers answers) {
                     "sign-off.html"};
   const auto out = co_await surroundings_.prompts.choose_save(std::move(choice));
   if (!out) co_return;
+<<<<<<< HEAD
   ReportWork work{known(), *out, {}, to_path(answers.limits), surroundings_.history.journal()};
+=======
+  std::filesystem::path path = *out;
+  const std::string trouble = co_await write(std::move(path), std::move(answers));
+  surroundings_.view.say(trouble.empty() ? StatusRank::outcome : StatusRank::failure, kAboutReport,
+                         trouble.empty() ? "Report written: " + path_text(*out) : trouble);
+}
+
+Task<std::string> ReportTool::write(std::filesystem::path out, ReportAnswers answers) {
+  ReportWork work{known(), std::move(out), {}, to_path(answers.limits), surroundings_.history.journal()};
+>>>>>>> 5cfe558 (Report: the tour leaves one of what it has measured, and one of the simulated chip is in the docs)
   if (!answers.serial_number.isEmpty()) work.report.serial_number = from_qt(answers.serial_number);
   work.report.notes = from_qt(answers.notes);
   const auto add = [&work](const char* role, const std::filesystem::path& path) {
@@ -122,10 +133,8 @@ Task<> ReportTool::save(ReportAnswers answers) {
   add("Setting file", surroundings_.view.document().setting_file);
   add("Firmware", to_path(answers.firmware));
   add("Font", to_path(answers.font));
-  std::function<std::string()> write = std::move(work);
-  const std::string trouble = co_await surroundings_.files.run<std::string>(std::move(write));
-  surroundings_.view.say(trouble.empty() ? StatusRank::outcome : StatusRank::failure, kAboutReport,
-                         trouble.empty() ? "Report written: " + path_text(*out) : trouble);
+  std::function<std::string()> writing = std::move(work);
+  co_return co_await surroundings_.files.run<std::string>(std::move(writing));
 }
 
 }  // namespace qv5123

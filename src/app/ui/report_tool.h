@@ -42,6 +42,9 @@ class ReportTool {
   /// What the program knows, without files, limits and journal.
   SignOff known() const;
   void open();
+  /// Writes the report, as PDF or JSON where the name ends so. What went wrong, in words; empty when nothing
+  /// did.
+  Task<std::string> write(std::filesystem::path out, ReportAnswers answers);
 
  private:
   Task<> choose_file(QPointer<QLineEdit> edit);

@@ -51,6 +51,9 @@ Task<> TourPages::fill_lens() {
   lens->start_calibration(view_.prompts());
   std::function<bool()> calibrating = [lens] { return lens->calibrating(); };
   co_await while_true(std::move(calibrating));
+  lens->press_check_field();
+  std::function<bool()> checking = [lens] { return lens->checking_field(); };
+  co_await while_true(std::move(checking));
   aim_(kChart);
 }
 

@@ -6,9 +6,10 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QTextDocument>
+#include <QThread>
 #include <QUrl>
 
-#include <vector>
+#include <memory>
 
 namespace qv5123 {
 namespace {
@@ -48,9 +49,7 @@ QImage painted(const Drawing& drawing) {
   return image;
 }
 
-}  // namespace
-
-QByteArray sign_off_pdf(const SignOff& report) {
+QByteArray written_pdf(const SignOff& report) {
   QTextDocument document;
   int pictures = 0;
   const auto place = [&](const Drawing& drawing) {
@@ -71,11 +70,23 @@ QByteArray sign_off_pdf(const SignOff& report) {
   buffer.open(QIODevice::WriteOnly);
   QPdfWriter writer(&buffer);
   writer.setPageSize(QPageSize(QPageSize::A4));
-  writer.setPageMargins(QMarginsF(12, 14, 12, 14), QPageLayout::Millimeter);
+  // The document has margins of its own.
+  writer.setPageMargins({});
   writer.setResolution(kDotsPerInch);
   writer.setTitle("Sign-off report");
   document.print(&writer);
   buffer.close();
+  return bytes;
+}
+
+}  // namespace
+
+// A document has timers, which only the toolkit's own threads can have.
+QByteArray sign_off_pdf(const SignOff& report) {
+  QByteArray bytes;
+  const std::unique_ptr<QThread> thread(QThread::create([&] { bytes = written_pdf(report); }));
+  thread->start();
+  thread->wait();
   return bytes;
 }
 
