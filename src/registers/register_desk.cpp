@@ -234,7 +234,7 @@ Task<> RegisterDesk::offer_to_read_written() {
   const std::size_t written = saved_registers(sheet_.description()).written;
   if (written == 0) co_return;
   Question question;
-  question.text = counted(written) + written_text(written) +
+  question.text = counted(written, "register") + written_text(written) +
                   ". The file gets the values that were read.\nRead them again first?";
   question.buttons = Question::Buttons::yes_no;
   const Answer answer = co_await host_.prompts().ask(std::move(question));

@@ -42,7 +42,7 @@ inline constexpr std::array<ChartPatch, kPatches> kChart = {{
     {"Black(R,G,B)", {0.033171315, 0.034032973, 0.035800748}},
 }};
 
-namespace chart {
+namespace patch_chart {
 /// One member of every patch.
 template <class T>
 constexpr std::array<T, kPatches> each(T ChartPatch::*member) {
@@ -50,9 +50,9 @@ constexpr std::array<T, kPatches> each(T ChartPatch::*member) {
   for (std::size_t i = 0; i < kPatches; ++i) all[i] = kChart[i].*member;
   return all;
 }
-}  // namespace chart
-inline constexpr auto kPatchCaptions = chart::each(&ChartPatch::caption);
-inline constexpr auto kPatchReferences = chart::each(&ChartPatch::reference);
+}  // namespace patch_chart
+inline constexpr auto kPatchCaptions = patch_chart::each(&ChartPatch::caption);
+inline constexpr auto kPatchReferences = patch_chart::each(&ChartPatch::reference);
 
 /// The four neutral greys that the white balance is taken from, the first and the last of them.
 inline constexpr std::size_t kFirstGrey = 19;
