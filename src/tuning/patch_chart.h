@@ -11,11 +11,11 @@ namespace qv5123 {
 inline constexpr std::size_t kPatches = 24;
 inline constexpr int kPatchesInRow = 6;
 
-struct ChartPatch {
+struct ReferencePatch {
   const char* caption;    ///< as the page has always had it
   LinearRgb reference{};  ///< what it should look like, linear in light, white = 1
 };
-inline constexpr std::array<ChartPatch, kPatches> kChart = {{
+inline constexpr std::array<ReferencePatch, kPatches> kChart = {{
     {"Dark skin(R,G,B)", {0.189249806, 0.089737555, 0.062013575}},
     {"Light skin(R,G,B)", {0.62160255, 0.319886368, 0.238705527}},
     {"Blue sky(R,G,B)", {0.11347569, 0.214093303, 0.362295344}},
@@ -45,14 +45,14 @@ inline constexpr std::array<ChartPatch, kPatches> kChart = {{
 namespace patch_chart {
 /// One member of every patch.
 template <class T>
-constexpr std::array<T, kPatches> each(T ChartPatch::*member) {
+constexpr std::array<T, kPatches> each(T ReferencePatch::*member) {
   std::array<T, kPatches> all{};
   for (std::size_t i = 0; i < kPatches; ++i) all[i] = kChart[i].*member;
   return all;
 }
 }  // namespace patch_chart
-inline constexpr auto kPatchCaptions = patch_chart::each(&ChartPatch::caption);
-inline constexpr auto kPatchReferences = patch_chart::each(&ChartPatch::reference);
+inline constexpr auto kPatchCaptions = patch_chart::each(&ReferencePatch::caption);
+inline constexpr auto kPatchReferences = patch_chart::each(&ReferencePatch::reference);
 
 /// The four neutral greys that the white balance is taken from, the first and the last of them.
 inline constexpr std::size_t kFirstGrey = 19;

@@ -113,9 +113,6 @@ Task<> ReportTool::save(ReportAnswers answers) {
                     "sign-off.html"};
   const auto out = co_await surroundings_.prompts.choose_save(std::move(choice));
   if (!out) co_return;
-<<<<<<< HEAD
-  ReportWork work{known(), *out, {}, to_path(answers.limits), surroundings_.history.journal()};
-=======
   std::filesystem::path path = *out;
   const std::string trouble = co_await write(std::move(path), std::move(answers));
   surroundings_.view.say(trouble.empty() ? StatusRank::outcome : StatusRank::failure, kAboutReport,
@@ -124,7 +121,6 @@ Task<> ReportTool::save(ReportAnswers answers) {
 
 Task<std::string> ReportTool::write(std::filesystem::path out, ReportAnswers answers) {
   ReportWork work{known(), std::move(out), {}, to_path(answers.limits), surroundings_.history.journal()};
->>>>>>> 5cfe558 (Report: the tour leaves one of what it has measured, and one of the simulated chip is in the docs)
   if (!answers.serial_number.isEmpty()) work.report.serial_number = from_qt(answers.serial_number);
   work.report.notes = from_qt(answers.notes);
   const auto add = [&work](const char* role, const std::filesystem::path& path) {

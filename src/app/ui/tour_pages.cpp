@@ -16,7 +16,7 @@ namespace {
 constexpr std::chrono::milliseconds kLook{50};
 /// A measurement that does not come to an end is left where it is.
 constexpr int kMostLooks = 60 * 20;
-constexpr const char* kChart = "chart";
+constexpr const char* kChartScene = "chart";
 constexpr const char* kFlat = "flat";
 
 }  // namespace
@@ -54,7 +54,7 @@ Task<> TourPages::fill_lens() {
   lens->press_check_field();
   std::function<bool()> checking = [lens] { return lens->checking_field(); };
   co_await while_true(std::move(checking));
-  aim_(kChart);
+  aim_(kChartScene);
 }
 
 Task<> TourPages::measure_chart() {
@@ -65,8 +65,8 @@ Task<> TourPages::measure_chart() {
 }
 
 Task<> TourPages::measure(MatrixDesk& matrix) {
-  aim_(kChart);
-  const Scene scene = *scene_named(kChart);
+  aim_(kChartScene);
+  const Scene scene = *scene_named(kChartScene);
   for (const std::size_t patch : kCornerPatches) {
     const PicturePoint middle = patch_middle(scene, patch);
     matrix.choose_patch(patch);

@@ -18,6 +18,7 @@
 #include <utility>
 
 #include "base/atomic_file.h"
+#include "base/text.h"
 #include "base/ui/page_marks.h"
 #include "base/ui/qt_text.h"
 #include "state/all_pages_read.h"

@@ -1,8 +1,11 @@
 #include "state/ui/further_column_box.h"
 
+#include <QSignalBlocker>
+#include <QTimer>
 #include <utility>
 
 #include "base/atomic_file.h"
+#include "base/ui/list_choice.h"
 #include "base/ui/qt_text.h"
 #include "console/setting_file.h"
 #include "console/setting_files.h"
@@ -24,7 +27,7 @@ FileChoice setting_choice() {
 
 FurtherColumnBox::FurtherColumnBox(Surroundings surroundings, QWidget* parent)
     : QComboBox(parent), surroundings_(std::move(surroundings)) {
-  connect(this, &QComboBox::activated, this, &FurtherColumnBox::choose);
+  on_choice(this, [this](int index) { choose(index); });
   fill();
 }
 
@@ -38,6 +41,7 @@ void FurtherColumnBox::look_for_runs() {
 }
 
 void FurtherColumnBox::fill() {
+  const QSignalBlocker blocker(this);
   clear();
   addItem("Nothing else", Entry::nothing);
   if (title_) addItem(to_qt(*title_), Entry::shown);
@@ -62,8 +66,10 @@ void FurtherColumnBox::choose(int index) {
     const WriteJournalFiles::Run& run = runs_[static_cast<std::size_t>(what)];
     return opening_.start(open_run(run.file, "Run " + run.start));
   }
-  fill();
-  if (what == Entry::moment) surroundings_.choose_moment();
+  if (what != Entry::moment) return;
+  // Not within the list's own signal. Until something is there to be shown, what is shown stays.
+  QTimer::singleShot(0, this, [this] { fill(); });
+  surroundings_.choose_moment();
 }
 
 Task<> FurtherColumnBox::choose_file() {
