@@ -49,6 +49,7 @@ TEST(MainForm, ThePortIsLeftWithTheLastWordsAlsoWhileTheChipStores) {
   }
   EXPECT_TRUE(bench.view->board().failures().empty());
 
+  bench.wire.advance(100);  // the hold is over
   bench.wire.link.send(Traffic(40, Batch{{0x20, 1}}));
   const Flow end(leave());
   bench.wire.advance(5000);
