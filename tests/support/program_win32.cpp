@@ -1,7 +1,7 @@
 #include <windows.h>
 
 #include <chrono>
-#include <cstdlib>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -15,6 +15,10 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
+[[noreturn]] void fail(const std::string& what) {
+  throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
+}
+
 /// One end is the child's, the other is kept from it.
 struct Pipe {
   Handle read;
@@ -25,7 +29,7 @@ Pipe make_pipe(bool child_reads) {
   SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
   HANDLE read = nullptr;
   HANDLE write = nullptr;
-  if (!CreatePipe(&read, &write, &inherited, 0)) std::abort();
+  if (!CreatePipe(&read, &write, &inherited, 0)) fail("A pipe for a program");
   SetHandleInformation(child_reads ? write : read, HANDLE_FLAG_INHERIT, 0);
   return {Handle(read), Handle(write)};
 }
@@ -60,6 +64,22 @@ void read_until(HANDLE pipe, std::string& text, std::string_view wanted) {
   }
 }
 
+/// A busy machine may refuse to start one now and then.
+PROCESS_INFORMATION start_process(const fs::path& path, const std::string& line, const fs::path& folder,
+                                  STARTUPINFOW start) {
+  constexpr int kTries = 3;
+  const wchar_t* const at = folder.empty() ? nullptr : folder.c_str();
+  for (int tried = 1;; ++tried) {
+    std::wstring command = to_wide(line);
+    PROCESS_INFORMATION made{};
+    if (CreateProcessW(path.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr, at, &start, &made)) {
+      return made;
+    }
+    if (tried == kTries) fail(path.string());
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  }
+}
+
 }  // namespace
 
 struct Program::Process {
@@ -89,12 +109,7 @@ Program::Program(const std::string& name, std::vector<std::string> arguments, co
   const fs::path path = program_folder() / (name + ".exe");
   std::string line = quoted(name);
   for (const std::string& argument : arguments) line += " " + quoted(argument);
-  std::wstring command = to_wide(line);
-  PROCESS_INFORMATION made{};
-  if (!CreateProcessW(path.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                      folder.empty() ? nullptr : folder.c_str(), &start, &made)) {
-    std::abort();
-  }
+  const PROCESS_INFORMATION made = start_process(path, line, folder, start);
   CloseHandle(made.hThread);
   process_->process = Handle(made.hProcess);
   process_->in = std::move(in.write);
@@ -117,7 +132,7 @@ void Program::read_errors(std::string& text, std::string_view wanted) {
 void Program::type(std::string_view text) {
   DWORD written = 0;
   const auto size = static_cast<DWORD>(text.size());
-  if (!WriteFile(process_->in.get(), text.data(), size, &written, nullptr)) std::abort();
+  if (!WriteFile(process_->in.get(), text.data(), size, &written, nullptr)) fail("A program's input");
 }
 
 int Program::end(int signal) {

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <system_error>
 
 #include "base/atomic_file.h"
 
@@ -15,7 +16,11 @@ namespace qv5123::test {
 class TemporaryFolder {
  public:
   TemporaryFolder() { std::filesystem::create_directories(path_); }
-  ~TemporaryFolder() { std::filesystem::remove_all(path_); }
+  /// What another program still holds stays: no reason to end all tests.
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
@@ -42,7 +47,10 @@ class TemporaryFolder {
 class CurrentFolder : public TemporaryFolder {
  public:
   CurrentFolder() { std::filesystem::current_path(path()); }
-  ~CurrentFolder() { std::filesystem::current_path(before_); }
+  ~CurrentFolder() {
+    std::error_code ignored;
+    std::filesystem::current_path(before_, ignored);
+  }
 
  private:
   const std::filesystem::path before_ = std::filesystem::current_path();
