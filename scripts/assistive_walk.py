@@ -7,18 +7,16 @@ import subprocess
 import sys
 import time
 
-os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
-os.environ["QT_ACCESSIBILITY"] = "1"
-import pyatspi  # noqa: E402  (it connects to the bus at once)
+sys.dont_write_bytecode = True  # this folder is the source's
+from assistive_tree import (  # noqa: E402
+    NUMBERS, PRESSED, TOGGLED, action_index, children, column_root, controls, descend, key, middle, mouse_click,
+    page_root, pyatspi, showing, usable)
 
 BIN, WORK = sys.argv[1:3]
 ONLY = sys.argv[3:]  # pages, for who looks for something
 PAGES = ["Registers", "ISPTune", "Gamma", "LSC", "AWBTune", "LinearMatrix", "DynamicControl", "FontEditor", "MakeFlash"]
 QUIET = 0.16  # of the chip's trace, after which an action counts as over; a write is paced by 0.05 s
 LONGEST = 40.0  # the slowest save; DynamicControl's stores for ten seconds, in which nothing is traced, and is read back
-PRESSED = (pyatspi.ROLE_PUSH_BUTTON,)
-TOGGLED = (pyatspi.ROLE_CHECK_BOX, pyatspi.ROLE_RADIO_BUTTON)
-NUMBERS = (pyatspi.ROLE_SPIN_BUTTON, pyatspi.ROLE_SLIDER)
 # What a press opens has buttons of its own, and what moves by itself has no two equal presses.
 NOT_TWICE = {"Load All From ISP", "Load From ISP", "Stop reading registers", "CALIBRATION", "Check field"}
 # Each press moves on from where the one before it ended.
@@ -43,10 +41,6 @@ def find(text):
 
 def note(text):
     print("note: " + text, flush=True)
-
-
-def key(name):
-    subprocess.run(["xdotool", "key", name], check=False)
 
 
 class Program:
@@ -112,48 +106,6 @@ def until(what, complaint, seconds=90):
             return found
         time.sleep(0.05)
     raise RuntimeError(complaint)
-
-
-def children(node):
-    try:
-        return [child for child in (node.getChildAtIndex(i) for i in range(node.childCount)) if child]
-    except Exception:
-        return []
-
-
-def showing(node):
-    return node.getState().contains(pyatspi.STATE_SHOWING)
-
-
-def usable(node):
-    state = node.getState()
-    return showing(node) and state.contains(pyatspi.STATE_ENABLED)
-
-
-CONTROLS = PRESSED + TOGGLED + NUMBERS + (pyatspi.ROLE_COMBO_BOX, pyatspi.ROLE_TEXT, pyatspi.ROLE_TABLE)
-
-
-def controls(node, found=None):
-    found = [] if found is None else found
-    if not showing(node):
-        return found
-    if node.getRole() in CONTROLS:
-        found.append(node)
-        return found  # an edit inside a box is the box
-    for child in children(node):
-        controls(child, found)
-    return found
-
-
-def middle(node):
-    box = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
-    return box.x + box.width // 2, box.y + box.height // 2
-
-
-def mouse_click(node, left=False):
-    box = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
-    x, y = (box.x + 9, box.y + box.height // 2) if left else middle(node)
-    subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", "1"])
 
 
 class Walk:
@@ -371,22 +323,6 @@ class Walk:
                 note(f"{page}: \"{node.name}\" took {time.monotonic() - begun:.0f} s")
 
 
-def action_index(node, names):
-    action = node.queryAction()
-    have = [action.getName(i) for i in range(action.nActions)]
-    return next((have.index(name) for name in names if name in have), 0)
-
-
-def descend(node, test):
-    if test(node):
-        return node
-    for child in children(node):
-        found = descend(child, test)
-        if found:
-            return found
-    return None
-
-
 def walk():
     program = Program()
     try:
@@ -408,17 +344,6 @@ def walk():
     finally:
         program.end()
     return 1 if findings else 0
-
-
-def page_root(frame):
-    """The page that is shown, beside the column with the console."""
-    stack = descend(frame, lambda n: n.getRole() == pyatspi.ROLE_LAYERED_PANE)
-    return next((c for c in children(stack or frame) if showing(c)), None)
-
-
-def column_root(frame):
-    stack = descend(frame, lambda n: n.getRole() == pyatspi.ROLE_LAYERED_PANE)
-    return next(c for c in reversed(children(stack.parent)) if showing(c) and c != stack)
 
 
 try:
