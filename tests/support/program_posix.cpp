@@ -6,9 +6,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <system_error>
 #include <utility>
 
 namespace qv5123::test {
@@ -62,7 +64,7 @@ Program::Program(const std::string& name, std::vector<std::string> arguments, co
   int in[2], out[2], err[2];
   // Closed on exec, so that no other program keeps a pipe open.
   if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0 || ::pipe2(err, O_CLOEXEC) != 0) {
-    std::abort();
+    throw std::system_error(errno, std::generic_category(), "No pipe");
   }
   process_->id = ::fork();
   if (process_->id == 0) become(path, arguments, folder, in[0], out[1], err[1]);
@@ -86,7 +88,8 @@ void Program::read_errors(std::string& text, std::string_view wanted) {
 }
 
 void Program::type(std::string_view text) {
-  if (::write(process_->in, text.data(), text.size()) != static_cast<ssize_t>(text.size())) std::abort();
+  if (::write(process_->in, text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+    throw std::system_error(errno, std::generic_category(), "The program reads no more");
 }
 
 void Program::signal(int number) const {

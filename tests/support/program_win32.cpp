@@ -1,7 +1,7 @@
 #include <windows.h>
 
 #include <chrono>
-#include <system_error>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 
@@ -15,8 +15,10 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
+/// Fails the test that asked for it, with the system's words.
 [[noreturn]] void fail(const std::string& what) {
-  throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
+  const DWORD error = GetLastError();
+  throw std::runtime_error(what + ": " + system_message(error));
 }
 
 /// One end is the child's, the other is kept from it.
@@ -29,7 +31,7 @@ Pipe make_pipe(bool child_reads) {
   SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
   HANDLE read = nullptr;
   HANDLE write = nullptr;
-  if (!CreatePipe(&read, &write, &inherited, 0)) fail("A pipe for a program");
+  if (!CreatePipe(&read, &write, &inherited, 0)) fail("No pipe");
   SetHandleInformation(child_reads ? write : read, HANDLE_FLAG_INHERIT, 0);
   return {Handle(read), Handle(write)};
 }
@@ -44,6 +46,22 @@ std::string quoted(const std::string& argument) {
     text += c;
   }
   return text.append(backslashes, '\\') + "\"";
+}
+
+/// A busy system refuses a program now and then, or something still looks at its file.
+PROCESS_INFORMATION start_process(const fs::path& path, const std::string& line, const fs::path& folder,
+                                  STARTUPINFOW& start) {
+  constexpr int kTries = 10;
+  PROCESS_INFORMATION made{};
+  for (int i = 1;; ++i) {
+    std::wstring command = to_wide(line);
+    if (CreateProcessW(path.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                       folder.empty() ? nullptr : folder.c_str(), &start, &made)) {
+      return made;
+    }
+    if (i == kTries) fail("Cannot start " + line);
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  }
 }
 
 /// Until `text` holds `wanted`, the other end is closed, or a minute has passed: programs start slowly here.
@@ -61,22 +79,6 @@ void read_until(HANDLE pipe, std::string& text, std::string_view wanted) {
     if (!ReadFile(pipe, buffer, sizeof buffer, &count, nullptr)) return;
     text.append(buffer, count);
     std::erase(text, '\r');
-  }
-}
-
-/// A busy machine may refuse to start one now and then.
-PROCESS_INFORMATION start_process(const fs::path& path, const std::string& line, const fs::path& folder,
-                                  STARTUPINFOW start) {
-  constexpr int kTries = 3;
-  const wchar_t* const at = folder.empty() ? nullptr : folder.c_str();
-  for (int tried = 1;; ++tried) {
-    std::wstring command = to_wide(line);
-    PROCESS_INFORMATION made{};
-    if (CreateProcessW(path.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr, at, &start, &made)) {
-      return made;
-    }
-    if (tried == kTries) fail(path.string());
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
   }
 }
 
@@ -132,7 +134,7 @@ void Program::read_errors(std::string& text, std::string_view wanted) {
 void Program::type(std::string_view text) {
   DWORD written = 0;
   const auto size = static_cast<DWORD>(text.size());
-  if (!WriteFile(process_->in.get(), text.data(), size, &written, nullptr)) fail("A program's input");
+  if (!WriteFile(process_->in.get(), text.data(), size, &written, nullptr)) fail("The program reads no more");
 }
 
 int Program::end(int signal) {

@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <string>
 #include <system_error>
+#include <thread>
 
 #include "base/atomic_file.h"
 
@@ -16,11 +19,7 @@ namespace qv5123::test {
 class TemporaryFolder {
  public:
   TemporaryFolder() { std::filesystem::create_directories(path_); }
-  /// What another program still holds stays: no reason to end all tests.
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
+  ~TemporaryFolder() { remove(); }
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
@@ -38,6 +37,19 @@ class TemporaryFolder {
   std::ptrdiff_t size() const { return std::distance(std::filesystem::directory_iterator(path_), {}); }
 
  private:
+  /// Windows removes nothing that somebody still looks at: a program that has just ended, one that searches
+  /// new files. That passes, and is no reason to end all the tests.
+  void remove() const {
+    constexpr int kTries = 100;
+    std::error_code error;
+    for (int i = 0; i < kTries; ++i) {
+      std::filesystem::remove_all(path_, error);
+      if (!error) return;
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    std::cerr << "The test's folder stays: " << path_ << ": " << error.message() << "\n";
+  }
+
   const std::filesystem::path path_ = std::filesystem::temp_directory_path() /
                                       ("qv5123_" + std::to_string(detail::process_number()) + "_" +
                                        testing::UnitTest::GetInstance()->current_test_info()->name());
@@ -48,8 +60,8 @@ class CurrentFolder : public TemporaryFolder {
  public:
   CurrentFolder() { std::filesystem::current_path(path()); }
   ~CurrentFolder() {
-    std::error_code ignored;
-    std::filesystem::current_path(before_, ignored);
+    std::error_code error;
+    std::filesystem::current_path(before_, error);
   }
 
  private:
