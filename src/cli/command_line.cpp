@@ -1,6 +1,7 @@
 #include "cli/command_line.h"
 
 #include <algorithm>
+#include <exception>
 #include <span>
 #include <sstream>
 #include <utility>
@@ -134,6 +135,11 @@ ExitCode run(Context& context, int argc, const char* const* argv) {
     context.out.progress("");
     complain(complaint.text);
     return complaint.code;
+  } catch (const std::exception& error) {
+    // Whatever it is: a script is to have words and an exit code of ours, not an abort.
+    context.out.progress("");
+    complain(error.what());
+    return ExitCode::bad_input;
   }
 }
 

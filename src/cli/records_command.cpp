@@ -1,3 +1,5 @@
+#include <system_error>
+
 #include "base/atomic_file.h"
 #include "cli/command.h"
 #include "provision/metrics.h"
@@ -11,7 +13,9 @@ struct RecordsOptions {
 };
 
 ExitCode summary(Context& context, const RecordsOptions& options) {
-  if (!std::filesystem::is_regular_file(options.file)) refuse("Cannot read " + path_text(options.file));
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(options.file, ignored))
+    refuse("Cannot read " + path_text(options.file));
   const RecordSummary summary = RecordSummary::of(options.file);
   if (summary.not_records > 0)
     context.out.warning(path_text(options.file) + ": " + std::to_string(summary.not_records) +

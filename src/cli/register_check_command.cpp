@@ -57,8 +57,9 @@ Task<ExitCode> check(Chip& chip, const std::vector<ExpectedRegister>& all) {
 
 ExitCode run(Context& context, const CheckOptions& options) {
   std::optional<RegDescription> description;
+  std::error_code ignored;
   // Without one, addresses will do.
-  if (!options.description.empty() || std::filesystem::exists("regu.xml"))
+  if (!options.description.empty() || std::filesystem::exists("regu.xml", ignored))
     description = load_description(context.out, options.description);
   const auto expected = RegisterExpectations::parse(read_file(options.file, RegisterFile::kLargest),
                                                     description ? &*description : nullptr);

@@ -237,6 +237,7 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
       {{"matrix", "fit", "odd.csv"},
        R"(odd.csv, line 2: "\x1b]\x9bxxxxxxxxxxxxxxxx...xxxxxxxxxxxxxxxxxxxx" is no number (0x hex or decimal))"},
       {{"settings", "show", "none.dat"}, "Cannot read none.dat: No such file or directory"},
+      {{"records", "summary", std::string(300, 'x')}, "Cannot read " + std::string(300, 'x')},
       {{"replay", "script.txt", "--dry-run"},
        "script.txt, line 1: neither hex pairs such as \"9209 93cc\" nor \"wait MS\""},
       {{"script", "script.txt", "--simulate"}, "script.txt, line 3: not of the form \"AAA,DD\""},
