@@ -1,5 +1,7 @@
 #include "cli/files.h"
 
+#include <chrono>
+
 #include "base/atomic_file.h"
 #include "cli/complaint.h"
 #include "console/decimal_numbers.h"
@@ -23,6 +25,14 @@ std::string read_file(const std::filesystem::path& path, std::uintmax_t limit) {
 
 void write_file(const std::filesystem::path& path, std::string_view bytes) {
   check(write_file_atomically(path, bytes));
+}
+
+FileLock lock_for_change(const std::filesystem::path& path) {
+  // Longer than another command takes to change the file.
+  constexpr std::chrono::seconds kPatience{5};
+  FileLock lock = lock_beside(path, kPatience);
+  if (lock.busy) refuse(path_text(path) + " is being changed by another program");
+  return lock;
 }
 
 bool holds_settings(std::string_view text) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/lock_file.h"
 #include "cli/output.h"
 #include "console/user_data_image.h"
 #include "registers/reg_description.h"
@@ -16,6 +17,9 @@ namespace qv5123 {
 std::string read_file(const std::filesystem::path& path, std::uintmax_t limit = std::uintmax_t{64} << 20);
 /// The old file stays whole if it cannot be replaced.
 void write_file(const std::filesystem::path& path, std::string_view bytes);
+/// For who reads a file, changes it and writes it: what another command changes meanwhile must not be lost.
+/// Of a file that another program keeps locked for seconds it is said.
+FileLock lock_for_change(const std::filesystem::path& path);
 /// Whether a setting file's text has any number. Reading makes an image of zeros of one that has none.
 bool holds_settings(std::string_view text);
 /// For looking at. A file without any number is none; what else is odd about one is told on stderr.

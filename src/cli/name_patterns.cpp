@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "tuning/settings_table.h"
+
 namespace qv5123 {
 namespace {
 
@@ -28,11 +30,6 @@ bool matches_wildcards(std::string_view pattern, std::string_view name) {
   return pattern.find_first_not_of('*', p) == std::string_view::npos;
 }
 
-bool is_group_of(std::string_view group, std::string_view name) {
-  return !group.empty() && name.size() > group.size() && name.starts_with(group) &&
-         (name[group.size()] == '.' || name[group.size()] == '[');
-}
-
 }  // namespace
 
 bool has_wildcard(std::string_view pattern) {
@@ -41,7 +38,7 @@ bool has_wildcard(std::string_view pattern) {
 
 bool stands_for(std::string_view pattern, std::string_view name) {
   if (has_wildcard(pattern)) return matches_wildcards(pattern, name);
-  return pattern == name || is_group_of(pattern, name);
+  return pattern == name || is_in_group(name, pattern);
 }
 
 }  // namespace qv5123

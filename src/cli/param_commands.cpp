@@ -1,10 +1,8 @@
 #include <algorithm>
-#include <chrono>
 #include <set>
 #include <utility>
 
 #include "base/atomic_file.h"
-#include "base/lock_file.h"
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/files.h"
@@ -25,9 +23,6 @@ struct ParamOptions {
 };
 
 using Numbers = std::vector<int>;
-
-/// Longer than another command takes to change the file.
-constexpr std::chrono::seconds kLockPatience{5};
 
 /// Leaves only what `has` is true of. A value that was named by itself and is not among it is a Complaint.
 void keep_only(std::vector<PageParameters>& pages, const std::vector<std::string>& names,
@@ -155,9 +150,7 @@ std::size_t count_of(const std::vector<PageParameters>& pages) {
 
 ExitCode set_in_file(Context& context, const ParamOptions& options) {
   const Assigned assigned = read_assignments(options.names, is_in_files, kInNoFile);
-  // What another command changes meanwhile must not be lost.
-  const FileLock lock = lock_beside(options.file, kLockPatience);
-  if (lock.busy) refuse(path_text(options.file) + " is being changed by another program");
+  const FileLock lock = lock_for_change(options.file);
   UserDataImage image = read_whole_settings(options.file, options.lenient);
   for (const PageParameters& page : assigned.pages) {
     page.page->load_all(image);

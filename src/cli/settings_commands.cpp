@@ -1,7 +1,5 @@
-#include <chrono>
 #include <utility>
 
-#include "base/lock_file.h"
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/numbers.h"
@@ -19,9 +17,6 @@ struct SettingsOptions {
   std::vector<std::string> names;
   bool lenient = false;
 };
-
-/// Longer than another command takes to change the file.
-constexpr std::chrono::seconds kLockPatience{5};
 
 std::vector<Setting> wanted(const SettingsTable& table, const std::vector<std::string>& names) {
   if (names.empty()) return table.settings();
@@ -85,9 +80,7 @@ bool assign(Output& out, const SettingsTable& table, const std::string& text, Us
 
 ExitCode set(Context& context, const SettingsOptions& options) {
   const SettingsTable table;
-  // What another command changes meanwhile must not be lost.
-  const FileLock lock = lock_beside(options.file, kLockPatience);
-  if (lock.busy) refuse(path_text(options.file) + " is being changed by another program");
+  const FileLock lock = lock_for_change(options.file);
   UserDataImage image = read_whole_settings(options.file, options.lenient);
   std::size_t assigned = 0;
   for (const std::string& assignment : options.names)

@@ -87,11 +87,6 @@ void add_unnamed(std::vector<Setting>& settings) {
     if (!named[entry]) settings.push_back(byte_setting(std::to_string(entry), entry));
 }
 
-bool is_in_group(const std::string& name, std::string_view group) {
-  return name.size() > group.size() && name.starts_with(group) &&
-         (name[group.size()] == '.' || name[group.size()] == '[');
-}
-
 std::string bytes_text(const Setting& setting, const UserDataImage& image) {
   std::string text;
   for (const std::size_t entry : setting.entries)
@@ -123,6 +118,11 @@ std::vector<Setting> SettingsTable::find(std::string_view name) const {
   for (const Setting& setting : settings_)
     if (setting.name == name || is_in_group(setting.name, name)) found.push_back(setting);
   return found;
+}
+
+bool is_in_group(std::string_view name, std::string_view group) {
+  return !group.empty() && name.size() > group.size() && name.starts_with(group) &&
+         (name[group.size()] == '.' || name[group.size()] == '[');
 }
 
 std::vector<std::string> value_problems(const SettingsTable& table, const UserDataImage& image) {

@@ -36,6 +36,9 @@ class SettingsTable {
   std::vector<Setting> settings_;
 };
 
+/// Whether `name` is one of a group, such as "awb.clamp.g" of "awb", or "gamma.r[5]" of "gamma.r".
+bool is_in_group(std::string_view name, std::string_view group);
+
 /// Where the pages would not show what the image holds, because it lies beyond what they take.
 std::vector<std::string> value_problems(const SettingsTable& table, const UserDataImage& image);
 
