@@ -17,6 +17,7 @@
 #include "base/delay.h"
 #include "base/hex.h"
 #include "base/ui/page_marks.h"
+#include "base/ui/push_button.h"
 #include "base/ui/qt_text.h"
 #include "content/font_text.h"
 #include "content/ui/fill_range_box.h"
@@ -47,13 +48,6 @@ QString number_text(int glyph) {
   return QString("Glyph: 0x%1 / %2")
       .arg(QString::fromStdString(upper_hex(static_cast<unsigned>(glyph), 3)))
       .arg(glyph);
-}
-
-QPushButton* make_button(const QString& caption, const QString& tip) {
-  auto* button = new QPushButton(caption);
-  button->setAccessibleName(caption);
-  button->setToolTip(tip);
-  return button;
 }
 
 QToolButton* make_tool(QAction* action) {
@@ -124,9 +118,9 @@ QBoxLayout* CDlgFontMaker::make_file_row() {
   });
   auto* caption = new QLabel("FontPage:");
   caption->setBuddy(page_selector_);
-  auto* open = make_button("Open font file...", "Read the glyphs from a binary font file");
+  auto* open = push_button("Open font file...", "Read the glyphs from a binary font file");
   connect(open, &QPushButton::clicked, this, [this] { flows_.spawn(open_font_file()); });
-  auto* save = make_button("Save font file...", "Write the text export and a binary font file");
+  auto* save = push_button("Save font file...", "Write the text export and a binary font file");
   connect(save, &QPushButton::clicked, this, [this] { flows_.spawn(save_font_file()); });
   number_ = new QLabel;
   number_->setAccessibleName("Glyph number");
@@ -149,7 +143,7 @@ QBoxLayout* CDlgFontMaker::make_file_row() {
 QBoxLayout* CDlgFontMaker::make_compare_row() {
   auto* row = new QHBoxLayout;
   const auto add = [this, row](const char* caption, const char* tip, std::function<void()> act) {
-    auto* button = make_button(caption, tip);
+    auto* button = push_button(caption, tip);
     connect(button, &QPushButton::clicked, this, std::move(act));
     row->addWidget(button);
     return button;
@@ -189,12 +183,12 @@ QBoxLayout* CDlgFontMaker::make_text_row() {
 }
 
 QBoxLayout* CDlgFontMaker::make_buffer_row() {
-  auto* clear = make_button("Clear", "Clear all pixels being edited; the library stays as it is");
+  auto* clear = push_button("Clear", "Clear all pixels being edited; the library stays as it is");
   connect(clear, &QPushButton::clicked, this, [this] {
     editor_.clear();
     refresh_buffer();
   });
-  auto* set = make_button("Set", "Put the edited pixels into the library");
+  auto* set = push_button("Set", "Put the edited pixels into the library");
   connect(set, &QPushButton::clicked, this, [this] { edit([this] { editor_.store(); }); });
   auto* row = new QHBoxLayout;
   row->addWidget(clear);

@@ -13,6 +13,7 @@
 #include "base/atomic_file.h"
 #include "base/delay.h"
 #include "base/ui/page_marks.h"
+#include "base/ui/push_button.h"
 #include "base/ui/qt_text.h"
 #include "content/ui/flash_map_view.h"
 
@@ -61,9 +62,8 @@ CDlgMakeEeprom::CDlgMakeEeprom(PageHost& host, QWidget* parent) : QWidget(parent
       paths, "user file",
       {"DAT file(*.dat)|*.dat", "dat", ".dat", "Choose the user data for the flash image", "dat"});
 
-  auto* make = new QPushButton("Make Serial Flash FILE");
-  make->setAccessibleName(make->text());
-  make->setToolTip("Build the 256 KiB flash image from the three files and save it");
+  auto* make =
+      push_button("Make Serial Flash FILE", "Build the 256 KiB flash image from the three files and save it");
   connect(make, &QPushButton::clicked, this, [this] { flows_.spawn(make_image()); });
   layout->addWidget(make, 0, Qt::AlignLeft);
   map_ = new FlashMapView;

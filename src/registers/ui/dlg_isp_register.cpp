@@ -14,6 +14,7 @@
 #include <algorithm>
 
 #include "base/ui/page_marks.h"
+#include "base/ui/push_button.h"
 #include "registers/hex_edit.h"
 #include "registers/ui/bit_boxes.h"
 #include "registers/ui/hex_edits.h"
@@ -185,9 +186,7 @@ QBoxLayout* CDlgIspRegister::make_address_rows() {
 
 QPushButton* CDlgIspRegister::make_button(const QString& caption, const QString& tip,
                                           void (RegisterDesk::*operation)()) {
-  auto* button = new QPushButton(caption);
-  button->setAccessibleName(caption);
-  button->setToolTip(tip);
+  auto* button = push_button(caption, tip);
   connect(button, &QPushButton::clicked, this, [this, operation] { (desk_.*operation)(); });
   return button;
 }
