@@ -14,7 +14,10 @@ namespace qv5123 {
 namespace {
 
 /// What an entry does, as its data; an earlier run's has the place in the list of runs.
-enum Entry { nothing = -1, shown = -2, file = -3, moment = -4 };
+constexpr int kNothing = -1;
+constexpr int kShown = -2;
+constexpr int kFile = -3;
+constexpr int kMoment = -4;
 
 FileChoice setting_choice() {
   FileChoice choice;
@@ -43,11 +46,11 @@ void FurtherColumnBox::look_for_runs() {
 void FurtherColumnBox::fill() {
   const QSignalBlocker blocker(this);
   clear();
-  addItem("Nothing else", Entry::nothing);
-  if (title_) addItem(to_qt(*title_), Entry::shown);
+  addItem("Nothing else", kNothing);
+  if (title_) addItem(to_qt(*title_), kShown);
   setCurrentIndex(count() - 1);
-  addItem("Setting file...", Entry::file);
-  if (surroundings_.history()) addItem("Moment of the History...", Entry::moment);
+  addItem("Setting file...", kFile);
+  if (surroundings_.history()) addItem("Moment of the History...", kMoment);
   for (std::size_t i = 0; i < runs_.size(); ++i)
     addItem("End of run " + to_qt(runs_[i].start) + " UTC", static_cast<int>(i));
 }
@@ -60,13 +63,13 @@ Task<> FurtherColumnBox::list_runs() {
 
 void FurtherColumnBox::choose(int index) {
   const int what = itemData(index).toInt();
-  if (what == Entry::nothing) return surroundings_.chosen(std::nullopt);
-  if (what == Entry::file) return opening_.start(choose_file());
+  if (what == kNothing) return surroundings_.chosen(std::nullopt);
+  if (what == kFile) return opening_.start(choose_file());
   if (what >= 0) {
     const WriteJournalFiles::Run& run = runs_[static_cast<std::size_t>(what)];
     return opening_.start(open_run(run.file, "Run " + run.start));
   }
-  if (what != Entry::moment) return;
+  if (what != kMoment) return;
   // Not within the list's own signal. Until something is there to be shown, what is shown stays.
   QTimer::singleShot(0, this, [this] { fill(); });
   surroundings_.choose_moment();

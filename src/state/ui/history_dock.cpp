@@ -127,7 +127,7 @@ void HistoryDock::make_table() {
   table_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
   table_->horizontalHeader()->setStretchLastSection(true);
-  for (int column = 0; column < HistoryModel::column_count; ++column)
+  for (int column = 0; column < HistoryModel::kColumns; ++column)
     table_->setColumnWidth(column, kWidths[static_cast<std::size_t>(column)]);
   auto* copy = new QAction("Copy", table_);
   copy->setShortcut(QKeySequence::Copy);
@@ -291,7 +291,8 @@ Task<std::optional<HistoryDock::Moment>> HistoryDock::moment() {
   const QModelIndexList selected = table_->selectionModel()->selectedRows();
   if (selected.size() != 1) co_return std::nullopt;
   const int row = selected.first().row();
-  std::string when = from_qt(model_->index(row, HistoryModel::time).data().toString());
+  std::string when =
+      from_qt(model_->index(row, static_cast<int>(HistoryModel::Column::time)).data().toString());
   // A long journal takes a while.
   std::function<Moment()> work = [journal = model_->journal(), count = model_->place(row) + 1, when] {
     return Moment{values_after(journal, count), unnamed_writes_after(journal, count), when};

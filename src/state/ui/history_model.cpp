@@ -9,7 +9,10 @@
 namespace qv5123 {
 namespace {
 
+using Column = HistoryModel::Column;
+
 constexpr std::array kHeaders{"Time", "Page", "Control", "Values", "Registers", "Result"};
+static_assert(kHeaders.size() == HistoryModel::kColumns);
 /// Of what is shown and read out of one cell.
 constexpr qsizetype kLongest = 400;
 
@@ -17,17 +20,17 @@ QString time_text(const WriteRecord& record, const char* format) {
   return QDateTime::fromMSecsSinceEpoch(record.time.time_since_epoch().count()).toString(format);
 }
 
-QString cell(const WriteRecord& record, int column) {
+QString cell(const WriteRecord& record, Column column) {
   switch (column) {
-    case HistoryModel::time:
+    case Column::time:
       return time_text(record, "HH:mm:ss.zzz");
-    case HistoryModel::page:
+    case Column::page:
       return to_qt(record.page);
-    case HistoryModel::control:
+    case Column::control:
       return to_qt(record.control);
-    case HistoryModel::values:
+    case Column::values:
       return to_qt(values_text(record));
-    case HistoryModel::registers:
+    case Column::registers:
       return to_qt(registers_text(record));
     default:
       return to_qt(result_text(record));
@@ -35,8 +38,8 @@ QString cell(const WriteRecord& record, int column) {
 }
 
 /// The whole of a cell, and the day of a time.
-QString tool_tip(const WriteRecord& record, int column) {
-  if (column == HistoryModel::time) return time_text(record, "yyyy-MM-dd HH:mm:ss.zzz");
+QString tool_tip(const WriteRecord& record, Column column) {
+  if (column == Column::time) return time_text(record, "yyyy-MM-dd HH:mm:ss.zzz");
   return plain_tool_tip(cell(record, column).left(10 * kLongest));
 }
 
@@ -117,12 +120,13 @@ int HistoryModel::rowCount(const QModelIndex& parent) const {
 }
 
 int HistoryModel::columnCount(const QModelIndex& parent) const {
-  return parent.isValid() ? 0 : column_count;
+  return parent.isValid() ? 0 : kColumns;
 }
 
 QVariant HistoryModel::data(const QModelIndex& index, int role) const {
-  if (role == Qt::DisplayRole) return cell(cached(index.row()), index.column()).left(kLongest);
-  if (role == Qt::ToolTipRole) return tool_tip(cached(index.row()), index.column());
+  const auto column = static_cast<Column>(index.column());
+  if (role == Qt::DisplayRole) return cell(cached(index.row()), column).left(kLongest);
+  if (role == Qt::ToolTipRole) return tool_tip(cached(index.row()), column);
   return {};
 }
 

@@ -15,7 +15,8 @@ class HistoryModel final : public QAbstractTableModel {
   Q_OBJECT
 
  public:
-  enum Column { time, page, control, values, registers, result, column_count };
+  enum class Column { time, page, control, values, registers, result };
+  static constexpr int kColumns = 6;
   /// How many lines are looked at before the window has its turn again.
   static constexpr std::size_t kPiece = 2000;
 

@@ -62,8 +62,11 @@ struct DockBench {
 
   DockBench() { history.keep_in(files); }
   HistoryModel& model() { return dock.model(); }
-  std::string cell(int row, int column) {
-    return model().data(model().index(row, column), Qt::DisplayRole).toString().toStdString();
+  std::string cell(int row, HistoryModel::Column column) {
+    return model()
+        .data(model().index(row, static_cast<int>(column)), Qt::DisplayRole)
+        .toString()
+        .toStdString();
   }
   void settle() {
     while (!model().settled()) QApplication::processEvents();
@@ -95,11 +98,11 @@ TEST(HistoryDock, ShowsWhatLeftAndFindsIt) {
   bench.history.note(question());
   bench.history.note(event_of(41));
   EXPECT_EQ(bench.model().rowCount(), 2);
-  EXPECT_EQ(bench.cell(1, HistoryModel::page), "awb");
-  EXPECT_EQ(bench.cell(1, HistoryModel::control), "Slope");
-  EXPECT_EQ(bench.cell(1, HistoryModel::values), "a_slope 41 -> 42");
-  EXPECT_EQ(bench.cell(1, HistoryModel::registers), "2029");
-  EXPECT_EQ(bench.cell(1, HistoryModel::result), "sent");
+  EXPECT_EQ(bench.cell(1, HistoryModel::Column::page), "awb");
+  EXPECT_EQ(bench.cell(1, HistoryModel::Column::control), "Slope");
+  EXPECT_EQ(bench.cell(1, HistoryModel::Column::values), "a_slope 41 -> 42");
+  EXPECT_EQ(bench.cell(1, HistoryModel::Column::registers), "2029");
+  EXPECT_EQ(bench.cell(1, HistoryModel::Column::result), "sent");
   bench.dock.findChild<QCheckBox*>()->setChecked(true);
   EXPECT_EQ(bench.model().rowCount(), 3);
   bench.search("SLOPE 42");
@@ -168,7 +171,7 @@ TEST(HistoryDock, OpensEarlierRunsAndOtherFiles) {
   EXPECT_EQ(source->itemText(1), "2025-11-21 17:00:00 UTC, 1 KB");
   bench.choose(1);
   EXPECT_EQ(bench.model().rowCount(), 1);
-  EXPECT_EQ(bench.cell(0, HistoryModel::values), "a_slope 7 -> 8");
+  EXPECT_EQ(bench.cell(0, HistoryModel::Column::values), "a_slope 7 -> 8");
   EXPECT_EQ(bench.said.back(), "writes-20251121-170000-1.journal: Its last write is cut and left out.");
   bench.history.note(event_of(2));
   EXPECT_EQ(bench.model().rowCount(), 1) << "of the run that is shown";
