@@ -7,13 +7,15 @@
 
 namespace qv5123 {
 
-/// The values of a comparison that a filter lets through, page after page.
+/// The values of a comparison that a filter lets through, page after page. What stands for the chip and was
+/// only sent is in italics, and says so to assistive tools.
 class CompareModel final : public QAbstractTableModel {
   Q_OBJECT
 
  public:
   /// The last is there only while there are values for it.
-  enum Column { page, name, caption, in_page, on_chip, in_file, other, column_count };
+  enum class Column { page, name, caption, in_page, on_chip, in_file, other };
+  static constexpr int kColumns = 7;
 
   /// The states must outlive it.
   explicit CompareModel(const ValueStates& states, QObject* parent = nullptr);
@@ -33,9 +35,12 @@ class CompareModel final : public QAbstractTableModel {
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
  private:
-  QString cell(std::size_t value, int column) const;
-  QString tool_tip(std::size_t value, int column) const;
-  QVariant tint(std::size_t value, int column) const;
+  QString cell(std::size_t value, Column column) const;
+  QString tool_tip(std::size_t value, Column column) const;
+  QVariant tint(std::size_t value, Column column) const;
+  QVariant font(std::size_t value, Column column) const;
+  /// Whether it is only what was sent, and the chip was not asked since.
+  bool is_guessed(std::size_t value, Column column) const;
 
   Comparison comparison_;
   CompareFilter filter_;

@@ -20,6 +20,7 @@
 #include "base/atomic_file.h"
 #include "base/text.h"
 #include "base/ui/page_marks.h"
+#include "base/ui/push_button.h"
 #include "base/ui/qt_text.h"
 #include "state/all_pages_read.h"
 #include "state/ui/compare_model.h"
@@ -98,9 +99,7 @@ ComparePage::ComparePage(Surroundings surroundings, QWidget* parent)
 
 QPushButton* ComparePage::add_button(QWidget* bar, const char* text, const char* tool_tip,
                                      std::function<void()> clicked) {
-  auto* button = new QPushButton(text, bar);
-  button->setAccessibleName(text);
-  button->setToolTip(tool_tip);
+  auto* button = push_button(text, tool_tip, bar);
   connect(button, &QPushButton::clicked, this, std::move(clicked));
   bar->layout()->addWidget(button);
   return button;
@@ -147,7 +146,8 @@ void ComparePage::make_table() {
   table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
   for (std::size_t column = 0; column < kWidths.size(); ++column)
     table_->setColumnWidth(static_cast<int>(column), kWidths[column]);
-  table_->horizontalHeader()->setSectionResizeMode(CompareModel::caption, QHeaderView::Stretch);
+  table_->horizontalHeader()->setSectionResizeMode(static_cast<int>(CompareModel::Column::caption),
+                                                   QHeaderView::Stretch);
   auto* copy = new QAction("Copy", table_);
   copy->setShortcut(QKeySequence::Copy);
   copy->setShortcutContext(Qt::WidgetShortcut);

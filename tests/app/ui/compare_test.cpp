@@ -10,6 +10,8 @@
 namespace qv5123 {
 namespace {
 
+using Column = CompareModel::Column;
+
 class CompareTest : public testing::Test {
  protected:
   CompareTest() {
@@ -20,8 +22,15 @@ class CompareTest : public testing::Test {
     bench_.open(PageId::compare);
   }
   QTableView* table() { return bench_.control<QTableView>("Values"); }
-  std::string cell(int row, int column) {
-    return table()->model()->index(row, column).data().toString().toStdString();
+  QVariant data(int row, Column column, int role) {
+    return table()->model()->index(row, static_cast<int>(column)).data(role);
+  }
+  std::string cell(int row, Column column) {
+    return data(row, column, Qt::DisplayRole).toString().toStdString();
+  }
+  std::string further_title() {
+    const int section = static_cast<int>(Column::other);
+    return table()->model()->headerData(section, Qt::Horizontal).toString().toStdString();
   }
   int rows() { return table()->model()->rowCount(); }
   std::string counts() { return bench_.widget().findChild<QLabel*>("value-count")->text().toStdString(); }
@@ -55,13 +64,12 @@ TEST_F(CompareTest, ReadsAllPagesAndShowsWhatDiffers) {
   EXPECT_FALSE(bench_.control<QProgressBar>("Pages read")->isVisible());
   EXPECT_EQ(bench_.statuses.back(), "6 pages read from the chip");
   ASSERT_EQ(rows(), 1);
-  EXPECT_EQ(cell(0, CompareModel::page) + " " + cell(0, CompareModel::name) + " " +
-                cell(0, CompareModel::caption) + " " + cell(0, CompareModel::in_page) + " " +
-                cell(0, CompareModel::on_chip) + "|" + cell(0, CompareModel::in_file),
+  EXPECT_EQ(cell(0, Column::page) + " " + cell(0, Column::name) + " " + cell(0, Column::caption) + " " +
+                cell(0, Column::in_page) + " " + cell(0, Column::on_chip) + "|" + cell(0, Column::in_file),
             "lsc parameter1.r Parameter-1 RED 321 1240|");
   EXPECT_EQ(red1()->value(), 321) << "what was typed stays";
-  EXPECT_TRUE(table()->model()->index(0, CompareModel::on_chip).data(Qt::BackgroundRole).isValid());
-  EXPECT_FALSE(table()->model()->index(0, CompareModel::in_page).data(Qt::BackgroundRole).isValid());
+  EXPECT_TRUE(data(0, Column::on_chip, Qt::BackgroundRole).isValid());
+  EXPECT_FALSE(data(0, Column::in_page, Qt::BackgroundRole).isValid());
 
   show(1);
   search("lsc parameter-1");
@@ -112,6 +120,23 @@ TEST_F(CompareTest, ValuesGoBetweenPageAndChip) {
   EXPECT_EQ(red1()->value(), 322);
 }
 
+TEST_F(CompareTest, WhatWasSentAndNotReadIsMarked) {
+  bench_.open(PageId::lsc);
+  bench_.click("Parameter-1 S");
+  bench_.wire.advance(1000);
+  bench_.open(PageId::compare);
+  show(1);
+  search("lsc parameter1.r");
+  ASSERT_EQ(rows(), 1);
+  const auto italic = [this](Column column) { return data(0, column, Qt::FontRole).value<QFont>().italic(); };
+  EXPECT_TRUE(italic(Column::on_chip));
+  EXPECT_FALSE(italic(Column::in_page));
+  EXPECT_EQ(data(0, Column::on_chip, Qt::AccessibleTextRole).toString(), "321, sent, not read back");
+  read_all();
+  EXPECT_FALSE(italic(Column::on_chip));
+  EXPECT_FALSE(data(0, Column::on_chip, Qt::AccessibleTextRole).isValid());
+}
+
 TEST_F(CompareTest, ValuesOfSeveralPagesAreOneStep) {
   UserDataImage file = bench_.line.chip().state().user_data;
   file.set_word(440, 77);  // Parameter-1 RED
@@ -150,8 +175,8 @@ TEST_F(CompareTest, HasAFurtherColumn) {
   choose_further("Setting file...");
   show(7);
   ASSERT_EQ(rows(), 1) << "two files, with nothing read from the chip";
-  EXPECT_EQ(cell(0, CompareModel::name) + cell(0, CompareModel::other), "parameter1.g31");
-  EXPECT_EQ(table()->model()->headerData(CompareModel::other, Qt::Horizontal).toString(), "old.dat");
+  EXPECT_EQ(cell(0, Column::name) + cell(0, Column::other), "parameter1.g31");
+  EXPECT_EQ(further_title(), "old.dat");
   table()->selectAll();
   bench_.click("Further -> Page");
   bench_.wire.advance(1000);
@@ -173,12 +198,12 @@ TEST_F(CompareTest, HasAFurtherColumn) {
       << "the other is not there";
 
   bench_.view->compare_with({{"lsc.parameter1.b", 9}}, "12:00");
-  EXPECT_EQ(table()->model()->headerData(CompareModel::other, Qt::Horizontal).toString(), "Chip at 12:00");
+  EXPECT_EQ(further_title(), "Chip at 12:00");
   show(1);
   search("parameter1.b");
-  EXPECT_EQ(cell(0, CompareModel::other), "9");
+  EXPECT_EQ(cell(0, Column::other), "9");
   choose_further("Nothing else");
-  EXPECT_EQ(table()->model()->columnCount(), CompareModel::other);
+  EXPECT_EQ(table()->model()->columnCount(), CompareModel::kColumns - 1);
 }
 
 }  // namespace
