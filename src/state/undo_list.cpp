@@ -65,12 +65,9 @@ void UndoList::note_one_go() {
 }
 
 void UndoList::closed(const TuningDesk& desk) {
-  const auto concerns = [&desk](const Step& step) {
-    return std::any_of(step.parts.begin(), step.parts.end(),
-                       [&desk](const Part& part) { return part.desk == &desk; });
-  };
   for (std::size_t i = steps_.size(); i-- > 0;) {
-    if (!concerns(steps_[i])) continue;
+    std::erase_if(steps_[i].parts, [&desk](const Part& part) { return part.desk == &desk; });
+    if (!steps_[i].parts.empty()) continue;
     steps_.erase(steps_.begin() + static_cast<std::ptrdiff_t>(i));
     if (i < place_) --place_;
   }

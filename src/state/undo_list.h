@@ -18,8 +18,8 @@ namespace qv5123 {
 /// step had sent is sent as it was before in the same way: through the values' own controls, or in the
 /// brackets of a full save. Where the page stands, such as its cursor, is no part of a step.
 ///
-/// A page that is closed takes its steps with it. A port that is closed or lost changes nothing in the pages:
-/// a step is then taken back there alone.
+/// A page that is closed takes its steps with it, and of those that other pages have a part in its own part.
+/// A port that is closed or lost changes nothing in the pages: a step is then taken back there alone.
 class UndoList {
  public:
   /// Older steps than so many are forgotten. Each holds a page's values twice, some 2 KB.

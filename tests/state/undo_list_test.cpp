@@ -155,6 +155,57 @@ TEST_F(UndoListTest, LostPortAndClosedPage) {
   EXPECT_EQ(undo_.size(), 1u) << "the redo was dropped, and the closed page took its step along";
 }
 
+TEST_F(UndoListTest, WhatWasSentBeforeAPortWasLostIsSentOnceItIsBack) {
+  type(lens_, 0, 0x11);
+  lens_.send_row(LensControl::parameter1);
+  fake_.advance(1000);
+  for (const bool connected : {false, true}) {
+    fake_.sender.connected = connected;
+    fake_.link.connection_changed();
+  }
+  wire();
+  undo();
+  EXPECT_EQ(wire(), "@6400*@6400*@6400*@6400*@6400*@6400*");
+  EXPECT_EQ(host_.last_status(), "Undone: Parameter-1 RED: 1 register sent");
+
+  fake_.sender.connected = false;
+  fake_.link.connection_changed();
+  redo();
+  EXPECT_EQ(red1(), 0x11);
+  EXPECT_EQ(wire(), "") << "nothing is kept for the port's return";
+}
+
+TEST_F(UndoListTest, ALoadedFileIsAStepBetweenOthersAndSendsNothing) {
+  type(lens_, 0, 0x11);
+  image().set_word(440, 77);
+  image().set_word(45, 88);
+  image().mark_loaded();
+  {
+    AwbDesk awb(host_, image());
+    awb.watch(states_);
+    lens_.reload();
+    gamma_.reload();
+    image().set_word(181, 99);
+    awb.reload();
+    EXPECT_EQ(undo_.size(), 2u);
+  }
+  EXPECT_EQ(undo_.size(), 2u) << "the other pages' part of the load stays";
+  type(lens_, 0, 0x22);
+  undo();
+  EXPECT_EQ(red1(), 77);
+  undo();
+  EXPECT_EQ(said_.back(), "Undone: " + undo_.next_redo());
+  EXPECT_EQ(red1(), 0x11);
+  EXPECT_EQ(gamma_.values().curves[0][0], 0);
+  undo();
+  EXPECT_EQ(red1(), 0);
+  redo();
+  redo();
+  EXPECT_EQ(red1(), 77) << "also where the file is not there any more";
+  EXPECT_EQ(gamma_.values().curves[0][0], 88);
+  EXPECT_EQ(wire(), "");
+}
+
 TEST_F(UndoListTest, ForgetsTheOldest) {
   for (std::size_t i = 0; i < UndoList::kMostSteps + 5; ++i) type(lens_, 0, static_cast<int>(i) + 1);
   EXPECT_EQ(undo_.size(), UndoList::kMostSteps);
