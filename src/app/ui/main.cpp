@@ -15,6 +15,7 @@
 #include "app/ui/program.h"
 #include "app/ui/qv5123_app.h"
 #include "app/ui/qv5123_view.h"
+#include "app/ui/session_end.h"
 #include "base/atomic_file.h"
 #include "base/ui/qt_text.h"
 #include "link/deferred_device.h"
@@ -214,10 +215,6 @@ int main(int argc, char** argv) {
   Program program(chosen, settings, std::move(parts));
   program.start();
   end_requests.pass_on_to([&program] { program.end_unasked(); });
-  QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
-                   [&program](QSessionManager& session) {
-                     hold_session_end(session);
-                     program.end_unasked();
-                   });
+  end_with_session(application, [&program] { program.end_unasked(); });
   return application.exec();
 }

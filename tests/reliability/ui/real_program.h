@@ -32,13 +32,16 @@ struct RealProgram {
   std::filesystem::path folder;
   QSettings store{QString::fromStdString((folder / "settings.ini").string()), QSettings::IniFormat};
   int ended = -1;
+  SimulatedBoard* board = nullptr;  ///< the program's
   std::unique_ptr<qv5123::Program> program;
 
   explicit RealProgram(const std::filesystem::path& where, bool with_file) : folder(where) {
     ProgramOptions options;
     if (with_file) options.setting_file = folder / "board.dat";
     qv5123::Program::Parts parts;
-    parts.device = std::make_unique<SimulatedBoard>();
+    auto made = std::make_unique<SimulatedBoard>();
+    board = made.get();
+    parts.device = std::move(made);
     parts.pages = all_pages();
     parts.fixed_port = PortSettings{};
     parts.list_ports = [] { return std::vector<PortInfo>{}; };
