@@ -26,7 +26,9 @@ class PageRoundTrip : public testing::TestWithParam<PageRange> {
     const std::vector<int> reported = page->numbers();
     for (std::size_t i = 0; i < numbers.size(); ++i) {
       const FieldInfo& field = page->fields()[i];
-      if (field.has_reply() && field.has_entry()) EXPECT_EQ(reported[i], numbers[i]) << field.name;
+      if (field.has_reply() && field.has_entry()) {
+        EXPECT_EQ(reported[i], numbers[i]) << field.name;
+      }
     }
   }
   void store(std::size_t field, int number, UserDataImage& image) const {
