@@ -358,6 +358,12 @@ Task<int> CommandLink::wide_read(int address, const Turn&) {
   const Batch request = isp_read_request(address);
   co_await send_request(request);
   co_await Delay(scheduler_, kWideWait);
+  // On a line where answers take longer than that.
+  if (reply_.index() < 2) {
+    const auto usual = health_.median().value_or(std::chrono::milliseconds(0));
+    const auto longest = std::min(2 * usual, LateAnswers::kLongest);
+    if (longest > kWideWait) co_await block_complete(longest - kWideWait);
+  }
   const bool another = answers_another(request, reply_.size());
   const std::optional<int> value = another ? std::nullopt : reply_.take_last_pair();
   if (!value) give_up();
