@@ -1,26 +1,16 @@
 #include <windows.h>
 
-#include <algorithm>
 #include <fstream>
 #include <system_error>
 
 #include "base/atomic_file.h"
+#include "base/handle_win32.h"
 
 namespace qv5123::detail {
 namespace {
 
 std::string last_error() {
   return std::system_category().message(static_cast<int>(GetLastError()));
-}
-
-bool write_all(HANDLE file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const DWORD piece = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1u << 20));
-    DWORD written = 0;
-    if (!WriteFile(file, bytes.data(), piece, &written, nullptr)) return false;
-    bytes.remove_prefix(written);
-  }
-  return true;
 }
 
 }  // namespace

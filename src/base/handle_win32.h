@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace qv5123 {
@@ -27,5 +29,16 @@ class Handle {
  private:
   HANDLE handle_;
 };
+
+/// Writes where the file stands, piece after piece. The error is the system's last one.
+inline bool write_all(HANDLE file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const DWORD piece = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1u << 20));
+    DWORD written = 0;
+    if (!WriteFile(file, bytes.data(), piece, &written, nullptr)) return false;
+    bytes.remove_prefix(written);
+  }
+  return true;
+}
 
 }  // namespace qv5123

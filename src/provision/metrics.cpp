@@ -39,6 +39,7 @@ std::optional<RecordedUnit> recorded_unit(std::string_view line) {
     unit.failed_step = json.value("failed_step", std::string());
     unit.seconds = json.value("seconds", 0.0);
     unit.retries = json.value("retries", 0);
+    unit.rehearsed = json.value("dry_run", false);
     for (const RecordJson& step : json.value("steps", RecordJson::array()))
       unit.steps.push_back(recorded_step(step));
     return unit;
@@ -51,13 +52,14 @@ RecordedUnit recorded_unit(const UnitRecord& record) {
   const auto seconds = [](std::chrono::milliseconds time) {
     return static_cast<double>(time.count()) / 1000;
   };
-  RecordedUnit unit{record.unit,
-                    record.serial,
-                    record.verdict,
-                    record.failed_step(),
-                    seconds(record.time),
-                    record.retries(),
-                    {}};
+  RecordedUnit unit;
+  unit.unit = record.unit;
+  unit.serial = record.serial;
+  unit.verdict = record.verdict;
+  unit.failed_step = record.failed_step();
+  unit.seconds = seconds(record.time);
+  unit.retries = record.retries();
+  unit.rehearsed = record.rehearsed;
   for (const StepRecord& step : record.steps)
     unit.steps.push_back({step.name, seconds(step.time), step.passed});
   return unit;
@@ -68,10 +70,10 @@ std::size_t for_each_record(const std::filesystem::path& path,
   std::ifstream file(path, std::ios::binary);
   std::size_t others = 0;
   std::string line;
-  while (std::getline(file, line) && !file.eof()) {
+  while (std::getline(file, line)) {
     if (const auto unit = recorded_unit(line))
       take(*unit);
-    else
+    else if (!file.eof())
       ++others;
   }
   return others;
@@ -82,6 +84,7 @@ void Metrics::take_records(const std::filesystem::path& records) {
 }
 
 void Metrics::take(const RecordedUnit& unit) {
+  if (unit.rehearsed) return;
   ++units_[unit.verdict];
   if (!unit.failed_step.empty()) ++steps_[unit.failed_step].failures;
   for (const RecordedStep& step : unit.steps) {

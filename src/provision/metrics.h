@@ -26,19 +26,20 @@ struct RecordedUnit {
   std::string failed_step;
   double seconds = 0;
   int retries = 0;
+  bool rehearsed = false;
   std::vector<RecordedStep> steps;
 };
 /// Nothing for a line that is no record.
 std::optional<RecordedUnit> recorded_unit(std::string_view line);
 RecordedUnit recorded_unit(const UnitRecord& record);
 
-/// Calls `take` for each record of the file. How many lines were none; what the last writer that died left
-/// behind the last line end does not count.
+/// Calls `take` for each record of the file, also one that lacks its line end. How many lines were none; what
+/// the last writer that died left behind the last line end does not count.
 std::size_t for_each_record(const std::filesystem::path& path,
                             const std::function<void(const RecordedUnit&)>& take);
 
 /// Units, failures by step and seconds by step, as a collector takes them. They count on from what the
-/// records already hold.
+/// records already hold. Rehearsals do not count.
 class Metrics {
  public:
   void take_records(const std::filesystem::path& records);

@@ -7,6 +7,7 @@
 #include "base/atomic_file.h"
 #include "base/lock_file.h"
 #include "base/text.h"
+#include "provision/metrics.h"
 
 namespace qv5123 {
 namespace {
@@ -52,10 +53,31 @@ TakenSerial serial_after(const SerialSource& source, long long used) {
   return {"", "All serial numbers of " + path_text(source.list) + " are used"};
 }
 
+/// What a record begins with.
+constexpr std::string_view kBeginning = "{\"unit\":";
+
+/// A power cut may leave zeros where a line was to be.
+Tail tail_kind(std::string_view tail) {
+  if (recorded_unit(tail)) return Tail::whole;
+  const bool begun = tail.starts_with(kBeginning) || kBeginning.starts_with(tail) ||
+                     tail.find_first_not_of('\0') == tail.npos;
+  return begun ? Tail::cut : Tail::foreign;
+}
+
+/// Why there is no room; empty when there is.
+std::string make_room(const std::filesystem::path& room) {
+  std::error_code error;
+  if (std::filesystem::file_size(room, error) == kRoom && !error) return {};
+  return write_file_atomically(room, std::string(kRoom, ' ')).text;
+}
+
 }  // namespace
 
+/// On the disk of the file itself, whatever links lead to it.
 std::filesystem::path RecordBook::room() const {
-  std::filesystem::path room = path_;
+  std::error_code error;
+  std::filesystem::path room = std::filesystem::weakly_canonical(path_, error);
+  if (error) room = path_;
   room += ".room";
   return room;
 }
@@ -64,9 +86,8 @@ std::string RecordBook::keep_room() const {
   if (path_.empty()) return {};
   const FileLock lock = lock_beside(path_, kPatience);
   if (lock.busy) return busy_text(path_);
-  std::error_code error;
-  if (std::filesystem::exists(room(), error)) return {};
-  return write_file_atomically(room(), std::string(kRoom, ' ')).text;
+  const std::string trouble = append_lines(path_, {}, tail_kind);
+  return trouble.empty() ? make_room(room()) : trouble;
 }
 
 std::string RecordBook::append(const std::string& line) const {
@@ -74,8 +95,12 @@ std::string RecordBook::append(const std::string& line) const {
   const FileLock lock = lock_beside(path_, kPatience);
   if (lock.busy) return busy_text(path_);
   std::error_code error;
-  std::filesystem::remove(room(), error);
-  return append_line(path_, line);
+  const std::filesystem::path room = this->room();
+  std::filesystem::remove(room, error);
+  const std::string trouble = append_lines(path_, line + "\n", tail_kind);
+  // For those that are under way. Where there is none left, the next unit does not begin.
+  if (trouble.empty()) make_room(room);
+  return trouble;
 }
 
 TakenSerial next_serial(const SerialSource& source, int ahead) {

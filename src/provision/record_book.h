@@ -15,10 +15,12 @@ class RecordBook {
   explicit RecordBook(std::filesystem::path path) : path_(std::move(path)) {}
 
   const std::filesystem::path& path() const { return path_; }
-  /// Keeps room on the disk for the records of units that are about to begin, in a file beside. Why there is
-  /// none, in words; empty when there is.
+  /// Tries the file, and keeps room on the disk for the records of units that are about to begin, in a file
+  /// beside. Why there is none, in words; empty when there is.
   std::string keep_room() const;
-  /// Appends a record and returns once it is on the disk. Why it is not, in words; empty when it is.
+  /// Appends a record and returns once it is on the disk, with room for others beside it where there is any.
+  /// A file that ends with something else than a record is left as it is. Why the record is not there, in
+  /// words; empty when it is.
   std::string append(const std::string& line) const;
 
  private:

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "base/csv_field.h"
 #include "base/text.h"
 #include "provision/metrics.h"
 
@@ -19,13 +20,6 @@ struct StepTime {
 
 std::string share_text(std::size_t part, std::size_t of) {
   return of == 0 ? "-" : fixed(static_cast<double>(part) * 100 / static_cast<double>(of), 1) + " %";
-}
-
-std::string csv_field(const std::string& text) {
-  if (text.find_first_of(",\"\n") == std::string::npos) return text;
-  std::string quoted = "\"";
-  for (const char c : text) quoted += c == '"' ? "\"\"" : std::string(1, c);
-  return quoted + "\"";
 }
 
 }  // namespace

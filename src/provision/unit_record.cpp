@@ -43,6 +43,7 @@ std::string record_line(const UnitRecord& record, const Recipe& recipe) {
   if (!record.why.empty()) json["why"] = record.why;
   if (!record.failed_step().empty()) json["failed_step"] = record.failed_step();
   json["retries"] = record.retries();
+  if (record.rehearsed) json["dry_run"] = true;
   json["steps"] = steps;
   json["recipe"] = recipe.name;
   json["recipe_sha256"] = recipe.sha256;

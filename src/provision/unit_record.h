@@ -29,6 +29,7 @@ struct UnitRecord {
   std::chrono::milliseconds time{0};
   std::string verdict;  ///< "pass", "fail", or "stopped" by the operator
   std::string why;      ///< empty for "pass"
+  bool rehearsed = false;
   std::vector<StepRecord> steps;
 
   bool passed() const { return verdict == "pass"; }

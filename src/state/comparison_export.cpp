@@ -1,8 +1,8 @@
 #include <string>
 #include <vector>
 
+#include "base/csv_field.h"
 #include "state/comparison.h"
-#include "state/csv_field.h"
 
 namespace qv5123 {
 namespace {

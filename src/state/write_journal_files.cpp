@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/append_file.h"
 #include "base/atomic_file.h"
 #include "base/text.h"
 
@@ -47,10 +48,8 @@ std::string append_to(const fs::path& path, std::chrono::system_clock::time_poin
   fs::create_directories(path.parent_path(), error);
   // One that was removed meanwhile begins anew.
   const bool begins = !fs::exists(path, error);
-  std::ofstream file(path, std::ios::binary | std::ios::app);
-  if (begins) file << journal_head(now);
-  file << lines << std::flush;
-  return file ? std::string() : path_text(path) + " cannot be written.";
+  return append_lines(path, begins ? journal_head(now) + lines : lines,
+                      [](std::string_view) { return Tail::cut; });
 }
 
 std::string beginning_of(const fs::path& path, std::uintmax_t limit, bool& whole) {

@@ -1,4 +1,4 @@
-#include "state/csv_field.h"
+#include "base/csv_field.h"
 
 namespace qv5123 {
 
