@@ -19,16 +19,11 @@ std::optional<RegDescription> read_description(RecipeTable& table) {
   return description;
 }
 
-void check_order(const RecipeTable& table, const std::vector<Step>& steps) {
-  bool settings = false;
-  std::size_t number = 0;
-  for (const Step& step : steps) {
-    ++number;
-    settings = settings || std::holds_alternative<SettingsStep>(step.work);
-    if (std::holds_alternative<PagesStep>(step.work) && !settings)
-      table.refuse("step",
-                   "step " + std::to_string(number) + " saves pages, and no settings stand before it");
-  }
+void check_order(const RecipeTable& step, const std::vector<Step>& steps) {
+  if (!std::holds_alternative<PagesStep>(steps.back().work)) return;
+  const bool settings =
+      std::ranges::any_of(steps, [](const Step& s) { return std::holds_alternative<SettingsStep>(s.work); });
+  if (!settings) step.refuse("do", "saves pages, and no settings stand before it");
 }
 
 void read_steps(RecipeTable& table, const RegDescription* description, Recipe& recipe) {
@@ -39,20 +34,18 @@ void read_steps(RecipeTable& table, const RegDescription* description, Recipe& r
     const std::string place = "step " + std::to_string(recipe.steps.size() + 1);
     RecipeTable step(*element.as_table(), place, table.folder());
     recipe.steps.push_back(read_step(step, description));
+    check_order(step, recipe.steps);
   }
-  check_order(table, recipe.steps);
 }
 
 Recipe read_root(const toml::table& root, const std::filesystem::path& path) {
   Recipe recipe;
   recipe.path = path;
   RecipeTable table(root, "", path.parent_path());
+  table.allow({"name", "records", "description", "step"});
   recipe.name = table.text("name", path_text(path.stem()));
   if (table.has("records")) recipe.records = table.path("records");
   const std::optional<RegDescription> description = read_description(table);
-  // A file of another key first, so that what is said of it is about the key that is wrong.
-  table.node("step");
-  table.end();
   read_steps(table, description ? &*description : nullptr, recipe);
   return recipe;
 }
@@ -63,14 +56,8 @@ std::string parse_problem(const toml::parse_error& error) {
 
 }  // namespace
 
-ReadRecipe read_recipe(const std::filesystem::path& path) {
+ReadRecipe parse_recipe(std::string_view text, const std::filesystem::path& path) {
   ReadRecipe read;
-  std::string text;
-  const FileResult result = read_whole_file(path, text, kLargestRecipe);
-  if (!result.ok()) {
-    read.problem = result.text;
-    return read;
-  }
   try {
     const toml::table root = toml::parse(text);
     read.recipe = read_root(root, path);
@@ -81,6 +68,17 @@ ReadRecipe read_recipe(const std::filesystem::path& path) {
     read.problem = path_text(path) + ", " + problem.text;
   }
   return read;
+}
+
+ReadRecipe read_recipe(const std::filesystem::path& path) {
+  ReadRecipe read;
+  std::string text;
+  const FileResult result = read_whole_file(path, text, kLargestRecipe);
+  if (!result.ok()) {
+    read.problem = result.text;
+    return read;
+  }
+  return parse_recipe(text, path);
 }
 
 }  // namespace qv5123

@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -130,6 +131,8 @@ struct ReadRecipe {
 
 /// Reads the recipe and every file that it names.
 ReadRecipe read_recipe(const std::filesystem::path& path);
+/// The same of a recipe's text, which would stand at `path`.
+ReadRecipe parse_recipe(std::string_view text, const std::filesystem::path& path);
 
 /// About how long the step takes at 19200 baud; for a bar, not for a wait.
 std::chrono::milliseconds expected_time(const Step& step);

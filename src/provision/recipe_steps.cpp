@@ -5,6 +5,7 @@
 #include "console/setting_file.h"
 #include "console/setting_format.h"
 #include "provision/recipe_table.h"
+#include "provision/record_book.h"
 #include "registers/register_file.h"
 #include "tuning/settings_table.h"
 #include "tuning/tuning_pages.h"
@@ -30,7 +31,7 @@ VersionNumbers version_of(const RecipeTable& table, std::string_view key, const 
   return numbers;
 }
 
-ExpectStep read_expect(RecipeTable& table) {
+ExpectStep read_expect(RecipeTable& table, const RegDescription*) {
   constexpr std::array kKeys{"hw", "sw", "isp"};
   ExpectStep step;
   for (int slot = 0; slot < kVersionSlots; ++slot) {
@@ -44,7 +45,8 @@ ExpectStep read_expect(RecipeTable& table) {
   return step;
 }
 
-ImageStep read_image(RecipeTable& table, TransferKind kind) {
+template <TransferKind kind>
+ImageStep read_image(RecipeTable& table, const RegDescription*) {
   ImageStep step;
   step.kind = kind;
   step.file = table.file();
@@ -81,29 +83,50 @@ void check_list(const RecipeTable& table, const std::vector<std::string>& serial
   if (serials.empty()) table.refuse("list", "holds no serial numbers");
 }
 
-SerialSource read_serial(RecipeTable table) {
+/// Of a path that something will be written to.
+void check_folder(const RecipeTable& table, std::string_view key, const std::filesystem::path& path) {
+  std::error_code error;
+  const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
+  if (!std::filesystem::is_directory(folder, error))
+    table.refuse(key, "there is no folder " + path_text(folder));
+}
+
+SerialSource read_list(RecipeTable& table) {
+  table.allow({"list", "entry"});
   SerialSource source;
-  if (table.has("list")) {
-    source.list = table.path("list");
-    source.serials = lines_of(table, source.list);
-    check_list(table, source.serials);
-    source.state = source.list;
-    source.state += ".used";
-  } else {
-    source.state = table.path("counter");
-    source.prefix = table.text("prefix", "");
-    source.first = table.has("first") ? table.whole("first", 0LL, 999'999'999'999LL) : 1;
-    source.digits = table.whole("digits", 1, 12, source.digits);
-  }
-  if (table.has("entry")) {
-    constexpr int kLast = static_cast<int>(UserDataImage::kSize) - 1;
-    source.entry = static_cast<std::size_t>(table.whole("entry", 0, kLast, 0));
-    std::size_t longest = source.prefix.size() + static_cast<std::size_t>(source.digits);
-    for (const std::string& serial : source.serials) longest = std::max(longest, serial.size());
-    if (*source.entry + longest > UserDataImage::kSize)
-      table.refuse("entry", "its end lies beyond entry 1023");
-  }
-  table.end();
+  source.list = table.path("list");
+  source.serials = lines_of(table, source.list);
+  check_list(table, source.serials);
+  source.state = source.list;
+  source.state += ".used";
+  return source;
+}
+
+SerialSource read_counter(RecipeTable& table) {
+  table.allow({"counter", "prefix", "digits", "first", "entry"});
+  SerialSource source;
+  source.state = table.path("counter");
+  check_folder(table, "counter", source.state);
+  source.prefix = table.text("prefix", "");
+  source.digits = table.whole("digits", 1, 12, source.digits);
+  source.first = table.has("first") ? table.whole("first", 0LL, 999'999'999'999LL) : 1;
+  if (std::to_string(source.first).size() > static_cast<std::size_t>(source.digits))
+    table.refuse("first", std::to_string(source.first) + " has more than " + std::to_string(source.digits) +
+                              " digits");
+  return source;
+}
+
+SerialSource read_serial(RecipeTable table) {
+  const char* key = table.has("list") ? "list" : "counter";
+  SerialSource source = table.has("list") ? read_list(table) : read_counter(table);
+  const TakenSerial next = next_serial(source);
+  if (!next.problem.empty()) table.refuse(key, next.problem);
+  if (!table.has("entry")) return source;
+  constexpr int kLast = static_cast<int>(UserDataImage::kSize) - 1;
+  source.entry = static_cast<std::size_t>(table.whole("entry", 0, kLast, 0));
+  std::size_t longest = source.list.empty() ? next.serial.size() : 0;
+  for (const std::string& serial : source.serials) longest = std::max(longest, serial.size());
+  if (*source.entry + longest > UserDataImage::kSize) table.refuse("entry", "its end lies beyond entry 1023");
   return source;
 }
 
@@ -120,7 +143,7 @@ void assign(RecipeTable& table, const SettingsTable& settings, const std::string
         name, std::to_string(number) + " is beyond its range, it would count as " + std::to_string(stored));
 }
 
-SettingsStep read_settings(RecipeTable& table) {
+SettingsStep read_settings(RecipeTable& table, const RegDescription*) {
   SettingsStep step;
   step.file = table.file();
   const std::string oddity = format_summary(step.file.bytes);
@@ -128,7 +151,7 @@ SettingsStep read_settings(RecipeTable& table) {
   step.image = image_of(step.file.bytes);
   if (auto set = table.table("set")) {
     const SettingsTable settings;
-    for (const std::string& name : set->rest()) assign(*set, settings, name, step.image);
+    for (const std::string& name : set->keys()) assign(*set, settings, name, step.image);
   }
   if (auto serial = table.table("serial")) step.serial = read_serial(std::move(*serial));
   step.says = table.text("says", step.says);
@@ -136,7 +159,7 @@ SettingsStep read_settings(RecipeTable& table) {
   return step;
 }
 
-PagesStep read_pages(RecipeTable& table) {
+PagesStep read_pages(RecipeTable& table, const RegDescription*) {
   PagesStep step;
   step.pages = table.texts("pages");
   if (step.pages.empty() || step.pages == std::vector<std::string>{"all"})
@@ -159,7 +182,8 @@ std::vector<ExpectedRegister> read_registers(RecipeTable& table, const char* key
     registers = std::move(expected.registers);
   }
   if (auto below = table.table(key)) {
-    for (const std::string& name : below->rest()) {
+    if (below->keys().empty()) table.refuse(key, "is empty");
+    for (const std::string& name : below->keys()) {
       ExpectedRegister expected;
       const std::string value = std::to_string(below->whole(name, 0LL, 0xFF));
       const std::string problem = expect_register(name, value, description, expected);
@@ -188,23 +212,27 @@ CheckStep::Value read_value(RecipeTable& table, const std::string& name) {
   const auto field = std::ranges::find(fields, name.substr(point + 1), &FieldInfo::name);
   if (field == fields.end() || !field->has_reply()) table.refuse(name, "the chip reports no such value");
   value.field = static_cast<std::size_t>(field - fields.begin());
-  const toml::node* node = table.node(name);
-  if (const auto number = node->value_exact<std::int64_t>()) {
-    value.limits.least = value.limits.most = static_cast<double>(*number);
+  if (!table.node(name)->is_table()) {
+    constexpr auto kLargest = static_cast<long long>(RecipeTable::kLargest);
+    const long long number = table.whole(name, -kLargest, kLargest);
+    value.limits.least = value.limits.most = static_cast<double>(number);
     return value;
   }
   auto limits = table.table(name);
-  value.limits.least = limits->real("least", -1e9);
-  value.limits.most = limits->real("most", value.limits.least.value_or(-1e9));
-  limits->end();
+  limits->allow({"least", "most"});
+  value.limits.least = limits->real("least", -RecipeTable::kLargest);
+  value.limits.most = limits->real("most", value.limits.least.value_or(-RecipeTable::kLargest));
+  if (!value.limits.least && !value.limits.most) table.refuse(name, "says neither \"least\" nor \"most\"");
   return value;
 }
 
 CheckStep read_check(RecipeTable& table, const RegDescription* description) {
   CheckStep step;
   step.registers = read_registers(table, "registers", description);
-  if (auto values = table.table("values"))
-    for (const std::string& name : values->rest()) step.values.push_back(read_value(*values, name));
+  if (auto values = table.table("values")) {
+    if (values->keys().empty()) table.refuse("values", "is empty");
+    for (const std::string& name : values->keys()) step.values.push_back(read_value(*values, name));
+  }
   if (step.registers.empty() && step.values.empty())
     table.refuse("do", "checks nothing: file, registers or values say what");
   return step;
@@ -214,7 +242,7 @@ Doubtful doubtful(RecipeTable& table) {
   return table.flag("send_doubtful", false) ? Doubtful::send : Doubtful::refuse;
 }
 
-LensStep read_lens(RecipeTable& table) {
+LensStep read_lens(RecipeTable& table, const RegDescription*) {
   LensStep step;
   const int width = table.whole("width", 1, 4096, 1920);
   if (width != 1920 && width != 1280) table.refuse("width", "is 1920 or 1280");
@@ -277,7 +305,7 @@ ChartPlace chart_place(RecipeTable& table) {
   return *place;
 }
 
-MatrixStep read_matrix(RecipeTable& table) {
+MatrixStep read_matrix(RecipeTable& table, const RegDescription*) {
   MatrixStep step;
   step.place = chart_place(table);
   step.ratio = table.whole("ratio", 0, 100, step.ratio);
@@ -290,22 +318,48 @@ MatrixStep read_matrix(RecipeTable& table) {
   return step;
 }
 
-ReportStep read_report(RecipeTable& table) {
-  return {table.text("file"), table.folder()};
+/// As far as it is known before there is a unit.
+ReportStep read_report(RecipeTable& table, const RegDescription*) {
+  ReportStep step{table.text("file"), table.folder()};
+  const std::filesystem::path path = table.path("file");
+  if (path_text(path.parent_path()).find('{') == std::string::npos) check_folder(table, "file", path);
+  return step;
 }
 
-StepWork read_work(RecipeTable& table, const std::string& what, const RegDescription* description) {
-  if (what == "expect") return read_expect(table);
-  if (what == "firmware") return read_image(table, TransferKind::firmware);
-  if (what == "font") return read_image(table, TransferKind::font);
-  if (what == "settings") return read_settings(table);
-  if (what == "pages") return read_pages(table);
-  if (what == "registers") return read_register_writes(table, description);
-  if (what == "check") return read_check(table, description);
-  if (what == "lsc") return read_lens(table);
-  if (what == "matrix") return read_matrix(table);
-  if (what == "report") return read_report(table);
-  if (what == "factory_copy") return FactoryCopyStep{};
+FactoryCopyStep read_factory_copy(RecipeTable&, const RegDescription*) {
+  return {};
+}
+
+struct StepKind {
+  std::string_view name;
+  RecipeTable::Keys keys;  ///< beside those of all steps
+  StepWork (*read)(RecipeTable&, const RegDescription*);
+};
+
+template <auto read>
+StepWork work_of(RecipeTable& table, const RegDescription* description) {
+  return read(table, description);
+}
+
+const StepKind& kind_of(RecipeTable& table, const std::string& what) {
+  static const StepKind kKinds[]{
+      {"expect", {"hw", "sw", "isp", "serial", "console"}, work_of<read_expect>},
+      {"firmware", {"file", "sha256", "says", "tries"}, work_of<read_image<TransferKind::firmware>>},
+      {"font", {"file", "sha256", "says", "tries"}, work_of<read_image<TransferKind::font>>},
+      {"settings", {"file", "sha256", "says", "tries", "set", "serial"}, work_of<read_settings>},
+      {"pages", {"pages", "repair"}, work_of<read_pages>},
+      {"registers", {"file", "sha256", "set", "verify"}, work_of<read_register_writes>},
+      {"check", {"file", "sha256", "registers", "values"}, work_of<read_check>},
+      {"lsc", {"width", "ratio", "most_ripple", "send_doubtful", "save"}, work_of<read_lens>},
+      {"matrix",
+       {"corners", "first", "step", "ratio", "light", "mode", "most_mean", "most_worst", "send_doubtful",
+        "save"},
+       work_of<read_matrix>},
+      {"report", {"file"}, work_of<read_report>},
+      {"factory_copy", {}, work_of<read_factory_copy>},
+  };
+  const auto found = std::ranges::find(kKinds, what, &StepKind::name);
+  if (found != std::end(kKinds)) return *found;
   table.refuse("do",
                "\"" + what +
                    "\" is no step; the steps are expect, firmware, font, settings, pages, registers, check, "
@@ -317,10 +371,11 @@ StepWork read_work(RecipeTable& table, const std::string& what, const RegDescrip
 Step read_step(RecipeTable& table, const RegDescription* description) {
   Step step;
   const std::string what = table.text("do");
+  const StepKind& kind = kind_of(table, what);
+  table.allow({"do", "name", "wait"}, kind.keys);
   step.name = table.text("name", what);
   step.wait_before = std::chrono::milliseconds(table.whole("wait", 0, 3'600'000, 0));
-  step.work = read_work(table, what, description);
-  table.end();
+  step.work = kind.read(table, description);
   return step;
 }
 

@@ -16,16 +16,11 @@ std::filesystem::path path_of(const std::string& utf8) {
 }  // namespace
 
 void RecipeTable::refuse(std::string_view key, const std::string& what) const {
-  const toml::node* node = table_.get(key);
-  const auto line = node ? node->source().begin.line : table_.source().begin.line;
+  const auto found = table_.find(key);
+  const auto line = found == table_.end() ? table_.source().begin.line : found->first.source().begin.line;
   const std::string place =
       place_.empty() || key.empty() ? place_ + std::string(key) : place_ + ", " + std::string(key);
   throw RecipeProblem{"line " + std::to_string(line) + ", " + place + ": " + what};
-}
-
-const toml::node* RecipeTable::node(std::string_view key) {
-  taken_.emplace(key);
-  return table_.get(key);
 }
 
 template <class T>
@@ -67,6 +62,7 @@ std::optional<double> RecipeTable::real(std::string_view key, double lowest) {
   const auto number = found->is_number() ? found->value<double>() : std::nullopt;
   if (!number || !std::isfinite(*number)) refuse(key, "is not a number");
   if (*number < lowest) refuse(key, shortest(*number) + " is below " + shortest(lowest));
+  if (*number > kLargest) refuse(key, shortest(*number) + " is beyond " + shortest(kLargest));
   return number;
 }
 
@@ -115,19 +111,19 @@ std::optional<RecipeTable> RecipeTable::table(std::string_view key) {
   return RecipeTable(*found->as_table(), place, folder_);
 }
 
-std::vector<std::string> RecipeTable::rest() const {
+std::vector<std::string> RecipeTable::keys() const {
   std::vector<std::pair<toml::source_position, std::string>> keys;
-  for (const auto& [key, node] : table_)
-    if (!taken_.contains(key.str())) keys.emplace_back(node.source().begin, key.str());
+  for (const auto& [key, node] : table_) keys.emplace_back(key.source().begin, key.str());
   std::ranges::sort(keys, [](const auto& a, const auto& b) { return a.first < b.first; });
   std::vector<std::string> names;
   for (auto& [position, name] : keys) names.push_back(std::move(name));
   return names;
 }
 
-void RecipeTable::end() const {
-  const std::vector<std::string> names = rest();
-  if (!names.empty()) refuse(names.front(), "no such key is known here");
+void RecipeTable::allow(const Keys& known, const Keys& more) const {
+  for (const std::string& key : keys())
+    if (std::ranges::count(known, key) + std::ranges::count(more, key) == 0)
+      refuse(key, "no such key is known here");
 }
 
 }  // namespace qv5123

@@ -5,7 +5,6 @@
 #include <toml++/toml.h>
 
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -18,13 +17,15 @@ struct RecipeProblem {
   std::string text;
 };
 
-/// A table of a recipe whose keys are taken one after the other. What is wrong with one is a RecipeProblem
-/// that names line and key.
+/// A table of a recipe. What is wrong with a key of it is a RecipeProblem that names line and key.
 class RecipeTable {
  public:
   /// `place` is what problems call the table, such as "step 3"; may be empty.
   RecipeTable(const toml::table& table, std::string place, std::filesystem::path folder)
       : table_(table), place_(std::move(place)), folder_(std::move(folder)) {}
+
+  using Keys = std::vector<std::string_view>;
+  static constexpr double kLargest = 1e9;
 
   bool has(std::string_view key) const { return table_.contains(key); }
   /// Where relative paths begin.
@@ -34,6 +35,7 @@ class RecipeTable {
   std::string text(std::string_view key, std::string otherwise);
   long long whole(std::string_view key, long long lowest, long long highest);
   int whole(std::string_view key, int lowest, int highest, int otherwise);
+  /// At most kLargest.
   std::optional<double> real(std::string_view key, double lowest);
   bool flag(std::string_view key, bool otherwise);
   std::vector<std::string> texts(std::string_view key);
@@ -43,12 +45,12 @@ class RecipeTable {
   RecipeFile file();
   /// A table below; nothing where there is none.
   std::optional<RecipeTable> table(std::string_view key);
-  const toml::node* node(std::string_view key);
-  /// All keys that were not taken yet, in the order of the file.
-  std::vector<std::string> rest() const;
+  const toml::node* node(std::string_view key) const { return table_.get(key); }
+  /// All keys, in the order of the file.
+  std::vector<std::string> keys() const;
 
-  /// Nothing may be left: a key that nobody knows is a problem.
-  void end() const;
+  /// A key that is none of these is a problem. Said first, so that no other hides it.
+  void allow(const Keys& known, const Keys& more = {}) const;
   [[noreturn]] void refuse(std::string_view key, const std::string& what) const;
 
  private:
@@ -58,7 +60,6 @@ class RecipeTable {
   const toml::table& table_;
   std::string place_;
   std::filesystem::path folder_;
-  std::set<std::string, std::less<>> taken_;
 };
 
 /// One element of "step".

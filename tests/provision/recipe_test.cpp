@@ -72,8 +72,47 @@ TEST_F(RecipeTest, WhatIsWrongIsNamedWithLineAndKey) {
             "line 3, step 1, corners: do not go round a chart");
   EXPECT_EQ(problem("do = \"matrix\"\nfirst = [1500, 180]\nstep = 240"),
             "line 4, step 1, step: the chart would go beyond the picture");
-  EXPECT_EQ(problem("do = \"pages\"\npages = [\"all\"]"),
-            "line 1, step: step 1 saves pages, and no settings stand before it");
+  EXPECT_EQ(problem("do = \"lsc\"\n[[step]]\ndo = \"pages\"\npages = [\"all\"]"),
+            "line 4, step 2, do: saves pages, and no settings stand before it");
+}
+
+TEST_F(RecipeTest, AKeyThatNobodyKnowsIsNotHiddenByWhatElseIsWrong) {
+  EXPECT_EQ(problem("do = \"firmware\"\nflie = \"fw.bin\""),
+            "line 3, step 1, flie: no such key is known here");
+  EXPECT_THAT(read("description = \"no.xml\"\nnmae = \"x\"\n[[step]]\ndo = \"lsc\"").problem,
+              EndsWith("line 2, nmae: no such key is known here"));
+  EXPECT_EQ(problem("do = \"settings\"\nfile = \"lot.dat\"\nserial = { list = \"no.txt\", digits = 4 }"),
+            "line 4, step 1, serial, digits: no such key is known here");
+}
+
+TEST_F(RecipeTest, EmptyTablesAndHugeNumbersAreRefused) {
+  const std::string values = "do = \"check\"\nvalues.\"lsc.parameter1.g\" = ";
+  const std::string place = "line 3, step 1, values, lsc.parameter1.g";
+  EXPECT_EQ(problem(values + "{}"), place + ": says neither \"least\" nor \"most\"");
+  EXPECT_EQ(problem(values + "99999999999"), place + ": 99999999999 is not in -1000000000..1000000000");
+  EXPECT_EQ(problem(values + "{ most = 1e300 }"), place + ", most: 1e+300 is beyond 1e+09");
+  EXPECT_EQ(problem("do = \"check\"\nregisters = {}\nvalues.\"lsc.parameter1.g\" = 5"),
+            "line 3, step 1, registers: is empty");
+}
+
+TEST_F(RecipeTest, WhatWouldEndEveryUnitIsFoundBeforeTheFirst) {
+  const auto serial = [this](const std::string& serial) {
+    return problem("do = \"settings\"\nfile = \"lot.dat\"\nserial = " + serial);
+  };
+  EXPECT_THAT(serial("{ counter = \"no/serials\" }"),
+              testing::StartsWith("line 4, step 1, serial, counter: there is no folder "));
+  EXPECT_EQ(serial("{ counter = \"serials\", digits = 3, first = 1000 }"),
+            "line 4, step 1, serial, first: 1000 has more than 3 digits");
+  EXPECT_EQ(serial("{}"), "line 4, step 1, serial, counter: is missing");
+  folder_.write("serials", "999\n");
+  EXPECT_EQ(serial("{ counter = \"serials\", digits = 3 }"),
+            "line 4, step 1, serial, counter: The serial numbers of 3 digits are used up");
+  folder_.write("two.txt", "A1\nA2\n");
+  folder_.write("two.txt.used", "2\n");
+  EXPECT_THAT(serial("{ list = \"two.txt\" }"),
+              testing::StartsWith("line 4, step 1, serial, list: All serial numbers of "));
+  EXPECT_THAT(problem("do = \"report\"\nfile = \"no/{serial}.json\""),
+              testing::StartsWith("line 3, step 1, file: there is no folder "));
 }
 
 TEST_F(RecipeTest, FilesAreReadAndSettingsChanged) {
