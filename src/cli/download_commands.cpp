@@ -73,7 +73,7 @@ class Download {
     view.set_progress = [](int) {};
     view.show_progress_text = [this](const std::string& text) { chip_.out().progress(text); };
     view.append_console = [this](const std::string& text) {
-      last_said_ = words_of(text);
+      last_said_ = bare_words(text);
       say(text);
     };
     return view;
@@ -92,12 +92,6 @@ class Download {
     return text;
   }
 
-  /// "< FONT ... >" without line ends and brackets.
-  static std::string words_of(const std::string& text) {
-    const std::size_t first = text.find_first_not_of("\r\n< ");
-    if (first == std::string::npos) return {};
-    return text.substr(first, text.find_last_not_of("\r\n> ") + 1 - first);
-  }
   std::string cancelled_text() const {
     const bool waits = last_said_.find("the chip still") != std::string::npos;
     return waits ? "Cancelled: " + last_said_ : "Cancelled";

@@ -67,7 +67,8 @@ ProductionLine::Options line_options(const Context& context, const ProvisionOpti
   ProductionLine::Options line;
   line.watch = options.watch;
   line.timeout = context.globals.timeout;
-  line.metrics = options.metrics;
+  // They tell of boards.
+  if (!options.dry_run) line.metrics = options.metrics;
   line.dry = options.dry_run;
   return line;
 }
@@ -160,7 +161,8 @@ ExitCode run(Context& context, const ProvisionOptions& options) {
   if (context.globals.ports.empty()) refuse("provision needs --port for every board, or --dry-run");
   Station station(context, options, recipe);
   station.run();
-  return end(context, station.line(), station.interrupted() && station.line().failed() > 0);
+  const ProductionLine& line = station.line();
+  return end(context, line, station.interrupted() && (line.failed() > 0 || line.incomplete()));
 }
 
 void declare(CLI::App& command, ProvisionOptions& options) {

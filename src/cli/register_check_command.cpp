@@ -19,17 +19,6 @@ struct CheckOptions {
   std::filesystem::path description;
 };
 
-std::string byte_text(int value) {
-  return hex(static_cast<unsigned>(value), 2);
-}
-
-/// "GAIN_MAX_H: chip 0x12, expected 0x77".
-std::string difference_text(const ExpectedRegister& expected, int value) {
-  const std::string mask = expected.mask == 0xFF ? "" : ", mask " + byte_text(expected.mask);
-  return expected.name + ": chip " + byte_text(value & expected.mask) + ", expected " +
-         byte_text(expected.value) + mask + "\n";
-}
-
 Task<int> read_byte(Chip& chip, const ExpectedRegister& expected) {
   const std::string reply = co_await chip.ask(isp_read_request(expected.address), expected.name);
   if (reply.size() < 2) throw Complaint{ExitCode::negative, expected.name + ": the answer is too short"};
@@ -42,7 +31,7 @@ Task<ExitCode> check(Chip& chip, const std::vector<ExpectedRegister>& all) {
   for (const ExpectedRegister& expected : all) {
     const int value = co_await read_byte(chip, expected);
     if ((value & expected.mask) == (expected.value & expected.mask)) continue;
-    text += difference_text(expected, value);
+    text += difference_text(expected, value) + "\n";
     differences.push_back({{"name", expected.name},
                            {"address", expected.address},
                            {"chip", value & expected.mask},

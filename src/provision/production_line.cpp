@@ -78,7 +78,9 @@ class ProductionLine::Place {
  private:
   Task<> run();
   Task<bool> find_board();
-  Task<bool> answers();
+  enum class Look { silence, answer, start };
+  /// Asks the chip; what comes first may be the greeting of one that has only just started.
+  Task<Look> look();
   Task<> run_unit();
   Task<> run_steps();
   Task<> wait_until_gone();
@@ -93,6 +95,7 @@ class ProductionLine::Place {
   PlaceState::Phase phase_ = PlaceState::Phase::waiting;
   std::string waiting_for_;
   std::string open_problem_;
+  std::string greeting_;  ///< of the board for which the next unit begins; empty where none was heard
   Resolver<bool> unit_over_;
   Flow steps_;
   Flow flow_;
@@ -133,6 +136,7 @@ Task<> ProductionLine::Place::run() {
         UnitSurroundings{*port_, host_, line_.background_, line_.recipe_, line_.options_.timeout,
                          [this] { line_.view_.step_began(state()); }, rehearsed},
         line_.next_unit());
+    if (!greeting_.empty()) unit_->take_greeting(std::exchange(greeting_, {}));
     phase_ = PlaceState::Phase::working;
     if (there) {
       co_await run_unit();
@@ -143,8 +147,8 @@ Task<> ProductionLine::Place::run() {
     phase_ = PlaceState::Phase::finished;
     co_await line_.record(state(), unit_->record());
     recording_ = false;
-    if (line_.options_.watch && line_.interrupts_ == 0) co_await wait_until_gone();
-  } while (line_.options_.watch && line_.interrupts_ == 0);
+    if (line_.goes_on()) co_await wait_until_gone();
+  } while (line_.goes_on());
   port_->close();
 }
 
@@ -155,20 +159,21 @@ Task<bool> ProductionLine::Place::find_board() {
     // Opening closes what was open.
     lost_ = false;
     if (opened.ok() && !line_.options_.watch) co_return true;
-    const bool there = opened.ok() && co_await answers();
-    if (there) co_return true;
-    if (!line_.options_.watch) {
-      open_problem_ = opened.text;
-      co_return false;
-    }
+    const Look found = opened.ok() ? co_await look() : Look::silence;
+    if (found != Look::silence) co_return true;
+    if (!line_.options_.watch) open_problem_ = opened.text;
+    if (!line_.goes_on()) co_return false;
     waiting_for_ = opened.ok() || opened.error == OpenError::not_found ? "waiting for a board" : opened.text;
     co_await Delay(line_.scheduler_, kTryEvery);
   }
 }
 
-Task<bool> ProductionLine::Place::answers() {
+Task<ProductionLine::Place::Look> ProductionLine::Place::look() {
   const auto reply = co_await port_->link().request(isp_read_request(kAnyRegister), line_.options_.timeout);
-  co_return reply.has_value();
+  if (!reply) co_return Look::silence;
+  if (!is_greeting(*reply)) co_return Look::answer;
+  greeting_ = *reply;
+  co_return Look::start;
 }
 
 Task<> ProductionLine::Place::run_steps() {
@@ -184,20 +189,29 @@ Task<> ProductionLine::Place::run_unit() {
   host_.go_on();
   steps_.start(run_steps());
   const bool whole = co_await unit_over_.pending();
+  if (!whole) {
+    // A moment later: this may have been called from within the flow.
+    co_await Delay(line_.scheduler_, milliseconds(0));
+    steps_.cancel();
+    unit_->give_up(port_->name() + " is gone");
+  }
   unit_running_ = false;
-  if (whole) co_return;
-  // A moment later: this may have been called from within the flow.
-  co_await Delay(line_.scheduler_, milliseconds(0));
-  steps_.cancel();
-  unit_->give_up(port_->name() + " is gone");
 }
 
+/// One that starts is another one, or was without power like one.
 Task<> ProductionLine::Place::wait_until_gone() {
   int silent = 0;
-  while (!lost_ && port_->connected() && silent < kSilent && line_.interrupts_ == 0) {
+  // What the unit's own chip has said.
+  port_->link().reply().forget();
+  while (!lost_ && port_->connected() && silent < kSilent && line_.goes_on()) {
     co_await Delay(line_.scheduler_, kAskEvery);
-    const bool there = co_await answers();
-    silent = there ? 0 : silent + 1;
+    if (const auto said = port_->link().reply().take_block(); said && is_greeting(*said)) {
+      greeting_ = *said;
+      break;
+    }
+    const Look found = co_await look();
+    if (found == Look::start) break;
+    silent = found == Look::answer ? 0 : silent + 1;
   }
   unit_.reset();
 }
@@ -232,6 +246,15 @@ void ProductionLine::interrupt() {
 
 bool ProductionLine::over() const {
   return std::ranges::all_of(places_, [](const auto& place) { return place->over(); });
+}
+
+bool ProductionLine::goes_on() const {
+  return options_.watch && interrupts_ == 0 && record_trouble_.empty();
+}
+
+bool ProductionLine::incomplete() const {
+  const std::size_t expected = options_.watch ? 1 : places_.size();
+  return static_cast<std::size_t>(passed_ + failed_) < expected;
 }
 
 std::vector<PlaceState> ProductionLine::places() const {

@@ -64,6 +64,8 @@ class ProductionLine {
   bool over() const;
   int passed() const { return passed_; }
   int failed() const { return failed_; }
+  /// Not every port had its unit; with `watch`, none had.
+  bool incomplete() const;
   /// Why records could not be written; empty while they can. No unit begins any more then.
   const std::string& record_trouble() const { return record_trouble_; }
   std::vector<PlaceState> places() const;
@@ -72,6 +74,8 @@ class ProductionLine {
   class Place;
 
   std::string next_unit();
+  /// Whether after a unit comes the next.
+  bool goes_on() const;
   Task<bool> may_begin();
   Task<> record(const PlaceState& state, const UnitRecord& record);
   Task<> write_metrics();

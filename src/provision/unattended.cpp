@@ -22,4 +22,10 @@ Task<std::optional<std::filesystem::path>> HeadlessPrompts::choose_save(FileChoi
   co_return std::nullopt;
 }
 
+std::string bare_words(const std::string& text) {
+  const std::size_t first = text.find_first_not_of("\r\n< ");
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of("\r\n> ") + 1 - first);
+}
+
 }  // namespace qv5123

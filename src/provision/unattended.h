@@ -37,6 +37,9 @@ class HeadlessPrompts final : public Prompts {
   bool asked_ = false;
 };
 
+/// "FONT ..." of what a transfer says on the console, "\r\n< FONT ... >\r\n".
+std::string bare_words(const std::string& text);
+
 /// Runs a desk that nobody looks at, and keeps what it says.
 class UnattendedHost final : public DeskHost {
  public:

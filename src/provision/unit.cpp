@@ -1,5 +1,6 @@
 #include "provision/unit.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/delay.h"
@@ -14,6 +15,8 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kLook{10};
+/// So soon a stop is seen.
+constexpr milliseconds kLongestDelay{200};
 /// A chip announces itself when its line is opened; nothing is asked before it has.
 constexpr milliseconds kGreeting{150};
 constexpr milliseconds kLongestGreeting{1500};
@@ -23,6 +26,10 @@ constexpr std::size_t kSerialDigits = 9;
 constexpr std::size_t kGreetingDigits = 2 * (kVersionDigits + kSerialDigits);
 
 }  // namespace
+
+bool is_greeting(std::string_view block) {
+  return block.size() >= kGreetingDigits && all_hex_digits(block);
+}
 
 bool matches(std::string_view text, std::string_view pattern) {
   if (pattern.empty()) return text.empty();
@@ -39,6 +46,7 @@ Unit::Unit(UnitSurroundings surroundings, std::string id) : around_(surroundings
   record_.unit = std::move(id);
   record_.port = around_.port.name();
   record_.started = iso_time(std::chrono::system_clock::now());
+  record_.rehearsed = around_.rehearsed.has_value();
   began_ = scheduler().now();
 }
 
@@ -100,11 +108,19 @@ Task<> Unit::run() {
 Task<> Unit::run_step(const Step& step) {
   around_.host.forget_failure();
   around_.port.prepare(step);
-  if (step.wait_before.count() > 0) co_await Delay(scheduler(), step.wait_before);
+  co_await pause(step.wait_before);
   co_await std::visit([this](const auto& work) { return do_step(work); }, step.work);
 }
 
-/// The block that comes with the banner has the versions and the serial number.
+Task<> Unit::pause(milliseconds time) {
+  const milliseconds end = scheduler().now() + time;
+  while (scheduler().now() < end) {
+    check_stop();
+    co_await Delay(scheduler(), std::min(kLongestDelay, end - scheduler().now()));
+  }
+  check_stop();
+}
+
 Task<> Unit::greet() {
   co_await wait_for_quiet(kGreeting, kLongestGreeting);
   if (const std::optional<std::string> block = link().reply().take_block()) take_greeting(*block);
@@ -114,13 +130,14 @@ Task<> Unit::greet() {
 Task<> Unit::hear_greeting() {
   const milliseconds start = scheduler().now();
   while (!version_ && scheduler().now() - start < around_.timeout) {
+    check_stop();
     co_await Delay(scheduler(), kLook);
     if (const std::optional<std::string> block = link().reply().take_block()) take_greeting(*block);
   }
 }
 
 void Unit::take_greeting(const std::string& block) {
-  if (block.size() < kGreetingDigits || !all_hex_digits(block)) return;
+  if (!is_greeting(block)) return;
   version_.emplace();
   for (std::size_t i = 0; i < kVersionDigits; ++i)
     *version_ += static_cast<char>('0' + reply_byte(block, i) % 10);
@@ -182,8 +199,10 @@ Task<> Unit::read_page(TuningModel& page) {
 
 Task<bool> Unit::hear(const std::string& text, milliseconds longest) {
   const milliseconds start = scheduler().now();
-  while (said_.find(text) == std::string::npos && scheduler().now() - start < longest)
+  while (said_.find(text) == std::string::npos && scheduler().now() - start < longest) {
+    check_stop();
     co_await Delay(scheduler(), kLook);
+  }
   co_return said_.find(text) != std::string::npos;
 }
 

@@ -38,6 +38,8 @@ class Unit {
   /// Ends the record of a unit whose run() was given up, since the port is gone or never came.
   void give_up(const std::string& why);
   void take_console(const std::string& text);
+  /// The block that comes with the banner has the versions and the serial number.
+  void take_greeting(const std::string& block);
 
   const UnitRecord& record() const { return record_; }
   std::size_t current_step() const { return current_; }
@@ -50,6 +52,8 @@ class Unit {
   Task<> greet();
   Task<> hear_greeting();
   Task<> run_step(const Step& step);
+  /// Ends early where the unit is to stop.
+  Task<> pause(std::chrono::milliseconds time);
   Task<> do_step(const ExpectStep& step);
   Task<> do_step(const ImageStep& step);
   Task<> do_step(const SettingsStep& step);
@@ -84,7 +88,6 @@ class Unit {
   CommandLink& link() { return around_.port.link(); }
   Scheduler& scheduler() { return around_.port.link().scheduler(); }
   StepRecord& step_record() { return record_.steps.back(); }
-  void take_greeting(const std::string& block);
   void check_versions(const ExpectStep& step) const;
   void check_stop() const;
 
@@ -101,6 +104,9 @@ class Unit {
   std::chrono::milliseconds step_began_{0};
   bool stopped_ = false;
 };
+
+/// Whether a reply block is what a chip that starts says of itself.
+bool is_greeting(std::string_view block);
 
 /// Whether the text is one of the pattern's: '*' stands for any text, '?' for a character.
 bool matches(std::string_view text, std::string_view pattern);

@@ -29,15 +29,6 @@ std::string version_text(const VersionNumbers& numbers) {
   return std::to_string(numbers[0]) + "." + std::to_string(numbers[1]) + "." + std::to_string(numbers[2]);
 }
 
-std::string byte_text(int value) {
-  return hex(static_cast<unsigned>(value), 2);
-}
-
-std::string difference_text(const ExpectedRegister& reg, int value) {
-  return reg.name + ": chip " + byte_text(value & reg.mask) + ", expected " + byte_text(reg.value) +
-         (reg.mask == 0xFF ? "" : ", mask " + byte_text(reg.mask));
-}
-
 std::string limits_text(const Limits& limits) {
   if (!limits.least) return "at most " + shortest(*limits.most);
   if (!limits.most) return "at least " + shortest(*limits.least);
@@ -50,13 +41,6 @@ std::string changed_text(const RecipeFile& file) {
   const FileResult result = read_whole_file(file.path, bytes);
   if (!result.ok()) return result.text;
   return sha256(bytes) == file.sha256 ? "" : file.shown + " is not what it was when the recipe was checked";
-}
-
-/// "< FONT ... >" without line ends and brackets.
-std::string words_of(const std::string& text) {
-  const std::size_t first = text.find_first_not_of("\r\n< ");
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of("\r\n> ") + 1 - first);
 }
 
 /// "{serial}" and its kind replaced. What no name of a file should have becomes '_'.
@@ -122,12 +106,13 @@ Task<> Unit::do_step(const SettingsStep& step) {
 
 Task<> Unit::transfer(TransferKind kind, const RecipeFile* file, const std::string& says, int tries) {
   for (int tried = 1;; ++tried) {
+    check_stop();
     const bool taken = co_await transfer_once(kind, file, says);
     if (taken) co_return;
     check_stop();
     if (tried == tries) throw StepFailed{"the chip did not say \"" + says + "\""};
     ++step_record().retries;
-    co_await Delay(scheduler(), kTransferGivenUp);
+    co_await pause(kTransferGivenUp);
   }
 }
 
@@ -148,7 +133,7 @@ Task<bool> Unit::transfer_once(TransferKind kind, const RecipeFile* file, const 
   const TransferEnd end = co_await image.run(kind);
   if (end == TransferEnd::cancelled) throw StepFailed{"Interrupted"};
   if (end == TransferEnd::not_sent) throw StepFailed{prompts.last_message()};
-  if (end != TransferEnd::sent) throw StepFailed{words_of(last_words)};
+  if (end != TransferEnd::sent) throw StepFailed{bare_words(last_words)};
   said_.erase(0, before);
   if (says.empty()) co_return true;
   // What the system has taken may be on its way for as long as all of it takes on the line.
@@ -222,6 +207,8 @@ Task<> Unit::do_step(const ReportStep& step) {
   RecordJson report = RecordJson::parse(record_line(record_, around_.recipe));
   report.erase("verdict");
   report["chip"] = co_await reported_pages();
+  if (record_.serial.empty() && step.file.find("{serial}") != std::string::npos)
+    throw StepFailed{"the report's name has the serial number in it, and there is none"};
   if (around_.rehearsed) co_return;
   std::string name = filled(step.file, "{serial}", record_.serial);
   name = filled(filled(std::move(name), "{port}", record_.port), "{unit}", record_.unit);

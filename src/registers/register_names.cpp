@@ -101,6 +101,12 @@ std::string expect_register(std::string_view name, std::string_view value, const
   return {};
 }
 
+std::string difference_text(const ExpectedRegister& expected, int value) {
+  const auto byte = [](int number) { return hex(static_cast<unsigned>(number), 2); };
+  return expected.name + ": chip " + byte(value & expected.mask) + ", expected " + byte(expected.value) +
+         (expected.mask == 0xFF ? "" : ", mask " + byte(expected.mask));
+}
+
 RegisterExpectations RegisterExpectations::parse(std::string_view text, const RegDescription* description) {
   RegisterExpectations result;
   for (std::size_t number = 1; !text.empty(); ++number) {

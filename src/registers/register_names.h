@@ -33,6 +33,9 @@ struct ExpectedRegister {
   int mask = 0xFF;   ///< the bits that count
 };
 
+/// "GAIN_MAX_H: chip 0x12, expected 0x77", with the mask where not all bits count. `value` is the chip's.
+std::string difference_text(const ExpectedRegister& expected, int value);
+
 /// A text of such expectations, one on a line:
 ///
 ///     0xFA0A=0x77 //GAIN_MAX_H

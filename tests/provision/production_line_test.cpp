@@ -186,6 +186,13 @@ TEST_F(ProductionLineTest, ASlowChipsGreetingIsNotTakenForAnAnswer) {
   EXPECT_EQ(record_of("slow")["serial"], "QV5120042");
 }
 
+TEST_F(ProductionLineTest, ASlowLineIsMeasuredAllTheSame) {
+  set_up("[[step]]\ndo = \"lsc\"\nwidth = 1280\nmost_ripple = 12\n");
+  add("slow", line_with(milliseconds(300)));
+  run();
+  EXPECT_EQ(record_of("slow")["verdict"], "pass") << record_of("slow").dump(2);
+}
+
 TEST_F(ProductionLineTest, WatchesForOneBoardAfterTheOther) {
   ProductionLine::Options watch;
   watch.watch = true;
@@ -206,10 +213,41 @@ TEST_F(ProductionLineTest, WatchesForOneBoardAfterTheOther) {
   port.plug_in();
   scheduler_.run_until(boards(2));
   EXPECT_THAT(folder_.read("line.prom"), HasSubstr("\nqv5123_units_total{verdict=\"pass\"} 2\n"));
+  time(milliseconds(3000));
+  port.plug_in();
+  port.chip().announce();
+  scheduler_.run_until(boards(3));
+  EXPECT_EQ(record_of("fixture")["serial"], "QV5120042") << "another one came between two looks";
   line_->interrupt();
   scheduler_.run_until([this] { return line_->over(); });
   EXPECT_TRUE(line_->over());
-  EXPECT_EQ(over_.size(), 2U);
+  EXPECT_EQ(over_.size(), 3U);
+  EXPECT_FALSE(line_->incomplete());
+}
+
+TEST_F(ProductionLineTest, AnInterruptBeforeAnyUnitIsToldFromAnEnd) {
+  ProductionLine::Options watch;
+  watch.watch = true;
+  set_up(kShort, watch);
+  add("fixture").unplug();
+  line_->start();
+  time(milliseconds(1000));
+  line_->interrupt();
+  EXPECT_TRUE(line_->over());
+  EXPECT_TRUE(line_->incomplete());
+}
+
+TEST_F(ProductionLineTest, AnInterruptAtTheMomentOfAnUnpluggingLosesNoUnit) {
+  set_up("[[step]]\ndo = \"firmware\"\nfile = \"firmware.bin\"\n");
+  SimulatedPort& port = add("board");
+  on_step_ = [&](const PlaceState&) {
+    scheduler_.call_after(milliseconds(100), [&] {
+      port.unplug();
+      scheduler_.call_after(milliseconds(0), [this] { line_->interrupt(); });
+    });
+  };
+  run();
+  EXPECT_EQ(record_of("board")["why"], "board is gone");
 }
 
 TEST_F(ProductionLineTest, TheSecondInterruptEndsAtTheNextBlock) {
@@ -225,14 +263,64 @@ TEST_F(ProductionLineTest, TheSecondInterruptEndsAtTheNextBlock) {
   EXPECT_FALSE(port.chip().transfer_open()) << "the chip takes commands again";
 }
 
-TEST_F(ProductionLineTest, WithoutRoomForRecordsNoUnitBegins) {
-  records_path_ = folder_ / "no" / "folder" / "records";
-  set_up(kShort);
+TEST_F(ProductionLineTest, TheSecondInterruptEndsAWait) {
+  set_up("[[step]]\ndo = \"registers\"\nwait = 600000\nset = { 0xF923 = 5 }\n");
   SimulatedPort& port = add("board");
+  on_step_ = [this](const PlaceState&) {
+    for (int i = 0; i < 2; ++i) scheduler_.call_after(milliseconds(400), [this] { line_->interrupt(); });
+  };
   run();
-  EXPECT_NE(line_->record_trouble(), "");
+  EXPECT_EQ(record_of("board")["verdict"], "stopped");
+  EXPECT_LT(record_of("board")["seconds"], 2.0);
   EXPECT_EQ(port.chip().isp(0x923), 0);
-  EXPECT_TRUE(over_.empty());
+}
+
+TEST_F(ProductionLineTest, WithoutRoomForRecordsNoUnitBegins) {
+  const std::filesystem::path foreign = folder_.write("foreign", "somebody else's");
+  for (const auto& path : {folder_ / "no" / "folder" / "records", folder_.path(), foreign}) {
+    records_path_ = path;
+    set_up(kShort);
+    SimulatedPort& port = add("board");
+    run();
+    EXPECT_NE(line_->record_trouble(), "");
+    EXPECT_EQ(port.chip().isp(0x923), 0);
+    EXPECT_TRUE(over_.empty());
+  }
+  EXPECT_EQ(folder_.read("foreign"), "somebody else's");
+}
+
+TEST_F(ProductionLineTest, RecordsThatCannotBeWrittenAnyMoreEndAWatchedLine) {
+  ProductionLine::Options watch;
+  watch.watch = true;
+  set_up(kShort, watch);
+  SimulatedPort& fixture = add("fixture");
+  add("empty").unplug();
+  line_->start();
+  scheduler_.run_until([this] { return over_.size() == 1; });
+  EXPECT_TRUE(std::filesystem::exists(folder_ / "records.room")) << "for those that are under way";
+  std::filesystem::remove(folder_ / "records");
+  std::filesystem::create_directory(folder_ / "records");
+  time(milliseconds(5000));
+  fixture.plug_in();
+  fixture.chip().announce();
+  time(milliseconds(30'000));
+  EXPECT_TRUE(line_->over());
+  EXPECT_EQ(over_.size(), 1U);
+}
+
+TEST_F(ProductionLineTest, ARecordThatOnlyLacksItsLineEndCounts) {
+  const std::string records = "{\"unit\":\"u1\",\"serial\":\"A\",\"verdict\":\"pass\"}";
+  folder_.write("records", records);
+  EXPECT_EQ(RecordSummary::of(folder_ / "records").passed, 1U);
+  ProductionLine::Options dry;
+  dry.dry = true;
+  dry.metrics = folder_ / "line.prom";
+  set_up(kShort, dry);
+  add("board");
+  run();
+  EXPECT_THAT(folder_.read("records"), testing::StartsWith(records + "\n{\"unit\":"));
+  EXPECT_EQ(RecordSummary::of(folder_ / "records").records, 2U);
+  EXPECT_THAT(folder_.read("line.prom"), HasSubstr("{verdict=\"pass\"} 1\n")) << "a rehearsal is no unit";
 }
 
 TEST_F(ProductionLineTest, AFaultyLineFailsTruthfullyOrEndsVerified) {
