@@ -52,6 +52,9 @@ Task<> begin(Chip& chip, UnattendedHost& host, TuningDesk& desk) {
 
 /// The page's full save, so that the chip keeps what was measured over a power cycle.
 Task<> keep(Chip& chip, UnattendedHost& host, TuningDesk& desk) {
+  if (host.stopped()) throw Complaint{ExitCode::negative, "Interrupted"};
+  // The measurement could end by itself; a save ends wherever it is, and its brackets are closed.
+  chip.on_interrupt({});
   chip.out().remark(std::string(desk.model().texts().name) + ": saving\n");
   const bool saved = co_await desk.send_save(desk.full_save(), std::string());
   if (!saved) throw Complaint{ExitCode::port_failed, host.last_failure()};

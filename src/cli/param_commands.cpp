@@ -1,8 +1,8 @@
 #include <algorithm>
-#include <set>
 #include <utility>
 
 #include "base/atomic_file.h"
+#include "base/text.h"
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/files.h"
@@ -174,11 +174,7 @@ Traffic traffic_of(Chip& chip, const Assigned& assigned, const PageParameters& p
   desk->model().load_all(document.user_data);
   desk->model().take_reply(reply);
   for (const Assignment& assignment : assigned.assignments) assign(assignment, page, desk->model());
-  std::set<int> controls;
-  for (const std::size_t i : page.fields) controls.insert(page.field(i).sent_by);
-  Traffic traffic;
-  for (const int control : controls) append(traffic, desk->control_traffic(control));
-  return traffic;
+  return desk->own_traffic(page.fields);
 }
 
 UserDataImage image_full_of(int byte) {
@@ -206,35 +202,50 @@ Task<Traffic> page_traffic(Chip& chip, const ParamOptions& options, const Assign
   co_return traffic_of(chip, assigned, page, reply, base);
 }
 
-struct ReadBack {
+/// Values beside each other, as JSON, and what differs as lines "awb.a_slope: chip 12, file 20".
+struct Compared {
+  const char* one;  ///< what the two sides are called
+  const char* other;
   std::size_t compared = 0;
   Json differences = Json::array();
-  std::string text;
+  std::string text = {};
+
+  void add(const std::string& name, int one_number, int other_number) {
+    ++compared;
+    if (one_number == other_number) return;
+    differences.push_back({{"name", name}, {one, one_number}, {other, other_number}});
+    text += name + ": " + one + " " + std::to_string(one_number) + ", " + other + " " +
+            std::to_string(other_number) + "\n";
+  }
 };
 
-void compare(const Assigned& assigned, const PageParameters& page, ReadBack& result) {
+void compare(const Assigned& assigned, const PageParameters& page, Compared& result) {
   const Numbers on_chip = page.page->numbers();
   for (const Assignment& assignment : assigned.assignments) assign(assignment, page, *page.page);
   const Numbers wanted = page.page->numbers();
-  for (const std::size_t i : page.fields) {
-    if (!page.field(i).has_reply()) continue;
-    ++result.compared;
-    if (on_chip[i] == wanted[i]) continue;
-    result.differences.push_back({{"name", page.name(i)}, {"chip", on_chip[i]}, {"set", wanted[i]}});
-    result.text +=
-        page.name(i) + ": chip " + std::to_string(on_chip[i]) + ", set " + std::to_string(wanted[i]) + "\n";
-  }
+  for (const std::size_t i : page.fields)
+    if (page.field(i).has_reply())
+      result.add(page.name(i), on_chip[i], page.field(i).held_by_chip(wanted[i]));
+}
+
+bool any_reported(const Assigned& assigned) {
+  return std::ranges::any_of(assigned.pages, [](const PageParameters& page) {
+    return std::ranges::any_of(page.fields, [&page](std::size_t i) { return page.field(i).has_reply(); });
+  });
 }
 
 Task<ExitCode> verify(Chip& chip, const Assigned& assigned, Json json) {
-  ReadBack result;
+  Compared result{"chip", "set"};
   for (const PageParameters& page : assigned.pages) {
     co_await read_page(chip, *page.page);
     compare(assigned, page, result);
   }
+  const std::size_t silent = count_of(assigned.pages) - result.compared;
   json["verified"] = result.compared;
+  json["not_reported"] = silent;
   json["differences"] = result.differences;
   chip.out().result(json, result.text);
+  if (silent > 0) chip.out().remark(counted(silent, "value") + " not reported by the chip\n");
   if (!result.differences.empty()) co_return ExitCode::negative;
   chip.out().remark(std::to_string(result.compared) + " values read back agree\n");
   co_return ExitCode::done;
@@ -257,29 +268,21 @@ Task<ExitCode> set_on_chip(Chip& chip, const ParamOptions& options, const Assign
 ExitCode set(Context& context, const ParamOptions& options) {
   if (!options.file.empty()) return set_in_file(context, options);
   const Assigned assigned = read_assignments(options.names, has_control, kNoControl);
+  if (options.verify && !any_reported(assigned)) refuse("--verify: the chip reports none of these values");
   return run_on_chip(context, [&](Chip& chip) { return set_on_chip(chip, options, assigned); });
 }
 
 // diff
 
-/// What differs, as JSON, and as lines "awb.a_slope: chip 12, file 20".
 ExitCode tell_differences(Output& out, const std::vector<PageParameters>& pages,
                           const std::vector<Numbers>& file, const char* one, const char* other) {
-  std::size_t compared = 0;
-  Json differences = Json::array();
-  std::string text;
+  Compared result{one, other};
   for (std::size_t p = 0; p < pages.size(); ++p) {
     const Numbers numbers = pages[p].page->numbers();
-    for (const std::size_t i : pages[p].fields) {
-      ++compared;
-      if (numbers[i] == file[p][i]) continue;
-      differences.push_back({{"name", pages[p].name(i)}, {one, numbers[i]}, {other, file[p][i]}});
-      text += pages[p].name(i) + ": " + one + " " + std::to_string(numbers[i]) + ", " + other + " " +
-              std::to_string(file[p][i]) + "\n";
-    }
+    for (const std::size_t i : pages[p].fields) result.add(pages[p].name(i), numbers[i], file[p][i]);
   }
-  out.result({{"compared", compared}, {"differences", differences}}, text);
-  return differences.empty() ? ExitCode::done : ExitCode::negative;
+  out.result({{"compared", result.compared}, {"differences", result.differences}}, result.text);
+  return result.differences.empty() ? ExitCode::done : ExitCode::negative;
 }
 
 std::vector<Numbers> numbers_in(const UserDataImage& image, const std::vector<PageParameters>& pages) {
