@@ -2,25 +2,16 @@
 
 #include <algorithm>
 #include <array>
-#include <sstream>
 #include <utility>
 
 #include "base/text.h"
+#include "state/filter_words.h"
 #include "tuning/tuning_pages.h"
 
 namespace qv5123 {
 namespace {
 
 constexpr std::array kPlaces{Place::page, Place::chip, Place::file, Place::other};
-/// So many values are named in a question.
-constexpr std::size_t kMostNamed = 15;
-
-std::vector<std::string> words_of(const std::string& text) {
-  std::istringstream stream(lower_case(text));
-  std::vector<std::string> words;
-  for (std::string word; stream >> word;) words.push_back(std::move(word));
-  return words;
-}
 
 std::string full_name(const Comparison& comparison, std::size_t value) {
   return comparison.page_name(value) + "." + comparison.field(value).name;
@@ -160,7 +151,7 @@ bool Comparison::matches(std::size_t value, const CompareFilter& filter,
 }
 
 std::vector<std::size_t> Comparison::find(const CompareFilter& filter) const {
-  const std::vector<std::string> words = words_of(filter.words);
+  const std::vector<std::string> words = filter_words(filter.words);
   std::vector<std::size_t> found;
   for (std::size_t value = 0; value < size(); ++value)
     if (matches(value, filter, words)) found.push_back(value);
@@ -204,9 +195,7 @@ ValuesToSend values_to_send(const Comparison& comparison, const std::vector<std:
 
 std::string sending_question(const ValuesToSend& values, const SendingSum& sum) {
   std::string text = "Send " + counted(values.texts.size(), "value") + " to the chip?\n\n";
-  for (std::size_t i = 0; i < std::min(values.texts.size(), kMostNamed); ++i) text += values.texts[i] + "\n";
-  if (values.texts.size() > kMostNamed)
-    text += "and " + std::to_string(values.texts.size() - kMostNamed) + " more\n";
+  text += named_texts(values.texts);
   if (values.unsendable > 0)
     text += "\nNothing sends " + std::to_string(values.unsendable) + " of those chosen alone; left out.\n";
   if (values.unopened > 0)

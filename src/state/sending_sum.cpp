@@ -1,5 +1,6 @@
 #include "state/sending_sum.h"
 
+#include <algorithm>
 #include <chrono>
 
 #include "base/text.h"
@@ -10,6 +11,7 @@ namespace {
 
 using Seconds = std::chrono::duration<double>;
 
+constexpr std::size_t kMostNamed = 15;
 /// What a write's frame of six characters takes at the usual 19200 baud.
 constexpr std::chrono::microseconds kFrame{3125};
 
@@ -24,6 +26,13 @@ std::string sending_text(const SendingSum& sum) {
   const Seconds time =
       kNormalPacing * static_cast<double>(sum.flushes) + kFrame * static_cast<double>(sum.writes);
   return counted(sum.writes, "register write") + ", in some " + fixed(time.count(), 1) + " s";
+}
+
+std::string named_texts(const std::vector<std::string>& texts) {
+  std::string text;
+  for (std::size_t i = 0; i < std::min(texts.size(), kMostNamed); ++i) text += texts[i] + "\n";
+  if (texts.size() > kMostNamed) text += "and " + std::to_string(texts.size() - kMostNamed) + " more\n";
+  return text;
 }
 
 }  // namespace qv5123

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "link/register_write.h"
 
@@ -17,5 +18,8 @@ struct SendingSum {
 
 /// "12 register writes, in some 0.1 s".
 std::string sending_text(const SendingSum& sum);
+
+/// What a question names of what is to be sent: the first of the texts, a line each, and how many more.
+std::string named_texts(const std::vector<std::string>& texts);
 
 }  // namespace qv5123

@@ -20,7 +20,7 @@ JournalSummary journal_summary(const WriteJournal& journal) {
   std::map<std::string, std::size_t> controls;
   for (std::size_t i = 0; i < journal.size(); ++i) {
     const WriteRecord record = journal.at(i);
-    if (is_question(record)) continue;
+    if (is_question(record) || is_connection(record)) continue;
     ++summary.writes;
     for (std::size_t flush = 0; flush < record.flushes_left && flush < record.flushes.size(); ++flush)
       summary.registers += record.flushes[flush].size();

@@ -1,27 +1,12 @@
 // A sign-off report as JSON.
 #include <cmath>
 
-#include "base/hex.h"
 #include "base/text.h"
+#include "state/json_text.h"
 #include "state/sign_off.h"
 
 namespace qv5123 {
 namespace {
-
-std::string quoted(std::string_view text) {
-  std::string out = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') {
-      out += '\\';
-      out += c;
-    } else if (static_cast<unsigned char>(c) < 0x20) {
-      out += "\\u" + upper_hex(static_cast<unsigned char>(c), 4);
-    } else {
-      out += c;
-    }
-  }
-  return out + "\"";
-}
 
 std::string text_of(double value) {
   return std::isfinite(value) ? fixed(value, 4) : "null";
@@ -37,7 +22,7 @@ std::string text_of(const std::optional<int>& value) {
 class Group {
  public:
   explicit Group(char open) : text_(1, open), close_(open == '{' ? '}' : ']') {}
-  Group& add(std::string_view name, const std::string& json) { return item(quoted(name) + ": " + json); }
+  Group& add(std::string_view name, const std::string& json) { return item(json_text(name) + ": " + json); }
   Group& add(std::string_view name, const char* json) { return add(name, std::string(json)); }
   Group& item(const std::string& json) {
     text_ += (text_.size() > 1 ? ", " : "") + json;
@@ -64,9 +49,9 @@ std::string json_of(const SignOffPage& page) {
                                .add("page", text_of(value.page))
                                .add("chip", text_of(value.chip))
                                .add("file", text_of(value.file))
-                               .add("known", quoted(value.known))
+                               .add("known", json_text(value.known))
                                .done());
-  return "\n" + Group('{').add("name", quoted(page.name)).add("values", values.done()).done();
+  return "\n" + Group('{').add("name", json_text(page.name)).add("values", values.done()).done();
 }
 
 std::string json_of(const DifferenceSummary& summary) {
@@ -81,13 +66,13 @@ std::string json_of(const PatchReport& report, const std::string& of) {
   Group patches('[');
   for (std::size_t i = 0; i < kPatches; ++i) {
     Group patch('{');
-    patch.add("name", quoted(kPatchCaptions[i]));
+    patch.add("name", json_text(kPatchCaptions[i]));
     if (const auto& match = report.patches[i])
       patch.add("before", text_of(match->before)).add("after", text_of(match->after));
     patches.item(patch.done());
   }
   return Group('{')
-      .add("of", quoted(of))
+      .add("of", json_text(of))
       .add("patches", patches.done())
       .add("before", json_of(report.before))
       .add("after", json_of(report.after))
@@ -102,8 +87,8 @@ std::string json_of(const JournalSummary& journal) {
       .add("registers", std::to_string(journal.registers))
       .add("failed", std::to_string(journal.failed))
       .add("dropped", std::to_string(journal.dropped))
-      .add("first", quoted(journal.first))
-      .add("last", quoted(journal.last))
+      .add("first", json_text(journal.first))
+      .add("last", json_text(journal.last))
       .add("controls", controls.done())
       .done();
 }
@@ -130,9 +115,9 @@ std::string gamma(const GammaValues& gamma) {
 
 std::string board(const SignOff& report) {
   Group board('{');
-  board.add("serial_number", quoted(report.serial_number));
+  board.add("serial_number", json_text(report.serial_number));
   Group versions('{');
-  for (const auto& [name, version] : report.versions) versions.add(name, quoted(version));
+  for (const auto& [name, version] : report.versions) versions.add(name, json_text(version));
   return board.add("versions", versions.done()).done();
 }
 
@@ -140,10 +125,10 @@ std::string files(const SignOff& report) {
   Group files('[');
   for (const SignOffFile& file : report.files)
     files.item(Group('{')
-                   .add("role", quoted(file.role))
-                   .add("name", quoted(file.name))
+                   .add("role", json_text(file.role))
+                   .add("name", json_text(file.name))
                    .add("bytes", std::to_string(file.bytes))
-                   .add("sha256", quoted(file.sha256))
+                   .add("sha256", json_text(file.sha256))
                    .done());
   return files.done();
 }
@@ -152,7 +137,7 @@ std::string limits(const SignOff& report) {
   Group limits('[');
   for (const JudgedLimit& limit : report.limits)
     limits.item(Group('{')
-                    .add("name", quoted(limit.limit.name))
+                    .add("name", json_text(limit.limit.name))
                     .add("low", text_of(limit.limit.low))
                     .add("high", text_of(limit.limit.high))
                     .add("value", text_of(limit.value))
@@ -170,14 +155,14 @@ std::string sign_off_json(const SignOff& report) {
   for (const auto& [name, value] : figures_of(report))
     if (name.find('.') == std::string::npos) figures.add(name, text_of(value));
   Group whole('{');
-  whole.add("program", quoted(report.program))
-      .add("time", quoted(report.time))
-      .add("port", quoted(report.port))
+  whole.add("program", json_text(report.program))
+      .add("time", json_text(report.time))
+      .add("port", json_text(report.port))
       .add("board", board(report))
       .add("files", files(report))
       .add("limits", limits(report))
       .add("figures", figures.done())
-      .add("notes", quoted(report.notes));
+      .add("notes", json_text(report.notes));
   if (report.chart) whole.add("chart", json_of(*report.chart, report.chart_of));
   whole.add("lens", lens(report));
   if (report.gamma) whole.add("gamma", gamma(*report.gamma));

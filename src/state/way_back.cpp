@@ -1,14 +1,9 @@
 #include "state/way_back.h"
 
-#include <algorithm>
-
 #include "base/text.h"
 
 namespace qv5123 {
 namespace {
-
-/// So many differences are named in a question.
-constexpr std::size_t kMostNamed = 15;
 
 std::optional<int> known_number(const ChipValue& chip) {
   return chip.how == Known::nothing ? std::nullopt : std::optional(chip.number);
@@ -56,7 +51,7 @@ std::size_t unnamed_writes_after(const WriteJournal& journal, std::size_t count)
   std::size_t unnamed = 0;
   for (std::size_t i = count; i < journal.size(); ++i) {
     const WriteRecord record = journal.at(i);
-    if (record.values.empty() && !is_question(record)) ++unnamed;
+    if (record.values.empty() && !is_question(record) && !is_connection(record)) ++unnamed;
   }
   return unnamed;
 }
@@ -64,10 +59,7 @@ std::size_t unnamed_writes_after(const WriteJournal& journal, std::size_t count)
 std::string way_back_question(const WayBack& way, const SendingSum& sum, std::size_t unnamed) {
   std::string text = counted(way.differences.size(), "value") +
                      (way.differences.size() == 1 ? " differs" : " differ") + " from that moment:\n\n";
-  for (std::size_t i = 0; i < std::min(way.differences.size(), kMostNamed); ++i)
-    text += way.differences[i] + "\n";
-  if (way.differences.size() > kMostNamed)
-    text += "and " + std::to_string(way.differences.size() - kMostNamed) + " more\n";
+  text += named_texts(way.differences);
   if (way.unsendable > 0)
     text += "\nNothing sends " + std::to_string(way.unsendable) + " of them alone; left out.\n";
   if (unnamed > 0)

@@ -4,10 +4,11 @@
 #include <array>
 #include <chrono>
 
+#include "base/csv_field.h"
 #include "base/hex.h"
 #include "base/text.h"
 #include "link/sender.h"
-#include "state/csv_field.h"
+#include "state/json_text.h"
 #include "state/replay_script.h"
 
 namespace qv5123 {
@@ -19,19 +20,6 @@ std::string joined(const std::vector<std::string>& parts, const char* between) {
   std::string text;
   for (const std::string& part : parts) text += (text.empty() ? "" : between) + part;
   return text;
-}
-
-std::string json_text(const std::string& text) {
-  std::string json = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') json += '\\';
-    if (static_cast<unsigned char>(c) < 0x20) {
-      json += "\\u" + lower_hex(static_cast<unsigned char>(c), 4);
-    } else {
-      json += c;
-    }
-  }
-  return json + "\"";
 }
 
 std::string json_number(const std::optional<int>& number) {

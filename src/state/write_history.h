@@ -23,11 +23,15 @@ class WriteHistory {
 
   /// Notes what left. A job of which nothing left is none.
   void note(const WriteEvent& event);
+  /// Notes that the port was opened, closed or lost: what the chip holds is not known any more.
+  void note_connection();
   const WriteJournal& journal() const { return journal_; }
   /// Called after each note. May be empty.
   void tell_of_notes(std::function<void()> told) { told_ = std::move(told); }
 
  private:
+  void add(const WriteRecord& record);
+
   const Clock clock_;
   WriteJournal journal_;
   WriteJournalFiles* files_ = nullptr;

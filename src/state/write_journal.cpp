@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "state/filter_words.h"
 
 namespace qv5123 {
 namespace {
@@ -12,19 +13,6 @@ constexpr std::string_view kFirstWords = "QV5123 writes 1 ";
 
 char small(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-std::vector<std::string> words_of(std::string_view text) {
-  std::vector<std::string> words(1);
-  for (const char c : text) {
-    if (c != ' ') {
-      words.back() += small(c);
-    } else if (!words.back().empty()) {
-      words.emplace_back();
-    }
-  }
-  if (words.back().empty()) words.pop_back();
-  return words;
 }
 
 /// What stands behind the time.
@@ -42,25 +30,41 @@ std::string lines_text(std::size_t lines) {
 
 }  // namespace
 
+std::string_view WriteJournal::Piece::line(std::size_t i) const {
+  const std::size_t start = i == 0 ? 0 : ends[i - 1];
+  return std::string_view(text).substr(start, ends[i] - start - 1);
+}
+
 void WriteJournal::add_line(std::string_view line) {
-  text_ += line;
-  text_ += '\n';
-  ends_.push_back(static_cast<std::uint32_t>(text_.size()));
-  if (text_.size() > most_bytes_ && ends_.size() > 1) drop_older_half();
+  if (last_.ends.size() == kPieceLines)
+    pieces_.push_back(std::make_shared<const Piece>(std::exchange(last_, {})));
+  last_.text += line;
+  last_.text += '\n';
+  last_.ends.push_back(static_cast<std::uint32_t>(last_.text.size()));
+  bytes_ += line.size() + 1;
+  if (bytes_ > most_bytes_ && size() > 1) drop_older_half();
 }
 
 void WriteJournal::drop_older_half() {
-  const std::size_t half = ends_.size() / 2;
-  const std::uint32_t bytes = ends_[half - 1];
-  text_.erase(0, bytes);
-  ends_.erase(ends_.begin(), ends_.begin() + static_cast<std::ptrdiff_t>(half));
-  for (std::uint32_t& end : ends_) end -= bytes;
+  const std::size_t half = size() / 2;
+  for (std::size_t i = 0; i < half; ++i) bytes_ -= line(i).size() + 1;
+  skipped_ += half;
   dropped_ += half;
+  const std::size_t gone = std::min(skipped_ / kPieceLines, pieces_.size());
+  pieces_.erase(pieces_.begin(), pieces_.begin() + static_cast<std::ptrdiff_t>(gone));
+  skipped_ -= gone * kPieceLines;
 }
 
 std::string_view WriteJournal::line(std::size_t i) const {
-  const std::size_t start = i == 0 ? 0 : ends_[i - 1];
-  return std::string_view(text_).substr(start, ends_[i] - start - 1);
+  const std::size_t at = skipped_ + i;
+  const std::size_t piece = at / kPieceLines;
+  return piece < pieces_.size() ? pieces_[piece]->line(at % kPieceLines) : last_.line(at % kPieceLines);
+}
+
+std::size_t WriteJournal::memory() const {
+  std::size_t bytes = last_.memory();
+  for (const auto& piece : pieces_) bytes += piece->memory();
+  return bytes;
 }
 
 WriteRecord WriteJournal::at(std::size_t i) const {
@@ -68,7 +72,7 @@ WriteRecord WriteJournal::at(std::size_t i) const {
 }
 
 WriteMatcher::WriteMatcher(const WriteFilter& filter)
-    : words_(words_of(filter.words)), questions_(filter.questions) {}
+    : words_(filter_words(filter.words)), questions_(filter.questions) {}
 
 bool WriteMatcher::matches(std::string_view line) const {
   const std::string_view text = searched(line);
@@ -83,11 +87,14 @@ bool WriteMatcher::matches(std::string_view line) const {
 }
 
 KnownValues values_after(const WriteJournal& journal, std::size_t count) {
+  using Result = WriteRecord::Result;
   KnownValues known;
   for (std::size_t i = 0; i < journal.size(); ++i) {
     const WriteRecord record = journal.at(i);
+    // A chip that was away may hold anything.
+    if (i < count && record.result == Result::lost) known.clear();
     for (const WriteRecord::Value& value : record.values) {
-      if (i < count && record.result == WriteRecord::Result::sent) {
+      if (i < count && record.result == Result::sent) {
         known[full_name(record, value)] = value.now;
       } else if (i < count) {
         known.erase(full_name(record, value));
@@ -95,6 +102,7 @@ KnownValues values_after(const WriteJournal& journal, std::size_t count) {
         known.try_emplace(full_name(record, value), *value.old);
       }
     }
+    if (i >= count && record.result == Result::lost) break;
   }
   return known;
 }

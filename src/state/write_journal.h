@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,7 +13,8 @@
 namespace qv5123 {
 
 /// What left for the chip, in order. Kept as the lines of its file, so that a write takes little more memory
-/// than its text; records are made when they are looked at.
+/// than its text; records are made when they are looked at. A copy shares all but the last lines with what it
+/// was made of, so that it costs little, and may be looked at on another thread.
 class WriteJournal {
  public:
   /// What is kept at most, in bytes of lines; beyond it the older half goes.
@@ -24,20 +26,29 @@ class WriteJournal {
   /// A line that read_journal_line() takes, without its end.
   void add_line(std::string_view line);
 
-  std::size_t size() const { return ends_.size(); }
+  std::size_t size() const { return pieces_.size() * kPieceLines + last_.ends.size() - skipped_; }
   /// How many older ones have gone.
   std::size_t dropped() const { return dropped_; }
   std::string_view line(std::size_t i) const;
   WriteRecord at(std::size_t i) const;
   /// Bytes of memory.
-  std::size_t memory() const { return text_.capacity() + ends_.capacity() * sizeof(std::uint32_t); }
+  std::size_t memory() const;
 
  private:
+  static constexpr std::size_t kPieceLines = 512;
+  struct Piece {
+    std::string text;                 // the lines, with their ends
+    std::vector<std::uint32_t> ends;  // behind each line
+    std::string_view line(std::size_t i) const;
+    std::size_t memory() const { return text.capacity() + ends.capacity() * sizeof(std::uint32_t); }
+  };
   void drop_older_half();
 
   std::size_t most_bytes_;
-  std::string text_;                 // the lines, with their ends
-  std::vector<std::uint32_t> ends_;  // behind each line
+  std::vector<std::shared_ptr<const Piece>> pieces_;  // of kPieceLines each, which nobody changes any more
+  Piece last_;
+  std::size_t skipped_ = 0;  // lines of the first piece that are dropped
+  std::size_t bytes_ = 0;
   std::size_t dropped_ = 0;
 };
 
@@ -63,7 +74,8 @@ class WriteMatcher {
 using KnownValues = std::map<std::string, int>;
 
 /// What was told by the first `count` writes of those that the journal holds; not what did not leave as a
-/// whole. Values that only later ones changed are what they are known to have been before that.
+/// whole, and nothing from before the port was closed or lost. Values that only later ones changed are what
+/// they are known to have been before that.
 KnownValues values_after(const WriteJournal& journal, std::size_t count);
 
 /// What a journal's file holds, as far as it can be read.

@@ -163,6 +163,18 @@ WriteRecord record_of(const WriteEvent& event, std::chrono::system_clock::time_p
   return record;
 }
 
+WriteRecord connection_record(std::chrono::system_clock::time_point time) {
+  WriteRecord record;
+  record.time = std::chrono::floor<std::chrono::milliseconds>(time);
+  record.control = "(the port was opened, closed or lost)";
+  record.result = Result::lost;
+  return record;
+}
+
+bool is_connection(const WriteRecord& record) {
+  return record.flushes.empty() && record.result == Result::lost;
+}
+
 bool is_question(const WriteRecord& record) {
   if (record.flushes.size() != 1 || record.flushes[0].empty()) return false;
   const Batch& flush = record.flushes[0];
@@ -171,7 +183,7 @@ bool is_question(const WriteRecord& record) {
 
 std::string result_text(const WriteRecord& record) {
   std::string text = kResultTexts[static_cast<std::size_t>(record.result)];
-  if (record.result == Result::sent) return text;
+  if (record.result == Result::sent || is_connection(record)) return text;
   return text + ", " + std::to_string(record.flushes_left) + " of " + std::to_string(record.flushes.size());
 }
 

@@ -39,6 +39,10 @@ struct WriteRecord {
 
 WriteRecord record_of(const WriteEvent& event, std::chrono::system_clock::time_point time);
 
+/// What stands in a journal where the port was opened, closed or lost.
+WriteRecord connection_record(std::chrono::system_clock::time_point time);
+bool is_connection(const WriteRecord& record);
+
 /// Whether it only asks the chip for something and writes nothing.
 bool is_question(const WriteRecord& record);
 

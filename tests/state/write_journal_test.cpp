@@ -139,6 +139,35 @@ TEST(WriteJournal, TellsWhatTheChipWasLastTold) {
   EXPECT_THAT(values_after(journal, 1), ElementsAre(Pair("awb.a_slope", 2), Pair("awb.b_slope", 7)));
   EXPECT_THAT(values_after(journal, 2), ElementsAre(Pair("awb.b_slope", 7))) << "nobody knows what left";
   EXPECT_THAT(values_after(journal, 3), ElementsAre(Pair("awb.b_slope", 8)));
+
+  WriteHistory history([] { return kNoon; });
+  history.note_connection();
+  EXPECT_EQ(history.journal().size(), 0u) << "nothing was known before";
+  history.note(slope_event(1, 2));
+  history.note_connection();
+  history.note_connection();
+  ASSERT_EQ(history.journal().size(), 2u) << "closed and opened is one thing";
+  WriteEvent b = slope_event(7, 8);
+  b.values[0].name = "b_slope";
+  history.note(b);
+  EXPECT_THAT(values_after(history.journal(), 1), ElementsAre(Pair("awb.a_slope", 2)))
+      << "what was read of the other chip says nothing of this one";
+  EXPECT_THAT(values_after(history.journal(), 3), ElementsAre(Pair("awb.b_slope", 8)));
+  const OpenedJournal read = open_journal(journal_of({history.journal().at(0), history.journal().at(1)}));
+  EXPECT_TRUE(is_connection(read.journal.at(1)));
+}
+
+TEST(WriteJournal, ACopyStaysAsItWasWhileTheOtherGrows) {
+  const std::size_t line = journal_line(slope(1000, 1000)).size() + 1;
+  WriteJournal journal(3000 * line);
+  for (int i = 1000; i < 2500; ++i) journal.add(slope(i, i));
+  const WriteJournal copy = journal;
+  for (int i = 2500; i < 4500; ++i) journal.add(slope(i, i));
+  ASSERT_EQ(copy.size(), 1500u);
+  ASSERT_EQ(journal.dropped(), 1500u);
+  ASSERT_EQ(journal.size(), 2000u);
+  for (std::size_t i = 0; i < 1500; i += 11) EXPECT_EQ(copy.at(i), slope(1000 + i, 1000 + i));
+  for (std::size_t i = 0; i < 2000; i += 11) EXPECT_EQ(journal.at(i), slope(2500 + i, 2500 + i));
 }
 
 TEST(WriteExport, WritesTextTablesAndObjects) {

@@ -17,12 +17,24 @@ HistoryTool::HistoryTool(CMainFrame& frame, Surroundings surroundings)
                        [this](const std::string& failure) { surroundings_.say(true, failure); }});
     history_.keep_in(*files_);
   }
-  surroundings_.view.values().on_write([this](const WriteEvent& event) { history_.note(event); });
+  listen();
   add_dock(frame);
+}
+
+/// Who tells of it may outlive this.
+void HistoryTool::listen() {
+  surroundings_.view.values().on_write([this, alive = alive_](const WriteEvent& event) {
+    if (*alive) history_.note(event);
+  });
+  surroundings_.view.link().tell_of_connections([this, alive = alive_] {
+    if (*alive) history_.note_connection();
+  });
 }
 
 // Its flows own dialogs that the frame would delete as well.
 HistoryTool::~HistoryTool() {
+  *alive_ = false;
+  surroundings_.view.use_history(nullptr);
   delete dock_;
 }
 
@@ -38,7 +50,7 @@ void HistoryTool::add_dock(CMainFrame& frame) {
   dock_ = new HistoryDock(history_, std::move(surroundings), &frame);
   frame.addDockWidget(Qt::BottomDockWidgetArea, dock_);
   dock_->hide();
-  surroundings_.view.use_history(history_);
+  surroundings_.view.use_history(&history_);
   QObject::connect(&surroundings_.view, &CQV5123View::moment_wanted, dock_, [this] {
     dock_->show();
     dock_->raise();

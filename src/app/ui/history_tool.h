@@ -3,6 +3,7 @@
 #include <QPointer>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -41,6 +42,7 @@ class HistoryTool {
   Task<> finish();
 
  private:
+  void listen();
   void add_dock(CMainFrame& frame);
 
   const Surroundings surroundings_;
@@ -48,6 +50,7 @@ class HistoryTool {
   std::optional<WriteJournalFiles> files_;
   WayBackTool way_back_;
   QPointer<HistoryDock> dock_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 }  // namespace qv5123

@@ -113,7 +113,8 @@ class CQV5123View final : public QWidget, public PageHost {
   /// The steps that can be taken back. steps_changed() tells of others.
   UndoList& steps() { return steps_; }
   /// The journal of writes, for who compares with a moment of it; it must outlive the pages.
-  void use_history(const WriteHistory& history) { history_ = &history; }
+  /// Null from when it is gone.
+  void use_history(const WriteHistory* history) { history_ = history; }
   /// Opens a tuning page that was not opened yet, behind the one that is shown, and waits until it has read
   /// itself from the chip.
   Task<> open_behind(std::size_t page);

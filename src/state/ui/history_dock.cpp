@@ -47,12 +47,13 @@ constexpr int kOwnRun = 0;
 constexpr const char* kOtherFile = "?";
 constexpr std::array kWidths{90, 70, 140, 220, 160, 90};
 
-/// Takes a while for many lines.
-std::string export_lines(const std::vector<std::string>& lines, const ExportFormat& format) {
+/// Takes a while for many writes.
+std::string export_writes(const WriteJournal& journal, const std::vector<std::size_t>& places,
+                          const ExportFormat& format) {
   WriteRecords records;
-  records.reserve(lines.size());
-  for (const std::string& line : lines)
-    if (auto record = read_journal_line(line)) records.push_back(std::move(*record));
+  records.reserve(places.size());
+  for (const std::size_t place : places)
+    if (auto record = read_journal_line(journal.line(place))) records.push_back(std::move(*record));
   return format.text(records);
 }
 
@@ -310,32 +311,35 @@ Task<> HistoryDock::compare() {
   if (moment) surroundings_.compare(moment->known, moment->when);
 }
 
-std::vector<std::string> HistoryDock::lines() const {
-  std::vector<std::string> lines;
+HistoryDock::Shown HistoryDock::shown() const {
+  Shown shown{model_->journal(), {}};
   const auto add = [&](int first, int last) {
-    for (int row = first; row <= last; ++row) lines.emplace_back(model_->journal().line(model_->place(row)));
+    for (int row = first; row <= last; ++row) shown.places.push_back(model_->place(row));
   };
   QItemSelection selected = table_->selectionModel()->selection();
   std::sort(selected.begin(), selected.end(), [](const auto& a, const auto& b) { return a.top() < b.top(); });
   for (const QItemSelectionRange& range : selected) add(range.top(), range.bottom());
-  if (lines.empty()) add(0, model_->rowCount() - 1);
-  return lines;
+  if (shown.places.empty()) add(0, model_->rowCount() - 1);
+  return shown;
 }
 
 Task<> HistoryDock::copy() {
-  std::function<std::string()> work = [lines = lines()] { return export_lines(lines, kFormats[0]); };
+  std::function<std::string()> work = [shown = shown()] {
+    return export_writes(shown.journal, shown.places, kFormats[0]);
+  };
   const std::string text = co_await surroundings_.files.run<std::string>(std::move(work));
   QApplication::clipboard()->setText(to_qt(text));
 }
 
 Task<> HistoryDock::save(std::size_t format) {
   // What is chosen now, not what is once the file is.
-  std::vector<std::string> lines = this->lines();
-  const std::size_t count = lines.size();
+  Shown shown = this->shown();
+  const std::size_t count = shown.places.size();
   const auto path = co_await surroundings_.prompts.choose_save(file_choice(kFormats[format]));
   if (!path) co_return;
-  std::function<std::string()> work = [lines = std::move(lines), format, path = *path] {
-    return write_file_atomically(path, export_lines(lines, kFormats[format])).text;
+  std::function<std::string()> work = [shown = std::move(shown), format, path = *path] {
+    const std::string text = export_writes(shown.journal, shown.places, kFormats[format]);
+    return write_file_atomically(path, text).text;
   };
   const std::string failure = co_await surroundings_.files.run<std::string>(std::move(work));
   const std::string done = path_text(path->filename()) + ": " + std::to_string(count) +

@@ -79,8 +79,13 @@ class HistoryDock final : public QDockWidget {
   void filter();
   void look_on();
   void show_count();
-  /// The journal's lines of what is selected; of all that is shown where nothing is.
-  std::vector<std::string> lines() const;
+  /// Writes that are shown, for who looks at them in the background.
+  struct Shown {
+    WriteJournal journal;
+    std::vector<std::size_t> places;
+  };
+  /// What is selected; all that is shown where nothing is.
+  Shown shown() const;
 
   WriteHistory& history_;
   const Surroundings surroundings_;

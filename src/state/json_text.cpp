@@ -1,0 +1,20 @@
+#include "state/json_text.h"
+
+#include "base/hex.h"
+
+namespace qv5123 {
+
+std::string json_text(std::string_view text) {
+  std::string json = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') json += '\\';
+    if (static_cast<unsigned char>(c) < 0x20) {
+      json += "\\u" + lower_hex(static_cast<unsigned char>(c), 4);
+    } else {
+      json += c;
+    }
+  }
+  return json + "\"";
+}
+
+}  // namespace qv5123
