@@ -14,6 +14,9 @@
 namespace qv5123 {
 namespace {
 
+/// A folder that does not answer for so long is as good as gone.
+constexpr std::chrono::milliseconds kLookPatience{700};
+
 /// Owns a dialog for as long as a task waits for it.
 class OpenDialog {
  public:
@@ -166,14 +169,33 @@ Task<std::optional<std::filesystem::path>> QtPrompts::choose_save(FileChoice cho
   co_return co_await this->choose(std::move(choice), true);
 }
 
-QString QtPrompts::folder_of(const std::string& kind) const {
-  const auto folder = folders_.find(kind);
-  const bool there = folder != folders_.end() && QFileInfo(folder->second).isDir();
-  return there ? folder->second : QDir::currentPath();
+Task<> QtPrompts::look_for(QString folder, Resolver<bool> there) {
+  std::function<bool()> look = [folder] { return QFileInfo(folder).isDir(); };
+  const bool found = co_await background_->run<bool>(std::move(look));
+  // Posted, since who waits for it ends this flow.
+  scheduler_->post([there, found] { there.resolve(found); });
+}
+
+Task<QString> QtPrompts::folder_of(std::string kind) {
+  const auto remembered = folders_.find(kind);
+  if (remembered == folders_.end()) co_return QDir::currentPath();
+  const QString folder = remembered->second;
+  const Resolver<bool> there;
+  if (background_) {
+    const Flow looking(look_for(folder, there));
+    const auto timer = scheduler_->call_after(kLookPatience, [there] { there.resolve(false); });
+    co_await there.pending();
+    scheduler_->cancel(timer);
+  } else {
+    there.resolve(QFileInfo(folder).isDir());
+  }
+  const bool found = co_await there.pending();
+  co_return found ? folder : QDir::currentPath();
 }
 
 Task<std::optional<std::filesystem::path>> QtPrompts::choose(FileChoice choice, bool save) {
-  auto* chooser = new QFileDialog(parent(), to_qt(choice.title), folder_of(choice.kind));
+  const QString folder = co_await folder_of(choice.kind);
+  auto* chooser = new QFileDialog(parent(), to_qt(choice.title), folder);
   chooser->installEventFilter(new PlainMessages(chooser));
   OpenDialog dialog(chooser);
   chooser->setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);

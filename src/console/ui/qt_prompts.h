@@ -7,6 +7,8 @@
 #include <string>
 #include <utility>
 
+#include "base/background.h"
+#include "base/scheduler.h"
 #include "console/prompts.h"
 
 class QFileDialog;
@@ -26,6 +28,12 @@ class QtPrompts final : public Prompts {
 
   /// The folders in which choosers begin, by the kind of file.
   using Folders = std::map<std::string, QString>;
+  /// From now on folders are looked at in the background, and for a moment only: one on a network may be
+  /// dead. Both must outlive this.
+  void look_in(Background& background, Scheduler& scheduler) {
+    background_ = &background;
+    scheduler_ = &scheduler;
+  }
   void set_folders(Folders folders) { folders_ = std::move(folders); }
   const Folders& folders() const { return folders_; }
 
@@ -37,11 +45,14 @@ class QtPrompts final : public Prompts {
  private:
   QWidget* parent() const;
   /// Where a chooser of this kind begins.
-  QString folder_of(const std::string& kind) const;
+  Task<QString> folder_of(std::string kind);
+  Task<> look_for(QString folder, Resolver<bool> there);
   Task<std::optional<std::filesystem::path>> choose(FileChoice choice, bool save);
 
   QPointer<QWidget> parent_;
   Folders folders_;
+  Background* background_ = nullptr;
+  Scheduler* scheduler_ = nullptr;
 };
 
 }  // namespace qv5123
