@@ -88,11 +88,16 @@ Task<bool> Journal::offer(Prompts& prompts, Slots slots) {
 
 Task<bool> Journal::put_aside(JournalEntry entry) {
   const fs::path file = put_aside_file(surroundings_.folder, std::chrono::system_clock::now());
-  std::function<FileResult()> work = [file, entry = std::move(entry)] {
-    const FileResult font =
-        entry.font.empty() ? FileResult{}
-                           : write_file_atomically(fs::path(file).replace_extension(".font.txt"), entry.font);
-    return font.ok() ? write_file_atomically(file, setting_text(entry.image)) : font;
+  std::function<FileResult()> work = [file, font_file = surroundings_.font_file, entry = std::move(entry)] {
+    const auto write_beside = [&file](const char* extension, const std::string& text) {
+      return text.empty() ? FileResult{}
+                          : write_file_atomically(fs::path(file).replace_extension(extension), text);
+    };
+    const std::string font = font_file ? font_file(entry.font) : std::string();
+    FileResult result =
+        font.empty() ? write_beside(".font.txt", entry.font) : write_beside(".font.bin", font);
+    if (result.ok()) result = write_beside(".typed.txt", entry.typed);
+    return result.ok() ? write_file_atomically(file, setting_text(entry.image)) : result;
   };
   const FileResult result = co_await background_.run<FileResult>(std::move(work));
   if (!result.ok()) {

@@ -41,6 +41,9 @@ class Journal {
     std::function<void(const std::string&)> show_status;
     /// The same for what was done. May be empty.
     std::function<void(const std::string&)> show_done = {};
+    /// What a draft of the font holds as a file that can be opened; empty for what is none. Called in the
+    /// background. May be empty: the draft is then put aside as it is.
+    std::function<std::string(const std::string& draft)> font_file = {};
   };
 
   /// What `unsaved` tells now counts as saved.

@@ -12,6 +12,8 @@ namespace qv5123 {
 namespace {
 
 constexpr std::string_view kFirstLine = "QV5123 journal 3\n";
+/// The same without the port.
+constexpr std::string_view kOlderFirstLine = "QV5123 journal 2\n";
 
 /// FNV-1a with its usual start and prime: it is to notice accidents, not forgers.
 std::uint32_t checksum(std::string_view text) {
@@ -51,28 +53,34 @@ std::optional<std::string_view> take_field(std::string_view name, std::string_vi
   return left.substr(text_at, length);
 }
 
-}  // namespace
-
-std::string journal_text(const JournalEntry& entry) {
-  std::string text(kFirstLine);
-  text += field("file", path_text(entry.setting_file)) + field("font", entry.font) +
-          field("typed", entry.typed) + field("port", entry.port);
+std::string text_of(const JournalEntry& entry, bool older) {
+  std::string text(older ? kOlderFirstLine : kFirstLine);
+  text +=
+      field("file", path_text(entry.setting_file)) + field("font", entry.font) + field("typed", entry.typed);
+  if (!older) text += field("port", entry.port);
   text += setting_text(entry.image);
   return text + sum_line(text);
 }
 
+}  // namespace
+
+std::string journal_text(const JournalEntry& entry) {
+  return text_of(entry, false);
+}
+
 std::optional<JournalEntry> read_journal(std::string_view text) {
-  if (!text.starts_with(kFirstLine)) return std::nullopt;
+  const bool older = text.starts_with(kOlderFirstLine);
+  if (!older && !text.starts_with(kFirstLine)) return std::nullopt;
   std::string_view rest = text.substr(kFirstLine.size());
   const auto file = take_field("file", rest);
   const auto font = file ? take_field("font", rest) : std::nullopt;
   const auto typed = font ? take_field("typed", rest) : std::nullopt;
-  const auto port = typed ? take_field("port", rest) : std::nullopt;
+  const auto port = older ? typed : typed ? take_field("port", rest) : std::nullopt;
   auto path = path_of(file.value_or(""));
   if (!port || !path) return std::nullopt;
   JournalEntry entry{image_of(rest), std::move(*path), std::string(*font), std::string(*typed),
-                     std::string(*port)};
-  if (journal_text(entry) != text) return std::nullopt;
+                     older ? std::string() : std::string(*port)};
+  if (text_of(entry, older) != text) return std::nullopt;
   return entry;
 }
 

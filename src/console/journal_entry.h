@@ -36,8 +36,9 @@ struct JournalEntry {
 ///     sum <8 hex digits: FNV-1a, 32 bits, over all bytes before this line>
 std::string journal_text(const JournalEntry& entry);
 
-/// The entry that `text` was made from; nothing unless it is exactly what journal_text() makes, so that a
-/// half-written, altered or foreign file is never offered as somebody's work.
+/// The entry that `text` was made from; nothing unless it is exactly what journal_text() makes, or made
+/// before there was the port ("QV5123 journal 2"), so that a half-written, altered or foreign file is never
+/// offered as somebody's work.
 std::optional<JournalEntry> read_journal(std::string_view text);
 
 }  // namespace qv5123

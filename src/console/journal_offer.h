@@ -13,7 +13,8 @@ inline constexpr const char* kRestoreQuestion =
     "The program ended without saving the values of its pages, but they were kept.";
 /// Stands below it.
 inline constexpr const char* kRestoreDetail =
-    "Without them a copy stays for a week, as a setting file that can be loaded.";
+    "Without them a copy stays for a week: a setting file that can be loaded, and beside it the font and the "
+    "text that was being typed.";
 /// Stands behind the question where a setting file was in use, before its name.
 inline constexpr const char* kRestoreFile = "\n\nThe setting file was: ";
 /// Stands behind the name of a setting file that is newer than what was kept.

@@ -106,6 +106,14 @@ bool FontEditor::take_draft(std::string_view draft) {
   return true;
 }
 
+std::string font_file_of(std::string_view draft) {
+  FontEditor editor;
+  if (!editor.take_draft(draft)) return {};
+  editor.store();
+  const std::vector<std::uint8_t> binary = editor.library().to_binary();
+  return {binary.begin(), binary.end()};
+}
+
 void FontEditor::toggle_pixel(GlyphPixel pixel) {
   change_buffer([pixel](Glyph& glyph) { glyph.toggle_pixel(pixel); });
 }

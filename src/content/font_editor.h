@@ -119,4 +119,8 @@ class FontEditor {
   std::optional<Stroke> stroke_;
 };
 
+/// What a draft holds as a font file in the binary form, with what was drawn but not set in its place. Empty
+/// for a text that is no draft.
+std::string font_file_of(std::string_view draft);
+
 }  // namespace qv5123

@@ -4,6 +4,7 @@
 
 #include <map>
 
+#include "base/hex.h"
 #include "console/setting_file.h"
 #include "support/fake_prompts.h"
 #include "support/inline_background.h"
@@ -61,6 +62,7 @@ struct Computer {
       run->now = entry;
     };
     around.show_status = [run = run.get()](const std::string& text) { run->statuses.push_back(text); };
+    around.font_file = [](const std::string& draft) { return draft.empty() ? "" : "file of " + draft; };
     run->journal = std::make_unique<Journal>(clock, disk, std::move(around));
     run->flow.start(start(*run->journal));
     return run;
@@ -231,6 +233,26 @@ TEST(Journal, KeepsTextAndFontOfAnImageThatIsSavedUntilTheyAreToo) {
   EXPECT_FALSE(std::filesystem::exists(computer.file(1)));
 }
 
+TEST(Journal, ThatIsNotWantedLeavesTextAndAFontThatCanBeOpened) {
+  Computer computer;
+  auto run = computer.begin();
+  run->now.font = "draft";
+  run->now.typed = "AE Target: 5";
+  computer.clock.advance(Journal::kInterval);
+  run.reset();
+  computer.user.answers = {Answer::no};
+  computer.begin();
+  ASSERT_EQ(computer.put_aside().size(), 1u);
+  const auto beside = [&](const char* extension) {
+    std::string text;
+    auto file = computer.put_aside()[0];
+    read_whole_file(file.replace_extension(extension), text);
+    return text;
+  };
+  EXPECT_EQ(beside(".font.bin"), "file of draft");
+  EXPECT_EQ(beside(".typed.txt"), "AE Target: 5");
+}
+
 TEST(Journal, OfALivingRunIsLeftAlone) {
   Computer computer;
   std::vector<std::unique_ptr<Computer::Run>> runs;
@@ -265,6 +287,15 @@ TEST(Journal, ThatIsHalfAlteredOrForeignIsNeitherOfferedNorTouched) {
   }
   for (const std::string& text : wrong) EXPECT_FALSE(read_journal(text)) << text.substr(0, 60);
   EXPECT_EQ(read_journal(whole), entry_of(42));
+  // Before there was the port: FNV-1a by hand.
+  std::string older = whole.substr(0, whole.rfind("sum "));
+  older.replace(0, 16, "QV5123 journal 2");
+  older.erase(older.find("port 0 \n"), 8);
+  std::uint32_t sum = 0x811C9DC5;
+  for (const char c : older) sum = (sum ^ static_cast<unsigned char>(c)) * 0x01000193;
+  older += "sum " + lower_hex(sum, 8) + "\n";
+  EXPECT_EQ(read_journal(older), entry_of(42));
+  EXPECT_FALSE(read_journal(older + "\n"));
 
   std::filesystem::create_directories(computer.file(1).parent_path());
   ASSERT_TRUE(write_file_atomically(computer.file(1), whole.substr(1)).ok());

@@ -32,5 +32,18 @@ TEST(FontEditor, UndoWalksBackThroughEveryKindOfStepAsFarAsItReaches) {
   EXPECT_EQ(undone, GlyphHistory::kSteps);
 }
 
+TEST(FontEditor, ADraftBecomesAFontFileWithWhatWasDrawnInIt) {
+  FontEditor editor;
+  editor.fill(3, {filled(0x1234)});
+  editor.select(9);
+  editor.paste(filled(0x00FF));
+  const std::string file = font_file_of(editor.draft());
+  FontEditor opened;
+  opened.open_binary({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
+  EXPECT_EQ(opened.library().glyph(3), filled(0x1234));
+  EXPECT_EQ(opened.library().glyph(9), filled(0x00FF));
+  EXPECT_EQ(font_file_of("no draft"), "");
+}
+
 }  // namespace
 }  // namespace qv5123

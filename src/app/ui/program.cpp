@@ -22,6 +22,7 @@
 #include "base/delay.h"
 #include "base/lock_file.h"
 #include "base/ui/qt_text.h"
+#include "content/font_editor.h"
 #include "link/port_list.h"
 #include "link/ui/serial_port_setting.h"
 
@@ -285,6 +286,7 @@ void Program::keep_journal() {
   surroundings.lock = [](const std::filesystem::path& path) { return lock_file(path).held; };
   surroundings.unsaved = [this] { return view_->unsaved(); };
   surroundings.restore = [this](const JournalEntry& entry) { view_->restore(entry); };
+  surroundings.font_file = font_file_of;
   surroundings.show_status = [this](const std::string& text) {
     view_->say(StatusRank::failure, kAboutJournal, text);
   };
