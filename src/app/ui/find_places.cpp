@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
 #include <QScrollArea>
 #include <QSet>
 #include <algorithm>
@@ -94,8 +95,10 @@ void add_actions(const QList<QAction*>& actions, const QString& where, std::vect
     }
     if (action->isSeparator() || !action->isEnabled() || action->text().isEmpty()) continue;
     const QString keys = action->shortcut().toString(QKeySequence::NativeText);
-    items.push_back({plain(action->text()), keys.isEmpty() ? where : where + ", " + keys,
-                     [action] { action->trigger(); }});
+    items.push_back(
+        {plain(action->text()), keys.isEmpty() ? where : where + ", " + keys, [action = QPointer(action)] {
+           if (action) action->trigger();
+         }});
   }
 }
 
@@ -123,8 +126,11 @@ void add_controls(CQV5123View& view, PageId id, std::vector<FindItem>& items) {
     if (item.where.startsWith(page_title(id) + ",")) listed.insert(item.name);
   for (QWidget* widget : page->findChildren<QWidget*>()) {
     if (!is_place(widget) || listed.contains(widget->accessibleName())) continue;
-    items.push_back({widget->accessibleName(), page_title(id), [&view, id, page, widget] {
+    // The page may be closed while the list is open.
+    items.push_back({widget->accessibleName(), page_title(id),
+                     [&view, id, page = QPointer(page), widget = QPointer(widget)] {
                        view.pages().choose(id);
+                       if (!page || !widget) return;
                        unfold(page, widget);
                        put_keyboard(widget);
                      }});
@@ -135,7 +141,8 @@ void add_column(CQV5123View& view, std::vector<FindItem>& items) {
   ColumnDrawer& drawer = view.column();
   for (QWidget* widget : drawer.findChildren<QWidget*>()) {
     if (!is_place(widget)) continue;
-    items.push_back({widget->accessibleName(), "Column", [&drawer, widget] {
+    items.push_back({widget->accessibleName(), "Column", [&drawer, widget = QPointer(widget)] {
+                       if (!widget) return;
                        if (!widget->isVisible()) drawer.restore(static_cast<int>(ColumnShape::whole));
                        put_keyboard(widget);
                      }});
@@ -143,14 +150,15 @@ void add_column(CQV5123View& view, std::vector<FindItem>& items) {
 }
 
 void add_findable(CQV5123View& view, PageId id, std::vector<FindItem>& items) {
-  auto* findable = dynamic_cast<Findable*>(view.pages().page_widget(id));
+  const QPointer page = view.pages().page_widget(id);
+  const auto* findable = dynamic_cast<Findable*>(page.data());
   if (!findable) return;
   for (FoundPlace& place : findable->places())
-    items.push_back({std::move(place.name), page_title(id) + ", " + place.where,
-                     [&view, id, findable, number = place.id] {
-                       view.pages().choose(id);
-                       findable->go_to(number);
-                     }});
+    items.push_back(
+        {std::move(place.name), page_title(id) + ", " + place.where, [&view, id, page, number = place.id] {
+           view.pages().choose(id);
+           if (auto* shown = dynamic_cast<Findable*>(page.data())) shown->go_to(number);
+         }});
 }
 
 }  // namespace
