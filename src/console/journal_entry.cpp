@@ -75,11 +75,16 @@ std::optional<JournalEntry> read_journal(std::string_view text) {
   const auto file = take_field("file", rest);
   const auto font = file ? take_field("font", rest) : std::nullopt;
   const auto typed = font ? take_field("typed", rest) : std::nullopt;
-  const auto port = older ? typed : typed ? take_field("port", rest) : std::nullopt;
-  auto path = path_of(file.value_or(""));
-  if (!port || !path) return std::nullopt;
-  JournalEntry entry{image_of(rest), std::move(*path), std::string(*font), std::string(*typed),
-                     older ? std::string() : std::string(*port)};
+  if (!typed) return std::nullopt;
+  std::string port;
+  if (!older) {
+    const auto told = take_field("port", rest);
+    if (!told) return std::nullopt;
+    port = *told;
+  }
+  auto path = path_of(*file);
+  if (!path) return std::nullopt;
+  JournalEntry entry{image_of(rest), std::move(*path), std::string(*font), std::string(*typed), port};
   if (text_of(entry, older) != text) return std::nullopt;
   return entry;
 }
