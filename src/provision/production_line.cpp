@@ -201,16 +201,15 @@ Task<> ProductionLine::Place::run_unit() {
 /// One that starts is another one, or was without power like one.
 Task<> ProductionLine::Place::wait_until_gone() {
   int silent = 0;
-  // What the unit's own chip has said.
-  port_->link().reply().forget();
+  // A greeting may be gone behind the answer that follows it; it counts all the same.
+  ReplyBuffer& reply = port_->link().reply();
+  reply.forget();
+  std::uint64_t expected = reply.completed();
   while (!lost_ && port_->connected() && silent < kSilent && line_.goes_on()) {
     co_await Delay(line_.scheduler_, kAskEvery);
-    if (const auto said = port_->link().reply().take_block(); said && is_greeting(*said)) {
-      greeting_ = *said;
-      break;
-    }
+    if (const auto said = reply.take_block(); said && is_greeting(*said)) greeting_ = *said;
     const Look found = co_await look();
-    if (found == Look::start) break;
+    if (found == Look::start || reply.completed() > ++expected) break;
     silent = found == Look::answer ? 0 : silent + 1;
   }
   unit_.reset();
