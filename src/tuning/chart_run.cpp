@@ -15,8 +15,6 @@ constexpr int kReadings = 3;
 constexpr std::chrono::milliseconds kAnswer{500};
 /// The picture goes on under the cursor; what is read before the next one is of the last place.
 constexpr std::chrono::milliseconds kNextPicture{CommandLink::kWideWait};
-constexpr int kClipped = 250;
-constexpr int kDark = 2;
 /// By how much the brighter of two patches has to be so in the references before their order counts: a lens
 /// and a lamp dim the chart's ends.
 constexpr double kClearlyBrighter = 2;
@@ -75,15 +73,6 @@ LinearRgb as_light(const MeasuredColour& counts) {
   return {1.0 * counts[0], 1.0 * counts[1], 1.0 * counts[2]};
 }
 
-std::string name_of(std::size_t patch) {
-  const std::string caption = kPatchCaptions[patch];
-  return caption.substr(0, caption.find('('));
-}
-
-bool is_grey(std::size_t patch) {
-  return patch >= 18;
-}
-
 /// The patch measured before that this one should be clearly brighter or darker than, and is not.
 std::optional<std::size_t> out_of_order(const MeasuredColours& measured, std::size_t patch, double level) {
   const double own = luma(kPatchReferences[patch]);
@@ -105,13 +94,16 @@ Batch place_batch(PickerPosition place) {
   return batch;
 }
 
-Task<int> read_fast(CommandLink& link, int address) {
+Task<int> read_fast(CommandLink& link, int address, const CommandLink::Turn& turn) {
   for (int tries = 0; tries < 2; ++tries) {
     Batch request = isp_read_request(address);
-    const std::optional<std::string> block = co_await link.request(std::move(request), kAnswer);
+    const JobResult sent = co_await link.send_request(std::move(request));
+    if (sent.chunks_sent == 0) co_return -1;
+    const std::optional<std::string> block = co_await link.next_block(kAnswer);
     if (block && block->size() == 2) co_return 16 * hex_value((*block)[0]) + hex_value((*block)[1]);
   }
-  co_return -1;
+  // What still does not answer is overdue from now on, for whoever asks next.
+  co_return co_await link.wide_read(address, turn);
 }
 
 }  // namespace
@@ -141,6 +133,7 @@ std::optional<std::array<PickerPosition, kPatches>> patch_places(const ChartCorn
 
 Task<SteadyReading> read_steadily(CommandLink& link, PickerPosition place, std::array<int, 3> registers) {
   SteadyReading reading;
+  const CommandLink::Turn turn = co_await link.turn();
   Batch there = place_batch(place);
   const JobResult sent = co_await link.send(std::move(there));
   reading.colour.fill(-1);
@@ -149,7 +142,7 @@ Task<SteadyReading> read_steadily(CommandLink& link, PickerPosition place, std::
   std::array<std::array<int, kReadings>, 3> all{};
   for (int i = 0; i < kReadings; ++i) {
     for (std::size_t c = 0; c < 3; ++c) {
-      all[c][static_cast<std::size_t>(i)] = co_await read_fast(link, registers[c]);
+      all[c][static_cast<std::size_t>(i)] = co_await read_fast(link, registers[c], turn);
       if (all[c][static_cast<std::size_t>(i)] < 0) co_return reading;
     }
   }
@@ -163,15 +156,15 @@ Task<SteadyReading> read_steadily(CommandLink& link, PickerPosition place, std::
 
 std::string reading_complaint(const MeasuredColours& measured, std::size_t patch,
                               const SteadyReading& reading) {
-  const std::string name = name_of(patch);
+  const std::string name = patch_name(patch);
   const auto [lowest, highest] = std::ranges::minmax(reading.colour);
   if (lowest < 0) return name + ": the chip did not answer.";
-  if (highest > kClipped) return name + " is clipped: it reads " + std::to_string(highest) + ".";
-  if (lowest < kDark) return name + " is too dark: it reads " + std::to_string(lowest) + ".";
+  if (highest >= kClippedCounts) return name + " is clipped: it reads " + std::to_string(highest) + ".";
+  if (lowest < kDarkCounts) return name + " is too dark: it reads " + std::to_string(lowest) + ".";
   if (!reading.steady) return name + " is unsteady: its three readings differ.";
   const double level = luma({1.0 * reading.colour[0], 1.0 * reading.colour[1], 1.0 * reading.colour[2]});
   if (const auto other = out_of_order(measured, patch, level))
-    return name + " is out of order: its brightness does not fit that of " + name_of(*other) + ".";
+    return name + " is out of order: its brightness does not fit that of " + patch_name(*other) + ".";
   return {};
 }
 

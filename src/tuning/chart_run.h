@@ -31,7 +31,7 @@ struct SteadyReading {
 inline constexpr std::array<int, 3> kPickerColourRegisters{picker_register::kRed, picker_register::kGreen,
                                                            picker_register::kBlue};
 /// Brings the cursor there with one flush and reads as fast as the chip answers: about 0.7 s at 19200 baud.
-/// `registers` are those of red, green and blue.
+/// Nobody moves the cursor or asks the chip meanwhile. `registers` are those of red, green and blue.
 Task<SteadyReading> read_steadily(CommandLink& link, PickerPosition place,
                                   std::array<int, 3> registers = kPickerColourRegisters);
 

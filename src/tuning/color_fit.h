@@ -14,7 +14,7 @@ inline constexpr Range kNoiseLimit{100, 400};
 
 /// What everybody knows the look of: skin, and whatever has no colour.
 constexpr bool is_memory_colour(std::size_t patch) {
-  return patch < 2 || patch >= 18;
+  return patch < 2 || is_grey(patch);
 }
 
 /// What a row makes of noise that is the same in red, green and blue: the root of its sum of squares.

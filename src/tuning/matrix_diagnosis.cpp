@@ -54,16 +54,6 @@ double largest_change(const Coefficients& one, const Coefficients& other) {
   return largest;
 }
 
-constexpr bool is_grey(std::size_t patch) {
-  return patch >= 18;
-}
-
-/// Without " (R,G,B)".
-std::string short_name(std::size_t patch) {
-  const std::string caption = kPatchCaptions[patch];
-  return caption.substr(0, caption.find('('));
-}
-
 void warn_of_codes(const Coefficients& matrix, std::vector<std::string>& warnings) {
   for (std::size_t r = 0; r < kMatrixRows; ++r) {
     for (std::size_t j = 0; j < 3; ++j) {
@@ -95,8 +85,8 @@ void warn_of_patches(const MatrixDiagnosis& found, std::vector<std::string>& war
 void warn_of_clipping(const MeasuredColours& measured, std::vector<std::string>& warnings) {
   std::string clipped;
   for (std::size_t i = 0; i < kPatches; ++i) {
-    if (*std::ranges::max_element(measured[i]) >= kClippedCounts)
-      clipped += (clipped.empty() ? "" : ", ") + short_name(i);
+    if (*std::ranges::max_element(measured[i]) >= static_cast<std::uint32_t>(kClippedCounts))
+      clipped += (clipped.empty() ? "" : ", ") + patch_name(i);
   }
   if (!clipped.empty()) warnings.push_back("Clipped, over 250 counts: " + clipped + ".");
 }

@@ -32,8 +32,6 @@ std::optional<MatrixDiagnosis> diagnose_patches(const MeasuredColours& measured,
 inline constexpr double kHighestCondition = 60;
 inline constexpr std::size_t kFewestPatches = 12;
 inline constexpr double kHighestNoiseGain = 3;
-/// Counts from which on a reading is clipped.
-inline constexpr std::uint32_t kClippedCounts = 251;
 /// The codes that 13 bits hold.
 inline constexpr Range kMatrixCode13{-4096, 4095};
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
 
 #include "tuning/color_difference.h"
 
@@ -57,5 +58,15 @@ inline constexpr auto kPatchReferences = patch_chart::each(&ReferencePatch::refe
 /// The four neutral greys that the white balance is taken from, the first and the last of them.
 inline constexpr std::size_t kFirstGrey = 19;
 inline constexpr std::size_t kLastGrey = 22;
+/// White and black are grey as well.
+constexpr bool is_grey(std::size_t patch) {
+  return patch >= 18;
+}
+
+/// "Dark skin": the caption without what follows the name.
+inline std::string patch_name(std::size_t patch) {
+  const std::string caption = kPatchCaptions[patch];
+  return caption.substr(0, caption.find('('));
+}
 
 }  // namespace qv5123

@@ -14,6 +14,11 @@ inline constexpr int kPickerMaximumY = 1535;
 /// A number for red, green and blue.
 using PerColour = std::array<int, 3>;
 
+/// Counts from which on a reading of the picker is clipped.
+inline constexpr int kClippedCounts = 251;
+/// Below it a reading says nothing.
+inline constexpr int kDarkCounts = 2;
+
 /// Addresses in the ISP space.
 namespace picker_register {
 inline constexpr int kCorrection = 0xA10;  ///< bit 4 clear while lens shading is being measured

@@ -41,6 +41,12 @@ ChartColours chart_colours(const QPalette& palette) {
   return {palette.color(QPalette::Window), plot, between(plot, text, 0.2), text};
 }
 
+void paint_focus(QPainter& painter, const QRectF& area, const QColor& colour) {
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(colour, 1, Qt::DashLine));
+  painter.drawRect(area);
+}
+
 QColor readable_on(const QColor& plot, const QColor& colour) {
   if (!is_dark(plot) || colour.lightness() > kDark + kDark / 4) return colour;
   return between(colour, Qt::white, 0.45);

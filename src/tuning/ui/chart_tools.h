@@ -24,6 +24,9 @@ struct ChartColours {
 };
 ChartColours chart_colours(const QPalette& palette);
 
+/// The frame in `area` of a chart that has the keys, in `colour`.
+void paint_focus(QPainter& painter, const QRectF& area, const QColor& colour);
+
 /// `colour`, lightened where it would not stand out from a dark `plot`.
 QColor readable_on(const QColor& plot, const QColor& colour);
 

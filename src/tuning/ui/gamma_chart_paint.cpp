@@ -50,7 +50,8 @@ void GammaChartView::paintEvent(QPaintEvent*) {
   painter.restore();
   paint_legend(painter);
   paint_readout(painter);
-  if (hasFocus()) paint_focus(painter);
+  if (hasFocus())
+    paint_focus(painter, rect_of(kGammaFrame).adjusted(3, 3, -3, -3), chart_colours(palette()).text);
 }
 
 /// It stays while the points move, and takes longer to paint than they do.
@@ -186,12 +187,6 @@ void GammaChartView::paint_legend(QPainter& painter) {
   }
   painter.setFont(sized(font(), kReadoutSize));
   legend_.paint(painter, rect_of(kGammaFrame).adjusted(25, 4, -25, 0), entries);
-}
-
-void GammaChartView::paint_focus(QPainter& painter) const {
-  painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(chart_colours(palette()).text, 1, Qt::DashLine));
-  painter.drawRect(rect_of(kGammaFrame).adjusted(3, 3, -3, -3));
 }
 
 void GammaChartView::paint_chosen(QPainter& painter) const {

@@ -85,7 +85,6 @@ class GammaChartView : public QWidget {
   void paint_readout(QPainter& painter) const;
   QColor colour_of(GammaCurveId id) const;
   void paint_chosen(QPainter& painter) const;
-  void paint_focus(QPainter& painter) const;
 
   const GammaValues& values_;
   std::optional<GammaHit> hovered_;

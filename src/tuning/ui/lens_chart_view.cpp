@@ -262,10 +262,7 @@ void LensChartView::paint_texts(QPainter& painter) const {
   const double line = fontMetrics().height();
   painter.drawText(QRectF(8, 4, width() - 16, line), Qt::AlignLeft, legend);
   painter.drawText(QRectF(8, 4 + line, width() - 16, line), Qt::AlignLeft, readout());
-  if (!hasFocus()) return;
-  painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(chart_colours(palette()).text, 1, Qt::DashLine));
-  painter.drawRect(QRectF(rect()).adjusted(1, 1, -2, -2));
+  if (hasFocus()) paint_focus(painter, QRectF(rect()).adjusted(1, 1, -2, -2), chart_colours(palette()).text);
 }
 
 }  // namespace qv5123

@@ -19,10 +19,6 @@ QString number(double value, int digits) {
   return std::isfinite(value) ? QString::number(value, 'f', digits) : QString("\u221E");
 }
 
-QString patch_name(std::size_t patch) {
-  return QString(kPatchCaptions[patch]).section('(', 0, 0);
-}
-
 }  // namespace
 
 MatrixFitBox::MatrixFitBox(MatrixDesk& desk)
@@ -116,7 +112,7 @@ QString MatrixFitBox::patches_text() const {
   QStringList pulls;
   for (std::size_t i = 0; i < std::min(kPullsShown, found->pulls.size()); ++i) {
     const auto& [patch, change] = found->pulls[i];
-    pulls << QString("%1 %2").arg(patch_name(patch), number(change, 3));
+    pulls << QString("%1 %2").arg(QString::fromStdString(patch_name(patch)), number(change, 3));
   }
   return QString("Condition %1.   CIEDE2000 of patches left out: mean %2, worst %3.   Pull most: %4.")
       .arg(number(found->condition, 1), number(found->left_out.mean, 1), number(found->left_out.worst, 1),

@@ -107,9 +107,7 @@ void PatchSwatchView::paintEvent(QPaintEvent*) {
   painter.drawText(area, Qt::AlignLeft | Qt::AlignBottom,
                    report_ ? summary() : QString("Measure the grays to see the differences."));
   for (std::size_t patch = 0; patch < kPatches; ++patch) paint_patch(painter, patch);
-  if (!hasFocus()) return;
-  painter.setPen(QPen(palette().color(QPalette::WindowText), 1, Qt::DashLine));
-  painter.drawRect(rect().adjusted(0, 0, -1, -1));
+  if (hasFocus()) paint_focus(painter, rect().adjusted(0, 0, -1, -1), palette().color(QPalette::WindowText));
 }
 
 void PatchSwatchView::paint_patch(QPainter& painter, std::size_t patch) const {
