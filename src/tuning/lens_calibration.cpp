@@ -61,6 +61,24 @@ Job parameters_job(const LensValues& values) {
   return noted_job(lens_send_parameters(values), std::make_shared<WriteNote>(std::move(note)));
 }
 
+/// The readings of "Check field"; why they ended before the last, else nothing.
+Task<std::string> measure_field(CommandLink& link, const LensValues& values,
+                                const std::vector<PickerPosition>& positions,
+                                const std::function<bool(const PerColour&)>& on_reading) {
+  const unsigned connection = link.connection();
+  for (const PickerPosition& position : positions) {
+    IspBytes there = picker_position_bytes(position);
+    const PerColour colour = co_await read_picker_at(link, std::move(there));
+    // The chip measures nothing while it is being switched off.
+    if (!values.picker_on) co_return std::string("Check field: the color picker was switched off.");
+    if (*std::ranges::min_element(colour) < 0 || link.connection() != connection)
+      co_return "Check field: no reading at " + std::to_string(position.x) + ", " +
+          std::to_string(position.y) + ".";
+    if (!on_reading(colour)) co_return std::string("Check field: stopped.");
+  }
+  co_return std::string();
+}
+
 /// Why the picker could not be switched off; empty when it could.
 Task<std::string> end_measuring(CommandLink& link, LensValues& values) {
   std::string trouble = co_await switch_lens_picker(link, values, false);
@@ -129,29 +147,21 @@ Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values
 }
 
 Task<std::string> check_field(CommandLink& link, LensValues& values, std::vector<PickerPosition> positions,
-                              std::function<bool(const PerColour&)> on_reading) {
+                              std::function<bool(const PerColour&)> on_reading,
+                              std::function<void()> on_switch) {
   const int enable = co_await read_picker_register(link, picker_register::kEnable);
   if (enable < 0) co_return no_answer_text(picker_register::kEnable);
   const int correction = co_await read_picker_register(link, picker_register::kCorrection);
   if (correction < 0) co_return no_answer_text(picker_register::kCorrection);
   values.picker_off = lens_picker_switch_bytes(false, enable, correction);
   values.picker_on = true;
+  if (on_switch) on_switch();
   IspBytes on = picker_switch_bytes(true, enable);
   // Behind the correction, which a calibration measures in front of.
   on.insert(on.begin(), {picker_register::kCorrection, correction | 0x10});
   std::string trouble = co_await switch_picker(link, true, std::move(on), positions.front());
-  const unsigned connection = link.connection();
-  for (const PickerPosition& position : positions) {
-    if (!trouble.empty()) break;
-    IspBytes there = picker_position_bytes(position);
-    PerColour colour = co_await read_picker_at(link, std::move(there));
-    if (*std::ranges::min_element(colour) < 0 || link.connection() != connection) {
-      trouble = "Check field: no reading at " + std::to_string(position.x) + ", " +
-                std::to_string(position.y) + ".";
-    } else if (!on_reading(colour)) {
-      trouble = "Check field: stopped.";
-    }
-  }
+  if (trouble.empty()) trouble = co_await measure_field(link, values, positions, on_reading);
+  if (!values.picker_on) co_return trouble;
   const std::string left_on = co_await end_measuring(link, values);
   co_return trouble.empty() ? left_on : trouble;
 }

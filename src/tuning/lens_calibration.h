@@ -44,9 +44,11 @@ Task<LensCalibrationResult> calibrate_lens(CommandLink& link, LensValues& values
                                            std::function<Task<LensDecision>(const LensCalibration&)> decide);
 
 /// "Check field": measures at `positions` what the chip makes of the picture, its correction included, and
-/// leaves the picker off. `on_reading` gets each as it comes and says whether to go on. What went wrong, in
-/// words; empty when nothing did.
+/// leaves the picker off. `on_reading` gets each as it comes and says whether to go on; who switches the
+/// picker off meanwhile ends it. `on_switch` is called as `values` have come to say that the picker is on.
+/// What went wrong, in words; empty when nothing did.
 Task<std::string> check_field(CommandLink& link, LensValues& values, std::vector<PickerPosition> positions,
-                              std::function<bool(const PerColour&)> on_reading);
+                              std::function<bool(const PerColour&)> on_reading,
+                              std::function<void()> on_switch = {});
 
 }  // namespace qv5123

@@ -9,8 +9,6 @@ namespace qv5123 {
 namespace {
 
 constexpr std::array<const char*, 3> kNames{"red", "green", "blue"};
-/// Counts from which on a reading is clipped.
-constexpr int kClipped = 251;
 /// How far readings may be from a smooth line, as the root of the mean square share of their level.
 constexpr double kLargestScatter = 0.04;
 constexpr int kFieldMargin = 16;
@@ -47,6 +45,11 @@ double scatter(const LensCalibration& calibration, std::size_t colour) {
   return std::sqrt(sum / static_cast<double>(std::max<std::size_t>(calibration.samples.size(), 1)));
 }
 
+std::string clipped_text(std::size_t colour, const char* shows) {
+  return std::string("Readings of ") + kNames[colour] + " are clipped, over 250 counts: less light shows " +
+         shows + ".";
+}
+
 void warn_of_readings(const LensCalibration& calibration, std::size_t colour,
                       std::vector<std::string>& warnings) {
   Extent extent;
@@ -56,9 +59,7 @@ void warn_of_readings(const LensCalibration& calibration, std::size_t colour,
     warnings.push_back("All readings of " + name + " are " + fixed(extent.low, 0) +
                        ": is the picker on, and is there a lens?");
   }
-  if (extent.high >= kClipped)
-    warnings.push_back("Readings of " + name +
-                       " are clipped, over 250 counts: less light shows the fall-off.");
+  if (extent.high >= kClippedCounts) warnings.push_back(clipped_text(colour, "the fall-off"));
   if (scatter(calibration, colour) > kLargestScatter) {
     warnings.push_back("The readings of " + name + " lie " + fixed(100 * scatter(calibration, colour), 0) +
                        " % off a smooth line: is the scene even?");
@@ -110,6 +111,8 @@ std::vector<std::string> lens_warnings(const LensCalibration& calibration) {
   return warnings;
 }
 
+static_assert(kFieldPlaces == kFieldColumns * kFieldRows);
+
 std::vector<PickerPosition> field_positions(int screen_index) {
   const int width = lens_line_width(screen_index);
   const int height = width * 9 / 16;
@@ -131,6 +134,28 @@ std::array<double, 3> field_ripple(const LensField& field) {
     ripple[c] = extent.ripple();
   }
   return ripple;
+}
+
+FieldDoubt field_doubt(const LensField& field, std::size_t colour) {
+  int highest = 0;
+  for (const PerColour& place : field) highest = std::max(highest, place[colour]);
+  if (highest >= kClippedCounts) return FieldDoubt::clipped;
+  return highest < kDarkCounts ? FieldDoubt::dark : FieldDoubt::none;
+}
+
+std::vector<std::string> field_warnings(const LensField& field) {
+  std::vector<std::string> warnings;
+  for (std::size_t c = 0; c < 3; ++c) {
+    const FieldDoubt doubt = field_doubt(field, c);
+    if (doubt == FieldDoubt::clipped) warnings.push_back(clipped_text(c, "the ripple"));
+    if (doubt == FieldDoubt::dark)
+      warnings.push_back(std::string("No reading of ") + kNames[c] + " is above 1: is there light?");
+  }
+  return warnings;
+}
+
+bool field_tells(const LensField& field) {
+  return field.size() == kFieldPlaces && field_warnings(field).empty();
 }
 
 }  // namespace qv5123

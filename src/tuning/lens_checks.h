@@ -26,11 +26,19 @@ std::vector<std::string> lens_warnings(const LensCalibration& calibration);
 /// Where "Check field" measures: 9 across, 5 down, row by row.
 inline constexpr int kFieldColumns = 9;
 inline constexpr int kFieldRows = 5;
+inline constexpr std::size_t kFieldPlaces = 45;
 std::vector<PickerPosition> field_positions(int screen_index);
 /// What the picker said there, in their order.
 using LensField = std::vector<PerColour>;
 /// Largest over smallest less 1, in percent, for each colour; 0 for an empty field. A colour that reads 0
 /// somewhere counts as 1 there.
 std::array<double, 3> field_ripple(const LensField& field);
+/// Why the readings say nothing of a colour's ripple.
+enum class FieldDoubt { none, dark, clipped };
+FieldDoubt field_doubt(const LensField& field, std::size_t colour);
+/// The same in words, a sentence to a colour; empty where there is none.
+std::vector<std::string> field_warnings(const LensField& field);
+/// Whether all places were measured and none of the colours is in doubt.
+bool field_tells(const LensField& field);
 
 }  // namespace qv5123

@@ -119,6 +119,17 @@ Task<LensDecision> LensDesk::decide(Prompts& prompts, const LensCalibration& fou
   co_return answer == Answer::no ? LensDecision::send_first_alone : LensDecision::keep_old;
 }
 
+/// What is to be sent is the page's before it leaves: a step takes along what is sent after it was made.
+Task<LensDecision> LensDesk::take_found(Prompts& prompts, const LensCalibration& found) {
+  const LensDecision decision = co_await decide(prompts, found);
+  if (decision == LensDecision::keep_old) co_return decision;
+  const Changing change(*this, DeskChange::Kind::measured, "CALIBRATION");
+  LensCalibration taken = found;
+  taken.first_alone = decision == LensDecision::send_first_alone;
+  recompute_lens(taken, values_);
+  co_return decision;
+}
+
 void LensDesk::press_check_field() {
   view().take_typed();
   stop_checking_ = checking_field();
@@ -126,7 +137,8 @@ void LensDesk::press_check_field() {
 }
 
 Task<> LensDesk::run_check_field() {
-  co_await picker_.arrive();
+  const bool arrived = co_await picker_.arrive();
+  if (!arrived) co_return;
   const BusyScope busy(host());
   field_.clear();
   begin_sweep();
@@ -141,13 +153,25 @@ Task<> LensDesk::run_check_field() {
     lens_view_->show_field();
     return !stop_checking_;
   };
-  const std::string trouble = co_await check_field(link(), values_, positions, std::move(on_reading));
+  std::function<void()> on_switch = [this] { picker_.tell_on_in_no_way(); };
+  const std::string trouble =
+      co_await check_field(link(), values_, positions, std::move(on_reading), std::move(on_switch));
   allow_switch(true);
   end_sweep(values_.picker_on);
   view().show_values();
   if (!trouble.empty()) {
     host().show_failure(trouble);
     co_return;
+  }
+  show_ripple();
+}
+
+void LensDesk::show_ripple() {
+  std::string doubts;
+  for (const std::string& warning : field_warnings(field_)) doubts += (doubts.empty() ? "" : " ") + warning;
+  if (!doubts.empty()) {
+    lens_view_->add_to_log(doubts + "\r\n");
+    return host().show_failure("Check field says nothing: " + doubts);
   }
   const auto [red, green, blue] = field_ripple(field_);
   const std::string text = "Ripple of the whole picture: red " + fixed(red, 1) + " %, green " +
@@ -158,7 +182,11 @@ Task<> LensDesk::run_check_field() {
 
 Task<> LensDesk::calibrate(Prompts& prompts) {
   // A line that was typed in last is the one to measure along.
-  co_await picker_.arrive();
+  const bool arrived = co_await picker_.arrive();
+  if (!arrived) {
+    picker_.want_keys(values_.picker_on);
+    co_return;
+  }
   if (picker_.chip_was_away()) {
     spawn(prompts.message({"Calibration stopped: " + std::string(kPickerChipWasAway)}));
     co_return;
@@ -175,19 +203,13 @@ Task<> LensDesk::calibrate(Prompts& prompts) {
   std::function<void(const LensSample&)> on_sample = [this, positions](const LensSample& sample) {
     take_sample(sample, positions);
   };
-  const LensValues former = values_;
   LensCalibrationResult result;
   {
     const BusyScope busy(host());
     std::function<Task<LensDecision>(const LensCalibration&)> asked =
-        [this, &prompts](const LensCalibration& found) { return decide(prompts, found); };
+        [this, &prompts](const LensCalibration& found) { return take_found(prompts, found); };
     result = co_await calibrate_lens(link(), values_, std::move(on_sample), std::move(asked));
   }
-  LensValues before = values_;
-  before.parameter1 = former.parameter1;
-  before.parameter2 = former.parameter2;
-  before.calibrated = former.calibrated;
-  tell({DeskChange::Kind::measured, "CALIBRATION", before});
   Message complaint{result.message};
   finish(std::move(result));
   // Beside this flow, which is over: the ratio may move while the box is open.
@@ -208,6 +230,8 @@ void LensDesk::finish(LensCalibrationResult result) {
   const int width = calibration_.width;
   calibration_ = std::move(result.calibration);
   calibration_.width = width;
+  if (result.end == CalibrationEnd::done) declined_ = false;
+  if (result.end == CalibrationEnd::declined) declined_ = true;
   lens_view_->add_to_log(result.log);
   view().show_values();
   allow_switch(true);

@@ -56,6 +56,8 @@ class LensDesk final : public PageDesk<LensPage> {
 
  private:
   FullSave make_save() override { return {lens_full_save(values_), {}, {}, {}}; }
+  /// Whatever came back: what was not to be sent the ratio must not bring.
+  void values_loaded() override { values_.calibrated = values_.calibrated && !declined_; }
   /// Not while a sweep switches the picker off by itself.
   void allow_switch(bool allowed);
   /// Where "Screen Size:" is not that of the chip's picture; empty where it is, or nobody knows.
@@ -67,6 +69,8 @@ class LensDesk final : public PageDesk<LensPage> {
   void take_sample(const LensSample& sample, std::size_t of);
   void finish(LensCalibrationResult result);
   Task<LensDecision> decide(Prompts& prompts, const LensCalibration& found);
+  Task<LensDecision> take_found(Prompts& prompts, const LensCalibration& found);
+  void show_ripple();
   Task<> run_check_field();
 
   View nobody_;
@@ -74,6 +78,7 @@ class LensDesk final : public PageDesk<LensPage> {
   std::shared_ptr<MeasuringBoard> board_;
   PickerDesk picker_;
   LensCalibration calibration_;
+  bool declined_ = false;  ///< the parameters of calibration_ were not to be sent
   Flow calibrating_;
   LensField field_;
   bool stop_checking_ = false;

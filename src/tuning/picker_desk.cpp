@@ -1,5 +1,6 @@
 #include "tuning/picker_desk.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/delay.h"
@@ -9,8 +10,18 @@
 namespace qv5123 {
 namespace {
 
+constexpr const char* kPosition = "Picker position";
 constexpr const char* kXPosition = "X Pos";
 constexpr const char* kYPosition = "Y Pos";
+
+/// `off` behind what of `others` it does not say itself.
+IspBytes with_others(IspBytes others, const IspBytes& off) {
+  std::erase_if(others, [&off](const IspByte& other) {
+    return std::ranges::find(off, other.address, &IspByte::address) != off.end();
+  });
+  others.insert(others.end(), off.begin(), off.end());
+  return others;
+}
 
 }  // namespace
 
@@ -88,7 +99,7 @@ void PickerDesk::go_to(PickerPosition place) {
 void PickerDesk::go() {
   view_->show_picker();
   tell_others();
-  if (picker_.on) moves_.spawn(send_move("Picker position", picker_position_bytes(picker_.position)));
+  if (picker_.on) moves_.spawn(send_move(kPosition, picker_position_bytes(picker_.position)));
 }
 
 void PickerDesk::show_keys() {
@@ -128,25 +139,50 @@ Task<> PickerDesk::run_send_typed() {
   }
 }
 
-Task<> PickerDesk::arrive() {
-  while (typing_.running() || moves_.running() || at_work_elsewhere())
-    co_await Delay(host_.scheduler(), CommandLink::kWideWait);
-  if (!picker_.on || !is_another(board_->picker().by) || chip_was_away()) co_return;
+/// Whether something will still move the cursor or switch the chip.
+bool PickerDesk::on_its_way() const {
+  return typing_.running() || moves_.running() || at_work_elsewhere() || board_->picker().switched_by;
+}
+
+Task<bool> PickerDesk::arrive() {
+  const bool was_on = picker_.on;
+  while (on_its_way()) co_await Delay(host_.scheduler(), CommandLink::kWideWait);
+  if (was_on && !picker_.on) co_return false;
+  if (!picker_.on || chip_was_away()) co_return true;
+  if (board_->picker().by != this) {
+    const bool taken = co_await take_over();
+    if (!taken) co_return false;
+  }
+  if (place_lost_) co_await send_move(kPosition, picker_position_bytes(picker_.position));
+  co_return !place_lost_;
+}
+
+Task<bool> PickerDesk::take_over() {
   taking_over_ = true;
   tell_others();
   const std::string trouble = co_await switch_own_way(true);
   if (!trouble.empty()) host_.show_failure(trouble);
+  // What was typed meanwhile is on its way by itself.
+  while (typing_.running() || moves_.running()) co_await Delay(host_.scheduler(), CommandLink::kWideWait);
   taking_over_ = false;
+  tell_others();
+  co_return trouble.empty() && picker_.on;
+}
+
+void PickerDesk::tell_on_in_no_way() {
+  MeasuringBoard::Picker now = board_->picker();
+  now.by = nullptr;
+  now.connection = host_.link().connection();
+  board_->tell(*this, std::move(now));
   tell_others();
 }
 
 /// Beside the page's own way, what another page's way has changed and this one leaves alone is as it was.
 Task<std::string> PickerDesk::switch_own_way(bool on) {
-  MeasuringBoard::Picker before = board_->picker();
+  const MeasuringBoard::Picker before = board_->picker();
+  const unsigned connection = host_.link().connection();
   IspBytes others;
-  if (is_another(before.by)) others = restored_beside_picker(before.off);
-  before.connection = host_.link().connection();
-  board_->tell(*this, std::move(before));
+  if (is_another(before.by) || (before.on && !before.by)) others = restored_beside_picker(before.off);
   IspBytes restoring = others;
   const bool restored = co_await write_isp_bytes(host_.link(), std::move(restoring));
   std::string trouble = co_await picker_.switch_chip(on);
@@ -154,8 +190,11 @@ Task<std::string> PickerDesk::switch_own_way(bool on) {
   MeasuringBoard::Picker after = board_->picker();
   if (trouble.empty()) {
     after.by = on ? this : nullptr;
+    after.connection = connection;
+    // Switching on brings the cursor along.
+    place_lost_ = false;
   } else if (!picker_.off.empty()) {
-    picker_.off.insert(picker_.off.begin(), others.begin(), others.end());
+    picker_.off = with_others(std::move(others), picker_.off);
   }
   board_->tell(*this, std::move(after));
   co_return trouble;
@@ -172,7 +211,9 @@ void PickerDesk::move(PickerMove move) {
 
 Task<> PickerDesk::send_move(const char* what, IspBytes position) {
   const std::string count = std::to_string(position.size());
+  const bool whole = position.size() > picker_x_bytes(0).size();
   const bool left = co_await move_picker(host_.link(), std::move(position));
+  if (!left || whole) place_lost_ = !left;
   if (left)
     host_.show_status(std::string(what) + ": " + count + " registers sent");
   else

@@ -92,10 +92,16 @@ class PickerDesk final : private MeasuringBoard::Member {
   /// Brings the cursor to where the page's values say that it is by now.
   void go();
 
-  /// Waits until the cursor is where the page says, what is measured before that belongs elsewhere, and until
-  /// no other page is at work. A picker that another page has switched on is then switched on in this page's
-  /// way.
-  Task<> arrive();
+  /// Waits until the cursor is where the page says, what is measured before that belongs elsewhere, until no
+  /// other page is at work, and until nobody switches the chip. A picker that was switched on in another way
+  /// is then switched on in this page's. False, and the user was told, where the chip did not follow or the
+  /// picker was switched off meanwhile: what is measured now belongs elsewhere.
+  Task<bool> arrive();
+  /// The chip's cursor may be elsewhere: the next arrive() brings it anew.
+  void forget_place() { place_lost_ = true; }
+  /// The page has switched the chip's picker on in a way that is no page's: who measures next brings it to
+  /// his own.
+  void tell_on_in_no_way();
   /// Whether the port was lost or closed since the picker was switched on. The chip may have been without
   /// power and measure nothing: its registers then hold what they always hold.
   bool chip_was_away() const {
@@ -106,6 +112,8 @@ class PickerDesk final : private MeasuringBoard::Member {
   void picker_changed() override;
   void go_to(PickerPosition place) override;
   bool is_another(const Member* member) const { return member && member != this; }
+  bool on_its_way() const;
+  Task<bool> take_over();
   Task<> send_move(const char* what, IspBytes position);
   Task<> run_switch();
   Task<> tell_of_loss();
@@ -125,7 +133,8 @@ class PickerDesk final : private MeasuringBoard::Member {
   bool sweeping_ = false;
   bool switch_allowed_ = true;
   bool taking_over_ = false;
-  bool x_typed_ = false;  // and not sent yet
+  bool place_lost_ = false;  // the last move did not leave
+  bool x_typed_ = false;     // and not sent yet
   bool y_typed_ = false;
   Flow switching_;
   Flow watching_;

@@ -81,6 +81,21 @@ TEST(LensChecks, ASecondParameterBelowZeroIsBetterLeftOut) {
   }
 }
 
+TEST(LensChecks, AFieldThatSaysNothingIsNotFlat) {
+  LensField field(kFieldPlaces, PerColour{200, 100, 250});
+  EXPECT_TRUE(field_tells(field));
+  field[7][2] = 251;
+  field[8][0] = 0;
+  EXPECT_THAT(field_warnings(field),
+              testing::ElementsAre("Readings of blue are clipped, over 250 counts: less "
+                                   "light shows the ripple."));
+  EXPECT_FALSE(field_tells(field));
+  field.assign(kFieldPlaces, PerColour{});
+  EXPECT_EQ(field_warnings(field).size(), 3u);
+  field.assign(kFieldPlaces - 1, PerColour{200, 200, 200});
+  EXPECT_FALSE(field_tells(field)) << "not the whole picture";
+}
+
 class LensDeskOnAChip : public test::DeskBench {
  protected:
   LensDeskOnAChip() {
@@ -150,6 +165,13 @@ TEST_F(LensDeskOnAChip, ChecksTheFieldWithTheCorrectionOfTheChip) {
   wire(5000);
   EXPECT_EQ(host_.last_status(), "Check field: stopped.");
   EXPECT_FALSE(desk_.checking_field());
+
+  fake_.sender.chip = [this](const std::string& bytes) {
+    if (bytes.starts_with("@94")) fake_.receive(bytes.starts_with("@940a*") ? "~15^" : "~00^");
+  };
+  desk_.press_check_field();
+  wire(60'000);
+  EXPECT_THAT(host_.last_status(), StartsWith("Check field says nothing: No reading of red is above 1"));
 }
 
 }  // namespace

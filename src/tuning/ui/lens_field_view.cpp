@@ -13,6 +13,13 @@ constexpr std::array<int, 3> kHues{0, 120, 225};
 /// How far below the brightest place a cell is black, as a share of it: small differences are to be seen.
 constexpr double kDarkest = 0.3;
 
+QString ripple_text(const LensField& field, std::size_t colour) {
+  const FieldDoubt doubt = field_doubt(field, colour);
+  if (doubt == FieldDoubt::clipped) return "clipped";
+  if (doubt == FieldDoubt::dark) return "dark";
+  return QString("ripple %1 %").arg(field_ripple(field)[colour], 0, 'f', 1);
+}
+
 }  // namespace
 
 LensFieldView::LensFieldView() {
@@ -23,10 +30,9 @@ LensFieldView::LensFieldView() {
 
 void LensFieldView::show_field(const LensField& field) {
   field_ = field;
-  const auto ripple = field_ripple(field);
   QString text;
-  for (std::size_t c = 0; c < ripple.size(); ++c)
-    text += QString("%1 %2 %   ").arg(kNames[c]).arg(ripple[c], 0, 'f', 1);
+  for (std::size_t c = 0; c < kNames.size(); ++c)
+    text += QString("%1: %2   ").arg(kNames[c], ripple_text(field, c));
   setAccessibleDescription(text.trimmed());
   show();
   update();
@@ -42,9 +48,8 @@ void LensFieldView::paintEvent(QPaintEvent*) {
 void LensFieldView::paint_colour(QPainter& painter, const QRectF& area, std::size_t colour) const {
   const double line = fontMetrics().height();
   painter.setPen(palette().color(QPalette::WindowText));
-  painter.drawText(
-      area, Qt::AlignLeft | Qt::AlignTop,
-      QString("%1: ripple %2 %").arg(kNames[colour]).arg(field_ripple(field_)[colour], 0, 'f', 1));
+  painter.drawText(area, Qt::AlignLeft | Qt::AlignTop,
+                   QString("%1: %2").arg(kNames[colour], ripple_text(field_, colour)));
   int brightest = 1;
   for (const PerColour& place : field_) brightest = std::max(brightest, place[colour]);
   const double cell_width = area.width() / kFieldColumns;
