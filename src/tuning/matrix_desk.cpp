@@ -1,23 +1,14 @@
 #include "tuning/matrix_desk.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "base/text.h"
-#include "tuning/matrix_diagnosis.h"
 #include "tuning/page_flows.h"
 #include "tuning/picker_flow.h"
 #include "tuning/video_mode.h"
 
 namespace qv5123 {
-namespace {
-
-std::string row_name(MatrixControl row) {
-  return std::string(kMatrixRowNames[static_cast<int>(row)]) + " row";
-}
-
-}  // namespace
 
 Task<std::string> switch_matrix_picker(CommandLink& link, MatrixValues& values, bool on) {
   values.picker_on = on;
@@ -25,15 +16,15 @@ Task<std::string> switch_matrix_picker(CommandLink& link, MatrixValues& values, 
   co_return co_await switch_plain_picker(link, on, {values.picker_off, values.picker});
 }
 
-Task<bool> get_patch_color(CommandLink& link, MatrixValues& values, std::size_t patch) {
+Task<GotColor> get_patch_color(CommandLink& link, MatrixValues& values, std::size_t patch) {
   const PerColour colour = co_await read_picker(link);
-  if (*std::min_element(colour.begin(), colour.end()) < 0 || patch >= kPatches) co_return false;
+  if (*std::min_element(colour.begin(), colour.end()) < 0 || patch >= kPatches) co_return GotColor::no_answer;
   for (std::size_t c = 0; c < 3; ++c) values.measured[patch][c] = static_cast<std::uint32_t>(colour[c]);
   // Whoever chose another patch meanwhile is not to be moved away from it.
-  if (values.patch_step <= 0 || values.patch != patch) co_return true;
+  if (values.patch_step <= 0 || values.patch != patch) co_return GotColor::measured;
   go_to_next_patch(values);
-  co_await move_picker(link, picker_position_bytes(values.picker));
-  co_return true;
+  const bool left = co_await move_picker(link, picker_position_bytes(values.picker));
+  co_return left ? GotColor::measured : GotColor::cursor_lost;
 }
 
 MatrixDesk::MatrixDesk(DeskHost& host, UserDataImage& image, std::shared_ptr<MeasuringBoard> board)
@@ -61,46 +52,16 @@ void MatrixDesk::choose_light(int light) {
 
 void MatrixDesk::choose_mode(int mode) {
   values_.mode = mode;
+  // The run's corners are those of the other mode.
+  forget_run();
   show_matrix_in_force();
 }
 
-std::vector<WriteNote::Value> MatrixDesk::control_values(int control) const {
-  std::vector<WriteNote::Value> values;
-  if (values_.mode < 0 || values_.mode >= kVideoModes || control < 0 || control >= kMatrixRows) return values;
-  for (const int& code : values_.tables[values_.mode][control][values_.light]) {
-    const std::size_t at = field(code);
-    values.push_back({at, model().fields()[at].held_by_chip(code)});
-  }
-  return values;
-}
-
-/// Row by row, of whatever mode and light source.
-Traffic MatrixDesk::values_traffic(const std::vector<std::size_t>& fields) const {
-  Traffic traffic;
-  for (int mode = 0; mode < kVideoModes; ++mode) {
-    for (int light = 0; light < kMatrixLights; ++light) {
-      for (int row = 0; row < kMatrixRows; ++row) {
-        const std::size_t first = field(values_.tables[mode][row][light][0]);
-        const auto is_of_row = [first](std::size_t f) { return f >= first && f < first + 3; };
-        if (std::any_of(fields.begin(), fields.end(), is_of_row))
-          append(traffic, matrix_row(values_, mode, light, row));
-      }
-    }
-  }
-  return traffic;
-}
-
-/// The three codes of each row, which stand one behind the other.
-std::vector<WriteNote::Value> MatrixDesk::own_values(const std::vector<std::size_t>& fields) const {
-  std::vector<WriteNote::Value> values;
-  const std::vector<int> numbers = model().numbers();
-  for (std::size_t first = 0; first < numbers.size(); first += 3) {
-    const auto is_of_row = [first](std::size_t f) { return f >= first && f < first + 3; };
-    if (std::none_of(fields.begin(), fields.end(), is_of_row)) continue;
-    for (std::size_t i = first; i < first + 3; ++i)
-      values.push_back({i, model().fields()[i].held_by_chip(numbers[i])});
-  }
-  return values;
+void MatrixDesk::values_loaded() {
+  typed_codes_ = {};
+  if (fitted_to_ == values_.measured) return;
+  forget_fits();
+  forget_run();
 }
 
 void MatrixDesk::show_matrix_in_force() {
@@ -110,7 +71,7 @@ void MatrixDesk::show_matrix_in_force() {
 
 void MatrixDesk::choose_patch(std::size_t patch) {
   const std::size_t from = std::exchange(values_.patch, patch);
-  if (values_.patch_step > 0 && values_.picker_on && !measuring_patch_ && !measuring_all()) {
+  if (values_.patch_step > 0 && picker_.keys_enabled()) {
     const auto steps = [&](std::size_t to_place, std::size_t from_place) {
       return (static_cast<int>(to_place) - static_cast<int>(from_place)) *
              std::min(values_.patch_step, kPickerMaximumX);
@@ -161,33 +122,14 @@ bool MatrixDesk::code_refused(int row, int column) const {
   return !text.empty() && !matrix_coefficient_of(text);
 }
 
-/// Only what was typed becomes a coefficient: a code holds less of one than the fit computed.
-bool MatrixDesk::take_codes() {
-  Coefficients taken = values_.coefficients;
-  for (int row = 0; row < kMatrixRows; ++row) {
-    for (int column = 0; column < 3; ++column) {
-      float& coefficient = taken[row][column];
-      const std::string text = code_text(row, column);
-      // What is no number stands there as a code, and is sent as that.
-      if (std::isfinite(coefficient) && text == matrix_code_text(coefficient)) continue;
-      if (text.empty()) {
-        host().show_failure(std::string(kMatrixCodeNames[row][column]) + " is empty: nothing was sent.");
-        return false;
-      }
-      if (code_refused(row, column)) {
-        host().show_failure(std::string(kMatrixCodeNames[row][column]) + " takes " + kMatrixCodeRange + ".");
-        return false;
-      }
-      coefficient = *matrix_coefficient_of(text);
-    }
-  }
-  values_.coefficients = taken;
-  return true;
-}
-
 /// An arrow would move the cursor away from what is being measured.
 void MatrixDesk::update_keys() {
-  if (values_.picker_on) values_.manual_input = false;
+  if (values_.picker_on) {
+    values_.manual_input = false;
+  } else {
+    forget_run();
+    presses_.clear();
+  }
   picker_.want_keys(values_.picker_on);
   matrix_view_->show_typing();
 }
@@ -214,6 +156,7 @@ void MatrixDesk::calculate(Prompts& prompts) {
   const std::string other_mode = other_mode_text();
   if (!other_mode.empty()) host().show_failure(other_mode);
   fits_.calculated = values_.coefficients;
+  fitted_to_ = values_.measured;
   show_current();
 }
 
@@ -253,6 +196,7 @@ Task<> MatrixDesk::run_color_fit(PageHost& worker) {
   if (!found || measured != values_.measured) co_return;
   if (!fits_.calculated) fits_.calculated = calculated->coefficients;
   fits_.color_difference = found;
+  fitted_to_ = measured;
   const auto mean = [&](const Coefficients& matrix) {
     return fixed(patch_report(measured, matrix).value_or(PatchReport{}).after.mean, 2);
   };
@@ -286,71 +230,10 @@ void MatrixDesk::clear() {
     clear_matrix(values_);
   }
   forget_fits();
+  forget_run();
   for (auto& row : typed_codes_) row.fill(std::string());
   view().show_values();
   host().show_status("Patches and shown matrix are empty.");
-}
-
-void MatrixDesk::set_row(MatrixControl row, Prompts& prompts) {
-  with_consent(row_name(row), other_mode_text(), prompts, [this, row] { send_row(row); });
-}
-
-void MatrixDesk::copy_matrix(std::vector<MatrixPlace> places, Prompts& prompts) {
-  if (places.empty()) return;
-  with_consent("Copy matrix to...", {}, prompts, [this, places = std::move(places)] { send_copies(places); });
-}
-
-/// Calls `send` with the rows ready to be sent, unless the user, who is told what is doubtful about them,
-/// says no: then nothing has changed.
-void MatrixDesk::with_consent(std::string what, const std::string& doubt, Prompts& prompts,
-                              std::function<void()> send) {
-  view().take_typed();
-  const Changing change(*this, DeskChange::Kind::typed, what);
-  const Coefficients before = values_.coefficients;
-  if (!take_codes()) return;
-  MatrixValues ready = values_;
-  set_matrix_rows(ready);
-  std::string reasons = doubt.empty() ? doubt : doubt + "\n";
-  for (const std::string& warning : matrix_warnings(ready)) reasons += warning + "\n";
-  if (reasons.empty() || reasons == accepted_) return send();
-  values_.coefficients = before;
-  spawn(ask_first(prompts, std::move(what), std::move(reasons), std::move(send)));
-}
-
-Task<> MatrixDesk::ask_first(Prompts& prompts, std::string what, std::string reasons,
-                             std::function<void()> send) {
-  const Answer answer = co_await prompts.ask(careful_question(reasons + "\nSend the matrix all the same?"));
-  if (answer != Answer::yes) {
-    host().show_status("The matrix was not sent.");
-    co_return;
-  }
-  view().take_typed();
-  const Changing change(*this, DeskChange::Kind::typed, std::move(what));
-  if (!take_codes()) co_return;
-  accepted_ = std::move(reasons);
-  send();
-}
-
-void MatrixDesk::send_row(MatrixControl row) {
-  set_matrix_rows(values_);
-  show_current();
-  send_control(row_name(row), static_cast<int>(row));
-}
-
-void MatrixDesk::send_copies(const std::vector<MatrixPlace>& places) {
-  set_matrix_rows(values_);
-  std::vector<std::size_t> fields;
-  for (const MatrixPlace& place : places) {
-    for (int row = 0; row < kMatrixRows; ++row) {
-      MatrixCodes& codes = values_.tables[place.mode][row][place.light];
-      codes = values_.tables[values_.mode][row][values_.light];
-      for (const int& code : codes) fields.push_back(field(code));
-    }
-  }
-  show_current();
-  send_noted(
-      "Matrix copied to " + std::to_string(places.size()) + (places.size() == 1 ? " place" : " places"),
-      matrix_send_copies(values_, places), own_values(fields));
 }
 
 Task<> MatrixDesk::save(PageHost& files) {

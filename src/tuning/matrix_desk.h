@@ -109,9 +109,7 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   Task<> after_save() override;
   /// See Page::leave().
   Traffic leave() { return picker_.leave(); }
-  Traffic own_traffic(const std::vector<std::size_t>& fields) const override {
-    return values_traffic(fields);
-  }
+  Traffic own_traffic(const std::vector<std::size_t>& fields) const override;
   Traffic control_traffic(int control) const override { return matrix_send_row(values_, control); }
   /// Those of the current mode and light source.
   std::vector<WriteNote::Value> control_values(int control) const override;
@@ -122,7 +120,9 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   FullSave make_save() override { return {matrix_full_save(values_), {}, {}, {}}; }
   Traffic values_traffic(const std::vector<std::size_t>& fields) const override;
   std::vector<WriteNote::Value> own_values(const std::vector<std::size_t>& fields) const override;
-  void values_loaded() override { typed_codes_ = {}; }
+  void values_loaded() override;
+  template <class Does>
+  void each_row(const std::vector<std::size_t>& fields, Does does) const;
   void show_matrix_in_force();
   void update_keys();
   /// Where the chip uses the matrix of another mode; empty where it does not, or nobody knows.
@@ -131,11 +131,14 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   Task<> run_get_color();
   Task<bool> measure_patch(std::size_t patch);
   Task<> run_all(std::array<PickerPosition, kPatches> places, std::size_t first);
-  void take_reading(std::size_t patch, const SteadyReading& reading);
+  Task<> measure_places(const std::array<PickerPosition, kPatches>& places, std::size_t first);
+  Task<bool> measure_place(std::size_t patch, PickerPosition place);
   void stop_at(std::size_t patch, const std::string& complaint);
   Task<> run_color_fit(PageHost& worker);
   void show_current();
   void forget_fits();
+  /// "GET COLOR" then measures one patch and no more.
+  void forget_run() { stopped_at_.reset(); }
   bool take_codes();
   void with_consent(std::string what, const std::string& doubt, Prompts& prompts, std::function<void()> send);
   Task<> ask_first(Prompts& prompts, std::string what, std::string reasons, std::function<void()> send);
@@ -148,7 +151,6 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   PickerDesk picker_;
   int typed_ratio_;
   TypedCodes typed_codes_;
-  bool measuring_patch_ = false;
   std::string picker_trouble_;  ///< why the last save left the picker as it was
   Flow measuring_;
   std::size_t measured_patch_ = 0;  ///< the one that is being measured
@@ -161,7 +163,8 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   Flow running_all_;
   ColorFitOptions color_options_;
   Fits fits_;
-  std::string accepted_;  ///< reasons that the user has sent a matrix in spite of
+  MeasuredColours fitted_to_{};  ///< the patches that fits_ were made of
+  std::string accepted_;         ///< reasons that the user has sent a matrix in spite of
   Flow fitting_;
 };
 
@@ -170,9 +173,13 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
 /// written where the chip does not tell the bits to keep.
 Task<std::string> switch_matrix_picker(CommandLink& link, MatrixValues& values, bool on);
 
+enum class GotColor {
+  no_answer,    ///< the patch keeps its values and the picker its place
+  measured,     ///< and the picker is where the values say
+  cursor_lost,  ///< measured; the picker was to go on, and may not have
+};
 /// "GET COLOR": what the picker reads becomes `patch`, 0..23, which was selected as the button was pressed;
-/// then the picker goes on by the patch step. False when the chip did not answer; the patch then keeps its
-/// values and the picker its place.
-Task<bool> get_patch_color(CommandLink& link, MatrixValues& values, std::size_t patch);
+/// then the picker goes on by the patch step.
+Task<GotColor> get_patch_color(CommandLink& link, MatrixValues& values, std::size_t patch);
 
 }  // namespace qv5123

@@ -41,20 +41,19 @@ Task<> MatrixDesk::run_get_color() {
 /// An arrow would move the cursor away from what is being measured.
 Task<bool> MatrixDesk::measure_patch(std::size_t patch) {
   measured_patch_ = patch;
-  co_await picker_.arrive();
-  if (picker_.chip_was_away()) {
-    host().show_failure("GET COLOR: " + std::string(kPickerChipWasAway));
-    co_return false;
-  }
-  measuring_patch_ = true;
+  const bool arrived = co_await picker_.arrive();
+  if (!arrived) presses_.clear();
+  if (picker_.chip_was_away()) host().show_failure("GET COLOR: " + std::string(kPickerChipWasAway));
+  if (!arrived || picker_.chip_was_away()) co_return false;
   picker_.set_measuring(true);
   const MeasuredColour former = values_.measured[patch];
-  const bool measured = co_await get_patch_color(link(), values_, patch);
+  const GotColor got = co_await get_patch_color(link(), values_, patch);
+  const bool measured = got != GotColor::no_answer;
   MatrixValues before = values_;
   before.measured[patch] = former;
   tell({DeskChange::Kind::measured, "GET COLOR", before});
   if (measured) forget_fits();
-  measuring_patch_ = false;
+  if (got == GotColor::cursor_lost) picker_.forget_place();
   if (measured)
     host().show_status("GET COLOR: " + counts_text(patch, values_.measured[patch]));
   else
@@ -94,58 +93,74 @@ void MatrixDesk::measure_all() {
   if (!places)
     return host().show_failure(
         "Measure all 24: put the cursor on each corner patch and press Set corner there.");
-  {
-    const Changing change(*this, DeskChange::Kind::measured, "Measure all 24");
-    values_.measured = {};
-  }
-  forget_fits();
   running_all_.start(run_all(*places, 0));
 }
 
+/// One step for whoever takes it back, however many patches it measures.
 Task<> MatrixDesk::run_all(std::array<PickerPosition, kPatches> places, std::size_t first) {
   measuring_all_ = true;
   stop_run_ = false;
-  stopped_at_.reset();
+  forget_run();
   run_complaint_.clear();
-  co_await picker_.arrive();
-  const BusyScope busy(host());
-  picker_.set_measuring(true);
-  for (std::size_t patch = first; patch < kPatches && !stop_run_; ++patch) {
-    values_.patch = patch;
-    values_.picker = places[patch];
-    matrix_view_->show_measurements();
-    matrix_view_->show_run();
-    host().show_progress(static_cast<int>(100 * patch / kPatches));
-    const SteadyReading reading = co_await read_steadily(link(), places[patch]);
-    if (stop_run_) break;
-    std::string complaint = reading_complaint(values_.measured, patch, reading);
-    if (picker_.chip_was_away() || !values_.picker_on) complaint = kPickerChipWasAway;
-    if (!complaint.empty()) {
-      stop_at(patch, complaint);
-      break;
-    }
-    take_reading(patch, reading);
-    host().show_status("Measured " + counts_text(patch, values_.measured[patch]) + "; " +
-                       std::to_string(kPatches - 1 - patch) + " left.");
+  const bool arrived = co_await picker_.arrive();
+  if (arrived && !stop_run_) {
+    const BusyScope busy(host());
+    const MeasuredColours former = values_.measured;
+    if (first == 0) values_.measured = {};
+    forget_fits();
+    picker_.set_measuring(true);
+    co_await measure_places(places, first);
+    forget_fits();
+    MatrixValues before = values_;
+    before.measured = former;
+    tell({DeskChange::Kind::measured, "Measure all 24", before});
+    picker_.set_measuring(false);
   }
   if (stop_run_) host().show_status("Measure all 24: stopped.");
-  forget_fits();
-  picker_.set_measuring(false);
   measuring_all_ = false;
   matrix_view_->show_measurements();
 }
 
-void MatrixDesk::take_reading(std::size_t patch, const SteadyReading& reading) {
-  const Changing change(*this, DeskChange::Kind::measured, "Measure all 24");
+Task<> MatrixDesk::measure_places(const std::array<PickerPosition, kPatches>& places, std::size_t first) {
+  for (std::size_t patch = first; patch < kPatches && !stop_run_; ++patch) {
+    const bool goes_on = co_await measure_place(patch, places[patch]);
+    if (!goes_on) co_return;
+    host().show_status("Measured " + counts_text(patch, values_.measured[patch]) + "; " +
+                       std::to_string(kPatches - 1 - patch) + " left.");
+  }
+}
+
+/// False where the run ends there.
+Task<bool> MatrixDesk::measure_place(std::size_t patch, PickerPosition place) {
+  values_.patch = patch;
+  values_.picker = place;
+  matrix_view_->show_measurements();
+  matrix_view_->show_run();
+  host().show_progress(static_cast<int>(100 * patch / kPatches));
+  const SteadyReading reading = co_await read_steadily(link(), place);
+  if (!values_.picker_on) stop_run_ = true;
+  if (stop_run_) co_return false;
+  if (reading.colour[0] < 0) picker_.forget_place();
+  std::string complaint = reading_complaint(values_.measured, patch, reading);
+  if (picker_.chip_was_away()) complaint = kPickerChipWasAway;
+  if (!complaint.empty()) {
+    stop_at(patch, complaint);
+    co_return false;
+  }
   for (std::size_t c = 0; c < 3; ++c)
     values_.measured[patch][c] = static_cast<std::uint32_t>(reading.colour[c]);
+  co_return true;
 }
 
 void MatrixDesk::stop_at(std::size_t patch, const std::string& complaint) {
-  stopped_at_ = patch;
   run_complaint_ = complaint;
-  host().show_failure("Measure all 24 stopped. " + complaint +
-                      " GET COLOR measures it anew, and the rest follows.");
+  std::string text = "Measure all 24 stopped. " + complaint;
+  // Switching the picker off and on again ends the run.
+  if (!picker_.chip_was_away()) {
+    stopped_at_ = patch;
+    text += " GET COLOR measures it anew, and the rest follows.";
+  }
+  host().show_failure(text);
 }
 
 }  // namespace qv5123

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/chip_talk.h"
 #include "support/desk_bench.h"
 #include "tuning/awb_desk.h"
 #include "tuning/gamma_desk.h"
@@ -134,6 +135,84 @@ TEST_F(UndoListTest, LoadsFitsAndPicksAreSteps) {
   undo();
   EXPECT_EQ(matrix.values().measured[2][0], 0u);
   EXPECT_EQ(undo_.next_undo(), "");
+}
+
+/// On a simulated chip whose lens and chart are measured.
+class UndoOfMeasurementsTest : public UndoListTest {
+ protected:
+  UndoOfMeasurementsTest() {
+    fake_.sender.chip = [this](const std::string& bytes) { fake_.receive(test::ask(chip_, bytes)); };
+    matrix_.watch(states_);
+  }
+  void aim(const char* scene) {
+    CameraTruth truth;
+    set_noise(truth, "off");
+    chip_.set_camera(Camera(*scene_named(scene), truth));
+    chip_.look();
+  }
+  void calibrate(Answer answer) {
+    host_.user.answers = {answer};
+    lens_.picker().click_switch(true);
+    wire(5000);
+    lens_.start_calibration(host_.user);
+    wire(60'000);
+  }
+  void measure_chart() {
+    matrix_.picker().click_switch(true);
+    wire(3000);
+    for (const std::size_t patch : kCornerPatches) {
+      const PicturePoint at = patch_middle(*scene_named("chart"), patch);
+      matrix_.choose_patch(patch);
+      matrix_.picker().type_x(at.x);
+      matrix_.picker().type_y(at.y);
+      wire(2000);
+      matrix_.set_corner();
+    }
+    matrix_.measure_all();
+    wire(30'000);
+  }
+
+  test::ListeningChip chip_;
+  MatrixDesk matrix_{host_, image()};
+};
+
+TEST_F(UndoOfMeasurementsTest, ACalibrationTakenBackIsTakenBackOnTheChip) {
+  aim("flat-cos4");
+  type(lens_, 0, 0x111);
+  calibrate(Answer::yes);
+  EXPECT_EQ(undo_.size(), 2u);
+  const int found = red1();
+  EXPECT_NE(found, 0x111);
+  wire();
+  undo();
+  EXPECT_TRUE(wire().starts_with("@6401*@6411*@6400*@6400*@6400*@6400*"));
+  EXPECT_FALSE(lens_.values().calibrated);
+  redo();
+  EXPECT_EQ(red1(), found);
+  EXPECT_TRUE(lens_.values().calibrated);
+
+  const PerColour second = lens_.values().parameter2;
+  type(lens_, 3, 7);
+  calibrate(Answer::cancel);
+  EXPECT_EQ(host_.last_status(), "The parameters were not sent: the old ones are kept.");
+  undo();
+  EXPECT_EQ(lens_.values().parameter2, second) << "it was no step";
+  EXPECT_FALSE(lens_.values().calibrated) << "the ratio would bring what was declined";
+}
+
+TEST_F(UndoOfMeasurementsTest, AChartIsOneStepThatTakesItsFitsAlong) {
+  aim("chart");
+  measure_chart();
+  EXPECT_EQ(matrix_.patches_left(), 1u);
+  EXPECT_EQ(undo_.size(), 1u);
+  matrix_.calculate(host_.user);
+  undo();
+  EXPECT_TRUE(matrix_.fits().calculated) << "the patches are still those";
+  undo();
+  EXPECT_EQ(matrix_.values().measured, MeasuredColours{});
+  EXPECT_FALSE(matrix_.fits().calculated);
+  redo();
+  EXPECT_NE(matrix_.values().measured[23], MeasuredColour{});
 }
 
 TEST_F(UndoListTest, LostPortAndClosedPage) {

@@ -112,6 +112,51 @@ TEST_F(MatrixDeskOnAChip, StopsAtADoubtfulPatchAndGoesOnOnceItIsMeasuredAnew) {
   desk_.get_color();
   wire(3000);
   EXPECT_GT(desk_.values().patch, at) << "the rest follows";
+
+  const auto ended_by = [this](const auto& something) {
+    desk_.measure_all();
+    wire(20'000);
+    something();
+    const std::size_t stopped_at = desk_.values().patch;
+    desk_.get_color();
+    wire(5000);
+    return desk_.values().patch == stopped_at;
+  };
+  EXPECT_TRUE(ended_by([this] { desk_.clear(); }));
+  EXPECT_TRUE(ended_by([this] {
+    desk_.choose_mode(kCvi);
+    desk_.choose_mode(kTvi);
+  }));
+  EXPECT_TRUE(ended_by([this] {
+    desk_.picker().click_switch(false);
+    wire(3000);
+    desk_.picker().click_switch(true);
+    wire(3000);
+  }));
+}
+
+TEST_F(MatrixDeskOnAChip, TwoReadingsAtOnceDoNotMix) {
+  aim("chart");
+  desk_.picker().click_switch(true);
+  wire(3000);
+  const auto read = [this](const std::vector<std::size_t>& patches) {
+    std::vector<PerColour> colours(patches.size());
+    const auto into = [](CommandLink& link, PickerPosition place, PerColour& colour) -> Task<> {
+      const SteadyReading reading = co_await read_steadily(link, place);
+      colour = reading.colour;
+    };
+    FlowSet flows;
+    for (std::size_t i = 0; i < patches.size(); ++i)
+      flows.spawn(into(fake_.link, middle_of("chart", patches[i]), colours[i]));
+    wire(5000);
+    return colours;
+  };
+  const std::vector<PerColour> both = read({5, 14});
+  const PerColour first = read({5})[0], second = read({14})[0];
+  for (std::size_t c = 0; c < 3; ++c) {
+    EXPECT_NEAR(both[0][c], first[c], 6) << c;
+    EXPECT_NEAR(both[1][c], second[c], 6) << c;
+  }
 }
 
 TEST_F(MatrixDeskOnAChip, QueuesPressesAndMovesWithTheChosenPatch) {

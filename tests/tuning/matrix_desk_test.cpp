@@ -142,6 +142,14 @@ TEST_F(MatrixDeskTest, SetDerivesStoresAndSendsARow) {
   EXPECT_EQ(codes()[1], "0x0000") << "1 - 1.25 + 0.25";
   EXPECT_EQ(wire(), "@4e02*@ca03*@5805*@5800*@5800*@5800*@58ff*@5800*");
   EXPECT_EQ(host_.last_status(), "Red row: 3 registers sent");
+  const auto own_bytes = [this] {
+    return bytes_of(desk_.own_traffic({desk_.field(desk_.values().tables[3][0][2][1])}));
+  };
+  const std::string row = "@4e02*@ca03*@5805*@5800*@5800*@5800*@58ff*@5800*";
+  EXPECT_EQ(own_bytes(), row) << "as its own button";
+  desk_.choose_mode(1);
+  EXPECT_EQ(own_bytes(), row + "@4e02*@ca01*") << "and the chip's choice is the page's again";
+  desk_.choose_mode(3);
   UserDataImage stored;
   desk_.model().store(stored);
   EXPECT_EQ(stored.word(635 + 36), 0x0500);
