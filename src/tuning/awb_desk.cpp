@@ -25,7 +25,8 @@ AwbDesk::AwbDesk(DeskHost& host, UserDataImage& image, std::shared_ptr<Measuring
               {picker_on_, picker_off_, place_, step_index_,
                [this](bool on) {
                  return switch_plain_picker(link(), on, {picker_off_, place_});
-               }},
+               },
+               [this] { picker_switched(); }},
               board_) {
   // Saving a page that was opened after the file must not replace what the file said.
   if (image.loaded()) open_with_image();
@@ -61,10 +62,17 @@ std::string AwbDesk::counts_text(std::size_t patch) const {
          std::to_string(colour.g) + ", " + std::to_string(colour.b);
 }
 
-void AwbDesk::take_colour(const std::string& what, std::size_t patch, const PerColour& colour) {
+void AwbDesk::take_colour(std::size_t patch, const PerColour& colour) {
   view().take_typed();
-  const Changing change(*this, DeskChange::Kind::measured, what);
   values_.patches[patch] = {colour[0], colour[1], colour[2]};
+  if (patch >= kColouredPatches) return;
+  for (std::size_t c = 0; c < 3; ++c) seen_[patch][c] = static_cast<std::uint32_t>(colour[c]);
+}
+
+void AwbDesk::picker_switched() {
+  if (picker_on_) return;
+  stopped_at_.reset();
+  presses_.clear();
 }
 
 void AwbDesk::get_color() {
@@ -78,29 +86,58 @@ void AwbDesk::get_color() {
 
 Task<> AwbDesk::run_get_color() {
   presses_.assign(1, patch_);
+  std::optional<std::size_t> measured;
   while (!presses_.empty()) {
     measured_patch_ = presses_.front().value_or(patch_);
     presses_.pop_front();
-    co_await measure(measured_patch_);
+    const bool done = co_await measure(measured_patch_);
+    if (done) measured = measured_patch_;
   }
+  if (!measured || measured != stopped_at_ || !picker_on_) co_return;
+  if (const auto places = patch_places(board_->latest_corners()))
+    running_all_.start(run_all(*places, *measured + 1));
+}
+
+Task<bool> AwbDesk::measure(std::size_t patch) {
+  const bool arrived = co_await picker_.arrive();
+  if (picker_.chip_was_away()) host().show_failure("GET COLOR: " + std::string(kPickerChipWasAway));
+  if (!arrived || picker_.chip_was_away()) {
+    presses_.clear();
+    co_return false;
+  }
+  picker_.set_measuring(true);
+  const bool measured = co_await read(patch);
+  picker_.set_measuring(false);
+  co_return measured;
+}
+
+/// Nobody moves the cursor or asks the chip meanwhile. A register that does not answer is -1.
+Task<PerColour> AwbDesk::read_colour() {
+  const CommandLink::Turn turn = co_await link().turn();
+  PerColour colour{};
+  for (std::size_t part = 0; part < colour.size(); ++part)
+    colour[part] = co_await link().wide_read(kAwbColourRegisters[part], turn);
+  co_return colour;
 }
 
 /// The patch changes only when the chip answered for all three colours.
-Task<> AwbDesk::measure(std::size_t patch) {
-  PerColour colour{};
-  for (std::size_t part = 0; part < colour.size(); ++part)
-    colour[part] = co_await link().wide_read(kAwbColourRegisters[part]);
+Task<bool> AwbDesk::read(std::size_t patch) {
+  const PerColour colour = co_await read_colour();
   const auto missing = std::find(colour.begin(), colour.end(), -1);
   if (missing != colour.end()) {
     const int address = kAwbColourRegisters[static_cast<std::size_t>(missing - colour.begin())];
     host().show_failure("GET COLOR: no answer from 0xF" + upper_hex(static_cast<unsigned>(address), 3));
-    co_return;
+    co_return false;
   }
-  take_colour("GET COLOR", patch, colour);
+  {
+    const Changing change(*this, DeskChange::Kind::measured, "GET COLOR");
+    take_colour(patch, colour);
+  }
   // Whoever chose another patch meanwhile is not to be moved away from it.
   if (advances_ && patch_ == patch) patch_ = (patch + 1) % kAwbPatchCount;
   view().show_values();
   host().show_status("GET COLOR: " + counts_text(patch));
+  co_return true;
 }
 
 void AwbDesk::take_from_matrix() {
@@ -134,45 +171,69 @@ void AwbDesk::measure_all() {
   if (!places)
     return host().show_status(
         "Measure 18: the chart's four corners are set on LinearMatrix, and are not yet.");
-  running_all_.start(run_all(*places));
+  running_all_.start(run_all(*places, 0));
 }
 
-Task<> AwbDesk::run_all(std::array<PickerPosition, kPatches> places) {
+/// One step for whoever takes it back, however many patches it measures.
+Task<> AwbDesk::run_all(std::array<PickerPosition, kPatches> places, std::size_t first) {
   measuring_all_ = true;
   stop_run_ = false;
-  seen_ = {};
-  co_await picker_.arrive();
-  const BusyScope busy(host());
-  picker_.set_measuring(true);
-  for (std::size_t patch = 0; patch < kColouredPatches && !stop_run_; ++patch) {
+  stopped_at_.reset();
+  if (first == 0) seen_ = {};
+  const bool arrived = co_await picker_.arrive();
+  if (arrived) {
+    const BusyScope busy(host());
+    const auto former = values_.patches;
+    picker_.set_measuring(true);
+    co_await measure_places(places, first);
+    AwbValues before = values_;
+    before.patches = former;
+    tell({DeskChange::Kind::measured, "Measure 18", before});
+    picker_.set_measuring(false);
+  }
+  if (stop_run_) host().show_status("Measure 18: stopped.");
+  measuring_all_ = false;
+  awb_view_->show_measuring();
+}
+
+Task<> AwbDesk::measure_places(const std::array<PickerPosition, kPatches>& places, std::size_t first) {
+  for (std::size_t patch = first; patch < kColouredPatches && !stop_run_; ++patch) {
     patch_ = patch;
     awb_view_->show_measuring();
     host().show_progress(static_cast<int>(100 * patch / kColouredPatches));
-    if (!co_await measure_at(patch, places[patch])) break;
+    const bool goes_on = co_await measure_at(patch, places[patch]);
+    if (!goes_on) co_return;
     host().show_status("Measured " + counts_text(patch) + "; " +
                        std::to_string(kColouredPatches - 1 - patch) + " left.");
   }
-  if (stop_run_) host().show_status("Measure 18: stopped.");
-  picker_.set_measuring(false);
-  measuring_all_ = false;
-  awb_view_->show_measuring();
 }
 
 /// False where the run ends there.
 Task<bool> AwbDesk::measure_at(std::size_t patch, PickerPosition place) {
   place_ = place;
   const SteadyReading reading = co_await read_steadily(link(), place, kAwbColourRegisters);
+  if (!picker_on_) stop_run_ = true;
   if (stop_run_) co_return false;
+  if (reading.colour[0] < 0) picker_.forget_place();
   std::string complaint = reading_complaint(seen_, patch, reading);
-  if (picker_.chip_was_away() || !picker_on_) complaint = kPickerChipWasAway;
+  if (picker_.chip_was_away()) complaint = kPickerChipWasAway;
   if (!complaint.empty()) {
-    host().show_failure("Measure 18 stopped. " + complaint);
+    stop_at(patch, complaint);
     co_return false;
   }
-  for (std::size_t c = 0; c < 3; ++c) seen_[patch][c] = static_cast<std::uint32_t>(reading.colour[c]);
-  take_colour("Measure 18", patch, reading.colour);
+  take_colour(patch, reading.colour);
   view().show_values();
   co_return true;
+}
+
+void AwbDesk::stop_at(std::size_t patch, const std::string& complaint) {
+  std::string text = "Measure 18 stopped. " + complaint;
+  // Switching the picker off and on again ends the run.
+  if (!picker_.chip_was_away()) {
+    stopped_at_ = patch;
+    text += " GET COLOR measures it anew, and the rest follows.";
+  }
+  host().show_failure(text);
 }
 
 Task<> AwbDesk::save() {

@@ -43,7 +43,8 @@ class AwbDesk final : public PageDesk<AwbPage> {
   /// "From LinearMatrix": the colored patches as that page has measured them.
   void take_from_matrix();
   /// "Measure 18": the colored patches from the chart's four corners, which are set on the linear matrix
-  /// page. Pressed again it stops; where a reading is doubtful it stops by itself.
+  /// page. Pressed again it stops; where a reading is doubtful it stops by itself, and goes on once "GET
+  /// COLOR" has measured that patch.
   void measure_all();
   bool measuring_all() const { return measuring_all_; }
   /// Of "Measure 18".
@@ -60,10 +61,15 @@ class AwbDesk final : public PageDesk<AwbPage> {
   FullSave make_save() override { return {awb_full_save(values_), {}, {}, {}}; }
   void limit(const std::vector<std::size_t>& fields) override;
   Task<> run_get_color();
-  Task<> measure(std::size_t patch);
-  Task<> run_all(std::array<PickerPosition, kPatches> places);
+  Task<bool> measure(std::size_t patch);
+  Task<bool> read(std::size_t patch);
+  Task<PerColour> read_colour();
+  Task<> run_all(std::array<PickerPosition, kPatches> places, std::size_t first);
+  Task<> measure_places(const std::array<PickerPosition, kPatches>& places, std::size_t first);
   Task<bool> measure_at(std::size_t patch, PickerPosition place);
-  void take_colour(const std::string& what, std::size_t patch, const PerColour& colour);
+  void stop_at(std::size_t patch, const std::string& complaint);
+  void take_colour(std::size_t patch, const PerColour& colour);
+  void picker_switched();
   std::string counts_text(std::size_t patch) const;
 
   View nobody_;
@@ -82,7 +88,8 @@ class AwbDesk final : public PageDesk<AwbPage> {
   Flow measuring_;
   bool measuring_all_ = false;
   bool stop_run_ = false;
-  MeasuredColours seen_{};  ///< by "Measure 18"
+  MeasuredColours seen_{};                 ///< by "Measure 18", and since it has begun
+  std::optional<std::size_t> stopped_at_;  ///< where the last run has found something doubtful
   Flow running_all_;
 };
 

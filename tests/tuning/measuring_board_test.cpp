@@ -1,7 +1,10 @@
 #include "tuning/measuring_board.h"
 
+#include <algorithm>
+
 #include "support/chart_readings.h"
 #include "support/desk_bench.h"
+#include "support/traffic_text.h"
 #include "tuning/awb_desk.h"
 #include "tuning/lens_desk.h"
 #include "tuning/matrix_desk.h"
@@ -118,6 +121,77 @@ TEST_F(MeasuringBoardTest, OthersKeysRestWhileAPageMovesTheCursor) {
   EXPECT_EQ(wire(), "@920c*@923a*@9300*@920c*@923b*@9303*@920c*@9238*@9300*@920c*@9239*@9307*");
 }
 
+TEST_F(MeasuringBoardTest, NothingIsMeasuredWhereTheCursorIsNotThere) {
+  const auto chip = fake_.sender.chip;
+  const std::string read = "@940c*@943d*@940c*@943e*@940c*@943f*";
+  matrix_.picker().click_switch(true);
+  matrix_.get_color();
+  EXPECT_EQ(wire(5000), std::string("@940a*@9429*") + kOn + read) << "not before the chip has followed";
+  matrix_.picker().click_switch(false);
+  wire(3000);
+
+  lens_.picker().click_switch(true);
+  wire(3000);
+  matrix_.choose_patch_step(100);
+  lens_.start_calibration(host_.user);
+  matrix_.choose_patch(7);
+  EXPECT_EQ(matrix_.picker().position(), (PickerPosition{960, 540})) << "a sweep has the cursor";
+  matrix_.get_color();
+  matrix_.get_color();
+  awb_.picker().click_switch(false);
+  EXPECT_TRUE(wire(5000).ends_with(kOff)) << "switched off while it waited";
+  EXPECT_FALSE(matrix_.measuring());
+
+  lens_.picker().click_switch(true);
+  wire(3000);
+  fake_.sender.chip = {};
+  matrix_.get_color();
+  matrix_.get_color();
+  EXPECT_EQ(wire(3000), std::string(kCorrectionBack) + "@940a*@9429*@940a*@9429*");
+  EXPECT_EQ(host_.last_status(), "Color picker: no answer from 0xFA29");
+  matrix_.picker().click_switch(false);
+  wire(3000);
+  EXPECT_TRUE(matrix_.picker().on()) << "the chip did not follow";
+  EXPECT_EQ(bytes_of(matrix_.leave()),
+            std::string(kCorrectionBack) + "@920a*@9220*@9390*@920a*@9229*@9305*@a001*@a101*")
+      << "each once";
+
+  fake_.sender.chip = chip;
+  matrix_.picker().click_switch(true);
+  wire(3000);
+  fake_.sender.connected = false;
+  matrix_.picker().type_x(5);
+  wire();
+  matrix_.get_color();
+  wire();
+  EXPECT_EQ(host_.last_status(), "Picker position: not all of it reached the chip");
+  fake_.sender.connected = true;
+  matrix_.get_color();
+  EXPECT_TRUE(
+      wire(3000).starts_with("@920c*@923a*@9302*@920c*@923b*@931c*@920c*@9238*@9300*@920c*@9239*@9305*"
+                             "@940c*@943d*"))
+      << "brought there anew";
+}
+
+TEST_F(MeasuringBoardTest, CheckFieldIsSeenAndEndedByTheOthers) {
+  lens_.press_check_field();
+  wire(4000);
+  ASSERT_GT(lens_.picture().size(), 0u);
+  EXPECT_TRUE(matrix_.picker().on());
+  EXPECT_FALSE(matrix_.picker().keys_enabled());
+  EXPECT_FALSE(matrix_.picker().switch_enabled()) << "it will switch it off by itself";
+  host_.user.answers = {Answer::yes};
+  matrix_.start_save(host_.user, matrix_.save(host_));
+  const std::string sent = wire(60'000);
+  EXPECT_FALSE(lens_.checking_field());
+  EXPECT_LT(lens_.picture().size(), kFieldPlaces);
+  EXPECT_NE(std::ranges::find(host_.statuses, "Check field: the color picker was switched off."),
+            host_.statuses.end());
+  EXPECT_TRUE(sent.ends_with(kOff)) << sent.substr(sent.size() - 200);
+  EXPECT_FALSE(awb_.picker().on());
+  EXPECT_TRUE(lens_.leave().empty());
+}
+
 TEST_F(MeasuringBoardTest, AwbGoesOnFromPatchToPatch) {
   awb_.choose_patch(22);
   awb_.get_color();
@@ -148,6 +222,7 @@ TEST_F(MeasuringBoardTest, AwbGoesOnFromPatchToPatch) {
 
 TEST_F(MeasuringBoardTest, AwbMeasuresItsColorsFromTheCorners) {
   const MeasuredColours counts = test::chart_readings("chart");
+  MeasuredColours shown = counts;
   std::string asked;
   std::size_t patch = 0;
   fake_.sender.chip = [&](const std::string& bytes) {
@@ -158,7 +233,7 @@ TEST_F(MeasuringBoardTest, AwbMeasuresItsColorsFromTheCorners) {
       if (bytes != kAsked[c]) continue;
       asked = bytes;
       const char* digits = "0123456789abcdef";
-      const unsigned count = counts[patch][c];
+      const unsigned count = shown[patch][c];
       fake_.receive(std::string("~") + digits[count / 16] + digits[count % 16] + "^");
     }
   };
@@ -186,6 +261,24 @@ TEST_F(MeasuringBoardTest, AwbMeasuresItsColorsFromTheCorners) {
   EXPECT_EQ(host_.last_status().find("Measured Cyan is "), 0u) << host_.last_status();
   EXPECT_EQ(awb_.values().patches[17].g, static_cast<int>(counts[17][1]));
   EXPECT_EQ(awb_.picker().position(), (PickerPosition{1100, 500})) << "the third row's end";
+
+  MeasuredColours clipped = counts;
+  clipped[4] = {255, 255, 255};
+  shown = clipped;
+  patch = 0;
+  asked.clear();
+  awb_.measure_all();
+  wire(30000);
+  EXPECT_EQ(
+      host_.last_status(),
+      "Measure 18 stopped. Blue flower is clipped: it reads 255. GET COLOR measures it anew, and the rest "
+      "follows.");
+  shown = counts;
+  awb_.get_color();
+  EXPECT_TRUE(awb_.picker().measuring());
+  wire(30000);
+  EXPECT_EQ(awb_.values().patches[4].r, static_cast<int>(counts[4][0]));
+  EXPECT_EQ(host_.last_status().find("Measured Cyan is "), 0u) << host_.last_status();
 }
 
 TEST_F(MeasuringBoardTest, AnotherVideoModeThanTheChipsIsSaid) {

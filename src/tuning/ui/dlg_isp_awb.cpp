@@ -83,11 +83,11 @@ QWidget* CDlgIspAwb::make_navigation_group() {
   grid->addWidget(make_write_button("LEFT", kAwbLeft), 1, 0);
   std::vector<int> registers;
   for (const int address : kAwbColourRegisters) registers.push_back(0xF000 | address);
-  grid->addWidget(make_button("GET COLOR", {},
-                              "Measure the colour under the cursor for the selected patch, ISP " +
-                                  registers_text(registers),
-                              [this] { desk_.get_color(); }),
-                  1, 1);
+  get_color_ = make_button(
+      "GET COLOR", {},
+      "Measure the colour under the cursor for the selected patch, ISP " + registers_text(registers),
+      [this] { desk_.get_color(); });
+  grid->addWidget(get_color_, 1, 1);
   grid->addWidget(make_write_button("RIGHT", kAwbRight), 1, 2);
   grid->addWidget(make_write_button("DOWN", kAwbDown), 2, 1);
   grid->addWidget(make_write_button("None", kAwbMarkNone), 3, 0);
@@ -173,6 +173,7 @@ void CDlgIspAwb::show_measuring() {
 void CDlgIspAwb::show_keys() {
   show_checked(picker_, desk_.picker().on());
   picker_->setEnabled(desk_.picker().switch_enabled());
+  show_caption(get_color_, desk_.picker().measuring() ? "GET COLOR ..." : "GET COLOR");
 }
 
 }  // namespace qv5123

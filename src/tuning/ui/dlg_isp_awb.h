@@ -46,6 +46,7 @@ class CDlgIspAwb : public TuningDialog, private AwbDesk::View, private PickerDes
   QButtonGroup* choice_;
   QCheckBox* picker_ = nullptr;
   QPushButton* all_ = nullptr;
+  QPushButton* get_color_ = nullptr;
 };
 
 }  // namespace qv5123

@@ -48,7 +48,10 @@ TEST_F(AwbPage, APatchChosenByAnAssistiveToolIsTheOneThatIsMeasured) {
   auto* radio = QAccessible::queryAccessibleInterface(user_.find<QAbstractButton>("4100K"));
   radio->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
   user_.click("GET COLOR");
+  const auto caption = [this] { return user_.find<QAbstractButton>("GET COLOR")->text(); };
+  EXPECT_EQ(caption(), "GET COLOR ...");
   wire();
+  EXPECT_EQ(caption(), "GET COLOR");
   EXPECT_EQ(user_.number("4100K R"), 0xA0);
 }
 
