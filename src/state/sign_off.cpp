@@ -46,25 +46,25 @@ std::vector<std::pair<std::string, std::string>> version_texts(const UserDataIma
 
 Figures figures_of(const SignOff& report) {
   Figures figures;
-  if (report.chart) {
+  if (report.chart && report.chart_on_chip) {
     figures["mean color difference"] = report.chart->after.mean;
     figures["worst color difference"] = report.chart->after.worst;
-    figures["mean color difference before"] = report.chart->before.mean;
   }
+  if (report.chart) figures["mean color difference before"] = report.chart->before.mean;
   if (!report.lens.samples.empty()) {
     figures["lens ripple before"] = lens_line_ripple(report.lens);
-    figures["lens ripple"] = lens_line_ripple(report.lens, report.parameter1, report.parameter2);
+    if (report.lens_on_chip)
+      figures["lens ripple"] = lens_line_ripple(report.lens, report.parameter1, report.parameter2);
   }
-  if (!report.field.empty()) figures["field ripple"] = std::ranges::max(field_ripple(report.field));
+  if (field_tells(report.field)) figures["field ripple"] = std::ranges::max(field_ripple(report.field));
   if (report.journal) figures["failed writes"] = static_cast<double>(report.journal->failed);
   double& unverified = figures["unverified values"];
   double& unlike = figures["values unlike file"];
   for (const SignOffPage& page : report.pages) {
     for (const SignOffValue& value : page.values) {
-      const std::optional<int>& number = value.chip ? value.chip : value.page;
-      if (number) figures[page.name + "." + value.name] = *number;
+      if (value.judged) figures[page.name + "." + value.name] = *value.judged;
       if (value.known != "verified" && value.known != "read" && value.known != kNeverReported) ++unverified;
-      if (number && value.file && *number != *value.file) ++unlike;
+      if (value.unlike_file) ++unlike;
     }
   }
   return figures;

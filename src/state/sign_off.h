@@ -30,6 +30,10 @@ struct SignOffValue {
   std::optional<int> file;
   /// How the chip's number is: "verified", "read", "sent", kNeverReported; empty where it is not.
   std::string known;
+  /// What limits go by: the chip's number, or the page's of what no chip gets. What was typed and not sent is
+  /// none.
+  std::optional<int> judged = {};
+  bool unlike_file = false;  ///< `judged` is not what the chip would hold of the file's number
 };
 struct SignOffPage {
   std::string name;
@@ -68,9 +72,11 @@ struct SignOff {
 
   std::optional<PatchReport> chart;  ///< with the matrix in force
   std::string chart_of;              ///< "TVI, Outdoor"
+  bool chart_on_chip = true;         ///< the chip is known to hold that matrix
   LensCalibration lens;              ///< without samples where nothing was swept
   PerColour parameter1{};
   PerColour parameter2{};
+  bool lens_on_chip = true;  ///< the chip is known to hold these
   LensField field;
   std::optional<GammaValues> gamma;
   std::optional<AwbValues> awb;
@@ -85,8 +91,9 @@ std::vector<std::pair<std::string, std::string>> version_texts(const UserDataIma
 
 /// What limits may name: "mean color difference", "worst color difference" and "mean color difference
 /// before", "lens ripple" and "lens ripple before" along the line, and "field ripple", percent, "unverified
-/// values", "values unlike file", "failed writes", and every value by page and name, as the chip has it or
-/// else the page: "awb.a_slope".
+/// values", "values unlike file", "failed writes", and every value that can be judged by page and name:
+/// "awb.a_slope". What depends on values that the chip is not known to hold is no figure, nor is a field that
+/// is not whole or in doubt.
 Figures figures_of(const SignOff& report);
 
 /// The pictures that a report has something for, in their order: the patches, the lens, the field, the gamma

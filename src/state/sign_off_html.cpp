@@ -115,7 +115,8 @@ std::string chart(const SignOff& report) {
   };
   rows += summary("Mean", &DifferenceSummary::mean) + summary("Median", &DifferenceSummary::median) +
           summary("Worst", &DifferenceSummary::worst);
-  return heading("Color difference CIEDE2000, matrix of " + report.chart_of) +
+  return heading("Color difference CIEDE2000, matrix of " + report.chart_of +
+                 (report.chart_on_chip ? "" : ", which is not on the chip")) +
          table({"Patch", "Before", "After"}, rows);
 }
 
@@ -129,9 +130,8 @@ std::string figures(const SignOff& report) {
 std::string values(const SignOffPage& page) {
   std::string rows;
   for (const SignOffValue& value : page.values) {
-    const bool unlike = value.chip && value.file && *value.chip != *value.file;
     Cell file = number(value.file);
-    if (unlike) file.kind = Cell::Kind::bad;
+    if (value.unlike_file) file.kind = Cell::Kind::bad;
     rows += row({{value.name}, {value.caption}, number(value.page), number(value.chip), file, {value.known}});
   }
   return heading(page.title) + table({"Value", "Caption", "Page", "Chip", "File", "On the chip"}, rows);
@@ -149,8 +149,15 @@ std::string journal(const SignOff& report) {
   return heading("Journal of writes") + table({}, rows);
 }
 
+/// Escaped, with its lines as they are.
+std::string lines(const std::string& text) {
+  std::string html;
+  for (const char c : escaped(text)) html += c == '\n' ? std::string("<br>\n") : std::string(1, c);
+  return html;
+}
+
 std::string signature(const SignOff& report) {
-  return heading("Notes") + "<p>" + (report.notes.empty() ? "&nbsp;" : escaped(report.notes)) +
+  return heading("Notes") + "<p>" + (report.notes.empty() ? "&nbsp;" : lines(report.notes)) +
          "</p>\n<p><br><br>Date: ____________________ &nbsp; Signature: ______________________________</p>\n";
 }
 

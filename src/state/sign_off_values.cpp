@@ -1,4 +1,5 @@
 // What a sign-off report says of the tuning pages.
+#include <algorithm>
 #include <array>
 
 #include "state/sign_off_values.h"
@@ -29,16 +30,52 @@ const char* known_text(const FieldInfo& field, Known how) {
   return field.has_reply() ? "" : kNeverReported;
 }
 
+void judge(SignOffValue& value, const FieldInfo& field) {
+  value.judged = value.chip;
+  if (!value.chip && !field.sendable() && !field.has_reply()) value.judged = value.page;
+  if (!value.judged || !value.file) return;
+  value.unlike_file = value.chip ? *value.chip != field.held_by_chip(*value.file)
+                                 : field.held_by_file(*value.judged) != field.held_by_file(*value.file);
+}
+
 SignOffValue value_of(const FieldInfo& field, const ValueState& state) {
   SignOffValue value{field.name, field.caption.caption(), state.page, {}, state.file, {}};
   if (state.chip.how != Known::nothing) value.chip = state.chip.number;
   value.known = known_text(field, state.chip.how);
+  judge(value, field);
   return value;
 }
 
-void take_chart(SignOff& report, const MatrixValues& values) {
-  report.chart = patch_report(values.measured, values.coefficients);
-  report.chart_of = matrix_place_text(values);
+/// Whether the chip is known to hold what the page's desk holds in these fields.
+bool on_chip(const TuningDesk& desk, const ValueStates& values, const std::vector<std::size_t>& fields) {
+  const std::size_t page = values.page_named(desk.model().texts().name);
+  return std::ranges::all_of(fields, [&](std::size_t field) {
+    const ValueState state = values.state(page, field);
+    return state.chip.how != Known::nothing && state.page &&
+           values.fields(page)[field].held_by_chip(*state.page) == state.chip.number;
+  });
+}
+
+void take_chart(SignOff& report, const MatrixDesk& desk, const ValueStates& values) {
+  const MatrixValues& matrix = desk.values();
+  report.chart = patch_report(matrix.measured, matrix.coefficients);
+  report.chart_of = matrix_place_text(matrix);
+  if (report.chart_of.empty()) return;
+  std::vector<std::size_t> fields;
+  for (const auto& row : matrix.tables[static_cast<std::size_t>(matrix.mode)])
+    for (const int& code : row[static_cast<std::size_t>(matrix.light)]) fields.push_back(desk.field(code));
+  report.chart_on_chip = on_chip(desk, values, fields);
+}
+
+void take_lens(SignOff& report, const LensDesk& desk, const ValueStates& values) {
+  report.lens = desk.calibration();
+  if (desk.picture().size() == kFieldPlaces) report.field = desk.picture();
+  report.parameter1 = desk.values().parameter1;
+  report.parameter2 = desk.values().parameter2;
+  std::vector<std::size_t> fields;
+  for (const PerColour* row : {&desk.values().parameter1, &desk.values().parameter2})
+    for (const int& parameter : *row) fields.push_back(desk.field(parameter));
+  report.lens_on_chip = on_chip(desk, values, fields);
 }
 
 }  // namespace
@@ -61,16 +98,11 @@ std::vector<SignOffPage> sign_off_pages(const ValueStates& values) {
   return pages;
 }
 
-void take_desk(SignOff& report, const TuningDesk& desk) {
-  if (const auto* matrix = dynamic_cast<const MatrixDesk*>(&desk)) take_chart(report, matrix->values());
+void take_desk(SignOff& report, const TuningDesk& desk, const ValueStates& values) {
+  if (const auto* matrix = dynamic_cast<const MatrixDesk*>(&desk)) take_chart(report, *matrix, values);
   if (const auto* gamma = dynamic_cast<const GammaDesk*>(&desk)) report.gamma = gamma->values();
   if (const auto* awb = dynamic_cast<const AwbDesk*>(&desk)) report.awb = awb->values();
-  const auto* lens = dynamic_cast<const LensDesk*>(&desk);
-  if (!lens) return;
-  report.lens = lens->calibration();
-  report.field = lens->picture();
-  report.parameter1 = lens->values().parameter1;
-  report.parameter2 = lens->values().parameter2;
+  if (const auto* lens = dynamic_cast<const LensDesk*>(&desk)) take_lens(report, *lens, values);
 }
 
 }  // namespace qv5123

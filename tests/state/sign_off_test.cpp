@@ -7,6 +7,7 @@
 #include "state/sign_off_values.h"
 #include "support/chart_readings.h"
 #include "support/desk_bench.h"
+#include "tuning/awb_desk.h"
 #include "tuning/lens_desk.h"
 #include "tuning/matrix_fit.h"
 
@@ -51,7 +52,7 @@ SignOff full_report() {
   report.notes = "'line'\n</body>";
   report.pages = {{"awb",
                    "AWBTune",
-                   {{"a_slope", "A Slope", 5, 5, 6, "verified"},
+                   {{"a_slope", "A Slope", 5, 5, 6, "verified", 5, true},
                     {"b_slope", "B Slope", 1, {}, 1, ""},
                     {"patch1.r", "Dark skin R", 1, {}, 1, kNeverReported}}}};
   const MeasuredColours measured = test::chart_readings("chart-metameric");
@@ -72,7 +73,7 @@ TEST(SignOffReport, EscapesWhatCameFromElsewhereAndHasNoOutsideParts) {
   const std::string html = sign_off_html(full_report());
   EXPECT_THAT(html, HasSubstr("&lt;port&gt; &amp; &quot;co&quot;"));
   EXPECT_THAT(html, HasSubstr("A\xEF\xBF\xBD&lt;/td&gt;&lt;script&gt;"));
-  EXPECT_THAT(html, HasSubstr("&#39;line&#39;\n&lt;/body&gt;"));
+  EXPECT_THAT(html, HasSubstr("&#39;line&#39;<br>\n&lt;/body&gt;"));
   for (const char* outside : {"<script", "http:", "https:", "src=", "href=", "url("})
     EXPECT_THAT(html, Not(HasSubstr(outside)));
   EXPECT_THAT(html, HasSubstr("Limits: 2 of 3 missed"));
@@ -101,6 +102,17 @@ TEST(SignOffReport, SaysTheSameAsJson) {
   EXPECT_TRUE(nlohmann::json::accept(sign_off_json({})));
 }
 
+TEST(SignOffReport, FiguresAreOnlyOfWhatIsOnTheChipAndWhole) {
+  SignOff report = full_report();
+  for (const char* name : {"lens ripple", "mean color difference", "field ripple"})
+    EXPECT_TRUE(figures_of(report).contains(name)) << name;
+  report.chart_on_chip = report.lens_on_chip = false;
+  report.field.pop_back();
+  for (const char* name : {"lens ripple", "mean color difference", "field ripple"})
+    EXPECT_FALSE(figures_of(report).contains(name)) << name;
+  EXPECT_TRUE(figures_of(report).contains("lens ripple before"));
+}
+
 class SignOffPagesTest : public test::DeskBench {};
 
 TEST_F(SignOffPagesTest, TellHowTheChipsValueIsKnown) {
@@ -124,6 +136,29 @@ TEST_F(SignOffPagesTest, TellHowTheChipsValueIsKnown) {
   EXPECT_EQ(red.known, "sent");
   EXPECT_EQ(pages[5].values[3].known, "");
   EXPECT_FALSE(pages[0].values[0].page) << "a page that was never opened";
+  EXPECT_EQ(red.judged, 0x123);
+  EXPECT_TRUE(red.unlike_file);
+
+  SignOff report;
+  take_desk(report, lens, values);
+  EXPECT_FALSE(report.lens_on_chip) << "one row is";
+  lens.send_row(LensControl::parameter2);
+  fake_.advance(1000);
+  take_desk(report, lens, values);
+  EXPECT_TRUE(report.lens_on_chip);
+  lens.type(lens.field(lens.values().parameter1[0]), 0x200);
+  take_desk(report, lens, values);
+  EXPECT_FALSE(report.lens_on_chip) << "what was typed was not sent";
+
+  AwbDesk awb(host_, image());
+  awb.watch(values);
+  awb.type(0, 100);
+  awb.type(awb.field(awb.values().patches[0].r), 200);
+  report.pages = sign_off_pages(values);
+  const Figures figures = figures_of(report);
+  EXPECT_EQ(figures.at("lsc.parameter1.r"), 0x123) << "as the chip has it";
+  EXPECT_FALSE(figures.contains("awb.a_slope")) << "typed and not sent";
+  EXPECT_EQ(figures.at("awb.patch1.r"), 200) << "which no chip gets";
 }
 
 TEST(JournalSummary, CountsWhatWasWritten) {

@@ -79,10 +79,11 @@ SignOff ReportTool::known() const {
   report.time = iso_time(std::chrono::system_clock::now());
   report.port = surroundings_.port();
   report.serial_number = view.startup_reply().serial_number();
-  report.versions = version_texts(view.document().user_data);
+  // The version box stands at 0 where nothing was loaded.
+  if (view.document().user_data.loaded()) report.versions = version_texts(view.document().user_data);
   report.pages = sign_off_pages(view.values());
   for (std::size_t page = 0; page < view.values().pages(); ++page)
-    if (const TuningDesk* desk = view.values().desk(page)) take_desk(report, *desk);
+    if (const TuningDesk* desk = view.values().desk(page)) take_desk(report, *desk, view.values());
   return report;
 }
 
@@ -103,14 +104,20 @@ void ReportTool::open() {
 }
 
 Task<> ReportTool::choose_file(QPointer<QLineEdit> edit) {
-  FileChoice choice{"All Files (*.*)|*.*||", {}, {}};
+  // "Limits file", "Firmware file", "Font file".
+  const std::string what = lower_case(from_qt(edit->accessibleName()));
+  FileChoice choice{"All Files (*.*)|*.*||",
+                    {},
+                    {},
+                    "Choose the " + what + " for the report",
+                    what.substr(0, what.find(' '))};
   const auto chosen = co_await surroundings_.prompts.choose_open(std::move(choice));
   if (chosen && edit) edit->setText(path_to_qt(*chosen));
 }
 
 Task<> ReportTool::save(ReportAnswers answers) {
   FileChoice choice{"Web page (*.html)|*.html|PDF (*.pdf)|*.pdf|JSON (*.json)|*.json||", "html",
-                    "sign-off.html"};
+                    "sign-off.html", "Save the sign-off report", "report"};
   const auto out = co_await surroundings_.prompts.choose_save(std::move(choice));
   if (!out) co_return;
   std::filesystem::path path = *out;

@@ -62,6 +62,9 @@ Task<> TourPages::measure_chart() {
   if (!matrix) co_return;
   if (!matrix->fits().calculated) co_await measure(*matrix);
   matrix->calculate(view_.prompts());
+  // A report is of what the chip holds.
+  for (const MatrixControl row : {MatrixControl::red_row, MatrixControl::green_row, MatrixControl::blue_row})
+    matrix->set_row(row, view_.prompts());
 }
 
 Task<> TourPages::measure(MatrixDesk& matrix) {

@@ -57,6 +57,8 @@ FileChoice csv_choice() {
   choice.filter = "CSV (*.csv)|*.csv|All Files (*.*)|*.*||";
   choice.default_extension = "csv";
   choice.initial_name = "compare.csv";
+  choice.title = "Save the values that are compared";
+  choice.kind = "compare";
   return choice;
 }
 

@@ -23,6 +23,8 @@ FileChoice setting_choice() {
   FileChoice choice;
   choice.filter = kSettingFileFilter;
   choice.default_extension = kSettingFileExtension;
+  choice.title = "Choose a setting file for the further column";
+  choice.kind = kSettingFileExtension;
   return choice;
 }
 
