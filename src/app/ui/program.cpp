@@ -1,55 +1,30 @@
 #include "app/ui/program.h"
 
 #include <QAction>
-#include <QPointer>
-#include <array>
-#include <exception>
 #include <utility>
 
 #include "app/ui/frame.h"
 #include "app/ui/help_window.h"
 #include "app/ui/history_tool.h"
-#include "app/ui/left_chip.h"
 #include "app/ui/page_area.h"
 #include "app/ui/port_state.h"
 #include "app/ui/qv5123_view.h"
 #include "app/ui/report_tool.h"
-#include "app/ui/tour.h"
-#include "app/ui/tour_pages.h"
 #include "app/ui/unattended_prompts.h"
 #include "app/ui/window_actions.h"
 #include "app/ui/window_memory.h"
-#include "base/delay.h"
 #include "base/lock_file.h"
 #include "base/ui/qt_text.h"
 #include "content/font_editor.h"
-#include "link/port_list.h"
-#include "link/ui/serial_port_setting.h"
 
 namespace qv5123 {
 namespace {
 
-/// A disk that takes longer at the end is told of.
-constexpr std::chrono::seconds kSlowDisk{2};
-constexpr std::chrono::seconds kAskAgain{10};
-/// How long the end of the program waits for a download to end as the chip can take, where nobody was asked,
-/// and for what the chip must be told last.
-constexpr std::chrono::milliseconds kTransferPatience{1000};
-constexpr std::chrono::milliseconds kChipPatience{1500};
-
 constexpr const char* kAboutHistory = "history";
-
-constexpr const char* kNoPortYet = "No port was chosen yet.";
 
 std::unique_ptr<Prompts> make_prompts(bool attended, const std::function<void(const std::string&)>& report) {
   if (attended) return std::make_unique<QtPrompts>();
   return std::make_unique<UnattendedPrompts>(report);
-}
-
-Task<> resolved_after(Task<> task, Scheduler& scheduler, Resolver<bool> over) {
-  co_await std::move(task);
-  // Posted, since who waits for it ends this flow.
-  scheduler.post([over] { over.resolve(true); });
 }
 
 }  // namespace
@@ -121,70 +96,6 @@ Task<> Program::run() {
   if (journal_) startup.restore = [this] { return journal_->start(*prompts_); };
   view_->start(std::move(startup));
   if (options_.tour) co_await make_tour();
-}
-
-Task<PortSettings> Program::initial_port() {
-  if (parts_.fixed_port) co_return *parts_.fixed_port;
-  const PortSettings stored = settings_.port();
-  std::string why_asked = kNoPortYet;
-  if (settings_.has_port()) {
-    const OpenResult probed = co_await probe(device_name(stored));
-    if (probed.ok()) co_return stored;
-    why_asked = probed.text;
-  }
-  if (settings_.debug() != 0) co_return stored;
-  const std::optional<PortSettings> chosen = co_await choose_port(stored, std::move(why_asked));
-  if (!chosen) co_return PortSettings{};
-  // Waited for, since the settings are read again when the window opens.
-  co_await store_port(*chosen);
-  co_return *chosen;
-}
-
-Task<OpenResult> Program::probe(std::string device) {
-  std::function<OpenResult()> work = [probe = parts_.probe_port, device = std::move(device)] {
-    return probe(device);
-  };
-  co_return co_await ports_.run<OpenResult>(std::move(work));
-}
-
-Task<OpenResult> Program::probe_chosen(std::string device) {
-  // The port that is open here is closed before it is opened anew; Windows would call it busy.
-  if (session_.connected() && openable_name(session_.name()) == openable_name(device)) co_return OpenResult{};
-  co_return co_await probe(std::move(device));
-}
-
-std::unique_ptr<QDialog> Program::make_port_dialog(std::vector<PortInfo> ports, const PortSettings& current,
-                                                   const std::string& why_asked) {
-  const auto probe_one = [this](std::string device) { return probe_chosen(std::move(device)); };
-  return std::make_unique<CSerialPortSetting>(std::move(ports), current, probe_one, why_asked, frame_.get());
-}
-
-Task<std::optional<PortSettings>> Program::choose_port(PortSettings current, std::string why_asked) {
-  std::vector<PortInfo> ports = co_await ports_.run<std::vector<PortInfo>>(parts_.list_ports);
-  std::unique_ptr<QDialog> dialog;
-  try {
-    dialog = make_port_dialog(std::move(ports), current, why_asked);
-  } catch (const std::exception&) {
-    dialog.reset();
-  }
-  if (!dialog) {
-    Message failure;
-    failure.text = "Dialog box could not be created!";
-    co_await prompts_->message(std::move(failure));
-    co_return std::nullopt;
-  }
-  Resolver<int> finished;
-  QObject::connect(
-      dialog.get(), &QDialog::finished, dialog.get(), [finished](int result) { finished.resolve(result); },
-      Qt::QueuedConnection);
-  dialog->open();
-  const int result = co_await finished.pending();
-  auto* setting = static_cast<CSerialPortSetting*>(dialog.get());
-  const PortSettings chosen = setting->settings();
-  // The flow goes on inside one of the dialog's own events.
-  dialog.release()->deleteLater();
-  if (result != QDialog::Accepted) co_return std::nullopt;
-  co_return chosen;
 }
 
 // Begun at once, whether anybody waits for it or not.
@@ -264,12 +175,6 @@ void Program::open_window(PortSettings port) {
   frame_->show();
 }
 
-Task<> Program::look_at_adapter() {
-  using Timer = std::optional<std::chrono::milliseconds>;
-  std::function<Timer()> work = [device = session_.name()] { return adapter_latency(device); };
-  latency_timer_ = co_await ports_.run<Timer>(std::move(work));
-}
-
 void Program::keep_history() {
   const auto say = [this](bool failure, const std::string& text) {
     view_->say(failure ? StatusRank::failure : StatusRank::outcome, kAboutHistory, text);
@@ -299,28 +204,6 @@ void Program::keep_journal() {
   QObject::connect(view_, &CQV5123View::font_saved, frame_.get(), [this] { journal_->look_again(); });
 }
 
-Task<> Program::make_tour() {
-  Tour::Plan plan{*options_.tour, options_.tour_size, options_.check_layout};
-  TourPages pages(*view_, parts_.aim_camera);
-  if (parts_.aim_camera) plan.fill = [&pages](PageId id) { return pages.fill(id); };
-  Tour tour(*frame_, *view_, std::move(plan));
-  std::vector<PortInfo> ports = co_await ports_.run<std::vector<PortInfo>>(parts_.list_ports);
-  const std::vector<std::string> faults = co_await tour.run(
-      [this, &ports] { return make_port_dialog(std::move(ports), view_->port()->settings(), {}); });
-  for (const std::string& fault : faults) parts_.report(fault);
-  if (parts_.aim_camera) co_await leave_report(*options_.tour);
-  co_await end(faults.empty() ? 0 : 1);
-}
-
-Task<> Program::leave_report(std::filesystem::path folder) {
-  constexpr std::array kNames{"sign-off.html", "sign-off.pdf", "sign-off.json"};
-  for (const char* name : kNames) {
-    ReportAnswers nothing;
-    const std::string trouble = co_await report_->write(folder / name, std::move(nothing));
-    if (!trouble.empty()) parts_.report(trouble);
-  }
-}
-
 HelpWindow& Program::help() {
   if (!help_) {
     help_ = std::make_unique<HelpWindow>();
@@ -342,75 +225,6 @@ void Program::show_help_of(const QString& topic) {
   help().show();
   help().raise();
   help().activateWindow();
-}
-
-Task<> Program::end(int exit_code) {
-  ending_ = true;
-  (void)store_window_look();
-  const bool left = co_await view_->leave_chip(kChipPatience, CQV5123View::Leave::for_good);
-  // Nobody sees the window any more.
-  if (!left) parts_.report(view_->board().failures().back().text);
-  if (view_->board().latest() == kPickerLeftOff) parts_.report(kPickerLeftOff);
-  co_await session_.close();
-  if (!view_->gave_up_writing()) co_await finish_files();
-  parts_.end_process(exit_code);
-}
-
-// Nothing is torn down, so what is being written must be whole before, or the user does without.
-Task<> Program::finish_files() {
-  const Resolver<bool> over;
-  const Flow writing(write_out(over));
-  const Flow asking(offer_to_go(over));
-  co_await over.pending();
-}
-
-Task<> Program::write_out(Resolver<bool> over) {
-  if (journal_) co_await journal_->end();
-  // Behind all that was begun before.
-  co_await history_->finish();
-  // Posted, since who waits for it ends this flow.
-  scheduler_.post([over] { over.resolve(true); });
-}
-
-Task<> Program::offer_to_go(Resolver<bool> over) {
-  for (std::chrono::seconds patience = kSlowDisk;; patience = kAskAgain) {
-    co_await Delay(scheduler_, patience);
-    view_->say(StatusRank::outcome, kAboutFiles, "Still writing ...");
-    Question question = careful_question("Files are still being written.\n\nClose without waiting for them?");
-    const Answer answer = co_await prompts_->ask(std::move(question));
-    if (answer != Answer::yes) continue;
-    scheduler_.post([over] { over.resolve(true); });
-    co_return;
-  }
-}
-
-void Program::end_unasked() {
-  scheduler_.post([this] {
-    if (!std::exchange(ending_, true)) flows_.spawn(run_unasked_end());
-  });
-}
-
-Task<> Program::run_unasked_end() {
-  scheduler_.call_after(kEndPatience, [this] { parts_.end_process(0); });
-  Task<bool> looks = store_window_look();
-  Flow keeping;
-  Resolver<bool> kept;
-  if (journal_) {
-    keeping.start(resolved_after(journal_->keep_to_the_end(), scheduler_, kept));
-  } else {
-    kept.resolve(true);
-  }
-  if (view_) {
-    co_await view_->end_transfers(kTransferPatience);
-    co_await view_->leave_chip(kChipPatience, CQV5123View::Leave::for_good);
-    if (view_->board().latest() == kPickerLeftOff) parts_.report(kPickerLeftOff);
-    for (const StatusMessage& failure : view_->board().failures()) parts_.report(failure.text);
-  }
-  co_await session_.close();
-  if (history_) co_await history_->finish();
-  co_await kept.pending();
-  co_await std::move(looks);
-  parts_.end_process(0);
 }
 
 }  // namespace qv5123
