@@ -11,6 +11,7 @@
 #include "console/version_box.h"
 #include "content/flash_inspection.h"
 #include "content/font_library.h"
+#include "content/image_version.h"
 
 namespace qv5123 {
 namespace {
@@ -60,6 +61,11 @@ std::string crc_text(const FlashInspection& inspection, std::size_t offset) {
   return {};
 }
 
+std::string version_text(std::string_view bytes) {
+  const std::string version = version_in_image(bytes);
+  return version.empty() ? "" : ", \"" + version + "\"";
+}
+
 /// Whether a remark is about a file that somebody chose.
 bool is_about_chosen(const std::string& remark, const FlashFiles& files) {
   if (remark.starts_with("fw file")) return !files.firmware.empty();
@@ -88,8 +94,13 @@ FlashLook look_at_flash(const FlashFiles& files) {
   FlashLook look;
   if (build.ok()) {
     const FlashInspection inspection = inspect_flash_image(build.image);
-    if (firmware.bytes > 0) firmware.text += crc_text(inspection, flash::kFirmwareOffset);
-    if (font.bytes > 0) font.text += crc_text(inspection, flash::kFontOffset);
+    const auto describe = [&](Looked& file, std::size_t offset) {
+      if (file.bytes == 0) return;
+      file.text += version_text(std::string_view(build.image).substr(offset, file.bytes));
+      file.text += crc_text(inspection, offset);
+    };
+    describe(firmware, flash::kFirmwareOffset);
+    describe(font, flash::kFontOffset);
   } else {
     look.remarks.push_back(build.refusal);
   }

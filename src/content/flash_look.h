@@ -14,7 +14,7 @@ struct FlashPlace {
   std::size_t offset = 0;
   std::size_t size = 0;    ///< bytes that there are
   std::size_t filled = 0;  ///< of them by the file; 0 where it stays erased
-  std::string text;        ///< "firmware: fw.bin, 45056 of 65536 bytes, CRC-32 1A2B3C4D"
+  std::string text;        ///< "firmware: fw.bin, 45056 of 65536 bytes, "FW V1.2", CRC-32 1A2B3C4D"
 };
 
 /// What an image of these files would hold, in the order of its bytes, before it is made.

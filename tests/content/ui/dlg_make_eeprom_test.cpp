@@ -88,6 +88,10 @@ TEST_F(MakeEepromPage, TheMapTellsWhatTheChosenFilesFill) {
   type_all();
   EXPECT_EQ(place(0), "firmware: fw.bin, 4096 of 65536 bytes, CRC-32 3AD9E426 | 4096");
   EXPECT_EQ(place(0x30000), "firmware again: the same bytes | 4096");
+  folder_.write("fw.bin", std::string("\1\2Leverage V 1\3 ISP firmware, Ver. 2.31_b \xFFv9.9", 47));
+  user_.type("user file", user_.text("user file") + " ");
+  EXPECT_EQ(place(0),
+            "firmware: fw.bin, 47 of 65536 bytes, \"ISP firmware, Ver. 2.31_b\", CRC-32 F3078788 | 47");
   EXPECT_EQ(place(0x10000), "user data: user.dat, HW 0.0.0  SW 1.2.30  ISP 0.0.0 | 2048");
   EXPECT_EQ(place(0x15000), "user data again, piece 5: 233 bytes | 233");
   folder_.write("fw.bin", std::string(70000, '\1'));
