@@ -302,6 +302,7 @@ ValueMark ValueStates::mark_of(const FieldInfo& field, const ValueState& state) 
   ValueMark mark;
   if (!state.page) return mark;
   const bool known = state.chip.how != Known::nothing;
+  if (known) mark.chip = state.chip.number;
   mark.differs_from_chip = known && field.held_by_chip(*state.page) != state.chip.number;
   mark.unsent = field.sendable() && (mark.differs_from_chip || (!known && state.touched));
   mark.differs_from_file = state.file && field.kept_in_file() &&

@@ -5,6 +5,8 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include <array>
+#include <map>
 #include <utility>
 
 #include "base/ui/page_marks.h"
@@ -13,6 +15,8 @@ namespace qv5123 {
 namespace {
 
 constexpr double kHighestExponent = 100;
+constexpr std::array kAllCurves{GammaCurveId::red, GammaCurveId::green, GammaCurveId::blue,
+                                GammaCurveId::front};
 
 QDoubleSpinBox* make_exponent(const QString& name, double value, std::function<void(double)> typed) {
   // A value that was computed elsewhere comes in whole.
@@ -144,8 +148,12 @@ QWidget* CDlgIspGammaRgb::make_message_row() {
   messages_ = make_log("Messages", "The points of each computed curve");
   messages_->setFixedHeight(messages_->fontMetrics().lineSpacing() * 3 + 14);
   row->addWidget(messages_, 1);
-  row->addWidget(make_button("Clear", {}, "Empties the messages", [this] { messages_->clear(); }), 0,
-                 Qt::AlignTop);
+  row->addWidget(make_button("Clear", {}, "Empties the messages",
+                             [this] {
+                               messages_->clear();
+                               host().show_status("Messages emptied");
+                             }),
+                 0, Qt::AlignTop);
   return widget;
 }
 
@@ -202,9 +210,33 @@ void CDlgIspGammaRgb::show_values() {
 
 void CDlgIspGammaRgb::show_file() {
   const UserDataImage& image = host().document().user_data;
-  std::optional<GammaValues> file;
-  if (image.loaded()) load_page<GammaPage>(file.emplace(), image);
-  chart_->show_file(std::move(file));
+  std::map<GammaCurveId, GammaCurve> curves;
+  if (image.loaded()) {
+    GammaValues file;
+    load_page<GammaPage>(file, image);
+    for (const GammaCurveId id : kAllCurves) curves[id] = file.curve(id);
+  }
+  chart_->show_others(GammaPlace::file, std::move(curves));
+}
+
+void CDlgIspGammaRgb::show_marks(const std::vector<ValueMark>& marks) {
+  edits_.show_marks(marks);
+  std::map<GammaCurveId, GammaCurve> curves;
+  for (const GammaCurveId id : kAllCurves)
+    if (const auto curve = chip_curve(id, marks)) curves[id] = *curve;
+  chart_->show_others(GammaPlace::chip, std::move(curves));
+}
+
+/// A curve of which a point is not known is none.
+std::optional<GammaCurve> CDlgIspGammaRgb::chip_curve(GammaCurveId id,
+                                                      const std::vector<ValueMark>& marks) const {
+  GammaCurve curve = desk_.values().curve(id);
+  for (std::size_t point = 0; point < kGammaPoints; ++point) {
+    const std::optional<int> chip = marks[desk_.field(desk_.values().curve(id)[point])].chip;
+    if (!chip) return std::nullopt;
+    curve[point] = *chip;
+  }
+  return curve;
 }
 
 void CDlgIspGammaRgb::show_moved(const GammaHit& points) {

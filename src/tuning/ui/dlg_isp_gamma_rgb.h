@@ -5,6 +5,7 @@
 #include <QPlainTextEdit>
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "tuning/gamma_desk.h"
@@ -37,8 +38,9 @@ class CDlgIspGammaRgb : public TuningDialog, private GammaDesk::View {
 
   void take_typed() override { take_typed_text(this); }
   void show_values() override;
-  void show_marks(const std::vector<ValueMark>& marks) override { edits_.show_marks(marks); }
+  void show_marks(const std::vector<ValueMark>& marks) override;
   void show_file();
+  std::optional<GammaCurve> chip_curve(GammaCurveId id, const std::vector<ValueMark>& marks) const;
   void show_moved(const GammaHit& points) override;
   void add_message(const std::string& text) override;
 

@@ -16,7 +16,10 @@ constexpr int kReadoutSize = 11;
 /// Of the scale on the left, as long as the whole plot is shown.
 constexpr int kScaleStep = 128;
 constexpr int kTitleSize = 10;
-constexpr double kFileOpacity = 0.5;
+/// Of the names of file and chip from the plot's lower edge, and of the title beside them.
+constexpr int kOthersBelow = 18;
+constexpr int kInputTitle = 110;
+constexpr double kOtherOpacity = 0.5;
 
 QFont sized(QFont font, int pixels) {
   font.setPixelSize(pixels);
@@ -148,7 +151,8 @@ void GammaChartView::paint_curves(QPainter& painter) {
   // The front curve is behind the others.
   for (auto id = ids.rbegin(); id != ids.rend(); ++id) {
     if (!shows(*id)) continue;
-    if (file_) paint_file_curve(painter, *id);
+    for (const GammaPlace place : {GammaPlace::file, GammaPlace::chip})
+      paint_other_curve(painter, place, *id);
     paint_curve(painter, *id);
   }
   paint_chosen(painter);
@@ -167,14 +171,16 @@ void GammaChartView::paint_curve(QPainter& painter, GammaCurveId id) const {
     painter.drawEllipse(line[i], kGammaMarkRadius * point, kGammaMarkRadius * point);
 }
 
-void GammaChartView::paint_file_curve(QPainter& painter, GammaCurveId id) const {
-  if (file_->curve(id) == values_.curve(id)) return;
+void GammaChartView::paint_other_curve(QPainter& painter, GammaPlace place, GammaCurveId id) const {
+  const GammaCurve* curve = other_curve(place, id);
+  if (!curve || !others_legend_.shows(static_cast<std::size_t>(place))) return;
   QPolygonF line;
-  for (ChartPixel pixel : gamma_polyline(file_->curve(id))) line << point_of(pixel);
+  for (ChartPixel pixel : gamma_polyline(*curve)) line << point_of(pixel);
   painter.save();
-  painter.setOpacity(kFileOpacity);
+  painter.setOpacity(kOtherOpacity);
   painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(colour_of(id), 2 / zoom_.factor(), Qt::DashLine));
+  painter.setPen(
+      QPen(colour_of(id), 2 / zoom_.factor(), place == GammaPlace::file ? Qt::DashLine : Qt::DotLine));
   painter.drawPolyline(line);
   painter.restore();
 }
@@ -187,6 +193,13 @@ void GammaChartView::paint_legend(QPainter& painter) {
   }
   painter.setFont(sized(font(), kReadoutSize));
   legend_.paint(painter, rect_of(kGammaFrame).adjusted(25, 4, -25, 0), entries);
+  const QColor text = chart_colours(palette()).text;
+  const auto named = [&](GammaPlace place, const char* name) {
+    return ChartLegend::Entry{has_others(place) ? name : "", text};
+  };
+  const QRectF below = plot_rect().adjusted(0, plot_rect().height() - kOthersBelow, -kInputTitle, 0);
+  others_legend_.paint(painter, below,
+                       {named(GammaPlace::file, "- - File"), named(GammaPlace::chip, ". . . Chip")});
 }
 
 void GammaChartView::paint_chosen(QPainter& painter) const {

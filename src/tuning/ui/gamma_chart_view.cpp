@@ -22,7 +22,8 @@ GammaChartView::GammaChartView(const GammaValues& values) : values_(values) {
   setAccessibleName("Gamma curves");
   setToolTip(
       "Drag the points, or choose one with the left and right keys and move it with up and down. The wheel "
-      "enlarges, 0 shows all again, a click on a name hides its curve, Ctrl+C copies.");
+      "enlarges, 0 shows all again, a click on a name hides its curve, Ctrl+C copies. Dashed: the file's "
+      "curve, dotted: the chip's, where they differ.");
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
@@ -73,9 +74,22 @@ void GammaChartView::show_all() {
   update();
 }
 
-void GammaChartView::show_file(std::optional<GammaValues> file) {
-  file_ = std::move(file);
+void GammaChartView::show_others(GammaPlace place, std::map<GammaCurveId, GammaCurve> curves) {
+  others_[place] = std::move(curves);
   update();
+}
+
+const GammaCurve* GammaChartView::other_curve(GammaPlace place, GammaCurveId id) const {
+  const auto curves = others_.find(place);
+  if (curves == others_.end() || !shows(id)) return nullptr;
+  const auto curve = curves->second.find(id);
+  const bool differs = curve != curves->second.end() && curve->second != values_.curve(id);
+  return differs ? &curve->second : nullptr;
+}
+
+bool GammaChartView::has_others(GammaPlace place) const {
+  return std::ranges::any_of(curves(),
+                             [this, place](GammaCurveId id) { return other_curve(place, id) != nullptr; });
 }
 
 std::vector<GammaCurveId> GammaChartView::curves() const {
@@ -92,6 +106,10 @@ QRectF GammaChartView::legend_place(GammaCurveId id) const {
   return transform().mapRect(legend_.place(static_cast<std::size_t>(id)));
 }
 
+QRectF GammaChartView::legend_place(GammaPlace place) const {
+  return transform().mapRect(others_legend_.place(static_cast<std::size_t>(place)));
+}
+
 QColor GammaChartView::colour_of(GammaCurveId id) const {
   const ChartColours colours = chart_colours(palette());
   if (id == GammaCurveId::front) return colours.text;
@@ -100,12 +118,19 @@ QColor GammaChartView::colour_of(GammaCurveId id) const {
 }
 
 QString GammaChartView::numbers() const {
+  std::vector<const GammaCurve*> columns;
   QString text = "Input";
-  for (const GammaCurveId id : curves())
-    text += QString("\t%1").arg(kGammaCurveNames[static_cast<std::size_t>(id)]);
+  const auto add = [&](GammaCurveId id, const char* place, const GammaCurve* curve) {
+    if (!curve) return;
+    columns.push_back(curve);
+    text += u'\t' + QString(kGammaCurveNames[static_cast<std::size_t>(id)]) + place;
+  };
+  for (const GammaCurveId id : curves()) add(id, "", &values_.curve(id));
+  for (const GammaCurveId id : curves()) add(id, " file", other_curve(GammaPlace::file, id));
+  for (const GammaCurveId id : curves()) add(id, " chip", other_curve(GammaPlace::chip, id));
   for (std::size_t i = 0; i < kGammaPoints; ++i) {
     text += QString("\n%1").arg(kGammaPositions[i]);
-    for (const GammaCurveId id : curves()) text += QString("\t%1").arg(values_.curve(id)[i]);
+    for (const GammaCurve* curve : columns) text += QString("\t%1").arg((*curve)[i]);
   }
   return text + "\n";
 }
@@ -144,7 +169,8 @@ void GammaChartView::hover(std::optional<GammaHit> hit) {
 
 void GammaChartView::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton) return;
-  if (legend_.click(transform().inverted().map(event->position()))) return update();
+  const QPointF at = transform().inverted().map(event->position());
+  if (legend_.click(at) || others_legend_.click(at)) return update();
   chosen_ = hit_at(event->position());
   hovered_.reset();
   dragging_ = chosen_.has_value();

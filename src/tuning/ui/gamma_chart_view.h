@@ -5,12 +5,16 @@
 #include <QTransform>
 #include <QWidget>
 
+#include <map>
 #include <optional>
 
 #include "tuning/gamma_chart.h"
 #include "tuning/ui/chart_tools.h"
 
 namespace qv5123 {
+
+/// Where a curve stands beside the page.
+enum class GammaPlace { file, chip };
 
 /// The gamma curves of the current selection over the front curve, the points draggable with the mouse. The
 /// left and right keys choose a point, up and down move it, by 1 or with page up and page down by 16; while
@@ -27,8 +31,9 @@ class GammaChartView : public QWidget {
 
   /// To be called after any change of the values.
   void refresh();
-  /// The curves of the user data, to be drawn behind the page's own; nothing while there are none.
-  void show_file(std::optional<GammaValues> file);
+  /// The curves of the user data, or those that the chip is known to have, to be drawn behind the page's own
+  /// where they are others.
+  void show_others(GammaPlace place, std::map<GammaCurveId, GammaCurve> curves);
 
   /// Where a pixel of the chart stands in the widget.
   QPointF to_widget(ChartPixel pixel) const;
@@ -38,8 +43,9 @@ class GammaChartView : public QWidget {
   QString numbers() const;
   /// Whether the curve is among those drawn.
   bool shows(GammaCurveId id) const;
-  /// Where the curve's name stands in the widget; empty where it is not drawn.
+  /// Where the curve's name, or that of all of a place, stands in the widget; empty where it is not drawn.
   QRectF legend_place(GammaCurveId id) const;
+  QRectF legend_place(GammaPlace place) const;
 
   QSize sizeHint() const override { return {580, 580}; }
   QSize minimumSizeHint() const override { return {400, 400}; }
@@ -70,6 +76,9 @@ class GammaChartView : public QWidget {
   std::optional<GammaHit> hit_at(QPointF point) const;
   void show_all();
   std::vector<GammaCurveId> curves() const;
+  /// The curve there; null where it is not known, is the same as the page's, or is hidden.
+  const GammaCurve* other_curve(GammaPlace place, GammaCurveId id) const;
+  bool has_others(GammaPlace place) const;
   void hover(std::optional<GammaHit> hit);
   void choose_neighbour(int step);
   void paint_background(QPainter& painter);
@@ -80,7 +89,7 @@ class GammaChartView : public QWidget {
   void paint_titles(QPainter& painter) const;
   void paint_curves(QPainter& painter);
   void paint_curve(QPainter& painter, GammaCurveId id) const;
-  void paint_file_curve(QPainter& painter, GammaCurveId id) const;
+  void paint_other_curve(QPainter& painter, GammaPlace place, GammaCurveId id) const;
   void paint_legend(QPainter& painter);
   void paint_readout(QPainter& painter) const;
   QColor colour_of(GammaCurveId id) const;
@@ -90,9 +99,10 @@ class GammaChartView : public QWidget {
   std::optional<GammaHit> hovered_;
   std::optional<GammaHit> chosen_;
   bool dragging_ = false;
-  std::optional<GammaValues> file_;
+  std::map<GammaPlace, std::map<GammaCurveId, GammaCurve>> others_;
   ChartZoom zoom_;
   ChartLegend legend_;
+  ChartLegend others_legend_;
   /// What stands behind the curves, as it was last painted; null where it is to be painted anew.
   QPixmap background_;
 };

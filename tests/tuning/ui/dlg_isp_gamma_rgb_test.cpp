@@ -103,6 +103,31 @@ TEST_F(GammaPage, TheChartEnlargesHidesCurvesAndIsCopied) {
   EXPECT_TRUE(chart->numbers().startsWith("Input\tR\tG\tB\tFront"));
 }
 
+TEST_F(GammaPage, TheChartAlsoHasTheCurvesOfFileAndChipWhereTheyDiffer) {
+  auto* chart = user_.find<GammaChartView>("Gamma curves");
+  TuningDesk& desk = page_.tuning_desk();
+  std::vector<ValueMark> marks(desk.model().fields().size());
+  const auto chip_has = [&](const char* curve, int value, int points) {
+    for (std::size_t i = 0; i < marks.size(); ++i)
+      if (desk.model().fields()[i].name.starts_with(curve) && points-- > 0) marks[i].chip = value;
+    desk.show_marks(marks);
+    return chart->numbers().section(u'\n', 0, 1).toStdString();
+  };
+  user_.click("Channel RGB");
+  EXPECT_EQ(chip_has("r[", 7, 21), "Input\tR\tG\tB\tFront\n0\t0\t0\t0\t0") << "one point is not known";
+  EXPECT_EQ(chip_has("g[", 0, 22), "Input\tR\tG\tB\tFront\n0\t0\t0\t0\t0") << "the same as the page's";
+  EXPECT_EQ(chip_has("b[", 9, 22), "Input\tR\tG\tB\tFront\tB chip\n0\t0\t0\t0\t0\t9");
+  host_.doc.user_data.mark_loaded();
+  user_.click("Load <- File");
+  user_.click("Channel RGB");
+  point(1, "R")->setValue(5);
+  chart->grab();
+  EXPECT_TRUE(chart->numbers().startsWith("Input\tR\tG\tB\tFront\tR file\tB chip\n0\t5\t0\t0\t0\t0\t9\n"))
+      << chart->numbers().toStdString();
+  ASSERT_FALSE(chart->legend_place(GammaPlace::file).isEmpty());
+  EXPECT_TRUE(chart->legend_place(GammaPlace::chip).right() < chart->width());
+}
+
 TEST_F(GammaPage, AnyArrowChoosesAPointWhereNoneIsChosen) {
   auto* chart = user_.find<GammaChartView>("Gamma curves");
   key(Qt::Key_Up);
