@@ -61,8 +61,8 @@ int common_end(const QString& caption, const QString& name) {
   return words;
 }
 
-/// The control for a value. Where a page shows one of several values in the same edit, which one is the
-/// user's choice there, this is the edit that comes closest.
+/// The control for a value. Where a page shows one of several values in the same edit, this is the edit that
+/// comes closest.
 QWidget* control_of(const QWidget& page, const QString& caption) {
   QWidget* best = nullptr;
   int best_end = 0;
@@ -77,14 +77,22 @@ QWidget* control_of(const QWidget& page, const QString& caption) {
   return best;
 }
 
-void go_to_value(CQV5123View& view, PageId id, const QString& caption) {
-  view.pages().choose(id);
-  QWidget* page = view.pages().page_widget(id);
+struct Value {
+  PageId page;
+  std::size_t field;  ///< its place in the page's list
+  QString caption;
+};
+
+void go_to_value(CQV5123View& view, const Value& value) {
+  view.pages().choose(value.page);
+  QWidget* page = view.pages().page_widget(value.page);
   if (!page) return;
-  QWidget* control = control_of(*page, caption);
+  if (auto* modes = dynamic_cast<ChoosesValues*>(page)) modes->choose_value(value.field);
+  QWidget* control = control_of(*page, value.caption);
   if (!control) return;
   unfold(page, control);
   put_keyboard(control);
+  if (!control->isEnabled()) view.show_status(from_qt(value.caption) + " is shown only: it cannot be typed");
 }
 
 void add_actions(const QList<QAction*>& actions, const QString& where, std::vector<FindItem>& items) {
@@ -107,12 +115,14 @@ void add_values(CQV5123View& view, std::vector<FindItem>& items) {
   for (std::size_t page = 0; page < values.pages(); ++page) {
     const PageId id = tuning_page_id(values.page_name(page));
     if (!view.pages().available(id)) continue;
-    for (const FieldInfo& field : values.fields(page)) {
+    for (std::size_t at = 0; at < values.fields(page).size(); ++at) {
+      const FieldInfo& field = values.fields(page)[at];
       const QString caption = to_qt(field.caption.caption());
       QString where = page_title(id) + ", " + to_qt(values.page_name(page) + "." + field.name);
       if (field.address != Field::kNowhere)
         where += ", register 0x" + to_qt(upper_hex(static_cast<unsigned>(field.address)));
-      items.push_back({caption, where, [&view, id, caption] { go_to_value(view, id, caption); }});
+      items.push_back(
+          {caption, where, [&view, value = Value{id, at, caption}] { go_to_value(view, value); }});
     }
   }
 }

@@ -1,6 +1,7 @@
 #include "tuning/ui/dlg_ae_tune.h"
 
 #include <QSignalBlocker>
+#include <optional>
 
 #include "tuning/ui/mark_strip.h"
 
@@ -41,6 +42,29 @@ void CDlgAeTune::show_bank() {
   show_index(video_mode_, desk_.values().video_mode);
   video_mode_->setEnabled(desk_.video_mode_enabled());
   grid_->setEnabled(desk_.bank().has_value());
+}
+
+void CDlgAeTune::choose_value(std::size_t field) {
+  const int control = desk_.model().fields()[field].sent_by;
+  const auto place_of = [control](DynamicControl first, std::size_t count) -> std::optional<std::size_t> {
+    const int place = control - static_cast<int>(first);
+    if (place < 0 || place >= static_cast<int>(count)) return std::nullopt;
+    return static_cast<std::size_t>(place);
+  };
+  for (const DynamicControl first :
+       {DynamicControl::light_source, DynamicControl::saturation, DynamicControl::weights}) {
+    if (const auto source = place_of(first, kLightSources))
+      source_choice_->button(static_cast<int>(*source))->setChecked(true);
+  }
+  if (const auto row = place_of(DynamicControl::step_row, kStepRows * kStepBanks))
+    choose_bank(static_cast<BankId>(*row / kStepRows));
+}
+
+/// By the page's own controls.
+void CDlgAeTune::choose_bank(BankId bank) {
+  ir_led_->setChecked(bank == BankId::ir_led);
+  for (int mode = 0; mode < video_mode_->count(); ++mode)
+    if (selected_bank(false, mode) == bank) video_mode_->setCurrentIndex(mode);
 }
 
 void CDlgAeTune::add_message(const std::string& text) {

@@ -7,6 +7,7 @@
 
 #include <string>
 
+#include "base/ui/findable.h"
 #include "tuning/dynamic_desk.h"
 #include "tuning/ui/field_edits.h"
 #include "tuning/ui/step_grid_view.h"
@@ -15,7 +16,7 @@
 namespace qv5123 {
 
 /// The dynamic AE/AWB control page.
-class CDlgAeTune : public TuningDialog, private DynamicDesk::View {
+class CDlgAeTune : public TuningDialog, public ChoosesValues, private DynamicDesk::View {
   Q_OBJECT
 
  public:
@@ -23,6 +24,7 @@ class CDlgAeTune : public TuningDialog, private DynamicDesk::View {
 
   bool save_writes_file() const override { return true; }
   void chosen_again() override;
+  void choose_value(std::size_t field) override;
 
  private:
   QWidget* make_exposure_group();
@@ -52,6 +54,7 @@ class CDlgAeTune : public TuningDialog, private DynamicDesk::View {
   void show_orientation();
   void show_light_source_bar();
   void show_bank();
+  void choose_bank(BankId bank);
   void add_message(const std::string& text) override;
 
   DynamicDesk desk_;

@@ -130,34 +130,48 @@ QWidget* CDlgIspMatrix::make_light_group() {
 
 QLayout* CDlgIspMatrix::make_light_row() {
   auto* row = new QHBoxLayout;
-  auto* choice = new QButtonGroup(this);
+  light_ = new QButtonGroup(this);
   for (int light = 0; light < kMatrixLights; ++light) {
     const char* name = kMatrixLightNames[static_cast<std::size_t>(light)];
     auto* radio = named(new QRadioButton(name), name,
                         QString("Shows this light source's matrix, %1 = %2")
                             .arg(register_text(kMatrixLightRegister))
                             .arg(light));
-    choice->addButton(radio, light);
+    light_->addButton(radio, light);
     row->addWidget(radio);
   }
-  show_choice(choice, desk_.values().light);
-  on_choice(choice, [this](int light) { desk_.choose_light(light); });
+  show_choice(light_, desk_.values().light);
+  on_choice(light_, [this](int light) { desk_.choose_light(light); });
   return row;
 }
 
 QLayout* CDlgIspMatrix::make_mode_row() {
   auto* row = new QHBoxLayout;
   row->addWidget(new QLabel("Video Mode:"));
-  row->addWidget(
-      make_combo(items_of(kMatrixModeNames), "Video Mode",
-                 "Shows this video mode's matrix, " + register_text(kMatrixModeRegister) + " = 0..3",
-                 [this](int mode) { desk_.choose_mode(mode); }));
+  mode_ = make_combo(items_of(kMatrixModeNames), "Video Mode",
+                     "Shows this video mode's matrix, " + register_text(kMatrixModeRegister) + " = 0..3",
+                     [this](int mode) { desk_.choose_mode(mode); });
+  row->addWidget(mode_);
   row->addStretch(1);
   row->addWidget(
       make_button("Copy matrix to...", {},
                   "Gives the shown matrix to other video modes and light sources, here and on the chip",
                   [this] { choose_copies(); }));
   return row;
+}
+
+/// By the page's own controls.
+void CDlgIspMatrix::choose_value(std::size_t field) {
+  for (int mode = 0; mode < kVideoModes; ++mode) {
+    for (int light = 0; light < kMatrixLights; ++light) {
+      for (int row = 0; row < kMatrixRows; ++row) {
+        const std::size_t first = desk_.field(desk_.values().tables[mode][row][light][0]);
+        if (field < first || field >= first + 3) continue;
+        light_->button(light)->setChecked(true);
+        mode_->setCurrentIndex(mode);
+      }
+    }
+  }
 }
 
 void CDlgIspMatrix::choose_copies() {

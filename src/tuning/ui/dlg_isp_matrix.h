@@ -5,6 +5,7 @@
 #include <array>
 #include <vector>
 
+#include "base/ui/findable.h"
 #include "tuning/matrix_desk.h"
 #include "tuning/ui/field_edits.h"
 #include "tuning/ui/matrix_fit_box.h"
@@ -16,7 +17,7 @@ namespace qv5123 {
 
 /// The linear matrix page: measures the patches of the chart, fits the colour correction matrix to them, and
 /// keeps one for each video mode and light source.
-class CDlgIspMatrix : public TuningDialog, private MatrixDesk::View {
+class CDlgIspMatrix : public TuningDialog, public ChoosesValues, private MatrixDesk::View {
   Q_OBJECT
 
  public:
@@ -25,6 +26,7 @@ class CDlgIspMatrix : public TuningDialog, private MatrixDesk::View {
 
   void chosen_again() override { show_measurements(); }
   Traffic leave() override { return desk_.leave(); }
+  void choose_value(std::size_t field) override;
 
  private:
   PickerBox* make_picker();
@@ -53,6 +55,8 @@ class CDlgIspMatrix : public TuningDialog, private MatrixDesk::View {
 
   MatrixDesk desk_;
   std::vector<ValueMark> marks_;  // by field; empty while nobody keeps account
+  QButtonGroup* light_;
+  QComboBox* mode_;
   QSpinBox* patch_step_;
   PickerBox* picker_;
   QPushButton* corner_;

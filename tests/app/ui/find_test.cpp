@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QComboBox>
 #include <QLineEdit>
 #include <QTableView>
 #include <QTreeWidget>
@@ -66,6 +67,34 @@ TEST(Find, GoesToValuesOfPagesThatNobodyOpened) {
   EXPECT_EQ(finder.view->pages().current(), PageId::dynamic_control);
   EXPECT_EQ(finder.focus(), "AE 0x3C") << "behind \"More\"";
   EXPECT_EQ(finder.first("no such thing"), "");
+}
+
+TEST(Find, AValueOfAnotherModeIsShownByThePagesOwnControls) {
+  Finder finder;
+  finder.choose(PageId::registers);
+  const auto at = [&finder](PageId id) -> QWidget& { return *finder.view->pages().page_widget(id); };
+  const auto checked = [](QWidget& page, const char* name) {
+    return test::find<QAbstractButton>(page, name)->isChecked();
+  };
+  finder.first("dynamic.light1.saturation");
+  finder.wire.sender.writes.clear();
+  finder.go();
+  QWidget& dynamic = at(PageId::dynamic_control);
+  EXPECT_TRUE(checked(dynamic, "Light-1"));
+  EXPECT_EQ(finder.focus(), "Saturation");
+  finder.first("dynamic.ir_led.nr.step1");
+  finder.go();
+  EXPECT_TRUE(checked(dynamic, "Case of IR-LED"));
+  finder.first("dynamic.cvi.nr.step1");
+  finder.go();
+  EXPECT_FALSE(checked(dynamic, "Case of IR-LED"));
+  EXPECT_EQ(test::find<QComboBox>(dynamic, "Video Mode")->currentText(), "CVI");
+  EXPECT_EQ(finder.focus(), "NR Step 1");
+  finder.first("matrix.ahd.light2.g[1]");
+  finder.go();
+  EXPECT_TRUE(checked(at(PageId::linear_matrix), "Light-2"));
+  EXPECT_EQ(test::find<QComboBox>(at(PageId::linear_matrix), "Video Mode")->currentText(), "AHD");
+  EXPECT_EQ(finder.wire.sender.wire(), "") << "nothing is sent unasked";
 }
 
 TEST(Find, GoesToRegistersBitFieldsControlsAndCommands) {
