@@ -25,13 +25,32 @@ struct RegEntry {
   int value = -1;        ///< last value known, 0..255; -1 not yet read
   int address = -1;      ///< of the address text, 0..65535; -1 when that holds no "0x"
   bool written = false;  ///< by hand, since the value became known
+  /// The first value known since the description or a register file was read, which later ones are compared
+  /// with; kNone, or kLost where the register was written before anybody had read it.
+  int before = kNone;
+  bool sent = false;  ///< by hand, known before or not, and not read since
+
+  static constexpr int kNone = -1;
+  static constexpr int kLost = -2;
 
   bool saved() const { return write == 'W'; }
+  /// Whether it is another than at the beginning, or may be.
+  bool changed() const { return sent || (value >= 0 && before != kNone && value != before); }
   /// Takes what was read from the chip, or is on its way there from a file; -1 forgets.
   void know(int now) {
     value = now;
     written = false;
+    sent = false;
+    if (before == kNone && now >= 0) before = now;
   }
+  /// It was written by hand.
+  void overwrite() {
+    written = value >= 0;
+    sent = true;
+    if (before == kNone) before = kLost;
+  }
+  /// What is known now is what later values are compared with.
+  void begin() { before = value; }
 };
 
 /// A group of bits of a register. Description and sample may hold CR LF line breaks.

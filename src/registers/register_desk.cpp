@@ -77,17 +77,22 @@ void RegisterDesk::say(const std::string& text) {
   messages_.spawn(host_.prompts().message(warning(text)));
 }
 
-void RegisterDesk::choose_category(int category) {
+void RegisterDesk::list_category(int category) {
   loader_.stop_category();
   read_.cancel();
   sheet_.show_category(category);
   view_.show_category();
+}
+
+void RegisterDesk::choose_category(int category) {
+  list_category(category);
   view_.show_selection();
   show_current();
   if (sheet_.rows() > 0) read();
 }
 
 void RegisterDesk::show_current() {
+  forget_changes();
   view_.show_register();
   view_.show_fields();
 }
@@ -96,6 +101,19 @@ void RegisterDesk::select_row(int row) {
   if (!sheet_.select_row(row)) return;
   // A reply still on its way belongs to the register before, also where this one cannot be read.
   read_.cancel();
+  show_current();
+  read();
+}
+
+void RegisterDesk::choose_register(std::size_t reg) {
+  const RegEntry& entry = sheet_.description().registers[reg];
+  if (entry.category == sheet_.category()) {
+    select_row(entry.index_in_category);
+    return view_.show_selection();
+  }
+  list_category(entry.category);
+  sheet_.select_row(entry.index_in_category);
+  view_.show_selection();
   show_current();
   read();
 }
@@ -144,9 +162,10 @@ void RegisterDesk::show_answer(int address, const RegisterAnswer& answer) {
 }
 
 void RegisterDesk::show_value() {
+  forget_changes();
   view_.show_value();
   view_.show_data();
-  if (sheet_.current_row() >= 0) view_.show_value_cell(sheet_.current_row());
+  if (sheet_.current() < sheet_.description().registers.size()) view_.show_value_of(sheet_.current());
 }
 
 // What the user does meanwhile counts for more than an answer to what was before.
@@ -179,7 +198,8 @@ void RegisterDesk::write_to(int address) {
   host_.send_and_tell(address_name(address), {write});
   sheet_.show_written();
   view_.show_data();
-  if (sheet_.current_row() >= 0) view_.show_value_cell(sheet_.current_row());
+  // Several may be at the address.
+  view_.show_values();
 }
 
 void RegisterDesk::type_address(std::u16string_view text) {
@@ -194,22 +214,48 @@ void RegisterDesk::type_address(std::u16string_view text) {
 
 void RegisterDesk::type_value(std::u16string_view text) {
   drop_late_answer();
+  const RegisterSheet::Typed before = sheet_.typed();
   sheet_.type_value(text);
+  note_change(before);
   view_.show_value();
 }
 
 void RegisterDesk::set_bits(int bits) {
   drop_late_answer();
+  const RegisterSheet::Typed before = sheet_.typed();
   sheet_.set_bits(bits);
+  note_change(before);
   view_.show_value();
 }
 
 void RegisterDesk::set_field(std::size_t row, int number) {
   drop_late_answer();
+  const RegisterSheet::Typed before = sheet_.typed();
   if (!sheet_.set_field(row, number))
     return host_.show_failure("The register has no value yet: read it before a part of it is changed");
+  note_change(before);
   view_.show_value();
   view_.show_data();
+}
+
+void RegisterDesk::note_change(RegisterSheet::Typed before) {
+  if (before.value == sheet_.value_text()) return;
+  undo_.push_back(std::move(before));
+  redo_.clear();
+}
+
+void RegisterDesk::go_back(std::vector<RegisterSheet::Typed>& from, std::vector<RegisterSheet::Typed>& to) {
+  if (from.empty()) return;
+  to.push_back(sheet_.typed());
+  sheet_.restore(std::move(from.back()));
+  from.pop_back();
+  view_.show_value();
+  view_.show_data();
+}
+
+void RegisterDesk::forget_changes() {
+  undo_.clear();
+  redo_.clear();
 }
 
 void RegisterDesk::save_file() {
@@ -249,7 +295,7 @@ Task<> RegisterDesk::read_written() {
     const RegisterAnswer answer = co_await loader_.read(entry.address);
     if (!answer.has_value()) continue;
     sheet_.store(reg, answer.value);
-    if (entry.category == sheet_.category()) view_.show_value_cell(entry.index_in_category);
+    view_.show_value_of(reg);
   }
 }
 

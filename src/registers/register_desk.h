@@ -3,6 +3,7 @@
 #include <chrono>
 #include <filesystem>
 #include <string_view>
+#include <vector>
 
 #include "console/page_host.h"
 #include "registers/kept_registers.h"
@@ -34,6 +35,8 @@ class RegisterDesk {
 
   void choose_category(int category);
   void select_row(int row);
+  /// Lists its category, where another one is, and selects and reads it there.
+  void choose_register(std::size_t reg);
   /// Reads the register at the address, which must be above 0; otherwise nothing happens. A register that
   /// does not answer shows no value, and the status bar says so.
   void read();
@@ -46,6 +49,12 @@ class RegisterDesk {
   void set_bits(int bits);
   /// A number was typed for a bit field. As a box that is switched, it is sent with "Write".
   void set_field(std::size_t row, int number);
+  /// Takes back the last change of the value, or makes it again. Nothing is sent. Changes are forgotten when
+  /// another register is shown, or when it is read.
+  bool can_undo() const { return !undo_.empty(); }
+  bool can_redo() const { return !redo_.empty(); }
+  void undo() { go_back(undo_, redo_); }
+  void redo() { go_back(redo_, undo_); }
 
   void load_category() { loader_.load_category(); }
   void load_all() { loader_.load_all(); }
@@ -67,12 +76,16 @@ class RegisterDesk {
   void show_answer(int address, const RegisterAnswer& answer);
   void show_value();
   void drop_late_answer();
+  void note_change(RegisterSheet::Typed before);
+  void go_back(std::vector<RegisterSheet::Typed>& from, std::vector<RegisterSheet::Typed>& to);
+  void forget_changes();
   Task<> write_unknown(int address);
   void write_to(int address);
   Task<> save_file_flow();
   Task<> offer_to_read_written();
   Task<> read_written();
   Task<> load_file_flow();
+  void list_category(int category);
   void show_current();
   void say(const std::string& text);
 
@@ -85,6 +98,8 @@ class RegisterDesk {
   KeptRegisters flash_;
   bool answer_is_late_ = false;  ///< of the single read that runs
   bool read_failed_ = false;     ///< the last one, and the status bar says so
+  std::vector<RegisterSheet::Typed> undo_;
+  std::vector<RegisterSheet::Typed> redo_;
   Flow open_;
   Flow read_;
   Flow write_;

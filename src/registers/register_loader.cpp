@@ -93,7 +93,7 @@ Task<> RegisterLoader::category_sequence() {
     }
     const int value = co_await value_of(address);
     sheet_.store(reg, value);
-    show_cell(reg);
+    view_.show_value_of(reg);
   }
   buttons_.load_category = true;
   show_buttons();
@@ -113,7 +113,7 @@ Task<> RegisterLoader::all_sequence() {
     show_buttons();
     const int value = co_await value_of(address);
     sheet_.store(reg, value);
-    show_cell(reg);
+    view_.show_value_of(reg);
   }
   end_all();
   host_.show_status(read_text(RegisterButtons::kLoadAll, count));
@@ -153,11 +153,6 @@ Task<RegisterAnswer> RegisterLoader::read(int address) {
     if (!answer.came()) answer = reader_.look();
   }
   co_return answer;
-}
-
-void RegisterLoader::show_cell(std::size_t reg) {
-  const RegEntry& entry = sheet_.description().registers[reg];
-  if (entry.category == sheet_.category()) view_.show_value_cell(entry.index_in_category);
 }
 
 Task<std::size_t> RegisterLoader::write(std::vector<RegisterFile::Line> registers, std::size_t matches) {

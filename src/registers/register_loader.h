@@ -53,7 +53,6 @@ class RegisterLoader {
   Task<> category_sequence();
   Task<> all_sequence();
   Task<int> value_of(int address);
-  void show_cell(std::size_t reg);
   void halt(const char* button, std::size_t reg, const char* remedy);
   void end_all();
   void show_buttons();

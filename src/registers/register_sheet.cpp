@@ -30,6 +30,12 @@ void RegisterSheet::show_category(int category) {
   show_entry(row(0));
 }
 
+std::u16string RegisterSheet::value_of(std::size_t reg) const {
+  const RegEntry& entry = description_.registers[reg];
+  if (entry.category == category_) return value_cell(static_cast<std::size_t>(entry.index_in_category));
+  return entry.value >= 0 ? hex_text(entry.value, 2) : std::u16string();
+}
+
 int RegisterSheet::row_address(std::size_t row) const {
   return ParseRegAddress(std::u16string_view(this->row(row).address_text).substr(0, kAddressCell));
 }
@@ -95,6 +101,11 @@ bool RegisterSheet::set_field(std::size_t row, int number) {
   return true;
 }
 
+void RegisterSheet::restore(Typed typed) {
+  value_text_ = std::move(typed.value);
+  data_ = std::move(typed.data);
+}
+
 void RegisterSheet::show_read(int value) {
   set_bits(value);
   if (current_ < description_.registers.size()) description_.registers[current_].know(value);
@@ -117,7 +128,7 @@ void RegisterSheet::show_written() {
 // Of an address only the low 12 bits reach the chip.
 void RegisterSheet::mark_written(int address) {
   for (RegEntry& entry : description_.registers) {
-    if (entry.address >= 0 && (entry.address & 0xFFF) == (address & 0xFFF)) entry.written = entry.value >= 0;
+    if (entry.address >= 0 && (entry.address & 0xFFF) == (address & 0xFFF)) entry.overwrite();
   }
 }
 
@@ -130,7 +141,9 @@ void RegisterSheet::store(std::size_t reg, int value) {
 }
 
 std::size_t RegisterSheet::apply(const RegisterFile& file) {
-  return apply_register_file(file, description_);
+  const std::size_t matches = apply_register_file(file, description_);
+  for (RegEntry& entry : description_.registers) entry.begin();
+  return matches;
 }
 
 std::size_t RegisterSheet::known() const {

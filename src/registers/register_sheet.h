@@ -36,6 +36,8 @@ class RegisterSheet {
   const RegEntry& row(std::size_t row) const { return description_.registers[range_.first + row]; }
   /// The "Value" cell, which after a write shows more than the register's stored value knows.
   const std::u16string& value_cell(std::size_t row) const { return value_cells_[row]; }
+  /// The same for any register; of one that is not listed its stored value.
+  std::u16string value_of(std::size_t reg) const;
   /// The number that a row's "Addr" cell stands for.
   int row_address(std::size_t row) const;
 
@@ -62,6 +64,14 @@ class RegisterSheet {
   /// into, or no such field.
   bool set_field(std::size_t row, int number);
 
+  /// The value as it stands, with its parts under "Data".
+  struct Typed {
+    std::u16string value;
+    std::array<std::string, kFieldRows> data;
+  };
+  Typed typed() const { return {value_text_, data_}; }
+  void restore(Typed typed);
+
   /// A value that was read from the current register's address.
   void show_read(int value);
   /// The current register's address has not answered: it shows no value. What is known of it stays.
@@ -71,7 +81,8 @@ class RegisterSheet {
   void show_written();
   /// A value that was read from register `reg` by a loading sequence.
   void store(std::size_t reg, int value);
-  /// Takes the values of a register file, forgetting all others. See apply_register_file().
+  /// Takes the values of a register file, forgetting all others. See apply_register_file(). What changes from
+  /// now on is compared with them.
   std::size_t apply(const RegisterFile& file);
   /// How many registers have a value.
   std::size_t known() const;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace qv5123 {
@@ -26,7 +27,10 @@ class RegisterView {
   /// The list holds other registers or values; it takes the focus.
   virtual void show_category() = 0;
   virtual void show_selection() = 0;
-  virtual void show_value_cell(int row) = 0;
+  /// Of one register, of whatever category.
+  virtual void show_value_of(std::size_t reg) = 0;
+  /// The same, of any of them.
+  virtual void show_values() = 0;
   /// Address and name.
   virtual void show_register() = 0;
   /// Value and bits.

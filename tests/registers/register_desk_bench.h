@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <optional>
-#include <string>
-#include <utility>
 
 #include "registers/answering_chip.h"
 #include "registers/register_desk.h"
@@ -13,7 +11,7 @@
 
 namespace qv5123::test {
 
-/// What the desk would show is looked up in the desk itself, but for the buttons.
+/// The page as the desk sees it; but for the buttons it shows nothing.
 class NoView : public RegisterView {
  public:
   RegisterButtons buttons;
@@ -21,7 +19,8 @@ class NoView : public RegisterView {
   void show_description() override {}
   void show_category() override {}
   void show_selection() override {}
-  void show_value_cell(int) override {}
+  void show_value_of(std::size_t) override {}
+  void show_values() override {}
   void show_register() override {}
   void show_value() override {}
   void show_fields() override {}
@@ -29,7 +28,7 @@ class NoView : public RegisterView {
   void show_buttons(const RegisterButtons& now) override { buttons = now; }
 };
 
-/// The register page without a window, on a chip that answers.
+/// The register page without its window, on a chip that answers.
 class RegisterDeskTest : public testing::Test {
  protected:
   RegisterDeskTest() { chip_.values = {{0x800, 0xA5}, {0x801, 0x3C}, {0x0A5, 0x51}, {0xA20, 0x07}}; }

@@ -12,6 +12,7 @@
 #include "app/ui/frame.h"
 #include "app/ui/page_area.h"
 #include "app/ui/qv5123_view.h"
+#include "base/ui/kept_text.h"
 #include "base/ui/page_marks.h"
 
 namespace qv5123 {
@@ -28,6 +29,7 @@ QList<QWidget*> kept_controls(const QWidget& page) {
 }
 
 QVariant state_of(const QWidget* widget) {
+  if (const auto* text = dynamic_cast<const KeptText*>(widget)) return text->kept_text();
   if (const auto* button = qobject_cast<const QAbstractButton*>(widget)) return button->isChecked();
   if (const auto* list = qobject_cast<const QComboBox*>(widget)) return list->currentText();
   if (const auto* number = qobject_cast<const QSpinBox*>(widget)) return number->value();
@@ -38,6 +40,7 @@ QVariant state_of(const QWidget* widget) {
 }
 
 void restore_state(QWidget* widget, const QVariant& state) {
+  if (auto* text = dynamic_cast<KeptText*>(widget)) return text->take_kept(state.toString());
   if (auto* button = qobject_cast<QAbstractButton*>(widget)) return button->setChecked(state.toBool());
   if (auto* list = qobject_cast<QComboBox*>(widget)) {
     const int index = list->findText(state.toString());

@@ -2,12 +2,11 @@
 
 #include <QComboBox>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QScrollBar>
-#include <QSortFilterProxyModel>
 #include <QSplitter>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -20,6 +19,7 @@
 #include "registers/ui/hex_edits.h"
 #include "registers/ui/multiline_list.h"
 #include "registers/ui/register_columns.h"
+#include "registers/ui/register_filter_bar.h"
 #include "registers/ui/register_list_model.h"
 #include "registers/ui/spin_arrows.h"
 
@@ -74,6 +74,7 @@ QString cell_of(const QString& text) {
 CDlgIspRegister::CDlgIspRegister(PageHost& host, QWidget* parent)
     : QWidget(parent),
       category_(new QComboBox),
+      filter_(new RegisterFilterBar(favourites_)),
       list_(new QTableView),
       address_(new CMyEditAddress),
       value_(new CMyEditValue),
@@ -82,11 +83,14 @@ CDlgIspRegister::CDlgIspRegister(PageHost& host, QWidget* parent)
       fields_(new CMultilineList),
       desk_(host, *this) {
   make_list();
+  make_filter();
   make_field_table();
   auto* layout = new QHBoxLayout(this);
   layout->addWidget(make_splitter());
-  connect(category_, &QComboBox::currentIndexChanged, this,
-          [this](int index) { desk_.choose_category(index); });
+  connect(category_, &QComboBox::currentIndexChanged, this, [this](int index) {
+    filter_->clear();
+    desk_.choose_category(index);
+  });
   connect_edits();
   set_tab_order();
   list_->setFocus();
@@ -110,13 +114,14 @@ QWidget* CDlgIspRegister::make_splitter() {
 }
 
 QBoxLayout* CDlgIspRegister::make_list_column() {
-  category_->setToolTip("Group of registers in the description");
+  category_->setToolTip("Group of registers in the description; choosing one ends the filter");
   category_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   auto* row = new QHBoxLayout;
   row->addWidget(label_of("Category:", category_, "Category"));
   row->addWidget(category_, 1);
   auto* column = new QVBoxLayout;
   column->addLayout(row);
+  column->addWidget(filter_);
   column->addWidget(list_, 1);
   return column;
 }
@@ -202,8 +207,11 @@ QBoxLayout* CDlgIspRegister::make_button_rows() {
   stop_->setEnabled(false);
   save_file_ = make_button("Save REG to File...", "Writes the registers read so far to a text file",
                            &RegisterDesk::save_file);
-  load_file_ = make_button(RegisterButtons::kLoadFile, "Writes the registers of a text file to the chip",
-                           &RegisterDesk::load_file);
+  load_file_ =
+      make_button(RegisterButtons::kLoadFile,
+                  "Writes the registers of a text file to the chip, at once. What these registers had "
+                  "is lost where it was not read before.",
+                  &RegisterDesk::load_file);
   QPushButton* flash =
       make_button("Write REG to Flash",
                   "Stores the registers 0xF800..0xFFFF in the chip's flash (registers 0xDC..0xE0); "
@@ -223,12 +231,30 @@ QBoxLayout* CDlgIspRegister::make_button_rows() {
   return rows;
 }
 
+bool CDlgIspRegister::event(QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride) {
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if ((key->matches(QKeySequence::Undo) && desk_.can_undo()) ||
+        (key->matches(QKeySequence::Redo) && desk_.can_redo()))
+      event->accept();
+  }
+  return QWidget::event(event);
+}
+
+void CDlgIspRegister::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Undo)) return desk_.undo();
+  if (event->matches(QKeySequence::Redo)) return desk_.redo();
+  QWidget::keyPressEvent(event);
+}
+
 void CDlgIspRegister::set_tab_order() {
   QWidget* last = category_;
+  const QList<QWidget*> filter = filter_->controls();
   const auto then = [&last](QWidget* next) {
     setTabOrder(last, next);
     last = next;
   };
+  for (QWidget* next : filter) then(next);
   for (QWidget* next : std::initializer_list<QWidget*>{list_, address_, read_, value_, write_}) then(next);
   for (QWidget* box : bits_->findChildren<QCheckBox*>()) then(box);
   for (QWidget* next :
@@ -244,28 +270,10 @@ void CDlgIspRegister::connect_edits() {
   connect(bits_, &BitBoxes::toggled, this, [this](int bits) { desk_.set_bits(bits); });
 }
 
-void CDlgIspRegister::show_description() {
-  const QSignalBlocker blocker(category_);
-  for (const std::u16string& name : desk_.sheet().description().categories) {
-    category_->addItem(shown_name(name));
-  }
-}
-
-void CDlgIspRegister::show_category() {
-  showing_selection_ = true;
-  list_model_->reset();
-  showing_selection_ = false;
-  // Not while another page is shown, whose keys it would take.
-  if (isVisible()) list_->setFocus();
-}
-
-void CDlgIspRegister::show_value_cell(int row) {
-  list_model_->value_changed(row);
-}
-
 void CDlgIspRegister::show_register() {
   address_->show_text(desk_.sheet().address_text());
   name_->setText(QString::fromStdU16String(desk_.sheet().name_text()));
+  show_favourite();
 }
 
 void CDlgIspRegister::show_value() {

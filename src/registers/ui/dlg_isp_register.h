@@ -5,6 +5,7 @@
 #include "base/ui/findable.h"
 #include "console/page_host.h"
 #include "registers/register_desk.h"
+#include "registers/register_favourites.h"
 
 class QBoxLayout;
 class QComboBox;
@@ -12,7 +13,6 @@ class QItemSelection;
 class QLabel;
 class QLineEdit;
 class QPushButton;
-class QSortFilterProxyModel;
 class QTableView;
 
 namespace qv5123 {
@@ -22,6 +22,8 @@ class CMultilineList;
 class CMyEditAddress;
 class CMyEditValue;
 class CMyHexEdit;
+class RegisterFilter;
+class RegisterFilterBar;
 class RegisterListModel;
 
 /// The page that reads and writes single registers, by address or by the categories of the description
@@ -41,6 +43,12 @@ class CDlgIspRegister final : public QWidget, public Page, public Findable, priv
   std::vector<FoundPlace> places() const override;
   void go_to(int id) override;
 
+ protected:
+  /// Takes the keys of undo and redo where there is a change of the value to take back; elsewhere they are
+  /// the window's.
+  bool event(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
  private:
   QWidget* make_splitter();
   QBoxLayout* make_list_column();
@@ -49,15 +57,25 @@ class CDlgIspRegister final : public QWidget, public Page, public Findable, priv
   QBoxLayout* make_button_rows();
   QPushButton* make_button(const QString& caption, const QString& tip, void (RegisterDesk::*operation)());
   void set_tab_order();
+  void make_filter();
   void make_list();
+  void make_columns();
   void make_field_table();
   void connect_edits();
   void follow_selection(const QItemSelection& added);
+  void select_source_row(int reg);
+  void go_to_list();
+  void filter_list();
+  void list_anew();
+  void show_count();
+  void mark_favourite(bool on);
+  void show_favourite();
 
   void show_description() override;
   void show_category() override;
   void show_selection() override;
-  void show_value_cell(int row) override;
+  void show_value_of(std::size_t reg) override;
+  void show_values() override;
   void show_register() override;
   void show_value() override;
   void show_fields() override;
@@ -66,7 +84,9 @@ class CDlgIspRegister final : public QWidget, public Page, public Findable, priv
 
   QComboBox* category_;
   RegisterListModel* list_model_ = nullptr;
-  QSortFilterProxyModel* sorted_ = nullptr;
+  RegisterFavourites favourites_;
+  RegisterFilter* listed_ = nullptr;
+  RegisterFilterBar* filter_;
   QTableView* list_;
   CMyEditAddress* address_;
   CMyEditValue* value_;

@@ -2,7 +2,7 @@
 #include <QComboBox>
 #include <QHeaderView>
 #include <QScrollBar>
-#include <QSortFilterProxyModel>
+#include <QSignalBlocker>
 #include <QStyle>
 #include <QTableView>
 
@@ -10,6 +10,7 @@
 #include "registers/ui/dlg_isp_register.h"
 #include "registers/ui/hex_edits.h"
 #include "registers/ui/register_columns.h"
+#include "registers/ui/register_filter_bar.h"
 #include "registers/ui/register_list_model.h"
 #include "registers/ui/register_places.h"
 
@@ -21,16 +22,25 @@ constexpr ColumnLayout kListColumns[] = {
 
 }  // namespace
 
+void CDlgIspRegister::make_filter() {
+  connect(filter_, &RegisterFilterBar::changed, this, &CDlgIspRegister::filter_list);
+  connect(filter_, &RegisterFilterBar::favourites_taken, this, &CDlgIspRegister::filter_list);
+  connect(filter_, &RegisterFilterBar::list_wanted, this, &CDlgIspRegister::go_to_list);
+  connect(filter_, &RegisterFilterBar::favourite_clicked, this, &CDlgIspRegister::mark_favourite);
+  connect(listed_, &QAbstractItemModel::rowsInserted, this, &CDlgIspRegister::show_count);
+}
+
 void CDlgIspRegister::make_list() {
-  list_model_ = new RegisterListModel(desk_.sheet(), this);
-  sorted_ = new QSortFilterProxyModel(this);
-  sorted_->setSourceModel(list_model_);
-  sorted_->setSortRole(RegisterListModel::kSortRole);
-  list_->setModel(sorted_);
+  list_model_ = new RegisterListModel(desk_.sheet(), favourites_, this);
+  listed_ = new RegisterFilter(desk_.sheet(), favourites_, this);
+  listed_->setSourceModel(list_model_);
+  listed_->setSortRole(RegisterListModel::kSortRole);
+  list_->setModel(listed_);
   list_->setAccessibleName("Registers");
   list_->setToolTip(
-      "Registers of the category; a selected one is read. A click on a heading sorts by it, a third one no "
-      "more.");
+      "Registers of the category, or of all that the filter leaves; a selected one is read. A click on a "
+      "heading sorts by it, a third one no more. Names of favourites are bold, and values that have "
+      "changed.");
   list_->setSelectionBehavior(QAbstractItemView::SelectRows);
   list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
   list_->setTabKeyNavigation(false);
@@ -39,9 +49,19 @@ void CDlgIspRegister::make_list() {
   list_->verticalHeader()->hide();
   list_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   list_->verticalHeader()->setDefaultSectionSize(list_->fontMetrics().height() + 6);
-  list_->horizontalHeader()->setHighlightSections(false);
-  list_->horizontalHeader()->setMinimumSectionSize(10);
   list_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+  make_columns();
+  connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+          &CDlgIspRegister::follow_selection);
+  connect(list_, &QTableView::doubleClicked, this, [this](const QModelIndex& index) {
+    const RegisterSheet& sheet = desk_.sheet();
+    if (sheet.current_row() < 0) return;
+    const std::size_t current = sheet.register_of(static_cast<std::size_t>(sheet.current_row()));
+    if (static_cast<std::size_t>(listed_->mapToSource(index).row()) == current) desk_.read();
+  });
+}
+
+void CDlgIspRegister::make_columns() {
   const int margins = 2 * (list_->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, list_) + 1) + 4;
   int width = list_->verticalScrollBar()->sizeHint().width() + 2 * list_->frameWidth();
   for (int column = 0; column < RegisterListModel::kColumns; ++column) {
@@ -51,16 +71,13 @@ void CDlgIspRegister::make_list() {
   list_->setMinimumWidth(width);
   QHeaderView* header = keep_choice(list_->horizontalHeader());
   header->setAccessibleName("Columns of the list");
+  header->setHighlightSections(false);
+  header->setMinimumSectionSize(10);
   // Where there is no scroll bar, names have its room.
   header->setSectionResizeMode(RegisterListModel::kName, QHeaderView::Stretch);
   header->setSortIndicatorClearable(true);
   header->setSortIndicator(-1, Qt::AscendingOrder);
   list_->setSortingEnabled(true);
-  connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-          &CDlgIspRegister::follow_selection);
-  connect(list_, &QTableView::doubleClicked, this, [this](const QModelIndex& index) {
-    if (sorted_->mapToSource(index).row() == desk_.sheet().current_row()) desk_.read();
-  });
 }
 
 void CDlgIspRegister::follow_selection(const QItemSelection& added) {
@@ -75,25 +92,111 @@ void CDlgIspRegister::follow_selection(const QItemSelection& added) {
   // Not what is newly selected: a click on one of several selected rows only takes the others away.
   const QModelIndex current = list_->currentIndex();
   if (current.isValid() && list_->selectionModel()->isRowSelected(current.row())) {
-    desk_.select_row(sorted_->mapToSource(current).row());
+    select_source_row(listed_->mapToSource(current).row());
   }
 }
 
+void CDlgIspRegister::select_source_row(int reg) {
+  const auto chosen = static_cast<std::size_t>(reg);
+  const RegEntry& entry = desk_.sheet().description().registers[chosen];
+  // Several rows may be selected, of which one is current: then the selection is the user's.
+  if (entry.category == desk_.sheet().category()) return desk_.select_row(entry.index_in_category);
+  desk_.choose_register(chosen);
+}
+
+/// From the filter: its first row, unless the current one is there.
+void CDlgIspRegister::go_to_list() {
+  if (listed_->rowCount() == 0) return;
+  list_->setFocus(Qt::ShortcutFocusReason);
+  if (!list_->selectionModel()->hasSelection()) list_->selectRow(0);
+}
+
+void CDlgIspRegister::filter_list() {
+  listed_->choose(filter_->words(), filter_->only());
+  list_anew();
+  show_selection();
+  show_favourite();
+}
+
+void CDlgIspRegister::list_anew() {
+  showing_selection_ = true;
+  list_model_->reset();
+  showing_selection_ = false;
+  show_count();
+}
+
+void CDlgIspRegister::show_count() {
+  filter_->show_count(listed_->active() ? std::optional(listed_->rowCount()) : std::nullopt);
+}
+
+void CDlgIspRegister::mark_favourite(bool on) {
+  const RegisterSheet& sheet = desk_.sheet();
+  if (sheet.current() >= sheet.description().registers.size()) return;
+  favourites_.mark(sheet.description().registers[sheet.current()], on);
+  list_model_->favourites_changed();
+  listed_->look_again();
+}
+
+void CDlgIspRegister::show_favourite() {
+  const RegisterSheet& sheet = desk_.sheet();
+  const bool known = sheet.current() < sheet.description().registers.size();
+  filter_->show_favourite(
+      known ? std::optional(favourites_.has(sheet.description().registers[sheet.current()])) : std::nullopt);
+}
+
+void CDlgIspRegister::show_description() {
+  const QSignalBlocker blocker(category_);
+  for (const std::u16string& name : desk_.sheet().description().categories) {
+    category_->addItem(shown_name(name));
+  }
+  listed_->take_description();
+  list_anew();
+}
+
+void CDlgIspRegister::show_category() {
+  const QSignalBlocker blocker(category_);
+  category_->setCurrentIndex(desk_.sheet().category());
+  if (listed_->active()) {
+    // The rows stay; values that a write had changed are as they were read.
+    list_model_->values_changed();
+  } else {
+    listed_->take_category();
+    list_anew();
+  }
+  // Not while another page is shown, whose keys it would take.
+  if (isVisible()) list_->setFocus();
+}
+
+void CDlgIspRegister::show_value_of(std::size_t reg) {
+  list_model_->value_changed(reg);
+  listed_->look_again();
+}
+
+void CDlgIspRegister::show_values() {
+  list_model_->values_changed();
+  listed_->look_again();
+}
+
 void CDlgIspRegister::show_selection() {
+  const RegisterSheet& sheet = desk_.sheet();
+  const auto in_list = [this, &sheet](int row) {
+    return list_model_->index(static_cast<int>(sheet.register_of(static_cast<std::size_t>(row))), 0);
+  };
   // Rows that stand together are one range: the selection's cost grows with the square of its ranges.
   QItemSelection rows;
-  const std::vector<int>& selected = desk_.sheet().selected_rows();
+  const std::vector<int>& selected = sheet.selected_rows();
   for (std::size_t i = 0; i < selected.size();) {
     const int first = selected[i];
     int last = first;
     while (++i < selected.size() && selected[i] == last + 1) ++last;
-    rows.select(list_model_->index(first, 0), list_model_->index(last, 0));
+    rows.select(in_list(first), in_list(last));
   }
   showing_selection_ = true;
   QItemSelectionModel* selection = list_->selectionModel();
-  selection->select(sorted_->mapSelectionFromSource(rows),
+  selection->select(listed_->mapSelectionFromSource(rows),
                     QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-  const QModelIndex current = sorted_->mapFromSource(list_model_->index(desk_.sheet().current_row(), 0));
+  const QModelIndex current =
+      sheet.current_row() < 0 ? QModelIndex() : listed_->mapFromSource(in_list(sheet.current_row()));
   selection->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
   if (current.isValid()) list_->scrollTo(current);
   showing_selection_ = false;
@@ -107,12 +210,9 @@ void CDlgIspRegister::go_to(int id) {
   const RegDescription& description = desk_.sheet().description();
   const std::optional<std::size_t> reg = register_of_place(description, id);
   if (!reg) return;
-  const RegEntry& entry = description.registers[*reg];
-  const int row = entry.index_in_category;
-  category_->setCurrentIndex(entry.category);
-  const QModelIndex shown = sorted_->mapFromSource(list_model_->index(row, 0));
-  list_->selectRow(shown.row());
-  list_->scrollTo(shown);
+  desk_.choose_register(*reg);
+  // Where the filter leaves it out, its category is what it is looked at in.
+  if (!list_->selectionModel()->hasSelection()) filter_->clear();
   value_->setFocus(Qt::ShortcutFocusReason);
 }
 

@@ -5,11 +5,12 @@
 #include <algorithm>
 #include <string_view>
 
+#include "registers/register_favourites.h"
 #include "registers/register_sheet.h"
 
 namespace qv5123 {
 
-/// The registers of the shown category as the page's list has them.
+/// All registers of the description, a row each in their order, as the page's list has them.
 class RegisterListModel final : public QAbstractTableModel {
   Q_OBJECT
 
@@ -18,23 +19,35 @@ class RegisterListModel final : public QAbstractTableModel {
   /// What a column is sorted by: numbers where it shows them.
   static constexpr int kSortRole = Qt::UserRole;
 
-  explicit RegisterListModel(const RegisterSheet& sheet, QObject* parent = nullptr)
-      : QAbstractTableModel(parent), sheet_(sheet) {}
+  /// Both outlive it.
+  RegisterListModel(const RegisterSheet& sheet, const RegisterFavourites& favourites,
+                    QObject* parent = nullptr)
+      : QAbstractTableModel(parent), sheet_(sheet), favourites_(favourites) {}
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
-  /// The sheet shows another category, or other values.
+  /// The sheet has another description, or who filters the rows lists others.
   void reset();
-  void value_changed(int row);
+  void value_changed(std::size_t reg);
+  void values_changed();
+  void favourites_changed();
 
  private:
+  const RegEntry& entry(int row) const {
+    return sheet_.description().registers[static_cast<std::size_t>(row)];
+  }
   QString text(int row, int column) const;
   QVariant sort_key(int row, int column) const;
+  QString tip(int row, int column) const;
+  QString spoken(int row, int column) const;
+  bool is_marked(int row, int column) const;
+  void column_changed(int column);
 
   const RegisterSheet& sheet_;
+  const RegisterFavourites& favourites_;
   int rows_ = 0;
 };
 

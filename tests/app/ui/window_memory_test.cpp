@@ -28,6 +28,7 @@ TEST(WindowMemory, BringsBackPlaceColumnPageAndThePagesOwnChoices) {
     EXPECT_EQ(memory.last_page(), std::nullopt);
     bench.frame->resize(700, 500);
     test::find<QAbstractButton>(bench.choose(PageId::gamma), "More")->click();
+    test::find<QAbstractButton>(bench.choose(PageId::registers), "Favourite")->click();
     test::find<QLineEdit>(bench.choose(PageId::make_flash), "fw file")->setText("/a/fw.bin");
     bench.view->column().choose_next();
     settings.store_window_look(memory.look());
@@ -39,6 +40,7 @@ TEST(WindowMemory, BringsBackPlaceColumnPageAndThePagesOwnChoices) {
   EXPECT_EQ(memory.last_page(), PageId::make_flash);
   EXPECT_EQ(bench.view->column().shape(), ColumnShape::console);
   EXPECT_TRUE(test::find<QAbstractButton>(bench.choose(PageId::gamma), "More")->isChecked());
+  EXPECT_TRUE(test::find<QAbstractButton>(bench.choose(PageId::registers), "Favourite")->isChecked());
   EXPECT_EQ(memory.look().choices.value("make-flash/fw file"), "/a/fw.bin") << "a page not opened this time";
   EXPECT_EQ(test::find<QLineEdit>(bench.choose(PageId::make_flash), "fw file")->text(), "/a/fw.bin");
 }

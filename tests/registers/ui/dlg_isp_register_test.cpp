@@ -1,67 +1,9 @@
-#include "registers/ui/dlg_isp_register.h"
-
-#include <gtest/gtest.h>
-
-#include <QtTest>
-#include <QtWidgets>
-
-#include "registers/answering_chip.h"
-#include "registers/ui/multiline_list.h"
-#include "support/fake_page_host.h"
-#include "support/page_driver.h"
-#include "support/temporary_folder.h"
+#include "registers/ui/register_page_bench.h"
 
 namespace qv5123 {
 namespace {
 
-std::string utf16_bytes(std::u16string_view text) {
-  std::string bytes = "\xFF\xFE";
-  for (const char16_t c : text) {
-    if (c == u'\n') bytes += std::string("\r\0", 2);
-    bytes += {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
-  }
-  return bytes;
-}
-
-class RegisterPageTest : public testing::Test {
- protected:
-  RegisterPageTest() { chip_.values = {{0x800, 0xA5}, {0x801, 0x3C}, {0x0A5, 0x51}, {0xA20, 0x07}}; }
-
-  void open(std::u16string_view description = test::kSampleDescription) {
-    folder_.write("regu.xml", utf16_bytes(description));
-    page_ = std::make_unique<CDlgIspRegister>(host_);
-    page_->resize(880, 640);
-    page_->show();
-    page_->activateWindow();
-    QCoreApplication::processEvents();
-  }
-  template <class Widget = QWidget>
-  Widget* find(const char* name) {
-    return test::find<Widget>(*page_, QLatin1String(name));
-  }
-  void click(const char* name) { QTest::mouseClick(find(name), Qt::LeftButton); }
-  std::string text(const char* edit) { return find<QLineEdit>(edit)->text().toStdString(); }
-  QTableView* list() { return find<QTableView>("Registers"); }
-  std::string cell(int row, int column) {
-    return list()->model()->index(row, column).data().toString().toStdString();
-  }
-  void click_row(int row) {
-    const QRect place = list()->visualRect(list()->model()->index(row, 1));
-    QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, place.center());
-  }
-  std::vector<std::string> fields(int row) {
-    std::vector<std::string> texts;
-    for (int c = 0; c < 5; ++c)
-      texts.push_back(find<CMultilineList>("Bit fields")->cell_text(c, row).toStdString());
-    return texts;
-  }
-
-  test::CurrentFolder folder_;
-  test::FakeWire wire_;
-  test::AnsweringChip chip_{wire_};
-  test::FakePageHost host_{wire_};
-  std::unique_ptr<CDlgIspRegister> page_;
-};
+using test::RegisterPageTest;
 
 TEST_F(RegisterPageTest, ShowsAndReadsTheFirstRegister) {
   open();
@@ -198,6 +140,29 @@ TEST_F(RegisterPageTest, ABitFieldIsChangedInItsRow) {
   ASSERT_NE(interface, nullptr);
   EXPECT_EQ(interface->cellAt(0, 1)->text(QAccessible::Name), "HIGH");
   EXPECT_EQ(interface->columnDescription(2), "Description");
+}
+
+TEST_F(RegisterPageTest, ChangesOfTheValueAreTakenBackUntilItIsRead) {
+  open();
+  wire_.advance(200);
+  const std::size_t sent = wire_.sender.writes.size();
+  find<QCheckBox>("Bit 0")->click();
+  auto* table = find<CMultilineList>("Bit fields");
+  emit table->cell_edited(4, 0, 3);
+  EXPECT_EQ(text("Value"), "0x34");
+  QTest::keyClick(find("Value"), Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(text("Value"), "0xA4");
+  EXPECT_EQ(fields(0).back(), " 10");
+  QTest::keyClick(table, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(text("Value"), "0xA5");
+  QTest::keyClick(table, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(text("Value"), "0xA4");
+  EXPECT_FALSE(find<QCheckBox>("Bit 0")->isChecked());
+  EXPECT_EQ(wire_.sender.writes.size(), sent);
+  click("Read");
+  wire_.advance(300);
+  QTest::keyClick(table, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(text("Value"), "0xA5") << "nothing to take back any more";
 }
 
 TEST_F(RegisterPageTest, AScreenReaderSetsTextsAndTogglesBoxes) {

@@ -1,12 +1,58 @@
 #include <functional>
 
-#include "registers/register_check.h"
 #include "registers/register_desk_bench.h"
 
 namespace qv5123 {
 namespace {
 
-class RegisterCheckTest : public test::RegisterDeskTest {
+using test::RegisterDeskTest;
+
+TEST_F(RegisterDeskTest, SavingTellsWhatIsInTheFileAndOffersToReadWhatWasWritten) {
+  open_and_read();
+  const auto save_as = [this](const char* name) {
+    host_.user.paths = {folder_ / name};
+    desk_->save_file();
+    wire_.advance(1000);
+    return host_.last_status();
+  };
+  EXPECT_EQ(save_as("a.txt"), "a.txt: 1 register saved, 2 never read and left out");
+  desk_->type_value(u"0x77");
+  desk_->write();
+  wire_.advance(200);
+  EXPECT_EQ(save_as("b.txt"),
+            "b.txt: 1 register saved, 2 never read and left out, 1 was written since it was read");
+  EXPECT_EQ(folder_.read("b.txt"), "0xF800=0xA5 //MODE\r\n") << "the value that was read";
+  EXPECT_EQ(host_.user.questions.at(0).text,
+            "1 register was written since it was read. The file gets the values that were read.\nRead them "
+            "again first?");
+  chip_.values[0x800] = 0x77;
+  host_.user.answers = {Answer::yes};
+  EXPECT_EQ(save_as("c.txt"), "c.txt: 1 register saved, 2 never read and left out");
+  EXPECT_EQ(folder_.read("c.txt"), "0xF800=0x77 //MODE\r\n");
+}
+
+TEST_F(RegisterDeskTest, WritesARegisterFileToTheChip) {
+  open_and_read();
+  host_.user.paths = {folder_.write(
+      "r.txt", "0xF801=0x11 //a\r\nbad\r\n0xF801=0x22 //b\r\n0xF800=0x33 //c\r\n0xFFFF=0x44 //d\r\n")};
+  desk_->load_file();
+  EXPECT_EQ(host_.last_status(), "r.txt: 1 line skipped, the first is line 2");
+  wire_.advance(50);
+  EXPECT_EQ(view_.buttons.load_file_caption, "Load REG to ISP(20%)") << "one of five matches";
+  EXPECT_EQ(host_.busy, std::vector<bool>{true}) << "closing the window asks";
+  wire_.advance(90 + 90);
+  EXPECT_EQ(view_.buttons.load_file_caption, "Load REG to ISP(60%)")
+      << "an address given twice ends it early";
+  EXPECT_EQ(wire_.sender.writes,
+            (std::vector<std::string>{"@9208*@9200*@9333*", "@9208*@9201*@9322*", "@9208*@9201*@9322*"}));
+  wire_.advance(40);
+  EXPECT_EQ(sheet().value_cell(1), u"0x22");
+  EXPECT_EQ(sheet().value_cell(2), u"") << "the file has no value for it";
+  EXPECT_EQ(view_.buttons.load_file_caption, "Load REG from File to ISP...");
+  EXPECT_EQ(host_.busy, (std::vector<bool>{true, false}));
+}
+
+class RegisterCheckTest : public RegisterDeskTest {
  protected:
   /// Loads a file of three registers on a chip that keeps what it is sent, but for what `loses` is true of.
   void load_file(std::function<bool(const std::string&)> loses = [](const std::string&) { return false; }) {
@@ -77,6 +123,24 @@ TEST_F(RegisterCheckTest, BelievesNoSingleAnswerAndNoSilence) {
   wire_.advance(30'000);
   EXPECT_EQ(texts_.back(), "Not verified: no answer from the chip");
   EXPECT_FALSE(again_);
+}
+
+TEST_F(RegisterDeskTest, FlashTakesTheMaskAndEightBlocks) {
+  open_and_read();
+  desk_->write_flash();
+  wire_.advance(50 + 8 * 99);
+  EXPECT_EQ(wire_.sender.writes.size(), 8u) << "each block waits 50 ms on top of the pacing";
+  wire_.advance(8);
+  ASSERT_EQ(wire_.sender.writes.size(), 9u);
+  std::string mask = "@dc00*@dd00*@de01*";
+  for (int i = 1; i < 256; ++i) mask += "@de00*";
+  EXPECT_EQ(wire_.sender.writes[0], mask + "@df00*") << "only 0xF800 was read";
+  std::string block = "@dc00*@dd00*@dea5*@deff*";
+  for (int i = 2; i < 256; ++i) block += "@de00*";
+  EXPECT_EQ(wire_.sender.writes[1], block + "@e000*") << "0xF801 is not known: 0xFF";
+  EXPECT_TRUE(wire_.sender.writes[3].starts_with("@dc02*@dd00*@de00*"));
+  EXPECT_EQ(wire_.sender.writes[3].substr(6 * (2 + 0x20), 6), "@deff*") << "0xFA20";
+  EXPECT_TRUE(wire_.sender.writes[8].ends_with("@e007*"));
 }
 
 }  // namespace
