@@ -125,11 +125,13 @@ void ControlColumn::add_file_box(QBoxLayout& column) {
 
 void ControlColumn::add_factory_buttons(QBoxLayout& column) {
   column.addWidget(button("Factory Reset",
-                          "The chip returns to its factory settings at once (ISP register 0x922 = 0xCC)",
+                          "The chip returns to its factory settings at once (ISP register 0x922 = 0xCC). It "
+                          "cannot be taken back: read the pages before, and their values can be saved again.",
                           &ControlColumn::factory_reset));
   column.addWidget(button("Current ISP Setting copy to Factory",
                           "The chip's current user data becomes its factory data (" +
-                              register_of(qv5123::copy_to_factory()) + ")",
+                              register_of(qv5123::copy_to_factory()) +
+                              "). Asks first: the factory data that it had is lost.",
                           &ControlColumn::copy_to_factory));
 }
 
@@ -206,14 +208,20 @@ void ControlColumn::add_download_box(QBoxLayout& column) {
   auto* box = new QGroupBox("Download", this);
   QBoxLayout* rows = box_layout(box, QBoxLayout::TopToBottom);
   auto* buttons = new QHBoxLayout;
-  buttons->addWidget(button("FW", "Send a firmware image of at most 65280 bytes to the chip",
-                            &ControlColumn::download_firmware));
   buttons->addWidget(
-      button("FONT", "Send a font image of at most 65280 bytes to the chip", &ControlColumn::download_font));
+      button("FW",
+             "Send a firmware image of at most 65280 bytes to the chip, which takes it in place "
+             "of the one that it has",
+             &ControlColumn::download_firmware));
+  buttons->addWidget(
+      button("FONT",
+             "Send a font image of at most 65280 bytes to the chip, which takes it in place of "
+             "the one that it has",
+             &ControlColumn::download_font));
   buttons->addWidget(
       button("System",
              "Send 1024 bytes of user data to the chip: those of the setting file that is chosen, or with "
-             "Cancel in the chooser the present ones",
+             "Cancel in the chooser the present ones. The chip takes them in place of its own.",
              &ControlColumn::send_user_data));
   rows->addLayout(buttons);
   auto* state = new QHBoxLayout;

@@ -11,6 +11,7 @@
 #include "app/ui/page_area.h"
 #include "app/ui/typed_text.h"
 #include "base/delay.h"
+#include "base/text.h"
 #include "base/ui/qt_text.h"
 #include "console/main_commands.h"
 #include "console/setting_file.h"
@@ -96,8 +97,10 @@ void CQV5123View::connect_column() {
   connect(column_, &C::awb_info, this, [this] { tell_sent("AWB Info", {qv5123::awb_info()}); });
   connect(column_, &C::send_text, this, &CQV5123View::send_text);
   connect(column_, &C::clear_console, this, [this] {
+    const std::size_t lines = console_text_.lines();
     console_text_.clear();
     column_->console().clear_text();
+    say(StatusRank::outcome, kAboutForm, "Console emptied: " + counted(lines, "line"));
   });
 }
 

@@ -243,7 +243,12 @@ QWidget* CDlgAeTune::make_more_area() {
   message_edit_->setFixedHeight(3 * message_edit_->fontMetrics().lineSpacing());
   const int row = grid->rowCount();
   grid->addWidget(message_edit_, row, 0, 1, 3);
-  grid->addWidget(make_button("Clear", {}, "Empty the messages", [this] { message_edit_->clear(); }), row, 3);
+  grid->addWidget(make_button("Clear", {}, "Empty the messages",
+                              [this] {
+                                message_edit_->clear();
+                                host().show_status("Messages emptied");
+                              }),
+                  row, 3);
   area->hide();
   return area;
 }

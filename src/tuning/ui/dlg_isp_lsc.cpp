@@ -133,7 +133,12 @@ QWidget* CDlgIspLSC::make_log_row() {
   row->setContentsMargins(0, 0, 0, 0);
   log_ = make_log("Log", "The readings of the sweep and what was fitted to them");
   row->addWidget(log_, 1);
-  row->addWidget(make_button("Clear", {}, "Empties the log", [this] { log_->clear(); }), 0, Qt::AlignTop);
+  row->addWidget(make_button("Clear", {}, "Empties the log",
+                             [this] {
+                               log_->clear();
+                               host().show_status("Log emptied");
+                             }),
+                 0, Qt::AlignTop);
   return widget;
 }
 

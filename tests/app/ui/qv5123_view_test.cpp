@@ -42,6 +42,8 @@ TEST(MainForm, EveryButtonSendsItsFixedCommand) {
   EXPECT_EQ(bench.user.questions.back().text,
             "would you really want to rewrite factorydata by current userdata?");
   EXPECT_EQ(bench.statuses.back(), "Copy to factory: 1 register sent");
+  bench.click("Clear");
+  EXPECT_EQ(bench.statuses.back(), "Console emptied: 1 line");
   bench.wire.sender.connected = false;
   bench.sent_by("OSD Up");
   EXPECT_EQ(bench.statuses.back(), "OSD Up: not sent, the port is not open");
