@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 
+#include "tuning/ui/chart_tools.h"
+
 namespace qv5123 {
 namespace {
 
@@ -24,8 +26,23 @@ QString ripple_text(const LensField& field, std::size_t colour) {
 
 LensFieldView::LensFieldView() {
   setAccessibleName("Ripple of the whole picture");
+  setToolTip(
+      "The readings of 9 x 5 places, 0..255, the darker the further below the brightest. Ctrl+C copies.");
+  setFocusPolicy(Qt::StrongFocus);
+  add_chart_menu(this, [this] { return numbers(); }, {});
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   hide();
+}
+
+QString LensFieldView::numbers() const {
+  QString text = "Column\tRow\tRed\tGreen\tBlue\n";
+  for (std::size_t i = 0; i < field_.size(); ++i) {
+    const int at = static_cast<int>(i);
+    text += QString("%1\t%2").arg(at % kFieldColumns + 1).arg(at / kFieldColumns + 1);
+    for (const int reading : field_[i]) text += QString("\t%1").arg(reading);
+    text += u'\n';
+  }
+  return text;
 }
 
 void LensFieldView::show_field(const LensField& field) {
@@ -43,6 +60,10 @@ void LensFieldView::paintEvent(QPaintEvent*) {
   const double third = width() / 3.0;
   for (std::size_t c = 0; c < kNames.size(); ++c)
     paint_colour(painter, QRectF(static_cast<double>(c) * third, 0, third - 6, height()), c);
+  if (!hasFocus()) return;
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(palette().color(QPalette::WindowText), 1, Qt::DashLine));
+  painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
 void LensFieldView::paint_colour(QPainter& painter, const QRectF& area, std::size_t colour) const {

@@ -14,6 +14,8 @@ class LensFieldView : public QWidget {
  public:
   LensFieldView();
   void show_field(const LensField& field);
+  /// The readings, a line for each place, row by row.
+  QString numbers() const;
 
   QSize sizeHint() const override { return {560, 110}; }
   QSize minimumSizeHint() const override { return {320, 90}; }

@@ -4,6 +4,7 @@
 
 #include "base/hex.h"
 #include "support/page_bench.h"
+#include "tuning/ui/lens_field_view.h"
 
 namespace qv5123 {
 namespace {
@@ -227,6 +228,16 @@ TEST_F(LensPage, SavesToFileAndChipAndComesBack) {
   user_.click("Load <- File");
   EXPECT_EQ(user_.number("Parameter-2 BLUE"), 0x606);
   EXPECT_EQ(host_.last_status(), "Load File ok");
+}
+
+TEST_F(LensPage, TheFieldIsCopiedAsNumbers) {
+  auto* view = user_.find<LensFieldView>("Ripple of the whole picture");
+  LensField field(45, PerColour{1, 2, 3});
+  field[9] = {10, 20, 30};
+  view->show_field(field);
+  user_.expect_named_controls();
+  EXPECT_EQ(view->numbers().section(u'\n', 0, 1), "Column\tRow\tRed\tGreen\tBlue\n1\t1\t1\t2\t3");
+  EXPECT_EQ(view->numbers().section(u'\n', 10, 10), "1\t2\t10\t20\t30") << "the second row";
 }
 
 }  // namespace
