@@ -12,11 +12,18 @@
 namespace qv5123 {
 namespace {
 
+constexpr int kRequests[] = {SIGINT, SIGTERM, SIGHUP};
+
 sigset_t requests() {
   sigset_t set;
   sigemptyset(&set);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&set, signal);
+  for (const int signal : kRequests) sigaddset(&set, signal);
   return set;
+}
+
+/// A request that comes while the program already ends because of another.
+void end_on_late_request(int) {
+  std::_Exit(EXIT_FAILURE);
 }
 
 }  // namespace
@@ -33,6 +40,9 @@ class StopRequests::System {
   ~System() {
     ::close(signals_);
     ::close(wake_);
+    // Without a handler one that waits would end the program as if it had been killed.
+    if (taken_)
+      for (const int signal : kRequests) std::signal(signal, end_on_late_request);
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
   }
   System(const System&) = delete;
@@ -45,7 +55,9 @@ class StopRequests::System {
     if (polled[1].revents != 0) return Wait::woken;
     signalfd_siginfo taken{};
     if (polled[0].revents == 0) return Wait::time_over;
-    return ::read(signals_, &taken, sizeof taken) > 0 ? Wait::request : Wait::time_over;
+    if (::read(signals_, &taken, sizeof taken) <= 0) return Wait::time_over;
+    taken_ = true;
+    return Wait::request;
   }
   void wake() { eventfd_write(wake_, 1); }
 
@@ -53,6 +65,7 @@ class StopRequests::System {
   sigset_t before_{};
   int signals_ = -1;
   int wake_ = -1;
+  bool taken_ = false;
 };
 
 StopRequests::StopRequests() : system_(std::make_unique<System>()) {}
