@@ -136,7 +136,8 @@ TEST(WriteJournal, TellsWhatTheChipWasLastTold) {
   WriteRecord other = slope(7, 8);
   other.values[0].name = "b_slope";
   journal.add(other);
-  EXPECT_THAT(values_after(journal, 1), ElementsAre(Pair("awb.a_slope", 2), Pair("awb.b_slope", 7)));
+  EXPECT_THAT(values_after(journal, 1), ElementsAre(Pair("awb.a_slope", 2)))
+      << "the other's old value is of the time after the loss";
   EXPECT_THAT(values_after(journal, 2), ElementsAre(Pair("awb.b_slope", 7))) << "nobody knows what left";
   EXPECT_THAT(values_after(journal, 3), ElementsAre(Pair("awb.b_slope", 8)));
 
