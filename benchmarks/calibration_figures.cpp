@@ -41,7 +41,8 @@ struct CalibrationBench {
   double ripple() {
     LensField field;
     run(field_flow(field));
-    return *std::ranges::max_element(field_ripple(field));
+    const auto ripple = field_ripple(field);
+    return *std::ranges::max_element(ripple);
   }
   /// "GET COLOR" on all patches.
   MeasuredColours measure() {
@@ -61,8 +62,7 @@ struct CalibrationBench {
     while (flow.running()) wire.advance(100);
   }
   Task<> send_parameters() {
-    Batch batch = lens_send_parameters(lens);
-    co_await wire.link.send(std::move(batch));
+    for (Batch& batch : lens_send_parameters(lens)) co_await wire.link.send(std::move(batch));
   }
   Task<> lens_flow(LensDecision decision) {
     co_await switch_lens_picker(wire.link, lens, true);
