@@ -61,10 +61,10 @@ After a lens shading calibration ("offered") all 24 patches are read with "GET C
 )";
 
 inline constexpr char kEnd[] = R"(
-"Fit color difference" is closer on the patches that it was fitted to wherever there is a choice. On patches left out, and against the
-truth, it gains where something is wrong that a matrix can help with: a warm lamp, stray light, clipped patches. On a good picture both
-come to nearly the same matrix and differ by less than the seeds do, and on an underexposed one, where a count is a tenth of a patch,
-least squares, which listens to the bright patches, may come out ahead.
+"Fit color difference" is closer on the patches that it was fitted to wherever there is a choice. On patches left out,
+and against the truth, it gains most where something is wrong that a matrix can help with: a warm lamp, stray light, clipped patches.
+On a good picture both come to nearly the same matrix, and the gain is a few hundredths. Only on an underexposed and noisy one, where a
+count is a tenth of a patch, least squares, which listens to the bright patches, comes out ahead on patches left out.
 
 ## What the figures cannot show
 

@@ -60,7 +60,7 @@ std::vector<Target> targets_of(const ExposedPatches& patches, const ColorFitOpti
 /// What the square of a coefficient's way from plain least squares costs. It holds the fit back from
 /// following single patches, dark ones above all, whose counts are few: with it patches left out come closer
 /// as well.
-constexpr double kPull = 8;
+constexpr double kPull = 16;
 
 /// What is minimised.
 class Cost {
