@@ -158,8 +158,6 @@ QBoxLayout* CDlgIspRegister::make_address_rows() {
   name_->setEnabled(false);
   fit_to(address_, "0xDDDD");
   fit_to(value_, "0xDDDD");
-  address_->installEventFilter(this);
-  value_->installEventFilter(this);
   auto* address_spin = new SpinArrows("Address");
   auto* value_spin = new SpinArrows("Value");
   connect(address_spin, &SpinArrows::stepped, address_, &CMyHexEdit::step);
@@ -243,24 +241,10 @@ bool CDlgIspRegister::event(QEvent* event) {
   return QWidget::event(event);
 }
 
-bool CDlgIspRegister::take_step(const QKeyEvent& key) {
-  const bool is_undo = key.matches(QKeySequence::Undo) && desk_.can_undo();
-  const bool is_redo = key.matches(QKeySequence::Redo) && desk_.can_redo();
-  if (is_undo) desk_.undo();
-  if (is_redo) desk_.redo();
-  return is_undo || is_redo;
-}
-
-// An edit that has no text of its own to take back would swallow the key.
-bool CDlgIspRegister::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() != QEvent::KeyPress) return false;
-  const auto* edit = qobject_cast<QLineEdit*>(watched);
-  const bool has_own = edit && (edit->isUndoAvailable() || edit->isRedoAvailable());
-  return !has_own && take_step(*static_cast<QKeyEvent*>(event));
-}
-
 void CDlgIspRegister::keyPressEvent(QKeyEvent* event) {
-  if (!take_step(*event)) QWidget::keyPressEvent(event);
+  if (event->matches(QKeySequence::Undo)) return desk_.undo();
+  if (event->matches(QKeySequence::Redo)) return desk_.redo();
+  QWidget::keyPressEvent(event);
 }
 
 void CDlgIspRegister::set_tab_order() {

@@ -48,11 +48,8 @@ class CDlgIspRegister final : public QWidget, public Page, public Findable, priv
   /// the window's.
   bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
-  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  /// Whether the key was that of undo or redo, and there was a change of the value for it.
-  bool take_step(const QKeyEvent& key);
   QWidget* make_splitter();
   QBoxLayout* make_list_column();
   QBoxLayout* make_register_column();
