@@ -112,6 +112,8 @@ void CMyHexEdit::report_change(const std::u16string& before) {
 void CMyHexEdit::keyPressEvent(QKeyEvent* event) {
   if (event->matches(QKeySequence::Copy)) return QLineEdit::keyPressEvent(event);
   if (event->matches(QKeySequence::Paste)) return take(QGuiApplication::clipboard()->text());
+  // The page's, which takes back changes of the bits as well.
+  if (event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo)) return event->ignore();
   const std::u16string before = model_.text();
   const int caret = hasSelectedText() ? selectionStart() : cursorPosition();
   const HexEdit::KeyResult result = model_.press(code_of(*event), caret);
