@@ -54,6 +54,27 @@ std::string parse_problem(const toml::parse_error& error) {
   return "line " + std::to_string(error.source().begin.line) + ": " + std::string(error.description());
 }
 
+constexpr bool begins_a_name(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-' ||
+         c == '"' || c == '\'';
+}
+
+/// Where a table's header has no name, of which the parser itself says nothing.
+std::string broken_header(std::string_view text) {
+  int line = 1;
+  for (std::size_t at = 0; at < text.size(); ++line) {
+    const std::string_view rest = text.substr(at);
+    const std::size_t end = std::min(rest.find('\n'), rest.size());
+    const std::string_view header = rest.substr(0, end);
+    const std::size_t name = header.find_first_not_of(" \t[");
+    const bool is_header = header.substr(0, name).find('[') != std::string_view::npos;
+    if (is_header && (name == std::string_view::npos || !begins_a_name(header[name])))
+      return "line " + std::to_string(line) + ": a table without a name";
+    at += end + 1;
+  }
+  return "line 1: this is no TOML";
+}
+
 }  // namespace
 
 ReadRecipe parse_recipe(std::string_view text, const std::filesystem::path& path) {
@@ -64,6 +85,8 @@ ReadRecipe parse_recipe(std::string_view text, const std::filesystem::path& path
     read.recipe.sha256 = sha256(text);
   } catch (const toml::parse_error& error) {
     read.problem = path_text(path) + ", " + parse_problem(error);
+  } catch (const BrokenToml&) {
+    read.problem = path_text(path) + ", " + broken_header(text);
   } catch (const RecipeProblem& problem) {
     read.problem = path_text(path) + ", " + problem.text;
   }

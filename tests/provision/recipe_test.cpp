@@ -44,6 +44,7 @@ TEST_F(RecipeTest, WhatIsWrongIsNamedWithLineAndKey) {
   EXPECT_THAT(read("nmae = \"x\"\n[[step]]\ndo = \"lsc\"").problem,
               EndsWith("line 1, nmae: no such key is known here"));
   EXPECT_THAT(problem("do = "), HasSubstr("line 2: "));
+  EXPECT_THAT(problem("[{step]]"), HasSubstr("line 2: a table without a name"));
   EXPECT_EQ(problem("file = \"fw.bin\""), "line 1, step 1, do: is missing");
   EXPECT_THAT(problem("do = \"firmwear\""),
               testing::StartsWith("line 2, step 1, do: \"firmwear\" is no step; the steps are expect, "));
