@@ -17,10 +17,11 @@ int percent(std::size_t done, std::size_t of) {
   return of == 0 ? 100 : static_cast<int>(done * 100 / of);
 }
 
-Job job_of(DeskHost& host, Traffic traffic) {
+/// The job may still be on its way when who asked for it is gone, and `host` with it.
+Job job_of(const std::shared_ptr<DeskHost*>& host, Traffic traffic) {
   Job job;
-  job.on_progress = [&host, flushes = traffic.size()](std::size_t sent) {
-    host.show_progress(percent(sent, flushes));
+  job.on_progress = [there = std::weak_ptr(host), flushes = traffic.size()](std::size_t sent) {
+    if (const auto still = there.lock()) (*still)->show_progress(percent(sent, flushes));
   };
   for (Batch& batch : traffic) job.chunks.emplace_back().writes = std::move(batch);
   return job;
@@ -57,7 +58,8 @@ Task<bool> send_with_progress(DeskHost& host, LongTraffic sending) {
   // Nobody else's writes may reach a chip that is storing. They wait, and the window stays live.
   std::optional<CommandLink::Hold> hold;
   if (sending.settling.count() > 0) hold.emplace(co_await host.link().hold());
-  Job job = job_of(host, std::move(sending.traffic));
+  const auto listening = std::make_shared<DeskHost*>(&host);
+  Job job = job_of(listening, std::move(sending.traffic));
   job.note = std::move(sending.note);
   const auto connection = std::make_shared<unsigned>();
   job.on_start = [connection, &link = host.link()] { *connection = link.connection(); };
