@@ -29,7 +29,7 @@ constexpr double kPacing = 50;
 
 QPushButton* button(const QWidget& window, const QString& caption) {
   for (auto* found : window.findChildren<QPushButton*>()) {
-    if (found->text() == caption) return found;
+    if (found->text().remove(QLatin1Char('&')) == caption) return found;  // the mark of its letter
   }
   give_up("no button " + caption.toStdString());
 }
