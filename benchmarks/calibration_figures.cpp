@@ -12,10 +12,10 @@
 #include "calibration_text.h"
 #include "support/chip_talk.h"
 #include "support/fake_wire.h"
+#include "support/patch_fits.h"
 #include "tuning/color_fit.h"
 #include "tuning/lens_calibration.h"
 #include "tuning/matrix_desk.h"
-#include "tuning/matrix_fit.h"
 #include "tuning/picker_flow.h"
 
 namespace qv5123 {
@@ -242,50 +242,16 @@ Pairs truth_pairs(const Scene& scene) {
   return pairs;
 }
 
-/// The measured patches against the page's table; of one of them, or of all.
-Pairs page_pairs(const ExposedPatches& patches, std::optional<std::size_t> only = {}) {
-  Pairs pairs;
-  for (std::size_t i = 0; i < kPatches; ++i) {
-    if (!patches[i] || (only && *only != i)) continue;
-    pairs.from.push_back(*patches[i]);
-    pairs.to.push_back(lab_of(kPatchReferences[i]));
-  }
-  return pairs;
-}
-
 struct Figures {
   double fitted = 0;
   double left_out = 0;
   double truth = 0;
 };
-using Fit = std::function<Coefficients(const MeasuredColours&, const ExposedPatches&)>;
-
-/// `measured` with all patches for the white balance, `patches` those to fit to.
-Coefficients calculated(const MeasuredColours& measured, const ExposedPatches& patches) {
-  MeasuredColours used = measured;
-  for (std::size_t i = 0; i < kPatches; ++i)
-    if (!patches[i]) used[i] = {};
-  return fit_balanced(used, *balance_patches(measured), 100).coefficients;
-}
-
-Coefficients color_difference(const MeasuredColours&, const ExposedPatches& patches) {
-  return fit_color_difference(patches, {});
-}
-
-Figures figures_of(const MeasuredColours& measured, const Pairs& truth, const Fit& fit) {
+Figures figures_of(const MeasuredColours& measured, const Pairs& truth, test::PatchFit fit) {
   const ExposedPatches patches = *exact_patches(measured);
   const Coefficients whole = fit(measured, patches);
-  Figures figures{mean_difference(page_pairs(patches), whole), 0, mean_difference(truth, whole)};
-  double count = 0;
-  for (std::size_t i = 0; i < kPatches; ++i) {
-    if (!patches[i]) continue;
-    ExposedPatches others = patches;
-    others[i].reset();
-    figures.left_out += mean_difference(page_pairs(patches, i), fit(measured, others));
-    ++count;
-  }
-  figures.left_out /= count;
-  return figures;
+  return {test::mean_difference(patches, whole), test::mean_left_out(measured, fit),
+          mean_difference(truth, whole)};
 }
 
 MeasuredColours readings(const Scene& scene, const char* noise, std::uint64_t seed) {
@@ -311,7 +277,7 @@ std::string matrix_rows(const char* name) {
     const double seeds = std::string(noise) == "off" ? 1 : kSeeds;
     for (std::uint64_t seed = 1; seed <= static_cast<std::uint64_t>(seeds); ++seed) {
       const MeasuredColours measured = readings(scene, noise, seed);
-      const Fit fits[] = {calculated, color_difference};
+      const test::PatchFit fits[] = {test::calculated, test::color_difference};
       for (std::size_t i = 0; i < mean.size(); ++i) {
         const Figures one = figures_of(measured, truth, fits[i]);
         mean[i].fitted += one.fitted / seeds;

@@ -3,51 +3,13 @@
 #include <gtest/gtest.h>
 
 #include "support/chart_readings.h"
+#include "support/patch_fits.h"
 #include "tuning/matrix_diagnosis.h"
-#include "tuning/matrix_fit.h"
 
 using namespace qv5123;
+using namespace qv5123::test;
 
 namespace {
-
-double difference(std::size_t patch, const LinearRgb& measured, const Coefficients& matrix) {
-  return ciede2000(lab_of(kPatchReferences[patch]),
-                   lab_of(through_matrix(as_registers_hold(matrix), measured)));
-}
-
-double mean_difference(const ExposedPatches& patches, const Coefficients& matrix) {
-  std::vector<double> differences;
-  for (std::size_t i = 0; i < kPatches; ++i)
-    if (patches[i]) differences.push_back(difference(i, *patches[i], matrix));
-  return summary_of(std::move(differences)).mean;
-}
-
-using Fit = Coefficients (*)(const MeasuredColours& measured, const ExposedPatches& patches);
-
-/// `measured` gives the white balance, `patches` are those to fit to.
-Coefficients calculated(const MeasuredColours& measured, const ExposedPatches& patches) {
-  MeasuredColours used = measured;
-  for (std::size_t i = 0; i < kPatches; ++i)
-    if (!patches[i]) used[i] = {};
-  return fit_balanced(used, *balance_patches(measured), 100).coefficients;
-}
-
-Coefficients color_difference(const MeasuredColours&, const ExposedPatches& patches) {
-  return fit_color_difference(patches, {});
-}
-
-/// Of each patch with what was fitted to all others.
-double mean_left_out(const MeasuredColours& measured, Fit fit) {
-  const ExposedPatches patches = *exact_patches(measured);
-  std::vector<double> differences;
-  for (std::size_t i = 0; i < kPatches; ++i) {
-    if (!patches[i]) continue;
-    ExposedPatches others = patches;
-    others[i].reset();
-    differences.push_back(difference(i, *patches[i], fit(measured, others)));
-  }
-  return summary_of(std::move(differences)).mean;
-}
 
 std::string all_warnings(const char* scene) {
   MatrixValues values;
