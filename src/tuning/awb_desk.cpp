@@ -27,7 +27,8 @@ AwbDesk::AwbDesk(DeskHost& host, UserDataImage& image, std::shared_ptr<Measuring
                  return switch_plain_picker(link(), on, {picker_off_, place_});
                },
                [this] { picker_switched(); }},
-              board_) {
+              board_),
+      run_(host, picker_, *this, {"Measure 18", kColouredPatches, kAwbColourRegisters}) {
   // Saving a page that was opened after the file must not replace what the file said.
   if (image.loaded()) open_with_image();
 }
@@ -56,22 +57,29 @@ void AwbDesk::send_line(AwbControl line) {
   send_control(std::string("Line ") + awb_row(line).name, static_cast<int>(line));
 }
 
-std::string AwbDesk::counts_text(std::size_t patch) const {
+std::string AwbDesk::reading_text(std::size_t patch) const {
   const PatchColour& colour = values_.patches[patch];
   return std::string(kAwbPatches[patch].caption) + " is " + std::to_string(colour.r) + ", " +
          std::to_string(colour.g) + ", " + std::to_string(colour.b);
 }
 
-void AwbDesk::take_colour(std::size_t patch, const PerColour& colour) {
+void AwbDesk::take_reading(std::size_t patch, const PerColour& colour) {
   view().take_typed();
   values_.patches[patch] = {colour[0], colour[1], colour[2]};
-  if (patch >= kColouredPatches) return;
-  for (std::size_t c = 0; c < 3; ++c) seen_[patch][c] = static_cast<std::uint32_t>(colour[c]);
+  if (patch < kColouredPatches)
+    for (std::size_t c = 0; c < 3; ++c) seen_[patch][c] = static_cast<std::uint32_t>(colour[c]);
+  view().show_values();
+}
+
+void AwbDesk::approach(std::size_t patch, PickerPosition place) {
+  patch_ = patch;
+  place_ = place;
+  awb_view_->show_measuring();
 }
 
 void AwbDesk::picker_switched() {
   if (picker_on_) return;
-  stopped_at_.reset();
+  run_.forget();
   presses_.clear();
 }
 
@@ -93,7 +101,7 @@ Task<> AwbDesk::run_get_color() {
     const bool done = co_await measure(measured_patch_);
     if (done) measured = measured_patch_;
   }
-  if (!measured || measured != stopped_at_ || !picker_on_) co_return;
+  if (!measured || !run_.stopped_at(*measured)) co_return;
   if (const auto places = patch_places(board_->latest_corners()))
     running_all_.start(run_all(*places, *measured + 1));
 }
@@ -131,12 +139,12 @@ Task<bool> AwbDesk::read(std::size_t patch) {
   }
   {
     const Changing change(*this, DeskChange::Kind::measured, "GET COLOR");
-    take_colour(patch, colour);
+    take_reading(patch, colour);
   }
   // Whoever chose another patch meanwhile is not to be moved away from it.
   if (advances_ && patch_ == patch) patch_ = (patch + 1) % kAwbPatchCount;
   view().show_values();
-  host().show_status("GET COLOR: " + counts_text(patch));
+  host().show_status("GET COLOR: " + reading_text(patch));
   co_return true;
 }
 
@@ -161,10 +169,7 @@ void AwbDesk::take_from_matrix() {
 
 void AwbDesk::measure_all() {
   view().take_typed();
-  if (measuring_all()) {
-    stop_run_ = true;
-    return;
-  }
+  if (measuring_all()) return run_.stop();
   if (!picker_on_ || measuring_.running())
     return host().show_status("Measure 18: enable the color picker first, and wait for GET COLOR.");
   const auto places = patch_places(board_->latest_corners());
@@ -176,64 +181,18 @@ void AwbDesk::measure_all() {
 
 /// One step for whoever takes it back, however many patches it measures.
 Task<> AwbDesk::run_all(std::array<PickerPosition, kPatches> places, std::size_t first) {
-  measuring_all_ = true;
-  stop_run_ = false;
-  stopped_at_.reset();
   if (first == 0) seen_ = {};
-  const bool arrived = co_await picker_.arrive();
-  if (arrived) {
+  const bool begun = co_await run_.begin();
+  if (begun) {
     const BusyScope busy(host());
     const auto former = values_.patches;
-    picker_.set_measuring(true);
-    co_await measure_places(places, first);
+    co_await run_.measure(places, first);
     AwbValues before = values_;
     before.patches = former;
     tell({DeskChange::Kind::measured, "Measure 18", before});
-    picker_.set_measuring(false);
   }
-  if (stop_run_) host().show_status("Measure 18: stopped.");
-  measuring_all_ = false;
+  run_.end();
   awb_view_->show_measuring();
-}
-
-Task<> AwbDesk::measure_places(const std::array<PickerPosition, kPatches>& places, std::size_t first) {
-  for (std::size_t patch = first; patch < kColouredPatches && !stop_run_; ++patch) {
-    patch_ = patch;
-    awb_view_->show_measuring();
-    host().show_progress(static_cast<int>(100 * patch / kColouredPatches));
-    const bool goes_on = co_await measure_at(patch, places[patch]);
-    if (!goes_on) co_return;
-    host().show_status("Measured " + counts_text(patch) + "; " +
-                       std::to_string(kColouredPatches - 1 - patch) + " left.");
-  }
-}
-
-/// False where the run ends there.
-Task<bool> AwbDesk::measure_at(std::size_t patch, PickerPosition place) {
-  place_ = place;
-  const SteadyReading reading = co_await read_steadily(link(), place, kAwbColourRegisters);
-  if (!picker_on_) stop_run_ = true;
-  if (stop_run_) co_return false;
-  if (reading.colour[0] < 0) picker_.forget_place();
-  std::string complaint = reading_complaint(seen_, patch, reading);
-  if (picker_.chip_was_away()) complaint = kPickerChipWasAway;
-  if (!complaint.empty()) {
-    stop_at(patch, complaint);
-    co_return false;
-  }
-  take_colour(patch, reading.colour);
-  view().show_values();
-  co_return true;
-}
-
-void AwbDesk::stop_at(std::size_t patch, const std::string& complaint) {
-  std::string text = "Measure 18 stopped. " + complaint;
-  // Switching the picker off and on again ends the run.
-  if (!picker_.chip_was_away()) {
-    stopped_at_ = patch;
-    text += " GET COLOR measures it anew, and the rest follows.";
-  }
-  host().show_failure(text);
 }
 
 Task<> AwbDesk::save() {

@@ -8,13 +8,14 @@
 #include <string>
 
 #include "tuning/awb.h"
+#include "tuning/chart_measurement.h"
 #include "tuning/picker_desk.h"
 #include "tuning/tuning_desk.h"
 
 namespace qv5123 {
 
 /// The AWB page without its window.
-class AwbDesk final : public PageDesk<AwbPage> {
+class AwbDesk final : public PageDesk<AwbPage>, private MeasuredChart {
  public:
   class View : public DeskView {
    public:
@@ -46,7 +47,7 @@ class AwbDesk final : public PageDesk<AwbPage> {
   /// page. Pressed again it stops; where a reading is doubtful it stops by itself, and goes on once "GET
   /// COLOR" has measured that patch.
   void measure_all();
-  bool measuring_all() const { return measuring_all_; }
+  bool measuring_all() const { return run_.running(); }
   /// Of "Measure 18".
   static constexpr std::size_t kColouredPatches = 18;
   std::size_t patches_left() const { return kColouredPatches - patch_; }
@@ -65,12 +66,11 @@ class AwbDesk final : public PageDesk<AwbPage> {
   Task<bool> read(std::size_t patch);
   Task<PerColour> read_colour();
   Task<> run_all(std::array<PickerPosition, kPatches> places, std::size_t first);
-  Task<> measure_places(const std::array<PickerPosition, kPatches>& places, std::size_t first);
-  Task<bool> measure_at(std::size_t patch, PickerPosition place);
-  void stop_at(std::size_t patch, const std::string& complaint);
-  void take_colour(std::size_t patch, const PerColour& colour);
+  void approach(std::size_t patch, PickerPosition place) override;
+  const MeasuredColours& readings() const override { return seen_; }
+  void take_reading(std::size_t patch, const PerColour& colour) override;
+  std::string reading_text(std::size_t patch) const override;
   void picker_switched();
-  std::string counts_text(std::size_t patch) const;
 
   View nobody_;
   View* awb_view_ = &nobody_;
@@ -86,10 +86,8 @@ class AwbDesk final : public PageDesk<AwbPage> {
   /// Presses of "GET COLOR" that wait: for which patch, or for the one that is chosen by then.
   std::deque<std::optional<std::size_t>> presses_;
   Flow measuring_;
-  bool measuring_all_ = false;
-  bool stop_run_ = false;
-  MeasuredColours seen_{};                 ///< by "Measure 18", and since it has begun
-  std::optional<std::size_t> stopped_at_;  ///< where the last run has found something doubtful
+  MeasuredColours seen_{};  ///< by "Measure 18", and since it has begun
+  ChartMeasurement run_;
   Flow running_all_;
 };
 

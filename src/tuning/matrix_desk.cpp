@@ -35,7 +35,8 @@ MatrixDesk::MatrixDesk(DeskHost& host, UserDataImage& image, std::shared_ptr<Mea
                [this](bool on) { return switch_matrix_picker(link(), values_, on); },
                [this] { update_keys(); }, [this] { picker_settled(); }},
               board_),
-      typed_ratio_(values_.ratio) {
+      typed_ratio_(values_.ratio),
+      run_(host, picker_, *this, {"Measure all 24", kPatches, kPickerColourRegisters}) {
   board_->chart = &values_.measured;
   open_with_image();
 }
@@ -53,7 +54,7 @@ void MatrixDesk::choose_light(int light) {
 void MatrixDesk::choose_mode(int mode) {
   values_.mode = mode;
   // The run's corners are those of the other mode.
-  forget_run();
+  run_.forget();
   show_matrix_in_force();
 }
 
@@ -61,7 +62,7 @@ void MatrixDesk::values_loaded() {
   typed_codes_ = {};
   if (fitted_to_ == values_.measured) return;
   forget_fits();
-  forget_run();
+  run_.forget();
 }
 
 void MatrixDesk::show_matrix_in_force() {
@@ -127,7 +128,7 @@ void MatrixDesk::update_keys() {
   if (values_.picker_on) {
     values_.manual_input = false;
   } else {
-    forget_run();
+    run_.forget();
     presses_.clear();
   }
   picker_.want_keys(values_.picker_on);
@@ -230,7 +231,7 @@ void MatrixDesk::clear() {
     clear_matrix(values_);
   }
   forget_fits();
-  forget_run();
+  run_.forget();
   for (auto& row : typed_codes_) row.fill(std::string());
   view().show_values();
   host().show_status("Patches and shown matrix are empty.");

@@ -12,7 +12,7 @@
 #include "console/page_host.h"
 #include "console/prompts.h"
 #include "link/command_link.h"
-#include "tuning/chart_run.h"
+#include "tuning/chart_measurement.h"
 #include "tuning/color_fit.h"
 #include "tuning/matrix.h"
 #include "tuning/picker_desk.h"
@@ -21,7 +21,7 @@
 namespace qv5123 {
 
 /// The linear matrix page without its window.
-class MatrixDesk final : public PageDesk<MatrixPage> {
+class MatrixDesk final : public PageDesk<MatrixPage>, private MeasuredChart {
  public:
   class View : public DeskView {
    public:
@@ -79,9 +79,9 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   /// "Measure all 24", from the four corners; pressed again it stops. Where a reading is doubtful it stops by
   /// itself, and goes on once "GET COLOR" has measured that patch.
   void measure_all();
-  bool measuring_all() const { return measuring_all_; }
+  bool measuring_all() const { return run_.running(); }
   /// Why the last run has stopped by itself; empty where it has not.
-  const std::string& run_complaint() const { return run_complaint_; }
+  const std::string& run_complaint() const { return run_.complaint(); }
   std::size_t patches_left() const { return kPatches - values_.patch; }
   bool measuring() const { return measuring_.running(); }
   void calculate(Prompts& prompts);
@@ -131,14 +131,13 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   Task<> run_get_color();
   Task<bool> measure_patch(std::size_t patch);
   Task<> run_all(std::array<PickerPosition, kPatches> places, std::size_t first);
-  Task<> measure_places(const std::array<PickerPosition, kPatches>& places, std::size_t first);
-  Task<bool> measure_place(std::size_t patch, PickerPosition place);
-  void stop_at(std::size_t patch, const std::string& complaint);
+  void approach(std::size_t patch, PickerPosition place) override;
+  const MeasuredColours& readings() const override { return values_.measured; }
+  void take_reading(std::size_t patch, const PerColour& colour) override;
+  std::string reading_text(std::size_t patch) const override;
   Task<> run_color_fit(PageHost& worker);
   void show_current();
   void forget_fits();
-  /// "GET COLOR" then measures one patch and no more.
-  void forget_run() { stopped_at_.reset(); }
   bool take_codes();
   void with_consent(std::string what, const std::string& doubt, Prompts& prompts, std::function<void()> send);
   Task<> ask_first(Prompts& prompts, std::string what, std::string reasons, std::function<void()> send);
@@ -156,10 +155,7 @@ class MatrixDesk final : public PageDesk<MatrixPage> {
   std::size_t measured_patch_ = 0;  ///< the one that is being measured
   /// Presses of "GET COLOR" that wait: for which patch, or for the one that is chosen by then.
   std::deque<std::optional<std::size_t>> presses_;
-  std::optional<std::size_t> stopped_at_;  ///< where the last run has found something doubtful
-  std::string run_complaint_;
-  bool measuring_all_ = false;
-  bool stop_run_ = false;
+  ChartMeasurement run_;
   Flow running_all_;
   ColorFitOptions color_options_;
   Fits fits_;

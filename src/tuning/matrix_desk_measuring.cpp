@@ -5,14 +5,23 @@
 #include "tuning/matrix_desk.h"
 
 namespace qv5123 {
-namespace {
 
-std::string counts_text(std::size_t patch, const MeasuredColour& counts) {
+std::string MatrixDesk::reading_text(std::size_t patch) const {
+  const MeasuredColour& counts = values_.measured[patch];
   return std::string(kPatchCaptions[patch]) + " is " + std::to_string(counts[0]) + ", " +
          std::to_string(counts[1]) + ", " + std::to_string(counts[2]);
 }
 
-}  // namespace
+void MatrixDesk::approach(std::size_t patch, PickerPosition place) {
+  values_.patch = patch;
+  values_.picker = place;
+  matrix_view_->show_measurements();
+  matrix_view_->show_run();
+}
+
+void MatrixDesk::take_reading(std::size_t patch, const PerColour& colour) {
+  for (std::size_t c = 0; c < 3; ++c) values_.measured[patch][c] = static_cast<std::uint32_t>(colour[c]);
+}
 
 void MatrixDesk::get_color() {
   view().take_typed();
@@ -34,7 +43,7 @@ Task<> MatrixDesk::run_get_color() {
     if (done) measured = patch;
     if (picker_.chip_was_away()) presses_.clear();
   }
-  if (!measured || measured != stopped_at_ || !values_.picker_on) co_return;
+  if (!measured || !run_.stopped_at(*measured)) co_return;
   if (const auto places = patch_places(corners())) running_all_.start(run_all(*places, *measured + 1));
 }
 
@@ -55,7 +64,7 @@ Task<bool> MatrixDesk::measure_patch(std::size_t patch) {
   if (measured) forget_fits();
   if (got == GotColor::cursor_lost) picker_.forget_place();
   if (measured)
-    host().show_status("GET COLOR: " + counts_text(patch, values_.measured[patch]));
+    host().show_status("GET COLOR: " + reading_text(patch));
   else
     host().show_failure("GET COLOR: the chip did not answer.");
   view().take_typed();
@@ -83,10 +92,7 @@ void MatrixDesk::set_corner() {
 
 void MatrixDesk::measure_all() {
   view().take_typed();
-  if (measuring_all()) {
-    stop_run_ = true;
-    return;
-  }
+  if (measuring_all()) return run_.stop();
   const auto places = patch_places(corners());
   if (!values_.picker_on || measuring_.running())
     return host().show_failure("Measure all 24: enable the color picker first, and wait for GET COLOR.");
@@ -98,69 +104,20 @@ void MatrixDesk::measure_all() {
 
 /// One step for whoever takes it back, however many patches it measures.
 Task<> MatrixDesk::run_all(std::array<PickerPosition, kPatches> places, std::size_t first) {
-  measuring_all_ = true;
-  stop_run_ = false;
-  forget_run();
-  run_complaint_.clear();
-  const bool arrived = co_await picker_.arrive();
-  if (arrived && !stop_run_) {
+  const bool begun = co_await run_.begin();
+  if (begun) {
     const BusyScope busy(host());
     const MeasuredColours former = values_.measured;
     if (first == 0) values_.measured = {};
     forget_fits();
-    picker_.set_measuring(true);
-    co_await measure_places(places, first);
+    co_await run_.measure(places, first);
     forget_fits();
     MatrixValues before = values_;
     before.measured = former;
     tell({DeskChange::Kind::measured, "Measure all 24", before});
-    picker_.set_measuring(false);
   }
-  if (stop_run_) host().show_status("Measure all 24: stopped.");
-  measuring_all_ = false;
+  run_.end();
   matrix_view_->show_measurements();
-}
-
-Task<> MatrixDesk::measure_places(const std::array<PickerPosition, kPatches>& places, std::size_t first) {
-  for (std::size_t patch = first; patch < kPatches && !stop_run_; ++patch) {
-    const bool goes_on = co_await measure_place(patch, places[patch]);
-    if (!goes_on) co_return;
-    host().show_status("Measured " + counts_text(patch, values_.measured[patch]) + "; " +
-                       std::to_string(kPatches - 1 - patch) + " left.");
-  }
-}
-
-/// False where the run ends there.
-Task<bool> MatrixDesk::measure_place(std::size_t patch, PickerPosition place) {
-  values_.patch = patch;
-  values_.picker = place;
-  matrix_view_->show_measurements();
-  matrix_view_->show_run();
-  host().show_progress(static_cast<int>(100 * patch / kPatches));
-  const SteadyReading reading = co_await read_steadily(link(), place);
-  if (!values_.picker_on) stop_run_ = true;
-  if (stop_run_) co_return false;
-  if (reading.colour[0] < 0) picker_.forget_place();
-  std::string complaint = reading_complaint(values_.measured, patch, reading);
-  if (picker_.chip_was_away()) complaint = kPickerChipWasAway;
-  if (!complaint.empty()) {
-    stop_at(patch, complaint);
-    co_return false;
-  }
-  for (std::size_t c = 0; c < 3; ++c)
-    values_.measured[patch][c] = static_cast<std::uint32_t>(reading.colour[c]);
-  co_return true;
-}
-
-void MatrixDesk::stop_at(std::size_t patch, const std::string& complaint) {
-  run_complaint_ = complaint;
-  std::string text = "Measure all 24 stopped. " + complaint;
-  // Switching the picker off and on again ends the run.
-  if (!picker_.chip_was_away()) {
-    stopped_at_ = patch;
-    text += " GET COLOR measures it anew, and the rest follows.";
-  }
-  host().show_failure(text);
 }
 
 }  // namespace qv5123
