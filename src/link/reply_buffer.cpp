@@ -20,6 +20,7 @@ std::string ReplyBuffer::decode(std::span<const std::uint8_t> received) {
         if (state_ != State::in_block) break;
         state_ = State::complete;
         ++completed_;
+        ++completed_of_[size()];
         break;
       case '$':
         state_ = State::abandoned;

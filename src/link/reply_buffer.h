@@ -42,6 +42,8 @@ class ReplyBuffer {
 
   /// How many blocks were ever complete.
   std::uint64_t completed() const { return completed_; }
+  /// How many of them had so many characters, 0..500: also one that the next has taken the place of.
+  std::uint32_t completed_of(std::size_t size) const { return completed_of_[size]; }
 
   /// How many characters the block has so far, at most 500.
   std::size_t size() const { return received_ < kSize ? received_ : kSize; }
@@ -76,6 +78,7 @@ class ReplyBuffer {
   std::size_t received_ = 0;  // characters of the block, those overwritten included
   std::size_t blocks_ = 0;
   std::uint64_t completed_ = 0;
+  std::array<std::uint32_t, kSize + 1> completed_of_{};
   State state_ = State::idle;
 };
 

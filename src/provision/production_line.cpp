@@ -161,6 +161,8 @@ Task<bool> ProductionLine::Place::find_board() {
     if (opened.ok() && !line_.options_.watch) co_return true;
     const Look found = opened.ok() ? co_await look() : Look::silence;
     if (found != Look::silence) co_return true;
+    // Of a board that is gone again.
+    greeting_.clear();
     if (!line_.options_.watch) open_problem_ = opened.text;
     if (!line_.goes_on()) co_return false;
     waiting_for_ = opened.ok() || opened.error == OpenError::not_found ? "waiting for a board" : opened.text;
@@ -169,6 +171,8 @@ Task<bool> ProductionLine::Place::find_board() {
 }
 
 Task<ProductionLine::Place::Look> ProductionLine::Place::look() {
+  // Before the request, which begins by forgetting what is there.
+  if (const auto said = port_->link().reply().take_block(); said && is_greeting(*said)) greeting_ = *said;
   const auto reply = co_await port_->link().request(isp_read_request(kAnyRegister), line_.options_.timeout);
   if (!reply) co_return Look::silence;
   if (!is_greeting(*reply)) co_return Look::answer;
@@ -201,16 +205,14 @@ Task<> ProductionLine::Place::run_unit() {
 /// One that starts is another one, or was without power like one.
 Task<> ProductionLine::Place::wait_until_gone() {
   int silent = 0;
-  // A greeting may be gone behind the answer that follows it; it counts all the same.
-  ReplyBuffer& reply = port_->link().reply();
-  reply.forget();
-  std::uint64_t expected = reply.completed();
+  const ReplyBuffer& reply = port_->link().reply();
+  // Counted, for one may be gone behind the answer that follows it.
+  const std::uint32_t greetings = reply.completed_of(kGreetingDigits);
   while (!lost_ && port_->connected() && silent < kSilent && line_.goes_on()) {
     co_await Delay(line_.scheduler_, kAskEvery);
-    if (const auto said = reply.take_block(); said && is_greeting(*said)) greeting_ = *said;
     const Look found = co_await look();
-    if (found == Look::start || reply.completed() > ++expected) break;
-    silent = found == Look::answer ? 0 : silent + 1;
+    if (reply.completed_of(kGreetingDigits) != greetings) break;
+    silent = found == Look::silence ? silent + 1 : 0;
   }
   unit_.reset();
 }
@@ -270,7 +272,8 @@ std::string ProductionLine::next_unit() {
 /// No unit begins whose record might find no room.
 Task<bool> ProductionLine::may_begin() {
   if (interrupts_ > 0 || !record_trouble_.empty()) co_return false;
-  std::function<std::string()> keep = [&records = records_] { return records.keep_room(); };
+  // Its own: the line may be over before the work is.
+  std::function<std::string()> keep = [records = records_] { return records.keep_room(); };
   const std::string trouble = co_await background_.run<std::string>(std::move(keep));
   if (trouble.empty()) co_return true;
   if (record_trouble_.empty()) view_.trouble(trouble);
@@ -279,7 +282,7 @@ Task<bool> ProductionLine::may_begin() {
 }
 
 Task<> ProductionLine::record(const PlaceState& state, const UnitRecord& record) {
-  std::function<std::string()> append = [&records = records_, line = record_line(record, recipe_)] {
+  std::function<std::string()> append = [records = records_, line = record_line(record, recipe_)] {
     return records.append(line);
   };
   const std::string trouble = co_await background_.run<std::string>(std::move(append));

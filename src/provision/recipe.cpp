@@ -13,8 +13,8 @@ constexpr std::uintmax_t kLargestRecipe = 1u << 20;
 
 std::optional<RegDescription> read_description(RecipeTable& table) {
   if (!table.has("description")) return std::nullopt;
-  const std::filesystem::path path = table.path("description");
-  RegDescription description = RegDescription::load(path, path_text(path));
+  const RecipeFile file = table.read("description", RegDescription::kLargest);
+  RegDescription description = RegDescription::load(file.path, path_text(file.path));
   if (!description.problem.empty()) table.refuse("description", description.problem);
   return description;
 }
@@ -32,7 +32,7 @@ void read_steps(RecipeTable& table, const RegDescription* description, Recipe& r
   if (!steps || steps->empty() || !steps->is_array_of_tables()) table.refuse("step", "no [[step]] is there");
   for (const toml::node& element : *steps) {
     const std::string place = "step " + std::to_string(recipe.steps.size() + 1);
-    RecipeTable step(*element.as_table(), place, table.folder());
+    RecipeTable step(*element.as_table(), place, recipe);
     recipe.steps.push_back(read_step(step, description));
     check_order(step, recipe.steps);
   }
@@ -41,7 +41,7 @@ void read_steps(RecipeTable& table, const RegDescription* description, Recipe& r
 Recipe read_root(const toml::table& root, const std::filesystem::path& path) {
   Recipe recipe;
   recipe.path = path;
-  RecipeTable table(root, "", path.parent_path());
+  RecipeTable table(root, "", recipe);
   table.allow({"name", "records", "description", "step"});
   recipe.name = table.text("name", path_text(path.stem()));
   if (table.has("records")) recipe.records = table.path("records");

@@ -118,9 +118,8 @@ struct Recipe {
   std::string sha256;
   std::filesystem::path records;  ///< empty where the recipe names none
   std::vector<Step> steps;
-
-  /// The files that it names, in their order.
-  std::vector<const RecipeFile*> files() const;
+  std::map<std::string, std::string>
+      files;  ///< the SHA-256 of each file that was read, by its name in the recipe
 };
 
 /// What reading a recipe came to.

@@ -58,10 +58,7 @@ ImageStep read_image(RecipeTable& table, const RegDescription*) {
   return step;
 }
 
-std::vector<std::string> lines_of(const RecipeTable& table, const std::filesystem::path& path) {
-  std::string text;
-  const FileResult result = read_whole_file(path, text);
-  if (!result.ok()) table.refuse("list", result.text);
+std::vector<std::string> lines_of(const std::string& text) {
   std::vector<std::string> lines;
   for (std::size_t start = 0; start < text.size();) {
     const std::size_t end = std::min(text.find('\n', start), text.size());
@@ -94,8 +91,9 @@ void check_folder(const RecipeTable& table, std::string_view key, const std::fil
 SerialSource read_list(RecipeTable& table) {
   table.allow({"list", "entry"});
   SerialSource source;
-  source.list = table.path("list");
-  source.serials = lines_of(table, source.list);
+  const RecipeFile file = table.read("list", RecipeTable::kLargestFile);
+  source.list = file.path;
+  source.serials = lines_of(file.bytes);
   check_list(table, source.serials);
   source.state = source.list;
   source.state += ".used";
@@ -180,6 +178,8 @@ std::vector<ExpectedRegister> read_registers(RecipeTable& table, const char* key
     auto expected = RegisterExpectations::parse(file.bytes, description);
     if (!expected.problem.empty()) table.refuse("file", file.shown + ", " + expected.problem);
     registers = std::move(expected.registers);
+  } else if (table.has("sha256")) {
+    table.refuse("sha256", "no \"file\" is named that would have it");
   }
   if (auto below = table.table(key)) {
     if (below->keys().empty()) table.refuse(key, "is empty");

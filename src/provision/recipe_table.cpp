@@ -89,13 +89,19 @@ std::filesystem::path RecipeTable::path(std::string_view key) {
   return folder_ / path_of(text(key));
 }
 
-RecipeFile RecipeTable::file() {
+RecipeFile RecipeTable::read(std::string_view key, std::uintmax_t limit) {
   RecipeFile file;
-  file.shown = text("file");
-  file.path = path("file");
-  const FileResult result = read_whole_file(file.path, file.bytes);
-  if (!result.ok()) refuse("file", result.text);
+  file.shown = text(key);
+  file.path = path(key);
+  const FileResult result = read_whole_file(file.path, file.bytes, limit);
+  if (!result.ok()) refuse(key, result.text);
   file.sha256 = sha256(file.bytes);
+  recipe_.files[file.shown] = file.sha256;
+  return file;
+}
+
+RecipeFile RecipeTable::file() {
+  RecipeFile file = read("file", kLargestFile);
   std::string wanted = text("sha256", file.sha256);
   std::ranges::transform(wanted, wanted.begin(),
                          [](char c) { return c >= 'A' && c <= 'F' ? static_cast<char>(c + 32) : c; });
@@ -108,7 +114,7 @@ std::optional<RecipeTable> RecipeTable::table(std::string_view key) {
   if (!found) return std::nullopt;
   if (!found->is_table()) refuse(key, "is not a table");
   const std::string place = place_.empty() ? std::string(key) : place_ + ", " + std::string(key);
-  return RecipeTable(*found->as_table(), place, folder_);
+  return RecipeTable(*found->as_table(), place, recipe_);
 }
 
 std::vector<std::string> RecipeTable::keys() const {

@@ -42,12 +42,14 @@ struct RecipeProblem {
 /// A table of a recipe. What is wrong with a key of it is a RecipeProblem that names line and key.
 class RecipeTable {
  public:
-  /// `place` is what problems call the table, such as "step 3"; may be empty.
-  RecipeTable(const toml::table& table, std::string place, std::filesystem::path folder)
-      : table_(table), place_(std::move(place)), folder_(std::move(folder)) {}
+  /// `place` is what problems call the table, such as "step 3"; may be empty. `recipe`, which has its path,
+  /// gets the files that are read.
+  RecipeTable(const toml::table& table, std::string place, Recipe& recipe)
+      : table_(table), place_(std::move(place)), recipe_(recipe), folder_(recipe.path.parent_path()) {}
 
   using Keys = std::vector<std::string_view>;
   static constexpr double kLargest = 1e9;
+  static constexpr std::uintmax_t kLargestFile = 64u << 20;
 
   bool has(std::string_view key) const { return table_.contains(key); }
   /// Where relative paths begin.
@@ -63,6 +65,8 @@ class RecipeTable {
   std::vector<std::string> texts(std::string_view key);
   /// A path as it stands, against the recipe's folder.
   std::filesystem::path path(std::string_view key);
+  /// A file that is there, and what it holds.
+  RecipeFile read(std::string_view key, std::uintmax_t limit);
   /// The file of "file", held to "sha256" where that is given.
   RecipeFile file();
   /// A table below; nothing where there is none.
@@ -81,6 +85,7 @@ class RecipeTable {
 
   const toml::table& table_;
   std::string place_;
+  Recipe& recipe_;
   std::filesystem::path folder_;
 };
 

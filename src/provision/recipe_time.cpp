@@ -45,24 +45,10 @@ struct Time {
   milliseconds operator()(const FactoryCopyStep&) const { return kStart; }
 };
 
-struct Files {
-  std::vector<const RecipeFile*>& files;
-  void operator()(const ImageStep& step) const { files.push_back(&step.file); }
-  void operator()(const SettingsStep& step) const { files.push_back(&step.file); }
-  template <class Other>
-  void operator()(const Other&) const {}
-};
-
 }  // namespace
 
 milliseconds expected_time(const Step& step) {
   return step.wait_before + std::visit(Time(), step.work);
-}
-
-std::vector<const RecipeFile*> Recipe::files() const {
-  std::vector<const RecipeFile*> files;
-  for (const Step& step : steps) std::visit(Files{files}, step.work);
-  return files;
 }
 
 }  // namespace qv5123

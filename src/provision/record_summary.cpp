@@ -30,7 +30,7 @@ RecordSummary RecordSummary::of(const std::filesystem::path& path) {
   std::map<std::string, StepTime> steps;
   std::set<std::string> recorded;
   summary.not_records = for_each_record(path, [&](const RecordedUnit& unit) {
-    if (!recorded.insert(unit.unit).second) return;
+    if (unit.rehearsed || !recorded.insert(unit.unit).second) return;
     const bool passed = unit.verdict == "pass";
     const auto [seen, first] = units.try_emplace(unit.serial.empty() ? unit.unit : "serial " + unit.serial);
     if (first) seen->second.first_pass = passed && unit.retries == 0;

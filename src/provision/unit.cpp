@@ -23,12 +23,12 @@ constexpr milliseconds kLongestGreeting{1500};
 constexpr int kAskTries = 3;
 constexpr std::size_t kVersionDigits = 18;
 constexpr std::size_t kSerialDigits = 9;
-constexpr std::size_t kGreetingDigits = 2 * (kVersionDigits + kSerialDigits);
+static_assert(kGreetingDigits == 2 * (kVersionDigits + kSerialDigits));
 
 }  // namespace
 
 bool is_greeting(std::string_view block) {
-  return block.size() >= kGreetingDigits && all_hex_digits(block);
+  return block.size() == kGreetingDigits && all_hex_digits(block);
 }
 
 bool matches(std::string_view text, std::string_view pattern) {

@@ -105,7 +105,9 @@ class Unit {
   bool stopped_ = false;
 };
 
-/// Whether a reply block is what a chip that starts says of itself.
+/// The characters of the block in which a chip that starts tells its versions and its serial number.
+inline constexpr std::size_t kGreetingDigits = 54;
+/// Whether a reply block is that.
 bool is_greeting(std::string_view block);
 
 /// Whether the text is one of the pattern's: '*' stands for any text, '?' for a character.

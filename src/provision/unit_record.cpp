@@ -16,12 +16,6 @@ RecordJson json_of(const StepRecord& step) {
   return json;
 }
 
-RecordJson files_of(const Recipe& recipe) {
-  RecordJson files = RecordJson::object();
-  for (const RecipeFile* file : recipe.files()) files[file->shown] = file->sha256;
-  return files;
-}
-
 }  // namespace
 
 std::string UnitRecord::failed_step() const {
@@ -47,7 +41,7 @@ std::string record_line(const UnitRecord& record, const Recipe& recipe) {
   json["steps"] = steps;
   json["recipe"] = recipe.name;
   json["recipe_sha256"] = recipe.sha256;
-  json["files"] = files_of(recipe);
+  json["files"] = RecordJson(recipe.files);
   json["program"] = QV5123_VERSION;
   // What a chip says may be any bytes.
   return json.dump(-1, ' ', false, RecordJson::error_handler_t::replace);

@@ -59,6 +59,8 @@ TEST_F(RecipeTest, WhatIsWrongIsNamedWithLineAndKey) {
   EXPECT_EQ(problem("do = \"expect\"\nsw = \"1.2\""),
             "line 3, step 1, sw: \"1.2\" is not three numbers 0..99 such as \"2.3.7\"");
   EXPECT_EQ(problem("do = \"settings\"\nfile = \"fw.bin\"").substr(0, 28), "line 3, step 1, file: fw.bin");
+  EXPECT_EQ(problem("do = \"check\"\nsha256 = \"00\"\nregisters.\"0xF900\" = 1"),
+            "line 3, step 1, sha256: no \"file\" is named that would have it");
   EXPECT_EQ(problem("do = \"settings\"\nfile = \"lot.dat\"\nset.\"awb.a_slope\" = 900"),
             "line 4, step 1, set, awb.a_slope: 900 is beyond its range, it would count as 800");
   EXPECT_EQ(problem("do = \"settings\"\nfile = \"lot.dat\"\nset.awb = 1"),
@@ -105,6 +107,8 @@ TEST_F(RecipeTest, WhatWouldEndEveryUnitIsFoundBeforeTheFirst) {
   EXPECT_EQ(serial("{ counter = \"serials\", digits = 3, first = 1000 }"),
             "line 4, step 1, serial, first: 1000 has more than 3 digits");
   EXPECT_EQ(serial("{}"), "line 4, step 1, serial, counter: is missing");
+  EXPECT_EQ(serial("{ counter = \"serials\", digits = 4, entry = 1021 }"),
+            "line 4, step 1, serial, entry: its end lies beyond entry 1023");
   folder_.write("serials", "999\n");
   EXPECT_EQ(serial("{ counter = \"serials\", digits = 3 }"),
             "line 4, step 1, serial, counter: The serial numbers of 3 digits are used up");
@@ -134,7 +138,9 @@ TEST_F(RecipeTest, FilesAreReadAndSettingsChanged) {
   const ExpectedRegister& reg = std::get<CheckStep>(read.recipe.steps[1].work).registers.at(0);
   EXPECT_EQ(reg.address, 0xFA08);
   EXPECT_EQ(reg.mask, 0xF0);
-  EXPECT_EQ(read.recipe.files().at(0)->sha256, sha256(setting_text(UserDataImage())));
+  EXPECT_EQ(read.recipe.files,
+            (std::map<std::string, std::string>{{"lot.dat", sha256(setting_text(UserDataImage()))},
+                                                {"serials.txt", sha256("A1\r\nA2\n")}}));
 }
 
 }  // namespace
