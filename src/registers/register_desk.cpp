@@ -77,15 +77,15 @@ void RegisterDesk::say(const std::string& text) {
   messages_.spawn(host_.prompts().message(warning(text)));
 }
 
-void RegisterDesk::list_category(int category) {
+void RegisterDesk::list_category(int category, bool anew) {
   loader_.stop_category();
   read_.cancel();
-  sheet_.show_category(category);
+  sheet_.show_category(category, anew);
   view_.show_category();
 }
 
 void RegisterDesk::choose_category(int category) {
-  list_category(category);
+  list_category(category, true);
   view_.show_selection();
   show_current();
   if (sheet_.rows() > 0) read();
@@ -111,7 +111,7 @@ void RegisterDesk::choose_register(std::size_t reg) {
     select_row(entry.index_in_category);
     return view_.show_selection();
   }
-  list_category(entry.category);
+  list_category(entry.category, false);
   sheet_.select_row(entry.index_in_category);
   view_.show_selection();
   show_current();

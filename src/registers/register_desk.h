@@ -85,7 +85,7 @@ class RegisterDesk {
   Task<> offer_to_read_written();
   Task<> read_written();
   Task<> load_file_flow();
-  void list_category(int category);
+  void list_category(int category, bool anew);
   void show_current();
   void say(const std::string& text);
 

@@ -86,7 +86,7 @@ Task<> RegisterLoader::category_sequence() {
   co_await Delay(host_.scheduler(), kStep);
   for (std::size_t row = 0; row < sheet_.rows(); ++row, ++loaded_category_) {
     const std::size_t reg = sheet_.register_of(row);
-    const int address = sheet_.row_address(row);
+    const int address = sheet_.cell_address(sheet_.register_of(row));
     if (address < 1) {
       halt(kLoadCategory, reg, "\"Stop\" or choosing a category");
       co_return;

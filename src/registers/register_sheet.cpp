@@ -10,16 +10,14 @@ namespace qv5123 {
 
 void RegisterSheet::describe(RegDescription description) {
   description_ = std::move(description);
+  shown_.assign(description_.registers.size(), {});
   make_current(description_.registers.size(), -1);
 }
 
-void RegisterSheet::show_category(int category) {
+void RegisterSheet::show_category(int category, bool anew) {
   category_ = category;
   range_ = description_.registers_of(category);
-  value_cells_.assign(rows(), {});
-  for (std::size_t i = 0; i < rows(); ++i) {
-    if (row(i).value >= 0) value_cells_[i] = hex_text(row(i).value, 2);
-  }
+  for (std::size_t reg = range_.first; anew && reg < range_.last; ++reg) shown_[reg].reset();
   clear_data();
   if (rows() == 0) {
     make_current(description_.registers.size(), -1);
@@ -32,12 +30,17 @@ void RegisterSheet::show_category(int category) {
 
 std::u16string RegisterSheet::value_of(std::size_t reg) const {
   const RegEntry& entry = description_.registers[reg];
-  if (entry.category == category_) return value_cell(static_cast<std::size_t>(entry.index_in_category));
+  if (shown_[reg]) return *shown_[reg];
   return entry.value >= 0 ? hex_text(entry.value, 2) : std::u16string();
 }
 
-int RegisterSheet::row_address(std::size_t row) const {
-  return ParseRegAddress(std::u16string_view(this->row(row).address_text).substr(0, kAddressCell));
+int RegisterSheet::cell_address(std::size_t reg) const {
+  const std::u16string_view text = description_.registers[reg].address_text;
+  return ParseRegAddress(text.substr(0, kAddressCell));
+}
+
+void RegisterSheet::show_as(std::optional<std::u16string> text) {
+  if (current_ < shown_.size()) shown_[current_] = std::move(text);
 }
 
 void RegisterSheet::make_current(std::size_t reg, int row) {
@@ -74,7 +77,7 @@ bool RegisterSheet::type_address(std::u16string_view text) {
   bool taken_over = false;
   std::vector<int> matches;
   for (std::size_t i = 0; i < rows(); ++i) {
-    if (row_address(i) != address) continue;
+    if (cell_address(register_of(i)) != address) continue;
     matches.push_back(static_cast<int>(i));
     taken_over |= select_row(matches.back());
   }
@@ -110,17 +113,17 @@ void RegisterSheet::show_read(int value) {
   set_bits(value);
   if (current_ < description_.registers.size()) description_.registers[current_].know(value);
   show_data(value);
-  if (current_row_ >= 0) value_cells_[static_cast<std::size_t>(current_row_)] = value_text_;
+  show_as(std::nullopt);
 }
 
 void RegisterSheet::show_unread() {
   value_text_.clear();
   clear_data();
-  if (current_row_ >= 0) value_cells_[static_cast<std::size_t>(current_row_)].clear();
+  show_as(u"");
 }
 
 void RegisterSheet::show_written() {
-  if (current_row_ >= 0) value_cells_[static_cast<std::size_t>(current_row_)] = value_text_;
+  show_as(value_text_);
   show_data(ParseRegAddress(value_text_) & 0xFF);
   mark_written(ParseRegAddress(address_text_));
 }
@@ -133,16 +136,14 @@ void RegisterSheet::mark_written(int address) {
 }
 
 void RegisterSheet::store(std::size_t reg, int value) {
-  RegEntry& entry = description_.registers[reg];
-  entry.know(value);
-  if (entry.category == category_) {
-    value_cells_[static_cast<std::size_t>(entry.index_in_category)] = hex_text(value, 2);
-  }
+  description_.registers[reg].know(value);
+  shown_[reg].reset();
 }
 
 std::size_t RegisterSheet::apply(const RegisterFile& file) {
   const std::size_t matches = apply_register_file(file, description_);
   for (RegEntry& entry : description_.registers) entry.begin();
+  shown_.assign(shown_.size(), {});
   return matches;
 }
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,19 +28,20 @@ class RegisterSheet {
   void describe(RegDescription description);
   const RegDescription& description() const { return description_; }
 
-  /// Lists the registers of a category; its first one becomes the current register.
-  void show_category(int category);
+  /// Lists the registers of a category, with the values that are stored; its first one becomes the current
+  /// register. Without `anew` they show what they showed.
+  void show_category(int category, bool anew = true);
   /// -1 while the description has none.
   int category() const { return category_; }
 
   std::size_t rows() const { return range_.last - range_.first; }
   const RegEntry& row(std::size_t row) const { return description_.registers[range_.first + row]; }
   /// The "Value" cell, which after a write shows more than the register's stored value knows.
-  const std::u16string& value_cell(std::size_t row) const { return value_cells_[row]; }
-  /// The same for any register; of one that is not listed its stored value.
+  std::u16string value_cell(std::size_t row) const { return value_of(register_of(row)); }
+  /// The same for any register, listed or not.
   std::u16string value_of(std::size_t reg) const;
-  /// The number that a row's "Addr" cell stands for.
-  int row_address(std::size_t row) const;
+  /// The number that a register's "Addr" cell stands for.
+  int cell_address(std::size_t reg) const;
 
   /// The register in the address edit; the number of registers, meaning none, for an unknown address.
   std::size_t current() const { return current_; }
@@ -98,6 +100,8 @@ class RegisterSheet {
  private:
   void make_current(std::size_t reg, int row);
   void show_entry(const RegEntry& entry);
+  /// What the current register's cell shows from now on; nothing for its stored value.
+  void show_as(std::optional<std::u16string> text);
   void mark_written(int address);
   void clear_data() { data_.fill(" "); }
   void show_data(int value);
@@ -105,7 +109,7 @@ class RegisterSheet {
   RegDescription description_;
   int category_ = -1;
   RegDescription::Range range_;
-  std::vector<std::u16string> value_cells_;
+  std::vector<std::optional<std::u16string>> shown_;  ///< of each register, where it is not what is stored
   std::size_t current_ = 0;
   int current_row_ = -1;
   std::vector<int> selected_rows_;

@@ -91,6 +91,8 @@ CDlgIspRegister::CDlgIspRegister(PageHost& host, QWidget* parent)
     filter_->clear();
     desk_.choose_category(index);
   });
+  // Also the one that is shown already.
+  connect(category_, &QComboBox::activated, filter_, &RegisterFilterBar::clear);
   connect_edits();
   set_tab_order();
   list_->setFocus();

@@ -59,6 +59,7 @@ class CDlgIspRegister final : public QWidget, public Page, public Findable, priv
   void set_tab_order();
   void make_filter();
   void make_list();
+  std::vector<int> selected_registers() const;
   void make_columns();
   void make_field_table();
   void connect_edits();

@@ -5,6 +5,7 @@
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QTableView>
+#include <algorithm>
 
 #include "base/ui/page_marks.h"
 #include "registers/ui/dlg_isp_register.h"
@@ -27,7 +28,10 @@ void CDlgIspRegister::make_filter() {
   connect(filter_, &RegisterFilterBar::favourites_taken, this, &CDlgIspRegister::filter_list);
   connect(filter_, &RegisterFilterBar::list_wanted, this, &CDlgIspRegister::go_to_list);
   connect(filter_, &RegisterFilterBar::favourite_clicked, this, &CDlgIspRegister::mark_favourite);
-  connect(listed_, &QAbstractItemModel::rowsInserted, this, &CDlgIspRegister::show_count);
+  connect(listed_, &QAbstractItemModel::rowsInserted, this, [this] {
+    show_count();
+    if (!showing_selection_ && listed_->active()) show_selection();
+  });
 }
 
 void CDlgIspRegister::make_list() {
@@ -157,8 +161,7 @@ void CDlgIspRegister::show_category() {
   const QSignalBlocker blocker(category_);
   category_->setCurrentIndex(desk_.sheet().category());
   if (listed_->active()) {
-    // The rows stay; values that a write had changed are as they were read.
-    list_model_->values_changed();
+    list_model_->values_changed();  // the rows stay
   } else {
     listed_->take_category();
     list_anew();
@@ -177,14 +180,29 @@ void CDlgIspRegister::show_values() {
   listed_->look_again();
 }
 
+/// The rows that belong to the address in its edit, in the model's order.
+std::vector<int> CDlgIspRegister::selected_registers() const {
+  const RegisterSheet& sheet = desk_.sheet();
+  std::vector<int> registers;
+  if (!listed_->active()) {
+    for (const int row : sheet.selected_rows())
+      registers.push_back(static_cast<int>(sheet.register_of(static_cast<std::size_t>(row))));
+    return registers;
+  }
+  // The list has rows of all categories.
+  const int address = ParseRegAddress(sheet.address_text());
+  for (std::size_t reg = 0; reg < sheet.description().registers.size(); ++reg)
+    if (reg == sheet.current() || (sheet.selected_rows().size() != 1 && sheet.cell_address(reg) == address))
+      registers.push_back(static_cast<int>(reg));
+  return registers;
+}
+
 void CDlgIspRegister::show_selection() {
   const RegisterSheet& sheet = desk_.sheet();
-  const auto in_list = [this, &sheet](int row) {
-    return list_model_->index(static_cast<int>(sheet.register_of(static_cast<std::size_t>(row))), 0);
-  };
+  const auto in_list = [this](int reg) { return list_model_->index(reg, 0); };
   // Rows that stand together are one range: the selection's cost grows with the square of its ranges.
   QItemSelection rows;
-  const std::vector<int>& selected = sheet.selected_rows();
+  const std::vector<int> selected = selected_registers();
   for (std::size_t i = 0; i < selected.size();) {
     const int first = selected[i];
     int last = first;
@@ -195,8 +213,9 @@ void CDlgIspRegister::show_selection() {
   QItemSelectionModel* selection = list_->selectionModel();
   selection->select(listed_->mapSelectionFromSource(rows),
                     QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-  const QModelIndex current =
-      sheet.current_row() < 0 ? QModelIndex() : listed_->mapFromSource(in_list(sheet.current_row()));
+  const QModelIndex current = std::ranges::count(selected, static_cast<int>(sheet.current())) == 0
+                                  ? QModelIndex()
+                                  : listed_->mapFromSource(in_list(static_cast<int>(sheet.current())));
   selection->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
   if (current.isValid()) list_->scrollTo(current);
   showing_selection_ = false;

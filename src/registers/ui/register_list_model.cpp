@@ -39,9 +39,7 @@ QString RegisterListModel::text(int row, int column) const {
 
 QVariant RegisterListModel::sort_key(int row, int column) const {
   if (column == kNumber) return entry(row).index_in_category;
-  if (column == kAddress)
-    return ParseRegAddress(
-        std::u16string_view(entry(row).address_text).substr(0, RegisterSheet::kAddressCell));
+  if (column == kAddress) return sheet_.cell_address(static_cast<std::size_t>(row));
   if (column == kValue) return ParseRegAddress(sheet_.value_of(static_cast<std::size_t>(row)));
   return text(row, column).toLower();
 }

@@ -56,6 +56,9 @@ TEST_F(RegisterFilterTest, ListsWhatHasTheWordsInAllCategoriesAndReadsWhatIsChos
   find<QComboBox>("Category")->setCurrentIndex(1);
   EXPECT_EQ(names(), "K1 GAIN2") << "choosing a category ends the filter";
   EXPECT_EQ(find<QLineEdit>("Filter")->text(), "");
+  filtered("gain");
+  emit find<QComboBox>("Category")->activated(1);
+  EXPECT_EQ(names(), "K1 GAIN2") << "also the one that is shown";
 }
 
 TEST_F(RegisterFilterTest, TheKeyboardGoesFromTheFilterToTheList) {
@@ -77,8 +80,15 @@ TEST_F(RegisterFilterTest, ChangedSinceListsWhatIsWrittenMeanwhileAndKeepsItsRow
   EXPECT_EQ(names(), "");
   write("fa20", "12");
   EXPECT_EQ(names(), "K1");
+  EXPECT_TRUE(list()->selectionModel()->isRowSelected(0));
   write("f800", "77");
   EXPECT_EQ(names(), "MODE K1");
+  EXPECT_EQ(cell(0, 3) + cell(1, 3), "0x770x12") << "of whatever category";
+  click_row(1);
+  EXPECT_EQ(cell(0, 3), "0x77");
+  wire_.advance(300);
+  EXPECT_EQ(cell(1, 3), "0x07");
+  click_row(0);
   EXPECT_EQ(list()->model()->index(0, 3).data(Qt::ToolTipRole).toString(), "At first 0xA5");
   EXPECT_TRUE(list()->model()->index(0, 3).data(Qt::FontRole).value<QFont>().bold());
   click("Read");
