@@ -71,6 +71,16 @@ void AwbDesk::take_reading(std::size_t patch, const PerColour& colour) {
   view().show_values();
 }
 
+MeasuredColours AwbDesk::patches() const {
+  MeasuredColours patches{};
+  for (std::size_t i = 0; i < kColouredPatches; ++i) {
+    const PatchColour& colour = values_.patches[i];
+    const int parts[] = {colour.r, colour.g, colour.b};
+    for (std::size_t c = 0; c < 3; ++c) patches[i][c] = static_cast<std::uint32_t>(parts[c]);
+  }
+  return patches;
+}
+
 void AwbDesk::approach(std::size_t patch, PickerPosition place) {
   patch_ = patch;
   place_ = place;
@@ -100,6 +110,8 @@ Task<> AwbDesk::run_get_color() {
     presses_.pop_front();
     const bool done = co_await measure(measured_patch_);
     if (done) measured = measured_patch_;
+    // The rest of the chart follows by itself.
+    if (done && run_.stopped_at(measured_patch_)) presses_.clear();
   }
   if (!measured || !run_.stopped_at(*measured)) co_return;
   if (const auto places = patch_places(board_->latest_corners()))
@@ -119,18 +131,10 @@ Task<bool> AwbDesk::measure(std::size_t patch) {
   co_return measured;
 }
 
-/// Nobody moves the cursor or asks the chip meanwhile. A register that does not answer is -1.
-Task<PerColour> AwbDesk::read_colour() {
-  const CommandLink::Turn turn = co_await link().turn();
-  PerColour colour{};
-  for (std::size_t part = 0; part < colour.size(); ++part)
-    colour[part] = co_await link().wide_read(kAwbColourRegisters[part], turn);
-  co_return colour;
-}
-
 /// The patch changes only when the chip answered for all three colours.
 Task<bool> AwbDesk::read(std::size_t patch) {
-  const PerColour colour = co_await read_colour();
+  IspBytes where_it_is;
+  const PerColour colour = co_await read_picker_at(link(), std::move(where_it_is), kAwbColourRegisters);
   const auto missing = std::find(colour.begin(), colour.end(), -1);
   if (missing != colour.end()) {
     const int address = kAwbColourRegisters[static_cast<std::size_t>(missing - colour.begin())];

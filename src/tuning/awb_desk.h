@@ -61,13 +61,14 @@ class AwbDesk final : public PageDesk<AwbPage>, private MeasuredChart {
  private:
   FullSave make_save() override { return {awb_full_save(values_), {}, {}, {}}; }
   void limit(const std::vector<std::size_t>& fields) override;
+  void values_loaded() override { run_.values_replaced(); }
   Task<> run_get_color();
   Task<bool> measure(std::size_t patch);
   Task<bool> read(std::size_t patch);
-  Task<PerColour> read_colour();
   Task<> run_all(std::array<PickerPosition, kPatches> places, std::size_t first);
   void approach(std::size_t patch, PickerPosition place) override;
   const MeasuredColours& readings() const override { return seen_; }
+  MeasuredColours patches() const override;
   void take_reading(std::size_t patch, const PerColour& colour) override;
   std::string reading_text(std::size_t patch) const override;
   void picker_switched();

@@ -49,6 +49,7 @@ void ChartMeasurement::stop_at(std::size_t patch) {
   // Switching the picker off and on again ends the run.
   if (!picker_.chip_was_away()) {
     stopped_at_ = patch;
+    left_ = chart_.patches();
     text += " GET COLOR measures it anew, and the rest follows.";
   }
   host_.show_failure(text);

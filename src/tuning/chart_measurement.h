@@ -17,6 +17,8 @@ class MeasuredChart {
   virtual void approach(std::size_t patch, PickerPosition place) = 0;
   /// What was read since the run has begun, or stood there before: the order of brightness goes by it.
   virtual const MeasuredColours& readings() const = 0;
+  /// The patches as the page has them.
+  virtual MeasuredColours patches() const = 0;
   virtual void take_reading(std::size_t patch, const PerColour& colour) = 0;
   /// "Dark skin is 40, 23, 18".
   virtual std::string reading_text(std::size_t patch) const = 0;
@@ -51,6 +53,10 @@ class ChartMeasurement {
   bool stopped_at(std::size_t patch) const { return stopped_at_ == patch && picker_.on(); }
   /// What is measured from now on is another chart.
   void forget() { stopped_at_.reset(); }
+  /// The page's values are others: with other patches than those that the run has left it cannot go on.
+  void values_replaced() {
+    if (chart_.patches() != left_) forget();
+  }
   /// Why the last run has stopped by itself; empty where it has not.
   const std::string& complaint() const { return complaint_; }
 
@@ -65,6 +71,7 @@ class ChartMeasurement {
   bool running_ = false;
   bool stopped_ = false;
   std::optional<std::size_t> stopped_at_;
+  MeasuredColours left_{};  ///< the patches as it stopped there
   std::string complaint_;
 };
 

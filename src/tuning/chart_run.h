@@ -28,8 +28,6 @@ struct SteadyReading {
   PerColour colour{};  ///< -1 where the chip did not answer
   bool steady = true;  ///< no colour differs by more than an eighth of itself, or by 6 counts
 };
-inline constexpr std::array<int, 3> kPickerColourRegisters{picker_register::kRed, picker_register::kGreen,
-                                                           picker_register::kBlue};
 /// Brings the cursor there with one flush and reads as fast as the chip answers: about 0.7 s at 19200 baud.
 /// Nobody moves the cursor or asks the chip meanwhile. `registers` are those of red, green and blue.
 Task<SteadyReading> read_steadily(CommandLink& link, PickerPosition place,

@@ -57,7 +57,7 @@ std::vector<Target> targets_of(const ExposedPatches& patches, const ColorFitOpti
   return targets;
 }
 
-/// What the square of a coefficient's way from plain least squares costs. It holds the fit back from
+/// What the square of a coefficient's way from what "Calculate" finds costs. It holds the fit back from
 /// following single patches, dark ones above all, whose counts are few: with it patches left out come closer
 /// as well.
 constexpr double kPull = 16;
@@ -65,8 +65,8 @@ constexpr double kPull = 16;
 /// What is minimised.
 class Cost {
  public:
-  Cost(std::vector<Target> to_hit, const ColorFitOptions& options, const Codes& held_to)
-      : noise_limit(options.noise_limit / 100.0), targets(std::move(to_hit)), plain(held_to) {}
+  Cost(std::vector<Target> to_hit, const ColorFitOptions& options, const Codes& calculated)
+      : noise_limit(options.noise_limit / 100.0), targets(std::move(to_hit)), held_to(calculated) {}
 
   double operator()(const Codes& codes) const {
     const Coefficients matrix = matrix_of(codes);
@@ -75,7 +75,7 @@ class Cost {
       cost += target.weight * ciede2000(target.look, lab_of(through_matrix(matrix, target.measured)));
     for (const auto& row : matrix) cost += kTooNoisy * std::max(0.0, noise_gain(row) - noise_limit);
     for (std::size_t i = 0; i < kUnknowns; ++i) {
-      const double away = static_cast<double>(codes[i] - plain[i]) / kOne;
+      const double away = static_cast<double>(codes[i] - held_to[i]) / kOne;
       cost += kLaziness * std::abs(codes[i]) + kPull * away * away;
     }
     return cost;
@@ -83,7 +83,7 @@ class Cost {
 
   const double noise_limit;
   const std::vector<Target> targets;
-  const Codes plain;  ///< least squares
+  const Codes held_to;
 };
 
 /// Off-diagonal coefficients where codes would be too coarse to differentiate.
@@ -143,7 +143,7 @@ Point newton_step(const Cost& cost, const Point& point) {
     // The reweighted squares stand for twice the differences.
     std::array<double, kUnknowns> held{};
     held[i] = std::sqrt(2 * kPull);
-    squares.add(held, held[i] * (static_cast<double>(cost.plain[i]) / kOne - point[i]));
+    squares.add(held, held[i] * (static_cast<double>(cost.held_to[i]) / kOne - point[i]));
   }
   for (std::size_t r = 0; r < kMatrixRows; ++r) {
     const Gain gain = gain_of(point[2 * r], point[2 * r + 1]);

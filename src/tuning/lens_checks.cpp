@@ -111,8 +111,6 @@ std::vector<std::string> lens_warnings(const LensCalibration& calibration) {
   return warnings;
 }
 
-static_assert(kFieldPlaces == kFieldColumns * kFieldRows);
-
 std::vector<PickerPosition> field_positions(int screen_index) {
   const int width = lens_line_width(screen_index);
   const int height = width * 9 / 16;

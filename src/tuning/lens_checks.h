@@ -26,7 +26,7 @@ std::vector<std::string> lens_warnings(const LensCalibration& calibration);
 /// Where "Check field" measures: 9 across, 5 down, row by row.
 inline constexpr int kFieldColumns = 9;
 inline constexpr int kFieldRows = 5;
-inline constexpr std::size_t kFieldPlaces = 45;
+inline constexpr std::size_t kFieldPlaces = static_cast<std::size_t>(kFieldColumns) * kFieldRows;
 std::vector<PickerPosition> field_positions(int screen_index);
 /// What the picker said there, in their order.
 using LensField = std::vector<PerColour>;

@@ -68,6 +68,8 @@ void LensDesk::send_row(LensControl row) {
 void LensDesk::move_ratio(int ratio) {
   const Changing change(*this, DeskChange::Kind::typed, "Correction Ratio");
   values_.ratio = ratio;
+  // What was found is on its way, and is sent once more with this ratio.
+  if (found_) recompute_lens(*found_, values_);
   // A sweep under way takes the ratio when it gets there.
   if (!values_.calibrated || calibrating()) return;
   lens_view_->clear_log();
@@ -127,6 +129,7 @@ Task<LensDecision> LensDesk::take_found(Prompts& prompts, const LensCalibration&
   LensCalibration taken = found;
   taken.first_alone = decision == LensDecision::send_first_alone;
   recompute_lens(taken, values_);
+  found_ = std::move(taken);
   co_return decision;
 }
 
@@ -228,6 +231,7 @@ void LensDesk::take_sample(const LensSample& sample, std::size_t of) {
 
 void LensDesk::finish(LensCalibrationResult result) {
   const int width = calibration_.width;
+  found_.reset();
   calibration_ = std::move(result.calibration);
   calibration_.width = width;
   if (result.end == CalibrationEnd::done) declined_ = false;

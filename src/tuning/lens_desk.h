@@ -78,7 +78,8 @@ class LensDesk final : public PageDesk<LensPage> {
   std::shared_ptr<MeasuringBoard> board_;
   PickerDesk picker_;
   LensCalibration calibration_;
-  bool declined_ = false;  ///< the parameters of calibration_ were not to be sent
+  std::optional<LensCalibration> found_;  ///< while its parameters leave
+  bool declined_ = false;                 ///< the parameters of calibration_ were not to be sent
   Flow calibrating_;
   LensField field_;
   bool stop_checking_ = false;

@@ -60,9 +60,8 @@ void MatrixDesk::choose_mode(int mode) {
 
 void MatrixDesk::values_loaded() {
   typed_codes_ = {};
-  if (fitted_to_ == values_.measured) return;
-  forget_fits();
-  run_.forget();
+  run_.values_replaced();
+  if (fitted_to_ != values_.measured) forget_fits();
 }
 
 void MatrixDesk::show_matrix_in_force() {

@@ -133,6 +133,7 @@ class MatrixDesk final : public PageDesk<MatrixPage>, private MeasuredChart {
   Task<> run_all(std::array<PickerPosition, kPatches> places, std::size_t first);
   void approach(std::size_t patch, PickerPosition place) override;
   const MeasuredColours& readings() const override { return values_.measured; }
+  MeasuredColours patches() const override { return values_.measured; }
   void take_reading(std::size_t patch, const PerColour& colour) override;
   std::string reading_text(std::size_t patch) const override;
   Task<> run_color_fit(PageHost& worker);

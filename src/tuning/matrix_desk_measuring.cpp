@@ -41,7 +41,8 @@ Task<> MatrixDesk::run_get_color() {
     presses_.pop_front();
     const bool done = co_await measure_patch(patch);
     if (done) measured = patch;
-    if (picker_.chip_was_away()) presses_.clear();
+    // The rest of the chart follows by itself.
+    if (done && run_.stopped_at(patch)) presses_.clear();
   }
   if (!measured || !run_.stopped_at(*measured)) co_return;
   if (const auto places = patch_places(corners())) running_all_.start(run_all(*places, *measured + 1));
@@ -51,9 +52,11 @@ Task<> MatrixDesk::run_get_color() {
 Task<bool> MatrixDesk::measure_patch(std::size_t patch) {
   measured_patch_ = patch;
   const bool arrived = co_await picker_.arrive();
-  if (!arrived) presses_.clear();
   if (picker_.chip_was_away()) host().show_failure("GET COLOR: " + std::string(kPickerChipWasAway));
-  if (!arrived || picker_.chip_was_away()) co_return false;
+  if (!arrived || picker_.chip_was_away()) {
+    presses_.clear();
+    co_return false;
+  }
   picker_.set_measuring(true);
   const MeasuredColour former = values_.measured[patch];
   const GotColor got = co_await get_patch_color(link(), values_, patch);

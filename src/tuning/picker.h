@@ -31,6 +31,9 @@ inline constexpr int kGreen = 0xC3E;
 inline constexpr int kBlue = 0xC3F;
 }  // namespace picker_register
 
+inline constexpr std::array<int, 3> kPickerColourRegisters{picker_register::kRed, picker_register::kGreen,
+                                                           picker_register::kBlue};
+
 /// Where the cursor is: x 0..2303, y 0..1535.
 struct PickerPosition {
   int x = 960;

@@ -26,13 +26,11 @@ Task<PerColour> read_picker(CommandLink& link) {
   co_return co_await read_picker_at(link, std::move(where_it_is));
 }
 
-Task<PerColour> read_picker_at(CommandLink& link, IspBytes position) {
+Task<PerColour> read_picker_at(CommandLink& link, IspBytes position, std::array<int, 3> registers) {
   const CommandLink::Turn turn = co_await link.turn();
   co_await write_isp_bytes(link, std::move(position));
   PerColour colour{};
-  colour[0] = co_await link.wide_read(picker_register::kRed, turn);
-  colour[1] = co_await link.wide_read(picker_register::kGreen, turn);
-  colour[2] = co_await link.wide_read(picker_register::kBlue, turn);
+  for (std::size_t c = 0; c < colour.size(); ++c) colour[c] = co_await link.wide_read(registers[c], turn);
   co_return colour;
 }
 

@@ -17,8 +17,9 @@ Task<bool> move_picker(CommandLink& link, IspBytes position);
 /// What the chip measures around the cursor, 0..255 each; -1 where it did not answer. Nobody moves the cursor
 /// meanwhile.
 Task<PerColour> read_picker(CommandLink& link);
-/// The same once the cursor was brought to `position`.
-Task<PerColour> read_picker_at(CommandLink& link, IspBytes position);
+/// The same once the cursor was brought to `position`. `registers` are those of red, green and blue.
+Task<PerColour> read_picker_at(CommandLink& link, IspBytes position,
+                               std::array<int, 3> registers = kPickerColourRegisters);
 
 /// What a register holds of which only some bits are to change, asked for twice if need be; -1 without any
 /// answer.

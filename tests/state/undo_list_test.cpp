@@ -143,6 +143,7 @@ class UndoOfMeasurementsTest : public UndoListTest {
   UndoOfMeasurementsTest() {
     fake_.sender.chip = [this](const std::string& bytes) { fake_.receive(test::ask(chip_, bytes)); };
     matrix_.watch(states_);
+    awb_.watch(states_);
   }
   void aim(const char* scene) {
     CameraTruth truth;
@@ -173,7 +174,9 @@ class UndoOfMeasurementsTest : public UndoListTest {
   }
 
   test::ListeningChip chip_;
-  MatrixDesk matrix_{host_, image()};
+  std::shared_ptr<MeasuringBoard> board_ = std::make_shared<MeasuringBoard>();
+  MatrixDesk matrix_{host_, image(), board_};
+  AwbDesk awb_{host_, image(), board_};
 };
 
 TEST_F(UndoOfMeasurementsTest, ACalibrationTakenBackIsTakenBackOnTheChip) {
@@ -200,6 +203,22 @@ TEST_F(UndoOfMeasurementsTest, ACalibrationTakenBackIsTakenBackOnTheChip) {
   EXPECT_FALSE(lens_.values().calibrated) << "the ratio would bring what was declined";
 }
 
+TEST_F(UndoOfMeasurementsTest, ARatioMovedWhileTheParametersLeaveIsAStepOfItsOwn) {
+  aim("flat-cos4");
+  host_.user.answers = {Answer::yes};
+  lens_.picker().click_switch(true);
+  wire(5000);
+  lens_.start_calibration(host_.user);
+  for (int i = 0; i < 6000 && red1() == 0; ++i) wire(10);
+  const int whole = red1();
+  lens_.move_ratio(50);
+  wire(5000);
+  EXPECT_NEAR(red1(), whole / 2, 1);
+  undo();
+  EXPECT_EQ(red1(), whole);
+  EXPECT_THAT(wire(0), testing::StartsWith("@64"));
+}
+
 TEST_F(UndoOfMeasurementsTest, AChartIsOneStepThatTakesItsFitsAlong) {
   aim("chart");
   measure_chart();
@@ -213,6 +232,14 @@ TEST_F(UndoOfMeasurementsTest, AChartIsOneStepThatTakesItsFitsAlong) {
   EXPECT_FALSE(matrix_.fits().calculated);
   redo();
   EXPECT_NE(matrix_.values().measured[23], MeasuredColour{});
+
+  awb_.measure_all();
+  wire(30'000);
+  EXPECT_GT(awb_.values().patches[17].g, 0);
+  EXPECT_EQ(undo_.next_undo(), "Measure 18");
+  undo();
+  EXPECT_EQ(awb_.values().patches[0].g, 0);
+  EXPECT_EQ(awb_.values().patches[17].g, 0);
 }
 
 TEST_F(UndoListTest, LostPortAndClosedPage) {
@@ -273,7 +300,7 @@ TEST_F(UndoListTest, ALoadedFileIsAStepBetweenOthersAndSendsNothing) {
   undo();
   EXPECT_EQ(red1(), 77);
   undo();
-  EXPECT_EQ(said_.back(), "Undone: " + undo_.next_redo());
+  EXPECT_EQ(said_.back(), "Undone: Load <- File");
   EXPECT_EQ(red1(), 0x11);
   EXPECT_EQ(gamma_.values().curves[0][0], 0);
   undo();

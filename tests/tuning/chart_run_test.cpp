@@ -112,14 +112,17 @@ TEST_F(MatrixDeskOnAChip, StopsAtADoubtfulPatchAndGoesOnOnceItIsMeasuredAnew) {
   desk_.get_color();
   wire(3000);
   EXPECT_GT(desk_.values().patch, at) << "the rest follows";
+  wire(20'000);
 
   const auto ended_by = [this](const auto& something) {
     desk_.measure_all();
     wire(20'000);
+    EXPECT_THAT(host_.last_status(), HasSubstr("Measure all 24 stopped. "));
     something();
     const std::size_t stopped_at = desk_.values().patch;
     desk_.get_color();
     wire(5000);
+    EXPECT_THAT(host_.last_status(), testing::StartsWith("GET COLOR: "));
     return desk_.values().patch == stopped_at;
   };
   EXPECT_TRUE(ended_by([this] { desk_.clear(); }));
@@ -153,6 +156,7 @@ TEST_F(MatrixDeskOnAChip, TwoReadingsAtOnceDoNotMix) {
   };
   const std::vector<PerColour> both = read({5, 14});
   const PerColour first = read({5})[0], second = read({14})[0];
+  ASSERT_GT(std::abs(first[0] - second[0]), 12);
   for (std::size_t c = 0; c < 3; ++c) {
     EXPECT_NEAR(both[0][c], first[c], 6) << c;
     EXPECT_NEAR(both[1][c], second[c], 6) << c;

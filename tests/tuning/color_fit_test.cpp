@@ -28,8 +28,10 @@ TEST(ColorFit, IsCloserThanCalculateAlsoOnPatchesThatItHasNotSeen) {
         "chart-bright", "chart-dark", "chart-turned-metameric-flare-warm-cos4"}) {
     const MeasuredColours measured = test::chart_readings(scene);
     const ExposedPatches patches = *exact_patches(measured);
-    EXPECT_LT(mean_difference(patches, color_difference(measured, patches)),
-              mean_difference(patches, calculated(measured, patches)))
+    const Coefficients fitted = color_difference(measured, patches);
+    EXPECT_EQ(fitted, as_registers_hold(fitted)) << "whole codes";
+    for (const auto& row : fitted) EXPECT_EQ(row[0] + row[1] + row[2], 1) << scene;
+    EXPECT_LT(mean_difference(patches, fitted), mean_difference(patches, calculated(measured, patches)))
         << scene;
     EXPECT_LT(mean_left_out(measured, color_difference), mean_left_out(measured, calculated)) << scene;
   }

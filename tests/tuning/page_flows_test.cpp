@@ -104,6 +104,15 @@ TEST_F(SaveOnChip, APortThatFailsOrCutsAWriteShortIsNoSuccess) {
   EXPECT_EQ(host.busy.back(), false);
 }
 
+TEST_F(SaveOnChip, WhatIsStillOnItsWayIsToldToNobodyOnceTheFlowIsOver) {
+  wire.advance(60);
+  const std::size_t told = host.progress.size();
+  flow.cancel();
+  wire.advance(5000);
+  EXPECT_GT(wire.sender.writes.size(), 1u);
+  EXPECT_EQ(host.progress.size(), told);
+}
+
 TEST_F(SaveOnChip, AChipThatGoesWhileItStoresIsNoSuccess) {
   wire.advance(1000);
   wire.link.connection_changed();

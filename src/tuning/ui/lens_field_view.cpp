@@ -60,10 +60,7 @@ void LensFieldView::paintEvent(QPaintEvent*) {
   const double third = width() / 3.0;
   for (std::size_t c = 0; c < kNames.size(); ++c)
     paint_colour(painter, QRectF(static_cast<double>(c) * third, 0, third - 6, height()), c);
-  if (!hasFocus()) return;
-  painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(palette().color(QPalette::WindowText), 1, Qt::DashLine));
-  painter.drawRect(rect().adjusted(0, 0, -1, -1));
+  if (hasFocus()) paint_focus(painter, rect().adjusted(0, 0, -1, -1), palette().color(QPalette::WindowText));
 }
 
 void LensFieldView::paint_colour(QPainter& painter, const QRectF& area, std::size_t colour) const {

@@ -84,17 +84,21 @@ TEST_F(FrontPage, ControlsStoreAndSend) {
   EXPECT_EQ(user_.number("LED Dimmer"), 88);
   user_.click("Polarity -");
   EXPECT_EQ(user_.find<QAbstractButton>("Polarity +")->text(), "");
+  int number = 0x1234;
   for (const char* clamp : {"R(0~4095)", "GR(0~4095)", "GB(0~4095)", "B(0~4095)"}) {
-    user_.type(clamp, 0x1234);
+    user_.type(clamp, std::exchange(number, number + 0x111));
     user_.click(QString(clamp) + " S");
   }
   user_.choose("WDR State", 1);
-  EXPECT_EQ(wire(), "@8d58*@aa00*@7812*@7834*@7912*@7934*@7a12*@7a34*@7b12*@7b34*@8901*");
+  EXPECT_EQ(wire(), "@8d58*@aa00*@7812*@7834*@7913*@7945*@7a14*@7a56*@7b15*@7b67*@8901*");
   UserDataImage stored;
   for (const auto& [entry, value] : std::map<std::size_t, int>{
            {454, 15}, {456, 1}, {457, 5}, {458, 5}, {462, 1}, {464, 6}, {549, 1}, {582, 88}})
     stored.set_entry(entry, value);
-  for (const std::size_t clamp : {465, 467, 469, 471}) stored.set_word(clamp, 0x1234);
+  stored.set_word(465, 0x1234);
+  stored.set_word(467, 0x1345);
+  stored.set_word(469, 0x1456);
+  stored.set_word(471, 0x1567);
   EXPECT_EQ(host_.doc.user_data, stored);
   EXPECT_EQ(host_.user_data_writes, 0);
 }
