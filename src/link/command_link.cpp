@@ -37,15 +37,12 @@ CommandLink::~CommandLink() {
 }
 
 Pending<JobResult> CommandLink::send(Batch batch) {
-  Job job;
-  job.chunks.push_back(chunk_of(std::move(batch)));
-  return send(std::move(job));
+  return send(noted_job({std::move(batch)}, {}));
 }
 
 Pending<JobResult> CommandLink::send(Traffic traffic, std::function<void(std::size_t)> on_progress) {
-  Job job;
+  Job job = noted_job(std::move(traffic), {});
   job.on_progress = std::move(on_progress);
-  for (Batch& batch : traffic) job.chunks.push_back(chunk_of(std::move(batch)));
   return send(std::move(job));
 }
 
@@ -360,7 +357,7 @@ Task<int> CommandLink::wide_read(int address, const Turn&) {
   co_await Delay(scheduler_, kWideWait);
   // On a line where answers take longer than that.
   if (reply_.index() < 2) {
-    const auto usual = health_.median().value_or(std::chrono::milliseconds(0));
+    const auto usual = health_.latency().value_or(std::chrono::milliseconds(0));
     const auto longest = std::min(2 * usual, LateAnswers::kLongest);
     if (longest > kWideWait) co_await block_complete(longest - kWideWait);
   }

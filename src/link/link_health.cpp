@@ -62,8 +62,9 @@ void LinkHealth::answered(LateAnswers::Answer answer, std::size_t digits, bool d
   if (answer.kind != Kind::own || damaged) return;
   round_trips_.add(answer.took);
   worst_ = std::max(answer.took, worst_.value_or(answer.took));
-  if (digits > kLongestShortReply) return;
-  idle_.add(std::max(Time(0), answer.took - on_the_line(asked_bytes_ + digits + kBlockEnds)));
+  const Time latency = std::max(Time(0), answer.took - on_the_line(asked_bytes_ + digits + kBlockEnds));
+  latencies_.add(latency);
+  if (digits <= kLongestShortReply) idle_.add(latency);
 }
 
 std::optional<LinkHealth::Time> LinkHealth::idle() const {

@@ -52,6 +52,9 @@ class LinkHealth {
   std::optional<Time> median() const { return round_trips_.median(); }
   /// Of all.
   std::optional<Time> worst() const { return worst_; }
+  /// The median of what the last kKept replies took beyond the time of their bits on the line, and those of
+  /// their requests: what a chip and its adapters need to answer. Nothing before the first.
+  std::optional<Time> latency() const { return latencies_.median(); }
   /// The median of what short replies take beyond the time of their bits on the line; nothing while there are
   /// fewer than kFewest.
   std::optional<Time> idle() const;
@@ -75,6 +78,7 @@ class LinkHealth {
   LinkCounts counts_;
   std::size_t asked_bytes_ = 0;
   Samples round_trips_;
+  Samples latencies_;
   Samples idle_;
   std::optional<Time> worst_;
 };

@@ -62,6 +62,35 @@ Task<> read_wide(CommandLink& link, int& value) {
   value = co_await link.wide_read(0x922);
 }
 
+/// After one request was answered with so many digits after so long a time.
+struct KnownLine {
+  KnownLine(int took, std::size_t digits) {
+    const Flow flow(request(wire.link, {{0x69, 0}}, answers));
+    wire.advance(50 + took);
+    wire.receive("~" + std::string(digits, '1') + "^");
+    wire.advance(400);
+  }
+  /// What a register's answer comes to that takes so long; 0 never comes.
+  int read(int took) {
+    int value = -2;
+    const Flow flow(read_wide(wire.link, value));
+    wire.advance(50 + took);
+    if (took > 0) wire.receive("~5a^");
+    wire.advance(10);
+    return value;
+  }
+  FakeWire wire;
+  std::vector<std::string> answers;
+};
+
+TEST(CommandLink, ARegisterIsWaitedForAsLongAsTheLineTakesAndNoLonger) {
+  EXPECT_EQ(KnownLine(5, 2).read(40), -2);
+  EXPECT_EQ(KnownLine(5, 2).read(60), -1) << "too late";
+  EXPECT_EQ(KnownLine(150, 2).read(150), 0x5A);
+  EXPECT_EQ(KnownLine(150, 2).read(310), -1);
+  EXPECT_EQ(KnownLine(50, 486).read(60), -1) << "it was long, and not late";
+}
+
 TEST(CommandLink, ARequestGoesOnAsSoonAsItsReplyIsComplete) {
   FakeWire wire;
   std::vector<std::string> answers;
