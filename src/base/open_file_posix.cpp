@@ -53,7 +53,11 @@ bool OpenFile::read(std::int64_t at, char* bytes, std::size_t count) {
   while (count > 0) {
     const ssize_t taken = ::pread(static_cast<int>(handle_), bytes, count, at);
     if (taken < 0 && errno == EINTR) continue;
-    if (taken <= 0) return failed();
+    if (taken < 0) return failed();
+    if (taken == 0) {
+      error_ = "somebody cut it meanwhile";
+      return false;
+    }
     bytes += taken;
     count -= static_cast<std::size_t>(taken);
     at += taken;

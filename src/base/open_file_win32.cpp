@@ -54,7 +54,11 @@ bool OpenFile::read(std::int64_t at, char* bytes, std::size_t count) {
   if (!go_to(file, at)) return failed();
   while (count > 0) {
     DWORD taken = 0;
-    if (!ReadFile(file, bytes, static_cast<DWORD>(count), &taken, nullptr) || taken == 0) return failed();
+    if (!ReadFile(file, bytes, static_cast<DWORD>(count), &taken, nullptr)) return failed();
+    if (taken == 0) {
+      error_ = "somebody cut it meanwhile";
+      return false;
+    }
     bytes += taken;
     count -= taken;
   }

@@ -199,8 +199,7 @@ Task<PageResult> verify(Chip& chip, TuningDesk& desk, int repairs, Json json) {
   result.text = differences_text(desk.model(), found, json["differences"]);
   result.json = std::move(json);
   result.negative = found.end == Verification::End::differs;
-  if (!result.negative)
-    chip.out().remark(name + ": " + std::to_string(found.reported) + " values read back agree\n");
+  if (!result.negative) chip.out().remark(name + ": " + read_back_text(found.reported));
   say_not_compared(chip.out(), desk.model());
   co_return result;
 }

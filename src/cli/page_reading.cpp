@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+#include "base/text.h"
 #include "tuning/tuning_pages.h"
 
 namespace qv5123 {
@@ -14,6 +15,10 @@ std::vector<std::string> pages_named(const std::vector<std::string>& names) {
     pages.push_back(name);
   }
   return pages;
+}
+
+std::string read_back_text(std::size_t values) {
+  return counted(values, "value") + (values == 1 ? " read back agrees\n" : " read back agree\n");
 }
 
 Task<std::string> read_page(Chip& chip, TuningModel& page) {

@@ -247,7 +247,7 @@ Task<ExitCode> verify(Chip& chip, const Assigned& assigned, Json json) {
   chip.out().result(json, result.text);
   if (silent > 0) chip.out().remark(counted(silent, "value") + " not reported by the chip\n");
   if (!result.differences.empty()) co_return ExitCode::negative;
-  chip.out().remark(std::to_string(result.compared) + " values read back agree\n");
+  chip.out().remark(read_back_text(result.compared));
   co_return ExitCode::done;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
+#include <optional>
 
 namespace qv5123 {
 namespace {
@@ -41,16 +42,17 @@ bool take_word(std::string_view& text) {
   return word == "v" || word == "ver" || word == "version";
 }
 
-bool names_version(std::string_view text) {
+/// Where the text names a version.
+std::optional<std::size_t> version_at(std::string_view text) {
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (!is_letter(text[at]) || (at > 0 && is_letter(text[at - 1]))) continue;
     std::string_view rest = text.substr(at);
     if (!take_word(rest)) continue;
     for (int marks = 0; marks < kMostMarks && !rest.empty() && is_mark(rest[0]); ++marks)
       rest.remove_prefix(1);
-    if (begins_with_number(rest)) return true;
+    if (begins_with_number(rest)) return at;
   }
-  return false;
+  return std::nullopt;
 }
 
 std::string trimmed(std::string_view text) {
@@ -64,7 +66,9 @@ std::string trimmed(std::string_view text) {
 std::string version_in_image(std::string_view bytes) {
   while (!bytes.empty()) {
     const auto end = static_cast<std::size_t>(std::ranges::find_if_not(bytes, is_printable) - bytes.begin());
-    if (names_version(bytes.substr(0, end))) return trimmed(bytes.substr(0, end));
+    const std::string_view text = bytes.substr(0, end);
+    // Of a long text the version is what counts.
+    if (const auto at = version_at(text)) return trimmed(text.substr(*at < kLongest / 2 ? 0 : *at));
     bytes.remove_prefix(std::min(end + 1, bytes.size()));
   }
   return {};

@@ -61,9 +61,9 @@ Cell number(double value, int digits) {
 }
 
 std::string board(const SignOff& report) {
-  std::string rows = row({{"Time"}, {report.time}}) + row({{"Port"}, {report.port}}) +
-                     row({{"Serial number"},
-                          {report.serial_number.empty() ? "not told by the chip" : report.serial_number}});
+  std::string rows =
+      row({{"Time"}, {report.time}}) + row({{"Port"}, {report.port}}) +
+      row({{"Serial number"}, {report.serial_number.empty() ? "not given" : report.serial_number}});
   for (const auto& [name, version] : report.versions) rows += row({{"Version " + name}, {version}});
   rows += row({{"Written by"}, {report.program}});
   for (const SignOffFile& file : report.files)

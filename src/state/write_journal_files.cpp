@@ -46,8 +46,8 @@ std::string append_to(const fs::path& path, std::chrono::system_clock::time_poin
                       const std::string& lines) {
   std::error_code error;
   fs::create_directories(path.parent_path(), error);
-  // One that was removed meanwhile begins anew.
-  const bool begins = !fs::exists(path, error);
+  // One that was removed meanwhile begins anew, and so does one whose first lines found no room.
+  const bool begins = !fs::exists(path, error) || fs::file_size(path, error) == 0;
   return append_lines(path, begins ? journal_head(now) + lines : lines,
                       [](std::string_view) { return Tail::cut; });
 }

@@ -51,7 +51,7 @@ TEST(StopRequests, AreTheConsolesCtrlCsOneByOne) {
   EXPECT_EQ(requests.wait(kLongest), Wait::request);
   EXPECT_EQ(requests.wait(milliseconds(1)), Wait::time_over);
   requests.wake();
-  EXPECT_EQ(requests.wait(std::nullopt), Wait::woken);
+  EXPECT_EQ(requests.wait(kLongest), Wait::woken);
 }
 
 }  // namespace

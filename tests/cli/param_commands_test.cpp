@@ -74,7 +74,7 @@ TEST_F(CtlTest, ParamSetReachesTheModeAndLightThatAreNamed) {
   plug_in();
   const auto set = on_board({"param", "set", "matrix.cvbs.light2.r[0]=0x123", "--verify"});
   EXPECT_EQ(set.code, 0) << set.err;
-  EXPECT_EQ(set.err, "1 values read back agree\n");
+  EXPECT_EQ(set.err, "1 value read back agrees\n");
   const std::string sent = board->expect("@5801*\n@5823*");
   EXPECT_THAT(sent, HasSubstr("@ca03*\n"));
   EXPECT_THAT(sent, Not(HasSubstr("@52"))) << "the red row of another light";
@@ -88,7 +88,7 @@ TEST_F(CtlTest, ParamSetSaysWhatTheChipDoesNotReport) {
   const auto some =
       on_board({"param", "set", "front.flag.ae_task=1", "awb.a_slope=5", "awb.a_slope=7", "--verify"});
   EXPECT_EQ(some.code, 0);
-  EXPECT_EQ(some.err, "1 value not reported by the chip\n1 values read back agree\n");
+  EXPECT_EQ(some.err, "1 value not reported by the chip\n1 value read back agrees\n");
 }
 
 TEST_F(CtlTest, WhatPageShowPrintsGoesIntoASettingFile) {

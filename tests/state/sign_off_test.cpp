@@ -172,6 +172,7 @@ TEST(JournalSummary, CountsWhatWasWritten) {
   record.flushes_left = 1;
   record.result = WriteRecord::Result::cut_short;
   journal.add(record);
+  journal.add(connection_record({}));
   const JournalSummary summary = journal_summary(journal);
   EXPECT_EQ(summary.writes, 2u);
   EXPECT_EQ(summary.registers, 5u);

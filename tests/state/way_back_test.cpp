@@ -61,6 +61,7 @@ TEST_F(WayBackTest, LeadsFromTheJournalBackToWhatTheChipHeld) {
   send_row(30);
   fake_.link.send(Batch{{0x92, 1}});
   wire();
+  journal.add(connection_record({}));
   EXPECT_EQ(unnamed_writes_after(journal, 1), 1u);
   const WayBack way = way_back(values_after(journal, 1), states_);
   ASSERT_EQ(way.pages.size(), 1u);

@@ -120,7 +120,7 @@ void Program::use_dialogs() {
   auto* dialogs = dynamic_cast<QtPrompts*>(prompts_.get());
   if (!dialogs) return;
   dialogs->set_parent(frame_.get());
-  dialogs->look_in(ports_, scheduler_);
+  dialogs->look_in(folders_, scheduler_);
   QtPrompts::Folders folders;
   for (const auto& [kind, folder] : settings_.window_look().folders.asKeyValueRange())
     folders[from_qt(kind)] = folder.toString();

@@ -98,7 +98,8 @@ class Program {
   AppSettings settings_;
   Parts parts_;
   QtScheduler scheduler_;
-  BackgroundThread ports_{scheduler_};  // looking for ports may take seconds; no file waits for it
+  BackgroundThread ports_{scheduler_};    // looking for ports may take seconds; no file waits for it
+  BackgroundThread folders_{scheduler_};  // a dead network's may take minutes, and no port waits for it
   BackgroundThread files_{scheduler_};
   CQV5123Doc document_;
   std::unique_ptr<Prompts> prompts_;

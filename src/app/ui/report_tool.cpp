@@ -78,7 +78,6 @@ SignOff ReportTool::known() const {
   report.program = "QV5123 " QV5123_VERSION;
   report.time = iso_time(std::chrono::system_clock::now());
   report.port = surroundings_.port();
-  report.serial_number = view.startup_reply().serial_number();
   // The version box stands at 0 where nothing was loaded.
   if (view.document().user_data.loaded()) report.versions = version_texts(view.document().user_data);
   report.pages = sign_off_pages(view.values());
@@ -89,8 +88,6 @@ SignOff ReportTool::known() const {
 
 void ReportTool::open() {
   if (!dialog_) {
-    if (answers_.serial_number.isEmpty())
-      answers_.serial_number = to_qt(surroundings_.view.startup_reply().serial_number());
     dialog_ = new ReportDialog(answers_, &surroundings_.frame);
     dialog_->setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(dialog_, &ReportDialog::file_wanted, dialog_,
