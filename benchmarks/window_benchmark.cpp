@@ -8,6 +8,7 @@
 //   window_benchmark calibration    the same during a lens shading calibration of 60 positions
 //   window_benchmark drag           the same while a gamma point is dragged
 //   window_benchmark download       the same while firmware.bin is downloaded
+//   window_benchmark idle           share of a core that an open port takes while nothing is done
 //   window_benchmark verify-PAGE    time of reading a page back after its full save
 //   window_benchmark known-values   Compare filled and filtered, undo of a step, and the marks of all pages
 //   window_benchmark description    time to parse and show the description in the current directory

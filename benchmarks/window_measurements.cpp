@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <functional>
 #include <map>
 
@@ -192,6 +193,19 @@ void download(Bench& bench) {
   });
 }
 
+/// What the whole process takes of a core while nobody does anything, the simulated chip included.
+void idle(Bench& bench) {
+  when_quiet(bench, [] {
+    constexpr std::chrono::seconds kLook{20};
+    QElapsedTimer clock;
+    clock.start();
+    QTimer::singleShot(kLook, qApp, [clock, used = std::clock()] {
+      const double seconds = static_cast<double>(std::clock() - used) / CLOCKS_PER_SEC;
+      finish("idle_use_of_a_core", 1e11 * seconds / static_cast<double>(clock.nsecsElapsed()), "%");
+    });
+  });
+}
+
 const std::map<std::string, PageId> kSaves{
     {"save-isp-tune", PageId::isp_tune},
     {"save-gamma", PageId::gamma},
@@ -204,7 +218,7 @@ const std::map<std::string, PageId> kSaves{
 const std::map<std::string, void (*)(Bench&)> kMeasurements{
     {"load-all", load_all},         {"console", console}, {"description", description},
     {"calibration", calibration},   {"drag", drag},       {"download", download},
-    {"known-values", known_values},
+    {"known-values", known_values}, {"idle", idle},
 };
 
 }  // namespace
