@@ -44,7 +44,7 @@ StatusPane::StatusPane(QWidget* parent) : QAbstractButton(parent) {
   setAccessibleDescription(QStringLiteral("Status messages. Press to list all of them."));
   mark_ = new QLabel(this);
   const int side = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
-  mark_->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this).pixmap(side));
+  mark_->setFixedSize(side, side);
   mark_->setAttribute(Qt::WA_TransparentForMouseEvents);
   failure_ = pane_label(this);
   failure_->setObjectName("failure");
@@ -53,6 +53,14 @@ StatusPane::StatusPane(QWidget* parent) : QAbstractButton(parent) {
   failure_->setFont(bold);
   latest_ = pane_label(this);
   latest_->setObjectName("latest");
+}
+
+// Looking for an icon reads the desktop's themes, which is a fifth of all that a start takes.
+void StatusPane::show_mark() {
+  if (mark_->pixmap().isNull())
+    mark_->setPixmap(
+        style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this).pixmap(mark_->size()));
+  mark_->show();
 }
 
 void StatusPane::show_messages(const StatusBoard& board) {
@@ -75,11 +83,12 @@ void StatusPane::show_messages(const StatusBoard& board) {
 // The failure has the room that it needs, but for a part that the latest message keeps.
 void StatusPane::lay_out() {
   const bool fails = !failure_->text().isEmpty();
-  mark_->setVisible(fails);
+  mark_->hide();
   failure_->setVisible(fails);
   int at = kSpace;
   if (fails) {
-    mark_->setGeometry(at, 0, mark_->sizeHint().width(), height());
+    show_mark();
+    mark_->move(at, (height() - mark_->height()) / 2);
     at = mark_->geometry().right() + kSpace;
     const int most = latest_->text().isEmpty() ? width() : width() - width() / kLatestPart;
     failure_->setGeometry(at, 0, std::clamp(failure_->sizeHint().width(), 0, std::max(most - at, 0)),
@@ -90,7 +99,7 @@ void StatusPane::lay_out() {
 }
 
 QSize StatusPane::sizeHint() const {
-  return {0, std::max(mark_->sizeHint().height(), failure_->sizeHint().height())};
+  return {0, std::max(mark_->height(), failure_->sizeHint().height())};
 }
 
 void StatusPane::resizeEvent(QResizeEvent* event) {

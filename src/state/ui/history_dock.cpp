@@ -78,6 +78,11 @@ QString run_text(const WriteJournalFiles::Run& run) {
 HistoryDock::HistoryDock(WriteHistory& history, Surroundings surroundings, QWidget* parent)
     : QDockWidget("History", parent), history_(history), surroundings_(std::move(surroundings)) {
   setObjectName("history");
+  history_.tell_of_notes([this] { look_on(); });
+}
+
+// Not before it is wanted: a start would take a quarter longer.
+void HistoryDock::make_content() {
   auto* content = new QWidget(this);
   auto* rows = new QVBoxLayout(content);
   make_table();
@@ -85,7 +90,6 @@ HistoryDock::HistoryDock(WriteHistory& history, Surroundings surroundings, QWidg
   rows->addWidget(table_, 1);
   rows->addWidget(make_buttons());
   setWidget(content);
-  history_.tell_of_notes([this] { look_on(); });
   show_own();
 }
 
@@ -184,6 +188,7 @@ QWidget* HistoryDock::make_buttons() {
 }
 
 void HistoryDock::showEvent(QShowEvent* event) {
+  if (!model_) make_content();
   QDockWidget::showEvent(event);
   if (history_.files() && !listing_.running()) listing_.start(list_runs());
 }
@@ -268,7 +273,7 @@ void HistoryDock::filter() {
 }
 
 void HistoryDock::look_on() {
-  if (opened_) return;
+  if (!model_ || opened_) return;
   const QScrollBar* bar = table_->verticalScrollBar();
   const bool follows = bar->value() == bar->maximum();
   model_->look_on();

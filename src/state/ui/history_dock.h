@@ -45,6 +45,7 @@ class HistoryDock final : public QDockWidget {
   HistoryDock(WriteHistory& history, Surroundings surroundings, QWidget* parent = nullptr);
   ~HistoryDock() override;
 
+  /// There once the dock was shown.
   HistoryModel& model() { return *model_; }
   /// Opens a journal's file in place of this run's.
   void open_file(std::filesystem::path file);
@@ -53,6 +54,7 @@ class HistoryDock final : public QDockWidget {
   void showEvent(QShowEvent* event) override;
 
  private:
+  void make_content();
   QWidget* make_bar();
   QWidget* make_buttons();
   void make_table();

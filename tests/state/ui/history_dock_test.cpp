@@ -60,7 +60,10 @@ struct DockBench {
                     },
                     [this](const KnownValues& then, const std::string&) { compared.push_back(then); }}};
 
-  DockBench() { history.keep_in(files); }
+  DockBench() {
+    history.keep_in(files);
+    dock.show();
+  }
   HistoryModel& model() { return dock.model(); }
   std::string cell(int row, HistoryModel::Column column) {
     return model()
@@ -164,6 +167,7 @@ TEST(HistoryDock, OpensEarlierRunsAndOtherFiles) {
   const std::string line = journal_line(record_of(event_of(7), std::chrono::system_clock::now()));
   bench.folder.write("writes-20251121-170000-1.journal", journal_head({}) + line + "\n" + line);
   bench.history.note(event_of(1));
+  bench.dock.hide();
   bench.dock.show();
   QApplication::processEvents();
   auto* source = bench.dock.findChild<QComboBox*>();
