@@ -3,10 +3,10 @@
 #include <QAccessible>
 #include <QLineEdit>
 #include <QPalette>
-#include <QRegularExpression>
 #include <QTimer>
 
 #include <algorithm>
+#include <cctype>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -15,36 +15,52 @@ namespace qv5123 {
 namespace {
 
 constexpr QLatin1String kNotAsItStands("Not taken as it stands: ");
+constexpr qsizetype kMostDigits = 15;
+constexpr qsizetype kMostHexDigits = 8;
 
 QLineEdit* edit_of(const QAbstractSpinBox* box) {
   return box->findChild<QLineEdit*>();
 }
 
-/// Nothing typed yet, or what a number may begin with.
-bool is_begun(const QString& text, bool real) {
-  const qsizetype sign = text.startsWith('-') || text.startsWith('+') ? 1 : 0;
-  const QString rest = text.mid(sign);
-  return rest.isEmpty() || (real && (rest == "." || rest == ","));
+// By hand: the library of regular expressions would be half a megabyte more at the start.
+
+QStringView without_sign(QStringView text) {
+  return text.startsWith(u'-') || text.startsWith(u'+') ? text.mid(1) : text;
+}
+
+bool are_digits(QStringView text, qsizetype most) {
+  return text.size() <= most && std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
 }
 
 std::optional<double> whole_number(const QString& text) {
-  static const QRegularExpression kWhole("^[+-]?\\d{1,15}$");
-  if (!kWhole.match(text).hasMatch()) return std::nullopt;
+  const QStringView digits = without_sign(text);
+  if (digits.isEmpty() || !are_digits(digits, kMostDigits)) return std::nullopt;
   return text.toDouble();
 }
 
 std::optional<double> hex_number(const QString& text) {
-  static const QRegularExpression kHex("^[0-9A-Fa-f]{1,8}$");
-  if (!kHex.match(text).hasMatch()) return std::nullopt;
+  const auto is_hex = [](QChar c) { return c < QChar(128) && std::isxdigit(c.unicode()) != 0; };
+  if (text.isEmpty() || text.size() > kMostHexDigits || !std::ranges::all_of(text, is_hex))
+    return std::nullopt;
   return text.toUInt(nullptr, 16);
 }
 
 /// A decimal comma counts as a point.
 std::optional<double> real_number(QString text) {
-  static const QRegularExpression kReal("^[+-]?(\\d{1,15}\\.?\\d{0,15}|\\.\\d{1,15})$");
   text.replace(',', '.');
-  if (!kReal.match(text).hasMatch()) return std::nullopt;
+  const QStringView number = without_sign(text);
+  const qsizetype point = number.indexOf(u'.');
+  const QStringView whole = point < 0 ? number : number.left(point);
+  const QStringView fraction = point < 0 ? QStringView() : number.mid(point + 1);
+  if (whole.isEmpty() && fraction.isEmpty()) return std::nullopt;
+  if (!are_digits(whole, kMostDigits) || !are_digits(fraction, kMostDigits)) return std::nullopt;
   return text.toDouble();
+}
+
+/// Nothing typed yet, or what a number may begin with.
+bool is_begun(const QString& text, bool real) {
+  const QStringView rest = without_sign(text);
+  return rest.isEmpty() || (real && (rest == u"." || rest == u","));
 }
 
 template <class Box, class Read>
