@@ -48,9 +48,6 @@ StatusPane::StatusPane(QWidget* parent) : QAbstractButton(parent) {
   mark_->setAttribute(Qt::WA_TransparentForMouseEvents);
   failure_ = pane_label(this);
   failure_->setObjectName("failure");
-  QFont bold = failure_->font();
-  bold.setBold(true);
-  failure_->setFont(bold);
   latest_ = pane_label(this);
   latest_->setObjectName("latest");
 }
@@ -99,7 +96,7 @@ void StatusPane::lay_out() {
 }
 
 QSize StatusPane::sizeHint() const {
-  return {0, std::max(mark_->height(), failure_->sizeHint().height())};
+  return {0, std::max(mark_->height(), latest_->sizeHint().height())};
 }
 
 void StatusPane::resizeEvent(QResizeEvent* event) {
