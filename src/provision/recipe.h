@@ -38,7 +38,7 @@ struct SerialSource {
   std::optional<std::size_t> entry;  ///< of the user data, the first of as many as it has characters
 };
 
-struct Limits {
+struct Bounds {
   std::optional<double> least;
   std::optional<double> most;
   bool hold(double value) const { return (!least || value >= *least) && (!most || value <= *most); }
@@ -75,7 +75,7 @@ struct CheckStep {
     std::string page;
     std::size_t field = 0;
     std::string name;
-    Limits limits;
+    Bounds bounds;
   };
   std::vector<ExpectedRegister> registers;
   std::vector<Value> values;

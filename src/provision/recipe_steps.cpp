@@ -215,14 +215,14 @@ CheckStep::Value read_value(RecipeTable& table, const std::string& name) {
   if (!table.node(name)->is_table()) {
     constexpr auto kLargest = static_cast<long long>(RecipeTable::kLargest);
     const long long number = table.whole(name, -kLargest, kLargest);
-    value.limits.least = value.limits.most = static_cast<double>(number);
+    value.bounds.least = value.bounds.most = static_cast<double>(number);
     return value;
   }
-  auto limits = table.table(name);
-  limits->allow({"least", "most"});
-  value.limits.least = limits->real("least", -RecipeTable::kLargest);
-  value.limits.most = limits->real("most", value.limits.least.value_or(-RecipeTable::kLargest));
-  if (!value.limits.least && !value.limits.most) table.refuse(name, "says neither \"least\" nor \"most\"");
+  auto bounds = table.table(name);
+  bounds->allow({"least", "most"});
+  value.bounds.least = bounds->real("least", -RecipeTable::kLargest);
+  value.bounds.most = bounds->real("most", value.bounds.least.value_or(-RecipeTable::kLargest));
+  if (!value.bounds.least && !value.bounds.most) table.refuse(name, "says neither \"least\" nor \"most\"");
   return value;
 }
 

@@ -29,10 +29,10 @@ std::string version_text(const VersionNumbers& numbers) {
   return std::to_string(numbers[0]) + "." + std::to_string(numbers[1]) + "." + std::to_string(numbers[2]);
 }
 
-std::string limits_text(const Limits& limits) {
-  if (!limits.least) return "at most " + shortest(*limits.most);
-  if (!limits.most) return "at least " + shortest(*limits.least);
-  return shortest(*limits.least) + ".." + shortest(*limits.most);
+std::string bounds_text(const Bounds& bounds) {
+  if (!bounds.least) return "at most " + shortest(*bounds.most);
+  if (!bounds.most) return "at least " + shortest(*bounds.least);
+  return shortest(*bounds.least) + ".." + shortest(*bounds.most);
 }
 
 /// Also where somebody changed the file since the recipe was checked.
@@ -180,9 +180,9 @@ Task<> Unit::check_values(const CheckStep& step) {
     }
     const int number = numbers[value.field];
     step_record().values[value.name] = number;
-    if (!value.limits.hold(number))
+    if (!value.bounds.hold(number))
       throw StepFailed{value.name + " is " + std::to_string(number) + ", expected " +
-                       limits_text(value.limits)};
+                       bounds_text(value.bounds)};
   }
 }
 
