@@ -49,7 +49,6 @@ class FontEditor {
   /// empty, or the file last read or written, as at the beginning.
   void compare_with(std::span<const std::uint8_t> binary);
   void compare_with_file() { other_.reset(); }
-  bool compares_with_other() const { return other_.has_value(); }
   /// The other's glyph, 0..1023, and whether the library's is not the same.
   Glyph compared(int glyph) const;
   bool differs(int glyph) const { return library_.glyph(glyph) != compared(glyph); }

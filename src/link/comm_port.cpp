@@ -67,7 +67,7 @@ std::size_t CCommPort::write(std::span<const std::uint8_t> bytes, Pacing pacing,
   if (open && follower.before_bytes) follower.before_bytes();
   const std::size_t sent = open && !bytes.empty() ? device_->write(bytes, follower.keep_on) : 0;
   // Whatever was sent: every sender relies on finding the buffer empty afterwards.
-  command_buffer_.reset_fill_index();
+  command_buffer_.clear();
   return sent;
 }
 

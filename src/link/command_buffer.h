@@ -25,8 +25,7 @@ class CommandBuffer {
     return true;
   }
 
-  void reset_fill_index() { bytes_.clear(); }
-  std::size_t fill_index() const { return bytes_.size(); }
+  void clear() { bytes_.clear(); }
   std::span<const std::uint8_t> bytes() const { return bytes_; }
 
  private:

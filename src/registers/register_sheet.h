@@ -36,9 +36,7 @@ class RegisterSheet {
 
   std::size_t rows() const { return range_.last - range_.first; }
   const RegEntry& row(std::size_t row) const { return description_.registers[range_.first + row]; }
-  /// The "Value" cell, which after a write shows more than the register's stored value knows.
-  std::u16string value_cell(std::size_t row) const { return value_of(register_of(row)); }
-  /// The same for any register, listed or not.
+  /// What a register's "Value" cell shows, listed or not; after a write more than its stored value knows.
   std::u16string value_of(std::size_t reg) const;
   /// The number that a register's "Addr" cell stands for.
   int cell_address(std::size_t reg) const;

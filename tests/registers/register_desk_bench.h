@@ -44,6 +44,7 @@ class RegisterDeskTest : public testing::Test {
     chip_.requests.clear();
   }
   const RegisterSheet& sheet() const { return desk_->sheet(); }
+  std::u16string value_cell(std::size_t row) const { return sheet().value_of(sheet().register_of(row)); }
   int stored(std::size_t reg) const { return sheet().description().registers[reg].value; }
 
   const TemporaryFolder folder_;

@@ -46,8 +46,8 @@ TEST_F(RegisterDeskTest, WritesARegisterFileToTheChip) {
   EXPECT_EQ(wire_.sender.writes,
             (std::vector<std::string>{"@9208*@9200*@9333*", "@9208*@9201*@9322*", "@9208*@9201*@9322*"}));
   wire_.advance(40);
-  EXPECT_EQ(sheet().value_cell(1), u"0x22");
-  EXPECT_EQ(sheet().value_cell(2), u"") << "the file has no value for it";
+  EXPECT_EQ(value_cell(1), u"0x22");
+  EXPECT_EQ(value_cell(2), u"") << "the file has no value for it";
   EXPECT_EQ(view_.buttons.load_file_caption, "Load REG from File to ISP...");
   EXPECT_EQ(host_.busy, (std::vector<bool>{true, false}));
 }

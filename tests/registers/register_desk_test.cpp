@@ -39,7 +39,7 @@ TEST_F(RegisterDeskTest, AnAddressWithoutAnAnswerShowsNoValueAndSaysSo) {
   desk_->read();
   wire_.advance(300);
   EXPECT_EQ(host_.last_status(), "0xF801: answered");
-  EXPECT_EQ(sheet().value_cell(1), u"0x3C");
+  EXPECT_EQ(value_cell(1), u"0x3C");
 
   wire_.sender.connected = false;
   host_.statuses.clear();
@@ -91,7 +91,7 @@ TEST_F(RegisterDeskTest, ATypedAddressFindsItsRegisterAndRow) {
   desk_->read();
   wire_.advance(300);
   EXPECT_EQ(sheet().value_text(), u"0x42");
-  EXPECT_EQ(sheet().value_cell(1), u"") << "the row before is not touched";
+  EXPECT_EQ(value_cell(1), u"") << "the row before is not touched";
 
   desk_->choose_category(1);
   desk_->type_address(u"0xF801");
@@ -105,7 +105,7 @@ TEST_F(RegisterDeskTest, ARegisterOfAnotherCategoryIsListedAndReadThereAlone) {
   EXPECT_EQ(sheet().name_text(), u"GAIN2");
   wire_.advance(300);
   EXPECT_EQ(chip_.requests, std::vector<int>{0x801}) << "not the category's first one before";
-  EXPECT_EQ(sheet().value_cell(1), u"0x3C");
+  EXPECT_EQ(value_cell(1), u"0x3C");
   EXPECT_EQ(sheet().value_of(0), u"0xA5") << "of the other category";
 }
 

@@ -117,7 +117,7 @@ TEST_F(RegisterDeskTest, ACategoryChangeStopsTheCategorysSequence) {
   chip_.requests.clear();
   wire_.advance(1000);
   EXPECT_EQ(chip_.requests, std::vector<int>{0xA20});
-  EXPECT_EQ(sheet().value_cell(0), u"0x07");
+  EXPECT_EQ(value_cell(0), u"0x07");
   EXPECT_EQ(stored(1), -1);
 }
 
