@@ -19,14 +19,14 @@ void VirtualScheduler::cancel(TimerId id) {
 }
 
 void VirtualScheduler::post(Callback callback) {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   posted_.push_back(std::move(callback));
 }
 
 bool VirtualScheduler::serve_posted() {
   Callback callback;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (posted_.empty()) return false;
     callback = std::move(posted_.front());
     posted_.pop_front();

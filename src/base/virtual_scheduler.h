@@ -2,8 +2,8 @@
 
 #include <deque>
 #include <map>
-#include <mutex>
 
+#include "base/mutex.h"
 #include "base/scheduler.h"
 
 namespace qv5123 {
@@ -28,8 +28,8 @@ class VirtualScheduler final : public Scheduler {
   TimerId last_id_ = 0;
   std::map<std::pair<std::chrono::milliseconds, TimerId>, Callback> timers_;
   std::map<TimerId, std::chrono::milliseconds> due_times_;
-  std::mutex mutex_;  ///< guards what is posted
-  std::deque<Callback> posted_;
+  Mutex mutex_;
+  std::deque<Callback> posted_ GUARDED_BY(mutex_);
 };
 
 }  // namespace qv5123
