@@ -1,23 +1,15 @@
 #include "console/version_box.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
 
 namespace qv5123 {
 namespace {
 
-constexpr std::size_t kFirstEntry = 689;
-constexpr std::size_t kEntriesPerSlot = 6;
 constexpr std::uint8_t kFirstRegister = 0xCB;
 
 bool has_slot(int slot) {
   return slot >= 0 && slot < kVersionSlots;
-}
-
-// Of the tens digit; the units digit follows.
-std::size_t entry_of(int slot, std::size_t number) {
-  return kFirstEntry + static_cast<std::size_t>(slot) * kEntriesPerSlot + 2 * number;
 }
 
 int in_range(int number) {
@@ -30,7 +22,7 @@ VersionNumbers load_version(const UserDataImage& image, int slot) {
   VersionNumbers numbers{};
   if (!has_slot(slot)) return numbers;
   for (std::size_t i = 0; i < numbers.size(); ++i) {
-    const std::size_t tens = entry_of(slot, i);
+    const std::size_t tens = version_entry(slot, i);
     numbers[i] = image.entry(tens) * 10 + image.entry(tens + 1);
   }
   return numbers;
@@ -41,7 +33,7 @@ void store_version(UserDataImage& image, int slot, const VersionNumbers& numbers
   const VersionNumbers held = load_version(image, slot);
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     if (numbers[i] == held[i]) continue;
-    const std::size_t tens = entry_of(slot, i);
+    const std::size_t tens = version_entry(slot, i);
     image.set_entry(tens, in_range(numbers[i]) / 10);
     image.set_entry(tens + 1, in_range(numbers[i]) % 10);
   }
@@ -52,7 +44,7 @@ Traffic version_traffic(const UserDataImage& image, int slot) {
   if (!has_slot(slot)) return traffic;
   const auto address = static_cast<std::uint8_t>(kFirstRegister + slot);
   for (std::size_t i = 0; i < VersionNumbers{}.size(); ++i) {
-    const std::size_t tens = entry_of(slot, i);
+    const std::size_t tens = version_entry(slot, i);
     traffic.push_back({{address, image.entry(tens)}, {address, image.entry(tens + 1)}});
   }
   return traffic;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 
 #include "console/user_data_image.h"
 #include "link/register_write.h"
@@ -13,6 +14,11 @@ inline constexpr const char* kVersionSlotNames[kVersionSlots] = {"HW", "SW", "IS
 inline constexpr int kVersionNumberMax = 99;
 
 using VersionNumbers = std::array<int, 3>;
+
+/// The entry of the tens digit of number 0..2 of slot 0..2; the units digit follows.
+constexpr std::size_t version_entry(int slot, std::size_t number) {
+  return 689 + 2 * (static_cast<std::size_t>(slot) * VersionNumbers{}.size() + number);
+}
 
 /// The numbers of slot 0..2; zeros for any other slot.
 VersionNumbers load_version(const UserDataImage& image, int slot);

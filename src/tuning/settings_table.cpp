@@ -40,21 +40,16 @@ Setting page_setting(const char* page, std::size_t i, const FieldInfo& field) {
 /// One of the three numbers of a version slot, kept as tens and units.
 Setting version_setting(int slot, std::size_t i) {
   constexpr std::array<const char*, kVersionSlots> kSlots{"hw", "sw", "isp"};
-  // Where the digits are shows when both are changed.
-  UserDataImage marked;
-  VersionNumbers numbers{};
-  numbers[i] = 11;
-  store_version(marked, slot, numbers);
-  std::vector<std::size_t> entries;
-  for (std::size_t entry = 0; entry < UserDataImage::kSize; ++entry)
-    if (marked.entry(entry) != 0) entries.push_back(entry);
+  const std::size_t tens = version_entry(slot, i);
   const auto set = [slot, i](UserDataImage& image, int number) {
     VersionNumbers numbers = load_version(image, slot);
     numbers[i] = number;
     store_version(image, slot, numbers);
   };
   return {std::string("version.") + kSlots[static_cast<std::size_t>(slot)] + "[" + std::to_string(i) + "]",
-          entries, [slot, i](const UserDataImage& image) { return load_version(image, slot)[i]; }, set};
+          {tens, tens + 1},
+          [slot, i](const UserDataImage& image) { return load_version(image, slot)[i]; },
+          set};
 }
 
 /// "Pre Nr filter size 0~1" as "pre_nr_filter_size_0_1".
