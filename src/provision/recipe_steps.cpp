@@ -309,8 +309,8 @@ MatrixStep read_matrix(RecipeTable& table, const RegDescription*) {
   MatrixStep step;
   step.place = chart_place(table);
   step.ratio = table.whole("ratio", 0, 100, step.ratio);
-  step.light = choice(table, "light", kMatrixLightNames);
-  step.mode = choice(table, "mode", kMatrixModeNames);
+  step.light = choice(table, "light", kLightSourceNames);
+  step.mode = choice(table, "mode", kVideoModeNames);
   step.most_mean = table.real("most_mean", 0);
   step.most_worst = table.real("most_worst", 0);
   step.doubtful = doubtful(table);

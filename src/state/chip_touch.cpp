@@ -23,10 +23,9 @@ const Addresses& harmless() {
                                  0xC9, 0xBD, 0x32, 0x33, 0x34, 0xCB, 0xCC, 0xCD};
     Addresses all;
     for (const int address : kSingle) all.set(static_cast<std::size_t>(address));
-    for (const std::uint8_t address :
-         {reg::kKeepBracket, reg::kSaveBracket, kStepSelectRegister, dynamic_register::kSourceSelect,
-          kMatrixModeRegister, reg::kIspReadAddress, reg::kIspWideReadAddress, reg::kSensorReadAddress,
-          reg::kDump})
+    for (const std::uint8_t address : {reg::kKeepBracket, reg::kSaveBracket, kStepSelectRegister,
+                                       kLightSourceRegister, kMatrixModeRegister, reg::kIspReadAddress,
+                                       reg::kIspWideReadAddress, reg::kSensorReadAddress, reg::kDump})
       all.set(address);
     return all;
   }();

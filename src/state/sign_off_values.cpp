@@ -81,10 +81,10 @@ void take_lens(SignOff& report, const LensDesk& desk, const ValueStates& values)
 }  // namespace
 
 std::string matrix_place_text(const MatrixValues& values) {
-  if (values.mode < 0 || values.mode >= kVideoModes || values.light < 0 || values.light >= kMatrixLights)
+  if (values.mode < 0 || values.mode >= kVideoModes || values.light < 0 || values.light >= kLightSources)
     return {};
-  return std::string(kMatrixModeNames[static_cast<std::size_t>(values.mode)]) + ", " +
-         kMatrixLightNames[static_cast<std::size_t>(values.light)];
+  return std::string(kVideoModeNames[static_cast<std::size_t>(values.mode)]) + ", " +
+         kLightSourceNames[static_cast<std::size_t>(values.light)];
 }
 
 std::vector<SignOffPage> sign_off_pages(const ValueStates& values) {

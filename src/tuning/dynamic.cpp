@@ -7,10 +7,8 @@ namespace {
 
 using namespace dynamic_register;
 
-/// First of the three of the dead pixels that the page does not edit.
-
 Batch source_select(std::size_t source) {
-  return {{kSourceSelect, static_cast<std::uint8_t>(source)}};
+  return {{kLightSourceRegister, static_cast<std::uint8_t>(source)}};
 }
 
 void add(Batch& batch, const Batch& more) {

@@ -13,6 +13,7 @@
 #include "tuning/desk_texts.h"
 #include "tuning/field_visitors.h"
 #include "tuning/step_table.h"
+#include "tuning/video_mode.h"
 
 /// The dynamic AE/AWB control page without its window.
 ///
@@ -26,8 +27,7 @@ namespace dynamic_register {
 inline constexpr std::uint8_t kFirstWeights =
     0x2F;                                           ///< of Outdoor; the other light sources have the next two
 inline constexpr std::uint8_t kFirstNumber = 0x37;  ///< of kDynamicNumbers, which have the next five
-inline constexpr std::uint8_t kSourceSelect = 0x4E;  ///< for what follows of a light source
-inline constexpr std::uint8_t kFirstKind = 0x4F;     ///< a light source's value, if it is of kind 0
+inline constexpr std::uint8_t kFirstKind = 0x4F;    ///< a light source's value, if it is of kind 0
 inline constexpr std::uint8_t kSaturation = 0x5B;
 inline constexpr std::uint8_t kOrientation = 0x5F;
 inline constexpr std::uint8_t kHue = 0x60;
@@ -35,9 +35,7 @@ inline constexpr std::uint8_t kSmartIr = 0x67;
 inline constexpr std::uint8_t kDpc = 0x8C;
 }  // namespace dynamic_register
 
-inline constexpr std::size_t kLightSources = 3;
 inline constexpr int kLightSourceKinds = 3;
-inline constexpr std::array<const char*, kLightSources> kLightSourceNames{"Outdoor", "Light-1", "Light-2"};
 
 /// A light-source selection record: kind 0, 1 or 2, and its value 0..255.
 struct LightSource {
@@ -145,9 +143,9 @@ enum class DynamicControl {
   dpc_decision,
   smart_ir,
   light_source,  ///< one for each light source, and so the two after it
-  saturation = light_source + static_cast<int>(kLightSources),
-  weights = saturation + static_cast<int>(kLightSources),
-  step_row = weights + static_cast<int>(kLightSources),  ///< six for each bank
+  saturation = light_source + kLightSources,
+  weights = saturation + kLightSources,
+  step_row = weights + kLightSources,  ///< six for each bank
 };
 /// The control's number where there are several of it: `index` is that of the number, the light source, or
 /// the row, kStepRows to a bank.
@@ -282,7 +280,6 @@ struct DynamicPage {
   }
 
   static constexpr std::array<const char*, 4> kSmartIrItems{"0", "1", "2", "3"};
-  static constexpr std::array<const char*, 4> kVideoModeItems{"TVI", "AHD", "CVI", "CVBS"};
 
   template <class V, class Visitor>
   static constexpr void single_values(V& values, Visitor& visit) {
@@ -322,7 +319,7 @@ struct DynamicPage {
                 .reply = reply_byte(242),
                 .range = {0, 3},
                 .format = FieldFormat::list,
-                .items = kVideoModeItems,
+                .items = kVideoModeNames,
                 .as = &kFormat});
   }
 };

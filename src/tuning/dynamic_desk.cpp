@@ -234,7 +234,7 @@ Traffic DynamicDesk::values_traffic(const std::vector<std::size_t>& fields) cons
     append(traffic, step_write(static_cast<BankId>(bank), row, values_.banks[bank][row][step]));
   }
   append(traffic, TuningDesk::values_traffic(others));
-  append(traffic, RegisterWrite{dynamic_register::kSourceSelect, 0});
+  append(traffic, RegisterWrite{kLightSourceRegister, 0});
   return traffic;
 }
 

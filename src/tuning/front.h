@@ -8,6 +8,7 @@
 #include "link/register_write.h"
 #include "tuning/desk_texts.h"
 #include "tuning/field_visitors.h"
+#include "tuning/video_mode.h"
 
 /// The ISP tune page without its window: the chip's basic video settings.
 ///
@@ -112,7 +113,7 @@ struct FrontPage {
   static constexpr void fields(V& values, Visitor& visit) {
     using C = FrontControl;
     visit.byte({"video_mode"}, values.video_mode,
-               list("Video Mode", kFrontVideoModes, 454, 0, 0x6E, C::video_mode));
+               list("Video Mode", kFrontVideoModes, kVideoModeEntry, 0, 0x6E, C::video_mode));
     visit.byte({"colour_order"}, values.colour_order,
                list("RGB Order", kColourOrders, 456, 2, 0x6F, C::colour_order));
     Field tdn = list("TDN Mode", kTdnModes, 462, 4, 0x70, C::tdn_mode);

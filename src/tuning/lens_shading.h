@@ -12,6 +12,8 @@
 namespace qv5123 {
 
 inline constexpr int kLensParameterMaximum = 4095;
+/// What the page calls the columns of its parameters.
+inline constexpr std::array kLensColours{"RED", "GREEN", "BLUE"};
 inline constexpr int kFlickerOff = 0;
 inline constexpr int kFlickerPal = 1;
 inline constexpr int kFlickerNtsc = 2;
@@ -64,10 +66,9 @@ struct LensPage {
   static constexpr void row(const char* name, const char* caption, Row& row, int place, LensControl control,
                             Visitor& visit) {
     constexpr std::array kNames{"r", "g", "b"};
-    constexpr std::array kCaptions{"RED", "GREEN", "BLUE"};
     for (int c = 0; c < 3; ++c)
       visit.word({name, kNames[c]}, row[c],
-                 {.caption = {caption, kCaptions[c]},
+                 {.caption = {caption, kLensColours[c]},
                   .entry = 440 + 6 * place + 2 * c,
                   .reply = 12 * place + 4 * c,
                   .range = {0, kLensParameterMaximum},

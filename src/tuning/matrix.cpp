@@ -15,7 +15,7 @@ constexpr float kCodeUnit = 1024;
 constexpr int kLargestCode = 0x1FFF;
 
 bool has_table(const MatrixValues& values) {
-  return values.mode >= 0 && values.mode < kVideoModes && values.light >= 0 && values.light < kMatrixLights;
+  return values.mode >= 0 && values.mode < kVideoModes && values.light >= 0 && values.light < kLightSources;
 }
 
 Traffic row_traffic(const ModeTable& table, int light, int row) {
@@ -30,7 +30,7 @@ Traffic row_traffic(const ModeTable& table, int light, int row) {
 Traffic mode_traffic(const MatrixValues& values, int mode) {
   Traffic traffic{{{kMatrixModeRegister, low_byte(mode)}}};
   for (int row = 0; row < kMatrixRows; ++row) {
-    for (int light = 0; light < kMatrixLights; ++light) {
+    for (int light = 0; light < kLightSources; ++light) {
       append(traffic, row_traffic(values.tables[mode], light, row));
     }
   }
@@ -121,7 +121,7 @@ void go_to_next_patch(MatrixValues& values) {
 
 Traffic matrix_send_row(const MatrixValues& values, int row) {
   Traffic traffic = flushed_singly(
-      {{kMatrixLightRegister, low_byte(values.light)}, {kMatrixModeRegister, low_byte(values.mode)}});
+      {{kLightSourceRegister, low_byte(values.light)}, {kMatrixModeRegister, low_byte(values.mode)}});
   if (!has_table(values) || row < 0 || row >= kMatrixRows) return traffic;
   append(traffic, row_traffic(values.tables[values.mode], values.light, row));
   return traffic;
@@ -141,7 +141,7 @@ Traffic matrix_send_copies(const MatrixValues& values, const std::vector<MatrixP
     there.light = place.light;
     for (int row = 0; row < kMatrixRows; ++row) append(traffic, matrix_send_row(there, row));
   }
-  append(traffic, flushed_singly({{kMatrixLightRegister, low_byte(values.light)},
+  append(traffic, flushed_singly({{kLightSourceRegister, low_byte(values.light)},
                                   {kMatrixModeRegister, low_byte(values.mode)}}));
   return traffic;
 }

@@ -14,17 +14,12 @@
 #include "tuning/field_visitors.h"
 #include "tuning/patch_chart.h"
 #include "tuning/picker.h"
+#include "tuning/video_mode.h"
 
 namespace qv5123 {
 
-/// The video modes by their numbers on the chip.
-inline constexpr int kTvi = 0, kAhd = 1, kCvi = 2, kCvbs = 3;
-inline constexpr int kVideoModes = 4;
-inline constexpr int kMatrixLights = 3;  ///< "Outdoor", "Light-1", "Light-2"
-inline constexpr int kMatrixRows = 3;    ///< output red, green, blue
+inline constexpr int kMatrixRows = 3;  ///< output red, green, blue
 
-inline constexpr std::array<const char*, kVideoModes> kMatrixModeNames{"TVI", "AHD", "CVI", "CVBS"};
-inline constexpr std::array<const char*, kMatrixLights> kMatrixLightNames{"Outdoor", "Light-1", "Light-2"};
 inline constexpr std::array<const char*, kMatrixRows> kMatrixRowNames{"Red", "Green", "Blue"};
 /// By row (output) and column (input).
 inline constexpr std::array<std::array<const char*, 3>, kMatrixRows> kMatrixCodeNames{
@@ -35,7 +30,7 @@ inline constexpr std::array<std::array<const char*, 3>, kMatrixRows> kMatrixCode
 /// Codes of coefficients 0, 1, 2 of one row, 1024 = 1.0, -32768..32767.
 using MatrixCodes = std::array<int, 3>;
 /// By row and light source.
-using ModeTable = std::array<std::array<MatrixCodes, kMatrixLights>, kMatrixRows>;
+using ModeTable = std::array<std::array<MatrixCodes, kLightSources>, kMatrixRows>;
 /// By row (output) and column (input).
 using Coefficients = std::array<std::array<float, 3>, kMatrixRows>;
 /// As fetched from the chip or typed; a component of 0 is not measured.
@@ -66,8 +61,6 @@ struct MatrixValues {
 /// Percent of the way from the identity to the fit.
 inline constexpr Range kCorrectionRatio{0, 100};
 
-/// Chooses the light source of what follows, 0..2.
-inline constexpr std::uint8_t kMatrixLightRegister = 0x4E;
 /// Chooses the video mode of what follows.
 inline constexpr std::uint8_t kMatrixModeRegister = 0xCA;
 /// Takes the six bytes of the red row of "Outdoor". Green and blue follow, then the other light sources.
@@ -89,7 +82,7 @@ struct MatrixPage {
   template <class V, class Visitor>
   static constexpr void fields(V& values, Visitor& visit) {
     for (int mode = 0; mode < kVideoModes; ++mode)
-      for (int light = 0; light < kMatrixLights; ++light)
+      for (int light = 0; light < kLightSources; ++light)
         for (int r = 0; r < kMatrixRows; ++r) row({mode, light, r}, values.tables[mode][r][light], visit);
   }
   /// Shows the matrix of the current mode and light source.
@@ -115,11 +108,11 @@ struct MatrixPage {
   static constexpr void row(const Place& place, Codes& codes, Visitor& visit) {
     constexpr std::array kEntries{382, 749, 845, 635};
     constexpr std::array kReplies{0, 216, 324, 108};
-    constexpr int kReplyByte = 2 * kMatrixLights;  // from a byte to the next of the same light source
+    constexpr int kReplyByte = 2 * kLightSources;  // from a byte to the next of the same light source
     for (int j = 0; j < 3; ++j) {
       const int reply = kReplies[place.mode] + (6 * place.row + 2 * j) * kReplyByte + 2 * place.light;
       visit.word(name(place).at(static_cast<std::size_t>(j)), codes[j],
-                 {.caption = {kMatrixModeNames[place.mode], kMatrixLightNames[place.light],
+                 {.caption = {kVideoModeNames[place.mode], kLightSourceNames[place.light],
                               kMatrixCodeNames[place.row][j]},
                   .entry = kEntries[place.mode] + 18 * place.light + 6 * place.row + 2 * j,
                   .reply = reply,
@@ -134,7 +127,7 @@ struct MatrixPage {
   }
   static constexpr Words name(const Place& place) {
     constexpr std::array<const char*, kVideoModes> kModes{"tvi", "ahd", "cvi", "cvbs"};
-    constexpr std::array<const char*, kMatrixLights> kLights{"outdoor", "light1", "light2"};
+    constexpr std::array<const char*, kLightSources> kLights{"outdoor", "light1", "light2"};
     constexpr std::array<const char*, kMatrixRows> kRows{"r", "g", "b"};
     return {kModes[place.mode], kLights[place.light], kRows[place.row]};
   }

@@ -164,7 +164,7 @@ std::string MatrixDesk::other_mode_text() const {
   const std::optional<int> number = board_->video_mode(image());
   const auto mode = number ? video_mode_of(*number) : std::nullopt;
   if (!mode || mode->signal == values_.mode || values_.mode < 0 || values_.mode >= kVideoModes) return {};
-  const auto name = [](int of) { return std::string(kMatrixModeNames[static_cast<std::size_t>(of)]); };
+  const auto name = [](int of) { return std::string(kVideoModeNames[static_cast<std::size_t>(of)]); };
   return "The chip's video mode is " + std::string(video_mode_name(*number)) + ": it uses the matrix of " +
          name(mode->signal) + ", and this is that of " + name(values_.mode) + ".";
 }

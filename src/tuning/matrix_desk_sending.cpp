@@ -29,7 +29,7 @@ std::vector<WriteNote::Value> MatrixDesk::control_values(int control) const {
 template <class Does>
 void MatrixDesk::each_row(const std::vector<std::size_t>& fields, Does does) const {
   for (int mode = 0; mode < kVideoModes; ++mode) {
-    for (int light = 0; light < kMatrixLights; ++light) {
+    for (int light = 0; light < kLightSources; ++light) {
       for (int row = 0; row < kMatrixRows; ++row) {
         const std::size_t first = field(values_.tables[mode][row][light][0]);
         const auto is_of_row = [first](std::size_t f) { return f >= first && f < first + 3; };
@@ -57,7 +57,7 @@ Traffic MatrixDesk::own_traffic(const std::vector<std::size_t>& fields) const {
     append(traffic, matrix_send_row(there, row));
   });
   if (there.mode != values_.mode || there.light != values_.light)
-    append(traffic, flushed_singly({{kMatrixLightRegister, low_byte(values_.light)},
+    append(traffic, flushed_singly({{kLightSourceRegister, low_byte(values_.light)},
                                     {kMatrixModeRegister, low_byte(values_.mode)}}));
   return traffic;
 }

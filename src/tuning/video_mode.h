@@ -1,13 +1,25 @@
 #pragma once
 
-#include <cstddef>
+#include <array>
+#include <cstdint>
 #include <optional>
 
-/// What the chip's video mode says of its picture, for pages that must fit it.
+/// What the pages call the chip's picture by: its signal, its light source, and its video mode, which says
+/// what pages must fit.
 namespace qv5123 {
 
-/// Where the user data has it, as the ISP tune page's "Video Mode" counts.
-inline constexpr std::size_t kVideoModeEntry = 454;
+/// The signals by their numbers on the chip, which pages call video modes too.
+inline constexpr int kTvi = 0, kAhd = 1, kCvi = 2, kCvbs = 3;
+inline constexpr int kVideoModes = 4;
+inline constexpr std::array<const char*, kVideoModes> kVideoModeNames{"TVI", "AHD", "CVI", "CVBS"};
+
+inline constexpr int kLightSources = 3;
+inline constexpr std::array<const char*, kLightSources> kLightSourceNames{"Outdoor", "Light-1", "Light-2"};
+/// Chooses the light source of what follows, 0..2.
+inline constexpr std::uint8_t kLightSourceRegister = 0x4E;
+
+/// Where the user data has the video mode, as the ISP tune page's "Video Mode" counts.
+inline constexpr int kVideoModeEntry = 454;
 
 struct VideoMode {
   int signal = 0;             ///< kTvi..kCvbs: whose matrix the chip uses

@@ -109,8 +109,8 @@ QLayout* CDlgAeTune::make_source_choice() {
   source_choice_ = new QButtonGroup(this);
   for (std::size_t i = 0; i < kLightSources; ++i) {
     auto* choice = named(new QRadioButton(kLightSourceNames[i]), kLightSourceNames[i],
-                         "Edit the values of this light source, " +
-                             register_text(dynamic_register::kSourceSelect) + " = " + QString::number(i));
+                         "Edit the values of this light source, " + register_text(kLightSourceRegister) +
+                             " = " + QString::number(i));
     source_choice_->addButton(choice, static_cast<int>(i));
     row->addWidget(choice);
   }

@@ -6,8 +6,6 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
-#include <array>
-
 namespace qv5123 {
 namespace {
 
@@ -73,13 +71,12 @@ PickerBox* CDlgIspLSC::make_picker() {
 }
 
 QWidget* CDlgIspLSC::make_parameter_group() {
-  constexpr std::array kColours{"RED", "GREEN", "BLUE"};
   auto* group = new QGroupBox("Parameters");
   auto* column = new QVBoxLayout(group);
   column->addWidget(make_ratio_row());
   auto* grid = new QGridLayout;
   grid->setHorizontalSpacing(4);
-  for (int c = 0; c < 3; ++c) grid->addWidget(new QLabel(kColours[c]), 0, c + 1, Qt::AlignCenter);
+  for (int c = 0; c < 3; ++c) grid->addWidget(new QLabel(kLensColours[c]), 0, c + 1, Qt::AlignCenter);
   add_parameter_row(grid, 1, "Parameter-1", desk_.values().parameter1, LensControl::parameter1);
   add_parameter_row(grid, 2, "Parameter-2", desk_.values().parameter2, LensControl::parameter2);
   column->addLayout(grid);

@@ -131,11 +131,11 @@ QWidget* CDlgIspMatrix::make_light_group() {
 QLayout* CDlgIspMatrix::make_light_row() {
   auto* row = new QHBoxLayout;
   light_ = new QButtonGroup(this);
-  for (int light = 0; light < kMatrixLights; ++light) {
-    const char* name = kMatrixLightNames[static_cast<std::size_t>(light)];
+  for (int light = 0; light < kLightSources; ++light) {
+    const char* name = kLightSourceNames[static_cast<std::size_t>(light)];
     auto* radio = named(new QRadioButton(name), name,
                         QString("Shows this light source's matrix, %1 = %2")
-                            .arg(register_text(kMatrixLightRegister))
+                            .arg(register_text(kLightSourceRegister))
                             .arg(light));
     light_->addButton(radio, light);
     row->addWidget(radio);
@@ -148,7 +148,7 @@ QLayout* CDlgIspMatrix::make_light_row() {
 QLayout* CDlgIspMatrix::make_mode_row() {
   auto* row = new QHBoxLayout;
   row->addWidget(new QLabel("Video Mode:"));
-  mode_ = make_combo(items_of(kMatrixModeNames), "Video Mode",
+  mode_ = make_combo(items_of(kVideoModeNames), "Video Mode",
                      "Shows this video mode's matrix, " + register_text(kMatrixModeRegister) + " = 0..3",
                      [this](int mode) { desk_.choose_mode(mode); });
   row->addWidget(mode_);
@@ -163,7 +163,7 @@ QLayout* CDlgIspMatrix::make_mode_row() {
 /// By the page's own controls.
 void CDlgIspMatrix::choose_value(std::size_t field) {
   for (int mode = 0; mode < kVideoModes; ++mode) {
-    for (int light = 0; light < kMatrixLights; ++light) {
+    for (int light = 0; light < kLightSources; ++light) {
       for (int row = 0; row < kMatrixRows; ++row) {
         const std::size_t first = desk_.field(desk_.values().tables[mode][row][light][0]);
         if (field < first || field >= first + 3) continue;

@@ -14,12 +14,12 @@ MatrixCopyDialog::MatrixCopyDialog(const MatrixPlace& from, QWidget* parent) : Q
   setWindowTitle("Copy matrix to");
   setAttribute(Qt::WA_DeleteOnClose);
   auto* grid = new QGridLayout;
-  for (int light = 0; light < kMatrixLights; ++light)
-    grid->addWidget(new QLabel(kMatrixLightNames[light]), 0, light + 1, Qt::AlignCenter);
+  for (int light = 0; light < kLightSources; ++light)
+    grid->addWidget(new QLabel(kLightSourceNames[light]), 0, light + 1, Qt::AlignCenter);
   for (int mode = 0; mode < kVideoModes; ++mode) {
-    grid->addWidget(new QLabel(kMatrixModeNames[mode]), mode + 1, 0);
-    for (int light = 0; light < kMatrixLights; ++light) {
-      const QString name = QString("%1 %2").arg(kMatrixModeNames[mode], kMatrixLightNames[light]);
+    grid->addWidget(new QLabel(kVideoModeNames[mode]), mode + 1, 0);
+    for (int light = 0; light < kLightSources; ++light) {
+      const QString name = QString("%1 %2").arg(kVideoModeNames[mode], kLightSourceNames[light]);
       auto* box = named(new QCheckBox, name, "Gets the matrix that the page shows");
       const MatrixPlace place{mode, light};
       box->setEnabled(place != from);
