@@ -119,9 +119,8 @@ Task<> AwbDesk::run_get_color() {
 }
 
 Task<bool> AwbDesk::measure(std::size_t patch) {
-  const bool arrived = co_await picker_.arrive();
-  if (picker_.chip_was_away()) host().show_failure("GET COLOR: " + std::string(kPickerChipWasAway));
-  if (!arrived || picker_.chip_was_away()) {
+  const bool arrived = co_await picker_.arrive_for_color();
+  if (!arrived) {
     presses_.clear();
     co_return false;
   }

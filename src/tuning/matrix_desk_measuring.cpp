@@ -51,9 +51,8 @@ Task<> MatrixDesk::run_get_color() {
 /// An arrow would move the cursor away from what is being measured.
 Task<bool> MatrixDesk::measure_patch(std::size_t patch) {
   measured_patch_ = patch;
-  const bool arrived = co_await picker_.arrive();
-  if (picker_.chip_was_away()) host().show_failure("GET COLOR: " + std::string(kPickerChipWasAway));
-  if (!arrived || picker_.chip_was_away()) {
+  const bool arrived = co_await picker_.arrive_for_color();
+  if (!arrived) {
     presses_.clear();
     co_return false;
   }

@@ -157,6 +157,12 @@ Task<bool> PickerDesk::arrive() {
   co_return !place_lost_;
 }
 
+Task<bool> PickerDesk::arrive_for_color() {
+  const bool arrived = co_await arrive();
+  if (chip_was_away()) host_.show_failure("GET COLOR: " + std::string(kPickerChipWasAway));
+  co_return arrived && !chip_was_away();
+}
+
 Task<bool> PickerDesk::take_over() {
   taking_over_ = true;
   tell_others();

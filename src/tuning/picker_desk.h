@@ -97,6 +97,8 @@ class PickerDesk final : private MeasuringBoard::Member {
   /// is then switched on in this page's. False, and the user was told, where the chip did not follow or the
   /// picker was switched off meanwhile: what is measured now belongs elsewhere.
   Task<bool> arrive();
+  /// The same for "GET COLOR", which measures nothing on a chip that was away, and says so.
+  Task<bool> arrive_for_color();
   /// The chip's cursor may be elsewhere: the next arrive() brings it anew.
   void forget_place() { place_lost_ = true; }
   /// The page has switched the chip's picker on in a way that is no page's: who measures next brings it to
