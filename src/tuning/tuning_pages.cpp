@@ -1,7 +1,10 @@
 #include "tuning/tuning_pages.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
+#include <stdexcept>
+#include <type_traits>
 
 #include "tuning/awb_desk.h"
 #include "tuning/dynamic_desk.h"
@@ -11,6 +14,38 @@
 #include "tuning/matrix_desk.h"
 
 namespace qv5123 {
+namespace {
+
+/// How a page and its work are made.
+struct PageMaker {
+  const char* name;
+  std::unique_ptr<TuningModel> (*model)();
+  std::unique_ptr<TuningDesk> (*desk)(DeskHost& host, CQV5123Doc& document);
+};
+
+template <class PageOf, class Desk>
+constexpr PageMaker maker() {
+  return {PageOf::kTexts.name,
+          []() -> std::unique_ptr<TuningModel> { return std::make_unique<PageModel<PageOf>>(); },
+          [](DeskHost& host, CQV5123Doc& document) -> std::unique_ptr<TuningDesk> {
+            if constexpr (std::is_same_v<Desk, GammaDesk>)
+              return std::make_unique<Desk>(host, document.user_data, document.front_gamma_level);
+            else
+              return std::make_unique<Desk>(host, document.user_data);
+          }};
+}
+
+constexpr std::array kMakers{maker<FrontPage, FrontDesk>(),     maker<AwbPage, AwbDesk>(),
+                             maker<DynamicPage, DynamicDesk>(), maker<GammaPage, GammaDesk>(),
+                             maker<MatrixPage, MatrixDesk>(),   maker<LensPage, LensDesk>()};
+
+const PageMaker& maker_of(std::string_view name) {
+  const auto found = std::ranges::find(kMakers, name, &PageMaker::name);
+  if (found == kMakers.end()) throw std::logic_error("no tuning page of that name");
+  return *found;
+}
+
+}  // namespace
 
 std::string page_names() {
   std::string text;
@@ -23,23 +58,11 @@ bool is_page(std::string_view name) {
 }
 
 std::unique_ptr<TuningModel> make_model(std::string_view name) {
-  if (name == FrontPage::kTexts.name) return std::make_unique<PageModel<FrontPage>>();
-  if (name == AwbPage::kTexts.name) return std::make_unique<PageModel<AwbPage>>();
-  if (name == DynamicPage::kTexts.name) return std::make_unique<PageModel<DynamicPage>>();
-  if (name == GammaPage::kTexts.name) return std::make_unique<PageModel<GammaPage>>();
-  if (name == MatrixPage::kTexts.name) return std::make_unique<PageModel<MatrixPage>>();
-  return std::make_unique<PageModel<LensPage>>();
+  return maker_of(name).model();
 }
 
 std::unique_ptr<TuningDesk> make_desk(std::string_view name, DeskHost& host, CQV5123Doc& document) {
-  UserDataImage& image = document.user_data;
-  if (name == FrontPage::kTexts.name) return std::make_unique<FrontDesk>(host, image);
-  if (name == AwbPage::kTexts.name) return std::make_unique<AwbDesk>(host, image);
-  if (name == DynamicPage::kTexts.name) return std::make_unique<DynamicDesk>(host, image);
-  if (name == GammaPage::kTexts.name)
-    return std::make_unique<GammaDesk>(host, image, document.front_gamma_level);
-  if (name == MatrixPage::kTexts.name) return std::make_unique<MatrixDesk>(host, image);
-  return std::make_unique<LensDesk>(host, image);
+  return maker_of(name).desk(host, document);
 }
 
 }  // namespace qv5123

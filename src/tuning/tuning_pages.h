@@ -18,7 +18,8 @@ std::string page_names();
 /// Whether it is one of kTuningPages.
 bool is_page(std::string_view name);
 
-/// The values of the page of that name, which is one of kTuningPages, as the page starts.
+/// The values of the page of that name, which is one of kTuningPages, as the page starts. Any other
+/// name is a std::logic_error.
 std::unique_ptr<TuningModel> make_model(std::string_view name);
 /// The same page with its work. Host and document must outlive it.
 std::unique_ptr<TuningDesk> make_desk(std::string_view name, DeskHost& host, CQV5123Doc& document);

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string_view>
 
 #include "console/page_host.h"
@@ -31,7 +32,8 @@ struct PageEntry {
   PageId id;
   const char* menu_text;
   const char* status_text;
-  const char* name;  ///< what files and accessibility tools call the page
+  const char* name;            ///< what files and accessibility tools call the page
+  std::string_view desk = {};  ///< a tuning page's name in files and on the command line
 };
 
 /// So many pages have an item in the menu bar; the others are chosen from its menu "Tools".
@@ -40,27 +42,26 @@ inline constexpr std::size_t kBarPages = 9;
 /// The menu bar's items in its order, then the other pages, with what each says when it is chosen.
 inline constexpr std::array<PageEntry, 10> kPageEntries = {{
     {PageId::registers, "&Registers", "ISP register read/write and dump", "registers"},
-    {PageId::isp_tune, "&ISPTune", "ISP tune and debug tool", "isp-tune"},
-    {PageId::gamma, "&Gamma", "Gamma parameter tool", "gamma"},
-    {PageId::lsc, "&LSC", "Lens Shading auto Calibration. ", "lsc"},
-    {PageId::awb_tune, "&AWBTune", "AWB static parameters for white color detection ", "awb-tune"},
+    {PageId::isp_tune, "&ISPTune", "ISP tune and debug tool", "isp-tune", "front"},
+    {PageId::gamma, "&Gamma", "Gamma parameter tool", "gamma", "gamma"},
+    {PageId::lsc, "&LSC", "Lens Shading auto Calibration. ", "lsc", "lsc"},
+    {PageId::awb_tune, "&AWBTune", "AWB static parameters for white color detection ", "awb-tune", "awb"},
     {PageId::linear_matrix, "&LinearMatrix",
      "Linear Matrix capture and calcuation. Please make sure white balance works good before start capture.",
-     "linear-matrix"},
-    {PageId::dynamic_control, "&DynamicControl", "Dynamic parameters for AE/AWB work", "dynamic-control"},
+     "linear-matrix", "matrix"},
+    {PageId::dynamic_control, "&DynamicControl", "Dynamic parameters for AE/AWB work", "dynamic-control",
+     "dynamic"},
     {PageId::font_editor, "FontEditor", "Edit Font Library", "font-editor"},
     {PageId::make_flash, "&MakeFlash", "Make EEPROM flash binary", "make-flash"},
     {PageId::compare, "C&ompare", "Every value in page, chip and file", "compare"},
 }};
 
-/// The page of a tuning desk, by the name that files and the command line call it.
+/// The page of a tuning desk, by the name that files and the command line call it. Any other name is a
+/// std::logic_error.
 constexpr PageId tuning_page_id(std::string_view desk) {
-  if (desk == "front") return PageId::isp_tune;
-  if (desk == "awb") return PageId::awb_tune;
-  if (desk == "dynamic") return PageId::dynamic_control;
-  if (desk == "gamma") return PageId::gamma;
-  if (desk == "matrix") return PageId::linear_matrix;
-  return PageId::lsc;
+  for (const PageEntry& page : kPageEntries)
+    if (!desk.empty() && page.desk == desk) return page.id;
+  throw std::logic_error("no tuning page of that name");
 }
 
 /// A page as the main form takes it over: the widget to show and its side that the main form talks to, which
