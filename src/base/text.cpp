@@ -71,6 +71,40 @@ std::string lower_case(std::string text) {
   return text;
 }
 
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r";
+  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+  return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+std::string_view take_word(std::string_view& rest) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+  const std::string_view word = rest.substr(0, rest.find_first_of(kBlanks));
+  rest.remove_prefix(word.size());
+  return word;
+}
+
+std::vector<std::string> filter_words(std::string_view text) {
+  std::vector<std::string> words;
+  for (std::string_view word = take_word(text); !word.empty(); word = take_word(text))
+    words.push_back(lower_case(std::string(word)));
+  return words;
+}
+
+std::string joined(const std::vector<std::string>& parts, std::string_view between) {
+  std::string text;
+  for (const std::string& part : parts) text.append(text.empty() ? "" : between).append(part);
+  return text;
+}
+
+std::string csv_field(const std::string& text) {
+  if (text.find_first_of(",\"\n\r") == std::string::npos) return text;
+  std::string field = "\"";
+  for (const char c : text) field += c == '"' ? std::string("\"\"") : std::string(1, c);
+  return field + "\"";
+}
+
 std::string latin1_to_utf8(std::string_view characters) {
   std::string utf8;
   utf8.reserve(characters.size());

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qv5123 {
 
@@ -12,6 +13,19 @@ std::string utf8(std::u16string_view text);
 
 /// ASCII letters made small, for comparing without regard to case.
 std::string lower_case(std::string text);
+
+/// Blanks, tabs and carriage returns at both ends taken off.
+std::string_view trimmed(std::string_view text);
+/// Takes the first word off the beginning of `rest`, with the blanks and line ends before it; empty where
+/// there is none.
+std::string_view take_word(std::string_view& rest);
+/// What stands between the blanks of a filter, in small letters.
+std::vector<std::string> filter_words(std::string_view text);
+/// The parts with `between` in between.
+std::string joined(const std::vector<std::string>& parts, std::string_view between);
+/// A text as a field of a CSV file: between quotation marks where it has a comma, a quotation mark or a line
+/// end.
+std::string csv_field(const std::string& text);
 
 /// The chip's 8-bit characters as UTF-8.
 std::string latin1_to_utf8(std::string_view characters);

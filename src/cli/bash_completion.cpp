@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "base/text.h"
 #include "cli/command.h"
 #include "cli/self_description.h"
 #include "tuning/tuning_pages.h"
@@ -10,12 +11,6 @@ namespace {
 
 bool takes_value(const CLI::Option& option) {
   return option.get_items_expected_max() > 0;
-}
-
-std::string joined(const std::vector<std::string>& words) {
-  std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
-  return text;
 }
 
 void add_paths(const CLI::App& app, const std::string& path, std::vector<std::string>& paths) {
@@ -41,7 +36,7 @@ std::string case_of(const CLI::App& app, const std::string& path) {
     words.emplace_back("all");
   }
   std::string text =
-      "    \"" + path + "\") words=\"" + joined(words) + "\"" + (files ? " files=yes" : "") + " ;;\n";
+      "    \"" + path + "\") words=\"" + joined(words, " ") + "\"" + (files ? " files=yes" : "") + " ;;\n";
   for (const CLI::App* command : subcommands(app)) {
     text += case_of(*command, path.empty() ? command->get_name() : path + " " + command->get_name());
   }
@@ -60,11 +55,9 @@ void collect(const CLI::App& app, std::vector<std::string>& files, std::vector<s
 }
 
 std::string alternatives(std::vector<std::string> words) {
-  std::string text;
   std::sort(words.begin(), words.end());
   words.erase(std::unique(words.begin(), words.end()), words.end());
-  for (const std::string& word : words) text += (text.empty() ? "" : "|") + word;
-  return text;
+  return joined(words, "|");
 }
 
 }  // namespace

@@ -3,18 +3,12 @@
 #include <algorithm>
 #include <limits>
 
+#include "base/text.h"
 #include "cli/complaint.h"
 #include "cli/numbers.h"
 
 namespace qv5123 {
 namespace {
-
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r";
-  const std::size_t start = std::min(text.find_first_not_of(kBlanks), text.size());
-  text.remove_prefix(start);
-  return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
 
 /// Takes the text up to `separator`, or all of it.
 std::string_view take(std::string_view& text, char separator) {

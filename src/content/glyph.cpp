@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "base/text.h"
+
 namespace qv5123 {
 
 namespace {
@@ -14,15 +16,6 @@ std::uint16_t bit(int column) {
 /// Whether a line between two coordinates can touch 0..limit-1 at all.
 bool reaches(int from, int to, int limit) {
   return std::max(from, to) >= 0 && std::min(from, to) < limit;
-}
-
-/// Takes the next word off the front of `text`; empty at its end.
-std::string_view take_word(std::string_view& text) {
-  const auto start = std::min(text.find_first_not_of(" \t\r\n"), text.size());
-  text.remove_prefix(start);
-  const auto word = text.substr(0, text.find_first_of(" \t\r\n"));
-  text.remove_prefix(word.size());
-  return word;
 }
 
 std::optional<std::uint16_t> parse_row(std::string_view word) {

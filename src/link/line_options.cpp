@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 
+#include "base/text.h"
 #include "link/line_settings.h"
 #include "link/port_settings.h"
 
@@ -20,15 +21,9 @@ constexpr Choice kFlows[] = {
     {"none", 0}, {"dtr/dsr", kFlowDtrDsr}, {"rts/cts", kFlowRtsCts}, {"xon/xoff", kFlowXonXoff}};
 constexpr std::uint32_t kHighestBaudRate = 12'000'000;
 
-std::string lower_case(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  return lower;
-}
-
 std::optional<std::uint8_t> code_of(std::span<const Choice> choices, std::string_view text) {
   for (const Choice& choice : choices) {
-    if (choice.word == lower_case(text)) return choice.code;
+    if (choice.word == lower_case(std::string(text))) return choice.code;
   }
   return std::nullopt;
 }
@@ -45,7 +40,7 @@ bool take_number(std::string_view text, std::uint32_t lowest, std::uint32_t high
 
 bool take_parity(std::string_view text, LineSettings& line) {
   for (std::size_t code = 0; code < std::size(kParityLabels); ++code) {
-    if (lower_case(text) != kParityLabels[code]) continue;
+    if (lower_case(std::string(text)) != kParityLabels[code]) continue;
     line.parity = static_cast<std::uint8_t>(code);
     return true;
   }

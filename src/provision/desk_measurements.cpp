@@ -27,12 +27,6 @@ Task<std::string> switch_picker_of(UnattendedHost& host, PickerDesk& picker, boo
   co_return host.last_failure();
 }
 
-std::string joined(const std::vector<std::string>& sentences) {
-  std::string text;
-  for (const std::string& sentence : sentences) text += (text.empty() ? "" : " ") + sentence;
-  return text;
-}
-
 /// What the page asks about before it sends.
 std::string lens_doubts(const LensCalibration& found) {
   std::vector<std::string> doubts = lens_warnings(found);
@@ -41,7 +35,7 @@ std::string lens_doubts(const LensCalibration& found) {
     doubts.push_back("Parameter-2 came out below 0, which the chip cannot do: a ripple of " +
                      fixed(ripple, 1) + " % would remain along the line.");
   }
-  return joined(doubts);
+  return joined(doubts, " ");
 }
 
 std::string lens_trouble(const UnattendedHost& host, const LensDesk& desk, const HeadlessPrompts& prompts,
@@ -81,7 +75,7 @@ void set_corners(MatrixDesk& desk, const ChartPlace& place) {
 std::string matrix_doubts(const MatrixValues& values) {
   MatrixValues ready = values;
   set_matrix_rows(ready);
-  return joined(matrix_warnings(ready));
+  return joined(matrix_warnings(ready), " ");
 }
 
 /// Empty, or why nothing was sent.

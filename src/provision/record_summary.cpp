@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include "base/csv_field.h"
 #include "base/text.h"
 #include "provision/metrics.h"
 

@@ -13,13 +13,6 @@ bool is_named(std::u16string_view name, std::string_view lower) {
   return lower_case(utf8(name)) == lower;
 }
 
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == text.npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
-}
-
 /// Of "[7:4]" or "[3]".
 std::optional<RegisterBits> bits_of(int address, std::string_view range) {
   if (!range.starts_with('[') || !range.ends_with(']')) return std::nullopt;

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "base/text.h"
-#include "state/filter_words.h"
 #include "tuning/tuning_pages.h"
 
 namespace qv5123 {

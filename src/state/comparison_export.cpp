@@ -1,7 +1,7 @@
 #include <string>
 #include <vector>
 
-#include "base/csv_field.h"
+#include "base/text.h"
 #include "state/comparison.h"
 
 namespace qv5123 {

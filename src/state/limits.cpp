@@ -11,13 +11,6 @@ namespace {
 
 constexpr std::size_t kMostShown = 60;
 
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
 /// Nothing for what is no number; `given` tells whether there was any.
 std::optional<double> number_of(std::string_view text) {
   text = trimmed(text);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/hex.h"
+#include "base/text.h"
 #include "link/command_buffer.h"
 #include "link/reply_text.h"
 
@@ -14,16 +15,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr std::string_view kBlanks = " \t\r";
 constexpr std::size_t kDigits = 4;
-
-/// Takes the first word off the beginning of `rest`; empty where there is none.
-std::string_view take_word(std::string_view& rest) {
-  rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
-  const std::string_view word = rest.substr(0, rest.find_first_of(kBlanks));
-  rest.remove_prefix(word.size());
-  return word;
-}
 
 std::optional<milliseconds> read_wait(std::string_view rest) {
   const std::string_view word = take_word(rest);

@@ -4,7 +4,6 @@
 #include <array>
 #include <chrono>
 
-#include "base/csv_field.h"
 #include "base/hex.h"
 #include "base/text.h"
 #include "link/sender.h"
@@ -15,12 +14,6 @@ namespace qv5123 {
 namespace {
 
 using std::chrono::milliseconds;
-
-std::string joined(const std::vector<std::string>& parts, const char* between) {
-  std::string text;
-  for (const std::string& part : parts) text += (text.empty() ? "" : between) + part;
-  return text;
-}
 
 std::string json_number(const std::optional<int>& number) {
   return number ? std::to_string(*number) : "null";

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "base/text.h"
-#include "state/filter_words.h"
 
 namespace qv5123 {
 namespace {

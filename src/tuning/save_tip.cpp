@@ -5,6 +5,7 @@
 
 #include "base/atomic_file.h"
 #include "base/hex.h"
+#include "base/text.h"
 
 namespace qv5123 {
 namespace {
@@ -39,9 +40,7 @@ std::string saved_registers(const std::vector<FieldInfo>& fields) {
   std::set<int> addresses;
   for (const FieldInfo& field : fields)
     if (field.saved && field.address != Field::kNowhere) addresses.insert(field.address);
-  std::string text;
-  for (const std::string& run : runs_of(addresses)) text += (text.empty() ? "" : ", ") + run;
-  return (addresses.size() == 1 ? "register " : "registers ") + text;
+  return (addresses.size() == 1 ? "register " : "registers ") + joined(runs_of(addresses), ", ");
 }
 
 std::string save_tip(const std::vector<FieldInfo>& fields, SavedFile file,

@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <type_traits>
 
+#include "base/text.h"
 #include "tuning/awb_desk.h"
 #include "tuning/dynamic_desk.h"
 #include "tuning/front_desk.h"
@@ -48,9 +49,7 @@ const PageMaker& maker_of(std::string_view name) {
 }  // namespace
 
 std::string page_names() {
-  std::string text;
-  for (const char* name : kTuningPages) text += (text.empty() ? "" : ", ") + std::string(name);
-  return text;
+  return joined({std::begin(kTuningPages), std::end(kTuningPages)}, ", ");
 }
 
 bool is_page(std::string_view name) {

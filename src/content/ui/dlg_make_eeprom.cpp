@@ -12,6 +12,7 @@
 
 #include "base/atomic_file.h"
 #include "base/delay.h"
+#include "base/text.h"
 #include "base/ui/page_marks.h"
 #include "base/ui/push_button.h"
 #include "base/ui/qt_text.h"
@@ -34,13 +35,6 @@ QString meant_path(const QString& text) {
   const bool quoted =
       path.size() > 1 && path.front() == path.back() && (path.front() == u'"' || path.front() == u'\'');
   return quoted ? path.mid(1, path.size() - 2).trimmed() : path;
-}
-
-/// What there is to say of the image in one line.
-std::string joined(const std::vector<std::string>& remarks) {
-  std::string text;
-  for (const std::string& remark : remarks) text += (text.empty() ? "" : "; ") + remark;
-  return text;
 }
 
 Message information(std::string text) {
@@ -109,7 +103,7 @@ Task<> CDlgMakeEeprom::make_image() {
   auto build = co_await host_.background().run<FlashBuild>(std::move(work));
   if (build.ok()) {
     for (const std::string& remark : build.remarks) host_.append_console("\r\n" + remark);
-    if (!build.remarks.empty()) host_.show_failure(joined(build.remarks));
+    if (!build.remarks.empty()) host_.show_failure(joined(build.remarks, "; "));
     co_await save_image(std::move(build));
   } else {
     co_await host_.prompts().message(warning(build.refusal));
@@ -173,7 +167,7 @@ Task<> CDlgMakeEeprom::save_image(FlashBuild build) {
       return write_file_atomically(path, image);
     };
     const auto written = co_await host_.background().run<FileResult>(std::move(work));
-    const std::string but = build.remarks.empty() ? "" : ", but " + joined(build.remarks);
+    const std::string but = build.remarks.empty() ? "" : ", but " + joined(build.remarks, "; ");
     if (!written.ok())
       host_.show_failure(written.text);
     else if (but.empty())
