@@ -7,7 +7,6 @@
 #include "base/text.h"
 #include "link/indirect_access.h"
 #include "link/reply_text.h"
-#include "provision/step_failed.h"
 
 namespace qv5123 {
 namespace {

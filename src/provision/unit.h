@@ -24,6 +24,11 @@ struct UnitSurroundings {
   std::optional<int> rehearsed = {};
 };
 
+/// Thrown within a unit's step: why it ends there, in words.
+struct StepFailed {
+  std::string why;
+};
+
 /// One board from its port's opening to its verdict.
 class Unit {
  public:

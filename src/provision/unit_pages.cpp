@@ -2,7 +2,6 @@
 
 #include "base/text.h"
 #include "provision/desk_measurements.h"
-#include "provision/step_failed.h"
 #include "provision/unit.h"
 #include "tuning/tuning_pages.h"
 

@@ -7,7 +7,6 @@
 #include "console/main_commands.h"
 #include "link/indirect_access.h"
 #include "provision/record_book.h"
-#include "provision/step_failed.h"
 #include "provision/unit.h"
 #include "tuning/tuning_pages.h"
 
