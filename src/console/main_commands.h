@@ -23,8 +23,10 @@ inline Batch osd_key(OsdKey key) {
   return {{reg::kOsdKey, static_cast<std::uint8_t>(key)}};
 }
 
+inline constexpr int kFactoryResetAddress = 0x922;
+inline constexpr int kFactoryResetValue = 0xCC;
 inline Batch factory_reset() {
-  return isp_write(0x922, 0xCC);
+  return isp_write(kFactoryResetAddress, kFactoryResetValue);
 }
 
 /// Sent only after OK to kCopyToFactoryQuestion.

@@ -1,12 +1,9 @@
 #include "console/version_box.h"
 
 #include <algorithm>
-#include <cstdint>
 
 namespace qv5123 {
 namespace {
-
-constexpr std::uint8_t kFirstRegister = 0xCB;
 
 bool has_slot(int slot) {
   return slot >= 0 && slot < kVersionSlots;
@@ -42,7 +39,7 @@ void store_version(UserDataImage& image, int slot, const VersionNumbers& numbers
 Traffic version_traffic(const UserDataImage& image, int slot) {
   Traffic traffic;
   if (!has_slot(slot)) return traffic;
-  const auto address = static_cast<std::uint8_t>(kFirstRegister + slot);
+  const std::uint8_t address = version_register(slot);
   for (std::size_t i = 0; i < VersionNumbers{}.size(); ++i) {
     const std::size_t tens = version_entry(slot, i);
     traffic.push_back({{address, image.entry(tens)}, {address, image.entry(tens + 1)}});

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 #include "console/user_data_image.h"
 #include "link/register_write.h"
@@ -18,6 +19,11 @@ using VersionNumbers = std::array<int, 3>;
 /// The entry of the tens digit of number 0..2 of slot 0..2; the units digit follows.
 constexpr std::size_t version_entry(int slot, std::size_t number) {
   return 689 + 2 * (static_cast<std::size_t>(slot) * VersionNumbers{}.size() + number);
+}
+
+/// The register that takes the digits of slot 0..2.
+constexpr std::uint8_t version_register(int slot) {
+  return static_cast<std::uint8_t>(0xCB + slot);
 }
 
 /// The numbers of slot 0..2; zeros for any other slot.

@@ -5,18 +5,16 @@
 namespace qv5123 {
 namespace {
 
-// The ports of a flash transfer: block number, reset of the byte counter, data, then what the data was.
-constexpr std::uint8_t kBlockNumber = 0xDC;
+// The other ports: reset of the byte counter, data, and what ends the mask instead of a block.
 constexpr std::uint8_t kRestart = 0xDD;
 constexpr std::uint8_t kData = 0xDE;
 constexpr std::uint8_t kEndOfMask = 0xDF;
-constexpr std::uint8_t kEndOfBlock = 0xE0;
 
 constexpr std::chrono::milliseconds kProgrammingPause{50};
 
 Chunk block_chunk(std::size_t number, std::span<const std::uint8_t> bytes, RegisterWrite end) {
   Chunk chunk;
-  chunk.writes = {{kBlockNumber, static_cast<std::uint8_t>(number)}, {kRestart, 0}};
+  chunk.writes = {{KeptRegisters::kBlockNumber, static_cast<std::uint8_t>(number)}, {kRestart, 0}};
   for (const std::uint8_t byte : bytes) chunk.writes.push_back({kData, byte});
   chunk.writes.push_back(end);
   return chunk;

@@ -16,6 +16,9 @@ class KeptRegisters {
   static constexpr int kFirstAddress = 0xF800;
   static constexpr std::size_t kSize = 2048;
   static constexpr std::size_t kBlock = 256;
+  /// The first and the last port of a transfer: a block's number comes before its data, its end behind.
+  static constexpr std::uint8_t kBlockNumber = 0xDC;
+  static constexpr std::uint8_t kEndOfBlock = 0xE0;
 
   /// Takes the registers that are marked as saved. One that was never read is stored as 0xFF, unmarked.
   void collect(const RegDescription& description);

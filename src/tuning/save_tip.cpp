@@ -1,7 +1,6 @@
 #include "tuning/save_tip.h"
 
 #include <algorithm>
-#include <set>
 
 #include "base/atomic_file.h"
 #include "base/hex.h"
@@ -36,11 +35,15 @@ std::string file_words(SavedFile file, const std::filesystem::path& setting_file
 
 }  // namespace
 
+std::string register_runs(const std::set<int>& addresses) {
+  return (addresses.size() == 1 ? "register " : "registers ") + joined(runs_of(addresses), ", ");
+}
+
 std::string saved_registers(const std::vector<FieldInfo>& fields) {
   std::set<int> addresses;
   for (const FieldInfo& field : fields)
     if (field.saved && field.address != Field::kNowhere) addresses.insert(field.address);
-  return (addresses.size() == 1 ? "register " : "registers ") + joined(runs_of(addresses), ", ");
+  return register_runs(addresses);
 }
 
 std::string save_tip(const std::vector<FieldInfo>& fields, SavedFile file,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,9 @@ enum class SavedFile {
   all_pages  ///< the values of every open page that saves
 };
 
-/// "0x40 to 0x42 and 0x67": the registers of the values that a page's full save sends.
+/// "registers 0x40 to 0x42, 0x67".
+std::string register_runs(const std::set<int>& addresses);
+/// The same of the values that a page's full save sends.
 std::string saved_registers(const std::vector<FieldInfo>& fields);
 
 /// What "File/Flash Save" does: the file that it writes, whose values that has, and the registers that it

@@ -19,8 +19,8 @@
 
 #include "app/ui/console_view.h"
 #include "app/ui/page_keys.h"
-#include "base/hex.h"
-#include "base/ui/list_choice.h"
+#include "base/text.h"
+#include "base/ui/controls.h"
 #include "base/ui/number_edit.h"
 #include "base/ui/page_marks.h"
 #include "base/ui/qt_text.h"
@@ -39,7 +39,7 @@ QBoxLayout* box_layout(QGroupBox* box, QBoxLayout::Direction direction) {
 
 /// As tooltips call the register that a command writes.
 QString register_of(const Batch& command) {
-  return "register 0x" + QString::fromStdString(upper_hex(command.front().address));
+  return register_text(command.front().address);
 }
 
 /// Two digits, as the version is written; more where the entries hold no digits.
@@ -124,10 +124,12 @@ void ControlColumn::add_file_box(QBoxLayout& column) {
 }
 
 void ControlColumn::add_factory_buttons(QBoxLayout& column) {
-  column.addWidget(button("Factory Reset",
-                          "The chip returns to its factory settings at once (ISP register 0x922 = 0xCC). It "
-                          "cannot be taken back: read the pages before, and their values can be saved again.",
-                          &ControlColumn::factory_reset));
+  column.addWidget(
+      button("Factory Reset",
+             "The chip returns to its factory settings at once (ISP " + register_text(kFactoryResetAddress) +
+                 " = " + to_qt(hex(kFactoryResetValue, 2)) +
+                 "). It cannot be taken back: read the pages before, and their values can be saved again.",
+             &ControlColumn::factory_reset));
   column.addWidget(button("Current ISP Setting copy to Factory",
                           "The chip's current user data becomes its factory data (" +
                               register_of(qv5123::copy_to_factory()) +
@@ -141,7 +143,8 @@ void ControlColumn::add_version_box(QBoxLayout& column) {
   slot_ = new QComboBox(box);
   for (const char* name : kVersionSlotNames) slot_->addItem(name);
   slot_->setAccessibleName("Version slot");
-  slot_->setToolTip("Which of the three version numbers to show (registers 0xCB, 0xCC, 0xCD)");
+  slot_->setToolTip("Which of the three version numbers to show (" +
+                    registers_text({version_register(0), version_register(1), version_register(2)}) + ")");
   on_choice(slot_, [this](int slot) { emit version_slot_chosen(slot); });
   row->addWidget(slot_, 1);
   for (std::size_t i = 0; i < version_.size(); ++i) {
@@ -196,7 +199,8 @@ void ControlColumn::add_osd_keys(QBoxLayout& column) {
   for (const Key& key : kKeys) {
     auto* made = new QPushButton(key.name, box);
     made->setAccessibleName(QStringLiteral("OSD %1").arg(key.name));
-    made->setToolTip(QStringLiteral("Key of the chip's on-screen menu (register 0x01 = %1)")
+    made->setToolTip(QStringLiteral("Key of the chip's on-screen menu (%1 = %2)")
+                         .arg(register_of(qv5123::osd_key(key.key)))
                          .arg(static_cast<int>(key.key)));
     connect(made, &QPushButton::clicked, this, [this, key = key.key] { emit osd_key(key); });
     grid->addWidget(made, key.row, key.column);

@@ -13,8 +13,8 @@
 #include "base/atomic_file.h"
 #include "base/delay.h"
 #include "base/text.h"
+#include "base/ui/controls.h"
 #include "base/ui/page_marks.h"
-#include "base/ui/push_button.h"
 #include "base/ui/qt_text.h"
 #include "content/ui/flash_map_view.h"
 

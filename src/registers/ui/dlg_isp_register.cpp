@@ -12,9 +12,13 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "base/text.h"
+#include "base/ui/controls.h"
 #include "base/ui/page_marks.h"
-#include "base/ui/push_button.h"
+#include "base/ui/qt_text.h"
+#include "link/indirect_access.h"
 #include "registers/hex_edit.h"
+#include "registers/kept_registers.h"
 #include "registers/ui/bit_boxes.h"
 #include "registers/ui/hex_edits.h"
 #include "registers/ui/multiline_list.h"
@@ -154,7 +158,8 @@ QBoxLayout* CDlgIspRegister::make_register_column() {
 QBoxLayout* CDlgIspRegister::make_address_rows() {
   address_->setToolTip(
       "Register address, four hexadecimal digits; the arrows keep within 0xF800..0xFFFF, the chip takes the "
-      "low 12 bits (registers 0x92 and 0x94). Enter reads.");
+      "low 12 bits (" +
+      registers_text({reg::kIspWriteAddress, reg::kIspReadAddress}) + "). Enter reads.");
   value_->setToolTip("Register value, 0x00..0xFF");
   name_->setToolTip("Name of the register at the address");
   name_->setEnabled(false);
@@ -214,11 +219,11 @@ QBoxLayout* CDlgIspRegister::make_button_rows() {
                   "Writes the registers of a text file to the chip, at once. What these registers had "
                   "is lost where it was not read before.",
                   &RegisterDesk::load_file);
-  QPushButton* flash =
-      make_button("Write REG to Flash",
-                  "Stores the registers 0xF800..0xFFFF in the chip's flash (registers 0xDC..0xE0); "
-                  "not available",
-                  &RegisterDesk::write_flash);
+  QPushButton* flash = make_button(
+      "Write REG to Flash",
+      QString("Stores the registers 0xF800..0xFFFF in the chip's flash (%1..%2); not available")
+          .arg(register_text(KeptRegisters::kBlockNumber), to_qt(hex(KeptRegisters::kEndOfBlock, 2))),
+      &RegisterDesk::write_flash);
   flash->setEnabled(false);
   reserve_width(load_all_, "Load All From ISP(100%)");
   auto* upper = new QHBoxLayout;

@@ -8,7 +8,7 @@
 #include <array>
 #include <utility>
 
-#include "base/ui/list_choice.h"
+#include "base/ui/controls.h"
 #include "simulator/simulated_chip.h"
 #include "simulator/ui/picture_view.h"
 

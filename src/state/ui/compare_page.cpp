@@ -19,8 +19,8 @@
 
 #include "base/atomic_file.h"
 #include "base/text.h"
+#include "base/ui/controls.h"
 #include "base/ui/page_marks.h"
-#include "base/ui/push_button.h"
 #include "base/ui/qt_text.h"
 #include "state/all_pages_read.h"
 #include "state/ui/compare_model.h"

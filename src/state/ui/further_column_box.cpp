@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "base/atomic_file.h"
-#include "base/ui/list_choice.h"
+#include "base/ui/controls.h"
 #include "base/ui/qt_text.h"
 #include "console/setting_file.h"
 #include "console/setting_files.h"

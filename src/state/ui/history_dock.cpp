@@ -20,7 +20,7 @@
 #include <utility>
 
 #include "base/atomic_file.h"
-#include "base/ui/list_choice.h"
+#include "base/ui/controls.h"
 #include "base/ui/qt_text.h"
 #include "state/ui/history_model.h"
 #include "state/way_back.h"

@@ -47,12 +47,6 @@ QString field_tooltip(const FieldInfo& field) {
   return QString::fromStdString(field.range_text());
 }
 
-QString registers_text(const std::vector<int>& addresses) {
-  QStringList texts;
-  for (const int address : addresses) texts << register_text(address).section(' ', 1);
-  return "registers " + texts.join(", ");
-}
-
 QSpinBox* FieldEdits::number(std::size_t field, const QString& name) {
   return number(always(field), name);
 }

@@ -15,8 +15,6 @@ namespace qv5123 {
 
 /// "0..4095, register 0x64", as tooltips tell it of a field.
 QString field_tooltip(const FieldInfo& field);
-/// "registers 0x03, 0x04, 0x05".
-QString registers_text(const std::vector<int>& addresses);
 
 /// The edits of a desk's values. Name, range and tooltip come from the field; what is typed goes to the desk,
 /// and show() brings back what it holds.

@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/hex.h"
 #include "base/ui/page_marks.h"
 
 namespace qv5123 {
@@ -74,13 +73,6 @@ QComboBox* make_combo(const QStringList& items, const QString& name, const QStri
   QObject::connect(combo, &QComboBox::currentIndexChanged, combo, std::move(chosen));
   keep_wheel_from(combo);
   return combo;
-}
-
-QString register_text(int address) {
-  return "register 0x" +
-         QString::fromStdString(upper_hex(static_cast<unsigned>(address), address > 0xFFF  ? 4
-                                                                          : address > 0xFF ? 3
-                                                                                           : 2));
 }
 
 QLabel* centred(const QString& text) {

@@ -15,6 +15,7 @@
 
 #include <functional>
 
+#include "base/ui/controls.h"
 #include "base/ui/number_edit.h"
 
 /// The controls that the pages are put together from, each with its accessible name, which is unique on its
@@ -63,8 +64,6 @@ QStringList items_of(const Captions& captions) {
   return items;
 }
 
-/// "register 0x3A", as tooltips call it.
-QString register_text(int address);
 /// A heading above what it names.
 QLabel* centred(const QString& text);
 

@@ -6,6 +6,8 @@
 #include <QVBoxLayout>
 
 #include "base/ui/page_marks.h"
+#include "base/ui/qt_text.h"
+#include "tuning/save_tip.h"
 #include "tuning/ui/front_parts.h"
 #include "tuning/ui/page_parts.h"
 #include "tuning/userdata_parameters.h"
@@ -14,6 +16,12 @@ namespace qv5123 {
 namespace {
 
 constexpr char kPlayCaption[] = "Register File Load";
+
+QString parameter_registers() {
+  std::set<int> addresses;
+  for (const UserdataParameter& parameter : userdata_parameters()) addresses.insert(parameter.address);
+  return to_qt(register_runs(addresses));
+}
 
 }  // namespace
 
@@ -37,7 +45,7 @@ ServiceAreaBox::ServiceAreaBox(ServiceArea& area, ScriptPlayer& player) : area_(
 QWidget* ServiceAreaBox::make_parameters() {
   auto* group = new QGroupBox("Userdata Control");
   QGridLayout* grid = tight_grid(group);
-  parameter_ = make_combo({}, "Userdata Title", "Parameter, registers 0xAC..0xBC, 0x8C, 0x66",
+  parameter_ = make_combo({}, "Userdata Title", "Parameter, " + parameter_registers(),
                           [this](int row) { area_.select(static_cast<std::size_t>(row)); });
   parameter_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
   auto* value = make_hex_edit(HexForm::byte, "Userdata Value", "00", "New value, 2 hex digits");
