@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "base/atomic_file.h"
-#include "base/delay.h"
 #include "link/late_answers.h"
+#include "link/quiet.h"
 #include "link/reply_text.h"
 #include "link/serial_device.h"
 #include "simulator/simulated_board.h"
@@ -15,7 +15,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds kLookEvery{10};
 /// How long what is told last may take to leave. Less than what the program's end may take.
 constexpr milliseconds kLeavePatience{1500};
 static_assert(kLeavePatience < Interrupts::kEndedWithin);
@@ -182,25 +181,27 @@ Task<bool> Chip::send_and_hear(Batch batch) {
   const Signs before = signs();
   co_await send(one_flush(std::move(batch)));
   const milliseconds sent = scheduler_.now();
-  while (signs() == before && scheduler_.now() - sent < timeout()) co_await Delay(scheduler_, kLookEvery);
+  while (signs() == before && scheduler_.now() - sent < timeout()) co_await Delay(scheduler_, kLookForSigns);
   co_return signs() != before;
 }
 
 Task<bool> Chip::wait_for_quiet(milliseconds quiet, milliseconds longest) {
-  const milliseconds start = scheduler_.now();
-  milliseconds heard = start;
-  Signs last = signs();
-  while (scheduler_.now() - heard < quiet && scheduler_.now() - start < longest) {
-    co_await Delay(scheduler_, kLookEvery);
-    if (signs() == last) continue;
-    last = signs();
-    heard = scheduler_.now();
-  }
-  co_return scheduler_.now() - heard >= quiet;
+  return qv5123::wait_for_quiet(
+      scheduler_, [this] { return signs(); }, quiet, longest);
 }
 
 ExitCode run_on_chip(Context& context, const Chip::Work& work, Chip::Begin begin) {
   return Chip(context).run(begin, work);
+}
+
+UnattendedHost::Progress progress_of(Chip& chip) {
+  return [&chip](std::optional<int> percent) {
+    chip.out().progress(percent ? std::to_string(*percent) + " %" : "");
+  };
+}
+
+UnattendedHost host_on(Chip& chip) {
+  return {chip.link(), progress_of(chip), [&chip](const std::string& text) { chip.out().warning(text); }};
 }
 
 }  // namespace qv5123

@@ -13,6 +13,7 @@
 #include "cli/context.h"
 #include "link/port_session.h"
 #include "link/trace_device.h"
+#include "provision/unattended.h"
 
 namespace qv5123 {
 
@@ -115,5 +116,11 @@ class Chip {
 /// Runs `work` on the chip that the options name.
 ExitCode run_on_chip(Context& context, const Chip::Work& work,
                      Chip::Begin begin = Chip::Begin::after_greeting);
+
+/// Shows how far a desk on the chip is.
+UnattendedHost::Progress progress_of(Chip& chip);
+/// Runs a desk on the chip; what it has for the console is a warning. Commands say by themselves what came of
+/// them.
+UnattendedHost host_on(Chip& chip);
 
 }  // namespace qv5123

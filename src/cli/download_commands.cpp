@@ -5,9 +5,9 @@
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/files.h"
-#include "cli/headless_host.h"
 #include "console/image_transfer.h"
 #include "console/setting_file.h"
+#include "provision/unattended.h"
 
 namespace qv5123 {
 namespace {

@@ -35,12 +35,6 @@ Doubtful doubtful(bool send) {
   return send ? Doubtful::send : Doubtful::refuse;
 }
 
-UnattendedHost::Progress progress_of(Chip& chip) {
-  return [&chip](std::optional<int> percent) {
-    chip.out().progress(percent ? std::to_string(*percent) + " %" : "");
-  };
-}
-
 /// A measurement that is given up leaves the chip with its picker off, and exposure and white balance
 /// running. What the page has besides is the chip's.
 Task<> begin(Chip& chip, UnattendedHost& host, TuningDesk& desk) {

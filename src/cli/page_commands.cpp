@@ -5,7 +5,6 @@
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/files.h"
-#include "cli/headless_host.h"
 #include "cli/page_reading.h"
 #include "tuning/tuning_pages.h"
 
@@ -149,7 +148,7 @@ Task<ExitCode> diff(Chip& chip, const PageOptions& options, const UserDataImage&
   co_return show_results(chip.out(), results);
 }
 
-Task<> send_save(Chip& chip, HeadlessHost& host, TuningDesk& desk, FullSave save) {
+Task<> send_save(Chip& chip, UnattendedHost& host, TuningDesk& desk, FullSave save) {
   // What follows the save on the chip is still done when the save is given up. While the chip stores there is
   // nothing to give up.
   chip.on_interrupt(
@@ -206,7 +205,7 @@ Task<PageResult> verify(Chip& chip, TuningDesk& desk, int repairs, Json json) {
 
 Task<PageResult> save_page(Chip& chip, CQV5123Doc& document, const std::string& name,
                            const PageOptions& options) {
-  HeadlessHost host(chip);
+  UnattendedHost host = host_on(chip);
   const std::unique_ptr<TuningDesk> desk = make_desk(name, host, document);
   desk->model().load_all(document.user_data);
   FullSave save = desk->full_save();

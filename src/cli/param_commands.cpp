@@ -6,7 +6,6 @@
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/files.h"
-#include "cli/headless_host.h"
 #include "cli/page_reading.h"
 #include "cli/parameters.h"
 #include "console/setting_file.h"
@@ -166,7 +165,7 @@ ExitCode set_in_file(Context& context, const ParamOptions& options) {
 /// report.
 Traffic traffic_of(Chip& chip, const Assigned& assigned, const PageParameters& page, const std::string& reply,
                    const UserDataImage& base) {
-  HeadlessHost host(chip);
+  UnattendedHost host = host_on(chip);
   CQV5123Doc document;
   document.user_data = base;
   document.user_data.mark_loaded();

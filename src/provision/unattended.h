@@ -44,12 +44,17 @@ std::string bare_words(const std::string& text);
 class UnattendedHost final : public DeskHost {
  public:
   using Progress = std::function<void(std::optional<int> percent)>;
-  UnattendedHost(CommandLink& link, Progress progress) : link_(link), progress_(std::move(progress)) {}
+  using Console = std::function<void(const std::string& text)>;
+  /// Without `console` nobody reads what is for it.
+  UnattendedHost(CommandLink& link, Progress progress, Console console = {})
+      : link_(link), progress_(std::move(progress)), console_(std::move(console)) {}
 
   CommandLink& link() override { return link_; }
   void show_status(const std::string& text) override { last_status_ = text; }
   void show_failure(const std::string& text) override { last_failure_ = text; }
-  void append_console(const std::string&) override {}
+  void append_console(const std::string& text) override {
+    if (console_) console_(text);
+  }
   void show_progress(std::optional<int> percent) override { progress_(percent); }
   void set_busy(bool busy) override {
     if (!busy) progress_(std::nullopt);
@@ -67,6 +72,7 @@ class UnattendedHost final : public DeskHost {
  private:
   CommandLink& link_;
   const Progress progress_;
+  const Console console_;
   std::string last_status_;
   std::string last_failure_;
   bool stopped_ = false;

@@ -6,6 +6,7 @@
 #include "base/delay.h"
 #include "base/text.h"
 #include "link/indirect_access.h"
+#include "link/quiet.h"
 #include "link/reply_text.h"
 
 namespace qv5123 {
@@ -13,7 +14,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds kLook{10};
 /// So soon a stop is seen.
 constexpr milliseconds kLongestDelay{200};
 /// A chip announces itself when its line is opened; nothing is asked before it has.
@@ -130,7 +130,7 @@ Task<> Unit::hear_greeting() {
   const milliseconds start = scheduler().now();
   while (!version_ && scheduler().now() - start < around_.timeout) {
     check_stop();
-    co_await Delay(scheduler(), kLook);
+    co_await Delay(scheduler(), kLookForSigns);
     if (const std::optional<std::string> block = link().reply().take_block()) take_greeting(*block);
   }
 }
@@ -146,17 +146,9 @@ void Unit::take_greeting(const std::string& block) {
   record_.serial = latin1_to_utf8(std::string_view(serial).substr(0, serial.find('\0')));
 }
 
-Task<> Unit::wait_for_quiet(milliseconds quiet, milliseconds longest) {
-  const milliseconds start = scheduler().now();
-  milliseconds heard = start;
-  std::size_t last = signs_ + link().reply().index();
-  while (scheduler().now() - heard < quiet && scheduler().now() - start < longest) {
-    co_await Delay(scheduler(), kLook);
-    const std::size_t now = signs_ + link().reply().index();
-    if (now == last) continue;
-    last = now;
-    heard = scheduler().now();
-  }
+Task<bool> Unit::wait_for_quiet(milliseconds quiet, milliseconds longest) {
+  return qv5123::wait_for_quiet(
+      scheduler(), [this] { return signs_ + link().reply().index(); }, quiet, longest);
 }
 
 Task<std::string> Unit::ask(Batch request, std::string what) {
@@ -200,7 +192,7 @@ Task<bool> Unit::hear(const std::string& text, milliseconds longest) {
   const milliseconds start = scheduler().now();
   while (said_.find(text) == std::string::npos && scheduler().now() - start < longest) {
     check_stop();
-    co_await Delay(scheduler(), kLook);
+    co_await Delay(scheduler(), kLookForSigns);
   }
   co_return said_.find(text) != std::string::npos;
 }

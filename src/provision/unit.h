@@ -82,7 +82,7 @@ class Unit {
   Task<bool> transfer_once(TransferKind kind, const RecipeFile* file, const std::string& says);
   Task<bool> hear(const std::string& text, std::chrono::milliseconds longest);
   std::chrono::milliseconds line_time(std::size_t bytes) const;
-  Task<> wait_for_quiet(std::chrono::milliseconds quiet, std::chrono::milliseconds longest);
+  Task<bool> wait_for_quiet(std::chrono::milliseconds quiet, std::chrono::milliseconds longest);
   Task<> save_page(const std::string& name, int repair);
   Task<> save_verified(TuningDesk& desk, int repair);
   Task<> send_save(TuningDesk& desk);
