@@ -16,7 +16,16 @@
 #include "provision/desk_measurements.h"
 #include "registers/register_names.h"
 
-/// What is done to each unit of a lot. A recipe is read and checked whole before any of it is done.
+/// What is done to each unit of a lot. A recipe is read and checked whole before any of it is done. It is a
+/// TOML file, with the steps in their order:
+///
+///     name = "Lot 7"
+///     records = "lot7.jsonl"
+///     description = "regu.xml"
+///
+///     [[step]]
+///     do = "expect"
+///     serial = "QV512*"
 namespace qv5123 {
 
 /// A file that a recipe names, as it was when the recipe was checked.

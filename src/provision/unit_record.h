@@ -38,7 +38,12 @@ struct UnitRecord {
   int retries() const;
 };
 
-/// The record as one line of JSON, without its line end.
+/// The record as one line of JSON, without its line end; here in several, with dots for what is left out:
+///
+///     {"unit":"2026-11-22T02:51:01.123Z-4711-1","serial":"L7-0001","port":"COM5",
+///     "started":"2026-11-22T02:51:01.123Z","seconds":48.2,"verdict":"fail",
+///     "why":"the chip did not answer","failed_step":"expect","retries":2,
+///     "steps":[{"step":"expect","result":"fail","seconds":6.1,"retries":2}],"recipe":"Lot 7",...}
 std::string record_line(const UnitRecord& record, const Recipe& recipe);
 
 }  // namespace qv5123

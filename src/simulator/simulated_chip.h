@@ -20,7 +20,11 @@ namespace qv5123 {
 
 /// The camera chip on the other end of the line: bytes go in with receive(), bytes come out with
 /// take_output(), in the order in which the chip says them. It has no clock and no threads; whoever runs it
-/// says how long the line was silent. No input can harm it.
+/// says how long the line was silent. No input can harm it. The ISP's 0x922 is written, which it understands
+/// in silence, and read:
+///
+///     @9209*@9222*@9312*
+///     @9409*@9422*          ~12^
 class SimulatedChip {
  public:
   /// Called with one line of text for everything the chip understands.

@@ -104,7 +104,10 @@ std::vector<Drawing> pictures_of(const SignOff& report);
 /// stands in it.
 std::string sign_off_html(const SignOff& report,
                           const std::function<std::string(const Drawing&)>& picture = svg);
-/// The same data as JSON.
+/// The same data as JSON, with the values by page and name:
+///
+///     {"program": "qv5123ctl 2.3.2", "time": ..., "pages": [
+///     {"name": "awb", "values": {"a_slope": {"page": 12, "chip": 12, "file": null, "known": "read"}, ...}}]}
 std::string sign_off_json(const SignOff& report);
 
 }  // namespace qv5123
