@@ -1,9 +1,12 @@
 #include "state/write_journal.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "base/text.h"
+#include "state/chip_touch.h"
+#include "tuning/tuning_pages.h"
 
 namespace qv5123 {
 namespace {
@@ -25,6 +28,74 @@ std::string full_name(const WriteRecord& record, const WriteRecord::Value& value
 
 std::string lines_text(std::size_t lines) {
   return lines == 1 ? "1 line" : std::to_string(lines) + " lines";
+}
+
+/// Which values single registers hold, for writes that do not name them.
+class ValueRegisters {
+ public:
+  ValueRegisters();
+  /// What a record may have changed beside the values that it names.
+  ChipTouch touched_by(const WriteRecord& record) const;
+  template <class Does>
+  void each_name(const std::bitset<256>& registers, Does does) const {
+    if (registers.none()) return;
+    for (const auto& [address, name] : names_)
+      if (registers.test(address)) does(name);
+  }
+
+ private:
+  std::bitset<256> registers_;
+  std::vector<std::pair<std::size_t, std::string>> names_;
+};
+
+ValueRegisters::ValueRegisters() {
+  for (const char* page : kTuningPages) {
+    const std::unique_ptr<TuningModel> model = make_model(page);
+    for (const FieldInfo& field : model->fields()) {
+      if (field.address == Field::kNowhere) continue;
+      const auto address = static_cast<std::size_t>(field.address);
+      registers_.set(address);
+      names_.emplace_back(address, std::string(page) + "." + field.name);
+    }
+  }
+}
+
+ChipTouch ValueRegisters::touched_by(const WriteRecord& record) const {
+  using Result = WriteRecord::Result;
+  ChipTouch touch;
+  // A chip that was away may hold anything.
+  touch.everything = record.result == Result::lost;
+  if (!record.values.empty()) return touch;
+  for (const Batch& flush : record.flushes) touch.add(flush, registers_);
+  // The flush that was cut short need not be among them.
+  touch.everything = touch.everything || record.plain_bytes > 0 || record.result == Result::cut_short;
+  return touch;
+}
+
+/// What is known once `record` is over.
+void follow(KnownValues& known, const WriteRecord& record, const ValueRegisters& registers) {
+  const ChipTouch touch = registers.touched_by(record);
+  if (touch.everything) known.clear();
+  registers.each_name(touch.registers, [&known](const std::string& name) { known.erase(name); });
+  for (const WriteRecord::Value& value : record.values) {
+    if (record.result == WriteRecord::Result::sent)
+      known[full_name(record, value)] = value.now;
+    else
+      known.erase(full_name(record, value));
+  }
+}
+
+/// Adds what a record from after the moment tells of it. `changed` are the names of what may have been
+/// another since then. False when no later record tells anything any more.
+bool look_back(KnownValues& known, std::set<std::string>& changed, const WriteRecord& record,
+               const ValueRegisters& registers) {
+  for (const WriteRecord::Value& value : record.values) {
+    const std::string name = full_name(record, value);
+    if (changed.insert(name).second && value.old) known.try_emplace(name, *value.old);
+  }
+  const ChipTouch touch = registers.touched_by(record);
+  registers.each_name(touch.registers, [&changed](const std::string& name) { changed.insert(name); });
+  return !touch.everything;
 }
 
 }  // namespace
@@ -86,23 +157,12 @@ bool WriteMatcher::matches(std::string_view line) const {
 }
 
 KnownValues values_after(const WriteJournal& journal, std::size_t count) {
-  using Result = WriteRecord::Result;
+  const ValueRegisters registers;
   KnownValues known;
-  for (std::size_t i = 0; i < journal.size(); ++i) {
-    const WriteRecord record = journal.at(i);
-    // A chip that was away may hold anything.
-    if (i < count && record.result == Result::lost) known.clear();
-    for (const WriteRecord::Value& value : record.values) {
-      if (i < count && record.result == Result::sent) {
-        known[full_name(record, value)] = value.now;
-      } else if (i < count) {
-        known.erase(full_name(record, value));
-      } else if (value.old) {
-        known.try_emplace(full_name(record, value), *value.old);
-      }
-    }
-    if (i >= count && record.result == Result::lost) break;
-  }
+  std::size_t i = 0;
+  for (; i < std::min(count, journal.size()); ++i) follow(known, journal.at(i), registers);
+  std::set<std::string> changed;
+  while (i < journal.size() && look_back(known, changed, journal.at(i), registers)) ++i;
   return known;
 }
 

@@ -74,8 +74,9 @@ class WriteMatcher {
 using KnownValues = std::map<std::string, int>;
 
 /// What was told by the first `count` writes of those that the journal holds; not what did not leave as a
-/// whole, and nothing from before the port was closed or lost. Values that only later ones changed are what
-/// they are known to have been before that.
+/// whole, nothing from before the port was closed or lost, and nothing that a write without names may have
+/// changed since, such as a reset. Values that only later ones changed are what they are known to have been
+/// before that.
 KnownValues values_after(const WriteJournal& journal, std::size_t count);
 
 /// What a journal's file holds, as far as it can be read.

@@ -5,6 +5,7 @@
 
 #include <map>
 
+#include "console/main_commands.h"
 #include "state/replay_script.h"
 #include "state/write_export.h"
 #include "state/write_history.h"
@@ -156,6 +157,42 @@ TEST(WriteJournal, TellsWhatTheChipWasLastTold) {
   EXPECT_THAT(values_after(history.journal(), 3), ElementsAre(Pair("awb.b_slope", 8)));
   const OpenedJournal read = open_journal(journal_of({history.journal().at(0), history.journal().at(1)}));
   EXPECT_TRUE(is_connection(read.journal.at(1)));
+}
+
+TEST(WriteJournal, WhatHasNoNamesTakesAwayWhatWasKnown) {
+  const auto named = [](const char* page, const char* name, std::optional<int> old, int now) {
+    WriteRecord record = slope(0, now);
+    record.page = page;
+    record.values = {{name, old, now}};
+    return record;
+  };
+  const auto unnamed = [](Traffic flushes) {
+    WriteRecord record = slope(0, 0);
+    record.values.clear();
+    record.flushes = std::move(flushes);
+    return record;
+  };
+  const WriteRecord reset = unnamed({factory_reset()});
+  WriteRecord image = unnamed({{}});
+  image.plain_bytes = 4096;
+  WriteRecord cut = unnamed({});
+  cut.result = WriteRecord::Result::cut_short;
+  for (const WriteRecord& all : {reset, image, cut}) {
+    const OpenedJournal opened = open_journal(journal_of({slope(1, 2), all, named("awb", "b_slope", 7, 8)}));
+    EXPECT_THAT(values_after(opened.journal, 1), ElementsAre(Pair("awb.a_slope", 2)))
+        << "the other's old value was read afterwards";
+    EXPECT_THAT(values_after(opened.journal, 2), ElementsAre(Pair("awb.b_slope", 7)));
+  }
+
+  const WriteRecord raw = unnamed({{{0x64, 1}, {0x64, 2}}});
+  const OpenedJournal row = open_journal(journal_of({slope(1, 2), named("lsc", "parameter1.r", 3, 4), raw,
+                                                     question(0), named("lsc", "parameter1.g", 5, 6)}));
+  EXPECT_THAT(values_after(row.journal, 1), ElementsAre(Pair("awb.a_slope", 2), Pair("lsc.parameter1.r", 3)));
+  EXPECT_THAT(values_after(row.journal, 3), ElementsAre(Pair("awb.a_slope", 2), Pair("lsc.parameter1.g", 5)));
+
+  const OpenedJournal twice =
+      open_journal(journal_of({named("awb", "a_slope", {}, 30), named("awb", "a_slope", 30, 40)}));
+  EXPECT_THAT(values_after(twice.journal, 0), IsEmpty()) << "30 is what came first";
 }
 
 TEST(WriteJournal, ACopyStaysAsItWasWhileTheOtherGrows) {
