@@ -22,6 +22,8 @@ struct WayBack {
   struct Page {
     std::size_t page = 0;  ///< its place in kTuningPages
     std::vector<Value> values;
+    /// What the same controls send with them and the chip holds as it did then.
+    std::vector<Value> neighbours;
 
     std::vector<std::size_t> fields() const;
   };
@@ -29,11 +31,18 @@ struct WayBack {
   /// "awb.a_slope: chip 12, then 20", also of those that nothing sends alone.
   std::vector<std::string> differences;
   std::size_t unsendable = 0;  ///< how many of them those are
+  /// What goes along as its page has it, for nobody knows what it was then: "awb.b_slope: chip 12, page 20".
+  std::vector<std::string> unknown;
 };
 
 /// What differs between `then` and what the chip is known to hold. What is not known of it counts as
 /// differing.
 WayBack way_back(const KnownValues& then, const ValueStates& states);
+
+/// Completes `page`, one of `way`, by what goes along when its values are sent: `sent` is all that the chip
+/// holds afterwards.
+void add_neighbours(WayBack& way, WayBack::Page& page, const std::vector<WriteNote::Value>& sent,
+                    const KnownValues& then, const ValueStates& states);
 
 /// How many writes behind the first `count` of a journal have no names, and so no way back.
 std::size_t unnamed_writes_after(const WriteJournal& journal, std::size_t count);

@@ -54,6 +54,22 @@ TEST_F(WayBackTest, IsWhatDiffersFromTheMomentAndWhatIsNotKnown) {
   EXPECT_THAT(way_back_question(long_way, {1, 1}, 0), Not(HasSubstr("Nothing sends")));
 }
 
+TEST_F(WayBackTest, TellsWhatGoesAlong) {
+  send_row(20);
+  desk_.type(1, 77);
+  desk_.type(2, 78);
+  const KnownValues then{{"lsc.parameter1.r", 10}, {"lsc.parameter1.g", 20}};
+  WayBack way = way_back(then, states_);
+  ASSERT_EQ(way.pages.size(), 1u);
+  const auto row = desk_.control_values(static_cast<int>(LensControl::parameter1));
+  add_neighbours(way, way.pages[0], row, then, states_);
+  ASSERT_EQ(way.pages[0].neighbours.size(), 1u);
+  EXPECT_EQ(way.pages[0].neighbours[0].field, 1u);
+  EXPECT_EQ(way.pages[0].neighbours[0].then, 20);
+  EXPECT_THAT(way_back_question(way, {6, 1}, 0),
+              HasSubstr("what they were then is not known:\nlsc.parameter1.b: chip 20, page 78\n"));
+}
+
 TEST_F(WayBackTest, LeadsFromTheJournalBackToWhatTheChipHeld) {
   WriteJournal journal;
   states_.on_write([&](const WriteEvent& event) { journal.add(record_of(event, {})); });

@@ -11,7 +11,7 @@ namespace qv5123 {
 class CQV5123View;
 
 /// "Back to here": shows what differs from a moment of the journal, and sends it when the user agrees, each
-/// value as its page's own control does.
+/// value as its page's own control does, with that control's other values as they were then.
 class WayBackTool {
  public:
   WayBackTool(CQV5123View& view, Prompts& prompts) : view_(view), prompts_(prompts) {}
@@ -21,7 +21,8 @@ class WayBackTool {
 
  private:
   Task<> run(KnownValues then, std::size_t unnamed, std::string when);
-  SendingSum sum_of(const WayBack& way);
+  /// Adds to `way` what goes along, and tells how much is sent.
+  SendingSum rehearse(WayBack& way, const KnownValues& then);
   Task<> send(WayBack::Page page, std::string what);
 
   CQV5123View& view_;
