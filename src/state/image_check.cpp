@@ -1,6 +1,5 @@
 #include "state/image_check.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "tuning/tuning_desk.h"
@@ -15,7 +14,7 @@ std::vector<WriteNote::Value> ImageCheck::values_of(std::size_t page) const {
   std::vector<WriteNote::Value> values;
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     const FieldInfo& field = model->fields()[i];
-    if (field.has_entry() && field.has_reply()) values.push_back({i, field.held_by_chip(numbers[i])});
+    if (field.has_entry()) values.push_back({i, field.held_by_chip(numbers[i])});
   }
   return values;
 }
@@ -36,10 +35,10 @@ Task<> ImageCheck::verify() {
 }
 
 Task<> ImageCheck::repair(int times) {
-  for (; times > 0 && differs(); --times) {
+  for (; times > 0 && !differences().empty(); --times) {
     const std::vector<PageResult> results = results_;
     for (const PageResult& result : results)
-      if (result.found.end == Verification::End::differs) co_await send_again(result);
+      if (!result.found.differences.empty()) co_await send_again(result);
     co_await verify();
   }
 }
@@ -53,16 +52,6 @@ Task<> ImageCheck::send_again(const PageResult& result) {
   co_await desk->bring_values("System, again", fields, true);
 }
 
-/// The worst of all pages.
-Verification::End ImageCheck::end() const {
-  using End = Verification::End;
-  for (const End worst : {End::no_answer, End::unclear, End::differs}) {
-    const auto is_so = [worst](const PageResult& result) { return result.found.end == worst; };
-    if (std::any_of(results_.begin(), results_.end(), is_so)) return worst;
-  }
-  return results_.empty() ? End::no_answer : End::verified;
-}
-
 std::vector<std::string> ImageCheck::differences() const {
   std::vector<std::string> all;
   for (const PageResult& result : results_)
@@ -72,13 +61,19 @@ std::vector<std::string> ImageCheck::differences() const {
 }
 
 std::string ImageCheck::text() const {
+  using End = Verification::End;
+  const std::vector<std::string> differing = differences();
   Verification sum;
-  sum.end = end();
+  sum.end = differing.empty() ? End::verified : End::differs;
+  std::string unheard;
   for (const PageResult& result : results_) {
     sum.sent += result.found.sent;
     sum.reported += result.found.reported;
+    if (result.found.end == End::no_answer || result.found.end == End::unclear)
+      unheard += ". " + verification_text(result.found, {}) + " (" + states_.page_name(result.page) + ")";
   }
-  return verification_text(sum, differences());
+  if (differing.empty() && !unheard.empty()) return unheard.substr(2);
+  return verification_text(sum, differing) + unheard;
 }
 
 }  // namespace qv5123

@@ -12,8 +12,8 @@
 
 namespace qv5123 {
 
-/// Reads all tuning pages back after the whole user data was sent, and compares what both the pages' replies
-/// and the data have.
+/// Reads all tuning pages back after the whole user data was sent, and compares what the pages' replies have
+/// of it.
 class ImageCheck {
  public:
   /// Both must outlive it.
@@ -26,10 +26,11 @@ class ImageCheck {
   /// Sends what differs again in the brackets of each page's save, and reads back, at most so many times.
   Task<> repair(int times);
 
-  /// "Verified: 815 of 815 values", "2 of 815 values differ: awb A Slope (sent 1, chip 2), ...".
+  /// "Verified: 815 of 815 values", "2 of 815 values differ: awb A Slope (sent 1, chip 2), ...", also with
+  /// the pages that could not be read behind it, or these alone: "Not verified: no answer from the chip
+  /// (awb)".
   std::string text() const;
   std::vector<std::string> differences() const;
-  bool differs() const { return end() == Verification::End::differs; }
 
  private:
   struct PageResult {
@@ -38,7 +39,6 @@ class ImageCheck {
   };
 
   std::vector<WriteNote::Value> values_of(std::size_t page) const;
-  Verification::End end() const;
   Task<> send_again(const PageResult& result);
 
   DeskHost& host_;
