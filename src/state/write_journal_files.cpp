@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <set>
 #include <system_error>
 #include <utility>
 
@@ -17,6 +18,8 @@ using Run = WriteJournalFiles::Run;
 
 constexpr std::string_view kPrefix = "writes-";
 constexpr std::string_view kSuffix = ".journal";
+/// Between a run's name and the number of its file; sorts behind the point that ends the first one's stem.
+constexpr char kPartMark = '_';
 /// "20261122-025101"
 constexpr std::size_t kStartLength = 15;
 
@@ -39,6 +42,41 @@ std::string start_of_name(const std::string& name) {
   for (const std::size_t colon : {13, 11}) start.insert(colon, 1, ':');
   for (const std::size_t dash : {6, 4}) start.insert(dash, 1, '-');
   return start;
+}
+
+/// What the names of a run's files begin with: "writes-20261122-025101-77"; "_0002" follows in its second.
+std::string run_name(const fs::path& file) {
+  const std::string name = path_text(file.stem());
+  return name.substr(0, name.find(kPartMark));
+}
+
+bool is_later(const Run& a, const Run& b) {
+  return std::pair(run_name(a.file), a.file) > std::pair(run_name(b.file), b.file);
+}
+
+/// The files of all runs, the latest first.
+std::vector<Run> journal_files(const fs::path& folder) {
+  std::vector<Run> files;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    std::error_code no_size;
+    const std::string start = start_of_name(path_text(entry->path().filename()));
+    const std::uintmax_t bytes = entry->file_size(no_size);
+    if (!start.empty() && !no_size) files.push_back({entry->path(), start, bytes});
+  }
+  std::sort(files.begin(), files.end(), is_later);
+  return files;
+}
+
+/// The file, and behind it those in which its run went on.
+std::vector<fs::path> with_those_behind(const fs::path& path) {
+  std::vector<fs::path> paths;
+  if (!start_of_name(path_text(path.filename())).empty())
+    for (const Run& file : journal_files(path.parent_path()))
+      if (run_name(file.file) == run_name(path) && file.file > path) paths.push_back(file.file);
+  paths.push_back(path);
+  std::reverse(paths.begin(), paths.end());
+  return paths;
 }
 
 /// The error in words; empty on success.
@@ -71,7 +109,9 @@ OpenedJournal open_journal_file(const fs::path& path, std::uintmax_t limit) {
     return opened;
   }
   bool whole = true;
-  std::string text = beginning_of(path, limit, whole);
+  std::string text;
+  for (const fs::path& part : with_those_behind(path))
+    if (whole) text += beginning_of(part, limit - text.size(), whole);
   // What stands behind the last whole line is cut here, not by whoever wrote it.
   if (!whole) text.resize(text.rfind('\n') + 1);
   opened = open_journal(text);
@@ -83,35 +123,40 @@ OpenedJournal open_journal_file(const fs::path& path, std::uintmax_t limit) {
 
 std::vector<Run> journal_runs(const fs::path& folder) {
   std::vector<Run> runs;
-  std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    std::error_code no_size;
-    const std::string start = start_of_name(path_text(entry->path().filename()));
-    const std::uintmax_t bytes = entry->file_size(no_size);
-    if (!start.empty() && !no_size) runs.push_back({entry->path(), start, bytes});
+  for (const Run& file : journal_files(folder)) {
+    if (runs.empty() || run_name(runs.back().file) != run_name(file.file)) {
+      runs.push_back(file);
+    } else {
+      runs.back().file = file.file;
+      runs.back().bytes += file.bytes;
+    }
   }
-  std::sort(runs.begin(), runs.end(), [](const Run& a, const Run& b) { return a.file > b.file; });
   return runs;
 }
 
 void remove_old_journals(const fs::path& folder, std::size_t runs, std::uintmax_t bytes) {
   std::uintmax_t kept = 0;
-  std::size_t count = 0;
-  for (const Run& run : journal_runs(folder)) {
-    kept += run.bytes;
-    if (++count <= runs && kept <= bytes) continue;
+  std::set<std::string> names;
+  for (const Run& file : journal_files(folder)) {
+    kept += file.bytes;
+    names.insert(run_name(file.file));
+    if (names.size() <= runs && kept <= bytes) continue;
     std::error_code error;
-    fs::remove(run.file, error);
+    fs::remove(file.file, error);
   }
 }
 
 WriteJournalFiles::WriteJournalFiles(Scheduler& scheduler, Background& background, Surroundings surroundings)
     : scheduler_(scheduler), background_(background), surroundings_(std::move(surroundings)) {}
 
-fs::path WriteJournalFiles::new_file() {
+fs::path WriteJournalFiles::next_file() {
+  constexpr int kFourDigits = 10'000;
   written_ = 0;
-  return surroundings_.folder / (std::string(kPrefix) + name_of_start(surroundings_.now()) + "-" +
-                                 std::to_string(detail::process_number()) + std::string(kSuffix));
+  if (++parts_ == 1)
+    run_ = std::string(kPrefix) + name_of_start(surroundings_.now()) + "-" +
+           std::to_string(detail::process_number());
+  const std::string part = parts_ == 1 ? "" : kPartMark + std::to_string(kFourDigits + parts_).substr(1);
+  return surroundings_.folder / (run_ + part + std::string(kSuffix));
 }
 
 void WriteJournalFiles::add(std::string_view line) {
@@ -130,12 +175,13 @@ void WriteJournalFiles::flush() {
 
 Task<> WriteJournalFiles::write(std::string lines) {
   const bool begins = own_.empty() || written_ > kMostOfOne;
-  if (begins) own_ = new_file();
+  if (begins) own_ = next_file();
   written_ += lines.size();
-  std::function<std::string()> work = [begins, folder = surroundings_.folder, file = own_,
+  const std::size_t others = parts_ == 1 ? kMostRuns - 1 : kMostRuns;
+  std::function<std::string()> work = [begins, others, folder = surroundings_.folder, file = own_,
                                        now = surroundings_.now(), lines = std::move(lines)] {
-    // This one is among them by now, and grows up to its own limit.
-    if (begins) remove_old_journals(folder, kMostRuns - 1, kMostBytes - kMostOfOne);
+    // This one is not among them yet, and grows up to its own limit.
+    if (begins) remove_old_journals(folder, others, kMostBytes - kMostOfOne);
     return append_to(file, now, lines);
   };
   const std::string failure = co_await background_.run<std::string>(std::move(work));
@@ -145,9 +191,9 @@ Task<> WriteJournalFiles::write(std::string lines) {
 }
 
 Task<std::vector<Run>> WriteJournalFiles::others() {
-  std::function<std::vector<Run>()> work = [folder = surroundings_.folder, own = own_] {
+  std::function<std::vector<Run>()> work = [folder = surroundings_.folder, own = run_] {
     std::vector<Run> runs = journal_runs(folder);
-    std::erase_if(runs, [&own](const Run& run) { return run.file == own; });
+    std::erase_if(runs, [&own](const Run& run) { return run_name(run.file) == own; });
     return runs;
   };
   return background_.run<std::vector<Run>>(std::move(work));

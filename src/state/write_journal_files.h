@@ -14,8 +14,8 @@
 
 namespace qv5123 {
 
-/// The journals of writes of this and earlier runs, a file for each in one folder. All functions of the disk
-/// run in the background.
+/// The journals of writes of this and earlier runs, a file or some for each in one folder. All functions of
+/// the disk run in the background.
 class WriteJournalFiles {
  public:
   static constexpr std::size_t kMostRuns = 20;
@@ -26,9 +26,9 @@ class WriteJournalFiles {
   static constexpr std::chrono::seconds kGather{1};
 
   struct Run {
-    std::filesystem::path file;
-    std::string start;  ///< UTC, "2026-11-22 02:51:01"
-    std::uintmax_t bytes = 0;
+    std::filesystem::path file;  ///< the first that is still there
+    std::string start;           ///< UTC, "2026-11-22 02:51:01"
+    std::uintmax_t bytes = 0;    ///< of all its files
   };
   struct Surroundings {
     std::filesystem::path folder;  ///< made when it is needed
@@ -54,11 +54,13 @@ class WriteJournalFiles {
 
  private:
   Task<> write(std::string lines);
-  std::filesystem::path new_file();
+  std::filesystem::path next_file();
 
   Scheduler& scheduler_;
   Background& background_;
   const Surroundings surroundings_;
+  std::string run_;  ///< what its files' names begin with
+  int parts_ = 0;    ///< files
   std::filesystem::path own_;
   std::string gathered_;
   std::uintmax_t written_ = 0;  ///< to the own file
@@ -68,12 +70,13 @@ class WriteJournalFiles {
   FlowSet flows_;
 };
 
-/// Reads the beginning of a file as a journal; a file that is longer than `limit` bytes is cut there.
+/// Reads a run's journal from this file on, behind which others may go on; a journal that is longer than
+/// `limit` bytes is cut there. A foreign file is read alone.
 OpenedJournal open_journal_file(const std::filesystem::path& file,
                                 std::uintmax_t limit = WriteJournalFiles::kMostBytes);
 /// The journals in `folder`, the latest first.
 std::vector<WriteJournalFiles::Run> journal_runs(const std::filesystem::path& folder);
-/// Removes the oldest journals until `runs` and `bytes` are kept.
+/// Removes the oldest journals' files until `runs` and `bytes` are kept.
 void remove_old_journals(const std::filesystem::path& folder, std::size_t runs, std::uintmax_t bytes);
 
 }  // namespace qv5123

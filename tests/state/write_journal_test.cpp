@@ -302,6 +302,32 @@ TEST(WriteHistory, TheOldestRunsGoAndForeignFilesStay) {
   EXPECT_EQ(disk.runs().size(), 2u) << "as many as the bytes are enough for";
 }
 
+TEST(WriteHistory, ALongRunGoesOnInFilesThatAreOneRun) {
+  Disk disk;
+  std::filesystem::create_directories(disk.folder.path() / "runs");
+  disk.folder.write("runs/writes-20251121-170000-1.journal", journal_of({slope(1, 2)}));
+  WriteEvent large = slope_event(1, 2);
+  large.batches[1].assign(WriteJournalFiles::kMostOfOne / 5 + 1, {0x20, 1});
+  for (int i = 0; i < 3; ++i) {
+    disk.now += std::chrono::seconds(1);
+    disk.history.note(large);
+    disk.files.flush();
+  }
+  ASSERT_EQ(disk.runs().size(), 2u);
+  EXPECT_EQ(disk.runs()[0].start, "2025-11-22 12:00:01");
+  EXPECT_GT(disk.runs()[0].bytes, 3 * WriteJournalFiles::kMostOfOne);
+  EXPECT_EQ(open_journal_file(disk.runs()[0].file).journal.size(), 3u);
+
+  std::vector<WriteJournalFiles::Run> others;
+  const auto list = [&]() -> Task<> { others = co_await disk.files.others(); };
+  const Flow listing(list());
+  ASSERT_EQ(others.size(), 1u) << "none of this run's own";
+  EXPECT_EQ(others[0].start, "2025-11-21 17:00:00");
+  remove_old_journals(disk.folder.path() / "runs", 1, WriteJournalFiles::kMostBytes);
+  ASSERT_EQ(disk.runs().size(), 1u);
+  EXPECT_GT(disk.runs()[0].bytes, 3 * WriteJournalFiles::kMostOfOne) << "its files count as one";
+}
+
 TEST(WriteHistory, ADiskThatTakesNothingIsToldOfOnce) {
   Disk disk;
   disk.folder.write("runs", "a file where the folder should be");
