@@ -4,6 +4,7 @@
 
 #include "base/atomic_file.h"
 #include "base/delay.h"
+#include "base/text.h"
 #include "cli/chip.h"
 #include "cli/command.h"
 #include "cli/files.h"
@@ -55,6 +56,10 @@ void tell(Context& context, const ReplayOptions& options, const ReplaySum& sum, 
                           {"sent", sent}});
 }
 
+std::string flushes_text(std::size_t flushes) {
+  return std::to_string(flushes) + (flushes == 1 ? " flush" : " flushes");
+}
+
 /// The script as it would be sent, from nothing but the file.
 ExitCode show(Context& context, const ReplayOptions& options, const ReplayScript& script) {
   std::string text;
@@ -66,8 +71,8 @@ ExitCode show(Context& context, const ReplayOptions& options, const ReplayScript
   context.out.text(text);
   tell(context, options, sum, false);
   // As a remark of the script, too.
-  context.out.remark("# " + std::to_string(sum.writes) + " registers in " + std::to_string(sum.flushes) +
-                     " flushes, at least " + std::to_string(sum.time.count()) + " ms; nothing was sent\n");
+  context.out.remark("# " + counted(sum.writes, "register") + " in " + flushes_text(sum.flushes) +
+                     ", at least " + std::to_string(sum.time.count()) + " ms; nothing was sent\n");
   return ExitCode::done;
 }
 
@@ -86,6 +91,7 @@ Task<> wait(Chip& chip, milliseconds time, const bool& ended) {
 Task<ExitCode> play(Chip& chip, const ReplayOptions& options, const ReplayScript& script) {
   bool ended = false;
   chip.on_interrupt([&ended] { ended = true; });
+  const ReplaySum sum = sum_of(script);
   std::size_t sent = 0;
   for (const ReplayStep& step : script.steps) {
     co_await wait(chip, step.wait, ended);
@@ -94,12 +100,11 @@ Task<ExitCode> play(Chip& chip, const ReplayOptions& options, const ReplayScript
     Traffic flush;
     flush.push_back(step.flush);
     co_await chip.send(std::move(flush));
-    chip.out().progress(std::to_string(++sent) + " of " + std::to_string(script.steps.size()) + " flushes");
+    chip.out().progress(std::to_string(++sent) + " of " + flushes_text(sum.flushes));
   }
   chip.out().progress("");
-  const ReplaySum sum = sum_of(script);
   tell(chip.context(), options, sum, true);
-  chip.out().remark(path_text(options.file) + ": " + std::to_string(sum.writes) + " registers written\n");
+  chip.out().remark(path_text(options.file) + ": " + counted(sum.writes, "register") + " written\n");
   co_return ExitCode::done;
 }
 

@@ -18,8 +18,8 @@ std::string writes_as_text(const WriteRecords& records);
 std::string writes_as_csv(const WriteRecords& records);
 /// A JSON object on a line each.
 std::string writes_as_json_lines(const WriteRecords& records);
-/// What replay_steps() reads: the flushes that left, and the pauses between them. What is no register write,
-/// and what only asks, is a remark.
+/// What read_replay_script() reads: the flushes that left, and the pauses between them. What is no register
+/// write, and what only asks, is a remark.
 std::string writes_as_script(const WriteRecords& records);
 
 }  // namespace qv5123

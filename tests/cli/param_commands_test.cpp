@@ -111,6 +111,9 @@ TEST_F(CtlTest, ReplaySendsAScriptAsItStands) {
   const auto dry = ctl({"replay", "script.regs", "--dry-run"});
   EXPECT_EQ(dry.out, "9209 9222 93cc\nwait 120\n0100\n");
   EXPECT_EQ(dry.err, "# 4 registers in 2 flushes, at least 220 ms; nothing was sent\n");
+  folder.write("one.regs", "2001\n");
+  EXPECT_EQ(ctl({"replay", "one.regs", "--dry-run"}).err,
+            "# 1 register in 1 flush, at least 50 ms; nothing was sent\n");
   plug_in();
   EXPECT_EQ(on_board({"replay", "script.regs", "--json", "--trace", "trace"}).json()["writes"], 4);
   EXPECT_THAT(folder.read("trace"),

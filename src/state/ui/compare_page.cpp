@@ -313,7 +313,9 @@ Task<> ComparePage::take(Place from, std::string what) {
 Task<> ComparePage::send() {
   const ValuesToSend values = values_to_send(model_->comparison(), chosen());
   if (values.pages.empty()) {
-    surroundings_.host.show_status("Page -> Chip: nothing that is chosen can be sent alone");
+    surroundings_.host.show_status(values.unopened > 0
+                                       ? "Page -> Chip: the pages of what is chosen hold nothing yet"
+                                       : "Page -> Chip: nothing that is chosen can be sent alone");
     co_return;
   }
   SendingSum sum;

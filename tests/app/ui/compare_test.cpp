@@ -3,6 +3,7 @@
 #include <QLabel>
 #include <QProgressBar>
 
+#include "app/ui/history_tool.h"
 #include "console/setting_file.h"
 #include "reliability/ui/matrix_bench.h"
 #include "state/ui/compare_model.h"
@@ -108,6 +109,14 @@ TEST_F(CompareTest, ValuesGoBetweenPageAndChip) {
   EXPECT_EQ(bench_.wire.sender.wire(), "@6401*@6441*@6404*@649c*@6405*@640a*") << "as the row's \"S\"";
   EXPECT_EQ(rows(), 0) << "the chip holds it now";
 
+  show(1);
+  search("gamma");
+  table()->selectAll();
+  bench_.click("Page -> Chip...");
+  EXPECT_EQ(bench_.statuses.back(), "Page -> Chip: the pages of what is chosen hold nothing yet");
+  search("");
+  show(0);
+
   red1()->setValue(322);
   bench_.wire.advance(1000);
   ASSERT_EQ(rows(), 1);
@@ -204,6 +213,25 @@ TEST_F(CompareTest, HasAFurtherColumn) {
   EXPECT_EQ(cell(0, Column::other), "9");
   choose_further("Nothing else");
   EXPECT_EQ(table()->model()->columnCount(), CompareModel::kColumns - 1);
+}
+
+TEST_F(CompareTest, TheEndOfAnEarlierRunIsAFurtherColumn) {
+  const std::string run = "writes-20251121-170000-1";
+  bench_.folder.write(
+      run + ".journal",
+      journal_head({}) + "1763812800123\tlsc\tParameter-1\tparameter1.r=12>20\t6414\tsent\t1\t0\n");
+  bench_.folder.write(
+      run + "_0002.journal",
+      journal_head({}) + "1763812800124\tlsc\tParameter-1\tparameter1.r=20>21\t6415\tsent\t1\t0\n");
+  const HistoryTool history(*bench_.frame,
+                            {*bench_.view, bench_.user, bench_.work, {}, bench_.folder.path()});
+  bench_.open(PageId::lsc);
+  bench_.open(PageId::compare);
+  choose_further("End of run 2025-11-21 17:00:00 UTC");
+  EXPECT_EQ(further_title(), "Run 2025-11-21 17:00:00");
+  show(1);
+  search("parameter1.r");
+  EXPECT_EQ(cell(0, Column::other), "21") << "as its last file has it";
 }
 
 }  // namespace
