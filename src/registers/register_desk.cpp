@@ -242,6 +242,7 @@ void RegisterDesk::note_change(RegisterSheet::Typed before) {
   if (before.value == sheet_.value_text()) return;
   undo_.push_back(std::move(before));
   redo_.clear();
+  view_.show_steps();
 }
 
 void RegisterDesk::go_back(std::vector<RegisterSheet::Typed>& from, std::vector<RegisterSheet::Typed>& to) {
@@ -251,11 +252,13 @@ void RegisterDesk::go_back(std::vector<RegisterSheet::Typed>& from, std::vector<
   from.pop_back();
   view_.show_value();
   view_.show_data();
+  view_.show_steps();
 }
 
 void RegisterDesk::forget_changes() {
   undo_.clear();
   redo_.clear();
+  view_.show_steps();
 }
 
 void RegisterDesk::save_file() {

@@ -37,6 +37,8 @@ class RegisterView {
   virtual void show_value() = 0;
   virtual void show_fields() = 0;
   virtual void show_data() = 0;
+  /// What can be taken back and made again.
+  virtual void show_steps() = 0;
   virtual void show_buttons(const RegisterButtons& buttons) = 0;
 };
 

@@ -25,6 +25,7 @@ class NoView : public RegisterView {
   void show_value() override {}
   void show_fields() override {}
   void show_data() override {}
+  void show_steps() override {}
   void show_buttons(const RegisterButtons& now) override { buttons = now; }
 };
 

@@ -120,6 +120,7 @@ bool PageArea::eventFilter(QObject* watched, QEvent* event) {
   // Its item chooses it again. Sent to what is hidden by itself, not with the area around it.
   if (event->type() == QEvent::HideToParent && current_ && watched == page_widget(*current_)) {
     update_actions(std::nullopt);
+    emit closed();
   }
   const bool laid_out = event->type() == QEvent::LayoutRequest || event->type() == QEvent::Resize;
   if (laid_out && current_ && watched == page_widget(*current_)) emit room_changed();

@@ -38,6 +38,8 @@ class PageArea final : public QStackedWidget {
 
  signals:
   void chosen(qv5123::PageId id);
+  /// The page that was shown has hidden itself.
+  void closed();
   /// A tuning page has come into being.
   void made(qv5123::TuningDesk& desk);
   /// The Registers page has.

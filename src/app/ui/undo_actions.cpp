@@ -6,10 +6,12 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPointer>
 #include <QSpinBox>
 
 #include "app/ui/page_area.h"
 #include "app/ui/qv5123_view.h"
+#include "base/ui/own_steps.h"
 #include "base/ui/qt_text.h"
 
 namespace qv5123 {
@@ -23,10 +25,10 @@ QAction* add(QMenu& menu, const char* name, const QKeySequence& keys) {
   return action;
 }
 
-void name_step(QAction* action, const QString& verb, const std::string& step, bool can) {
+void name_step(QAction* action, const QString& verb, const std::string& step) {
   // An ampersand of the step's name is no mnemonic.
   action->setText(step.empty() ? verb : verb + " " + to_qt(step).replace(u'&', QStringLiteral("&&")));
-  action->setEnabled(can && !step.empty());
+  action->setEnabled(!step.empty());
 }
 
 /// Whether the edit has something of its own to undo: text that is not taken yet.
@@ -48,17 +50,47 @@ UndoActions::UndoActions(QMenu& menu, CQV5123View& view, QObject* parent)
       view_(view),
       undo_(add(menu, "Undo", QKeySequence("Ctrl+Z"))),
       redo_(add(menu, "Redo", QKeySequence("Ctrl+Shift+Z"))) {
-  connect(undo_, &QAction::triggered, this, [this] { view_.steps().undo(); });
-  connect(redo_, &QAction::triggered, this, [this] { view_.steps().redo(); });
+  connect(undo_, &QAction::triggered, this, [this] { undo(); });
+  connect(redo_, &QAction::triggered, this, [this] { redo(); });
   connect(&view, &CQV5123View::steps_changed, this, &UndoActions::show_steps);
-  connect(&view.pages(), &PageArea::chosen, this, &UndoActions::show_steps);
+  connect(&view.pages(), &PageArea::chosen, this, &UndoActions::follow_page);
+  connect(&view.pages(), &PageArea::closed, this, &UndoActions::show_steps);
   qApp->installEventFilter(this);
 }
 
+OwnSteps* UndoActions::own_steps() const {
+  const auto page = view_.pages().current();
+  QWidget* widget = page ? view_.pages().page_widget(*page) : nullptr;
+  return widget && !widget->isHidden() ? dynamic_cast<OwnSteps*>(widget) : nullptr;
+}
+
+void UndoActions::follow_page() {
+  if (OwnSteps* own = own_steps()) {
+    own->on_steps_changed([self = QPointer(this)] {
+      if (self) self->show_steps();
+    });
+  }
+  show_steps();
+}
+
 void UndoActions::show_steps() {
-  const bool can = view_.pages().current() != PageId::font_editor;
-  name_step(undo_, "Undo", view_.steps().next_undo(), can);
-  name_step(redo_, "Redo", view_.steps().next_redo(), can);
+  const OwnSteps* own = own_steps();
+  const std::string undo = own ? own->next_undo() : "";
+  const std::string redo = own ? own->next_redo() : "";
+  name_step(undo_, "Undo", undo.empty() ? view_.steps().next_undo() : undo);
+  name_step(redo_, "Redo", redo.empty() ? view_.steps().next_redo() : redo);
+}
+
+void UndoActions::undo() {
+  OwnSteps* own = own_steps();
+  if (own && !own->next_undo().empty()) return own->undo_step();
+  view_.steps().undo();
+}
+
+void UndoActions::redo() {
+  OwnSteps* own = own_steps();
+  if (own && !own->next_redo().empty()) return own->redo_step();
+  view_.steps().redo();
 }
 
 bool UndoActions::eventFilter(QObject* watched, QEvent* event) {

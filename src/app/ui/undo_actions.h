@@ -8,9 +8,11 @@ class QMenu;
 namespace qv5123 {
 
 class CQV5123View;
+class OwnSteps;
 
-/// "Undo" and "Redo" of the menu, each naming its step. Text that is being typed in an edit is the edit's own
-/// to undo, and so is a drawing in the font editor, which keeps steps of its own.
+/// "Undo" and "Redo" of the menu, each naming its step: one that the page which is shown keeps itself, and
+/// where it has none, the one of the tuning pages. Text that is being typed in an edit is the edit's own to
+/// undo.
 class UndoActions final : public QObject {
   Q_OBJECT
 
@@ -23,7 +25,12 @@ class UndoActions final : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  /// The page that is shown, where it has steps of its own.
+  OwnSteps* own_steps() const;
+  void follow_page();
   void show_steps();
+  void undo();
+  void redo();
 
   CQV5123View& view_;
   QAction* undo_;

@@ -205,8 +205,9 @@ QBoxLayout* CDlgFontMaker::make_edit_rows() {
     return action(text, QKeySequence(keys), "Move the pixels by one",
                   [this, direction] { editor_.shift(direction); });
   };
-  undo_ = action("Undo", QKeySequence::Undo, "Take the last change back", [this] { undo(); });
-  redo_ = action("Redo", QKeySequence::Redo, "Do it again", [this] { editor_.redo(); });
+  // Their keys are the window's.
+  undo_ = add_action("Undo", {}, "Take the last change back (Ctrl+Z)", [this] { undo_step(); });
+  redo_ = add_action("Redo", {}, "Do it again (Ctrl+Shift+Z)", [this] { redo_step(); });
   auto* copy = action("Copy", QKeySequence::Copy, "Copy the edited glyph", [this] { copy_glyph(); });
   auto* paste = action("Paste", QKeySequence::Paste, "Edit the copied glyph here", [this] { paste_glyph(); });
   auto* invert =
@@ -226,7 +227,7 @@ QAction* CDlgFontMaker::add_action(const QString& text, const QKeySequence& keys
   auto* action = new QAction(text, this);
   action->setShortcut(keys);
   action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-  action->setToolTip(tip + " (" + keys.toString(QKeySequence::NativeText) + ")");
+  action->setToolTip(keys.isEmpty() ? tip : tip + " (" + keys.toString(QKeySequence::NativeText) + ")");
   connect(action, &QAction::triggered, this, act);
   addAction(action);
   return action;
@@ -236,8 +237,9 @@ void CDlgFontMaker::refresh_buffer() {
   const int glyph = editor_.selected_glyph();
   number_->setText(number_text(glyph));
   state_->setText(editor_.is_unset() ? "Drawn, not set" : "");
-  undo_->setEnabled(editor_.can_undo() || fills_ > 0);
-  redo_->setEnabled(editor_.can_redo());
+  undo_->setEnabled(!next_undo().empty());
+  redo_->setEnabled(!next_redo().empty());
+  tell_steps_changed();
   take_over_->setEnabled(editor_.differs(glyph));
   text_view_->update();
   editor_area_->update();

@@ -3,6 +3,7 @@
 #include <QWidget>
 #include <filesystem>
 
+#include "base/ui/own_steps.h"
 #include "console/page_host.h"
 #include "content/font_editor.h"
 
@@ -21,7 +22,7 @@ class GlyphEditorArea;
 
 /// The font editor page. Its text export lives in the directory that is current when the page is made, and is
 /// read from there while the page is already there.
-class CDlgFontMaker : public QWidget, public Page {
+class CDlgFontMaker : public QWidget, public Page, public OwnSteps {
   Q_OBJECT
 
  public:
@@ -37,6 +38,15 @@ class CDlgFontMaker : public QWidget, public Page {
   /// True until the text export is read.
   bool loading() const override { return importing_; }
 
+  std::string next_undo() const override { return editor_.can_undo() || fills_ > 0 ? kStepName : ""; }
+  std::string next_redo() const override { return editor_.can_redo() ? kStepName : ""; }
+  void undo_step() override {
+    edit([this] { undo(); });
+  }
+  void redo_step() override {
+    edit([this] { editor_.redo(); });
+  }
+
   const FontEditor& editor() const { return editor_; }
 
  public slots:
@@ -44,6 +54,8 @@ class CDlgFontMaker : public QWidget, public Page {
   void close_page();
 
  private:
+  static constexpr const char* kStepName = "change of the font";
+
   QBoxLayout* make_file_row();
   QBoxLayout* make_buffer_row();
   QBoxLayout* make_compare_row();

@@ -2,7 +2,6 @@
 
 #include <QComboBox>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -238,20 +237,8 @@ QBoxLayout* CDlgIspRegister::make_button_rows() {
   return rows;
 }
 
-bool CDlgIspRegister::event(QEvent* event) {
-  if (event->type() == QEvent::ShortcutOverride) {
-    const auto* key = static_cast<QKeyEvent*>(event);
-    if ((key->matches(QKeySequence::Undo) && desk_.can_undo()) ||
-        (key->matches(QKeySequence::Redo) && desk_.can_redo()))
-      event->accept();
-  }
-  return QWidget::event(event);
-}
-
-void CDlgIspRegister::keyPressEvent(QKeyEvent* event) {
-  if (event->matches(QKeySequence::Undo)) return desk_.undo();
-  if (event->matches(QKeySequence::Redo)) return desk_.redo();
-  QWidget::keyPressEvent(event);
+std::string CDlgIspRegister::step_name() const {
+  return QString::fromStdU16String(desk_.sheet().address_text()).toStdString() + "'s value";
 }
 
 void CDlgIspRegister::set_tab_order() {

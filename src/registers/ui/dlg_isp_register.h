@@ -3,6 +3,7 @@
 #include <QWidget>
 
 #include "base/ui/findable.h"
+#include "base/ui/own_steps.h"
 #include "console/page_host.h"
 #include "registers/register_desk.h"
 #include "registers/register_favourites.h"
@@ -28,7 +29,11 @@ class RegisterListModel;
 
 /// The page that reads and writes single registers, by address or by the categories of the description
 /// "regu.xml" in the current directory, and loads, saves and restores them in bulk.
-class CDlgIspRegister final : public QWidget, public Page, public Findable, private RegisterView {
+class CDlgIspRegister final : public QWidget,
+                              public Page,
+                              public Findable,
+                              public OwnSteps,
+                              private RegisterView {
   Q_OBJECT
 
  public:
@@ -43,13 +48,14 @@ class CDlgIspRegister final : public QWidget, public Page, public Findable, priv
   std::vector<FoundPlace> places() const override;
   void go_to(int id) override;
 
- protected:
-  /// Takes the keys of undo and redo where there is a change of the value to take back; elsewhere they are
-  /// the window's.
-  bool event(QEvent* event) override;
-  void keyPressEvent(QKeyEvent* event) override;
+  /// "0xF923's value".
+  std::string next_undo() const override { return desk_.can_undo() ? step_name() : std::string(); }
+  std::string next_redo() const override { return desk_.can_redo() ? step_name() : std::string(); }
+  void undo_step() override { desk_.undo(); }
+  void redo_step() override { desk_.redo(); }
 
  private:
+  std::string step_name() const;
   QWidget* make_splitter();
   QBoxLayout* make_list_column();
   QBoxLayout* make_register_column();
@@ -81,6 +87,7 @@ class CDlgIspRegister final : public QWidget, public Page, public Findable, priv
   void show_value() override;
   void show_fields() override;
   void show_data() override;
+  void show_steps() override { tell_steps_changed(); }
   void show_buttons(const RegisterButtons& buttons) override;
 
   QComboBox* category_;

@@ -149,6 +149,36 @@ TEST_F(KnownValues, KeysUndoStepsButFirstWhatIsBeingTyped) {
   EXPECT_EQ(action("redo")->text(), "Redo Parameter-1 RED");
 }
 
+TEST_F(KnownValues, UndoTakesBackWhatItNamesOfThePageFirst) {
+  const auto undo = [this] {
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Z, Qt::ControlModifier);
+    bench_.wire.advance(2000);
+    return action("undo")->text().toStdString();
+  };
+  QSpinBox* red = red1();
+  type(321);
+  bench_.open(PageId::registers);
+  auto* bit = bench_.control("Bit 0");
+  const bool was = bit->isChecked();
+  bit->click();
+  bit->setFocus();
+  EXPECT_EQ(action("undo")->text(), "Undo 0xF800's value");
+  EXPECT_EQ(undo(), "Undo Parameter-1 RED");
+  EXPECT_EQ(bit->isChecked(), was);
+  EXPECT_EQ(red->value(), 321) << "nothing that was not named";
+  key(bit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(bit->isChecked(), !was);
+  bench_.open(PageId::font_editor);
+  bench_.click("Invert");
+  EXPECT_EQ(action("undo")->text(), "Undo change of the font");
+  EXPECT_EQ(undo(), "Undo Parameter-1 RED");
+  EXPECT_EQ(action("redo")->text(), "Redo change of the font");
+  bench_.widget().hide();
+  EXPECT_FALSE(action("redo")->isEnabled()) << "the page is closed";
+  EXPECT_EQ(undo(), "Undo");
+  EXPECT_EQ(red->value(), 0);
+}
+
 TEST_F(KnownValues, TheQuestionAtTheEndTellsWhatASaveWouldChange) {
   const auto detail = [this] {
     bench_.view->request_exit();
