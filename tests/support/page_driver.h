@@ -6,6 +6,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QSet>
@@ -64,8 +65,17 @@ class PageDriver {
   QString text(const QString& name) const { return find<QLineEdit>(name)->text(); }
   bool checked(const QString& name) const { return find<QAbstractButton>(name)->isChecked(); }
 
+  /// A name would be read out in place of a label's text.
+  void expect_labels_read_out() const {
+    for (const QLabel* label : page_.findChildren<QLabel*>()) {
+      EXPECT_TRUE(label->accessibleName().isEmpty() || label->accessibleName() == label->text())
+          << label->accessibleName().toStdString();
+    }
+  }
+
   /// Every control that takes the keyboard has a name of its own and a tooltip.
   void expect_named_controls() const {
+    expect_labels_read_out();
     QSet<QString> names;
     for (const QWidget* widget : page_.findChildren<QWidget*>()) {
       // The parts of a spin box, and the lists that drop down in windows of their own.

@@ -123,11 +123,11 @@ QBoxLayout* CDlgFontMaker::make_file_row() {
   auto* save = push_button("Save font file...", "Write the text export and a binary font file");
   connect(save, &QPushButton::clicked, this, [this] { flows_.spawn(save_font_file()); });
   number_ = new QLabel;
-  number_->setAccessibleName("Glyph number");
+  number_->setObjectName("glyph-number");
   number_->setMinimumWidth(number_->fontMetrics().horizontalAdvance(number_text(FontLibrary::kGlyphs)));
   number_->setToolTip("Number of the glyph being edited, in the whole library");
   state_ = new QLabel;
-  state_->setAccessibleName("Glyph state");
+  state_->setObjectName("glyph-state");
 
   auto* row = new QHBoxLayout;
   row->addWidget(caption);
@@ -154,7 +154,7 @@ QBoxLayout* CDlgFontMaker::make_compare_row() {
   take_over_ = add("Take over", "Put the glyph of the file compared with in place of the selected one",
                    [this] { edit([this] { editor_.take_over(); }); });
   compared_ = new QLabel;
-  compared_->setAccessibleName("Comparison");
+  compared_->setObjectName("comparison");
   compared_->setTextFormat(Qt::PlainText);
   row->addWidget(compared_, 1);
   add("Export sheet...", "Write all glyphs as one picture, 32 in a row, black on white",

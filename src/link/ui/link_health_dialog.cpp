@@ -35,7 +35,6 @@ LinkHealthDialog::LinkHealthDialog(std::function<LinkReport()> report, QWidget* 
   hint_ = text_label(this);
   hint_->setObjectName("latency-hint");
   hint_->setWordWrap(true);
-  hint_->setAccessibleName("Hint");
   rows->addWidget(hint_);
   rows->addStretch(1);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
@@ -55,7 +54,7 @@ void LinkHealthDialog::show_report() {
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (i == figures_.size()) {
       figures_.push_back(text_label(this));
-      figures_[i]->setAccessibleName(to_qt(rows[i].caption));
+      figures_[i]->setAccessibleDescription(to_qt(rows[i].caption));
       form_->addRow(to_qt(rows[i].caption + ":"), figures_[i]);
     }
     figures_[i]->setText(to_qt(rows[i].text));

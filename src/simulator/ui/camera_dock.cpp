@@ -62,7 +62,7 @@ CameraDock::CameraDock(WithChip with_chip, Scheduler& scheduler, QWidget* parent
   view_->setToolTip("A click moves the cursor of the color picker there");
   connect(view_, &PictureView::clicked, this, &CameraDock::tell_place);
   text_ = new QLabel(content);
-  text_->setAccessibleName("Exposure and white balance");
+  text_->setAccessibleDescription("Exposure and white balance");
   auto* layout = new QVBoxLayout(content);
   auto* light = new QHBoxLayout;
   light->addWidget(lamp_);

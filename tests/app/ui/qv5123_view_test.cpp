@@ -237,6 +237,7 @@ TEST(MainForm, ThePortStateTellsHowTheLineDoes) {
   for (const QLabel* label : dialog->findChildren<QLabel*>()) figures << label->text();
   EXPECT_TRUE(figures.contains("6 bytes, 1 register write"));
   EXPECT_TRUE(dialog->findChild<QLabel*>("latency-hint")->isHidden());
+  test::PageDriver(*dialog).expect_labels_read_out();
   for (auto* button : dialog->findChildren<QPushButton*>()) {
     if (button->text() == "Copy") button->click();
   }

@@ -45,7 +45,7 @@ class FontMakerPage : public testing::Test {
   void press(const QString& name) { find<QAbstractButton>(*page_, name)->click(); }
   /// As assistive tools do.
   void choose_page(int page) { find<QComboBox>(*page_, "FontPage")->setCurrentIndex(page); }
-  QString number() const { return find<QLabel>(*page_, "Glyph number")->text(); }
+  QString number() const { return page_->findChild<QLabel*>("glyph-number")->text(); }
   const Glyph& buffer() const { return page_->editor().buffer(); }
   Glyph glyph(int index) const { return page_->editor().library().glyph(index); }
 
@@ -246,7 +246,8 @@ TEST_F(FontMakerPage, ARangeIsFilledFromAnInstalledFontInOneStep) {
 
 TEST_F(FontMakerPage, ADrawingThatIsNotSetIsSaid) {
   open();
-  const auto* state = find<QLabel>(*page_, "Glyph state");
+  const auto* state = page_->findChild<QLabel*>("glyph-state");
+  test::PageDriver(*page_).expect_labels_read_out();
   EXPECT_EQ(state->text(), "");
   pick(3, 4);
   press("Invert");
@@ -336,7 +337,7 @@ TEST_F(FontMakerPage, AVisitLeavesTheExportAsItWas) {
 
 TEST_F(FontMakerPage, GlyphsAreComparedTakenOverAndGoThroughASheet) {
   open();
-  const auto comparison = [this] { return find<QLabel>(*page_, "Comparison")->text().toStdString(); };
+  const auto comparison = [this] { return page_->findChild<QLabel*>("comparison")->text().toStdString(); };
   EXPECT_EQ(comparison(), "As in the font file");
   pick(1, 4);
   press("Invert");
