@@ -33,7 +33,9 @@ void StatusBoard::remember(const StatusMessage& message) {
     }
   }
   history_.push_back(message);
-  if (history_.size() > kHistory) history_.pop_front();
+  if (history_.size() <= kHistory) return;
+  history_.pop_front();
+  ++forgotten_;
 }
 
 std::string sent_text(const std::string& what, const Traffic& sent) {

@@ -50,6 +50,8 @@ class StatusBoard {
   const std::vector<StatusMessage>& failures() const { return failures_; }
   /// Everything that was said, the oldest first.
   const std::deque<StatusMessage>& history() const { return history_; }
+  /// How many messages were said before the oldest of them.
+  std::size_t forgotten() const { return forgotten_; }
 
  private:
   void remember(const StatusMessage& message);
@@ -58,6 +60,7 @@ class StatusBoard {
   StatusMessage latest_;
   std::vector<StatusMessage> failures_;
   std::deque<StatusMessage> history_;
+  std::size_t forgotten_ = 0;
 };
 
 /// What an action without a text of its own says: "Saturation: 1 register sent". What one register takes in

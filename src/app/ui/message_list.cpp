@@ -6,8 +6,10 @@
 #include <QDateTime>
 #include <QDialogButtonBox>
 #include <QListWidget>
+#include <QScrollBar>
 #include <QStyle>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <chrono>
 
 #include "base/ui/qt_text.h"
@@ -50,17 +52,24 @@ MessageList::MessageList(QWidget* parent) : QDialog(parent) {
   rows->addWidget(buttons);
 }
 
+// What is chosen stays so, and what is looked at stays in sight.
 void MessageList::show_messages(const StatusBoard& board) {
-  if (board.history().empty() || board.history().back().time == shown_until_) return;
-  shown_until_ = board.history().back().time;
-  const QIcon failed = style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this);
-  list_->clear();
-  for (const StatusMessage& message : board.history()) {
-    auto* item = new QListWidgetItem(line_of(message), list_);
-    if (message.rank == StatusRank::failure) item->setIcon(failed);
-  }
-  list_->setCurrentRow(list_->count() - 1);
-  list_->scrollToBottom();
+  const QScrollBar& bar = *list_->verticalScrollBar();
+  const bool at_end = bar.value() == bar.maximum();
+  for (; forgotten_ < board.forgotten(); ++forgotten_) delete list_->takeItem(0);
+  // The last line may have been said again.
+  const int count = static_cast<int>(board.history().size());
+  for (int row = std::max(list_->count() - 1, 0); row < count; ++row)
+    show_line(row, board.history()[static_cast<std::size_t>(row)]);
+  if (!isVisible()) list_->setCurrentRow(count - 1);
+  if (!isVisible() || at_end) list_->scrollToBottom();
+}
+
+void MessageList::show_line(int row, const StatusMessage& message) {
+  if (row == list_->count()) new QListWidgetItem(list_);
+  list_->item(row)->setText(line_of(message));
+  if (message.rank == StatusRank::failure)
+    list_->item(row)->setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this));
 }
 
 void MessageList::copy_chosen() const {

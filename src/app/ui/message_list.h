@@ -1,13 +1,14 @@
 #pragma once
 
 #include <QDialog>
-#include <chrono>
+#include <cstddef>
 
 class QListWidget;
 
 namespace qv5123 {
 
 class StatusBoard;
+struct StatusMessage;
 
 /// The window with everything that the status bar said, the last at the end. Stays open beside the main
 /// window.
@@ -17,13 +18,15 @@ class MessageList final : public QDialog {
  public:
   explicit MessageList(QWidget* parent = nullptr);
 
+  /// Of the same board every time.
   void show_messages(const StatusBoard& board);
 
  private:
+  void show_line(int row, const StatusMessage& message);
   void copy_chosen() const;
 
   QListWidget* list_ = nullptr;
-  std::chrono::system_clock::time_point shown_until_;  // of the last message
+  std::size_t forgotten_ = 0;  // how many messages were said before the first that is listed
 };
 
 }  // namespace qv5123

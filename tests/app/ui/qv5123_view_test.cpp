@@ -215,6 +215,29 @@ TEST(MainForm, AFailureStaysInThePaneUntilTheListOfMessagesIsOpened) {
   EXPECT_EQ(list->count(), 7) << "while it is open";
 }
 
+TEST(MainForm, TheListOfMessagesHasAllOfAClockTickAndKeepsWhatIsChosen) {
+  StatusBoard board([] { return std::chrono::system_clock::time_point(); });
+  const auto say = [&board](const std::string& text) { board.show(StatusRank::outcome, "lsc", text); };
+  MessageList window;
+  auto* list = window.findChild<QListWidget*>();
+  say("one");
+  say("two");
+  window.show_messages(board);
+  window.show();
+  say("three");
+  window.show_messages(board);
+  EXPECT_EQ(list->count(), 3);
+  list->setCurrentRow(1);
+  say("three");
+  for (std::size_t i = 2; i < StatusBoard::kHistory; ++i) say("more " + std::to_string(i));
+  window.show_messages(board);
+  EXPECT_EQ(list->count(), StatusBoard::kHistory);
+  ASSERT_EQ(list->selectedItems().size(), 1);
+  EXPECT_TRUE(list->selectedItems()[0]->text().endsWith("  two"));
+  EXPECT_EQ(list->row(list->selectedItems()[0]), 0) << "the first is forgotten";
+  EXPECT_TRUE(list->item(1)->text().endsWith("  three (2 times)"));
+}
+
 TEST(MainForm, ThePortStateTellsHowTheLineDoes) {
   ViewBench bench;
   auto* state = bench.frame.findChild<QAbstractButton*>("port-state");
