@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <ostream>
 #include <string>
@@ -11,8 +12,11 @@ namespace qv5123::matrix {
 
 using test::MatrixBench;
 
-/// What came of an operation: all of it was done, or the user was told that it was not.
-enum class End { none, done, told };
+/// What came of an operation: all of it was done, or the user was told that it was not; where it is read
+/// back, done means that it was verified, and what differs, or that nothing can be said, are ends of their
+/// own.
+enum class End { none, done, told, differs, unverified };
+inline constexpr std::size_t kEnds = 5;
 
 using Step = std::function<void(MatrixBench&)>;
 inline constexpr auto nothing = [](auto&&...) {};
@@ -29,7 +33,7 @@ struct Operation {
   /// Looks, on a good line, whether what was said to be done is: the chip has what it was given, the page
   /// what the chip has.
   Step arrived = nothing;
-  /// What is said to be done was looked at on the chip, and so is done on every line.
+  /// It is read back, so that what is said to be done is done on every line.
   bool proven = false;
   /// Asks again and again, for as long as the chip does not answer.
   bool patient = false;
