@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
@@ -154,6 +155,35 @@ TEST(ProgramStart, AStoredPortIsTriedAndACancelledDialogLeavesTheDefaults) {
   const auto program = bench.program();
   wait_for<CMainFrame>();
   EXPECT_EQ(visible<CSerialPortSetting>(), nullptr) << "debugging never forces the dialog";
+}
+
+TEST(ProgramStart, SavesAreVerifiedUntilThatIsSwitchedOffWhichIsStored) {
+  ProgramBench bench;
+  AppSettings(bench.store).store_port({9, "COM9", {19200, 7, 0, 0, 0}, "Nine", 0});
+  for (const bool verifies : {true, false}) {
+    const auto program = bench.program();
+    auto* frame = wait_for<CMainFrame>();
+    auto* check = frame->findChild<QAction*>("verify-saves");
+    EXPECT_EQ(check->isChecked(), verifies);
+    EXPECT_EQ(frame->findChild<CQV5123View*>()->values().verifies_saves(), verifies);
+    check->setChecked(false);
+    while (AppSettings(bench.store).verify_saves())
+      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  }
+}
+
+TEST(ProgramStart, TheToolsMenuHasAllThatIsNoPage) {
+  ProgramBench bench;
+  AppSettings(bench.store).store_port({9, "COM9", {19200, 7, 0, 0, 0}, "Nine", 0});
+  const auto program = bench.program();
+  QStringList texts;
+  for (const QAction* action : wait_for<CMainFrame>()->tools().actions())
+    texts << (action->isSeparator() ? "-" : action->text());
+  EXPECT_EQ(texts.join("; "),
+            "Undo; Redo; -; &Compare; &Verify saves; -; Link health...; -; &Load setting file...; &Save "
+            "setting file; Save setting file &as...; -; Load <- &ISP; &File/Flash Save; &Read again; -; "
+            "Fin&d...; Find a re&gister...; Fold the &column; First &steps; List &messages; Change COM "
+            "&Port...; Close serial port...; &Report...; &History");
 }
 
 }  // namespace
