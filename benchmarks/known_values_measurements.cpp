@@ -9,8 +9,11 @@
 
 #include "app/ui/page_area.h"
 #include "app/ui/qv5123_view.h"
+#include "long_journal.h"
 #include "state/ui/compare_model.h"
 #include "state/ui/compare_page.h"
+#include "state/ui/history_dock.h"
+#include "state/ui/history_model.h"
 #include "tuning/tuning_desk.h"
 #include "window_measurements.h"
 
@@ -88,12 +91,35 @@ void known_values(Bench& bench) {
   when_quiet(bench, [&bench] { measure(bench); });
 }
 
+void compare_read(Bench& bench) {
+  bench.view.pages().choose(PageId::compare);
+  when_quiet(bench, [&bench] {
+    button(bench.view, "Read all from ISP")->click();
+    watch(bench, "compare_read_worst_gap", link_quiet(bench));
+  });
+}
+
+void journal(Bench& bench) {
+  write_journal("long.journal", long_journal());
+  auto* dock = bench.view.window()->findChild<HistoryDock*>();
+  dock->show();
+  when_quiet(bench, [&bench, dock] {
+    dock->open_file("long.journal");
+    watch(bench, "journal_worst_gap",
+          [&model = dock->model()] { return model.journal().size() == kWrites && model.settled(); });
+  });
+}
+
 void verified_save(Bench& bench, const std::string& name, std::function<void()> save) {
   bench.view.values().verify_saves(true);
   const auto clock = std::make_shared<QElapsedTimer>();
-  bench.view.values().on_verification([clock, name](TuningDesk* desk, const Verification* found) {
-    if (desk && !found) clock->start();
+  bench.view.values().on_verification([&bench, clock, name](TuningDesk* desk, const Verification* found) {
+    if (desk && !found) {
+      clock->start();
+      bench.meter.start();
+    }
     if (found && found->end != Verification::End::verified) give_up(name + " was not verified");
+    if (found) print_figure("verify_" + name + "_worst_gap", bench.meter.worst(), "ms");
     if (found) finish("verify_" + name, static_cast<double>(clock->nsecsElapsed()) / 1e6, "ms");
   });
   when_quiet(bench, std::move(save));

@@ -28,13 +28,6 @@ constexpr std::chrono::milliseconds kPatience{180'000};
 /// The one pacing between a save's writes.
 constexpr double kPacing = 50;
 
-QPushButton* button(const QWidget& window, const QString& caption) {
-  for (auto* found : window.findChildren<QPushButton*>()) {
-    if (found->text().remove(QLatin1Char('&')) == caption) return found;  // the mark of its letter
-  }
-  give_up("no button " + caption.toStdString());
-}
-
 /// Calls `look` every `interval` until it returns true.
 void every(int interval, std::function<bool()> look) {
   auto* timer = new QTimer(qApp);
@@ -44,23 +37,6 @@ void every(int interval, std::function<bool()> look) {
     timer->deleteLater();
   });
   timer->start(interval);
-}
-
-/// Measures from now until `over`, then prints the worst gap and ends.
-void watch(Bench& bench, std::string name, std::function<bool()> over) {
-  bench.meter.start();
-  every(20, [&bench, name = std::move(name), over = std::move(over)]() -> bool {
-    if (over()) finish(name, bench.meter.worst(), "ms");
-    return false;
-  });
-}
-
-/// True once nothing has been waiting to leave for a second of looks, every 20 ms.
-std::function<bool()> link_quiet(Bench& bench) {
-  return [&link = bench.view.link(), looks = 0]() mutable {
-    looks = link.jobs_waiting() == 0 ? looks + 1 : 0;
-    return looks > 50;
-  };
 }
 
 QWidget& shown_page(Bench& bench, PageId id) {
@@ -216,12 +192,41 @@ const std::map<std::string, PageId> kSaves{
 };
 
 const std::map<std::string, void (*)(Bench&)> kMeasurements{
-    {"load-all", load_all},         {"console", console}, {"description", description},
-    {"calibration", calibration},   {"drag", drag},       {"download", download},
-    {"known-values", known_values}, {"idle", idle},
+    {"load-all", load_all},
+    {"console", console},
+    {"description", description},
+    {"calibration", calibration},
+    {"drag", drag},
+    {"download", download},
+    {"known-values", known_values},
+    {"compare-read", compare_read},
+    {"journal", journal},
+    {"idle", idle},
 };
 
 }  // namespace
+
+QPushButton* button(const QWidget& window, const QString& caption) {
+  for (auto* found : window.findChildren<QPushButton*>()) {
+    if (found->text().remove(QLatin1Char('&')) == caption) return found;  // the mark of its letter
+  }
+  give_up("no button " + caption.toStdString());
+}
+
+void watch(Bench& bench, std::string name, std::function<bool()> over) {
+  bench.meter.start();
+  every(20, [&bench, name = std::move(name), over = std::move(over)]() -> bool {
+    if (over()) finish(name, bench.meter.worst(), "ms");
+    return false;
+  });
+}
+
+std::function<bool()> link_quiet(Bench& bench) {
+  return [&link = bench.view.link(), looks = 0]() mutable {
+    looks = link.jobs_waiting() == 0 ? looks + 1 : 0;
+    return looks > 50;
+  };
+}
 
 void give_up(const std::string& why) {
   std::fprintf(stderr, "window_benchmark: %s\n", why.c_str());

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <QString>
 #include <functional>
 #include <string>
 
 #include "gap_meter.h"
 #include "timed_device.h"
+
+class QPushButton;
+class QWidget;
 
 namespace qv5123 {
 
@@ -23,9 +27,18 @@ bool begin_measurement(const std::string& what, Bench& bench);
 
 /// "known-values": Compare filled and filtered, undo, and the marks of all pages.
 void known_values(Bench& bench);
-/// How long reading back takes after `save`.
+/// "compare-read" and "journal": the worst gap while the page "Compare" reads all pages from the chip, and
+/// while a journal of 100,000 writes is opened.
+void compare_read(Bench& bench);
+void journal(Bench& bench);
+/// How long reading back takes after `save`, and the worst gap meanwhile.
 void verified_save(Bench& bench, const std::string& name, std::function<void()> save);
 
+QPushButton* button(const QWidget& window, const QString& caption);
+/// Measures from now until `over`, then prints the worst gap and ends.
+void watch(Bench& bench, std::string name, std::function<bool()> over);
+/// True once nothing has been waiting to leave for a second of looks, every 20 ms.
+std::function<bool()> link_quiet(Bench& bench);
 /// Calls `then` once nothing has been waiting to leave for a second.
 void when_quiet(Bench& bench, std::function<void()> then);
 [[noreturn]] void give_up(const std::string& why);
