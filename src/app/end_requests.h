@@ -19,8 +19,8 @@ class EndRequests {
   static constexpr std::chrono::milliseconds kEndedWithin{3000};
 
   /// `code` is the exit code of a process that is ended at once.
-  explicit EndRequests(int code)
-      : code_(code), interrupts_([this] { requested(); }, {"", code, kEndedWithin}) {}
+  explicit EndRequests(int code, std::chrono::milliseconds ended_within = kEndedWithin)
+      : code_(code), interrupts_([this] { requested(); }, {"", code, ended_within}) {}
 
   /// `on_first` is called on another thread. Empty: nobody is there any more.
   void pass_on_to(std::function<void()> on_first) {

@@ -48,13 +48,12 @@ class Program {
     std::function<void(int)> end_process;
     /// A line for whoever started the program.
     std::function<void(const std::string&)> report;
+    /// How long end_unasked() takes at most, whatever line, driver and disk do.
+    std::chrono::milliseconds end_patience{2800};
   };
 
   Program(ProgramOptions options, AppSettings settings, Parts parts);
   ~Program();
-
-  /// How long end_unasked() takes at most, whatever line, driver and disk do.
-  static constexpr std::chrono::milliseconds kEndPatience{2800};
 
   /// Begins; the event loop does the rest.
   void start();
@@ -93,6 +92,8 @@ class Program {
   Task<> write_out(Resolver<bool> over);
   Task<> offer_to_go(Resolver<bool> over);
   Task<> run_unasked_end();
+  std::chrono::milliseconds transfer_patience() const;
+  std::chrono::milliseconds chip_patience() const;
 
   const ProgramOptions options_;
   AppSettings settings_;

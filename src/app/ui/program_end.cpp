@@ -13,10 +13,6 @@ namespace {
 /// A disk that takes longer at the end is told of.
 constexpr std::chrono::seconds kSlowDisk{2};
 constexpr std::chrono::seconds kAskAgain{10};
-/// How long the end of the program waits for a download to end as the chip can take, where nobody was asked,
-/// and for what the chip must be told last.
-constexpr std::chrono::milliseconds kTransferPatience{1000};
-constexpr std::chrono::milliseconds kChipPatience{1500};
 
 Task<> resolved_after(Task<> task, Scheduler& scheduler, Resolver<bool> over) {
   co_await std::move(task);
@@ -26,10 +22,21 @@ Task<> resolved_after(Task<> task, Scheduler& scheduler, Resolver<bool> over) {
 
 }  // namespace
 
+/// How long the end of the program waits for a download to end as the chip can take, where nobody was asked:
+/// 1 s of 2.8 s.
+std::chrono::milliseconds Program::transfer_patience() const {
+  return parts_.end_patience * 10 / 28;
+}
+
+/// And for what the chip must be told last: 1.5 s of 2.8 s.
+std::chrono::milliseconds Program::chip_patience() const {
+  return parts_.end_patience * 15 / 28;
+}
+
 Task<> Program::end(int exit_code) {
   ending_ = true;
   (void)store_window_look();
-  const bool left = co_await view_->leave_chip(kChipPatience, CQV5123View::Leave::for_good);
+  const bool left = co_await view_->leave_chip(chip_patience(), CQV5123View::Leave::for_good);
   // Nobody sees the window any more.
   if (!left) parts_.report(view_->board().failures().back().text);
   if (view_->board().latest() == kPickerLeftOff) parts_.report(kPickerLeftOff);
@@ -73,7 +80,7 @@ void Program::end_unasked() {
 }
 
 Task<> Program::run_unasked_end() {
-  scheduler_.call_after(kEndPatience, [this] { parts_.end_process(0); });
+  scheduler_.call_after(parts_.end_patience, [this] { parts_.end_process(0); });
   Task<bool> looks = store_window_look();
   Flow keeping;
   Resolver<bool> kept;
@@ -83,8 +90,8 @@ Task<> Program::run_unasked_end() {
     kept.resolve(true);
   }
   if (view_) {
-    co_await view_->end_transfers(kTransferPatience);
-    co_await view_->leave_chip(kChipPatience, CQV5123View::Leave::for_good);
+    co_await view_->end_transfers(transfer_patience());
+    co_await view_->leave_chip(chip_patience(), CQV5123View::Leave::for_good);
     if (view_->board().latest() == kPickerLeftOff) parts_.report(kPickerLeftOff);
     for (const StatusMessage& failure : view_->board().failures()) parts_.report(failure.text);
   }

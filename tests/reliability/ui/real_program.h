@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QSettings>
+#include <QTimer>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -12,6 +13,7 @@
 #include "app/ui/qv5123_view.h"
 #include "reliability/ui/matrix_bench.h"
 #include "simulator/simulated_board.h"
+#include "support/poll_until.h"
 
 namespace qv5123::test {
 
@@ -23,8 +25,21 @@ Window* visible() {
   return nullptr;
 }
 
-inline void wait_until(const std::function<bool()>& reached) {
-  while (!reached()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+inline void wait_until(const std::function<bool()>& reached, std::chrono::seconds at_most = kInVain,
+                       const std::source_location& from = std::source_location::current()) {
+  QTimer wakes;
+  wakes.start(std::chrono::seconds(1));
+  const auto look = [&] {
+    if (reached()) return true;
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return false;
+  };
+  poll_until(look, at_most, from);
+}
+
+/// What a process does that another one ends: not for ever, should that one have died.
+inline void wait_for_the_end() {
+  wait_until([] { return false; }, 2 * kInVain);
 }
 
 /// The program on the simulated chip, all its threads included.
@@ -46,7 +61,11 @@ struct RealProgram {
     parts.fixed_port = PortSettings{};
     parts.list_ports = [] { return std::vector<PortInfo>{}; };
     parts.journal_folder = folder / "journal";
-    parts.end_process = [this](int code) { ended = code; };
+    // The real one does not return.
+    parts.end_process = [this](int code) {
+      if (ended < 0) ended = code;
+    };
+    parts.end_patience = kInVain;
     parts.report = [](const std::string&) {};
     program = std::make_unique<qv5123::Program>(options, AppSettings(store), std::move(parts));
     program->start();

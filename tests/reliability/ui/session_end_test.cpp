@@ -28,7 +28,6 @@ bool chip_keeps(test::RealProgram& real) {
   return keeps;
 }
 
-// However slow the machine is, the program ends itself after Program::kEndPatience.
 TEST(SessionEnd, ClosesTheSaveAndKeepsWhatIsUnsavedWithoutAQuestion) {
   const test::CurrentFolder folder;
   fs::copy(test::source_folder() / "resources/regu.xml", folder / "regu.xml");
