@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "link/in_process_device.h"
+#include "support/poll_until.h"
 
 namespace qv5123 {
 namespace {
@@ -84,9 +85,10 @@ TEST(CCommPort, WaitsForTheConsumerBeforeItLosesBytes) {
   on.receive(sent);
   std::string taken;
   std::uint8_t byte = 0;
-  while (taken.size() < sent.size()) {
-    if (on.port.receive_queue().get(byte)) taken += static_cast<char>(byte);
-  }
+  test::poll_until([&] {
+    while (on.port.receive_queue().get(byte)) taken += static_cast<char>(byte);
+    return taken.size() >= sent.size();
+  });
   EXPECT_EQ(taken, sent) << "several times round the queue";
   EXPECT_EQ(on.trouble, 0);
 }

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "cli/ctl_test.h"
+#include "support/poll_until.h"
 #include "support/program_posix.h"
 #include "support/pty_line_posix.h"
 
@@ -47,19 +48,29 @@ class EndedBySignals : public CtlTest {
     while (!holds_signals() && Clock::now() < end) std::this_thread::yield();
   }
 
-  static constexpr std::chrono::seconds kSoon{6};
+  static constexpr std::chrono::seconds kSoon{20};
   std::string process_;
 };
 
-TEST_F(EndedBySignals, ATraceThatNobodyReadsHoldsNobody) {
-  fifo("trace");
-  const auto program = start_numbered("--simulate --trace trace reg read 1");
-  wait_until_it_holds_signals();
-  const auto start = Clock::now();
-  program->signal(SIGINT);
-  EXPECT_EQ(program->errors(), "qv5123ctl: Interrupted\n");
-  EXPECT_EQ(program->end(), 1);
-  EXPECT_LT(Clock::now() - start, kSoon);
+TEST_F(EndedBySignals, ATraceALogOrErrorsThatNobodyReadsHoldNobody) {
+  folder.write("font.bin", std::string(256, 'f'));
+  fifo("nobody");
+  const int full = ::open(fifo("full").c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+  for (const std::string some(4096, '.'); ::write(full, some.data(), some.size()) > 0;) {
+  }
+  for (const auto& [arguments, errors] : {std::pair{"--trace nobody reg read 1", "qv5123ctl: Interrupted\n"},
+                                          {"monitor --log nobody", "qv5123ctl: Interrupted\n"},
+                                          {"download font font.bin 2>full", ""}}) {
+    SCOPED_TRACE(arguments);
+    const auto program = start_numbered(std::string("--simulate ") + arguments);
+    wait_until_it_holds_signals();
+    const auto start = Clock::now();
+    program->signal(SIGINT);
+    EXPECT_EQ(program->errors(), errors);
+    EXPECT_EQ(program->end(), 1);
+    EXPECT_LT(Clock::now() - start, kSoon);
+  }
+  ::close(full);
 }
 
 TEST_F(EndedBySignals, ATraceWhoseReaderStandsStillHoldsNobody) {
@@ -69,10 +80,7 @@ TEST_F(EndedBySignals, ATraceWhoseReaderStandsStillHoldsNobody) {
   std::string read;
   test::read_until(reader, read, "> 41 |A|");
   const auto start = Clock::now();
-  for (int i = 0; i < 3; ++i) {
-    program->signal(SIGTERM);
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));  // or they become one
-  }
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) program->signal(signal);
   EXPECT_EQ(program->end(), 1);
   EXPECT_LT(Clock::now() - start, kSoon);
   ::close(reader);
@@ -104,7 +112,7 @@ TEST_F(EndedBySignals, ADownloadToALineThatTakesNothingEndsAtOnceAndSaysWhatTheC
   EXPECT_EQ(line.received(1).substr(0, 1), "A");
   line.stall();
   program->expect_error("FIRMWARE");
-  std::this_thread::sleep_for(std::chrono::milliseconds(500));  // until what the system keeps is full
+  test::poll_until([&] { return line.full(); });
   const auto start = Clock::now();
   program->signal(SIGINT);
   EXPECT_THAT(program->errors(), HasSubstr("the chip still expects "));

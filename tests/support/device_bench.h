@@ -21,7 +21,7 @@ class DeviceBench {
   /// Opens the same port once more, as another program would.
   virtual OpenResult open_again() = 0;
 
-  /// Waits until at least `count` bytes have come out at the other end (10 seconds at most) and takes them
+  /// Waits until at least `count` bytes have come out at the other end (half a minute at most) and takes them
   /// all.
   virtual std::string received(std::size_t count) = 0;
   virtual void send(std::string_view bytes) = 0;

@@ -34,7 +34,7 @@ using Clock = std::chrono::steady_clock;
 }  // namespace
 
 void read_until(int fd, std::string& text, std::string_view wanted) {
-  const auto deadline = Clock::now() + std::chrono::seconds(10);
+  const auto deadline = Clock::now() + std::chrono::seconds(30);
   while (text.find(wanted) == std::string::npos) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
     pollfd ready{fd, POLLIN, 0};

@@ -7,7 +7,7 @@
 
 namespace qv5123::test {
 
-/// Reads from `fd` until `text` holds `wanted`, the end, or ten seconds have passed.
+/// Reads from `fd` until `text` holds `wanted`, the end, or half a minute has passed.
 void read_until(int fd, std::string& text, std::string_view wanted);
 
 }  // namespace qv5123::test

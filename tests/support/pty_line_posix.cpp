@@ -75,6 +75,19 @@ void PtyLine::stall() {
   stop_reading();
 }
 
+bool PtyLine::full() const {
+  const int near_end =
+      checked(open(link_.c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC), "open near end");
+  pollfd polled{near_end, POLLOUT, 0};
+  poll(&polled, 1, 0);
+  close(near_end);
+  // Its first stop is full long before all that lies behind is.
+  constexpr int kFirstStop = 4095;
+  int waiting = 0;
+  checked(ioctl(far_end_, FIONREAD, &waiting), "FIONREAD");
+  return waiting >= kFirstStop && (polled.revents & POLLOUT) == 0;
+}
+
 void PtyLine::start_reading() {
   stop_ = checked(eventfd(0, EFD_CLOEXEC), "eventfd");
   reader_ = std::thread([this] { read_far_end(); });
@@ -121,7 +134,7 @@ void PtyLine::pass_on_to(PtyLine& other) {
 
 std::string PtyLine::received(std::size_t count) {
   std::unique_lock lock(mutex_);
-  arrived_.wait_for(lock, std::chrono::seconds(10), [&] { return received_.size() >= count; });
+  arrived_.wait_for(lock, std::chrono::seconds(30), [&] { return received_.size() >= count; });
   return std::exchange(received_, {});
 }
 

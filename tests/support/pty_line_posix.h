@@ -24,6 +24,8 @@ class PtyLine {
   /// use.
   void leave_to_others();
   void stall();
+  /// Whether a line that stands still takes nothing more: what the system keeps of it is full.
+  bool full() const;
   void hang_up();
   void plug_in();
   std::uint32_t baud_rate() const;

@@ -17,6 +17,7 @@
 #include "support/fake_prompts.h"
 #include "support/inline_background.h"
 #include "support/manual_scheduler.h"
+#include "support/poll_until.h"
 #include "support/temporary_folder.h"
 
 namespace qv5123 {
@@ -72,7 +73,11 @@ struct DockBench {
         .toStdString();
   }
   void settle() {
-    while (!model().settled()) QApplication::processEvents();
+    test::poll_until([&] {
+      if (model().settled()) return true;
+      QApplication::processEvents();
+      return false;
+    });
   }
   void search(const char* words) {
     dock.findChild<QLineEdit*>()->setText(words);

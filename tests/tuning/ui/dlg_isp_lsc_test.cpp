@@ -4,6 +4,7 @@
 
 #include "base/hex.h"
 #include "support/page_bench.h"
+#include "support/poll_until.h"
 #include "tuning/ui/lens_field_view.h"
 
 namespace qv5123 {
@@ -139,7 +140,10 @@ TEST_F(LensPage, TheChartIsReadByKeyEnlargedAndCopied) {
 TEST_F(LensPage, TheRatioCountsUntilThePickerIsOff) {
   answer_reads();
   start_calibration();
-  while (host_.progress.empty() || host_.progress.back() != 100) fake_.advance(10);
+  test::poll_until([&] {
+    fake_.advance(10);
+    return !host_.progress.empty() && host_.progress.back() == 100;
+  });
   fake_.advance(300);  // the parameters have left
   user_.type("Correction Ratio", 0);
   EXPECT_NE(fake_.sender.wire().find("@6401*"), std::string::npos);
