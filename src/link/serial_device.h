@@ -66,8 +66,8 @@ OpenResult open_error(OpenError error, const std::string& name, const std::strin
 
 /// A serial device of this operating system, not open yet. It takes the names that list_ports() gives.
 ///
-/// A write ends early on Windows also when the line stands still for longer than the write timeout (1 ms per
-/// byte at 19200 baud, none above); elsewhere it waits until the line goes on, is lost, or is closed.
+/// A write waits until the line has taken it, is lost, or is closed: also on Windows, where the driver ends
+/// it after the write timeout (1 ms per byte at 19200 baud, none above) and the rest is handed over anew.
 std::unique_ptr<SerialDevice> make_serial_device();
 
 }  // namespace qv5123

@@ -40,9 +40,15 @@ class Win32SerialDevice final : public SerialDevice {
   bool input_queue(DWORD& count);
   bool arm_wait();
   void end_wait();
+  bool is_closed() const;
   Wait why_ended() const;
   DWORD unsent(DWORD wanted);
-  DWORD finish(OVERLAPPED& operation, BOOL started, DWORD at_once, const std::function<bool()>& keep_on);
+  /// What came of a read or a write.
+  struct Moved {
+    DWORD count = 0;
+    bool over = false;  ///< not for its time-out: an error, close(), or nobody would wait for it
+  };
+  Moved finish(OVERLAPPED& operation, BOOL started, DWORD at_once, const std::function<bool()>& keep_on);
 
   Mutex lifecycle_;  ///< one open() or close() at a time
   DeviceGate gate_;
@@ -139,9 +145,13 @@ SerialDevice::Wait Win32SerialDevice::wait() {
   }
 }
 
+bool Win32SerialDevice::is_closed() const {
+  return WaitForSingleObject(stop_event_.get(), 0) == WAIT_OBJECT_0;
+}
+
 /// close() makes the calls fail that a lost device does.
 SerialDevice::Wait Win32SerialDevice::why_ended() const {
-  return WaitForSingleObject(stop_event_.get(), 0) == WAIT_OBJECT_0 ? Wait::closed : Wait::lost;
+  return is_closed() ? Wait::closed : Wait::lost;
 }
 
 /// Sees to it that a wait for a character is pending; false when the device has gone.
@@ -189,18 +199,31 @@ std::size_t Win32SerialDevice::read(std::span<std::uint8_t> buffer) {
   if (!pass || !input_queue(queued) || queued == 0) return 0;
   DWORD count = 0;
   const BOOL done = ReadFile(port_.get(), buffer.data(), static_cast<DWORD>(buffer.size()), &count, &read_);
-  return finish(read_, done, count, {});
+  return finish(read_, done, count, {}).count;
 }
 
+/// The write timeout ends a write that goes slower than it, which is no reason to drop the rest.
 std::size_t Win32SerialDevice::write(std::span<const std::uint8_t> bytes, const KeepOn& keep_on) {
   const DeviceGate::Pass pass(gate_);
   if (!pass) return 0;
-  const auto wanted = static_cast<DWORD>(bytes.size());
-  std::function<bool()> go_on;
-  if (keep_on) go_on = [&] { return keep_on(wanted - unsent(wanted)); };
-  DWORD count = 0;
-  const BOOL done = WriteFile(port_.get(), bytes.data(), wanted, &count, &write_);
-  return finish(write_, done, count, go_on);
+  std::size_t sent = 0;
+  std::size_t told = 0;
+  // A driver may tell of more than it then has moved; a line that stands still must not look as if it moved.
+  const auto ask = [&](std::size_t now) {
+    told = std::max(told, now);
+    return !keep_on || keep_on(told);
+  };
+  Moved moved;
+  while (sent < bytes.size() && !moved.over) {
+    const auto wanted = static_cast<DWORD>(bytes.size() - sent);
+    const std::function<bool()> go_on = [&] { return ask(sent + wanted - unsent(wanted)); };
+    DWORD count = 0;
+    const BOOL done = WriteFile(port_.get(), bytes.data() + sent, wanted, &count, &write_);
+    moved = finish(write_, done, count, go_on);
+    sent += moved.count;
+    if (!moved.over && moved.count < wanted) moved.over = !ask(sent);
+  }
+  return sent;
 }
 
 /// How many of the `wanted` bytes of a write the driver still has.
@@ -212,27 +235,31 @@ DWORD Win32SerialDevice::unsent(DWORD wanted) {
 }
 
 /// Waits for a read or write that was `started` with `at_once` bytes, and takes it back when the device is
-/// closed meanwhile or `keep_on` says no. Returns the bytes moved; on an error the port's error state is
-/// cleared.
-DWORD Win32SerialDevice::finish(OVERLAPPED& operation, BOOL started, DWORD at_once,
-                                const std::function<bool()>& keep_on) {
-  if (started) return at_once;
-  DWORD count = 0;
-  bool moved = false;
+/// closed meanwhile or `keep_on` says no. On an error the port's error state is cleared.
+Win32SerialDevice::Moved Win32SerialDevice::finish(OVERLAPPED& operation, BOOL started, DWORD at_once,
+                                                   const std::function<bool()>& keep_on) {
+  if (started) return {at_once, is_closed()};
+  Moved moved{0, true};
   if (GetLastError() == ERROR_IO_PENDING) {
-    const HANDLE events[] = {operation.hEvent, stop_event_.get()};
+    const HANDLE events[] = {stop_event_.get(), operation.hEvent};
+    constexpr DWORD kDone = WAIT_OBJECT_0 + 1;
     constexpr auto kStep = static_cast<DWORD>(SerialDevice::kAskEvery.count());
     DWORD woken = WAIT_TIMEOUT;
     while (woken == WAIT_TIMEOUT) {
       woken = WaitForMultipleObjects(2, events, FALSE, kStep);
       if (woken == WAIT_TIMEOUT && keep_on && !keep_on()) break;
     }
-    if (woken != WAIT_OBJECT_0) CancelIoEx(port_.get(), &operation);
-    moved = GetOverlappedResult(port_.get(), &operation, &count, woken != WAIT_OBJECT_0);
+    if (woken != kDone) CancelIoEx(port_.get(), &operation);
+    const BOOL done = GetOverlappedResult(port_.get(), &operation, &moved.count, woken != kDone);
+    const DWORD error = done ? ERROR_SUCCESS : GetLastError();
+    // Some drivers call the end of the time an error, by the one name or the other.
+    const bool timed_out = error == ERROR_TIMEOUT || error == ERROR_SEM_TIMEOUT;
+    moved.over = woken != kDone || !(done || timed_out);
+    if (done) return moved;
   }
   DWORD ignored = 0;
-  if (!moved) input_queue(ignored);
-  return count;
+  input_queue(ignored);
+  return moved;
 }
 
 }  // namespace

@@ -216,6 +216,22 @@ TEST_P(SerialDeviceConformance, AWriteThatWaitsAsksWhetherToGoOnAndTellsWhatHasL
   device_.close();
 }
 
+TEST_P(SerialDeviceConformance, AWriteOfABlockWaitsAtTheDefaultRateTooWhereADriverEndsItInTime) {
+  constexpr std::size_t kBeyondAllBuffers = 1'000'000;
+  constexpr int kLongerThanItsTimeout = 5;
+  open();
+  bench_->stall();
+  int asked = 0;
+  const auto fill = [&](std::size_t) { return ++asked < 2; };
+  EXPECT_LT(device_.write(bytes_of(pattern(kBeyondAllBuffers)), fill), kBeyondAllBuffers);
+  asked = 0;
+  const auto patient = [&](std::size_t) { return ++asked < kLongerThanItsTimeout; };
+  const std::size_t written = device_.write(bytes_of(pattern(256)), patient);
+  // Where what was filled in could be dropped, the block found room.
+  EXPECT_TRUE(written == 256 || asked == kLongerThanItsTimeout) << written << " sent, " << asked << " asked";
+  device_.close();
+}
+
 TEST_P(SerialDeviceConformance, ALostDeviceIsNoticedAndOpensAgainWhenItIsBack) {
   open();
   std::thread watcher([&] { EXPECT_EQ(device_.wait(), Wait::lost); });
