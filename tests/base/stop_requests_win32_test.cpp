@@ -39,16 +39,16 @@ class OwnConsole {
   bool exists_ = false;
 };
 
-TEST(StopRequests, AreTheConsolesCtrlCsOneByOne) {
+TEST(StopRequests, AreTheConsolesCtrlCsAndCtrlBreaksOneByOne) {
   constexpr milliseconds kLongest{10'000};
   if (_isatty(_fileno(stdout))) GTEST_SKIP() << "somebody looks on, whose console this would take away";
   const OwnConsole console;
   if (!console.exists()) GTEST_SKIP() << "this system gives no console";
   StopRequests requests;
-  ASSERT_TRUE(GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0));
-  EXPECT_EQ(requests.wait(kLongest), Wait::request) << "and it did not end the program";
-  ASSERT_TRUE(GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0));
-  EXPECT_EQ(requests.wait(kLongest), Wait::request);
+  for (const DWORD event : {CTRL_C_EVENT, CTRL_C_EVENT, CTRL_BREAK_EVENT}) {
+    ASSERT_TRUE(GenerateConsoleCtrlEvent(event, 0));
+    EXPECT_EQ(requests.wait(kLongest), Wait::request) << "and it did not end the program: " << event;
+  }
   EXPECT_EQ(requests.wait(milliseconds(1)), Wait::time_over);
   requests.wake();
   EXPECT_EQ(requests.wait(kLongest), Wait::woken);
