@@ -75,7 +75,7 @@ Task<bool> Journal::offer(Prompts& prompts, Slots slots) {
   const Answer answer = co_await prompts.ask(std::move(question));
   if (answer == Answer::cancel) co_return false;
   if (answer == Answer::yes) {
-    surroundings_.restore(slots.entry);
+    surroundings_.restore(slots.entry, slots.age.file_is_newer);
     // At every moment one file or the other holds it.
     const bool kept = own_ && co_await write(slots.entry);
     if (!kept) co_return true;

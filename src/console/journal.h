@@ -35,8 +35,8 @@ class Journal {
     std::function<Lock(const std::filesystem::path&)> lock;
     /// What a save would write now.
     std::function<JournalEntry()> unsaved;
-    /// Takes over what the user wants back.
-    std::function<void(const JournalEntry&)> restore;
+    /// Takes over what the user wants back. `file_is_newer`: its setting file was written since.
+    std::function<void(const JournalEntry&, bool file_is_newer)> restore;
     /// Shows in the status bar what did not work.
     std::function<void(const std::string&)> show_status;
     /// The same for what was done. May be empty.

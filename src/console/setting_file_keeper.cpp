@@ -31,8 +31,9 @@ ReadSettings SettingFileKeeper::load(const std::filesystem::path& path) {
   return read;
 }
 
-void SettingFileKeeper::remember(const std::filesystem::path& path) {
-  file(path) = {false, std::nullopt, true};
+// Whatever it holds is something else than what that run knew.
+void SettingFileKeeper::remember(const std::filesystem::path& path, bool changed) {
+  file(path) = {changed, std::nullopt, true};
 }
 
 Replaced SettingFileKeeper::replace(const std::filesystem::path& path, const UserDataImage& image,

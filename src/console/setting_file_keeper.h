@@ -24,8 +24,8 @@ struct Replaced {
 class SettingFileKeeper {
  public:
   ReadSettings load(const std::filesystem::path& path);
-  /// An earlier run loaded the file, and this one goes on with its values.
-  void remember(const std::filesystem::path& path);
+  /// An earlier run loaded the file, and this one goes on with its values. `changed`: it was written since.
+  void remember(const std::filesystem::path& path, bool changed);
   /// Replaces the file in one step, as far as other programs of ours go. A file that was loaded is kept
   /// beside it the first time. `whatever_it_holds`: also where it was changed, or is no setting file.
   Replaced replace(const std::filesystem::path& path, const UserDataImage& image, bool whatever_it_holds);

@@ -55,10 +55,10 @@ void SettingFiles::tell_loaded(const std::filesystem::path& path, const std::str
   surroundings_.append_console("\r\n" + oddity);
 }
 
-void SettingFiles::remember(const std::filesystem::path& path) {
+void SettingFiles::remember(const std::filesystem::path& path, bool changed) {
   if (path.empty()) return;
-  std::function<bool()> work = [keeper = keeper_, path] {
-    keeper->remember(path);
+  std::function<bool()> work = [keeper = keeper_, path, changed] {
+    keeper->remember(path, changed);
     return true;
   };
   const Task<bool> begun = background_.run<bool>(std::move(work));

@@ -76,8 +76,8 @@ class SettingFiles {
   /// What "Save File..." would write now; nothing changes by asking.
   UserDataImage unsaved() const;
   /// A run before this one had `path` for its setting file, and its values are restored: the first save over
-  /// it keeps a copy.
-  void remember(const std::filesystem::path& path);
+  /// it keeps a copy, and asks where it `changed` since.
+  void remember(const std::filesystem::path& path, bool changed);
   /// The question at the end of the program. True when the program is to end now: answered with No, or with
   /// Yes and the file is whole on the disk or the user would not wait for it.
   Task<bool> may_exit();

@@ -41,6 +41,7 @@ struct Computer {
   struct Run {
     JournalEntry now;
     std::vector<JournalEntry> restored;
+    bool file_is_newer = false;
     std::vector<std::string> statuses;
     std::unique_ptr<Journal> journal;
     Flow flow;
@@ -57,8 +58,9 @@ struct Computer {
       return lock;
     };
     around.unsaved = [run = run.get()] { return run->now; };
-    around.restore = [run = run.get()](const JournalEntry& entry) {
+    around.restore = [run = run.get()](const JournalEntry& entry, bool file_is_newer) {
       run->restored.push_back(entry);
+      run->file_is_newer = file_is_newer;
       run->now = entry;
     };
     around.show_status = [run = run.get()](const std::string& text) { run->statuses.push_back(text); };
@@ -204,7 +206,8 @@ TEST(Journal, ThatIsOfferedTellsAgeCountAndANewerFile) {
       kRestoreFile + path_text(file);
   computer.begin();
   std::filesystem::last_write_time(file, now);
-  computer.begin();
+  computer.user.answers = {Answer::yes};
+  EXPECT_TRUE(computer.begin()->file_is_newer) << "so that it is not written over unasked";
   ASSERT_EQ(computer.user.questions.size(), 2u);
   EXPECT_EQ(without_time(computer.user.questions[0].text), kept);
   EXPECT_EQ(without_time(computer.user.questions[1].text), kept + kRestoreOlder);

@@ -284,6 +284,19 @@ TEST_F(SettingFilesTest, AFileThatAnotherProgramChangedIsNotWrittenUnasked) {
   EXPECT_EQ(doc.setting_file, folder / "mine.dat");
 }
 
+TEST_F(SettingFilesTest, AFileOfRestoredValuesThatChangedSinceIsNotWrittenUnasked) {
+  for (const bool changed : {false, true}) {
+    doc.setting_file = folder.write("set.dat", lines("3", 1024));
+    files.remember(doc.setting_file, changed);
+    user.questions.clear();
+    user.answers = {Answer::yes};
+    EXPECT_TRUE(done(files.write_user_data_file()));
+    EXPECT_EQ(user.questions.size(), changed ? 1u : 0u);
+    EXPECT_EQ(folder.read("set.dat~"), lines("3", 1024)) << "as it was";
+    user.answers.clear();
+  }
+}
+
 TEST_F(SettingFilesTest, ADiskThatStandsStillIsToldOfAndDoesNotHoldUpTheEnd) {
   doc.setting_file = folder / "user.dat";
   work.busy = true;

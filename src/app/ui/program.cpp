@@ -190,7 +190,9 @@ void Program::keep_journal() {
   surroundings.folder = parts_.journal_folder;
   surroundings.lock = [](const std::filesystem::path& path) { return lock_file(path).held; };
   surroundings.unsaved = [this] { return view_->unsaved(); };
-  surroundings.restore = [this](const JournalEntry& entry) { view_->restore(entry); };
+  surroundings.restore = [this](const JournalEntry& entry, bool file_is_newer) {
+    view_->restore(entry, file_is_newer);
+  };
   surroundings.font_file = font_file_of;
   surroundings.show_status = [this](const std::string& text) {
     view_->say(StatusRank::failure, kAboutJournal, text);

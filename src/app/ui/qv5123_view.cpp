@@ -167,12 +167,12 @@ JournalEntry CQV5123View::unsaved() const {
   return entry;
 }
 
-void CQV5123View::restore(const JournalEntry& entry) {
+void CQV5123View::restore(const JournalEntry& entry, bool file_is_newer) {
   document_.font_draft = entry.font;
   if (!entry.typed.empty()) append_console("\r\nWas being typed: " + entry.typed);
   document_.user_data = entry.image;
   document_.setting_file = entry.setting_file;
-  files_.remember(entry.setting_file);
+  files_.remember(entry.setting_file, file_is_newer);
   files_.reload_pages();
   show_image();
 }

@@ -64,7 +64,7 @@ class CQV5123View final : public QWidget, public PageHost {
 
   /// What saving would write now, and takes it over in another run. image_saved() tells what a file holds.
   JournalEntry unsaved() const;
-  void restore(const JournalEntry& entry);
+  void restore(const JournalEntry& entry, bool file_is_newer);
 
   /// Text from the chip, 8-bit characters.
   void take_received(const std::string& text);

@@ -161,7 +161,7 @@ class Soak {
     around.folder = bench_.folder / "journal";
     around.lock = [](const fs::path& path) { return lock_file(path).held; };
     around.unsaved = [this] { return bench_.view->unsaved(); };
-    around.restore = [this](const JournalEntry& entry) { bench_.view->restore(entry); };
+    around.restore = [this](const JournalEntry& entry, bool newer) { bench_.view->restore(entry, newer); };
     around.show_status = [this](const std::string& text) { bench_.view->show_status(text); };
     journal_ = std::make_unique<Journal>(bench_.wire.scheduler, bench_.work, std::move(around));
     QObject::connect(bench_.view, &CQV5123View::image_saved, bench_.frame.get(),
