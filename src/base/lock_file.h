@@ -14,7 +14,8 @@ struct FileLock {
 
 /// Locks through the file `path`, which is made where it is missing. The system itself keeps the lock, so
 /// that whatever a process that died left in the file counts for nothing. Waits for nobody. A lock that is
-/// given back takes its file along, unless the file holds something that others wrote.
+/// given back takes its file along, unless the file holds something that others wrote. On a file system that
+/// knows no locks it holds nobody off.
 FileLock lock_file(const std::filesystem::path& path);
 
 /// Locks the file against other programs of ours through a file beside it, and waits up to `patience` for one

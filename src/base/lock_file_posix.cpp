@@ -28,13 +28,12 @@ class OpenLock {
     struct stat status;
     return file_ >= 0 && ::fstat(file_, &status) == 0 && S_ISREG(status.st_mode);
   }
+  /// False while somebody else has it. Where the file system knows no locks nobody has, and it must do
+  /// without.
   bool lock() {
-    const bool locked = ::flock(file_, LOCK_EX | LOCK_NB) == 0;
-    // Where the file system knows no locks, nobody else has it either.
-    ours_ = locked || errno != EWOULDBLOCK;
-    return locked;
+    ours_ = ::flock(file_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    return ours_;
   }
-  bool ours() const { return ours_; }
   /// Whether the file still has its name: who held the lock before may have taken it along meanwhile.
   bool in_place() {
     struct stat own;
@@ -63,7 +62,7 @@ FileLock lock_file(const std::filesystem::path& path) {
   for (int i = 0; i < kTries; ++i) {
     const auto lock = std::make_shared<OpenLock>(path);
     if (!lock->usable()) return {};
-    if (!lock->lock()) return {nullptr, !lock->ours()};
+    if (!lock->lock()) return {nullptr, true};
     if (lock->in_place()) return {lock};
   }
   return {nullptr, true};
