@@ -83,7 +83,10 @@ inline constexpr char kPickerChipWasAway[] =
     "the chip was away since the picker was switched on. Switch it off and on again.";
 
 inline constexpr char kPickerPortLost[] =
-    "The port was lost with the color picker on, and the chip may still measure. Switch it off and on again.";
+    "The port was lost with the color picker on, and the chip may still measure. Once the port is back the "
+    "picker is switched off.";
+inline constexpr char kPickerOffAfterLoss[] =
+    "The port is back. The color picker was switched off: AE and AWB run again.";
 
 /// Stops the AE and AWB tasks while the picker measures, and lets them run again.
 Traffic picker_task_traffic(bool on);

@@ -94,6 +94,7 @@ void PickerDesk::go_to(PickerPosition place) {
   picker_.position = clamped(place);
   x_typed_ = y_typed_ = false;
   go();
+  if (picker_.on && picker_.pointed) picker_.pointed();
 }
 
 void PickerDesk::go() {
@@ -179,6 +180,7 @@ void PickerDesk::tell_on_in_no_way() {
   MeasuringBoard::Picker now = board_->picker();
   now.by = nullptr;
   now.connection = host_.link().connection();
+  watching_.start(watch_port());
   board_->tell(*this, std::move(now));
   tell_others();
 }
@@ -197,6 +199,7 @@ Task<std::string> PickerDesk::switch_own_way(bool on) {
   if (trouble.empty()) {
     after.by = on ? this : nullptr;
     after.connection = connection;
+    if (on) watching_.start(watch_port());
     // Switching on brings the cursor along.
     place_lost_ = false;
   } else if (!picker_.off.empty()) {
@@ -252,7 +255,6 @@ Task<> PickerDesk::run_switch() {
     const std::string trouble = co_await switch_own_way(on);
     if (trouble.empty()) {
       host_.show_status(on ? kPickerOnStatus : kPickerOffStatus);
-      watching_.start(tell_of_loss());
     } else {
       host_.show_failure(trouble);
       on = picker_.on = !on;
@@ -266,11 +268,42 @@ Task<> PickerDesk::run_switch() {
   if (picker_.settled) picker_.settled();
 }
 
-Task<> PickerDesk::tell_of_loss() {
+Task<> PickerDesk::connection_change() {
   const Resolver<bool> changed;
   host_.link().resolve_on_connection_change(changed);
   co_await changed.pending();
-  if (picker_.on && !is_another(board_->picker().by)) host_.show_failure(kPickerPortLost);
+}
+
+/// Whether it is this page's to say so and to end it.
+bool PickerDesk::may_still_measure() const {
+  return picker_.on && !is_another(board_->picker().by);
+}
+
+/// A chip that may have measured through the loss of its port is told to stop as soon as it hears again.
+Task<> PickerDesk::watch_port() {
+  co_await connection_change();
+  if (may_still_measure()) host_.show_failure(kPickerPortLost);
+  for (bool left = false; !left;) {
+    co_await connection_change();
+    if (!may_still_measure()) co_return;
+    // A click on the switch ends it as well, or fails and leaves it to the next time.
+    if (switching_.running()) continue;
+    const JobResult sent = co_await host_.link().send(picker_off_traffic(picker_.off));
+    left = !sent.failed;
+  }
+  if (!may_still_measure()) co_return;
+  picker_.off.clear();
+  show_off();
+  tell_others();
+  host_.show_status(kPickerOffAfterLoss);
+}
+
+void PickerDesk::show_off() {
+  picker_.on = false;
+  switched();
+  view_->show_picker();
+  show_keys();
+  if (picker_.settled) picker_.settled();
 }
 
 Traffic PickerDesk::leave() {
@@ -278,12 +311,7 @@ Traffic PickerDesk::leave() {
   watching_.cancel();
   switching_chip_ = taking_over_ = false;
   const IspBytes off = std::exchange(picker_.off, {});
-  if (std::exchange(picker_.on, false)) {
-    switched();
-    view_->show_picker();
-    show_keys();
-    if (picker_.settled) picker_.settled();
-  }
+  if (picker_.on) show_off();
   tell_others();
   return picker_off_traffic(off);
 }

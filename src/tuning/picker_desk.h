@@ -38,6 +38,9 @@ class PickerDesk final : private MeasuringBoard::Member {
     /// For the page's desk, which may have none: the flag has changed; the chip has followed, or did not.
     std::function<void()> switched = {};
     std::function<void()> settled = {};
+    /// The same where the picker is on and somebody has pointed at a place of the picture: the cursor goes
+    /// there.
+    std::function<void()> pointed = {};
   };
 
   PickerDesk(DeskHost& host, Picker picker, std::shared_ptr<MeasuringBoard> board);
@@ -118,7 +121,10 @@ class PickerDesk final : private MeasuringBoard::Member {
   Task<bool> take_over();
   Task<> send_move(const char* what, IspBytes position);
   Task<> run_switch();
-  Task<> tell_of_loss();
+  Task<> connection_change();
+  Task<> watch_port();
+  bool may_still_measure() const;
+  void show_off();
   void show_keys();
   void switched();
   void send_typed();
