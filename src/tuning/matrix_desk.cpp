@@ -33,7 +33,7 @@ MatrixDesk::MatrixDesk(DeskHost& host, UserDataImage& image, std::shared_ptr<Mea
       picker_(host,
               {values_.picker_on, values_.picker_off, values_.picker, values_.step_index,
                [this](bool on) { return switch_matrix_picker(link(), values_, on); },
-               [this] { update_keys(); }, [this] { picker_settled(); }},
+               [this] { update_keys(); }, [this] { picker_settled(); }, [this] { take_pointed(); }},
               board_),
       typed_ratio_(values_.ratio),
       run_(host, picker_, *this, {"Measure all 24", kPatches, kPickerColourRegisters}) {
@@ -157,6 +157,7 @@ void MatrixDesk::calculate(Prompts& prompts) {
   if (!other_mode.empty()) host().show_failure(other_mode);
   fits_.calculated = values_.coefficients;
   fitted_to_ = values_.measured;
+  note_doubts();
   show_current();
 }
 
@@ -212,6 +213,7 @@ void MatrixDesk::choose_fit(Fit fit) {
                         fit == Fit::calculated ? "Calculate" : "Fit color difference");
   values_.coefficients = *matrix;
   store_matrix(values_);
+  note_doubts();
   show_current();
 }
 

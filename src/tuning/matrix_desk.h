@@ -74,6 +74,7 @@ class MatrixDesk final : public PageDesk<MatrixPage>, private MeasuredChart {
   /// "GET COLOR"; what is pressed while one is under way comes after it.
   void get_color();
   /// "Set corner": the cursor is on the chosen patch, one of the chart's corners. Kept for the video mode.
+  /// Until all four are set, pointing at one in the picture does the same.
   void set_corner();
   const ChartCorners& corners() const { return board_->corners()[static_cast<std::size_t>(values_.mode)]; }
   /// "Measure all 24", from the four corners; pressed again it stops. Where a reading is doubtful it stops by
@@ -102,7 +103,8 @@ class MatrixDesk final : public PageDesk<MatrixPage>, private MeasuredChart {
   /// "Copy matrix to...": what stands in the edits goes to these places, in the tables and on the chip, each
   /// by the bursts of its own "Set" buttons. Asks as they do.
   void copy_matrix(std::vector<MatrixPlace> places, Prompts& prompts);
-  /// "File/Flash Save" on file and chip.
+  /// "File/Flash Save" on file and chip. start_save() asks first where a fit has put a doubtful matrix into
+  /// the tables, as "Set" does.
   Task<> save(PageHost& files);
 
   /// Switches the picker off, which makes the chip correct colours again.
@@ -117,6 +119,13 @@ class MatrixDesk final : public PageDesk<MatrixPage>, private MeasuredChart {
  private:
   using TypedCodes = std::array<std::array<std::optional<std::string>, 3>, kMatrixRows>;
 
+  /// The matrix of a fit, which may amplify errors: where it has come into the tables, and why.
+  struct Doubtful {
+    MatrixPlace place;
+    std::array<MatrixCodes, kMatrixRows> codes;
+    std::string reasons;
+  };
+
   FullSave make_save() override { return {matrix_full_save(values_), {}, {}, {}}; }
   Traffic values_traffic(const std::vector<std::size_t>& fields) const override;
   std::vector<WriteNote::Value> own_values(const std::vector<std::size_t>& fields) const override;
@@ -128,6 +137,8 @@ class MatrixDesk final : public PageDesk<MatrixPage>, private MeasuredChart {
   /// Where the chip uses the matrix of another mode; empty where it does not, or nobody knows.
   std::string other_mode_text() const;
   void picker_settled();
+  void take_corner(std::size_t corner);
+  void take_pointed();
   Task<> run_get_color();
   Task<bool> measure_patch(std::size_t patch);
   Task<> run_all(std::array<PickerPosition, kPatches> places, std::size_t first);
@@ -139,6 +150,9 @@ class MatrixDesk final : public PageDesk<MatrixPage>, private MeasuredChart {
   Task<> run_color_fit(PageHost& worker);
   void show_current();
   void forget_fits();
+  std::array<MatrixCodes, kMatrixRows> codes_at(const MatrixPlace& place) const;
+  void note_doubts();
+  std::string unread_saved() const override;
   bool take_codes();
   void with_consent(std::string what, const std::string& doubt, Prompts& prompts, std::function<void()> send);
   Task<> ask_first(Prompts& prompts, std::string what, std::string reasons, std::function<void()> send);
@@ -161,7 +175,8 @@ class MatrixDesk final : public PageDesk<MatrixPage>, private MeasuredChart {
   ColorFitOptions color_options_;
   Fits fits_;
   MeasuredColours fitted_to_{};  ///< the patches that fits_ were made of
-  std::string accepted_;         ///< reasons that the user has sent a matrix in spite of
+  std::vector<Doubtful> doubtful_;
+  std::string accepted_;  ///< reasons that the user has sent a matrix in spite of
   Flow fitting_;
 };
 

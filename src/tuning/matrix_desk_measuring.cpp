@@ -81,8 +81,18 @@ void MatrixDesk::set_corner() {
   if (!corner)
     return host().show_failure(
         "The corners are Dark skin, Bluish green, Black and White: choose one of them.");
+  take_corner(*corner);
+}
+
+void MatrixDesk::take_pointed() {
+  const auto corner = corner_of(values_.patch);
+  const bool all_set = std::ranges::all_of(corners(), [](const auto& place) { return place.has_value(); });
+  if (corner && !all_set) take_corner(*corner);
+}
+
+void MatrixDesk::take_corner(std::size_t corner) {
   ChartCorners& corners = board_->corners()[static_cast<std::size_t>(values_.mode)];
-  corners[*corner] = clamped(values_.picker);
+  corners[corner] = clamped(values_.picker);
   board_->corner_set(values_.mode);
   const auto set = std::ranges::count_if(corners, [](const auto& place) { return place.has_value(); });
   host().show_status("Corner " + std::to_string(set) + " of 4 is set.");

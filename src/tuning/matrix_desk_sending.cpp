@@ -13,6 +13,13 @@ std::string row_name(MatrixControl row) {
   return std::string(kMatrixRowNames[static_cast<int>(row)]) + " row";
 }
 
+/// What is doubtful about the current matrix beside `doubt`, a line each.
+std::string reasons_against(const MatrixValues& values, const std::string& doubt) {
+  std::string reasons = doubt.empty() ? doubt : doubt + "\n";
+  for (const std::string& warning : matrix_warnings(values)) reasons += warning + "\n";
+  return reasons;
+}
+
 }  // namespace
 
 std::vector<WriteNote::Value> MatrixDesk::control_values(int control) const {
@@ -118,8 +125,7 @@ void MatrixDesk::with_consent(std::string what, const std::string& doubt, Prompt
   if (!take_codes()) return;
   MatrixValues ready = values_;
   set_matrix_rows(ready);
-  std::string reasons = doubt.empty() ? doubt : doubt + "\n";
-  for (const std::string& warning : matrix_warnings(ready)) reasons += warning + "\n";
+  std::string reasons = reasons_against(ready, doubt);
   if (reasons.empty() || reasons == accepted_) return send();
   values_.coefficients = before;
   spawn(ask_first(prompts, std::move(what), std::move(reasons), std::move(send)));
@@ -137,6 +143,32 @@ Task<> MatrixDesk::ask_first(Prompts& prompts, std::string what, std::string rea
   if (!take_codes()) co_return;
   accepted_ = std::move(reasons);
   send();
+}
+
+std::array<MatrixCodes, kMatrixRows> MatrixDesk::codes_at(const MatrixPlace& place) const {
+  std::array<MatrixCodes, kMatrixRows> codes{};
+  for (std::size_t row = 0; row < kMatrixRows; ++row)
+    codes[row] = values_.tables[place.mode][row][place.light];
+  return codes;
+}
+
+/// A full save takes along what a fit has put into the tables: whatever the page shows by then, the doubts
+/// are those of now.
+void MatrixDesk::note_doubts() {
+  const MatrixPlace place{values_.mode, values_.light};
+  std::erase_if(doubtful_, [&](const Doubtful& other) { return other.place == place; });
+  std::string reasons = reasons_against(values_, other_mode_text());
+  if (!reasons.empty()) doubtful_.push_back({place, codes_at(place), std::move(reasons)});
+}
+
+std::string MatrixDesk::unread_saved() const {
+  std::string all = TuningDesk::unread_saved();
+  for (const auto& [place, codes, reasons] : doubtful_) {
+    if (codes != codes_at(place) || reasons == accepted_) continue;
+    all += std::string(all.empty() ? "" : "\n\n") + "The matrix of " + kMatrixModeNames[place.mode] + ", " +
+           kMatrixLightNames[place.light] + ":\n" + reasons;
+  }
+  return all;
 }
 
 void MatrixDesk::send_row(MatrixControl row) {

@@ -226,6 +226,45 @@ TEST_F(MatrixDeskTest, AsksBeforeADoubtfulMatrixIsSentAndRefusesAnEmptyOne) {
   EXPECT_EQ(wire().size(), 8u * 6);
 }
 
+TEST_F(MatrixDeskTest, AsksBeforeASaveTakesADoubtfulFitAlong) {
+  answer_reads();
+  image().mark_loaded();
+  desk_.load_file();
+  const auto saved = [this] {
+    desk_.start_save(host_.user, desk_.save(host_));
+    return wire(15'000).size() / 6;
+  };
+  constexpr std::size_t kWhole = 2 + 4 * 55 + 2 + 10;
+  type_patches(test::chart_readings("chart-bright"));
+  EXPECT_EQ(saved(), kWhole) << "nothing was fitted to them, and nothing asked";
+  desk_.calculate(host_.user);
+  desk_.choose_light(1);
+  EXPECT_EQ(saved(), 0u);
+  ASSERT_EQ(host_.user.questions.size(), 1u);
+  EXPECT_THAT(host_.user.questions[0].text,
+              StartsWith("The matrix of TVI, Outdoor:\nClipped, over 250 counts: "));
+  EXPECT_EQ(host_.user_data_writes, 1);
+  host_.user.answers = {Answer::yes};
+  EXPECT_EQ(saved(), kWhole);
+  EXPECT_EQ(saved(), kWhole) << "asked once for each reason";
+  desk_.load_file();
+
+  MeasuredColours greys = test::chart_readings("chart");
+  std::fill(greys.begin(), greys.begin() + 18, MeasuredColour{});
+  type_patches(greys);
+  desk_.calculate(host_.user);
+  host_.user.answers = {Answer::no, Answer::yes};
+  EXPECT_EQ(saved(), 0u);
+  desk_.set_row(MatrixControl::red_row, host_.user);
+  wire();
+  EXPECT_EQ(saved(), kWhole) << "agreed to for Set";
+  desk_.choose_light(2);
+  desk_.calculate(host_.user);
+  desk_.load_file();
+  EXPECT_EQ(saved(), kWhole) << "another stands there by now";
+  EXPECT_EQ(host_.user.questions.size(), 4u);
+}
+
 TEST_F(MatrixDeskTest, CopiesTheShownMatrixToOtherPlaces) {
   desk_.choose_mode(kAhd);
   for (int row = 0; row < 3; ++row)
@@ -330,13 +369,25 @@ TEST_F(MatrixDeskTest, LeavesAChipWithItsPickerOffAtWhateverMoment) {
   EXPECT_EQ(last_words(), "");
 }
 
-TEST_F(MatrixDeskTest, APortThatIsLostWithThePickerOnIsSaid) {
+TEST_F(MatrixDeskTest, APickerThatWasOnAsThePortWasLostIsSwitchedOffOnceItIsBack) {
   answer_reads();
   desk_.picker().click_switch(true);
   wire(3000);
   fake_.link.connection_changed();
   wire(10);
   EXPECT_EQ(host_.last_status(), kPickerPortLost);
+  fake_.sender.connected = false;
+  fake_.link.connection_changed();
+  wire(1000);
+  EXPECT_TRUE(desk_.picker().on()) << "lost again";
+  fake_.sender.connected = true;
+  fake_.link.connection_changed();
+  EXPECT_EQ(wire(1000), "@920a*@9220*@9390*@920a*@9229*@9305*@a001*@a101*");
+  EXPECT_FALSE(desk_.picker().on());
+  EXPECT_EQ(host_.last_status(), kPickerOffAfterLoss);
+
+  desk_.picker().click_switch(true);
+  wire(3000);
   desk_.picker().click_switch(false);
   wire(3000);
   fake_.link.connection_changed();

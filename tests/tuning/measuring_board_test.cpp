@@ -281,6 +281,25 @@ TEST_F(MeasuringBoardTest, AwbMeasuresItsColorsFromTheCorners) {
   EXPECT_EQ(host_.last_status().find("Measured Cyan is "), 0u) << host_.last_status();
 }
 
+TEST_F(MeasuringBoardTest, PointingAtTheFourCornersSetsThem) {
+  board_->move_to({1, 1});
+  EXPECT_FALSE(matrix_.corners()[0]) << "nothing is measured yet";
+  matrix_.picker().click_switch(true);
+  wire(3000);
+  constexpr PickerPosition kCorners[] = {{100, 100}, {1100, 100}, {1100, 700}, {100, 700}};
+  for (const PickerPosition& corner : kCorners) {
+    board_->move_to(corner);
+    wire();
+  }
+  for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(matrix_.corners()[i], kCorners[i]) << i;
+  const ChartCorners set = matrix_.corners();
+  board_->move_to({5, 6});
+  EXPECT_EQ(matrix_.corners(), set) << "from now on by Set corner";
+  EXPECT_EQ(matrix_.picker().position(), (PickerPosition{5, 6}));
+  matrix_.measure_all();
+  EXPECT_TRUE(matrix_.measuring_all());
+}
+
 TEST_F(MeasuringBoardTest, AnotherVideoModeThanTheChipsIsSaid) {
   load_file_with_mode(2);
   type_chart(test::chart_readings("chart"));
@@ -299,12 +318,16 @@ TEST_F(MeasuringBoardTest, AnotherVideoModeThanTheChipsIsSaid) {
   matrix_.choose_mode(kAhd);
   matrix_.calculate(host_.user);
   EXPECT_EQ(host_.last_status(), "Matrix calculated from 24 patches.") << "what the chip said counts more";
+  const std::string other_size =
+      "The chip's video mode is 1M PAL A_25fps: its lines have 1280 pixels, and Screen Size says 1920.";
+  lens_.press_check_field();
+  EXPECT_EQ(host_.last_status(), other_size);
+  lens_.press_check_field();
+  wire(5000);
   lens_.picker().click_switch(true);
   wire(3000);
   lens_.start_calibration(host_.user);
-  EXPECT_EQ(
-      host_.last_status(),
-      "The chip's video mode is 1M PAL A_25fps: its lines have 1280 pixels, and Screen Size says 1920.");
+  EXPECT_EQ(host_.last_status(), other_size);
 }
 
 }  // namespace
