@@ -38,6 +38,11 @@ std::string LensDesk::other_size_text() const {
          std::to_string(lens_line_width(values_.screen_index)) + ".";
 }
 
+void LensDesk::tell_other_size() {
+  const std::string text = other_size_text();
+  if (!text.empty()) host().show_failure(text);
+}
+
 void LensDesk::begin_sweep() {
   picker_.want_keys(false);
   picker_.set_sweeping(true);
@@ -91,9 +96,13 @@ void LensDesk::start_calibration(Prompts& prompts) {
   if (!calibrating() && !checking_field()) calibrating_.start(calibrate(prompts));
 }
 
-Task<LensDecision> LensDesk::decide(Prompts& prompts, const LensCalibration& found) {
+Task<LensDecision> LensDesk::decide(Prompts& prompts, LensCalibration found) {
   std::string text = other_size_text();
   if (!text.empty()) text += "\n";
+  // With nothing corrected nothing is doubtful, and the ratio sends what it brings without a question.
+  LensValues judged = values_;
+  if (judged.ratio == 0) judged.ratio = 100;
+  recompute_lens(found, judged);
   for (const std::string& warning : lens_warnings(found)) text += warning + "\n";
   if (!second_parameter_clamped(found)) {
     if (text.empty()) co_return LensDecision::send;
@@ -101,7 +110,7 @@ Task<LensDecision> LensDesk::decide(Prompts& prompts, const LensCalibration& fou
         co_await prompts.ask(careful_question(text + "\nSend the parameters all the same?", "Calibration"));
     co_return answer == Answer::yes ? LensDecision::send : LensDecision::keep_old;
   }
-  const PerColour alone = first_parameter_alone(found, values_.ratio);
+  const PerColour alone = first_parameter_alone(found, judged.ratio);
   const auto ripple = [&](const PerColour& parameter1) {
     return fixed(lens_line_ripple(found, parameter1, found.fit.parameter2), 1) + " %";
   };
@@ -148,6 +157,7 @@ Task<> LensDesk::run_check_field() {
   allow_switch(false);
   lens_view_->show_field();
   host().show_status("Checking the field with the correction that the chip has. Press again to stop.");
+  tell_other_size();
   const std::vector<PickerPosition> positions = field_positions(values_.screen_index);
   const std::size_t of = positions.size();
   std::function<bool(const PerColour&)> on_reading = [this, of](const PerColour& colour) {
@@ -200,8 +210,7 @@ Task<> LensDesk::calibrate(Prompts& prompts) {
   calibration_.width = lens_line_width(values_.screen_index);
   lens_view_->show_calibration();
   host().show_status("Calibrating. Switch the color picker off to stop.");
-  const std::string other_size = other_size_text();
-  if (!other_size.empty()) host().show_failure(other_size);
+  tell_other_size();
   const std::size_t positions = lens_positions(calibration_.width).size();
   std::function<void(const LensSample&)> on_sample = [this, positions](const LensSample& sample) {
     take_sample(sample, positions);

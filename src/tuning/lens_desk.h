@@ -62,13 +62,15 @@ class LensDesk final : public PageDesk<LensPage> {
   void allow_switch(bool allowed);
   /// Where "Screen Size:" is not that of the chip's picture; empty where it is, or nobody knows.
   std::string other_size_text() const;
+  void tell_other_size();
   void begin_sweep();
   void end_sweep(bool keys);
   void set_flicker(int mode);
   Task<> calibrate(Prompts& prompts);
   void take_sample(const LensSample& sample, std::size_t of);
   void finish(LensCalibrationResult result);
-  Task<LensDecision> decide(Prompts& prompts, const LensCalibration& found);
+  /// What was fitted for a ratio of 0 is judged as if all of it were to be corrected.
+  Task<LensDecision> decide(Prompts& prompts, LensCalibration found);
   Task<LensDecision> take_found(Prompts& prompts, const LensCalibration& found);
   void show_ripple();
   Task<> run_check_field();

@@ -51,6 +51,7 @@ TEST(LensChecks, DoubtWhatNoLensDoes) {
   EXPECT_EQ(all_warnings(swept("flat")), "");
   EXPECT_EQ(all_warnings(swept("flat-cos4")), "");
   EXPECT_THAT(all_warnings(swept("flat-bright")), HasSubstr("Readings of red are clipped, over 250 counts"));
+  EXPECT_THAT(all_warnings(swept("flat-bright")), HasSubstr("All readings of green are 255"));
   EXPECT_THAT(all_warnings(swept("chart")), HasSubstr("% off a smooth line: is the scene even?"));
 
   std::vector<LensSample> still;
@@ -143,6 +144,18 @@ TEST_F(LensDeskOnAChip, AsksWhatToSendWhereTheChipCannotDoWhatWasFitted) {
   desk_.move_ratio(100);
   calibrated();
   EXPECT_LT(desk_.values().parameter1[1], alone[1]) << "as fitted";
+}
+
+TEST_F(LensDeskOnAChip, WhatARatioOf0HidesIsAskedAboutBeforeTheRatioBringsIt) {
+  desk_.move_ratio(0);
+  EXPECT_EQ(calibrated(), "");
+  ASSERT_EQ(host_.user.questions.size(), 1u);
+  EXPECT_THAT(host_.user.questions[0].text, HasSubstr("Parameter-2 came out below 0"));
+  desk_.move_ratio(100);
+  EXPECT_EQ(wire(), "");
+  desk_.move_ratio(0);
+  host_.user.answers = {Answer::yes};
+  EXPECT_TRUE(calibrated().starts_with("@6400*@6400*@6400*"));
 }
 
 TEST_F(LensDeskOnAChip, ChecksTheFieldWithTheCorrectionOfTheChip) {
