@@ -1,5 +1,7 @@
 #include "tuning/chart_measurement.h"
 
+#include <algorithm>
+
 namespace qv5123 {
 
 Task<bool> ChartMeasurement::begin() {
@@ -19,9 +21,19 @@ Task<> ChartMeasurement::measure(std::array<PickerPosition, kPatches> places, st
     const bool goes_on = co_await measure_patch(patch, places[patch]);
     if (!goes_on) break;
     host_.show_status("Measured " + chart_.reading_text(patch) + "; " +
-                      std::to_string(kind_.patches - 1 - patch) + " left.");
+                      std::to_string(kind_.patches - 1 - patch) + " left." + zeros_text());
   }
   picker_.set_measuring(false);
+}
+
+/// A saturated color may read 0 in one part, which is no fault but keeps it out of the fits.
+std::string ChartMeasurement::zeros_text() const {
+  std::string names;
+  for (std::size_t patch = 0; patch < kind_.patches; ++patch) {
+    const auto [lowest, highest] = std::ranges::minmax(chart_.readings()[patch]);
+    if (lowest == 0 && highest > 0) names += (names.empty() ? "" : ", ") + patch_name(patch);
+  }
+  return names.empty() ? names : " One part reads 0: " + names + ".";
 }
 
 void ChartMeasurement::end() {

@@ -63,6 +63,7 @@ class ChartMeasurement {
  private:
   Task<bool> measure_patch(std::size_t patch, PickerPosition place);
   void stop_at(std::size_t patch);
+  std::string zeros_text() const;
 
   DeskHost& host_;
   PickerDesk& picker_;

@@ -160,7 +160,8 @@ std::string reading_complaint(const MeasuredColours& measured, std::size_t patch
   const auto [lowest, highest] = std::ranges::minmax(reading.colour);
   if (lowest < 0) return name + ": the chip did not answer.";
   if (highest >= kClippedCounts) return name + " is clipped: it reads " + std::to_string(highest) + ".";
-  if (lowest < kDarkCounts) return name + " is too dark: it reads " + std::to_string(lowest) + ".";
+  // Of a saturated color one part may well be 0, but not all three.
+  if (highest < kDarkCounts) return name + " is too dark: it reads " + std::to_string(highest) + ".";
   if (!reading.steady) return name + " is unsteady: its three readings differ.";
   const double level = luma({1.0 * reading.colour[0], 1.0 * reading.colour[1], 1.0 * reading.colour[2]});
   if (const auto other = out_of_order(measured, patch, level))

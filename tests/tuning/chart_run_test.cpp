@@ -2,9 +2,11 @@
 
 #include <gmock/gmock.h>
 
+#include "base/hex.h"
 #include "support/chip_talk.h"
 #include "support/desk_bench.h"
 #include "tuning/matrix_desk.h"
+#include "tuning/matrix_diagnosis.h"
 
 namespace qv5123 {
 namespace {
@@ -78,7 +80,7 @@ TEST_F(MatrixDeskOnAChip, MeasuresTheTurnedChartInTime) {
   EXPECT_FALSE(desk_.picker().keys_enabled());
   desk_.get_color();
   EXPECT_EQ(host_.last_status(), "GET COLOR: the whole chart is being measured.");
-  // A line of 19200 baud takes another 5 s for the 24 x 138 characters.
+  // A line of 19200 baud takes another 2.7 s for the 24 x 216 characters.
   wire(14'000);
   EXPECT_EQ(measured(), kPatches);
   EXPECT_FALSE(desk_.measuring_all());
@@ -190,8 +192,69 @@ TEST(ChartRun, ComplainsOfReadingsThatCannotBe) {
             "Neutral 8 is out of order: its brightness does not fit that of White.");
   EXPECT_EQ(reading_complaint(measured, 19, {{130, 130, 130}, false}),
             "Neutral 8 is unsteady: its three readings differ.");
-  EXPECT_EQ(reading_complaint(measured, 19, {{1, 130, 130}, true}), "Neutral 8 is too dark: it reads 1.");
+  EXPECT_EQ(reading_complaint(measured, 19, {{0, 1, 0}, true}), "Neutral 8 is too dark: it reads 1.");
+  EXPECT_EQ(reading_complaint(measured, 17, {{0, 60, 90}, true}), "") << "saturated";
   EXPECT_EQ(reading_complaint(measured, 19, {{-1, 130, 130}, true}), "Neutral 8: the chip did not answer.");
+}
+
+/// What comes of three readings in a row, alike in red, green and blue.
+SteadyReading read_three(std::array<unsigned, 3> levels) {
+  test::FakeWire wire;
+  std::size_t asked = 0;
+  wire.sender.chip = [&](const std::string& bytes) {
+    if (bytes.starts_with("@940c*")) wire.receive("~" + upper_hex(levels.at(asked++ / 3), 2) + "^");
+  };
+  SteadyReading reading;
+  const auto read = [](CommandLink& link, SteadyReading& into) -> Task<> {
+    const PickerPosition place{1, 2};
+    const SteadyReading taken = co_await read_steadily(link, place);
+    into = taken;
+  };
+  const Flow flow(read(wire.link, reading));
+  wire.advance(5000);
+  return reading;
+}
+
+TEST(ChartRun, TakesTheMedianOfThreeThatAreAlike) {
+  EXPECT_FALSE(read_three({100, 140, 102}).steady);
+  const SteadyReading steady = read_three({100, 104, 101});
+  EXPECT_TRUE(steady.steady);
+  EXPECT_EQ(steady.colour, (PerColour{101, 101, 101}));
+}
+
+TEST_F(MatrixDeskOnAChip, ASaturatedColorMayReadZeroButNotAWholePatch) {
+  aim("chart-warm");
+  set_corners("chart-warm");
+  desk_.measure_all();
+  wire(20'000);
+  EXPECT_THAT(host_.last_status(), HasSubstr("; 0 left. One part reads 0: Cyan."));
+  EXPECT_EQ(measured(), 23u);
+  desk_.calculate(host_.user);
+  EXPECT_EQ(host_.last_status(), "Matrix calculated from 23 patches.");
+
+  test::ask(chip_, "@a001*");  // exposes anew
+  aim("chart-dark");
+  test::ask(chip_, "@a000*");
+  desk_.measure_all();
+  wire(20'000);
+  EXPECT_THAT(host_.last_status(), HasSubstr(" is too dark: it reads "));
+}
+
+TEST_F(MatrixDeskOnAChip, AWallInPlaceOfTheChartDeterminesNoMatrix) {
+  aim("flat");
+  desk_.picker().click_switch(true);
+  wire(3000);
+  for (std::size_t patch = 0; patch < kPatches; ++patch) {
+    desk_.choose_patch(patch);
+    desk_.get_color();
+    wire(1000);
+  }
+  ASSERT_EQ(measured(), kPatches);
+  desk_.calculate(host_.user);
+  std::string warnings;
+  for (const std::string& warning : matrix_warnings(desk_.values())) warnings += warning;
+  EXPECT_THAT(warnings, HasSubstr("The patches are nearly of one color"));
+  EXPECT_THAT(warnings, HasSubstr("The mean color difference grows from "));
 }
 
 }  // namespace
