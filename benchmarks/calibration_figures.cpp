@@ -21,7 +21,7 @@
 namespace qv5123 {
 namespace {
 
-constexpr std::uint64_t kSeeds = 4;
+constexpr std::uint64_t kSeeds = 8;
 
 /// A chip with a camera whose truth is known, and the pages' calibrations over the line to it.
 struct CalibrationBench {
@@ -242,6 +242,10 @@ Pairs truth_pairs(const Scene& scene) {
   return pairs;
 }
 
+Coefficients no_matrix(const MeasuredColours&, const ExposedPatches&) {
+  return {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+}
+
 struct Figures {
   double fitted = 0;
   double left_out = 0;
@@ -269,28 +273,29 @@ MeasuredColours readings(const Scene& scene, const char* noise, std::uint64_t se
 std::string matrix_rows(const char* name) {
   const Scene scene = *scene_named(name);
   const Pairs truth = truth_pairs(scene);
-  const Coefficients identity{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
   std::string rows;
   for (const char* noise : kNoiseNames) {
-    std::array<Figures, 2> mean{};
-    double best = 0;
+    constexpr test::PatchFit kFits[] = {no_matrix, test::calculated, test::color_difference};
+    std::array<Figures, 3> mean{};
+    double best = 0, patches = 0;
     const double seeds = std::string(noise) == "off" ? 1 : kSeeds;
     for (std::uint64_t seed = 1; seed <= static_cast<std::uint64_t>(seeds); ++seed) {
       const MeasuredColours measured = readings(scene, noise, seed);
-      const test::PatchFit fits[] = {test::calculated, test::color_difference};
+      patches += static_cast<double>(std::ranges::count_if(measured, is_measured)) / seeds;
       for (std::size_t i = 0; i < mean.size(); ++i) {
-        const Figures one = figures_of(measured, truth, fits[i]);
+        const Figures one = figures_of(measured, truth, kFits[i]);
         mean[i].fitted += one.fitted / seeds;
         mean[i].left_out += one.left_out / seeds;
         mean[i].truth += one.truth / seeds;
       }
-      if (seed == 1) best = best_of_any_matrix(truth, fit_color_difference(*exact_patches(measured), {}));
+      if (seed == 1) best = best_of_any_matrix(truth, *fit_color_difference(measured, {}));
     }
-    rows +=
-        row({"`" + std::string(name) + "`", noise, fixed(mean_difference(truth, identity), 2),
-             fixed(mean[0].fitted, 2), fixed(mean[1].fitted, 2), fixed(mean[0].left_out, 2),
-             fixed(mean[1].left_out, 2), fixed(mean[0].truth, 2), fixed(mean[1].truth, 2), fixed(best, 2)});
-    if (mean[1].fitted >= mean[0].fitted)
+    const auto& [none, calculated, difference] = mean;
+    rows += row({"`" + std::string(name) + "`", noise, fixed(patches, 1), fixed(none.fitted, 2),
+                 fixed(calculated.fitted, 2), fixed(difference.fitted, 2), fixed(calculated.left_out, 2),
+                 fixed(difference.left_out, 2), fixed(none.truth, 2), fixed(calculated.truth, 2),
+                 fixed(difference.truth, 2), fixed(best, 2)});
+    if (difference.fitted >= calculated.fitted || difference.left_out >= calculated.left_out)
       std::fprintf(stderr, "%s, noise %s: no closer than Calculate\n", name, noise);
   }
   return rows;

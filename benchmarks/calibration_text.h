@@ -11,7 +11,7 @@ matrix page find can be held against the truth. This page, figures and all, is w
     ./bench --calibration
 
 which runs the pages' own flows, from the picker's first register to the last parameter sent, against the chip on a
-hand-moved clock. With noise the figures are means over the seeds 1 to 4.
+hand-moved clock. With noise the figures are means over the seeds 1 to 8.
 
 ## The truth
 
@@ -47,17 +47,18 @@ better half when that becomes 0, and Parameter-1 alone comes closer.
 
 ## Colour matrix
 
-After a lens shading calibration ("offered") all 24 patches are read with "GET COLOR", at their middles. Mean CIEDE2000:
+After a lens shading calibration ("offered") all 24 patches are read with "GET COLOR", at their middles. "Patches" is how many of them
+are measured: one that reads 0 in a color is not. Mean CIEDE2000:
 
-- "none": without a matrix, of what stands in front of the camera;
-- "fitted": of the patches as read, balanced as the chip does it, against the page's table, with the matrix of "Calculate" and with that
-  of "Fit color difference", which minimises just this;
+- "fitted": of the patches as read, balanced as the chip does it, against the page's table, without a matrix ("none"), with that of
+  "Calculate" and with that of "Fit color difference", which minimises this together with the way from the former: the fewer counts there
+  are, the more that way costs;
 - "left out": the same of each patch with the matrix fitted to all others;
 - "truth": of the patches as the sensor sees them without noise against what stands in front of the camera, which no page knows;
 - "best": the same with the best 3 x 3 matrix there is, whatever its rows sum to.
 
-| scene | noise | none | fitted: Calculate | color difference | left out: Calculate | color difference | truth: Calculate | color difference | best |
-|---|---|---|---|---|---|---|---|---|---|
+| scene | noise | patches | fitted: none | Calculate | color difference | left out: Calculate | color difference | truth: none | Calculate | color difference | best |
+|---|---|---|---|---|---|---|---|---|---|---|---|
 )";
 
 inline constexpr char kEnd[] = R"(

@@ -57,16 +57,19 @@ std::vector<Target> targets_of(const ExposedPatches& patches, const ColorFitOpti
   return targets;
 }
 
-/// What the square of a coefficient's way from what "Calculate" finds costs. It holds the fit back from
-/// following single patches, dark ones above all, whose counts are few: with it patches left out come closer
-/// as well.
-constexpr double kPull = 16;
+/// What the square of a coefficient's way from what "Calculate" finds costs, for each part of white that a
+/// count is worth. It holds the fit back from following single patches whose counts are few, the noise of
+/// which looks large to an eye: with it patches left out come closer as well. Some 24 with white at 205.
+constexpr double kPullOfACount = 4800;
 
 /// What is minimised.
 class Cost {
  public:
-  Cost(std::vector<Target> to_hit, const ColorFitOptions& options, const Codes& calculated)
-      : noise_limit(options.noise_limit / 100.0), targets(std::move(to_hit)), held_to(calculated) {}
+  Cost(std::vector<Target> to_hit, double count, const ColorFitOptions& options, const Codes& calculated)
+      : noise_limit(options.noise_limit / 100.0),
+        pull(kPullOfACount * count),
+        targets(std::move(to_hit)),
+        held_to(calculated) {}
 
   double operator()(const Codes& codes) const {
     const Coefficients matrix = matrix_of(codes);
@@ -76,12 +79,13 @@ class Cost {
     for (const auto& row : matrix) cost += kTooNoisy * std::max(0.0, noise_gain(row) - noise_limit);
     for (std::size_t i = 0; i < kUnknowns; ++i) {
       const double away = static_cast<double>(codes[i] - held_to[i]) / kOne;
-      cost += kLaziness * std::abs(codes[i]) + kPull * away * away;
+      cost += kLaziness * std::abs(codes[i]) + pull * away * away;
     }
     return cost;
   }
 
   const double noise_limit;
+  const double pull;
   const std::vector<Target> targets;
   const Codes held_to;
 };
@@ -142,7 +146,7 @@ Point newton_step(const Cost& cost, const Point& point) {
     squares.add(lazy, 0);
     // The reweighted squares stand for twice the differences.
     std::array<double, kUnknowns> held{};
-    held[i] = std::sqrt(2 * kPull);
+    held[i] = std::sqrt(2 * cost.pull);
     squares.add(held, held[i] * (static_cast<double>(cost.held_to[i]) / kOne - point[i]));
   }
   for (std::size_t r = 0; r < kMatrixRows; ++r) {
@@ -296,11 +300,12 @@ double noise_gain(const std::array<float, 3>& row) {
   return std::hypot(row[0], row[1], row[2]);
 }
 
-Coefficients fit_color_difference(const ExposedPatches& patches, const ColorFitOptions& options) {
+Coefficients fit_color_difference(const ExposedPatches& patches, double count,
+                                  const ColorFitOptions& options) {
   const std::vector<Target> targets = targets_of(patches, options);
   const Codes plain = least_squares_start(targets, 0);
   const Codes dark = least_squares_start(targets, 0.6);
-  const Cost cost(targets, options, scaled_least_squares(targets));
+  const Cost cost(targets, count, options, scaled_least_squares(targets));
   Codes found{};
   for (const Codes& start : {Codes{}, plain, halfway(plain), dark}) {
     const Codes end = approach(cost, start);
@@ -315,7 +320,7 @@ std::optional<Coefficients> fit_color_difference(const MeasuredColours& measured
                                                  const ColorFitOptions& options) {
   const std::optional<ExposedPatches> patches = exact_patches(measured);
   if (!patches) return std::nullopt;
-  return fit_color_difference(*patches, options);
+  return fit_color_difference(*patches, count_worth(measured), options);
 }
 
 }  // namespace qv5123

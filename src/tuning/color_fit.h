@@ -20,10 +20,12 @@ constexpr bool is_memory_colour(std::size_t patch) {
 /// What a row makes of noise that is the same in red, green and blue: the root of its sum of squares.
 double noise_gain(const std::array<float, 3>& row);
 
-/// The matrix with the least weighted mean of CIEDE2000 over `patches`, held weakly to what "Calculate" finds
-/// so that patches left out come closer as well. Its rows sum to 1 and its elements are whole codes, so that
-/// it is what the chip will compute with. No row amplifies noise beyond the limit. Takes some 10 ms.
-Coefficients fit_color_difference(const ExposedPatches& patches, const ColorFitOptions& options);
+/// The matrix with the least weighted mean of CIEDE2000 over `patches`, held to what "Calculate" finds so
+/// that patches left out come closer as well: the more a count is worth, see count_worth(), the closer. Its
+/// rows sum to 1 and its elements are whole codes, so that it is what the chip will compute with. No row
+/// amplifies noise beyond the limit. Takes some 10 ms.
+Coefficients fit_color_difference(const ExposedPatches& patches, double count,
+                                  const ColorFitOptions& options);
 
 /// The same for measured counts. Nothing when no grey has been measured.
 std::optional<Coefficients> fit_color_difference(const MeasuredColours& measured,

@@ -6,21 +6,10 @@
 namespace qv5123 {
 namespace {
 
-/// What a count of the balanced patches is worth on the scale of the references.
-double exposure(const BalancedColours& balanced) {
-  double counts = 0;
-  double reference = 0;
-  for (std::size_t i = kFirstGrey; i <= kLastGrey; ++i) {
-    counts += balanced[i][1];
-    reference += kPatchReferences[i][1];
-  }
-  return reference / counts;
-}
-
 std::optional<ExposedPatches> exposed(const MeasuredColours& measured,
                                       const std::optional<BalancedColours>& balanced) {
   if (!balanced) return std::nullopt;
-  const double scale = exposure(*balanced);
+  const double scale = count_worth(measured);
   ExposedPatches patches;
   for (std::size_t i = 0; i < kPatches; ++i) {
     const auto& counts = (*balanced)[i];
@@ -45,6 +34,17 @@ DifferenceSummary summary_by(const PatchReport& report, double PatchMatch::*diff
 }
 
 }  // namespace
+
+/// Balancing leaves green as it is.
+double count_worth(const MeasuredColours& measured) {
+  double counts = 0;
+  double reference = 0;
+  for (std::size_t i = kFirstGrey; i <= kLastGrey; ++i) {
+    counts += measured[i][1];
+    reference += kPatchReferences[i][1];
+  }
+  return reference / counts;
+}
 
 std::optional<ExposedPatches> exposed_patches(const MeasuredColours& measured) {
   return exposed(measured, balance_patches(measured));

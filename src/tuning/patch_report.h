@@ -30,6 +30,10 @@ struct PatchReport {
   DifferenceSummary after;
 };
 
+/// What a count of green is worth on the scale of the references, by the four greys: the more, the fewer
+/// counts there are. Infinite when no grey has been measured.
+double count_worth(const MeasuredColours& measured);
+
 /// The measured patches, white balanced and exposed like the references; empty where a component was not
 /// measured. The exposure is the one that brings the green of the four greys, summed, to that of their
 /// references. Nothing when no grey has been measured.

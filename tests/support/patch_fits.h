@@ -18,8 +18,8 @@ inline Coefficients calculated(const MeasuredColours& measured, const ExposedPat
   return fit_balanced(used, *balance_patches(measured), 100).coefficients;
 }
 
-inline Coefficients color_difference(const MeasuredColours&, const ExposedPatches& patches) {
-  return fit_color_difference(patches, {});
+inline Coefficients color_difference(const MeasuredColours& measured, const ExposedPatches& patches) {
+  return fit_color_difference(patches, count_worth(measured), {});
 }
 
 /// CIEDE2000 with the matrix as the registers hold it.

@@ -11,6 +11,10 @@ using namespace qv5123::test;
 
 namespace {
 
+constexpr const char* kScenes[] = {
+    "chart",       "chart-turned", "chart-angle",  "chart-cos4", "chart-metameric",
+    "chart-flare", "chart-warm",   "chart-bright", "chart-dark", "chart-turned-metameric-flare-warm-cos4"};
+
 std::string all_warnings(const char* scene) {
   MatrixValues values;
   values.measured = test::chart_readings(scene);
@@ -23,9 +27,7 @@ std::string all_warnings(const char* scene) {
 }  // namespace
 
 TEST(ColorFit, IsCloserThanCalculateAlsoOnPatchesThatItHasNotSeen) {
-  for (const char* scene :
-       {"chart", "chart-turned", "chart-angle", "chart-cos4", "chart-metameric", "chart-flare", "chart-warm",
-        "chart-bright", "chart-dark", "chart-turned-metameric-flare-warm-cos4"}) {
+  for (const char* scene : kScenes) {
     const MeasuredColours measured = test::chart_readings(scene);
     const ExposedPatches patches = *exact_patches(measured);
     const Coefficients fitted = color_difference(measured, patches);
@@ -34,6 +36,22 @@ TEST(ColorFit, IsCloserThanCalculateAlsoOnPatchesThatItHasNotSeen) {
     EXPECT_LT(mean_difference(patches, fitted), mean_difference(patches, calculated(measured, patches)))
         << scene;
     EXPECT_LT(mean_left_out(measured, color_difference), mean_left_out(measured, calculated)) << scene;
+  }
+}
+
+TEST(ColorFit, IsCloserInTheMeanWithNoise) {
+  for (const char* scene : kScenes) {
+    double fitted = 0, fitted_by_calculate = 0, left_out = 0, left_out_by_calculate = 0;
+    for (std::uint64_t seed = 1; seed <= 3; ++seed) {
+      const MeasuredColours measured = test::chart_readings(scene, "low", seed);
+      const ExposedPatches patches = *exact_patches(measured);
+      fitted += mean_difference(patches, color_difference(measured, patches));
+      fitted_by_calculate += mean_difference(patches, calculated(measured, patches));
+      left_out += mean_left_out(measured, color_difference);
+      left_out_by_calculate += mean_left_out(measured, calculated);
+    }
+    EXPECT_LT(fitted, fitted_by_calculate) << scene;
+    EXPECT_LT(left_out, left_out_by_calculate) << scene;
   }
 }
 
