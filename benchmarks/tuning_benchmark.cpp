@@ -1,5 +1,6 @@
 #include <benchmark/benchmark.h>
 
+#include "tuning/color_fit.h"
 #include "tuning/gamma_curve.h"
 #include "tuning/lens_fit.h"
 #include "tuning/matrix_fit.h"
@@ -15,7 +16,7 @@ MeasuredColours leaking_chart() {
     const auto& seen = kPatchReferences[i];
     for (std::size_t c = 0; c < 3; ++c) {
       const double value = 0.7 * seen[c] + 0.2 * seen[(c + 1) % 3] + 0.1 * seen[(c + 2) % 3];
-      measured[i][c] = static_cast<std::uint32_t>(value) + 1;
+      measured[i][c] = static_cast<std::uint32_t>(200 * value) + 1;
     }
   }
   return measured;
@@ -36,6 +37,12 @@ void matrix_least_squares(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(fit_matrix(measured, 100));
 }
 BENCHMARK(matrix_least_squares)->Unit(benchmark::kMicrosecond);
+
+void color_difference_fit(benchmark::State& state) {
+  const MeasuredColours measured = leaking_chart();
+  for (auto _ : state) benchmark::DoNotOptimize(fit_color_difference(measured, ColorFitOptions{}));
+}
+BENCHMARK(color_difference_fit)->Unit(benchmark::kMillisecond);
 
 void patch_colour_differences(benchmark::State& state) {
   const MeasuredColours measured = leaking_chart();

@@ -29,6 +29,10 @@
 namespace qv5123 {
 namespace {
 
+/// Of an arrow that is held down, milliseconds.
+constexpr int kRepeatDelay = 400;
+constexpr int kRepeatInterval = 250;
+
 /// The box's frame costs height that the console needs more.
 QBoxLayout* box_layout(QGroupBox* box, QBoxLayout::Direction direction) {
   auto* layout = new QBoxLayout(direction, box);
@@ -202,6 +206,9 @@ void ControlColumn::add_osd_keys(QBoxLayout& column) {
     made->setToolTip(QStringLiteral("Key of the chip's on-screen menu (%1 = %2)")
                          .arg(register_of(qv5123::osd_key(key.key)))
                          .arg(static_cast<int>(key.key)));
+    made->setAutoRepeat(key.key != OsdKey::set);
+    made->setAutoRepeatDelay(kRepeatDelay);
+    made->setAutoRepeatInterval(kRepeatInterval);
     connect(made, &QPushButton::clicked, this, [this, key = key.key] { emit osd_key(key); });
     grid->addWidget(made, key.row, key.column);
   }

@@ -108,6 +108,25 @@ TEST(Keyboard, EveryButtonOfAPageHasALetterOfItsOwn) {
   }
 }
 
+TEST(Keyboard, ArrowsGoOnWhileTheyAreHeldDown) {
+  test::WindowBench bench;
+  const auto arrows = [](const QWidget& in) {
+    int count = 0;
+    for (const auto* button : in.findChildren<QAbstractButton*>()) {
+      const QString name = button->text().remove('&').toUpper();
+      const bool is_arrow = QStringList{"UP", "DOWN", "LEFT", "RIGHT"}.contains(name);
+      count += is_arrow ? 1 : 0;
+      if (is_arrow || name == "SET") {
+        EXPECT_EQ(button->autoRepeat(), is_arrow) << name.toStdString();
+      }
+    }
+    return count;
+  };
+  EXPECT_EQ(arrows(*bench.frame), 4) << "of the menu on the screen";
+  for (const PageId page : {PageId::lsc, PageId::awb_tune, PageId::linear_matrix})
+    EXPECT_GE(arrows(bench.choose(page)), 4) << static_cast<int>(page);
+}
+
 TEST(Keyboard, EveryKeyIsInTheHelpAndEscapeClosesIt) {
   Typist typist;
   HelpWindow help;

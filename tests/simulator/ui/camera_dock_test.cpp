@@ -7,6 +7,7 @@
 
 #include "base/ui/qt_scheduler.h"
 #include "support/chip_talk.h"
+#include "support/page_driver.h"
 
 namespace qv5123 {
 namespace {
@@ -61,6 +62,32 @@ TEST(CameraDock, ShowsTheChipsPictureWhenItHasChangedAimsTheCameraAndRestsWhileH
   bench.dock.hide();
   bench.write({{0x5F, 1}});
   EXPECT_FALSE(bench.shown.wait(2 * static_cast<int>(CameraDock::kLook.count())));
+}
+
+TEST(CameraDock, AClickTellsThePlaceInWhatTheChipPutsOut) {
+  DockBench bench;
+  QSignalSpy clicked(&bench.dock, &CameraDock::place_clicked);
+  bench.dock.show();
+  ASSERT_TRUE(bench.shown.wait());
+  auto* view = test::find<QWidget>(bench.dock, "Picture of the simulated camera");
+  const auto expect_click = [&](int x, int y, const char* how) {
+    const QSizeF whole = bench.dock.picture().size().scaled(view->size(), Qt::KeepAspectRatio);
+    const QPointF corner((view->width() - whole.width()) / 2, 0);
+    test::mouse(view, QEvent::MouseButtonPress, corner + QPointF(whole.width() / 4, whole.height() / 4));
+    ASSERT_EQ(clicked.size(), 1) << how;
+    const QList<QVariant> place = clicked.takeFirst();
+    EXPECT_NEAR(place[0].toInt(), x, 8) << how;
+    EXPECT_NEAR(place[1].toInt(), y, 8) << how;
+  };
+  expect_click(480, 270, "as it is");
+  bench.write({{0x5F, 2}});
+  ASSERT_TRUE(bench.shown.wait());
+  expect_click(480, 809, "upside down");
+  bench.write({{0x5F, 1}});
+  ASSERT_TRUE(bench.shown.wait());
+  expect_click(1439, 270, "as in a mirror");
+  test::mouse(view, QEvent::MouseButtonPress, QPointF(view->width() / 2.0, view->height() - 1));
+  EXPECT_TRUE(clicked.isEmpty()) << "below the picture";
 }
 
 TEST(CameraDock, EndsWhileAPictureIsBeingComputed) {

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QLabel>
+#include <QRegularExpression>
+
 #include "support/chart_readings.h"
 #include "support/page_bench.h"
 
@@ -23,6 +26,12 @@ class MatrixPage : public test::PageBench<CDlgIspMatrix> {
       if (bytes.starts_with("@940c*@943") || bytes == "@940a*@9429*") fake_.receive("~1E^");
     };
   }
+  /// What an edit's 13 bits stand for.
+  static int decimal(const QString& code) {
+    const int bits = code.toInt(nullptr, 16);
+    return bits > 0xFFF ? bits - 0x2000 : bits;
+  }
+  QString caption(const QString& name) { return user_.find<QPushButton>(name)->text().remove('&'); }
   bool enabled(const QString& name) { return user_.find<QWidget>(name)->isEnabled(); }
   template <class Widget>
   bool marked(const QString& name) {
@@ -89,6 +98,15 @@ TEST_F(MatrixPage, AFitIsChosenByWhateverMeans) {
       user_.type(patch(i, std::array{"R", "G", "B"}[c]), static_cast<int>(counts[i][c]));
   user_.click("Calculate");
   const std::vector<QString> calculated = codes();
+  const QString text = user_.find<QLabel>("What the patches tell of the matrix")->text();
+  EXPECT_TRUE(
+      text.startsWith(QString("Codes:   R %1 %2 ").arg(decimal(calculated[0])).arg(decimal(calculated[1]))))
+      << text.toStdString();
+  EXPECT_LT(decimal(calculated[1]), 0);
+  static const QRegularExpression kPatches(
+      "\nCondition 9\\.\\d\\.   CIEDE2000 of patches left out: mean 1\\.\\d, worst \\d\\.\\d\\.   Pull most: "
+      "\\w");
+  EXPECT_TRUE(kPatches.match(text).hasMatch()) << text.toStdString();
   user_.click("Fit color difference");
   fake_.advance(10);
   user_.toggle("Use Color difference");
@@ -120,6 +138,41 @@ TEST_F(MatrixPage, SetsRowsOfTheChosenLightAndMode) {
   user_.click("Row G Set");
   EXPECT_EQ(wire(), "");
   EXPECT_EQ(user_.text("G from R"), "0x2000");
+}
+
+TEST_F(MatrixPage, CopiesToThePlacesThatWereChosen) {
+  user_.choose("Video Mode", 1);
+  for (const char* name : {"R from R", "G from G", "B from B"})
+    user_.find<QLineEdit>(name)->setText("0x0400");
+  user_.click("Copy matrix to...");
+  EXPECT_FALSE(enabled("AHD Outdoor")) << "it is there already";
+  user_.find<QCheckBox>("CVBS Light-2")->setChecked(true);
+  page_.findChild<QDialog*>()->accept();
+  EXPECT_TRUE(wire(3000).starts_with("@4e02*@ca03*@5804*@5800*@5800*@5800*@5800*@5800*"));
+  user_.choose("Video Mode", 3);
+  user_.toggle("Light-2");
+  EXPECT_EQ(codes()[4], "0x0400");
+}
+
+TEST_F(MatrixPage, CountsThePatchesThatAreLeft) {
+  answer_reads();
+  user_.click("Enable Color Picker");
+  fake_.advance(3000);
+  constexpr PickerPosition kCorners[] = {{100, 100}, {1100, 100}, {1100, 700}, {100, 700}};
+  for (int corner = 0; corner < 4; ++corner) {
+    user_.type("X Pos", kCorners[corner].x);
+    user_.type("Y Pos", kCorners[corner].y);
+    fake_.advance(2000);
+    user_.click("Set corner");
+    EXPECT_EQ(caption("Set corner"), QString("Set corner (%1 of 4)").arg(corner + 1));
+  }
+  user_.click("Measure all 24");
+  fake_.advance(100);
+  EXPECT_EQ(caption("Measure all 24"), "Stop (24 left)");
+  fake_.advance(800);
+  EXPECT_EQ(caption("Measure all 24"), "Stop (23 left)");
+  fake_.advance(3000);
+  EXPECT_EQ(caption("Measure all 24"), "Measure all 24") << "the next is no brighter, and has to be";
 }
 
 TEST_F(MatrixPage, TheSaveSwitchesThePickerOff) {
