@@ -5,6 +5,7 @@
 
 #include "base/hex.h"
 #include "base/text.h"
+#include "base/utf8.h"
 
 namespace qv5123 {
 namespace {
@@ -56,7 +57,7 @@ std::string svg(const Drawing& drawing) {
 
 std::string escaped(std::string_view text) {
   std::string out;
-  for (const char c : text) {
+  for (const char c : whole_utf8(text)) {
     switch (c) {
       case '&':
         out += "&amp;";

@@ -41,7 +41,7 @@ struct Drawing {
 std::string svg(const Drawing& drawing);
 
 /// "&lt;" for "<" and so on: text that comes from a chip or a file and is to be text in HTML and nothing
-/// else. Control characters become U+FFFD.
+/// else. Control characters and what is no UTF-8 become U+FFFD.
 std::string escaped(std::string_view text);
 
 }  // namespace qv5123
