@@ -43,6 +43,8 @@ class Chip {
   Context& context() { return context_; }
   Output& out() { return context_.out; }
   CommandLink& link() { return session_->link(); }
+  /// What the chip has told of itself by now; a slow one is later than the first answers.
+  const std::optional<Greeting>& greeting() const { return session_->greeting(); }
   Background& background() { return background_; }
   std::chrono::milliseconds timeout() const { return context_.globals.timeout; }
 

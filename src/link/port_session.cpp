@@ -65,6 +65,7 @@ void PortSession::drain() {
   std::vector<std::uint8_t> bytes(port_.receive_queue().count());
   if (bytes.empty()) return;
   for (std::uint8_t& byte : bytes) port_.receive_queue().get(byte);
+  greetings_.hear(bytes);
   const std::string text = link_.receive(bytes);
   if (!text.empty() && events_.console) events_.console(text);
 }
@@ -72,6 +73,7 @@ void PortSession::drain() {
 void PortSession::set_connected(bool connected) {
   if (connected_ == connected) return;
   connected_ = connected;
+  greetings_.forget();
   link_.connection_changed();
   if (events_.connected) events_.connected(connected);
 }

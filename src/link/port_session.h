@@ -4,12 +4,14 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "base/scheduler.h"
 #include "base/task.h"
 #include "link/comm_port.h"
 #include "link/command_link.h"
+#include "link/greeting.h"
 #include "link/port_sender.h"
 
 namespace qv5123 {
@@ -55,6 +57,8 @@ class PortSession {
   const std::string& name() const { return name_; }
 
   CommandLink& link() { return link_; }
+  /// What the chip told of itself since the port was opened or came back; nothing where it told nothing.
+  const std::optional<Greeting>& greeting() const { return greetings_.last(); }
   /// What is counted of the line since open(), over losses too.
   const LinkHealth& health() { return link_.health(); }
   RingQueue& receive_queue() { return port_.receive_queue(); }
@@ -86,6 +90,7 @@ class PortSession {
   CCommPort port_;
   PortSender sender_;
   CommandLink link_;
+  GreetingListener greetings_;
   Flow reopen_;
   // Opens and closes in order: a driver may take its time for both.
   std::unique_ptr<WorkerThread> port_thread_ = std::make_unique<WorkerThread>();

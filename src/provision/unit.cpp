@@ -20,15 +20,8 @@ constexpr milliseconds kLongestDelay{200};
 constexpr milliseconds kGreeting{150};
 constexpr milliseconds kLongestGreeting{1500};
 constexpr int kAskTries = 3;
-constexpr std::size_t kVersionDigits = 18;
-constexpr std::size_t kSerialDigits = 9;
-static_assert(kGreetingDigits == 2 * (kVersionDigits + kSerialDigits));
 
 }  // namespace
-
-bool is_greeting(std::string_view block) {
-  return block.size() == kGreetingDigits && all_hex_digits(block);
-}
 
 bool matches(std::string_view text, std::string_view pattern) {
   if (pattern.empty()) return text.empty();
@@ -128,7 +121,7 @@ Task<> Unit::greet() {
 /// A slow chip's comes later than one waits for that does not need it.
 Task<> Unit::hear_greeting() {
   const milliseconds start = scheduler().now();
-  while (!version_ && scheduler().now() - start < around_.timeout) {
+  while (!greeting_ && scheduler().now() - start < around_.timeout) {
     check_stop();
     co_await Delay(scheduler(), kLookForSigns);
     if (const std::optional<std::string> block = link().reply().take_block()) take_greeting(*block);
@@ -136,14 +129,10 @@ Task<> Unit::hear_greeting() {
 }
 
 void Unit::take_greeting(const std::string& block) {
-  if (!is_greeting(block)) return;
-  version_.emplace();
-  for (std::size_t i = 0; i < kVersionDigits; ++i)
-    *version_ += static_cast<char>('0' + reply_byte(block, i) % 10);
-  std::string serial;
-  for (std::size_t i = 0; i < kSerialDigits; ++i)
-    serial += static_cast<char>(reply_byte(block, kVersionDigits + i));
-  record_.serial = latin1_to_utf8(std::string_view(serial).substr(0, serial.find('\0')));
+  std::optional<Greeting> greeting = greeting_of(block);
+  if (!greeting) return;
+  greeting_ = std::move(greeting);
+  record_.serial = greeting_->serial_number;
 }
 
 Task<bool> Unit::wait_for_quiet(milliseconds quiet, milliseconds longest) {
@@ -156,7 +145,7 @@ Task<std::string> Unit::ask(Batch request, std::string what) {
     check_stop();
     std::optional<std::string> reply = co_await link().request(request, around_.timeout);
     // A slow chip's greeting comes where the first answer is looked for, which comes behind it.
-    if (reply && !version_ && reply->size() == kGreetingDigits) {
+    if (reply && !greeting_ && reply->size() == kGreetingDigits) {
       take_greeting(*reply);
       reply = co_await link().next_block(around_.timeout);
     }

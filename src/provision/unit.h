@@ -6,6 +6,7 @@
 #include "base/background.h"
 #include "console/document.h"
 #include "console/image_transfer.h"
+#include "link/greeting.h"
 #include "provision/board_port.h"
 #include "provision/unattended.h"
 #include "provision/unit_record.h"
@@ -99,21 +100,16 @@ class Unit {
   const UnitSurroundings around_;
   UnitRecord record_;
   CQV5123Doc document_;
-  std::string said_;                    ///< all that the chip has said, UTF-8
-  std::size_t signs_ = 0;               ///< changes with all that comes from the chip
-  std::optional<std::string> version_;  ///< the 18 digits of the greeting
-  ImageTransfer* transfer_ = nullptr;   ///< the one under way
+  std::string said_;       ///< all that the chip has said, UTF-8
+  std::size_t signs_ = 0;  ///< changes with all that comes from the chip
+  std::optional<Greeting> greeting_;
+  ImageTransfer* transfer_ = nullptr;  ///< the one under way
   std::size_t current_ = 0;
   std::optional<int> percent_;
   std::chrono::milliseconds began_{0};
   std::chrono::milliseconds step_began_{0};
   bool stopped_ = false;
 };
-
-/// The characters of the block in which a chip that starts tells its versions and its serial number.
-inline constexpr std::size_t kGreetingDigits = 54;
-/// Whether a reply block is that.
-bool is_greeting(std::string_view block);
 
 /// Whether the text is one of the pattern's: '*' stands for any text, '?' for a character.
 bool matches(std::string_view text, std::string_view pattern);

@@ -55,12 +55,8 @@ std::string filled(std::string text, const std::string& key, const std::string& 
 
 void Unit::check_versions(const ExpectStep& step) const {
   for (const auto& [slot, wanted] : step.versions) {
-    if (!version_) throw StepFailed{"the chip has not told its versions"};
-    VersionNumbers numbers{};
-    for (std::size_t i = 0; i < numbers.size(); ++i) {
-      const std::size_t at = 6 * static_cast<std::size_t>(slot) + 2 * i;
-      numbers[i] = ((*version_)[at] - '0') * 10 + (*version_)[at + 1] - '0';
-    }
+    if (!greeting_) throw StepFailed{"the chip has not told its versions"};
+    const VersionNumbers& numbers = greeting_->versions[static_cast<std::size_t>(slot)];
     if (numbers != wanted)
       throw StepFailed{std::string(kVersionSlotNames[slot]) + " is " + version_text(numbers) + ", expected " +
                        version_text(wanted)};

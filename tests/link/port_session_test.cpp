@@ -75,8 +75,15 @@ TEST(PortSession, AnUnpluggedPortIsBackWithinSecondsAndNothingIsSentTwice) {
   SessionOnLine on;
   OpenResult opened;
   on.run(open(on.session, opened));
+  // The greeting, and in the same breath an answer.
+  const std::string said = "chip\r\n~010000000002010203040506000000000009515635313230303432^~5a^";
+  on.line->deliver({reinterpret_cast<const std::uint8_t*>(said.data()), said.size()});
+  on.run_until([&] { return on.session.greeting().has_value(); });
+  EXPECT_EQ(on.session.greeting()->serial_number, "QV5120042");
+  EXPECT_EQ(on.session.greeting()->versions[1], (std::array{12, 34, 56}));
   on.line->hang_up();
   on.run_until([&] { return !on.session.connected(); });
+  EXPECT_FALSE(on.session.greeting()) << "another board may come back";
   EXPECT_EQ(on.statuses, std::vector<std::string>{"line is gone. It is opened again when it comes back."});
   on.session.link().send(Batch{{0x01, 0x00}});
   on.run_until([&] { return on.session.link().jobs_waiting() == 0; });

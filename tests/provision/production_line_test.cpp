@@ -191,6 +191,17 @@ TEST_F(ProductionLineTest, ASlowChipsGreetingIsNotTakenForAnAnswer) {
   EXPECT_EQ(record_of("slow")["serial"], "QV5120042");
 }
 
+TEST_F(ProductionLineTest, AReportNamedByItsSerialNumberNeedsOne) {
+  set_up("[[step]]\ndo = \"report\"\nfile = \"{serial}.json\"\n");
+  SimulatedPort& port = add("silent");
+  // Its greeting is lost.
+  for (int at = 0; at < 500; at += 10)
+    scheduler_.call_after(milliseconds(at), [&port] { port.link().reply().forget(); });
+  run();
+  EXPECT_EQ(record_of("silent")["why"], "the report's name has the serial number in it, and there is none");
+  EXPECT_FALSE(std::filesystem::exists(folder_ / ".json"));
+}
+
 TEST_F(ProductionLineTest, ASlowLineIsMeasuredAllTheSame) {
   set_up("[[step]]\ndo = \"lsc\"\nmost_ripple = 12\n");
   add("slow", line_with(milliseconds(300)));
