@@ -7,7 +7,7 @@ _qv5123ctl() {
     --port)
       COMPREPLY=($(compgen -W "$("$1" ports 2>/dev/null | cut -d' ' -f1)" -- "$current"))
       return ;;
-    --base|--description|--firmware|--font|--from|--fw|--journal|--limits|--log|--metrics|--output|--patches|--records|--to|--trace|--user|--with|-o)
+    --base|--description|--field|--firmware|--font|--from|--fw|--journal|--lens|--limits|--log|--metrics|--output|--patches|--records|--samples|--to|--trace|--user|--with|-o)
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return ;;
@@ -64,7 +64,7 @@ _qv5123ctl() {
     "download user") words="--expect --lenient" files=yes ;;
     "script") words="" files=yes ;;
     "replay") words="--dry-run" files=yes ;;
-    "report") words="--from --limits --firmware --font --patches --journal --serial --notes --lenient" files=yes ;;
+    "report") words="--from --limits --firmware --font --patches --lens --width --field --journal --serial --notes --lenient" files=yes ;;
     "monitor") words="--timestamps --log --for" ;;
     "flash") words="make inspect" ;;
     "flash make") words="--fw --font --user --output --lenient" ;;
@@ -81,7 +81,7 @@ _qv5123ctl() {
     "matrix measure") words="--first --step --corners --ratio --fit --save --send-doubtful" ;;
     "lsc") words="fit measure" ;;
     "lsc fit") words="--ratio --width" files=yes ;;
-    "lsc measure") words="--width --ratio --save --send-doubtful" ;;
+    "lsc measure") words="--width --ratio --samples --field --save --send-doubtful" ;;
     "awb") words="measure" ;;
     "awb measure") words="" ;;
     "provision") words="--records --metrics --watch --dry-run" files=yes ;;

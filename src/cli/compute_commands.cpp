@@ -1,9 +1,8 @@
 #include "base/atomic_file.h"
 #include "base/text.h"
 #include "cli/command.h"
-#include "cli/csv.h"
-#include "cli/files.h"
 #include "cli/fit_results.h"
+#include "cli/measured_files.h"
 #include "cli/numbers.h"
 #include "tuning/gamma_curve.h"
 #include "tuning/lens_fit.h"
@@ -34,29 +33,6 @@ ExitCode compute_gamma(Context& context, const GammaOptions& options) {
   return ExitCode::done;
 }
 
-void check_range(const std::string& file, const CsvLine& line, std::size_t column, int lowest, int highest) {
-  const int value = line.values[column];
-  if (value >= lowest && value <= highest) return;
-  refuse(file + ", line " + std::to_string(line.number) + ": " + std::to_string(value) + " is not in " +
-         std::to_string(lowest) + ".." + std::to_string(highest));
-}
-
-MeasuredColours read_patches(const std::filesystem::path& path) {
-  const std::string file = path_text(path);
-  const std::vector<CsvLine> lines = parse_csv(file, read_file(path), 3);
-  if (lines.size() != kPatches) {
-    refuse(file + " has " + std::to_string(lines.size()) + " patches instead of " + std::to_string(kPatches));
-  }
-  MeasuredColours measured{};
-  for (std::size_t i = 0; i < kPatches; ++i) {
-    for (std::size_t c = 0; c < 3; ++c) {
-      check_range(file, lines[i], c, 0, 0xFFFF);
-      measured[i][c] = static_cast<std::uint32_t>(lines[i].values[c]);
-    }
-  }
-  return measured;
-}
-
 MatrixValues values_of(const MeasuredColours& measured, int ratio, const Coefficients& coefficients) {
   MatrixValues values;
   values.measured = measured;
@@ -83,17 +59,6 @@ ExitCode fit_matrix_command(Context& context, const FitOptions& options) {
     text += "! " + warning + "\n";
   context.out.result(json, text);
   return ExitCode::done;
-}
-
-std::vector<LensSample> read_samples(const std::filesystem::path& path, int width) {
-  const std::string file = path_text(path);
-  std::vector<LensSample> samples;
-  for (const CsvLine& line : parse_csv(file, read_file(path), 4)) {
-    check_range(file, line, 0, 0, width - 1);
-    for (std::size_t c = 1; c < 4; ++c) check_range(file, line, c, 1, 255);
-    samples.push_back(lens_sample(line.values[0], {line.values[1], line.values[2], line.values[3]}));
-  }
-  return samples;
 }
 
 ExitCode fit_lens_command(Context& context, const FitOptions& options) {

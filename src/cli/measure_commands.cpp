@@ -5,6 +5,7 @@
 #include "cli/command.h"
 #include "cli/files.h"
 #include "cli/fit_results.h"
+#include "cli/measured_files.h"
 #include "cli/numbers.h"
 #include "provision/desk_measurements.h"
 
@@ -25,6 +26,8 @@ struct LensOptions {
   int ratio = 100;
   bool send_doubtful = false;
   bool save = false;
+  std::filesystem::path samples;
+  std::filesystem::path field;
 };
 struct AwbOptions {};
 
@@ -107,6 +110,12 @@ Task<ExitCode> measure(Chip& chip, const LensOptions& options) {
   desk.move_ratio(options.ratio);
   const LensMeasurement measured = co_await measure_lens(host, desk, doubtful(options.send_doubtful));
   check_end(chip, measured.trouble);
+  if (!options.samples.empty()) write_file(options.samples, samples_text(desk.calibration().samples));
+  if (!options.field.empty()) {
+    const std::string trouble = co_await measure_field(host, desk);
+    check_end(chip, trouble);
+    write_file(options.field, field_text(desk.picture()));
+  }
   if (options.save) co_await keep(chip, host, desk);
   const LensCalibration& calibration = desk.calibration();
   Json json = lens_json(calibration.centre, calibration.fit);
@@ -194,6 +203,9 @@ void declare_lens(CLI::App& command, LensOptions& options) {
   add_number(command, "--width", options.width, 1, kWideLine,
              "Pixels in a line, 1920 or 1280 (default 1920)");
   add_number(command, "--ratio", options.ratio, 0, 100, "Correction ratio in percent (default 100)");
+  add_path(command, "--samples", options.samples, "Write what was measured along the line: x,R,G,B");
+  add_path(command, "--field", options.field,
+           "Measure the whole picture behind the correction at 9 x 5 places, and write R,G,B of each");
   command.add_flag("--save", options.save, "Save the page on the chip with what was measured");
   add_doubtful(command, options.send_doubtful);
 }

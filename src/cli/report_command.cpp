@@ -1,14 +1,13 @@
 #include "cli/report_command.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "base/atomic_file.h"
 #include "base/text.h"
 #include "cli/chip.h"
 #include "cli/command.h"
-#include "cli/csv.h"
 #include "cli/files.h"
+#include "cli/measured_files.h"
 #include "cli/page_reading.h"
 #include "state/sign_off_values.h"
 #include "tuning/dynamic.h"
@@ -18,6 +17,8 @@
 namespace qv5123 {
 namespace {
 
+constexpr int kWholeRatio = 100;
+
 struct ReportOptions {
   std::filesystem::path out;
   std::filesystem::path settings;
@@ -25,6 +26,9 @@ struct ReportOptions {
   std::filesystem::path firmware;
   std::filesystem::path font;
   std::filesystem::path patches;
+  std::filesystem::path lens;
+  std::filesystem::path field;
+  int width = 1920;
   std::filesystem::path journal;
   std::string serial_number;
   std::string notes;
@@ -39,20 +43,22 @@ struct Given {
   std::optional<MeasuredColours> measured;
 };
 
+std::string extension_of(const std::filesystem::path& path) {
+  return lower_case(path_text(path.extension()));
+}
+
 void add_file(SignOff& report, const char* role, const std::filesystem::path& path) {
   if (!path.empty()) report.files.push_back(sign_off_file(role, path_text(path.filename()), read_file(path)));
 }
 
-MeasuredColours patches_of(const std::filesystem::path& path) {
-  const std::vector<CsvLine> lines = parse_csv(path_text(path), read_file(path), 3);
-  if (lines.size() != kPatches)
-    refuse(path_text(path) + " has " + std::to_string(lines.size()) + " patches instead of " +
-           std::to_string(kPatches));
-  MeasuredColours measured{};
-  for (std::size_t i = 0; i < kPatches; ++i)
-    for (std::size_t c = 0; c < 3; ++c)
-      measured[i][c] = static_cast<std::uint32_t>(std::max(lines[i].values[c], 0));
-  return measured;
+LensCalibration lens_of(const ReportOptions& options) {
+  LensCalibration lens;
+  lens.width = options.width;
+  lens.samples = read_samples(options.lens, options.width);
+  lens.centre = fit_lens_centre(lens.samples, lens.width);
+  lens.fit = fit_lens(lens.samples, lens.centre, kWholeRatio);
+  if (!lens.fit.determined) refuse(path_text(options.lens) + ": too few positions to determine the centre");
+  return lens;
 }
 
 Given given_by(Context& context, const ReportOptions& options) {
@@ -61,21 +67,20 @@ Given given_by(Context& context, const ReportOptions& options) {
   report.program = "qv5123ctl " QV5123_VERSION;
   report.time = iso_time(std::chrono::system_clock::now());
   report.port = context.globals.simulate ? "simulated chip" : context.globals.port;
-  report.serial_number = options.serial_number;
+  report.serial_typed = options.serial_number;
   report.notes = options.notes;
   add_file(report, "Setting file", options.settings);
   add_file(report, "Firmware", options.firmware);
   add_file(report, "Font", options.font);
-  if (!options.settings.empty()) {
-    given.image = read_whole_settings(options.settings, options.lenient);
-    report.versions = version_texts(*given.image);
-  }
+  if (!options.settings.empty()) given.image = read_whole_settings(options.settings, options.lenient);
   if (!options.limits.empty()) {
     Limits limits = read_limits(read_file(options.limits));
     if (!limits.faults.empty()) refuse(path_text(options.limits) + ": " + limits.faults.front());
     given.limits = std::move(limits.limits);
   }
-  if (!options.patches.empty()) given.measured = patches_of(options.patches);
+  if (!options.patches.empty()) given.measured = read_patches(options.patches);
+  if (!options.lens.empty()) report.lens = lens_of(options);
+  if (!options.field.empty()) report.field = read_field(options.field);
   if (!options.journal.empty()) {
     OpenedJournal opened = open_journal(read_file(options.journal));
     for (const std::string& remark : opened.remarks) context.out.warning(remark);
@@ -89,6 +94,7 @@ void add_chart(Given& given, MatrixValues matrix, int video_mode) {
   if (!given.measured) return;
   if (const auto mode = video_mode_of(video_mode)) matrix.mode = mode->signal;
   show_matrix(matrix);
+  given.report.measured = *given.measured;
   given.report.chart = patch_report(*given.measured, matrix.coefficients);
   given.report.chart_of = matrix_place_text(matrix);
 }
@@ -132,8 +138,9 @@ std::string verdict_text(const SignOff& report) {
 Task<ExitCode> make_report(Chip& chip, const ReportOptions& options, Given given) {
   co_await read_chip(chip, given);
   SignOff& report = given.report;
+  take_board(report, chip.greeting(), given.image ? &*given.image : nullptr);
   report.limits = judged(given.limits, figures_of(report));
-  const bool as_json = lower_case(path_text(options.out.extension())) == ".json";
+  const bool as_json = extension_of(options.out) == ".json";
   write_file(options.out, as_json ? sign_off_json(report) : sign_off_html(report));
   const std::string missed = verdict_text(report);
   Json json = {{"file", path_text(options.out)}, {"limits", report.limits.size()}, {"missed", Json::array()}};
@@ -145,6 +152,9 @@ Task<ExitCode> make_report(Chip& chip, const ReportOptions& options, Given given
 }
 
 ExitCode run(Context& context, const ReportOptions& options) {
+  if (extension_of(options.out) == ".pdf")
+    refuse(path_text(options.out) +
+           ": the window writes reports as PDF; here they are .html, or .json where the name ends so");
   Given given = given_by(context, options);
   return run_on_chip(context, [&](Chip& chip) { return make_report(chip, options, std::move(given)); });
 }
@@ -159,8 +169,14 @@ void declare(CLI::App& command, ReportOptions& options) {
   add_path(command, "--firmware", options.firmware, "A file whose SHA-256 the report tells");
   add_path(command, "--font", options.font, "The same");
   add_path(command, "--patches", options.patches, "24 lines R,G,B as \"matrix measure\" prints them");
+  add_path(command, "--lens", options.lens, "Lines x,R,G,B as \"lsc measure --samples\" writes them");
+  add_number(command, "--width", options.width, 1, 4096, "With that: pixels in a line (default 1920)");
+  add_path(command, "--field", options.field, "45 lines R,G,B as \"lsc measure --field\" writes them");
   add_path(command, "--journal", options.journal, "A journal of writes to sum up");
-  command.add_option("--serial", options.serial_number, "The board's serial number")->type_name("TEXT");
+  command
+      .add_option("--serial", options.serial_number,
+                  "The serial number to stand beside the one that the chip tells")
+      ->type_name("TEXT");
   command.add_option("--notes", options.notes, "A line of notes")->type_name("TEXT");
   add_lenient(command, options.lenient);
 }

@@ -17,6 +17,18 @@ Task<> wait_for(UnattendedHost& host, std::function<bool()> busy) {
   while (busy()) co_await Delay(host.scheduler(), kLook);
 }
 
+/// The same for what ends when its button is pressed again.
+template <class Desk>
+Task<> wait_for(UnattendedHost& host, Desk& desk, bool (Desk::*busy)() const, void (Desk::*press)()) {
+  bool stopping = false;
+  std::function<bool()> look = [&] {
+    if (host.stopped() && !stopping && (desk.*busy)()) (desk.*press)();
+    stopping = host.stopped();
+    return (desk.*busy)();
+  };
+  co_await wait_for(host, std::move(look));
+}
+
 /// Why the chip did not follow; empty when it did.
 Task<std::string> switch_picker_of(UnattendedHost& host, PickerDesk& picker, bool on) {
   host.forget_failure();
@@ -50,14 +62,7 @@ std::string lens_trouble(const UnattendedHost& host, const LensDesk& desk, const
 Task<std::string> measure_chart(UnattendedHost& host, MatrixDesk& desk) {
   host.forget_failure();
   desk.measure_all();
-  bool stopping = false;
-  std::function<bool()> busy = [&] {
-    // Pressed again it stops.
-    if (host.stopped() && !stopping && desk.measuring_all()) desk.measure_all();
-    stopping = host.stopped();
-    return desk.measuring_all();
-  };
-  co_await wait_for(host, std::move(busy));
+  co_await wait_for(host, desk, &MatrixDesk::measuring_all, &MatrixDesk::measure_all);
   if (host.stopped()) co_return std::string(kStopped);
   co_return desk.run_complaint().empty() ? host.last_failure() : desk.run_complaint();
 }
@@ -114,6 +119,13 @@ Task<LensMeasurement> measure_lens(UnattendedHost& host, LensDesk& desk, Doubtfu
   result.ripple_before = lens_line_ripple(found);
   result.ripple = lens_line_ripple(found, desk.values().parameter1, desk.values().parameter2);
   co_return result;
+}
+
+Task<std::string> measure_field(UnattendedHost& host, LensDesk& desk) {
+  host.forget_failure();
+  desk.press_check_field();
+  co_await wait_for(host, desk, &LensDesk::checking_field, &LensDesk::press_check_field);
+  co_return host.stopped() ? std::string(kStopped) : host.last_failure();
 }
 
 std::optional<ChartPlace> straight_chart(PickerPosition first, int step) {

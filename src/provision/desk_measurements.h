@@ -28,6 +28,10 @@ struct LensMeasurement {
 /// Switches the picker on, sweeps, fits and sends the parameters. The desk then holds what was measured.
 Task<LensMeasurement> measure_lens(UnattendedHost& host, LensDesk& desk, Doubtful doubtful);
 
+/// "Check field": what the whole picture is like with the correction that the chip has; desk.picture() then
+/// has it. What is wrong, in words.
+Task<std::string> measure_field(UnattendedHost& host, LensDesk& desk);
+
 /// Where the patches at the chart's corners are, in the order of kCornerPatches.
 using ChartPlace = std::array<PickerPosition, kCornerPatches.size()>;
 /// The usual distance of the patches, and where the first then is, in pixels.

@@ -9,6 +9,13 @@
 #include "console/version_box.h"
 
 namespace qv5123 {
+namespace {
+
+std::string version_text(const VersionNumbers& numbers) {
+  return std::to_string(numbers[0]) + "." + std::to_string(numbers[1]) + "." + std::to_string(numbers[2]);
+}
+
+}  // namespace
 
 SignOffFile sign_off_file(std::string role, std::string name, std::string_view bytes) {
   return {std::move(role), std::move(name), bytes.size(), sha256(bytes)};
@@ -34,14 +41,13 @@ JournalSummary journal_summary(const WriteJournal& journal) {
   return summary;
 }
 
-std::vector<std::pair<std::string, std::string>> version_texts(const UserDataImage& image) {
-  std::vector<std::pair<std::string, std::string>> texts;
-  for (int slot = 0; slot < kVersionSlots; ++slot) {
-    const auto [major, minor, patch] = load_version(image, slot);
-    texts.emplace_back(kVersionSlotNames[slot],
-                       std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(patch));
+void take_board(SignOff& report, const std::optional<Greeting>& told, const UserDataImage* file) {
+  if (told) report.serial_number = told->serial_number;
+  for (int slot = 0; (told || file) && slot < kVersionSlots; ++slot) {
+    SignOffVersion& version = report.versions.emplace_back(SignOffVersion{kVersionSlotNames[slot], {}, {}});
+    if (told) version.chip = version_text(told->versions[static_cast<std::size_t>(slot)]);
+    if (file) version.file = version_text(load_version(*file, slot));
   }
-  return texts;
 }
 
 Figures figures_of(const SignOff& report) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "console/user_data_image.h"
+#include "link/greeting.h"
 #include "state/drawing.h"
 #include "state/limits.h"
 #include "state/write_journal.h"
@@ -41,6 +42,13 @@ struct SignOffPage {
   std::vector<SignOffValue> values;
 };
 
+/// "HW" "1.2.3"; empty where it is not known.
+struct SignOffVersion {
+  std::string name;
+  std::string chip;
+  std::string file;
+};
+
 struct SignOffFile {
   std::string role;  ///< "Setting file", "Firmware", "Font"
   std::string name;
@@ -67,10 +75,12 @@ struct SignOff {
   std::string time;
   std::string port;
   std::string serial_number;  ///< empty where the chip has told none
-  std::vector<std::pair<std::string, std::string>> versions;
+  std::string serial_typed;   ///< by who signs; empty where nothing was
+  std::vector<SignOffVersion> versions;
   std::vector<SignOffPage> pages;
 
   std::optional<PatchReport> chart;  ///< with the matrix in force
+  MeasuredColours measured{};        ///< the counts that the chart is judged by
   std::string chart_of;              ///< "TVI, Outdoor"
   bool chart_on_chip = true;         ///< the chip is known to hold that matrix
   LensCalibration lens;              ///< without samples where nothing was swept
@@ -86,8 +96,8 @@ struct SignOff {
   std::string notes;
 };
 
-/// "HW" "1.2.3" and so on, as the user data has them.
-std::vector<std::pair<std::string, std::string>> version_texts(const UserDataImage& image);
+/// What the chip told when it started and what the file has of it; null without a file.
+void take_board(SignOff& report, const std::optional<Greeting>& told, const UserDataImage* file);
 
 /// What limits may name: "mean color difference", "worst color difference" and "mean color difference
 /// before", "lens ripple" and "lens ripple before" along the line, and "field ripple", percent, "unverified
@@ -95,6 +105,11 @@ std::vector<std::pair<std::string, std::string>> version_texts(const UserDataIma
 /// "awb.a_slope". What depends on values that the chip is not known to hold is no figure, nor is a field that
 /// is not whole or in doubt.
 Figures figures_of(const SignOff& report);
+
+/// Behind what may be on the chip: ", which is not on the chip" where it is not.
+inline std::string chip_words(bool on_chip) {
+  return on_chip ? "" : ", which is not on the chip";
+}
 
 /// The pictures that a report has something for, in their order: the patches, the lens, the field, the gamma
 /// curves and the white lines.

@@ -60,11 +60,27 @@ Cell number(double value, int digits) {
   return {fixed(value, digits), Cell::Kind::number};
 }
 
+/// Told by its looks where the chip tells another.
+Cell typed_serial(const SignOff& report) {
+  const bool other = !report.serial_number.empty() && report.serial_number != report.serial_typed;
+  return {report.serial_typed, other ? Cell::Kind::bad : Cell::Kind::plain};
+}
+
+/// "1.2.3, File 1.2.4": told by its looks where the two differ.
+Cell version_cell(const SignOffVersion& version) {
+  if (version.chip.empty()) return {"File " + version.file};
+  if (version.file.empty()) return {version.chip};
+  return {version.chip + ", File " + version.file,
+          version.chip == version.file ? Cell::Kind::plain : Cell::Kind::bad};
+}
+
 std::string board(const SignOff& report) {
-  std::string rows =
-      row({{"Time"}, {report.time}}) + row({{"Port"}, {report.port}}) +
-      row({{"Serial number"}, {report.serial_number.empty() ? "not given" : report.serial_number}});
-  for (const auto& [name, version] : report.versions) rows += row({{"Version " + name}, {version}});
+  std::string rows = row({{"Time"}, {report.time}}) + row({{"Port"}, {report.port}}) +
+                     row({{"Serial number"},
+                          {report.serial_number.empty() ? "not told by the chip" : report.serial_number}});
+  if (!report.serial_typed.empty()) rows += row({{"Serial number as typed"}, typed_serial(report)});
+  for (const SignOffVersion& version : report.versions)
+    rows += row({{"Version " + version.name}, version_cell(version)});
   rows += row({{"Written by"}, {report.program}});
   for (const SignOffFile& file : report.files)
     rows += row(
@@ -108,16 +124,23 @@ std::string chart(const SignOff& report) {
   std::string rows;
   for (std::size_t i = 0; i < kPatches; ++i) {
     const auto& match = report.chart->patches[i];
-    if (match) rows += row({{kPatchCaptions[i]}, number(match->before, 2), number(match->after, 2)});
+    if (!match) continue;
+    const auto count = [&](std::size_t c) { return number(static_cast<int>(report.measured[i][c])); };
+    rows += row({{kPatchCaptions[i]},
+                 count(0),
+                 count(1),
+                 count(2),
+                 number(match->before, 2),
+                 number(match->after, 2)});
   }
   const auto summary = [&](const char* name, double DifferenceSummary::*of) {
-    return row({{name}, number(report.chart->before.*of, 2), number(report.chart->after.*of, 2)});
+    return row({{name}, {}, {}, {}, number(report.chart->before.*of, 2), number(report.chart->after.*of, 2)});
   };
   rows += summary("Mean", &DifferenceSummary::mean) + summary("Median", &DifferenceSummary::median) +
           summary("Worst", &DifferenceSummary::worst);
   return heading("Color difference CIEDE2000, matrix of " + report.chart_of +
-                 (report.chart_on_chip ? "" : ", which is not on the chip")) +
-         table({"Patch", "Before", "After"}, rows);
+                 chip_words(report.chart_on_chip)) +
+         table({"Patch", "R", "G", "B", "Before", "After"}, rows);
 }
 
 std::string figures(const SignOff& report) {

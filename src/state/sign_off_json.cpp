@@ -1,4 +1,5 @@
 // A sign-off report as JSON.
+#include <array>
 #include <cmath>
 
 #include "base/text.h"
@@ -16,6 +17,9 @@ std::string text_of(const std::optional<double>& value) {
 }
 std::string text_of(const std::optional<int>& value) {
   return value ? std::to_string(*value) : "null";
+}
+std::string text_of(bool yes) {
+  return yes ? "true" : "false";
 }
 
 /// "{...}" or "[...]" of what is added.
@@ -46,12 +50,18 @@ std::string json_of(const SignOffPage& page) {
   Group values('{');
   for (const SignOffValue& value : page.values)
     values.add(value.name, Group('{')
+                               .add("caption", json_text(value.caption))
                                .add("page", text_of(value.page))
                                .add("chip", text_of(value.chip))
                                .add("file", text_of(value.file))
                                .add("known", json_text(value.known))
+                               .add("unlike_file", text_of(value.unlike_file))
                                .done());
-  return "\n" + Group('{').add("name", json_text(page.name)).add("values", values.done()).done();
+  return "\n" + Group('{')
+                    .add("name", json_text(page.name))
+                    .add("title", json_text(page.title))
+                    .add("values", values.done())
+                    .done();
 }
 
 std::string json_of(const DifferenceSummary& summary) {
@@ -62,21 +72,44 @@ std::string json_of(const DifferenceSummary& summary) {
       .done();
 }
 
-std::string json_of(const PatchReport& report, const std::string& of) {
+std::string color(const LinearRgb& rgb) {
+  Group group('[');
+  for (const double share : rgb) group.item(text_of(share));
+  return group.done();
+}
+
+std::string chart(const SignOff& report) {
   Group patches('[');
   for (std::size_t i = 0; i < kPatches; ++i) {
     Group patch('{');
-    patch.add("name", json_text(kPatchCaptions[i]));
-    if (const auto& match = report.patches[i])
-      patch.add("before", text_of(match->before)).add("after", text_of(match->after));
+    patch.add("name", json_text(kPatchCaptions[i])).add("counts", list(report.measured[i]));
+    if (const auto& match = report.chart->patches[i])
+      patch.add("reference", color(match->reference))
+          .add("measured", color(match->measured))
+          .add("corrected", color(match->corrected))
+          .add("before", text_of(match->before))
+          .add("after", text_of(match->after));
     patches.item(patch.done());
   }
   return Group('{')
-      .add("of", json_text(of))
+      .add("of", json_text(report.chart_of))
+      .add("on_chip", text_of(report.chart_on_chip))
       .add("patches", patches.done())
-      .add("before", json_of(report.before))
-      .add("after", json_of(report.after))
+      .add("before", json_of(report.chart->before))
+      .add("after", json_of(report.chart->after))
       .done();
+}
+
+std::string awb_patches(const AwbValues& awb) {
+  Group patches('[');
+  for (std::size_t i = 0; i < kAwbPatchCount; ++i) {
+    const auto& [r, g, b] = awb.patches[i];
+    patches.item(Group('{')
+                     .add("name", json_text(kAwbPatches[i].caption))
+                     .add("counts", list(std::array{r, g, b}))
+                     .done());
+  }
+  return patches.done();
 }
 
 std::string json_of(const JournalSummary& journal) {
@@ -100,6 +133,9 @@ std::string lens(const SignOff& report) {
   Group field('[');
   for (const PerColour& place : report.field) field.item(list(place));
   return Group('{')
+      .add("on_chip", text_of(report.lens_on_chip))
+      .add("width", std::to_string(report.lens.width))
+      .add("centre", std::to_string(report.lens.centre.x))
       .add("parameter1", list(report.parameter1))
       .add("parameter2", list(report.parameter2))
       .add("samples", samples.done())
@@ -116,8 +152,11 @@ std::string gamma(const GammaValues& gamma) {
 std::string board(const SignOff& report) {
   Group board('{');
   board.add("serial_number", json_text(report.serial_number));
+  board.add("serial_typed", json_text(report.serial_typed));
   Group versions('{');
-  for (const auto& [name, version] : report.versions) versions.add(name, json_text(version));
+  for (const SignOffVersion& version : report.versions)
+    versions.add(version.name,
+                 Group('{').add("chip", json_text(version.chip)).add("file", json_text(version.file)).done());
   return board.add("versions", versions.done()).done();
 }
 
@@ -141,7 +180,7 @@ std::string limits(const SignOff& report) {
                     .add("low", text_of(limit.limit.low))
                     .add("high", text_of(limit.limit.high))
                     .add("value", text_of(limit.value))
-                    .add("met", limit.met ? "true" : "false")
+                    .add("met", text_of(limit.met))
                     .done());
   return limits.done();
 }
@@ -163,10 +202,11 @@ std::string sign_off_json(const SignOff& report) {
       .add("limits", limits(report))
       .add("figures", figures.done())
       .add("notes", json_text(report.notes));
-  if (report.chart) whole.add("chart", json_of(*report.chart, report.chart_of));
+  if (report.chart) whole.add("chart", chart(report));
   whole.add("lens", lens(report));
   if (report.gamma) whole.add("gamma", gamma(*report.gamma));
-  if (report.awb) whole.add("white_lines", list(report.awb->words));
+  if (report.awb)
+    whole.add("white_lines", list(report.awb->words)).add("awb_patches", awb_patches(*report.awb));
   if (report.journal) whole.add("journal", json_of(*report.journal));
   return whole.add("pages", pages.done()).done() + "\n";
 }

@@ -67,7 +67,9 @@ Drawing patches_drawing(const PatchReport& report) {
 Drawing lens_drawing(const SignOff& report) {
   const LensCalibration& lens = report.lens;
   const Axes axes{0, static_cast<double>(lens.width), 0, 300};
-  Drawing drawing = framed(axes, "Levels along the line: thin as measured, thick as corrected", 0);
+  Drawing drawing = framed(
+      axes, "Levels along the line: thin as measured, thick as corrected" + chip_words(report.lens_on_chip),
+      0);
   std::vector<LensSample> samples = lens.samples;
   std::ranges::sort(samples, {}, &LensSample::x);
   for (std::size_t c = 0; c < 3; ++c) {

@@ -58,6 +58,7 @@ bool on_chip(const TuningDesk& desk, const ValueStates& values, const std::vecto
 
 void take_chart(SignOff& report, const MatrixDesk& desk, const ValueStates& values) {
   const MatrixValues& matrix = desk.values();
+  report.measured = matrix.measured;
   report.chart = patch_report(matrix.measured, matrix.coefficients);
   report.chart_of = matrix_place_text(matrix);
   if (report.chart_of.empty()) return;

@@ -9,6 +9,7 @@
 #include "support/desk_bench.h"
 #include "tuning/awb_desk.h"
 #include "tuning/lens_desk.h"
+#include "tuning/matrix_desk.h"
 #include "tuning/matrix_fit.h"
 
 namespace qv5123 {
@@ -48,14 +49,16 @@ SignOff full_report() {
   report.program = "program";
   report.port = "<port> & \"co\"";
   report.serial_number = "A\x01</td><script>";
-  report.versions = {{"HW", "1.2.3"}};
-  report.notes = "'line'\n</body>";
+  report.serial_typed = "B";
+  report.versions = {{"HW", "1.2.3", "1.2.4"}};
+  report.notes = "'line'\n</body>\xC3(\xED\xA0\x80\xF4\x90\xC3\xA9";
   report.pages = {{"awb",
                    "AWBTune",
                    {{"a_slope", "A Slope", 5, 5, 6, "verified", 5, true},
                     {"b_slope", "B Slope", 1, {}, 1, ""},
                     {"patch1.r", "Dark skin R", 1, {}, 1, kNeverReported}}}};
   const MeasuredColours measured = test::chart_readings("chart-metameric");
+  report.measured = measured;
   report.chart = patch_report(measured, fit_matrix(measured, 100)->coefficients);
   report.chart_of = "TVI, Outdoor";
   for (const int x : lens_positions(1920)) report.lens.samples.push_back(lens_sample(x, {200, 100, 50}));
@@ -73,7 +76,10 @@ TEST(SignOffReport, EscapesWhatCameFromElsewhereAndHasNoOutsideParts) {
   const std::string html = sign_off_html(full_report());
   EXPECT_THAT(html, HasSubstr("&lt;port&gt; &amp; &quot;co&quot;"));
   EXPECT_THAT(html, HasSubstr("A\xEF\xBF\xBD&lt;/td&gt;&lt;script&gt;"));
-  EXPECT_THAT(html, HasSubstr("&#39;line&#39;<br>\n&lt;/body&gt;"));
+  EXPECT_THAT(html,
+              HasSubstr("&#39;line&#39;<br>\n&lt;/body&gt;\uFFFD(\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\u00E9</p>"));
+  EXPECT_THAT(html, HasSubstr("<b>B</b>")) << "not what the chip tells";
+  EXPECT_THAT(html, HasSubstr("<b>1.2.3, File 1.2.4</b>"));
   for (const char* outside : {"<script", "http:", "https:", "src=", "href=", "url("})
     EXPECT_THAT(html, Not(HasSubstr(outside)));
   EXPECT_THAT(html, HasSubstr("Limits: 2 of 3 missed"));
@@ -96,7 +102,15 @@ TEST(SignOffReport, SaysTheSameAsJson) {
   EXPECT_EQ(json["limits"][0]["value"], 5);
   EXPECT_FALSE(json["limits"][0]["met"]);
   EXPECT_TRUE(json["limits"][1]["met"]) << "what the chip never reports is not counted";
-  EXPECT_EQ(json["chart"]["patches"].size(), 24u);
+  EXPECT_EQ(json["board"]["versions"]["HW"]["file"], "1.2.4");
+  EXPECT_EQ(json["pages"][0]["values"]["a_slope"]["caption"], "A Slope");
+  EXPECT_TRUE(json["pages"][0]["values"]["a_slope"]["unlike_file"]);
+  ASSERT_EQ(json["chart"]["patches"].size(), 24u);
+  for (const char* part : {"counts", "measured", "corrected"})
+    EXPECT_EQ(json["chart"]["patches"][23][part].size(), 3u) << part;
+  EXPECT_TRUE(json["chart"]["on_chip"]);
+  EXPECT_EQ(json["lens"]["width"], 1920);
+  EXPECT_EQ(json["awb_patches"].size(), kAwbPatchCount);
   EXPECT_EQ(json["figures"]["field ripple"], 100);
   EXPECT_EQ(json["figures"]["values unlike file"], 1);
   EXPECT_TRUE(nlohmann::json::accept(sign_off_json({})));
@@ -106,7 +120,10 @@ TEST(SignOffReport, FiguresAreOnlyOfWhatIsOnTheChipAndWhole) {
   SignOff report = full_report();
   for (const char* name : {"lens ripple", "mean color difference", "field ripple"})
     EXPECT_TRUE(figures_of(report).contains(name)) << name;
+  EXPECT_THAT(sign_off_html(report), Not(HasSubstr("which is not on the chip")));
   report.chart_on_chip = report.lens_on_chip = false;
+  EXPECT_THAT(sign_off_html(report), HasSubstr("thick as corrected, which is not on the chip</h2>"));
+  EXPECT_THAT(sign_off_html(report), HasSubstr("matrix of TVI, Outdoor, which is not on the chip</h2>"));
   report.field.pop_back();
   for (const char* name : {"lens ripple", "mean color difference", "field ripple"})
     EXPECT_FALSE(figures_of(report).contains(name)) << name;
@@ -118,6 +135,7 @@ class SignOffPagesTest : public test::DeskBench {};
 TEST_F(SignOffPagesTest, TellHowTheChipsValueIsKnown) {
   UserDataImage file;
   file.set_word(440, 77);
+  file.set_entry(214, 255);
   ValueStates values(fake_.link);
   values.file_is(file);
   LensDesk lens(host_, image());
@@ -154,11 +172,31 @@ TEST_F(SignOffPagesTest, TellHowTheChipsValueIsKnown) {
   awb.watch(values);
   awb.type(0, 100);
   awb.type(awb.field(awb.values().patches[0].r), 200);
+  awb.type(awb.field(awb.values().patches[0].g), 300);
   report.pages = sign_off_pages(values);
   const Figures figures = figures_of(report);
   EXPECT_EQ(figures.at("lsc.parameter1.r"), 0x123) << "as the chip has it";
   EXPECT_FALSE(figures.contains("awb.a_slope")) << "typed and not sent";
   EXPECT_EQ(figures.at("awb.patch1.r"), 200) << "which no chip gets";
+  EXPECT_EQ(figures.at("values unlike file"), 2) << "as a file holds it 300 is 255";
+
+  MatrixDesk matrix(host_, image());
+  matrix.watch(values);
+  for (int row = 0; row < 3; ++row) {
+    for (int column = 0; column < 3; ++column)
+      matrix.type_code(row, column, row == column ? "0x0400" : "0x0000");
+    take_desk(report, matrix, values);
+    EXPECT_FALSE(report.chart_on_chip) << row << " rows are";
+    host_.user.answers = {Answer::yes};
+    matrix.set_row(static_cast<MatrixControl>(row), host_.user);
+    fake_.advance(1000);
+  }
+  take_desk(report, matrix, values);
+  EXPECT_EQ(report.chart_of, "TVI, Outdoor");
+  EXPECT_TRUE(report.chart_on_chip);
+  matrix.type(matrix.field(matrix.values().tables[kTvi][0][0][0]), 0x500);
+  take_desk(report, matrix, values);
+  EXPECT_FALSE(report.chart_on_chip) << "what was typed was not sent";
 }
 
 TEST(JournalSummary, CountsWhatWasWritten) {

@@ -181,8 +181,9 @@ void Program::keep_history() {
   };
   history_ = std::make_unique<HistoryTool>(
       *frame_, HistoryTool::Surroundings{*view_, *prompts_, files_, say, parts_.journal_folder});
-  report_ = std::make_unique<ReportTool>(ReportTool::Surroundings{
-      *frame_, *view_, *prompts_, files_, history_->history(), [this] { return session_.name(); }});
+  report_ = std::make_unique<ReportTool>(
+      ReportTool::Surroundings{*frame_, *view_, *prompts_, files_, history_->history(),
+                               [this] { return session_.name(); }, [this] { return session_.greeting(); }});
 }
 
 void Program::keep_journal() {

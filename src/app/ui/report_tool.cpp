@@ -79,7 +79,8 @@ SignOff ReportTool::known() const {
   report.time = iso_time(std::chrono::system_clock::now());
   report.port = surroundings_.port();
   // The version box stands at 0 where nothing was loaded.
-  if (view.document().user_data.loaded()) report.versions = version_texts(view.document().user_data);
+  const UserDataImage& image = view.document().user_data;
+  take_board(report, surroundings_.greeting(), image.loaded() ? &image : nullptr);
   report.pages = sign_off_pages(view.values());
   for (std::size_t page = 0; page < view.values().pages(); ++page)
     if (const TuningDesk* desk = view.values().desk(page)) take_desk(report, *desk, view.values());
@@ -125,7 +126,7 @@ Task<> ReportTool::save(ReportAnswers answers) {
 
 Task<std::string> ReportTool::write(std::filesystem::path out, ReportAnswers answers) {
   ReportWork work{known(), std::move(out), {}, to_path(answers.limits), surroundings_.history.journal()};
-  if (!answers.serial_number.isEmpty()) work.report.serial_number = from_qt(answers.serial_number);
+  work.report.serial_typed = from_qt(answers.serial_number);
   work.report.notes = from_qt(answers.notes);
   const auto add = [&work](const char* role, const std::filesystem::path& path) {
     if (!path.empty()) work.files.emplace_back(role, path);

@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "base/background.h"
@@ -31,6 +32,8 @@ class ReportTool {
     const WriteHistory& history;
     /// What the port is called; empty without one.
     std::function<std::string()> port;
+    /// What the chip there has told of itself.
+    std::function<std::optional<Greeting>()> greeting;
   };
 
   /// All of it must outlive the tool, which takes its dialog along.

@@ -16,6 +16,7 @@ ReportDialog::ReportDialog(const ReportAnswers& before, QWidget* parent) : QDial
   auto* form = new QFormLayout;
   serial_number_ = new QLineEdit(before.serial_number);
   serial_number_->setAccessibleName("Serial number");
+  serial_number_->setToolTip("As the board's label has it: it stands beside the one that the chip tells");
   form->addRow("Serial &number:", serial_number_);
   limits_ = add_file(form, "Limits file",
                      "Lines such as \"mean color difference <= 2\" or \"lsc.parameter1.r, 0, 2000\"",
