@@ -35,7 +35,10 @@ Task<std::vector<std::string>> Tour::run(std::function<std::unique_ptr<QDialog>(
     co_return faults_;
   }
   for (const PageEntry& entry : kPageEntries) {
-    if (entry.id == PageId::compare) co_await take_picture_of_marks();
+    if (entry.id == PageId::compare) {
+      if (plan_.filled) co_await plan_.filled();
+      co_await take_picture_of_marks();
+    }
     if (view_.pages().available(entry.id)) co_await take_picture_of_page(entry.id);
   }
   const std::unique_ptr<QDialog> dialog = port_dialog();

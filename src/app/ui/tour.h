@@ -31,6 +31,8 @@ class Tour {
     bool check_layout = false;
     /// Has something to show on a page before its picture is taken. May be empty.
     std::function<Task<>(PageId)> fill = {};
+    /// Looks at what all pages are filled with, before values are edited. May be empty.
+    std::function<Task<>()> filled = {};
   };
 
   Tour(QWidget& window, CQV5123View& view, Plan plan);
