@@ -7,6 +7,7 @@
 #include <QStyle>
 
 #include "app/ui/page_keys.h"
+#include "base/ui/folding_page.h"
 
 namespace qv5123 {
 namespace {
@@ -105,7 +106,10 @@ void PageArea::choose(PageId id) {
 int PageArea::needed_width() const {
   const QWidget* page = current_ ? page_widget(*current_) : nullptr;
   if (!page) return 0;
-  const QSize needs = page->minimumSizeHint().expandedTo(page->minimumSize());
+  const auto* folding = dynamic_cast<const FoldingPage*>(page);
+  // What is beside the pages gives way before a page folds.
+  const QSize needs =
+      folding ? folding->usual_size() : page->minimumSizeHint().expandedTo(page->minimumSize());
   const int bar = needs.height() > height() ? style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;
   return needs.width() + bar;
 }

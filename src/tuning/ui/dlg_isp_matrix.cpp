@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QRadioButton>
+#include <QResizeEvent>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -48,6 +49,7 @@ class RatioEdit : public NumberEdit {
 CDlgIspMatrix::CDlgIspMatrix(PageHost& host, std::shared_ptr<MeasuringBoard> board)
     : TuningDialog(host, desk_),
       desk_(host, host.document().user_data, std::move(board)),
+      columns_(new QHBoxLayout(this)),
       picker_(make_picker()),
       patches_(new PatchGrid(desk_)),
       fit_(new MatrixFitBox(desk_)) {
@@ -63,13 +65,35 @@ CDlgIspMatrix::CDlgIspMatrix(PageHost& host, std::shared_ptr<MeasuringBoard> boa
   right->addWidget(make_matrix_group());
   right->addStretch(1);
   right->addWidget(make_file_buttons());
-  auto* page = new QHBoxLayout(this);
   // Where letters are large every pixel counts.
-  page->setContentsMargins(3, 6, 3, 6);
-  page->addLayout(left, 1);
-  page->addLayout(right);
+  columns_->setContentsMargins(3, 6, 3, 6);
+  columns_->setSpacing(6);
+  columns_->addLayout(left, 1);
+  columns_->addLayout(right);
   desk_.attach(*this);
   show_values();
+}
+
+QSize CDlgIspMatrix::usual_size() const {
+  const QMargins margins = columns_->contentsMargins();
+  const QSize left = columns_->itemAt(0)->minimumSize();
+  const QSize right = columns_->itemAt(1)->minimumSize();
+  return QSize(left.width() + columns_->spacing() + right.width(), std::max(left.height(), right.height()))
+      .grownBy(margins);
+}
+
+/// As wide as the wider column, whichever way they stand: it is asked before there is the room to unfold.
+QSize CDlgIspMatrix::minimumSizeHint() const {
+  const QMargins margins = columns_->contentsMargins();
+  const int column =
+      std::max(columns_->itemAt(0)->minimumSize().width(), columns_->itemAt(1)->minimumSize().width());
+  return {column + margins.left() + margins.right(), columns_->minimumSize().height()};
+}
+
+void CDlgIspMatrix::resizeEvent(QResizeEvent* event) {
+  TuningDialog::resizeEvent(event);
+  const bool fits = event->size().width() >= usual_size().width();
+  columns_->setDirection(fits ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
 }
 
 PickerBox* CDlgIspMatrix::make_picker() {
@@ -241,7 +265,9 @@ void CDlgIspMatrix::add_matrix_row(QGridLayout* grid, int row) {
 QLineEdit* CDlgIspMatrix::make_code(int row, int column) {
   auto* edit = named(new QLineEdit, kMatrixCodeNames[row][column], kMatrixCodeRange);
   edit->setMaxLength(6);
-  edit->setMinimumWidth(edit->fontMetrics().horizontalAdvance("0x0000") + 16);
+  // Beside its mark.
+  edit->setTextMargins(MarkStrip::kWidth, 0, 0, 0);
+  edit->setMinimumWidth(edit->fontMetrics().horizontalAdvance("0x0000") + 16 + MarkStrip::kWidth);
   edit->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   connect(edit, &QLineEdit::textChanged, this, [this, edit, row, column](const QString& text) {
     desk_.type_code(row, column, text.toStdString());

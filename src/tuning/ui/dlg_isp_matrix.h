@@ -1,11 +1,13 @@
 #pragma once
 
+#include <QBoxLayout>
 #include <QLineEdit>
 
 #include <array>
 #include <vector>
 
 #include "base/ui/findable.h"
+#include "base/ui/folding_page.h"
 #include "tuning/matrix_desk.h"
 #include "tuning/ui/field_edits.h"
 #include "tuning/ui/matrix_fit_box.h"
@@ -16,8 +18,12 @@
 namespace qv5123 {
 
 /// The linear matrix page: measures the patches of the chart, fits the colour correction matrix to them, and
-/// keeps one for each video mode and light source.
-class CDlgIspMatrix : public TuningDialog, public ChoosesValues, private MatrixDesk::View {
+/// keeps one for each video mode and light source. Where it is narrow the camera's side goes below the
+/// patches.
+class CDlgIspMatrix : public TuningDialog,
+                      public ChoosesValues,
+                      public FoldingPage,
+                      private MatrixDesk::View {
   Q_OBJECT
 
  public:
@@ -27,6 +33,11 @@ class CDlgIspMatrix : public TuningDialog, public ChoosesValues, private MatrixD
   void chosen_again() override { show_measurements(); }
   Traffic leave() override { return desk_.leave(); }
   void choose_value(std::size_t field) override;
+  QSize usual_size() const override;
+  QSize minimumSizeHint() const override;
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   PickerBox* make_picker();
@@ -54,6 +65,7 @@ class CDlgIspMatrix : public TuningDialog, public ChoosesValues, private MatrixD
   void allow_switch(bool allowed) override { picker_->setEnabled(allowed); }
 
   MatrixDesk desk_;
+  QBoxLayout* columns_;
   std::vector<ValueMark> marks_;  // by field; empty while nobody keeps account
   QButtonGroup* light_;
   QComboBox* mode_;

@@ -66,8 +66,6 @@ TEST_P(EveryPage, HasRoomForAllOfIt) {
   {
     test::WindowBench bench(GetParam().size);
     for (const PageEntry& entry : kPageEntries) {
-      // Two columns of twelve patches beside the matrix need some 920 pixels.
-      if (entry.id == PageId::linear_matrix && GetParam().size.width() < 920) continue;
       bench.choose(entry.id);
       EXPECT_THAT(layout_faults(*bench.frame), IsEmpty()) << entry.name;
     }
