@@ -1,6 +1,3 @@
-#include <QAction>
-#include <QMenuBar>
-#include <QScreen>
 #include <QSettings>
 #include <QStandardPaths>
 #include <algorithm>
@@ -8,6 +5,7 @@
 #include <cstdlib>
 
 #include "app/end_requests.h"
+#include "app/ui/camera_place.h"
 #include "app/ui/colours.h"
 #include "app/ui/frame.h"
 #include "app/ui/main_pages.h"
@@ -31,7 +29,6 @@ namespace {
 
 using namespace qv5123;
 
-constexpr int kCameraWidth = 340;
 /// What shells make of a program that Ctrl-C ended.
 constexpr int kEndedByRequest = 130;
 /// Beside the settings; where those are in the registry, the folder of this program's local data.
@@ -97,23 +94,9 @@ std::optional<int> known_video_mode(const ValueStates& values) {
   return chip.how == Known::nothing ? std::nullopt : std::optional(chip.number);
 }
 
-/// The dock with the simulated camera's picture, and the menu item that shows and hides it. It stands beside
-/// the pages, never over them; a window that cannot become wider for it opens without it.
 CameraDock& add_camera(CMainFrame& frame, Scheduler& scheduler, SimulatedBoard& board, bool visible) {
   auto* dock = new CameraDock([&board](const auto& use) { board.with_chip(use); }, scheduler, &frame);
-  frame.addDockWidget(Qt::RightDockWidgetArea, dock);
-  const QSize wider(frame.width() + kCameraWidth, frame.height());
-  const bool room = wider.width() <= frame.screen()->availableGeometry().width();
-  dock->setVisible(visible && room);
-  if (visible && room) {
-    frame.resize(wider);
-    frame.keep_on_screen();
-  }
-  frame.resizeDocks({dock}, {kCameraWidth}, Qt::Horizontal);
-  QAction* show = dock->toggleViewAction();
-  show->setText("&Camera");
-  show->setStatusTip("Shows the picture of the simulated camera");
-  frame.menuBar()->addAction(show);
+  place_camera(frame, *dock, visible);
   return *dock;
 }
 

@@ -9,7 +9,10 @@
 #include <QScrollArea>
 #include <QSpinBox>
 
+#include "app/ui/camera_place.h"
 #include "app/ui/window_bench.h"
+#include "simulator/ui/camera_dock.h"
+#include "support/chip_talk.h"
 
 namespace qv5123 {
 namespace {
@@ -78,6 +81,21 @@ INSTANTIATE_TEST_SUITE_P(Looks, EveryPage,
                                          Look{"windows_style", "windows", {1280, 770}},
                                          Look{"at_150_percent", "fusion", {853, 500}}),
                          [](const auto& info) { return std::string(info.param.name); });
+
+TEST(CameraPlace, TheCameraNeverCoversAPage) {
+  test::ListeningChip chip;
+  chip.set_camera(Camera(Scene{}));
+  test::WindowBench bench;
+  auto* dock =
+      new CameraDock([&chip](const auto& use) { use(chip); }, bench.wire.scheduler, bench.frame.get());
+  place_camera(*bench.frame, *dock, false);
+  dock->toggleViewAction()->trigger();
+  for (const PageEntry& entry : kPageEntries) {
+    bench.choose(entry.id);
+    EXPECT_TRUE(dock->isVisible());
+    EXPECT_THAT(layout_faults(*bench.frame), IsEmpty()) << entry.name;
+  }
+}
 
 }  // namespace
 }  // namespace qv5123
