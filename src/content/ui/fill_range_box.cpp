@@ -9,6 +9,7 @@
 #include "content/font_library.h"
 
 #include "base/ui/number_edit.h"
+#include "base/ui/page_marks.h"
 
 namespace qv5123 {
 
@@ -19,7 +20,7 @@ constexpr int kFirstPrintable = 0x20;
 constexpr int kPrintables = 95;
 
 QSpinBox* add_number(QGridLayout* layout, int row, int column, const QString& caption, int from, int to) {
-  auto* spin = new NumberEdit(from, to);
+  auto* spin = keep_choice(new NumberEdit(from, to));
   spin->setAccessibleName("Fill: " + caption);
   auto* label = new QLabel(caption);
   label->setBuddy(spin);
@@ -32,7 +33,7 @@ QSpinBox* add_number(QGridLayout* layout, int row, int column, const QString& ca
 
 FillRangeBox::FillRangeBox(QWidget* parent) : QGroupBox("Fill from installed font", parent) {
   auto* layout = new QGridLayout(this);
-  font_ = new QFontComboBox;
+  font_ = keep_choice(new QFontComboBox);
   font_->setAccessibleName("Fill: Font");
   font_->setToolTip("Font whose characters are drawn at 16x24");
   font_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);

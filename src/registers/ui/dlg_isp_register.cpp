@@ -144,6 +144,7 @@ void CDlgIspRegister::make_field_table() {
     fields_->set_column_width(column, column_width(kFieldTable[column], *fields_, kFieldMargins));
   }
   fields_->stretch_column(kDescription);
+  keep_choice(fields_);
 }
 
 QBoxLayout* CDlgIspRegister::make_register_column() {

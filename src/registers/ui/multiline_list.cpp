@@ -81,6 +81,18 @@ void CMultilineList::set_column_width(int column, int width) {
   change_layout();
 }
 
+QString CMultilineList::kept_text() const {
+  QStringList widths;
+  for (int column = 0; column < columns(); ++column) widths << QString::number(width_of(column));
+  return widths.join(u',');
+}
+
+void CMultilineList::take_kept(const QString& text) {
+  const QStringList widths = text.split(u',');
+  for (int column = 0; column < columns() && column < widths.size(); ++column)
+    if (const int width = widths[column].toInt(); width > 0) set_column_width(column, width);
+}
+
 void CMultilineList::stretch_column(int column) {
   stretched_ = column;
   change_layout();
@@ -126,11 +138,14 @@ int CMultilineList::row_height(int row) const {
 
 int CMultilineList::total_width() const {
   int width = 0;
-  for (int column = 0; column < columns(); ++column) {
-    const auto set = widths_.find(column);
-    width += set == widths_.end() ? kDefaultWidth : set->second;
-  }
+  for (int column = 0; column < columns(); ++column) width += width_of(column);
   return width;
+}
+
+/// As it was set, before it is stretched.
+int CMultilineList::width_of(int column) const {
+  const auto set = widths_.find(column);
+  return set == widths_.end() ? kDefaultWidth : set->second;
 }
 
 int CMultilineList::total_height() const {
@@ -164,8 +179,7 @@ void CMultilineList::lay_out() {
 void CMultilineList::fill_width() {
   if (stretched_ < 0 || stretched_ >= columns()) return;
   const int left = std::max(viewport()->width() - total_width(), 0);
-  const auto set = widths_.find(stretched_);
-  const int width = (set == widths_.end() ? kDefaultWidth : set->second) + left;
+  const int width = width_of(stretched_) + left;
   if (width == column_width(stretched_)) return;
   setColumnWidth(stretched_, width);
   heights_.clear();

@@ -5,11 +5,13 @@
 #include <QTableView>
 #include <map>
 
+#include "base/ui/kept_text.h"
+
 namespace qv5123 {
 
 /// A table of texts whose rows are as tall as their tallest cell: texts are wrapped at words to the width of
 /// their column, and CR LF starts a new line. Cells may be edited in place.
-class CMultilineList final : public QTableView {
+class CMultilineList final : public QTableView, public KeptText {
   Q_OBJECT
 
  public:
@@ -44,6 +46,10 @@ class CMultilineList final : public QTableView {
 
   QSize sizeHint() const override;
 
+  /// The widths of the columns, from which a stretched one grows.
+  QString kept_text() const override;
+  void take_kept(const QString& text) override;
+
  signals:
   /// A press of the left button was handled; `row` is the row that it selected, -1 for none.
   void row_pressed(int row);
@@ -66,6 +72,7 @@ class CMultilineList final : public QTableView {
   void scroll_by_line(int action);
   void show_row(int row);
   void edit_row(int row);
+  int width_of(int column) const;
   int total_width() const;
   int total_height() const;
 

@@ -5,6 +5,8 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include "base/ui/page_marks.h"
+
 namespace qv5123 {
 
 CDlgIspAwb::CDlgIspAwb(PageHost& host, std::shared_ptr<MeasuringBoard> board)
@@ -103,9 +105,9 @@ QWidget* CDlgIspAwb::make_measuring_group() {
   picker_ = make_check("Enable \nColor Picker", "Enable Color Picker",
                        "Shows the cursor in the picture and stops AE and AWB meanwhile, as on LinearMatrix",
                        [this](bool on) { desk_.picker().click_switch(on); });
-  auto* next = make_check("Next patch after GET COLOR", "Next patch after GET COLOR",
-                          "GET COLOR then chooses the patch after the one that it has measured",
-                          [this](bool on) { desk_.choose_advance(on); });
+  auto* next = keep_choice(make_check("Next patch after GET COLOR", "Next patch after GET COLOR",
+                                      "GET COLOR then chooses the patch after the one that it has measured",
+                                      [this](bool on) { desk_.choose_advance(on); }));
   show_checked(next, desk_.advances());
   all_ = make_button("Measure 18", {},
                      "Measures the 18 colored patches from the chart's four corners, which are set on "

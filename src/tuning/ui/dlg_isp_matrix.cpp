@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <set>
 
+#include "base/ui/page_marks.h"
 #include "tuning/patch_report.h"
 #include "tuning/ui/mark_strip.h"
 #include "tuning/ui/matrix_copy_dialog.h"
@@ -109,7 +110,7 @@ PickerBox* CDlgIspMatrix::make_picker() {
                             "COLOR the cursor goes on to the next; 0 "
                             "leaves it where it is");
   connect(patch_step_, &QSpinBox::valueChanged, this, [this](int step) { desk_.choose_patch_step(step); });
-  box->add_setting("Patch Step:", patch_step_);
+  box->add_setting("Patch Step:", keep_choice(patch_step_));
   return box;
 }
 

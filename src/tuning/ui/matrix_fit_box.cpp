@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/ui/page_marks.h"
 #include "tuning/matrix_diagnosis.h"
 #include "tuning/ui/page_parts.h"
 
@@ -39,15 +40,16 @@ QLayout* MatrixFitBox::make_options() {
   auto* weight =
       make_number(kMemoryWeight.lowest, kMemoryWeight.highest, "Weight of skin and neutral patches",
                   "1..10: what these patches count in the color difference fit, the others count 1");
-  weight->setValue(desk_.color_options().memory_weight);
+  keep_choice(weight)->setValue(desk_.color_options().memory_weight);
   connect(weight, &QSpinBox::valueChanged, this, [this](int value) { desk_.choose_memory_weight(value); });
   auto* noise = make_number(kNoiseLimit.lowest, kNoiseLimit.highest, "Noise limit",
                             "100..400 % of its noise that a row of the color difference fit may make");
-  noise->setValue(desk_.color_options().noise_limit);
+  keep_choice(noise)->setValue(desk_.color_options().noise_limit);
   connect(noise, &QSpinBox::valueChanged, this, [this](int value) { desk_.choose_noise_limit(value); });
   auto* row = new QHBoxLayout;
   row->addWidget(new QLabel("Weight of skin and neutrals:"));
   row->addWidget(weight);
+  row->addSpacing(12);
   row->addWidget(new QLabel("Noise limit:"));
   row->addWidget(noise);
   row->addWidget(new QLabel("%"));
@@ -101,7 +103,7 @@ QString MatrixFitBox::codes_text() const {
     const auto& row = desk_.values().coefficients[r];
     text += QString("   %1").arg(kRows[r]);
     for (const float coefficient : row) text += QString(" %1").arg(matrix_code(coefficient));
-    text += QString(" (noise \u00D7%1)").arg(number(noise_gain(row), 2));
+    text += QString("\u00A0(noise\u00A0\u00D7%1)").arg(number(noise_gain(row), 2));
   }
   return text;
 }

@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "base/ui/page_marks.h"
 #include "tuning/ui/field_edits.h"
 
 namespace qv5123 {
@@ -37,8 +38,8 @@ PickerBox::PickerBox(PickerDesk& desk, Key key, const std::vector<int>& switched
   y_ = make_position(kPickerMaximumY, "Y Pos", picker_register::kY);
   connect(x_, &QSpinBox::valueChanged, this, [this](int x) { desk_.type_x(x); });
   connect(y_, &QSpinBox::valueChanged, this, [this](int y) { desk_.type_y(y); });
-  step_ = make_combo(step_items(), "Move Step", "1..128 pixels to a press of a key",
-                     [this](int index) { desk_.choose_step(index); });
+  step_ = keep_choice(make_combo(step_items(), "Move Step", "1..128 pixels to a press of a key",
+                                 [this](int index) { desk_.choose_step(index); }));
 
   auto* group = new QGroupBox("Navigation Key");
   settings_ = new QGridLayout;

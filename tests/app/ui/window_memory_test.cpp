@@ -7,6 +7,7 @@
 
 #include "app/ui/column_drawer.h"
 #include "app/ui/window_bench.h"
+#include "registers/ui/multiline_list.h"
 
 namespace qv5123 {
 namespace {
@@ -30,6 +31,10 @@ TEST(WindowMemory, BringsBackPlaceColumnPageAndThePagesOwnChoices) {
     test::find<QAbstractButton>(bench.choose(PageId::gamma), "More")->click();
     test::find<QAbstractButton>(bench.choose(PageId::registers), "Favourite")->click();
     test::find<QLineEdit>(bench.choose(PageId::make_flash), "fw file")->setText("/a/fw.bin");
+    test::find<QComboBox>(bench.choose(PageId::linear_matrix), "Move Step")->setCurrentIndex(2);
+    test::find<QSpinBox>(bench.choose(PageId::linear_matrix), "Noise limit")->setValue(250);
+    test::find<CMultilineList>(bench.choose(PageId::registers), "Bit fields")->set_column_width(1, 222);
+    bench.choose(PageId::make_flash);
     bench.view->column().choose_next();
     settings.store_window_look(memory.look());
   }
@@ -41,6 +46,9 @@ TEST(WindowMemory, BringsBackPlaceColumnPageAndThePagesOwnChoices) {
   EXPECT_EQ(bench.view->column().shape(), ColumnShape::console);
   EXPECT_TRUE(test::find<QAbstractButton>(bench.choose(PageId::gamma), "More")->isChecked());
   EXPECT_TRUE(test::find<QAbstractButton>(bench.choose(PageId::registers), "Favourite")->isChecked());
+  EXPECT_EQ(test::find<CMultilineList>(bench.choose(PageId::registers), "Bit fields")->column_width(1), 222);
+  EXPECT_EQ(test::find<QComboBox>(bench.choose(PageId::linear_matrix), "Move Step")->currentIndex(), 2);
+  EXPECT_EQ(test::find<QSpinBox>(bench.choose(PageId::linear_matrix), "Noise limit")->value(), 250);
   EXPECT_EQ(memory.look().choices.value("make-flash/fw file"), "/a/fw.bin") << "a page not opened this time";
   EXPECT_EQ(test::find<QLineEdit>(bench.choose(PageId::make_flash), "fw file")->text(), "/a/fw.bin");
 }
