@@ -15,7 +15,6 @@ namespace {
 constexpr int kQuarters = 4;
 constexpr int kGap = 6;        // pixels, between texts, bars and quarters
 constexpr int kNarrowest = 3;  // pixels of a part that is filled
-constexpr int kTallestBar = 96;
 constexpr std::size_t kQuarter = flash::kImageSize / kQuarters;
 
 QString offset_text(std::size_t offset) {
@@ -57,18 +56,14 @@ QSize FlashMapView::sizeHint() const {
   return minimumSizeHint() * 2;
 }
 
-int FlashMapView::row_height() const {
-  const int tallest = fontMetrics().height() + kTallestBar + 2 * kGap;
-  return std::min(height() / kQuarters, tallest);
-}
-
 int FlashMapView::bar_left() const {
   return fontMetrics().horizontalAdvance(offset_text(flash::kImageSize)) + 2 * kGap;
 }
 
 QRect FlashMapView::bar(int quarter) const {
-  const int top = quarter * row_height() + fontMetrics().height() + kGap / 2;
-  return {bar_left(), top, width() - bar_left() - 1, row_height() - fontMetrics().height() - 2 * kGap};
+  const int row_height = height() / kQuarters;
+  const int top = quarter * row_height + fontMetrics().height() + kGap / 2;
+  return {bar_left(), top, width() - bar_left() - 1, row_height - fontMetrics().height() - 2 * kGap};
 }
 
 QRect FlashMapView::part(std::size_t offset, std::size_t bytes) const {

@@ -24,7 +24,6 @@ class FlashMapView final : public QWidget {
   bool event(QEvent* event) override;
 
  private:
-  int row_height() const;
   int bar_left() const;
   QRect bar(int quarter) const;
   /// Of `bytes` bytes from `offset` on, wide enough to be seen.
