@@ -19,26 +19,16 @@ constexpr double kTextSize = 11;
 /// How near to a patch's middle the mouse names it.
 constexpr double kReach = 6;
 
-// All patches, white and black ones alike, have to stand out from it.
+// The patches have to stand out from it, and the lines' colours.
 constexpr QRgb kBackground = qRgb(0xC4, 0xC4, 0xC4);
-constexpr QRgb kDarkBackground = qRgb(0x48, 0x48, 0x48);
+constexpr QRgb kDarkBackground = qRgb(0x30, 0x30, 0x30);
 /// From tick to tick of the axes, in Cb/Y and Cr/Y.
 constexpr double kTick = 0.25;
 constexpr double kArrow = 7;
+/// Where the numbers on the left begin: beside the letter of a line that begins at the edge.
+constexpr double kScaleLeft = 8 - kAwbChartHalf;
 /// Where a patch beyond the frame is told of, from the middle.
 constexpr double kEdge = kAwbChartHalf - kArrow;
-
-QColor colour_of(ChartPen pen) {
-  switch (pen) {
-    case ChartPen::green:
-      return {0, 160, 0};
-    case ChartPen::blue:
-      return {0, 0, 255};
-    case ChartPen::red:
-      break;
-  }
-  return {255, 0, 0};
-}
 
 QPointF qt_point(ChartPoint point) {
   return {point.x, point.y};
@@ -111,6 +101,15 @@ QColor AwbChartView::text_colour() const {
   return chart_colours(palette()).plot.lightness() < 128 ? Qt::white : Qt::black;
 }
 
+QColor AwbChartView::background() const {
+  return QColor(text_colour() == Qt::white ? kDarkBackground : kBackground);
+}
+
+QColor AwbChartView::colour_of(ChartPen pen) const {
+  static constexpr std::array<QRgb, 3> kColours{qRgb(0, 160, 0), qRgb(0, 0, 255), qRgb(255, 0, 0)};
+  return readable_on(background(), QColor(kColours[static_cast<std::size_t>(pen)]));
+}
+
 QString AwbChartView::numbers() const {
   QString text = "Line\tSlope\tIntercept\n";
   for (const AwbRow& row : kAwbRows) {
@@ -172,15 +171,16 @@ void AwbChartView::paintEvent(QPaintEvent*) {
   painter.setTransform(whole());
   const QRectF area(-kSide / 2, -kSide / 2, kSide, kSide);
   painter.setClipRect(area);
-  painter.fillRect(area, QColor(text_colour() == Qt::white ? kDarkBackground : kBackground));
+  painter.fillRect(area, background());
   QFont text = font();
   text.setPixelSize(static_cast<int>(kTextSize));
   painter.setFont(text);
   paint_frame(painter);
-  paint_scale(painter);
   painter.save();
   painter.setClipRect(frame_rect());
   paint_lines(painter);
+  paint_scale(painter);
+  paint_letters(painter);
   paint_patches(painter);
   painter.restore();
   paint_legend(painter);
@@ -200,7 +200,7 @@ void AwbChartView::paint_frame(QPainter& painter) const {
   for (const ChartText& text : kAwbChartTexts) draw_text(painter, text.at, text.text);
 }
 
-/// Along the left and the lower edge, where they stay while a part is enlarged.
+/// Along the left and the lower edge, where they stay while a part is enlarged; over the lines.
 void AwbChartView::paint_scale(QPainter& painter) const {
   const QTransform zoomed = zoom_.transform(frame_rect());
   const double step = kTick / std::exp2(std::floor(std::log2(zoom_.factor())));
@@ -213,13 +213,13 @@ void AwbChartView::paint_scale(QPainter& painter) const {
     const QString text = QString::number(value, 'f', decimals);
     if (std::abs(at.x()) < kEdge) {
       painter.drawLine(QPointF(at.x(), kAwbChartHalf - 4), QPointF(at.x(), kAwbChartHalf));
-      painter.drawText(QRectF(at.x() - 30, kAwbChartHalf - 4 - 2 * kTextSize, 60, 2 * kTextSize),
-                       Qt::AlignHCenter | Qt::AlignBottom, text);
+      draw_on(painter, QRectF(at.x() - 30, kAwbChartHalf - 4 - 2 * kTextSize, 60, 2 * kTextSize),
+              Qt::AlignHCenter | Qt::AlignBottom, text, background());
     }
     if (std::abs(at.y()) < kEdge) {
       painter.drawLine(QPointF(-kAwbChartHalf, at.y()), QPointF(4 - kAwbChartHalf, at.y()));
-      painter.drawText(QRectF(7 - kAwbChartHalf, at.y() - kTextSize, 60, 2 * kTextSize),
-                       Qt::AlignLeft | Qt::AlignVCenter, text);
+      draw_on(painter, QRectF(kScaleLeft, at.y() - kTextSize, 60, 2 * kTextSize),
+              Qt::AlignLeft | Qt::AlignVCenter, text, background());
     }
   }
 }
@@ -231,9 +231,16 @@ void AwbChartView::paint_lines(QPainter& painter) const {
     const ChartLine& line = lines_[i];
     painter.setPen(QPen(colour_of(line.pen), 2));
     painter.drawLine(zoomed.map(qt_point(line.from)), zoomed.map(qt_point(line.to)));
-    const QPointF letter = zoomed.map(qt_point(line.letter));
-    painter.setPen(text_colour());
-    draw_text(painter, inside_frame({letter.x(), letter.y()}), QString(QLatin1Char(line.name)));
+  }
+}
+
+void AwbChartView::paint_letters(QPainter& painter) const {
+  const QTransform zoomed = zoom_.transform(frame_rect());
+  painter.setPen(text_colour());
+  for (std::size_t i = 0; i < lines_.size(); ++i) {
+    if (!legend_.shows(i)) continue;
+    const QPointF letter = zoomed.map(qt_point(lines_[i].letter));
+    draw_text(painter, inside_frame({letter.x(), letter.y()}), QString(QLatin1Char(lines_[i].name)));
   }
 }
 
@@ -247,7 +254,10 @@ void AwbChartView::paint_patches(QPainter& painter) const {
       continue;
     }
     const QRectF square(at - QPointF(patch.side / 2, patch.side / 2), QSizeF(patch.side, patch.side));
-    painter.fillRect(square, QColor(patch.colour.r, patch.colour.g, patch.colour.b));
+    painter.setPen(QPen(text_colour(), 1));
+    painter.setBrush(QColor(patch.colour.r, patch.colour.g, patch.colour.b));
+    // Around it, not on it.
+    painter.drawRect(square.adjusted(-0.5, -0.5, 0.5, 0.5));
   }
 }
 

@@ -29,6 +29,8 @@ class AwbChartView : public QWidget {
   QPointF to_widget(ChartPoint point) const;
   /// The lines' values and the patches' places.
   QString numbers() const;
+  /// Where a name stands, once drawn: the lines A to F in their order, then the patches.
+  QRectF legend_place(std::size_t entry) const { return whole().mapRect(legend_.place(entry)); }
 
   QSize sizeHint() const override { return {430, 430}; }
   QSize minimumSizeHint() const override { return {260, 260}; }
@@ -46,10 +48,13 @@ class AwbChartView : public QWidget {
   void paint_frame(QPainter& painter) const;
   void paint_scale(QPainter& painter) const;
   void paint_lines(QPainter& painter) const;
+  void paint_letters(QPainter& painter) const;
   void paint_patches(QPainter& painter) const;
   void paint_arrow(QPainter& painter, const ChartPatch& patch) const;
   void paint_legend(QPainter& painter);
+  QColor background() const;
   QColor text_colour() const;
+  QColor colour_of(ChartPen pen) const;
 
   AwbValues values_;
   std::array<ChartLine, 6> lines_;

@@ -52,6 +52,11 @@ QColor readable_on(const QColor& plot, const QColor& colour) {
   return between(colour, Qt::white, 0.45);
 }
 
+void draw_on(QPainter& painter, const QRectF& room, int flags, const QString& text, const QColor& plot) {
+  painter.fillRect(painter.boundingRect(room, flags, text), plot);
+  painter.drawText(room, flags, text);
+}
+
 bool ChartZoom::turn(const QWheelEvent& event, const QRectF& plot) {
   const QPointF at((event.position().x() - plot.left()) / plot.width(),
                    (event.position().y() - plot.top()) / plot.height());

@@ -30,6 +30,9 @@ void paint_focus(QPainter& painter, const QRectF& area, const QColor& colour);
 /// `colour`, lightened where it would not stand out from a dark `plot`.
 QColor readable_on(const QColor& plot, const QColor& colour);
 
+/// Draws the text with `plot` behind it, so that what was drawn there before does not strike it through.
+void draw_on(QPainter& painter, const QRectF& room, int flags, const QString& text, const QColor& plot);
+
 /// What part of a plot is shown. The wheel enlarges around the mouse, up to 16 times.
 class ChartZoom {
  public:

@@ -12,6 +12,8 @@ namespace {
 
 /// Height of the position labels, which stand upright, and so the least distance between two.
 constexpr int kLabelSize = 8;
+/// Of the labels on the left, within the line that tells of the focus.
+constexpr double kScaleRoom = kGammaPlot.left - kGammaFrame.left - 9;
 constexpr int kReadoutSize = 11;
 /// Of the scale on the left, as long as the whole plot is shown.
 constexpr int kScaleStep = 128;
@@ -24,6 +26,17 @@ constexpr double kOtherOpacity = 0.5;
 QFont sized(QFont font, int pixels) {
   font.setPixelSize(pixels);
   return font;
+}
+
+/// A label that begins or ends at a point. Four digits of some fonts are longer than the room at the edges.
+void draw_narrowed(QPainter& painter, QPointF at, double room, Qt::AlignmentFlag side, const QString& text) {
+  const double width = painter.fontMetrics().horizontalAdvance(text);
+  painter.save();
+  painter.translate(at);
+  painter.scale(std::min(1.0, room / width), 1);
+  const double left = side == Qt::AlignRight ? -width - 1 : 0;
+  painter.drawText(QRectF(left, -kLabelSize, width + 1, 2 * kLabelSize), side | Qt::AlignVCenter, text);
+  painter.restore();
 }
 
 /// Where the label of each position stands: below it, or as far to the right as the one before demands.
@@ -111,12 +124,7 @@ void GammaChartView::paint_labels(QPainter& painter) const {
     painter.save();
     painter.translate(places[i], kGammaLabelY);
     painter.rotate(90);
-    const QString text = QString::number(kGammaPositions[i]);
-    // Four digits of some fonts are longer than the margin.
-    const double width = painter.fontMetrics().horizontalAdvance(text);
-    painter.scale(std::min(1.0, room / width), 1);
-    painter.drawText(QRectF(0, -kLabelSize, width + 1, 2 * kLabelSize), Qt::AlignLeft | Qt::AlignVCenter,
-                     text);
+    draw_narrowed(painter, {}, room, Qt::AlignLeft, QString::number(kGammaPositions[i]));
     painter.restore();
   }
 }
@@ -131,18 +139,17 @@ void GammaChartView::paint_scale(QPainter& painter) const {
     const double y = zoomed().map(point_of(gamma_pixel(0, shown))).y();
     if (y < kGammaPlot.top - 1 || y > kGammaPlot.bottom) continue;
     painter.drawLine(QPointF(kGammaPlot.left - 3, y), QPointF(kGammaPlot.left, y));
-    const QRectF room(kGammaFrame.left + 1, y - kLabelSize, kGammaPlot.left - kGammaFrame.left - 5,
-                      2 * kLabelSize);
-    painter.drawText(room, Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip, QString::number(shown));
+    draw_narrowed(painter, {kGammaPlot.left - 4.0, y}, kScaleRoom, Qt::AlignRight, QString::number(shown));
   }
 }
 
 void GammaChartView::paint_titles(QPainter& painter) const {
   painter.setFont(sized(font(), kTitleSize));
-  painter.setPen(chart_colours(palette()).text);
+  const ChartColours colours = chart_colours(palette());
+  painter.setPen(colours.text);
   const QRectF inside = plot_rect().adjusted(5, 3, -5, -3);
-  painter.drawText(inside, Qt::AlignLeft | Qt::AlignTop, "Output, 0..1023");
-  painter.drawText(inside, Qt::AlignRight | Qt::AlignBottom, "Input, 0..1023");
+  draw_on(painter, inside, Qt::AlignLeft | Qt::AlignTop, "Output, 0..1023", colours.plot);
+  draw_on(painter, inside, Qt::AlignRight | Qt::AlignBottom, "Input, 0..1023", colours.plot);
 }
 
 void GammaChartView::paint_curves(QPainter& painter) {

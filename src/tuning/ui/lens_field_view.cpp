@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <ranges>
 
 #include "tuning/ui/chart_tools.h"
 
@@ -12,8 +13,8 @@ namespace {
 
 constexpr std::array<const char*, 3> kNames{"Red", "Green", "Blue"};
 constexpr std::array<int, 3> kHues{0, 120, 225};
-/// How far below the brightest place a cell is black, as a share of it: small differences are to be seen.
-constexpr double kDarkest = 0.3;
+/// Of the least reading's cell; the most has 1. Small differences are to be seen.
+constexpr double kDarkest = 0.35;
 
 QString ripple_text(const LensField& field, std::size_t colour) {
   const FieldDoubt doubt = field_doubt(field, colour);
@@ -27,7 +28,8 @@ QString ripple_text(const LensField& field, std::size_t colour) {
 LensFieldView::LensFieldView() {
   setAccessibleName("Ripple of the whole picture");
   setToolTip(
-      "The readings of 9 x 5 places, 0..255, the darker the further below the brightest. Ctrl+C copies.");
+      "The readings of 9 x 5 places, 0..255: the darkest place has the least of its color, the brightest the "
+      "most, as told above it. Ctrl+C copies.");
   setFocusPolicy(Qt::StrongFocus);
   add_chart_menu(this, [this] { return numbers(); }, {});
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -66,19 +68,21 @@ void LensFieldView::paintEvent(QPaintEvent*) {
 void LensFieldView::paint_colour(QPainter& painter, const QRectF& area, std::size_t colour) const {
   const double line = fontMetrics().height();
   painter.setPen(palette().color(QPalette::WindowText));
+  const auto [least, most] = std::ranges::minmax(
+      field_ | std::views::transform([colour](const PerColour& place) { return place[colour]; }));
+  const QString text =
+      QString("%1: %2, %3..%4").arg(kNames[colour], ripple_text(field_, colour)).arg(least).arg(most);
   painter.drawText(area, Qt::AlignLeft | Qt::AlignTop,
-                   QString("%1: %2").arg(kNames[colour], ripple_text(field_, colour)));
-  int brightest = 1;
-  for (const PerColour& place : field_) brightest = std::max(brightest, place[colour]);
+                   fontMetrics().elidedText(text, Qt::ElideRight, static_cast<int>(area.width())));
   const double cell_width = area.width() / kFieldColumns;
   const double cell_height = (area.height() - line) / kFieldRows;
   for (std::size_t i = 0; i < field_.size(); ++i) {
     const int at = static_cast<int>(i);
-    const double below = (1 - static_cast<double>(field_[i][colour]) / brightest) / kDarkest;
+    const double share = most > least ? static_cast<double>(field_[i][colour] - least) / (most - least) : 1;
     const QRectF cell(area.left() + at % kFieldColumns * cell_width,
                       area.top() + line + at / kFieldColumns * cell_height, cell_width, cell_height);
     painter.fillRect(cell, QColor::fromHsvF(static_cast<float>(kHues[colour] / 360.0), 0.6F,
-                                            static_cast<float>(std::clamp(1 - below, 0.0, 1.0))));
+                                            static_cast<float>(kDarkest + (1 - kDarkest) * share)));
   }
 }
 

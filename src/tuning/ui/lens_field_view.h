@@ -6,8 +6,8 @@
 
 namespace qv5123 {
 
-/// What "Check field" measured: for each colour the 9 x 5 places, the brighter the nearer to the brightest,
-/// and the ripple. Hidden until there is something to show.
+/// What "Check field" measured: for each colour the 9 x 5 places, from dark for the least to bright for
+/// the most, and the ripple. Hidden until there is something to show.
 class LensFieldView : public QWidget {
   Q_OBJECT
 

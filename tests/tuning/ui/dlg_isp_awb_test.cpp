@@ -4,6 +4,7 @@
 
 #include <QAccessible>
 
+#include "support/chart_driver.h"
 #include "support/page_bench.h"
 
 namespace qv5123 {
@@ -65,6 +66,43 @@ TEST_F(AwbPage, TheChartFollowsTheEditsAndNamesItsPatches) {
   EXPECT_EQ(chart.text_at(at), "Green: R 300, G 0, B 0\nCb/Y = -0.566, Cr/Y = 1.684");
   EXPECT_EQ(chart.text_at(at + QPointF(40, 0)), "");
   EXPECT_TRUE(chart.numbers().contains("Green\t300\t0\t0\t-0.566\t1.684\n"));
+}
+
+/// A chart whose lines A, C and F lie flat at y = -50, -100 and 50, the others on the axes.
+struct AwbChart : testing::Test {
+  AwbChart() {
+    AwbValues values;
+    values.words = {};
+    values.words[1] = 64;
+    values.words[5] = 128;
+    values.words[9] = -64;
+    chart.resize(420, 420);
+    chart.show_values(values);
+  }
+  QColor drawn_at(ChartPoint at) { return chart.grab().toImage().pixelColor(chart.to_widget(at).toPoint()); }
+
+  AwbChartView chart;
+};
+
+TEST_F(AwbChart, EnlargesHidesLinesAndIsCopied) {
+  const ChartPoint on_f{-100, 50};
+  const QPointF at = chart.to_widget(on_f);
+  test::enlarge(&chart, at);
+  EXPECT_NEAR(chart.to_widget(on_f).x(), at.x(), 1) << "what is under the mouse stays there";
+  EXPECT_GT(chart.to_widget({0, 50}).x() - at.x(), 150);
+  chart.actions().last()->trigger();
+  EXPECT_EQ(chart.to_widget(on_f), at) << "all of it is shown again";
+  EXPECT_EQ(drawn_at(on_f), QColor(Qt::red));
+  test::mouse(&chart, QEvent::MouseButtonPress, chart.legend_place(5).center());
+  EXPECT_NE(drawn_at(on_f), QColor(Qt::red));
+  EXPECT_EQ(test::copied(&chart), chart.numbers());
+}
+
+TEST_F(AwbChart, LinesStandOutFromADarkBackground) {
+  chart.setPalette(QPalette(QColor(0x28, 0x28, 0x28)));
+  const QColor background = drawn_at({100, 150});
+  EXPECT_LT(background.lightness(), 100);
+  for (const double y : {-50, -100, 50}) EXPECT_GE(test::contrast(drawn_at({-120, y}), background), 3) << y;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <QKeyEvent>
 
+#include "support/chart_driver.h"
 #include "support/page_bench.h"
 
 namespace qv5123 {
@@ -87,9 +88,7 @@ TEST_F(GammaPage, TheChartEnlargesHidesCurvesAndIsCopied) {
   auto* chart = user_.find<GammaChartView>("Gamma curves");
   chart->resize(600, 600);
   const QPointF at = chart->to_widget(gamma_pixel(256, 0));
-  QWheelEvent wheel(at, chart->mapToGlobal(at), {}, {0, 240}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
-                    false);
-  QApplication::sendEvent(chart, &wheel);
+  test::enlarge(chart, at);
   EXPECT_NEAR(chart->to_widget(gamma_pixel(256, 0)).x(), at.x(), 1) << "what is under the mouse stays there";
   EXPECT_GT(chart->to_widget(gamma_pixel(512, 0)).x() - at.x(), 190);
   chart->actions().last()->trigger();
@@ -100,7 +99,14 @@ TEST_F(GammaPage, TheChartEnlargesHidesCurvesAndIsCopied) {
   test::mouse(chart, QEvent::MouseButtonPress, name);
   EXPECT_FALSE(chart->shows(GammaCurveId::green));
   EXPECT_TRUE(chart->shows(GammaCurveId::red));
-  EXPECT_TRUE(chart->numbers().startsWith("Input\tR\tG\tB\tFront"));
+  EXPECT_TRUE(test::copied(chart).startsWith("Input\tR\tG\tB\tFront"));
+}
+
+TEST(Charts, ColoursStandOutFromADarkPlot) {
+  const QColor plot = chart_colours(QPalette(QColor(0x28, 0x28, 0x28))).plot;
+  for (const QColor& colour : {QColor(Qt::red), QColor(Qt::green), QColor(Qt::blue), QColor(kGammaGridColour),
+                               QColor(215, 0, 0), QColor(0, 150, 0), QColor(0, 0, 230)})
+    EXPECT_GE(test::contrast(readable_on(plot, colour), plot), 3) << colour.name().toStdString();
 }
 
 TEST_F(GammaPage, TheChartAlsoHasTheCurvesOfFileAndChipWhereTheyDiffer) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/hex.h"
+#include "support/chart_driver.h"
 #include "support/page_bench.h"
 #include "support/poll_until.h"
 #include "tuning/ui/lens_field_view.h"
@@ -121,12 +122,10 @@ TEST_F(LensPage, TheChartIsReadByKeyEnlargedAndCopied) {
   };
   EXPECT_TRUE(press(Qt::Key_Right).startsWith("X 16:   R 216"));
   EXPECT_NE(press(Qt::Key_Right), press(Qt::Key_Left));
-  EXPECT_TRUE(
-      chart->numbers().startsWith("X\tR\tG\tB\tR corrected\tG corrected\tB corrected\n16\t216\t180\t144\t"));
+  EXPECT_TRUE(test::copied(chart).startsWith(
+      "X\tR\tG\tB\tR corrected\tG corrected\tB corrected\n16\t216\t180\t144\t"));
   const QPointF at = chart->to_widget(960, 128);
-  QWheelEvent wheel(at, chart->mapToGlobal(at), {}, {0, 240}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
-                    false);
-  QApplication::sendEvent(chart, &wheel);
+  test::enlarge(chart, at);
   EXPECT_NEAR(chart->to_widget(960, 128).x(), at.x(), 1);
   EXPECT_GT(chart->to_widget(1160, 128).x() - at.x(), 70);
   chart->actions().last()->trigger();
@@ -234,14 +233,23 @@ TEST_F(LensPage, SavesToFileAndChipAndComesBack) {
   EXPECT_EQ(host_.last_status(), "Load File ok");
 }
 
-TEST_F(LensPage, TheFieldIsCopiedAsNumbers) {
+TEST_F(LensPage, TheFieldIsCopiedAsNumbersAndSpreadFromItsLeastToItsMost) {
   auto* view = user_.find<LensFieldView>("Ripple of the whole picture");
   LensField field(45, PerColour{1, 2, 3});
   field[9] = {10, 20, 30};
   view->show_field(field);
   user_.expect_named_controls();
+  EXPECT_EQ(test::copied(view), view->numbers());
   EXPECT_EQ(view->numbers().section(u'\n', 0, 1), "Column\tRow\tRed\tGreen\tBlue\n1\t1\t1\t2\t3");
   EXPECT_EQ(view->numbers().section(u'\n', 10, 10), "1\t2\t10\t20\t30") << "the second row";
+
+  field.assign(45, PerColour{203, 203, 203});
+  field.front() = {200, 200, 200};
+  LensFieldView alone;
+  alone.resize(600, 110);
+  alone.show_field(field);
+  const QImage drawn = alone.grab().toImage();
+  EXPECT_GT(drawn.pixelColor(100, 60).value() - drawn.pixelColor(5, 25).value(), 100);
 }
 
 }  // namespace

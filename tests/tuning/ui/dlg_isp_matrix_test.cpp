@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QRegularExpression>
 
+#include "support/chart_driver.h"
 #include "support/chart_readings.h"
 #include "support/page_bench.h"
 
@@ -74,6 +75,7 @@ TEST_F(MatrixPage, ShowsWhatIsCalculatedAndCleared) {
     for (const char* colour : {"R", "G", "B"}) user_.type(patch(i, colour), 100);
   auto* swatches = user_.find<PatchSwatchView>("Patches");
   EXPECT_TRUE(swatches->text_at(swatches->cell(14).center()).startsWith("Red(R,G,B): CIEDE2000 "));
+  EXPECT_EQ(test::copied(swatches), swatches->numbers());
   user_.type("Correction Ratio", 150);
   EXPECT_TRUE(marked<QSpinBox>("Correction Ratio"));
   user_.click("Calculate");
