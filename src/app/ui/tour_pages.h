@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 #include "app/ui/pages.h"
 #include "base/task.h"
@@ -8,10 +9,12 @@
 namespace qv5123 {
 
 class CQV5123View;
+class GammaDesk;
 class MatrixDesk;
 class PickerDesk;
 
-/// Has something measured on the pages before the tour takes their pictures, on the simulated camera.
+/// Has something measured or chosen on the pages before the tour takes their pictures, on the simulated
+/// camera.
 class TourPages {
  public:
   /// Lets the camera look at the scene of that name.
@@ -19,15 +22,19 @@ class TourPages {
 
   TourPages(CQV5123View& view, AimCamera aim) : view_(view), aim_(std::move(aim)) {}
 
-  /// Fills the page, which is open and shown. Those that have nothing to measure stay as they are.
+  /// Fills the page, which is open and shown. Those that have nothing to measure or choose stay as they are.
   Task<> fill(PageId id);
 
  private:
+  Task<> fill_registers();
+  void part_curves();
+  void join_curves();
   Task<> fill_lens();
   Task<> fill_white_lines();
   Task<> measure_chart();
   Task<> measure(MatrixDesk& matrix);
   void fill_font();
+  Task<> fill_flash();
   Task<> switch_picker(PickerDesk& picker, bool on);
   Task<> while_true(std::function<bool()> busy);
   template <class Desk>
@@ -35,6 +42,7 @@ class TourPages {
 
   CQV5123View& view_;
   const AimCamera aim_;
+  std::vector<int> curves_;  ///< all of the gamma page's values, before they were changed for its picture
 };
 
 }  // namespace qv5123
