@@ -118,6 +118,7 @@ TEST_F(ImageTransferTest, SystemWithoutAFileSendsThePresentImage) {
   doc.user_data.set_entry(0, 3);
   press(TransferKind::user_data);
   run_to_end();
+  EXPECT_EQ(user.opens.at(0).title, "Choose the user data to send: Cancel sends the present image");
   EXPECT_EQ(sent().at(2), "\x03" + std::string(255, '\0'));
   EXPECT_EQ(end, TransferEnd::sent);
 }

@@ -73,6 +73,10 @@ TEST(Keyboard, DoesAWholeTuningJob) {
   typist.press(Qt::Key_S, Qt::ControlModifier);
   EXPECT_NE(typist.folder.read("board.dat"), setting_text(image));
 
+  const auto other = typist.folder.path() / "other.dat";
+  typist.user.paths = {other};
+  typist.press(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(typist.folder.read("other.dat"), typist.folder.read("board.dat"));
   const std::size_t asked = typist.user.questions.size();
   typist.press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
   EXPECT_EQ(typist.user.questions.size(), asked);
