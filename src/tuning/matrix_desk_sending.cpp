@@ -165,8 +165,8 @@ std::string MatrixDesk::unread_saved() const {
   std::string all = TuningDesk::unread_saved();
   for (const auto& [place, codes, reasons] : doubtful_) {
     if (codes != codes_at(place) || reasons == accepted_) continue;
-    all += std::string(all.empty() ? "" : "\n\n") + "The matrix of " + kMatrixModeNames[place.mode] + ", " +
-           kMatrixLightNames[place.light] + ":\n" + reasons;
+    all += std::string(all.empty() ? "" : "\n\n") + "The matrix of " + kVideoModeNames[place.mode] + ", " +
+           kLightSourceNames[place.light] + ":\n" + reasons;
   }
   return all;
 }
