@@ -27,7 +27,7 @@ Task<> Unit::save_verified(TuningDesk& desk, int repair) {
   check_stop();
   co_await send_save(desk);
   Verification found = co_await desk.verify_save(around_.timeout);
-  for (; repair > 0 && found.end == Verification::End::differs; --repair) {
+  for (; repair > 0 && !found.to_repair().empty(); --repair) {
     check_stop();
     ++step_record().retries;
     found = co_await desk.repair_save(std::move(found), 1, around_.timeout);

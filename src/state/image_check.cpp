@@ -35,10 +35,10 @@ Task<> ImageCheck::verify() {
 }
 
 Task<> ImageCheck::repair(int times) {
-  for (; times > 0 && !differences().empty(); --times) {
+  for (; times > 0 && can_repair(); --times) {
     const std::vector<PageResult> results = results_;
     for (const PageResult& result : results)
-      if (!result.found.differences.empty()) co_await send_again(result);
+      if (!result.found.to_repair().empty()) co_await send_again(result);
     co_await verify();
   }
 }
@@ -46,10 +46,12 @@ Task<> ImageCheck::repair(int times) {
 Task<> ImageCheck::send_again(const PageResult& result) {
   const std::unique_ptr<TuningDesk> desk = make_desk(states_.page_name(result.page), host_, document_);
   desk->model().load_all(document_.user_data);
-  std::vector<std::size_t> fields;
-  for (const Verification::Difference& difference : result.found.differences)
-    fields.push_back(difference.field);
-  co_await desk->bring_values("System, again", fields, true);
+  co_await desk->bring_values("System, again", result.found.to_repair(), true);
+}
+
+bool ImageCheck::can_repair() const {
+  return std::ranges::any_of(results_,
+                             [](const PageResult& result) { return !result.found.to_repair().empty(); });
 }
 
 std::vector<std::string> ImageCheck::differences() const {

@@ -23,7 +23,8 @@ class ImageCheck {
   void sent(const UserDataImage& image) { document_.user_data = image; }
   /// Asks the chip for each page in turn.
   Task<> verify();
-  /// Sends what differs again in the brackets of each page's save, and reads back, at most so many times.
+  /// Sends what differs or was not proven again in the brackets of each page's save, and reads back, at most
+  /// so many times.
   Task<> repair(int times);
 
   /// "Verified: 815 of 815 values", "2 of 815 values differ: awb A Slope (sent 1, chip 2), ...", also with
@@ -31,6 +32,8 @@ class ImageCheck {
   /// (awb)".
   std::string text() const;
   std::vector<std::string> differences() const;
+  /// Whether something differs or was not proven.
+  bool can_repair() const;
 
  private:
   struct PageResult {

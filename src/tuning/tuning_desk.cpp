@@ -280,10 +280,8 @@ Task<Verification> TuningDesk::verify_save(std::chrono::milliseconds patience) {
 
 Task<Verification> TuningDesk::repair_save(Verification found, int times,
                                            std::chrono::milliseconds patience) {
-  for (; times > 0 && found.end == Verification::End::differs; --times) {
-    std::vector<std::size_t> fields;
-    for (const Verification::Difference& difference : found.differences) fields.push_back(difference.field);
-    const bool sent = co_await send_again(std::move(fields));
+  for (; times > 0 && !found.to_repair().empty(); --times) {
+    const bool sent = co_await send_again(found.to_repair());
     if (!sent) break;
     found = co_await verify_save(patience);
   }

@@ -86,6 +86,8 @@ class TuningDesk {
   void take_values(std::string what, const std::vector<WriteNote::Value>& values);
   /// What brings single values to the chip through their own controls, which may send others with them.
   virtual Traffic own_traffic(const std::vector<std::size_t>& fields) const;
+  /// All that this brings to the chip.
+  virtual std::vector<WriteNote::Value> own_values(const std::vector<std::size_t>& fields) const;
   /// Sends it, or with `keep` the same in the brackets of a full save, and says so.
   void send_values(std::string what, const std::vector<std::size_t>& fields, bool keep) {
     spawn(bring_values(std::move(what), fields, keep));
@@ -120,8 +122,8 @@ class TuningDesk {
   Task<bool> send_save(FullSave save, std::string done);
   /// Reads back what the last full save sent.
   Task<Verification> verify_save(std::chrono::milliseconds patience = kVerifyPatience);
-  /// Sends what differs again, for the chip to keep, and reads the page back, until all is as it was sent,
-  /// and at most so many times.
+  /// Sends what differs or was not proven again, for the chip to keep, and reads the page back, until all is
+  /// as it was sent, and at most so many times.
   Task<Verification> repair_save(Verification found, int times,
                                  std::chrono::milliseconds patience = kVerifyPatience);
   /// "Send these again"; ignored while a save is under way.
@@ -153,8 +155,6 @@ class TuningDesk {
   void tell(const DeskChange& change);
   /// What the values' own controls would change in them before they send.
   virtual void limit(const std::vector<std::size_t>& fields) { (void)fields; }
-  /// All that own_traffic() brings to the chip.
-  virtual std::vector<WriteNote::Value> own_values(const std::vector<std::size_t>& fields) const;
   /// The same for what no control alone sends, and leaves these values on the chip.
   void send_noted(const std::string& what, Traffic traffic, std::vector<WriteNote::Value> values);
   std::shared_ptr<const WriteNote> note(std::string control, std::vector<WriteNote::Value> values) const;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "simulator/faults.h"
 #include "state/image_check.h"
 #include "state/value_states.h"
 #include "support/chip_talk.h"
@@ -40,6 +41,35 @@ class SaveVerification : public testing::Test {
     host_.user.answers = {Answer::yes};
     desk.start_save(host_.user, save(desk));
     wire_.advance(90'000);
+  }
+  /// The line loses bytes, either way, as the seed says.
+  void lose_bytes(double rate, std::uint64_t seed) {
+    const auto lossy = [](const FaultRates& rates, std::uint64_t s) {
+      return [line = FaultInjector(rates, s)](const std::string& text) mutable {
+        line.put({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}, {});
+        const auto left = line.take({});
+        return std::string(left.begin(), left.end());
+      };
+    };
+    const FaultRates rates{.drop = rate};
+    wire_.sender.chip = [this, there = lossy(rates, 2 * seed),
+                         back = lossy(rates, 2 * seed + 1)](const std::string& bytes) mutable {
+      wire_.receive(back(test::ask(chip_, there(bytes))));
+    };
+  }
+  void type_other_values(TuningDesk& desk) {
+    for (std::size_t i = 0; i < desk.model().fields().size(); ++i)
+      if (desk.model().fields()[i].saved) desk.type(i, desk.model().numbers()[i] == 1 ? 2 : 1);
+  }
+  /// What the chip works with, of the values that a save sends and the chip reports.
+  void expect_saved(TuningDesk& desk, const UserDataImage& chip) {
+    UserDataImage saved = chip;
+    desk.model().store(saved);
+    for (const FieldInfo& field : desk.model().fields()) {
+      if (!field.saved || !field.has_reply()) continue;
+      for (const std::size_t entry : field.entries())
+        EXPECT_EQ(chip.entry(entry), saved.entry(entry)) << field.name;
+    }
   }
   void repair(TuningDesk& desk) {
     desk.start_repair(*found_);
@@ -179,8 +209,7 @@ INSTANTIATE_TEST_SUITE_P(SaveVerification, EveryPage, testing::ValuesIn(kTuningP
 
 TEST_P(EveryPage, IsRepairedOnALineThatLosesWrites) {
   const auto desk = open(GetParam());
-  for (std::size_t i = 0; i < desk->model().fields().size(); ++i)
-    if (desk->model().fields()[i].saved) desk->type(i, desk->model().numbers()[i] == 1 ? 2 : 1);
+  type_other_values(*desk);
   int writes = 0;
   loses_ = [&](const std::string& bytes) {
     const bool is_bracket = bytes.starts_with("@f9") || bytes.starts_with("@fa");
@@ -191,13 +220,47 @@ TEST_P(EveryPage, IsRepairedOnALineThatLosesWrites) {
   loses_ = {};
   repair(*desk);
   EXPECT_EQ(found_->end, End::verified) << text_;
-  UserDataImage saved = chip_.state().kept_data;
-  desk->model().store(saved);
-  for (std::size_t i = 0; i < desk->model().fields().size(); ++i) {
-    const FieldInfo& field = desk->model().fields()[i];
-    if (!field.saved || !field.has_reply()) continue;
-    for (const std::size_t entry : field.entries())
-      EXPECT_EQ(chip_.state().kept_data.entry(entry), saved.entry(entry)) << field.name;
+  expect_saved(*desk, chip_.state().kept_data);
+}
+
+TEST_P(EveryPage, IsVerifiedOnALineThatLosesBytesAndNeverLies) {
+  int verified = 0;
+  for (std::uint64_t seed = 1; seed <= 4; ++seed) {
+    SCOPED_TRACE(seed);
+    const auto desk = open(GetParam());
+    // Every second time what the chip has before are other values.
+    if (seed % 2 == 0) type_other_values(*desk);
+    lose_bytes(0.01, seed);
+    save_and_verify(*desk);
+    for (int times = 0; times < 2; ++times)
+      if (!found_->to_repair().empty()) repair(*desk);
+    if (found_->end != End::verified) continue;
+    ++verified;
+    expect_saved(*desk, chip_.state().user_data);
+  }
+  EXPECT_GE(verified, 3) << text_;
+}
+
+TEST_P(EveryPage, IsNotVerifiedWhereWhatDiffersIsWhatIsLost) {
+  // Equal digits, among which a loss may have been anywhere, and different ones.
+  for (const bool equal : {true, false}) {
+    const auto desk = open(GetParam());
+    std::vector<std::size_t> bytes;
+    for (std::size_t i = 0; i < desk->model().fields().size(); ++i) {
+      const FieldInfo& field = desk->model().fields()[i];
+      if (field.saved && equal) desk->type(i, 0);
+      if (field.saved && field.has_reply()) bytes.push_back(static_cast<std::size_t>(field.reply));
+    }
+    const std::size_t differs = bytes[bytes.size() / 2];
+    for (const std::size_t digits : {1u, 2u}) {
+      spoils_ = [&](std::string reply) {
+        if (reply.size() > differs + 2) reply.erase(1 + differs, digits);  // whatever the chip has there
+        return reply;
+      };
+      save_and_verify(*desk);
+      EXPECT_EQ(found_->end, End::unclear) << text_;
+      EXPECT_FALSE(found_->to_repair().empty());
+    }
   }
 }
 

@@ -115,8 +115,7 @@ void CMainFrame::show_verification(TuningDesk* desk, const Verification* found) 
   QStringList details;
   for (const std::string& text : difference_texts(fields, *found)) details << to_qt(text);
   verification_->show_text(to_qt(verification_text(fields, *found)), details);
-  if (found->end == Verification::End::differs)
-    offer_repair([desk, again = *found] { desk->start_repair(again); });
+  if (!found->to_repair().empty()) offer_repair([desk, again = *found] { desk->start_repair(again); });
 }
 
 void CMainFrame::show_checked(const QString& text, const QStringList& differences,

@@ -21,7 +21,8 @@ VerifyPane::VerifyPane(QWidget* parent)
   // Its text is what assistive tools read out; a name would stand in its place.
   label_->setAccessibleDescription("What came of reading the page back after its save");
   repair_->setAccessibleName("Send these again");
-  repair_->setToolTip("Sends the values that differ again and reads the page back, at most three times");
+  repair_->setToolTip(
+      "Sends the values that differ or were not proven again and reads the page back, at most three times");
   connect(repair_, &QPushButton::clicked, this, &VerifyPane::repair_wanted);
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);

@@ -64,9 +64,8 @@ Task<> CQV5123View::run_repair_image() {
 }
 
 void CQV5123View::tell_image_checked() {
-  const std::vector<std::string> differences = image_check_.differences();
-  tell_checked(image_check_.text(), differences,
-               differences.empty() ? nullptr : std::function<void()>([this] { repair_image(); }));
+  tell_checked(image_check_.text(), image_check_.differences(),
+               image_check_.can_repair() ? std::function<void()>([this] { repair_image(); }) : nullptr);
 }
 
 void CQV5123View::tell_checked(const std::string& text, const std::vector<std::string>& differences,
