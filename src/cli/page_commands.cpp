@@ -21,10 +21,6 @@ struct PageOptions {
 
 using Numbers = std::vector<int>;
 
-std::string full_name(const TuningModel& page, const FieldInfo& field) {
-  return std::string(page.texts().name) + "." + field.name;
-}
-
 /// What came of one page, as JSON and as text.
 struct PageResult {
   Json json;
@@ -74,27 +70,12 @@ bool is_in_both(const FieldInfo& field) {
   return field.has_reply() && field.has_entry();
 }
 
-/// What differs, as JSON, and as lines "awb.a_slope: chip 12, file 20".
-struct Comparison {
-  std::size_t compared = 0;
-  Json differences = Json::array();
-  std::string text;
-};
-
-Comparison compare(const TuningModel& chip, const Numbers& file) {
-  Comparison comparison;
+Compared compare(const TuningModel& chip, const Numbers& file) {
+  Compared result{"chip", "file"};
   const Numbers on_chip = chip.numbers();
-  for (std::size_t i = 0; i < on_chip.size(); ++i) {
-    const FieldInfo& field = chip.fields()[i];
-    if (!is_in_both(field)) continue;
-    ++comparison.compared;
-    if (on_chip[i] == file[i]) continue;
-    const std::string name = full_name(chip, field);
-    comparison.differences.push_back({{"name", name}, {"chip", on_chip[i]}, {"file", file[i]}});
-    comparison.text +=
-        name + ": chip " + std::to_string(on_chip[i]) + ", file " + std::to_string(file[i]) + "\n";
-  }
-  return comparison;
+  for (std::size_t i = 0; i < on_chip.size(); ++i)
+    if (is_in_both(chip.fields()[i])) result.add(full_name(chip, chip.fields()[i]), on_chip[i], file[i]);
+  return result;
 }
 
 /// Registers of the page that the chip does not report or no file keeps: nobody knows whether they are the
@@ -120,7 +101,7 @@ void say_not_compared(Output& out, const TuningModel& page) {
 }
 
 PageResult compared(Output& out, const TuningModel& page, const Numbers& file) {
-  const Comparison comparison = compare(page, file);
+  const Compared comparison = compare(page, file);
   PageResult result;
   result.json = {{"page", page.texts().name},
                  {"compared", comparison.compared},
@@ -164,40 +145,20 @@ Task<> send_save(Chip& chip, UnattendedHost& host, TuningDesk& desk, FullSave sa
   if (!host.last_failure().empty()) chip.out().warning(host.last_failure());
 }
 
-std::string differences_text(const TuningModel& page, const Verification& found, Json& differences) {
-  std::string text;
-  for (const Verification::Difference& difference : found.differences) {
-    const std::string name = full_name(page, page.fields()[difference.field]);
-    differences.push_back({{"name", name}, {"chip", difference.chip}, {"file", difference.sent}});
-    text += name + ": chip " + std::to_string(difference.chip) + ", file " + std::to_string(difference.sent) +
-            "\n";
-  }
-  return text;
-}
-
-Task<Verification> read_back(Chip& chip, TuningDesk& desk, int repairs) {
-  Verification found = co_await desk.verify_save(chip.timeout());
-  for (; repairs > 0 && found.end == Verification::End::differs; --repairs) {
-    chip.out().remark(std::string(desk.model().texts().name) + ": " +
-                      verification_text(desk.model().fields(), found) + "; sending again\n");
-    found = co_await desk.repair_save(std::move(found), 1, chip.timeout());
-  }
-  co_return found;
-}
-
 Task<PageResult> verify(Chip& chip, TuningDesk& desk, int repairs, Json json) {
   const std::string name = desk.model().texts().name;
-  const Verification found = co_await read_back(chip, desk, repairs);
-  if (found.end == Verification::End::no_answer)
-    throw Complaint{ExitCode::negative, name + ": the chip did not answer"};
-  if (found.end == Verification::End::unclear)
-    throw Complaint{ExitCode::negative, name + ": the answer was damaged on the line"};
-  json["verified"] = found.reported;
-  json["differences"] = Json::array();
+  const ReadBack how{
+      [&] { return desk.verify_save(chip.timeout()); },
+      [&](Verification found) { return desk.repair_save(std::move(found), 1, chip.timeout()); }};
+  const Verification found = co_await read_back(chip, desk.model(), how, repairs);
+  Compared compared{"chip", "file"};
+  add_differences(desk.model(), found, compared);
+  json["verified"] = compared.compared;
+  json["differences"] = compared.differences;
   PageResult result;
-  result.text = differences_text(desk.model(), found, json["differences"]);
+  result.text = compared.text;
   result.json = std::move(json);
-  result.negative = found.end == Verification::End::differs;
+  result.negative = !found.differences.empty();
   if (!result.negative) chip.out().remark(name + ": " + read_back_text(found.reported));
   say_not_compared(chip.out(), desk.model());
   co_return result;
@@ -256,8 +217,7 @@ void declare_save(CLI::App& command, PageOptions& options) {
   declare_name(command, options);
   add_path(command, "--from", options.file, "The setting file to take the values from")->required();
   command.add_flag("--verify", options.verify, "Read the page back afterwards and compare");
-  add_number(command, "--repair", options.repair, 0, 100,
-             "Read back as --verify does, and send what differs again, at most N times");
+  add_number(command, "--repair", options.repair, 0, 100, kRepairHelp);
   add_lenient(command, options.lenient);
 }
 

@@ -18,7 +18,10 @@ struct ParamOptions {
   std::filesystem::path file;
   std::filesystem::path other;
   bool verify = false;
+  int repair = 0;
   bool lenient = false;
+
+  bool verifies() const { return verify || repair > 0; }
 };
 
 using Numbers = std::vector<int>;
@@ -161,19 +164,33 @@ ExitCode set_in_file(Context& context, const ParamOptions& options) {
   return ExitCode::done;
 }
 
-/// What the controls of the assigned values send, each control once. `base` has what the chip does not
-/// report.
-Traffic traffic_of(Chip& chip, const Assigned& assigned, const PageParameters& page, const std::string& reply,
-                   const UserDataImage& base) {
-  UnattendedHost host = host_on(chip);
+/// A page with the assigned values in it, for as long as they are sent and read back.
+struct PageSetting {
+  explicit PageSetting(Chip& chip) : host(host_on(chip)) {}
+
+  UnattendedHost host;
   CQV5123Doc document;
-  document.user_data = base;
-  document.user_data.mark_loaded();
-  const std::unique_ptr<TuningDesk> desk = make_desk(page.page->texts().name, host, document);
-  desk->model().load_all(document.user_data);
-  desk->model().take_reply(reply);
-  for (const Assignment& assignment : assigned.assignments) assign(assignment, page, desk->model());
-  return desk->own_traffic(page.fields);
+  std::unique_ptr<TuningDesk> desk;
+  std::vector<std::size_t> fields;  ///< those that were assigned
+
+  /// What their controls send, each control once.
+  Traffic traffic() const { return desk->own_traffic(fields); }
+};
+using PageSettings = std::vector<std::unique_ptr<PageSetting>>;
+
+/// `base` has what the chip does not report.
+std::unique_ptr<PageSetting> setting_of(Chip& chip, const Assigned& assigned, const PageParameters& page,
+                                        const std::string& reply, const UserDataImage& base) {
+  auto setting = std::make_unique<PageSetting>(chip);
+  setting->document.user_data = base;
+  setting->document.user_data.mark_loaded();
+  setting->desk = make_desk(page.page->texts().name, setting->host, setting->document);
+  setting->fields = page.fields;
+  TuningModel& model = setting->desk->model();
+  model.load_all(setting->document.user_data);
+  model.take_reply(reply);
+  for (const Assignment& assignment : assigned.assignments) assign(assignment, page, model);
+  return setting;
 }
 
 UserDataImage image_full_of(int byte) {
@@ -183,48 +200,24 @@ UserDataImage image_full_of(int byte) {
 }
 
 /// A control may send values beside its own, of which the chip has told nothing.
-Traffic traffic_without_base(Chip& chip, const Assigned& assigned, const PageParameters& page,
-                             const std::string& reply) {
-  Traffic traffic = traffic_of(chip, assigned, page, reply, image_full_of(0));
-  if (traffic != traffic_of(chip, assigned, page, reply, image_full_of(0xFF)))
+std::unique_ptr<PageSetting> setting_without_base(Chip& chip, const Assigned& assigned,
+                                                  const PageParameters& page, const std::string& reply) {
+  auto setting = setting_of(chip, assigned, page, reply, image_full_of(0));
+  if (setting->traffic() != setting_of(chip, assigned, page, reply, image_full_of(0xFF))->traffic())
     refuse(
         page.name(page.fields.front()) +
         ": its control also sends what the chip does not report; --base FILE says where to take that from");
-  return traffic;
+  return setting;
 }
 
-Task<Traffic> page_traffic(Chip& chip, const ParamOptions& options, const Assigned& assigned,
-                           const PageParameters& page) {
-  const std::string reply = co_await read_page(chip, *page.page);
-  if (options.other.empty()) co_return traffic_without_base(chip, assigned, page, reply);
+/// What is sent beside the assigned values is the chip's: a digit that the line has spoilt must not come back
+/// to it.
+Task<std::unique_ptr<PageSetting>> page_setting(Chip& chip, const ParamOptions& options,
+                                                const Assigned& assigned, const PageParameters& page) {
+  const std::string reply = co_await read_page_surely(chip, *page.page);
+  if (options.other.empty()) co_return setting_without_base(chip, assigned, page, reply);
   const UserDataImage base = read_whole_settings(options.other, options.lenient);
-  co_return traffic_of(chip, assigned, page, reply, base);
-}
-
-/// Values beside each other, as JSON, and what differs as lines "awb.a_slope: chip 12, file 20".
-struct Compared {
-  const char* one;  ///< what the two sides are called
-  const char* other;
-  std::size_t compared = 0;
-  Json differences = Json::array();
-  std::string text = {};
-
-  void add(const std::string& name, int one_number, int other_number) {
-    ++compared;
-    if (one_number == other_number) return;
-    differences.push_back({{"name", name}, {one, one_number}, {other, other_number}});
-    text += name + ": " + one + " " + std::to_string(one_number) + ", " + other + " " +
-            std::to_string(other_number) + "\n";
-  }
-};
-
-void compare(const Assigned& assigned, const PageParameters& page, Compared& result) {
-  const Numbers on_chip = page.page->numbers();
-  for (const Assignment& assignment : assigned.assignments) assign(assignment, page, *page.page);
-  const Numbers wanted = page.page->numbers();
-  for (const std::size_t i : page.fields)
-    if (page.field(i).has_reply())
-      result.add(page.name(i), on_chip[i], page.field(i).held_by_chip(wanted[i]));
+  co_return setting_of(chip, assigned, page, reply, base);
 }
 
 bool any_reported(const Assigned& assigned) {
@@ -233,13 +226,31 @@ bool any_reported(const Assigned& assigned) {
   });
 }
 
-Task<ExitCode> verify(Chip& chip, const Assigned& assigned, Json json) {
+Task<Verification> send_again(Chip& chip, PageSetting& setting, TuningModel& on_chip,
+                              const std::vector<WriteNote::Value>& values, Verification found) {
+  co_await chip.send(setting.desk->own_traffic(found.to_repair()));
+  co_return co_await verify_page(chip.link(), on_chip, values, chip.timeout());
+}
+
+/// With what was sent beside the assigned values.
+Task<Verification> verify_setting(Chip& chip, PageSetting& setting, int repairs) {
+  const TuningModel& page = setting.desk->model();
+  const std::unique_ptr<TuningModel> on_chip = make_model(page.texts().name);
+  const std::vector<WriteNote::Value> values = setting.desk->own_values(setting.fields);
+  const ReadBack how{
+      [&] { return verify_page(chip.link(), *on_chip, values, chip.timeout()); },
+      [&](Verification found) { return send_again(chip, setting, *on_chip, values, std::move(found)); }};
+  co_return co_await read_back(chip, page, how, repairs);
+}
+
+Task<ExitCode> verify(Chip& chip, const ParamOptions& options, const PageSettings& settings, Json json) {
   Compared result{"chip", "set"};
-  for (const PageParameters& page : assigned.pages) {
-    co_await read_page(chip, *page.page);
-    compare(assigned, page, result);
+  std::size_t silent = 0;
+  for (const std::unique_ptr<PageSetting>& setting : settings) {
+    const Verification found = co_await verify_setting(chip, *setting, options.repair);
+    add_differences(setting->desk->model(), found, result);
+    silent += found.sent - found.reported;
   }
-  const std::size_t silent = count_of(assigned.pages) - result.compared;
   json["verified"] = result.compared;
   json["not_reported"] = silent;
   json["differences"] = result.differences;
@@ -251,15 +262,17 @@ Task<ExitCode> verify(Chip& chip, const Assigned& assigned, Json json) {
 }
 
 Task<ExitCode> set_on_chip(Chip& chip, const ParamOptions& options, const Assigned& assigned) {
+  PageSettings settings;
   Traffic traffic;
   for (const PageParameters& page : assigned.pages) {
-    Traffic more = co_await page_traffic(chip, options, assigned, page);
-    append(traffic, std::move(more));
+    std::unique_ptr<PageSetting> setting = co_await page_setting(chip, options, assigned, page);
+    append(traffic, setting->traffic());
+    settings.push_back(std::move(setting));
   }
   const std::size_t flushes = traffic.size();
   co_await chip.send(std::move(traffic));
   const Json json{{"set", count_of(assigned.pages)}, {"sent", flushes}};
-  if (options.verify) co_return co_await verify(chip, assigned, json);
+  if (options.verifies()) co_return co_await verify(chip, options, settings, json);
   chip.out().result(json);
   co_return ExitCode::done;
 }
@@ -267,7 +280,7 @@ Task<ExitCode> set_on_chip(Chip& chip, const ParamOptions& options, const Assign
 ExitCode set(Context& context, const ParamOptions& options) {
   if (!options.file.empty()) return set_in_file(context, options);
   const Assigned assigned = read_assignments(options.names, has_control, kNoControl);
-  if (options.verify && !any_reported(assigned)) refuse("--verify: the chip reports none of these values");
+  if (options.verifies() && !any_reported(assigned)) refuse("--verify: the chip reports none of these values");
   return run_on_chip(context, [&](Chip& chip) { return set_on_chip(chip, options, assigned); });
 }
 
@@ -332,6 +345,7 @@ void declare_set(CLI::App& command, ParamOptions& options) {
   add_path(command, "--to", options.file, "Change this setting file, not the chip");
   add_path(command, "--base", options.other, "Where to take from what is sent beside and not reported");
   command.add_flag("--verify", options.verify, "Read back from the chip afterwards and compare");
+  add_number(command, "--repair", options.repair, 0, 100, kRepairHelp);
   add_lenient(command, options.lenient);
 }
 

@@ -1,5 +1,6 @@
 #include "state/image_check.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "tuning/tuning_desk.h"

@@ -21,6 +21,17 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
 
+/// What the program has sent, up to `wanted`.
+std::string received_with(PtyLine& line, const std::string& wanted) {
+  std::string got = line.received(1);
+  while (got.find(wanted) == std::string::npos) {
+    const std::string more = line.received(1);
+    if (more.empty()) break;
+    got += more;
+  }
+  return got;
+}
+
 TEST_F(CtlTest, ADumpOfAChipThatChatsEndsAfterTheTimeout) {
   const int chip = ::posix_openpt(O_RDWR | O_NOCTTY);
   ASSERT_TRUE(chip >= 0 && ::grantpt(chip) == 0 && ::unlockpt(chip) == 0);
@@ -80,23 +91,28 @@ TEST_F(CtlTest, AnInterruptedRepairIsClosed) {
   line.leave_to_others();
   const auto repair =
       start({"page", "save", "lsc", "--from", "sample.dat", "--repair", "3", "--port", "chip"});
-  const auto expect = [&line](const std::string& wanted) {
-    std::string got;
-    test::poll_until([&] {
-      got += line.received(1);
-      return got.find(wanted) != std::string::npos;
-    });
-    return got;
-  };
   for (int answers = 0; answers < 2; ++answers) {
-    EXPECT_THAT(expect("@6b00*"), HasSubstr("@6b00*"));
+    EXPECT_THAT(received_with(line, "@6b00*"), HasSubstr("@6b00*"));
     line.send("~000000000000000000000000^");
   }
-  expect("@fa01*");
+  received_with(line, "@fa01*");
   repair->signal(SIGINT);
   EXPECT_THAT(repair->errors(), testing::EndsWith("qv5123ctl: Interrupted\n"));
   EXPECT_EQ(repair->end(), 1);
-  EXPECT_THAT(expect("@f900*"), HasSubstr("@fa00*@f900*"));
+  EXPECT_THAT(received_with(line, "@f900*"), HasSubstr("@fa00*@f900*"));
+}
+
+TEST_F(CtlTest, ADigitThatTheLineHasSpoiltIsNotSentBack) {
+  PtyLine line(folder.path() / "chip");
+  line.leave_to_others();
+  const auto set = start({"param", "set", "awb.a_slope=5", "--port", "chip"});
+  const std::string others(32, '0');
+  for (const std::string intercept : {"ff39", "ff38", "ff38"}) {
+    EXPECT_THAT(received_with(line, "@3600*"), HasSubstr("@3600*"));
+    line.send("~0100" + intercept + others + "^");
+  }
+  EXPECT_THAT(received_with(line, "@fa00*"), HasSubstr("@0d00*@0d05*@0eff*@0e38*"));
+  EXPECT_EQ(set->end(), 0);
 }
 
 TEST_F(CtlTest, ProgressIsShownOnATerminal) {

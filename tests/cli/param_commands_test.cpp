@@ -30,7 +30,8 @@ TEST_F(CtlTest, ParamGoesBetweenChipAndFile) {
   plug_in();
   EXPECT_EQ(on_board({"param", "set", "lsc.parameter1.*=700", "awb.a_slope=-12", "--verify", "--json"})
                 .json()["verified"],
-            4);
+            5)
+      << "and the intercept that the control of the slope sends";
   EXPECT_EQ(on_board({"param", "get", "lsc.parameter1", "awb.a_slope"}).out,
             "awb.a_slope = -12\nlsc.parameter1.r = 700\nlsc.parameter1.g = 700\nlsc.parameter1.b = 700\n");
   EXPECT_EQ(on_board({"param", "diff", "sample.dat", "lsc.parameter1.r"}).code, 1);
@@ -74,7 +75,7 @@ TEST_F(CtlTest, ParamSetReachesTheModeAndLightThatAreNamed) {
   plug_in();
   const auto set = on_board({"param", "set", "matrix.cvbs.light2.r[0]=0x123", "--verify"});
   EXPECT_EQ(set.code, 0) << set.err;
-  EXPECT_EQ(set.err, "1 value read back agrees\n");
+  EXPECT_EQ(set.err, "3 values read back agree\n") << "the row";
   const std::string sent = board->expect("@5801*\n@5823*");
   EXPECT_THAT(sent, HasSubstr("@ca03*\n"));
   EXPECT_THAT(sent, Not(HasSubstr("@52"))) << "the red row of another light";
@@ -88,7 +89,18 @@ TEST_F(CtlTest, ParamSetSaysWhatTheChipDoesNotReport) {
   const auto some =
       on_board({"param", "set", "front.flag.ae_task=1", "awb.a_slope=5", "awb.a_slope=7", "--verify"});
   EXPECT_EQ(some.code, 0);
-  EXPECT_EQ(some.err, "1 value not reported by the chip\n1 value read back agrees\n");
+  EXPECT_EQ(some.err, "1 value not reported by the chip\n2 values read back agree\n");
+}
+
+TEST_F(CtlTest, ParamSetDoesNotBelieveASingleAnswer) {
+  const std::vector<std::string> set{"param", "set", "awb.a_slope=5", "--repair", "5", "--json"};
+  for (const std::string seed : {"1", "2"}) {
+    plug_in({"--fault", "corrupt=0.01", "--seed", seed});
+    const auto on_bad_line = on_board(set);
+    EXPECT_EQ(on_bad_line.code, 0) << seed << on_bad_line.err;
+    EXPECT_EQ(on_bad_line.json()["verified"], 2);
+    board.reset();
+  }
 }
 
 TEST_F(CtlTest, WhatPageShowPrintsGoesIntoASettingFile) {
