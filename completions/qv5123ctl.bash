@@ -50,7 +50,7 @@ _qv5123ctl() {
     "param") words="list get set diff" ;;
     "param list") words="" ;;
     "param get") words="--from" ;;
-    "param set") words="--to --base --verify --lenient" ;;
+    "param set") words="--to --base --verify --repair --lenient" ;;
     "param diff") words="--with --lenient" files=yes ;;
     "settings") words="show set diff check read" ;;
     "settings show") words="" files=yes ;;
