@@ -94,13 +94,11 @@ Verification compare(const TuningModel& page, const std::vector<WriteNote::Value
   return found;
 }
 
-/// What differs is not proven as sent either, and nothing is said of single values.
-Verification unclear(const Verification& in_part) {
-  Verification found;
-  found.end = Verification::End::unclear;
-  found.sent = in_part.sent;
-  found.unproven = in_part.to_repair();
-  return found;
+/// Of a part nothing is known, so that none of the page counts as reported.
+Verification unclear(Verification in_part) {
+  in_part.end = Verification::End::unclear;
+  in_part.reported = 0;
+  return in_part;
 }
 
 Verification without_answer(const std::vector<WriteNote::Value>& sent) {
@@ -120,7 +118,10 @@ std::string verified_text(const Verification& verification) {
 }  // namespace
 
 std::vector<std::size_t> Verification::to_repair() const {
-  std::vector<std::size_t> fields = unproven;
+  // What is sent may be damaged, too: where something is known to differ, what may well be right is left
+  // alone.
+  if (differences.empty()) return unproven;
+  std::vector<std::size_t> fields;
   for (const Difference& difference : differences) fields.push_back(difference.field);
   return fields;
 }
@@ -148,7 +149,7 @@ Task<Verification> verify_page(CommandLink& link, TuningModel& page,
     together = compare(page, sent, &evidence);
     if (together.unproven.empty()) co_return together;
   }
-  co_return requests.heard() ? unclear(together) : without_answer(sent);
+  co_return requests.heard() ? unclear(std::move(together)) : without_answer(sent);
 }
 
 Task<SureReading> read_surely(CommandLink& link, TuningModel& page, std::chrono::milliseconds patience) {
