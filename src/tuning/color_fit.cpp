@@ -59,8 +59,8 @@ std::vector<Target> targets_of(const ExposedPatches& patches, const ColorFitOpti
 
 /// What the square of a coefficient's way from what "Calculate" finds costs, for each part of white that a
 /// count is worth. It holds the fit back from following single patches whose counts are few, the noise of
-/// which looks large to an eye: with it patches left out come closer as well. Some 24 with white at 205.
-constexpr double kPullOfACount = 4800;
+/// which looks large to an eye: with it patches left out come closer as well. Some 16 with white at 205.
+constexpr double kPullOfACount = 3200;
 
 /// What is minimised.
 class Cost {

@@ -17,7 +17,7 @@ using PerColour = std::array<int, 3>;
 /// Counts from which on a reading of the picker is clipped.
 inline constexpr int kClippedCounts = 251;
 /// Below it a reading says nothing.
-inline constexpr int kDarkCounts = 2;
+inline constexpr int kDarkCounts = 4;
 
 /// Addresses in the ISP space.
 namespace picker_register {

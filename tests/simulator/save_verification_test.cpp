@@ -180,18 +180,19 @@ TEST_F(SaveVerification, TheWholeUserDataIsReadBackPageByPage) {
     return check.text();
   };
   check.sent(host_.doc.user_data);
-  EXPECT_EQ(verify(), "Verified: 0 of 0 values, 0 more not reported by the chip");
+  EXPECT_EQ(verify(), "Verified: 458 of 458 values, 75 more not reported by the chip");
   EXPECT_EQ(known("lsc", 0), Known::verified);
   const std::size_t entry = make_model("lsc")->fields()[0].entries().back();
   host_.doc.user_data.set_entry(entry, host_.doc.user_data.entry(entry) ^ 0x15);
   check.sent(host_.doc.user_data);
-  EXPECT_EQ(verify(), "1 of 0 values differs: lsc Parameter-1 RED (sent 0, chip 0)");
+  EXPECT_EQ(verify(), "1 of 458 values differs: lsc Parameter-1 RED (sent 1229, chip 1240)");
   EXPECT_EQ(known("lsc", 0), Known::read);
   // What the other pages have can be sent again all the same.
   spoils_ = [](std::string reply) { return reply.size() / 10 == 35 ? reply.substr(0, 99) + "^" : reply; };
-  EXPECT_EQ(verify(),
-            "1 of 0 values differs: lsc Parameter-1 RED (sent 0, chip 0). Not verified: the chip's answers "
-            "were damaged on the line (gamma)");
+  EXPECT_EQ(
+      verify(),
+      "1 of 370 values differs: lsc Parameter-1 RED (sent 1229, chip 1240). Not verified: the chip's answers "
+      "were damaged on the line (gamma)");
   Flow repairing(check.repair(1));
   wire_.advance(90'000);
   EXPECT_EQ(check.text(), "Not verified: the chip's answers were damaged on the line (gamma)");

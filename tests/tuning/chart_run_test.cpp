@@ -254,7 +254,7 @@ TEST_F(MatrixDeskOnAChip, AWallInPlaceOfTheChartDeterminesNoMatrix) {
   std::string warnings;
   for (const std::string& warning : matrix_warnings(desk_.values())) warnings += warning;
   EXPECT_THAT(warnings, HasSubstr("The patches are nearly of one color"));
-  EXPECT_THAT(warnings, HasSubstr("The mean color difference grows from "));
+  EXPECT_GT(patch_report(desk_.values().measured, desk_.values().coefficients)->after.mean, 10);
 }
 
 }  // namespace

@@ -248,7 +248,6 @@ TEST_F(MatrixDeskTest, AsksBeforeASaveTakesADoubtfulFitAlong) {
   EXPECT_EQ(saved(), kWhole);
   EXPECT_EQ(saved(), kWhole) << "asked once for each reason";
   desk_.load_file();
-
   MeasuredColours greys = test::chart_readings("chart");
   std::fill(greys.begin(), greys.begin() + 18, MeasuredColour{});
   type_patches(greys);
@@ -259,6 +258,7 @@ TEST_F(MatrixDeskTest, AsksBeforeASaveTakesADoubtfulFitAlong) {
   wire();
   EXPECT_EQ(saved(), kWhole) << "agreed to for Set";
   desk_.choose_light(2);
+  type_patches(test::chart_readings("chart-bright"));
   desk_.calculate(host_.user);
   desk_.load_file();
   EXPECT_EQ(saved(), kWhole) << "another stands there by now";

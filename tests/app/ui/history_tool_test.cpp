@@ -1,6 +1,9 @@
 // The journal of writes in the whole window on a simulated chip: what it hears, and the way back.
 #include "app/ui/history_tool.h"
 
+#include <QAction>
+#include <QPushButton>
+
 #include "reliability/ui/matrix_bench.h"
 
 namespace qv5123 {
@@ -22,9 +25,12 @@ class HistoryToolTest : public testing::Test {
   /// What left after "Back to here..." on the first write.
   std::string sent_by_way_back() {
     auto* dock = bench_.frame->findChild<HistoryDock*>();
+    bench_.frame->show();
+    dock->show();
     dock->findChild<QTableView*>()->selectRow(0);
     bench_.wire.sender.writes.clear();
-    test::find<QAbstractButton>(*dock, "Back to here...")->click();
+    for (auto* button : dock->findChildren<QPushButton*>())
+      if (button->text() == "Back to here...") button->click();
     bench_.wire.advance(1000);
     return bench_.wire.sender.wire();
   }

@@ -119,7 +119,7 @@ TEST_F(KnownValues, TheWholeUserDataAndARegisterFileAreReadBackAndRepaired) {
   bench_.wire.advance(60'000);
   EXPECT_NE(pane().find("Verified: "), std::string::npos) << pane();
   EXPECT_FALSE(repair->isVisible());
-  EXPECT_EQ(bench_.line.chip().state().user_data.word(440), 321);
+  EXPECT_EQ(bench_.line.chip().state().kept_data.word(440), 321);
   bench_.wire.sender.chip = line;
 
   bench_.open(PageId::registers);

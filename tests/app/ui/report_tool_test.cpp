@@ -66,7 +66,9 @@ TEST(ReportPdf, NoHeadingStaysAloneAtTheFootOfAPage) {
       if (block.blockFormat().headingLevel() == 0) continue;
       EXPECT_EQ(page_of(block), page_of(block.next())) << block.text().toStdString() << " behind " << lines;
     }
-    if (lines == 0) EXPECT_EQ(document.pageCount(), 1);
+    if (lines == 0) {
+      EXPECT_EQ(document.pageCount(), 1);
+    }
   }
 }
 

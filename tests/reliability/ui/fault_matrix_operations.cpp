@@ -302,7 +302,8 @@ std::vector<Operation> full_saves() {
 
 std::vector<Operation> operations() {
   std::string numbers;
-  for (int i = 0; i < 1024; ++i) numbers += std::to_string(i % 200) + "\r\n";
+  // The slopes and intercepts of white detection end at 800, and are kept high byte first.
+  for (int i = 0; i < 1024; ++i) numbers += std::to_string(i > 180 && i < 197 ? 1 : i % 200) + "\r\n";
   const Operation system = download("user data download", "System", numbers,
                                     [](const ChipState& chip) { return chip.user_data.entry(750) == 150; });
   std::vector<Operation> all = {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QCheckBox>
+#include <QDialog>
 #include <QLabel>
 #include <QRegularExpression>
 
