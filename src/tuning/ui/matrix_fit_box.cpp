@@ -25,6 +25,7 @@ QString number(double value, int digits) {
 MatrixFitBox::MatrixFitBox(MatrixDesk& desk)
     : desk_(desk), swatches_(new PatchSwatchView), text_(new QLabel) {
   text_->setAccessibleDescription("What the patches tell of the matrix");
+  text_->setObjectName("what the patches tell");
   text_->setWordWrap(true);
   text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   auto* column = new QVBoxLayout(this);

@@ -24,6 +24,13 @@ void expect_unchanged_unless_done(MatrixBench& bench, End end, const std::string
   EXPECT_TRUE(end == End::done || bench.snapshot() == before) << "nothing came, so nothing is shown";
 }
 
+/// The picker of a board that was away is switched off once that is back.
+void expect_unchanged_or_picker_off(MatrixBench& bench, End end, const std::string& before) {
+  const bool on = bench.control("Enable Color Picker")->isChecked();
+  if (on || end == End::done) return expect_unchanged_unless_done(bench, end, before);
+  EXPECT_EQ(bench.line.chip().isp(0xFA29) & 0x80, 0);
+}
+
 /// Feeds the page a block on a good line and looks whether it then shows what it shows already.
 bool shows(MatrixBench& bench, const char* load_button, const std::string& block) {
   const std::string shown = bench.snapshot();
@@ -240,12 +247,19 @@ void expect_awb_color(MatrixBench& bench) {
   }
 }
 
-Operation picker_switch(const char* name, PageId page, Step prepare) {
+/// An operation for which the picker is on.
+Operation with_picker(Operation operation) {
+  operation.prepare = switch_picker_on;
+  operation.check = expect_unchanged_or_picker_off;
+  return operation;
+}
+
+Operation picker_switch(const char* name, PageId page) {
   const auto arrived = [](MatrixBench& bench) {
     const bool on = bench.line.chip().isp(0xFA29) & 0x80;
     EXPECT_EQ(bench.control("Enable Color Picker")->isChecked(), on) << "the box says how the chip is";
   };
-  return quiet(name, page, "Enable Color Picker", "Color picker: ", arrived, std::move(prepare));
+  return quiet(name, page, "Enable Color Picker", "Color picker: ", arrived);
 }
 
 /// A read button of the ISP tune page, and what then shows what the chip has from the beginning.
@@ -318,10 +332,10 @@ std::vector<Operation> operations() {
       load_of(PageId::linear_matrix, "load linear matrix", "Load <- ISP", "ISP Load Fail..."),
       load_of(PageId::dynamic_control, "load dynamic control", "Load <- ISP", "AE_Tune Data Load Fail..."),
       lens_calibration(),
-      picker_switch("color picker, LSC", PageId::lsc, nothing),
-      picker_switch("color picker off, linear matrix", PageId::linear_matrix, switch_picker_on),
-      quiet("GET COLOR, linear matrix", PageId::linear_matrix, "GET COLOR",
-            "GET COLOR: the chip did not answer.", nothing, switch_picker_on),
+      picker_switch("color picker, LSC", PageId::lsc),
+      with_picker(picker_switch("color picker off, linear matrix", PageId::linear_matrix)),
+      with_picker(quiet("GET COLOR, linear matrix", PageId::linear_matrix, "GET COLOR",
+                        "GET COLOR: the chip did not answer.", nothing)),
       quiet("GET COLOR, AWB", PageId::awb_tune, "GET COLOR", "GET COLOR: no answer from ", expect_awb_color,
             click("Dark skin")),
       raw_read("Read(1Byte)", "1Byte address", "800", "1Byte data", "text", "51"),
