@@ -28,6 +28,9 @@ class StopRequests {
   std::unique_ptr<System> system_;
 };
 
+/// Writes `text` to stderr if that takes it within `patience`: last words that nobody reads hold nothing up.
+void write_last_words(const std::string& text, std::chrono::milliseconds patience);
+
 /// Ends the program with `code` whatever its threads are at. `text` is written to stderr if that takes it.
 [[noreturn]] void end_program_at_once(const std::string& text, int code);
 

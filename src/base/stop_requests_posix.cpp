@@ -79,11 +79,15 @@ void StopRequests::wake() {
   system_->wake();
 }
 
-void end_program_at_once(const std::string& text, int code) {
+// A pipe that can be written to takes 4 KiB, which is more than any of these have.
+void write_last_words(const std::string& text, std::chrono::milliseconds patience) {
   pollfd polled{STDERR_FILENO, POLLOUT, 0};
-  if (::poll(&polled, 1, 0) > 0) {
-    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
-  }
+  if (::poll(&polled, 1, static_cast<int>(patience.count())) <= 0) return;
+  [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+}
+
+void end_program_at_once(const std::string& text, int code) {
+  write_last_words(text, std::chrono::milliseconds(0));
   std::_Exit(code);
 }
 

@@ -5,11 +5,15 @@
 #include <system_error>
 
 #include "base/hex.h"
+#include "base/stop_requests.h"
 #include "base/text.h"
 #include "cli/terminal.h"
 
 namespace qv5123 {
 namespace {
+
+/// So long the line that the program ends with waits for who reads it.
+constexpr std::chrono::milliseconds kLastWords{1000};
 
 /// Bytes of the UTF-8 character that `text` begins with; of what is none, one.
 std::size_t character_size(std::string_view text) {
@@ -123,7 +127,7 @@ std::string printable(std::string_view latin1) {
 void complain(std::string text) {
   std::erase(text, '\r');
   std::replace(text.begin(), text.end(), '\n', ' ');
-  std::fprintf(stderr, "qv5123ctl: %s\n", visible(text).c_str());
+  write_last_words("qv5123ctl: " + visible(text) + "\n", kLastWords);
 }
 
 }  // namespace qv5123
