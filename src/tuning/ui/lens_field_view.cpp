@@ -58,6 +58,7 @@ void LensFieldView::show_field(const LensField& field) {
 }
 
 void LensFieldView::paintEvent(QPaintEvent*) {
+  if (field_.empty()) return;
   QPainter painter(this);
   const double third = width() / 3.0;
   for (std::size_t c = 0; c < kNames.size(); ++c)

@@ -246,6 +246,8 @@ TEST_F(LensPage, TheFieldIsCopiedAsNumbersAndSpreadFromItsLeastToItsMost) {
   field.assign(45, PerColour{203, 203, 203});
   field.front() = {200, 200, 200};
   LensFieldView alone;
+  alone.show_field({});
+  alone.grab();  // a check that has only begun
   alone.resize(600, 110);
   alone.show_field(field);
   const QImage drawn = alone.grab().toImage();
