@@ -9,7 +9,7 @@
 //   window_benchmark drag           the same while a gamma point is dragged
 //   window_benchmark download       the same while firmware.bin is downloaded
 //   window_benchmark idle           share of a core that an open port takes while nothing is done
-//   window_benchmark compare-read   the same as load-all while the page "Compare" reads all pages from the chip
+//   window_benchmark compare-read   as load-all while "Compare" reads all pages from the chip
 //   window_benchmark journal        the same while a journal of 100,000 writes is opened
 //   window_benchmark verify-PAGE    the same while a page is read back after its full save, and its time
 //   window_benchmark known-values   Compare filled and filtered, undo of a step, and the marks of all pages

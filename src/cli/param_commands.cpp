@@ -280,7 +280,8 @@ Task<ExitCode> set_on_chip(Chip& chip, const ParamOptions& options, const Assign
 ExitCode set(Context& context, const ParamOptions& options) {
   if (!options.file.empty()) return set_in_file(context, options);
   const Assigned assigned = read_assignments(options.names, has_control, kNoControl);
-  if (options.verifies() && !any_reported(assigned)) refuse("--verify: the chip reports none of these values");
+  if (options.verifies() && !any_reported(assigned))
+    refuse("--verify: the chip reports none of these values");
   return run_on_chip(context, [&](Chip& chip) { return set_on_chip(chip, options, assigned); });
 }
 
