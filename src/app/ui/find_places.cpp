@@ -24,7 +24,7 @@ namespace qv5123 {
 namespace {
 
 QString plain(QString caption) {
-  return caption.remove(u'&').remove(QStringLiteral(" \u2022"));
+  return caption.remove(u'&').remove(QStringLiteral("\u2022"));
 }
 
 QString page_title(PageId id) {

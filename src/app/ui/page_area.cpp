@@ -12,7 +12,7 @@
 namespace qv5123 {
 namespace {
 
-constexpr const char* kDot = " \u2022";
+constexpr const char* kDot = "\u2022";
 
 const PageEntry& entry_of(PageId id) {
   return kPageEntries[static_cast<std::size_t>(id)];

@@ -48,7 +48,7 @@ TEST_F(KnownValues, MarksDotAndStarFollowAValue) {
   EXPECT_EQ(red1()->accessibleDescription(), "Not sent");
   EXPECT_TRUE(red1()->toolTip().startsWith("0..4095")) << red1()->toolTip().toStdString();
   EXPECT_TRUE(red1()->toolTip().contains("\nNot sent"));
-  EXPECT_EQ(item(), "&LSC \u2022");
+  EXPECT_EQ(item(), "&LSC\u2022");
   bench_.click("Parameter-1 S");
   bench_.wire.advance(1000);
   EXPECT_EQ(mark(), "");
