@@ -352,13 +352,15 @@ Task<int> CommandLink::wide_read(int address) {
 }
 
 Task<int> CommandLink::wide_read(int address, const Turn&) {
+  constexpr std::size_t kRegisterDigits = 2;
   const Batch request = isp_read_request(address);
   co_await send_request(request);
   co_await Delay(scheduler_, kWideWait);
   // On a line where answers take longer than that.
   if (reply_.index() < 2) {
-    const auto usual = health_.latency().value_or(std::chrono::milliseconds(0));
-    const auto longest = std::min(2 * usual, LateAnswers::kLongest);
+    const auto latency = health_.latency().value_or(std::chrono::milliseconds(0));
+    const auto longest =
+        std::min(2 * latency + health_.line_time(request, kRegisterDigits), LateAnswers::kLongest);
     if (longest > kWideWait) co_await block_complete(longest - kWideWait);
   }
   const bool another = answers_another(request, reply_.size());

@@ -38,6 +38,10 @@ LinkHealth::Time LinkHealth::on_the_line(std::size_t bytes) const {
   return Time(std::lround(byte_time_ * static_cast<double>(bytes)));
 }
 
+LinkHealth::Time LinkHealth::line_time(const Batch& request, std::size_t digits) const {
+  return on_the_line(kFrameBytes * request.size() + digits + kBlockEnds);
+}
+
 void LinkHealth::left(std::size_t frames, std::size_t bytes) {
   counts_.frames_sent += frames;
   counts_.bytes_sent += bytes;

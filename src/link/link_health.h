@@ -55,6 +55,8 @@ class LinkHealth {
   /// The median of what the last kKept replies took beyond the time of their bits on the line, and those of
   /// their requests: what a chip and its adapters need to answer. Nothing before the first.
   std::optional<Time> latency() const { return latencies_.median(); }
+  /// What a request and an answer of so many digits take on the line.
+  Time line_time(const Batch& request, std::size_t digits) const;
   /// The median of what short replies take beyond the time of their bits on the line; nothing while there are
   /// fewer than kFewest.
   std::optional<Time> idle() const;

@@ -64,7 +64,10 @@ Task<> read_wide(CommandLink& link, int& value) {
 
 /// After one request was answered with so many digits after so long a time.
 struct KnownLine {
-  KnownLine(int took, std::size_t digits) {
+  KnownLine(int took, std::size_t digits, unsigned baud = 19200) {
+    LineSettings line;
+    line.baud_rate = baud;
+    wire.link.health() = LinkHealth(line);
     const Flow flow(request(wire.link, {{0x69, 0}}, answers));
     wire.advance(50 + took);
     wire.receive("~" + std::string(digits, '1') + "^");
@@ -88,6 +91,8 @@ TEST(CommandLink, ARegisterIsWaitedForAsLongAsTheLineTakesAndNoLonger) {
   EXPECT_EQ(KnownLine(5, 2).read(60), -1) << "too late";
   EXPECT_EQ(KnownLine(150, 2).read(150), 0x5A);
   EXPECT_EQ(KnownLine(150, 2).read(310), -1);
+  EXPECT_EQ(KnownLine(45, 2, 2400).read(70), 0x5A) << "16 bytes take 67 ms";
+  EXPECT_EQ(KnownLine(45, 2, 2400).read(100), -1);
   EXPECT_EQ(KnownLine(50, 486).read(60), -1) << "it was long, and not late";
 }
 
