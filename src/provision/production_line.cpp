@@ -205,7 +205,10 @@ Task<> ProductionLine::Place::run_unit() {
 /// One that starts is another one, or was without power like one.
 Task<> ProductionLine::Place::wait_until_gone() {
   int silent = 0;
-  const ReplyBuffer& reply = port_->link().reply();
+  ReplyBuffer& reply = port_->link().reply();
+  // Of the board that is there.
+  reply.forget();
+  greeting_.clear();
   // Counted, for one may be gone behind the answer that follows it.
   const std::uint32_t greetings = reply.completed_of(kGreetingDigits);
   while (!lost_ && port_->connected() && silent < kSilent && line_.goes_on()) {
