@@ -29,6 +29,7 @@ class StopRequests {
 };
 
 /// Writes `text` to stderr if that takes it within `patience`: last words that nobody reads hold nothing up.
+/// Where stderr is a pipe, the first 4 KiB of them.
 void write_last_words(const std::string& text, std::chrono::milliseconds patience);
 
 /// Ends the program with `code` whatever its threads are at. `text` is written to stderr if that takes it.

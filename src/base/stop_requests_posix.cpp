@@ -3,7 +3,9 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdlib>
 
@@ -79,11 +81,12 @@ void StopRequests::wake() {
   system_->wake();
 }
 
-// A pipe that can be written to takes 4 KiB, which is more than any of these have.
+// A pipe that can be written to takes so much; what is longer would stand still with the rest.
 void write_last_words(const std::string& text, std::chrono::milliseconds patience) {
   pollfd polled{STDERR_FILENO, POLLOUT, 0};
   if (::poll(&polled, 1, static_cast<int>(patience.count())) <= 0) return;
-  [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+  const std::size_t size = std::min<std::size_t>(text.size(), PIPE_BUF);
+  [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), size);
 }
 
 void end_program_at_once(const std::string& text, int code) {

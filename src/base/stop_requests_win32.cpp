@@ -60,12 +60,12 @@ void StopRequests::wake() {
   system_->wake();
 }
 
-// A console takes what is written to it; where stderr is a pipe that is full, its reader stands still.
 // Pipes of this system cannot be asked whether they take anything.
 void write_last_words(const std::string& text, std::chrono::milliseconds) {
   std::fputs(text.c_str(), stderr);
 }
 
+// A console takes what is written to it; where stderr is a pipe that is full, its reader stands still.
 void end_program_at_once(const std::string& text, int code) {
   const HANDLE out = GetStdHandle(STD_ERROR_HANDLE);
   DWORD written = 0;
