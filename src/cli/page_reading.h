@@ -19,7 +19,7 @@ std::vector<std::string> pages_named(const std::vector<std::string>& names);
 std::string read_back_text(std::size_t values);
 
 inline constexpr const char* kRepairHelp =
-    "Read back as --verify does, and send what differs again, at most N times";
+    "Read back as --verify does, and send what differs or was not proven again, at most N times";
 
 /// Values beside each other, as JSON, and what differs as lines "awb.a_slope: chip 12, file 20".
 struct Compared {
