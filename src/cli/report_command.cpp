@@ -10,6 +10,7 @@
 #include "cli/measured_files.h"
 #include "cli/page_reading.h"
 #include "state/sign_off_values.h"
+#include "state/write_journal_files.h"
 #include "tuning/dynamic.h"
 #include "tuning/front.h"
 #include "tuning/video_mode.h"
@@ -82,7 +83,9 @@ Given given_by(Context& context, const ReportOptions& options) {
   if (!options.lens.empty()) report.lens = lens_of(options);
   if (!options.field.empty()) report.field = read_field(options.field);
   if (!options.journal.empty()) {
-    OpenedJournal opened = open_journal(read_file(options.journal));
+    if (!std::filesystem::is_regular_file(options.journal))
+      refuse(path_text(options.journal) + " cannot be read.");
+    OpenedJournal opened = open_journal_file(options.journal);
     for (const std::string& remark : opened.remarks) context.out.warning(remark);
     report.journal = journal_summary(opened.journal);
   }

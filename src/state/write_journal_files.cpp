@@ -69,7 +69,9 @@ std::vector<Run> journal_files(const fs::path& folder) {
 }
 
 /// The file, and behind it those in which its run went on.
-std::vector<fs::path> with_those_behind(const fs::path& path) {
+std::vector<fs::path> with_those_behind(const fs::path& given) {
+  // A bare name has no folder to look into.
+  const fs::path path = fs::absolute(given);
   std::vector<fs::path> paths;
   if (!start_of_name(path_text(path.filename())).empty())
     for (const Run& file : journal_files(path.parent_path()))
