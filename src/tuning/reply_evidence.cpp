@@ -16,7 +16,7 @@ constexpr int kShifts = 2 * kMostShift + 1;
 constexpr int kShiftCost = 2;  ///< of a digit lost or too many
 constexpr int kMargin = 3;
 constexpr int kNever = 1'000'000;
-/// How often a byte has to be seen alike.
+/// By how many times more often than as anything else a byte has to be seen as one number.
 constexpr int kLead = 2;
 
 /// By how many digits were lost so far, those too many taken off.

@@ -24,7 +24,9 @@ namespace qv5123 {
 ///
 /// With losses alone the true way counts two for each, as every way does, and one for each digit that came
 /// through and differs from what is expected. So a byte can be taken for another than the chip's only where
-/// at least three digits more differ and, shifted, look as expected; and that has to happen twice.
+/// at least three digits more differ and, shifted, look as expected, and that in two answers more than not.
+/// On a chip whose words have all shifted by one that was lost it may be so each time; the lost one itself is
+/// never seen as sent.
 class ReplyEvidence {
  public:
   /// Stands in the expected reply for a digit that nobody knows.
@@ -39,8 +41,8 @@ class ReplyEvidence {
 
   const std::string& expected() const { return expected_; }
   void add(std::string_view answer);
-  /// Whether the byte at that character position is proven: seen as one number, once more than twice as
-  /// anything else.
+  /// Whether the byte at that character position is proven: seen as one number at least two times more
+  /// often than as anything else.
   bool proves(std::size_t position) const;
   /// All proven bytes in their places, and 0 elsewhere.
   std::string reply() const;
