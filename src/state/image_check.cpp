@@ -15,7 +15,7 @@ std::vector<WriteNote::Value> ImageCheck::values_of(std::size_t page) const {
   std::vector<WriteNote::Value> values;
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     const FieldInfo& field = model->fields()[i];
-    if (field.has_entry()) values.push_back({i, field.held_by_chip(numbers[i])});
+    if (field.has_entry()) values.push_back({i, taken_from_image(field, numbers[i], document_.user_data)});
   }
   return values;
 }
@@ -47,7 +47,7 @@ Task<> ImageCheck::repair(int times) {
 Task<> ImageCheck::send_again(const PageResult& result) {
   const std::unique_ptr<TuningDesk> desk = make_desk(states_.page_name(result.page), host_, document_);
   desk->model().load_all(document_.user_data);
-  co_await desk->bring_values("System, again", result.found.to_repair(), true);
+  co_await desk->send_kept("System, again", result.found.to_repair());
 }
 
 bool ImageCheck::can_repair() const {
@@ -57,9 +57,12 @@ bool ImageCheck::can_repair() const {
 
 std::vector<std::string> ImageCheck::differences() const {
   std::vector<std::string> all;
-  for (const PageResult& result : results_)
+  for (const PageResult& result : results_) {
+    // What differs on a page that is not known as a whole is sent again, and not counted.
+    if (result.found.end != Verification::End::differs) continue;
     for (const std::string& text : difference_texts(states_.fields(result.page), result.found))
       all.push_back(states_.page_name(result.page) + " " + text);
+  }
   return all;
 }
 

@@ -260,13 +260,19 @@ void ValueStates::file_is(const UserDataImage& image) {
   tell_changed();
 }
 
+int taken_from_image(const FieldInfo& field, int number, const UserDataImage& image) {
+  if (!field.entry_as || field.size != FieldSize::word) return field.held_by_chip(number);
+  return field.in_reply().decode(image.word(static_cast<std::size_t>(field.entry)));
+}
+
 void ValueStates::image_sent(const UserDataImage& image) {
   for (Page& page : pages_) {
     page.model->load_all(image);
     const std::vector<int> numbers = page.model->numbers();
     for (std::size_t i = 0; i < numbers.size(); ++i) {
       if (!page.model->fields()[i].has_entry()) continue;
-      page.values[i].chip = {Known::sent, page.model->fields()[i].held_by_chip(numbers[i]), clock_()};
+      page.values[i].chip = {Known::sent, taken_from_image(page.model->fields()[i], numbers[i], image),
+                             clock_()};
       page.values[i].written_at = jobs_;
     }
   }

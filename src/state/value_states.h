@@ -44,6 +44,10 @@ struct ValueState {
   bool touched = false;
 };
 
+/// What the chip reports of a value that has an entry, once it has taken all of `image`, from which the page
+/// has loaded `number`: of one beyond its range the page takes the nearest, and the chip the bytes.
+int taken_from_image(const FieldInfo& field, int number, const UserDataImage& image);
+
 /// Keeps account of every value of the tuning pages: what the page holds, what the chip was last known to
 /// hold, and what the setting file holds. It goes by what the desks tell and by what leaves on the wire,
 /// whoever sends it, and costs no traffic. Pages count by their place in kTuningPages; they need not be open.

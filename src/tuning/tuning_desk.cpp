@@ -76,7 +76,11 @@ Task<> TuningDesk::bring_values(std::string what, std::vector<std::size_t> field
   if (!keep)
     send_noted(what, own_traffic(fields), own_values(fields));
   else
-    co_await send_with_progress(host_, keeping(fields, what + ": sent for the chip to keep"));
+    co_await send_kept(std::move(what), std::move(fields));
+}
+
+Task<bool> TuningDesk::send_kept(std::string what, std::vector<std::size_t> fields) {
+  co_return co_await send_with_progress(host_, keeping(fields, what + ": sent for the chip to keep"));
 }
 
 /// In the brackets of the full save, and with the time that the chip then takes.

@@ -94,6 +94,8 @@ class TuningDesk {
   }
   /// The same for who waits until the chip has kept it.
   Task<> bring_values(std::string what, std::vector<std::size_t> fields, bool keep);
+  /// Sends it as it stands in the brackets of a full save. False where not all of it left.
+  Task<bool> send_kept(std::string what, std::vector<std::size_t> fields);
 
   /// Takes the values from the program's own image and shows them.
   void reload();

@@ -182,6 +182,13 @@ TEST_F(SaveVerification, TheWholeUserDataIsReadBackPageByPage) {
   check.sent(host_.doc.user_data);
   EXPECT_EQ(verify(), "Verified: 458 of 458 values, 75 more not reported by the chip");
   EXPECT_EQ(known("lsc", 0), Known::verified);
+  // A slope that no chip takes from the page: as it was sent, it is no difference.
+  const std::vector<std::size_t> slope = make_model("awb")->fields()[0].entries();
+  host_.doc.user_data.set_entry(slope[0], 5);
+  host_.doc.user_data.set_entry(slope[1], 0);
+  check.sent(host_.doc.user_data);
+  test::ask(chip_, "@0d05*@0d00*");
+  EXPECT_EQ(verify(), "Verified: 458 of 458 values, 75 more not reported by the chip");
   const std::size_t entry = make_model("lsc")->fields()[0].entries().back();
   host_.doc.user_data.set_entry(entry, host_.doc.user_data.entry(entry) ^ 0x15);
   check.sent(host_.doc.user_data);
