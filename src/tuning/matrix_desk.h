@@ -36,6 +36,8 @@ class MatrixDesk final : public PageDesk<MatrixPage>, private MeasuredChart {
     virtual void show_report() {}
     /// Whether the picker may be switched: not while a save does so by itself.
     virtual void allow_switch(bool) {}
+    /// Whether somebody who points at the picture looks at this page.
+    virtual bool in_view() const { return true; }
   };
   /// The patches that may be typed into.
   enum class Typing { none, chosen, all };
@@ -74,7 +76,8 @@ class MatrixDesk final : public PageDesk<MatrixPage>, private MeasuredChart {
   /// "GET COLOR"; what is pressed while one is under way comes after it.
   void get_color();
   /// "Set corner": the cursor is on the chosen patch, one of the chart's corners. Kept for the video mode.
-  /// Until all four are set, pointing at one in the picture does the same.
+  /// Until all four are set, pointing at one in the picture does the same while the page is shown and has
+  /// switched the picker on.
   void set_corner();
   const ChartCorners& corners() const { return board_->corners()[static_cast<std::size_t>(values_.mode)]; }
   /// "Measure all 24", from the four corners; pressed again it stops. Where a reading is doubtful it stops by

@@ -87,7 +87,7 @@ void MatrixDesk::set_corner() {
 void MatrixDesk::take_pointed() {
   const auto corner = corner_of(values_.patch);
   const bool all_set = std::ranges::all_of(corners(), [](const auto& place) { return place.has_value(); });
-  if (corner && !all_set) take_corner(*corner);
+  if (corner && !all_set && matrix_view_->in_view()) take_corner(*corner);
 }
 
 void MatrixDesk::take_corner(std::size_t corner) {
@@ -95,9 +95,13 @@ void MatrixDesk::take_corner(std::size_t corner) {
   corners[corner] = clamped(values_.picker);
   board_->corner_set(values_.mode);
   const auto set = std::ranges::count_if(corners, [](const auto& place) { return place.has_value(); });
-  host().show_status("Corner " + std::to_string(set) + " of 4 is set.");
+  std::string text = "Corner " + std::to_string(set) + " of 4 is set.";
   const auto open = std::ranges::find_if(corners, [](const auto& place) { return !place; });
-  if (open != corners.end()) values_.patch = kCornerPatches[static_cast<std::size_t>(open - corners.begin())];
+  if (open != corners.end()) {
+    values_.patch = kCornerPatches[static_cast<std::size_t>(open - corners.begin())];
+    text += std::string(" The next is ") + patch_name(values_.patch) + ".";
+  }
+  host().show_status(text);
   matrix_view_->show_measurements();
   matrix_view_->show_run();
 }

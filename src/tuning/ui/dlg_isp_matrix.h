@@ -58,6 +58,7 @@ class CDlgIspMatrix : public TuningDialog,
   void show_marks(const std::vector<ValueMark>& marks) override;
   void mark_codes();
   void show_measurements() override;
+  bool in_view() const override { return isVisible(); }
   void show_typing() override;
   void show_codes() override;
   void show_run() override;
