@@ -52,12 +52,13 @@ StatusPane::StatusPane(QWidget* parent) : QAbstractButton(parent) {
   latest_->setObjectName("latest");
 }
 
-// Looking for an icon reads the desktop's themes, which is a fifth of all that a start takes.
-void StatusPane::show_mark() {
-  if (mark_->pixmap().isNull())
-    mark_->setPixmap(
-        style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this).pixmap(mark_->size()));
-  mark_->show();
+// Not before it is needed: an icon is looked for in the desktop's themes, and a bold font is one more to
+// load, which would be a fifth of all that a start takes.
+void StatusPane::make_mark() {
+  mark_->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this).pixmap(mark_->size()));
+  QFont bold = failure_->font();
+  bold.setBold(true);
+  failure_->setFont(bold);
 }
 
 void StatusPane::show_messages(const StatusBoard& board) {
@@ -80,11 +81,11 @@ void StatusPane::show_messages(const StatusBoard& board) {
 // The failure has the room that it needs, but for a part that the latest message keeps.
 void StatusPane::lay_out() {
   const bool fails = !failure_->text().isEmpty();
-  mark_->hide();
+  if (fails && mark_->pixmap().isNull()) make_mark();
+  mark_->setVisible(fails);
   failure_->setVisible(fails);
   int at = kSpace;
   if (fails) {
-    show_mark();
     mark_->move(at, (height() - mark_->height()) / 2);
     at = mark_->geometry().right() + kSpace;
     const int most = latest_->text().isEmpty() ? width() : width() - width() / kLatestPart;

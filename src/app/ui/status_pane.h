@@ -25,7 +25,7 @@ class StatusPane final : public QAbstractButton {
 
  private:
   void lay_out();
-  void show_mark();
+  void make_mark();
 
   QLabel* mark_ = nullptr;
   QLabel* failure_ = nullptr;

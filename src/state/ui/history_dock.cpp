@@ -187,8 +187,13 @@ QWidget* HistoryDock::make_buttons() {
   return bar;
 }
 
+// Before it has its place, which goes by the content.
+void HistoryDock::setVisible(bool visible) {
+  if (visible && !model_) make_content();
+  QDockWidget::setVisible(visible);
+}
+
 void HistoryDock::showEvent(QShowEvent* event) {
-  if (!model_) make_content();
   QDockWidget::showEvent(event);
   if (history_.files() && !listing_.running()) listing_.start(list_runs());
 }

@@ -45,10 +45,12 @@ class HistoryDock final : public QDockWidget {
   HistoryDock(WriteHistory& history, Surroundings surroundings, QWidget* parent = nullptr);
   ~HistoryDock() override;
 
-  /// There once the dock was shown.
+  /// There once the dock was to be shown.
   HistoryModel& model() { return *model_; }
   /// Opens a journal's file in place of this run's.
   void open_file(std::filesystem::path file);
+
+  void setVisible(bool visible) override;
 
  protected:
   void showEvent(QShowEvent* event) override;

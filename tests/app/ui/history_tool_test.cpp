@@ -27,6 +27,7 @@ class HistoryToolTest : public testing::Test {
     auto* dock = bench_.frame->findChild<HistoryDock*>();
     bench_.frame->show();
     dock->show();
+    EXPECT_GT(dock->sizeHint().height(), 200) << "it has its content before it has its place";
     dock->findChild<QTableView*>()->selectRow(0);
     bench_.wire.sender.writes.clear();
     for (auto* button : dock->findChildren<QPushButton*>())
