@@ -50,6 +50,10 @@ UndoActions::UndoActions(QMenu& menu, CQV5123View& view, QObject* parent)
       view_(view),
       undo_(add(menu, "Undo", QKeySequence("Ctrl+Z"))),
       redo_(add(menu, "Redo", QKeySequence("Ctrl+Shift+Z"))) {
+  // The same everywhere, and beside it what the system's other programs have.
+  QList<QKeySequence> keys = QKeySequence::keyBindings(QKeySequence::Redo);
+  keys.removeAll(redo_->shortcut());
+  redo_->setShortcuts(QList{redo_->shortcut()} + keys);
   connect(undo_, &QAction::triggered, this, [this] { undo(); });
   connect(redo_, &QAction::triggered, this, [this] { redo(); });
   connect(&view, &CQV5123View::steps_changed, this, &UndoActions::show_steps);
