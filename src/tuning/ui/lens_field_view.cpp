@@ -23,6 +23,12 @@ QString ripple_text(const LensField& field, std::size_t colour) {
   return QString("ripple %1 %").arg(field_ripple(field)[colour], 0, 'f', 1);
 }
 
+std::pair<int, int> extent(const LensField& field, std::size_t colour) {
+  const auto [least, most] =
+      std::ranges::minmax(field, {}, [colour](const PerColour& place) { return place[colour]; });
+  return {least[colour], most[colour]};
+}
+
 }  // namespace
 
 LensFieldView::LensFieldView() {
@@ -47,11 +53,18 @@ QString LensFieldView::numbers() const {
   return text;
 }
 
+/// "Red: ripple 1.8 %, 225..229".
+QString LensFieldView::caption(std::size_t colour) const {
+  const QString text = QString("%1: %2").arg(kNames[colour], ripple_text(field_, colour));
+  if (field_.empty()) return text;
+  const auto [least, most] = extent(field_, colour);
+  return text + QString(", %1..%2").arg(least).arg(most);
+}
+
 void LensFieldView::show_field(const LensField& field) {
   field_ = field;
   QString text;
-  for (std::size_t c = 0; c < kNames.size(); ++c)
-    text += QString("%1: %2   ").arg(kNames[c], ripple_text(field, c));
+  for (std::size_t c = 0; c < kNames.size(); ++c) text += caption(c) + "   ";
   setAccessibleDescription(text.trimmed());
   show();
   update();
@@ -69,12 +82,10 @@ void LensFieldView::paintEvent(QPaintEvent*) {
 void LensFieldView::paint_colour(QPainter& painter, const QRectF& area, std::size_t colour) const {
   const double line = fontMetrics().height();
   painter.setPen(palette().color(QPalette::WindowText));
-  const auto [least, most] = std::ranges::minmax(
-      field_ | std::views::transform([colour](const PerColour& place) { return place[colour]; }));
-  const QString text =
-      QString("%1: %2, %3..%4").arg(kNames[colour], ripple_text(field_, colour)).arg(least).arg(most);
-  painter.drawText(area, Qt::AlignLeft | Qt::AlignTop,
-                   fontMetrics().elidedText(text, Qt::ElideRight, static_cast<int>(area.width())));
+  const auto [least, most] = extent(field_, colour);
+  QString text = caption(colour);
+  if (fontMetrics().horizontalAdvance(text) > area.width()) text.remove("ripple ");
+  painter.drawText(area, Qt::AlignLeft | Qt::AlignTop, text);
   const double cell_width = area.width() / kFieldColumns;
   const double cell_height = (area.height() - line) / kFieldRows;
   for (std::size_t i = 0; i < field_.size(); ++i) {

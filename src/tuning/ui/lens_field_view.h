@@ -24,6 +24,7 @@ class LensFieldView : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  QString caption(std::size_t colour) const;
   void paint_colour(QPainter& painter, const QRectF& area, std::size_t colour) const;
 
   LensField field_;
