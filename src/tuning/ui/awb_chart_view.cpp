@@ -217,6 +217,10 @@ void AwbChartView::paint_scale(QPainter& painter) const {
               Qt::AlignHCenter | Qt::AlignBottom, text, background());
     }
     if (std::abs(at.y()) < kEdge) {
+      // What of a line is left beside the number would be its minus.
+      painter.fillRect(
+          QRectF(1 - kAwbChartHalf, at.y() - kTextSize / 2, kScaleLeft + kAwbChartHalf - 1, kTextSize),
+          background());
       painter.drawLine(QPointF(-kAwbChartHalf, at.y()), QPointF(4 - kAwbChartHalf, at.y()));
       draw_on(painter, QRectF(kScaleLeft, at.y() - kTextSize, 60, 2 * kTextSize),
               Qt::AlignLeft | Qt::AlignVCenter, text, background());
