@@ -135,6 +135,8 @@ void keep_headings(QTextDocument& document) {
     format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
     QTextCursor(block).setBlockFormat(format);
   }
+  // What stands behind a table that goes on over the page's end is left where it was otherwise.
+  document.markContentsDirty(0, document.characterCount());
 }
 
 // A document has timers, which only the toolkit's own threads can have.

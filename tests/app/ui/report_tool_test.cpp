@@ -51,6 +51,20 @@ TEST(ReportTool, WritesWhatTheChipToldAndPdfOfAFewPages) {
   EXPECT_LT(pages, 40u);
 }
 
+TEST(ReportPdf, AHeadingBehindATableOverTwoPagesHasItsRoom) {
+  QTextDocument document;
+  QString html = "<p>line</p><h2>one</h2><table>";
+  for (int row = 0; row < 40; ++row) html += "<tr><td>cell</td></tr>";
+  document.setHtml(html + "</table><h2>two</h2><p>line</p>");
+  document.setPageSize({400, 300});
+  keep_headings(document);
+  const QAbstractTextDocumentLayout& layout = *document.documentLayout();
+  for (QTextBlock block = document.begin(); block.isValid(); block = block.next())
+    if (block.text() == "two") {
+      EXPECT_GT(layout.blockBoundingRect(block).top(), layout.blockBoundingRect(block.previous()).bottom());
+    }
+}
+
 TEST(ReportPdf, NoHeadingStaysAloneAtTheFootOfAPage) {
   for (int lines = 0; lines < 60; ++lines) {
     QTextDocument document;
