@@ -133,8 +133,8 @@ std::string verdict_text(const SignOff& report) {
   std::string text;
   for (const JudgedLimit& limit : report.limits)
     if (!limit.met)
-      text += limit.limit.name +
-              (limit.value ? ": " + fixed(*limit.value, 3) + " is beyond its limit\n" : ": not measured\n");
+      text += limit.limit.name + (limit.value ? ": " + figure_text(*limit.value, 3) + " is beyond its limit\n"
+                                              : ": not measured\n");
   return text;
 }
 

@@ -61,6 +61,10 @@ bool holds(const Limit& limit, double value) {
 
 }  // namespace
 
+std::string figure_text(double value, int digits) {
+  return fixed(value, value == std::trunc(value) ? 0 : digits);
+}
+
 Limits read_limits(std::string_view text) {
   Limits found;
   for (std::size_t number = 1; !text.empty(); ++number) {

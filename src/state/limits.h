@@ -11,6 +11,8 @@ namespace qv5123 {
 
 /// Figures and values by their names, as a limits file calls them.
 using Figures = std::map<std::string, double>;
+/// A figure or a bound of one with `digits` behind the point; a count with none.
+std::string figure_text(double value, int digits);
 
 struct Limit {
   std::string name;

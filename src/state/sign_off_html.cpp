@@ -89,7 +89,7 @@ std::string board(const SignOff& report) {
 }
 
 std::string bound(const std::optional<double>& value) {
-  return value ? fixed(*value, 3) : "";
+  return value ? figure_text(*value, 3) : "";
 }
 
 std::string limits(const SignOff& report) {
@@ -146,7 +146,8 @@ std::string chart(const SignOff& report) {
 std::string figures(const SignOff& report) {
   std::string rows;
   for (const auto& [name, value] : figures_of(report))
-    if (name.find('.') == std::string::npos) rows += row({{name}, number(value, 2)});
+    if (name.find('.') == std::string::npos)
+      rows += row({{name}, {figure_text(value, 2), Cell::Kind::number}});
   return heading("Figures") + table({"Figure", "Value"}, rows);
 }
 

@@ -5,6 +5,7 @@
 
 #include "base/text.h"
 #include "state/sign_off.h"
+#include "tuning/awb_chart.h"
 
 namespace qv5123 {
 namespace {
@@ -87,7 +88,8 @@ Drawing lens_drawing(const SignOff& report) {
 }
 
 Drawing field_drawing(const LensField& field) {
-  constexpr double kWide = 66, kHigh = 26;
+  // Three numbers of three digits with a blank between, and as wide as a page in all.
+  constexpr double kWide = 71, kHigh = 26, kNumber = 24;
   Drawing drawing;
   drawing.title = "The whole picture at 9 x 5 places: red, green and blue, percent of the brightest";
   drawing.width = kFieldColumns * kWide + 2;
@@ -102,7 +104,7 @@ Drawing field_drawing(const LensField& field) {
     const auto grey = static_cast<std::uint32_t>(std::clamp(255 - 3 * (100 - percent), 90, 255));
     drawing.box(x, y, kWide, kHigh, kGrey, grey << 16 | grey << 8 | grey);
     for (std::size_t c = 0; c < 3; ++c)
-      drawing.label(x + 2 + 22 * static_cast<double>(c), y + 17,
+      drawing.label(x + 1 + kNumber * static_cast<double>(c), y + 17,
                     std::to_string(100 * field[i][c] / highest[c]), kColors[c]);
   }
   return drawing;
@@ -120,6 +122,11 @@ Drawing gamma_drawing(const GammaValues& gamma) {
   return drawing;
 }
 
+struct Letter {
+  std::string text;
+  Drawing::Point at;  ///< where it begins
+};
+
 /// Cb/Y to the right and Cr/Y up, as the page shows them.
 Drawing white_drawing(const AwbValues& awb) {
   const Axes axes{-1, 1, -1, 1, 300, 300};
@@ -128,30 +135,35 @@ Drawing white_drawing(const AwbValues& awb) {
   drawing.line({axes.at(0, -1), axes.at(0, 1)}, kPale);
   const auto word = [&awb](std::size_t i) { return std::clamp(awb.words[i] / 256.0, -8.0, 8.0); };
   const auto within = [](double y) { return std::clamp(y, -1.0, 1.0); };
+  std::vector<Letter> letters;
   for (std::size_t line = 0; line < 4; ++line) {
     const double slope = word(2 * line), intercept = word(2 * line + 1);
     std::vector<Drawing::Point> points;
     for (double x = -0.8; x < 0.1001; x += 0.05) points.push_back(axes.at(x, within(slope * x + intercept)));
-    const Drawing::Point start = points.front();
+    letters.push_back(
+        {awb_row(static_cast<AwbControl>(line)).name, {points.front().x - 12, points.front().y}});
     drawing.line(std::move(points), line < 2 ? kColors[1] : kColors[2], 1.5);
-    drawing.label(start.x - 12, start.y, awb_row(static_cast<AwbControl>(line)).name);
   }
   const double e = within(word(8)), f = within(word(9));
   drawing.line({axes.at(e, 0.3), axes.at(e, -1)}, kColors[0], 1.5);
   drawing.line({axes.at(-1, f), axes.at(0.1, f)}, kColors[0], 1.5);
-  drawing.label(axes.at(e, 0.3).x + 2, axes.at(e, 0.3).y, "E");
-  drawing.label(axes.at(-1, f).x + 2, axes.at(-1, f).y - 3, "F");
+  letters.push_back({"E", {axes.at(e, 0.3).x + 2, axes.at(e, 0.3).y}});
+  letters.push_back({"F", {axes.at(-1, f).x + 2, axes.at(-1, f).y - 3}});
+  std::vector<ChartPoint> patches;
   for (std::size_t i = 0; i < kAwbPatchCount; ++i) {
-    const PatchColour& patch = awb.patches[i];
-    const double r = std::clamp(patch.r, 0, 255), g = std::clamp(patch.g, 0, 255),
-                 b = std::clamp(patch.b, 0, 255);
-    const double y = 0.296875 * r + 0.578125 * g + 0.125 * b;
-    if (y <= 0) continue;
-    const Drawing::Point at = axes.at(within((-0.16797 * r - 0.33203 * g + 0.5 * b) / y),
-                                      within((0.5 * r - 0.42188 * g - 0.07813 * b) / y));
+    const std::optional<ChartPoint> place = chroma_over_luma(awb.patches[i]);
+    if (!place) continue;
+    const Drawing::Point at = axes.at(within(place->x), within(place->y));
     const PatchColour& look = kAwbPatches[i].reference;
     drawing.box(at.x - 3, at.y - 3, 6, 6, kBlack,
                 static_cast<std::uint32_t>(look.r << 16 | look.g << 8 | look.b));
+    patches.push_back({at.x, at.y});
+  }
+  // Last, and beside the patches: a letter on one could be as dark as it is.
+  constexpr double kSize = Drawing::kTextSize;
+  for (const Letter& letter : letters) {
+    const ChartPoint at = clear_of_patches({letter.at.x, letter.at.y - kSize}, kSize, patches);
+    drawing.label(at.x, at.y + kSize, letter.text);
   }
   return drawing;
 }

@@ -25,6 +25,13 @@ ChartLine vertical_line(int word) {
   return {'E', ChartPen::red, {x, -60}, {x, 200}, {x, -58}};
 }
 
+/// Whether a letter, of which `at` is the upper left corner, and the square of a patch touch.
+bool covers(ChartPoint patch, ChartPoint at, double size) {
+  constexpr double kReach = 5;  // from a patch's middle, with its outline
+  return patch.x > at.x - kReach && patch.x < at.x + size + kReach && patch.y > at.y - kReach &&
+         patch.y < at.y + size + kReach;
+}
+
 ChartLine horizontal_line(int word) {
   const double y = -kAwbChartScale * word / kFraction;
   return {'F', ChartPen::red, {-200, y}, {20, y}, {-200, y}};
@@ -62,6 +69,17 @@ std::vector<ChartPatch> awb_chart_patches(const AwbValues& values) {
     patches.push_back({row, to_pixels(place->x, place->y), patch.highlighted ? 6.0 : 4.0, patch.reference});
   }
   return patches;
+}
+
+ChartPoint clear_of_patches(ChartPoint at, double size, const std::vector<ChartPoint>& patches) {
+  const double step = size + 2;
+  const std::array<ChartPoint, 5> ways{{{0, 0}, {0, step}, {0, -step}, {step, 0}, {-step, 0}}};
+  for (const ChartPoint way : ways) {
+    const ChartPoint moved{at.x + way.x, at.y + way.y};
+    if (std::ranges::none_of(patches, [&](ChartPoint patch) { return covers(patch, moved, size); }))
+      return moved;
+  }
+  return at;
 }
 
 }  // namespace qv5123

@@ -53,4 +53,8 @@ struct ChartPatch {
 /// The patches that have a place, in row order.
 std::vector<ChartPatch> awb_chart_patches(const AwbValues& values);
 
+/// Where a line's letter of `size` pixels is written, by its upper left corner: at `at`, or below, above or
+/// beside it where one of the `patches` lies there.
+ChartPoint clear_of_patches(ChartPoint at, double size, const std::vector<ChartPoint>& patches);
+
 }  // namespace qv5123

@@ -180,8 +180,8 @@ void AwbChartView::paintEvent(QPaintEvent*) {
   painter.setClipRect(frame_rect());
   paint_lines(painter);
   paint_scale(painter);
-  paint_letters(painter);
   paint_patches(painter);
+  paint_letters(painter);
   painter.restore();
   paint_legend(painter);
 }
@@ -240,11 +240,18 @@ void AwbChartView::paint_lines(QPainter& painter) const {
 
 void AwbChartView::paint_letters(QPainter& painter) const {
   const QTransform zoomed = zoom_.transform(frame_rect());
+  std::vector<ChartPoint> patches;
+  if (legend_.shows(lines_.size()))
+    for (const ChartPatch& patch : patches_) {
+      const QPointF at = shown_place(patch);
+      patches.push_back({at.x(), at.y()});
+    }
   painter.setPen(text_colour());
   for (std::size_t i = 0; i < lines_.size(); ++i) {
     if (!legend_.shows(i)) continue;
     const QPointF letter = zoomed.map(qt_point(lines_[i].letter));
-    draw_text(painter, inside_frame({letter.x(), letter.y()}), QString(QLatin1Char(lines_[i].name)));
+    const ChartPoint at = clear_of_patches(inside_frame({letter.x(), letter.y()}), kTextSize, patches);
+    draw_text(painter, inside_frame(at), QString(QLatin1Char(lines_[i].name)));
   }
 }
 
