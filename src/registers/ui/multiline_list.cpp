@@ -178,8 +178,8 @@ void CMultilineList::lay_out() {
 
 void CMultilineList::fill_width() {
   if (stretched_ < 0 || stretched_ >= columns()) return;
-  const int left = std::max(viewport()->width() - total_width(), 0);
-  const int width = width_of(stretched_) + left;
+  const int set = width_of(stretched_);
+  const int width = std::max(set + viewport()->width() - total_width(), set / 2);
   if (width == column_width(stretched_)) return;
   setColumnWidth(stretched_, width);
   heights_.clear();

@@ -28,7 +28,8 @@ class CMultilineList final : public QTableView, public KeptText {
   /// Width in device-independent pixels.
   void set_column_width(int column, int width);
   int column_width(int column) const { return columnWidth(column); }
-  /// This column also takes the room that all of them leave.
+  /// This column also takes the room that all of them leave, and gives up to half of its own where they lack
+  /// it.
   void stretch_column(int column);
   /// " " stands for empty, and is what a cell without a text has. A cell outside the grid is ignored.
   void set_cell_text(int column, int row, const QString& text);
@@ -46,7 +47,7 @@ class CMultilineList final : public QTableView, public KeptText {
 
   QSize sizeHint() const override;
 
-  /// The widths of the columns, from which a stretched one grows.
+  /// The widths of the columns, from which a stretched one grows or shrinks.
   QString kept_text() const override;
   void take_kept(const QString& text) override;
 
