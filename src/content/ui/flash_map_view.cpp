@@ -82,8 +82,10 @@ void FlashMapView::paintEvent(QPaintEvent*) {
 
 void FlashMapView::paint_quarter(QPainter& painter, int quarter) const {
   const QRect whole = bar(quarter);
+  // Stands out from the base in dark colors too, where the shades of buttons do not.
+  const QColor faint = palette().color(QPalette::Disabled, QPalette::Text);
   painter.fillRect(whole, palette().color(QPalette::Base));
-  painter.fillRect(whole, QBrush(palette().color(QPalette::Mid), Qt::BDiagPattern));
+  painter.fillRect(whole, QBrush(faint, Qt::BDiagPattern));
   painter.setPen(palette().color(QPalette::WindowText));
   painter.drawText(0, whole.center().y() + fontMetrics().ascent() / 2,
                    offset_text(static_cast<std::size_t>(quarter) * kQuarter));
@@ -95,13 +97,13 @@ void FlashMapView::paint_quarter(QPainter& painter, int quarter) const {
     const QRect room = part(place.offset, place.size);
     if (place.filled > 0)
       painter.fillRect(part(place.offset, place.filled), palette().color(QPalette::Highlight));
-    painter.setPen(palette().color(QPalette::Dark));
+    painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawRect(room.adjusted(0, 0, -1, -1));
   }
   painter.setPen(palette().color(QPalette::WindowText));
   painter.drawText(whole.left(), whole.top() - kGap / 2 - fontMetrics().descent(),
                    fontMetrics().elidedText(text, Qt::ElideMiddle, whole.width()));
-  painter.setPen(palette().color(QPalette::Mid));
+  painter.setPen(faint);
   painter.drawRect(whole.adjusted(0, 0, -1, -1));
 }
 
