@@ -310,7 +310,8 @@ ValueMark ValueStates::mark_of(const FieldInfo& field, const ValueState& state) 
   const bool known = state.chip.how != Known::nothing;
   if (known) mark.chip = state.chip.number;
   mark.differs_from_chip = known && field.held_by_chip(*state.page) != state.chip.number;
-  mark.unsent = field.sendable() && (mark.differs_from_chip || (!known && state.touched));
+  mark.unsent =
+      field.sendable() && !field.saved_as_loaded && (mark.differs_from_chip || (!known && state.touched));
   mark.differs_from_file = state.file && field.kept_in_file() &&
                            field.held_by_file(*state.page) != field.held_by_file(*state.file);
   if (mark.any()) mark.others = other_values(field, state);

@@ -112,6 +112,8 @@ struct Field {
   int sent_by = kNowhere;
   /// True when the page's full save sends it.
   bool saved = false;
+  /// True when that save sends the number that was loaded, whatever the page shows: nothing sends another.
+  bool saved_as_loaded = false;
   const Encoding* as = &kPlain;
   /// Where file and reply differ from it.
   const Encoding* entry_as = nullptr;

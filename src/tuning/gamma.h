@@ -96,6 +96,7 @@ struct GammaPage {
                 .items = kGammaChannels,
                 .address = kGammaChannelRegister,
                 .saved = true,
+                .saved_as_loaded = true,
                 .as = &kGammaChannel});
     for (const GammaCurveId id : kEndGammaCurves) end_curve(id, values.curve(id), visit);
     front_curve(values.curve(GammaCurveId::front), visit);

@@ -170,6 +170,7 @@ TEST_F(ValueStatesTest, EveryFullSaveLeavesWhatTheChipThenReports) {
   gamma.start_save(host_.user, gamma.save());
   wire(9000);
   EXPECT_EQ(states_.state(states_.page_named("gamma"), 0).chip.number, 1) << "the channel that was loaded";
+  EXPECT_FALSE(states_.mark(states_.page_named("gamma"), 0).unsent) << "no save sends the chosen one";
 }
 
 TEST_F(ValueStatesTest, ARowOfTheMatrixIsOfItsModeAndLight) {
