@@ -1,7 +1,6 @@
 #include "base/utf8.h"
 
 #include <array>
-#include <cstddef>
 
 namespace qv5123 {
 namespace {
@@ -10,8 +9,9 @@ unsigned char byte_at(std::string_view text, std::size_t at) {
   return at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
 }
 
-/// Bytes of the character that the text begins with; 0 where it begins with none.
-std::size_t character_length(std::string_view text) {
+}  // namespace
+
+std::size_t utf8_length(std::string_view text) {
   constexpr std::array<char32_t, 5> kLowest{0, 0, 0x80, 0x800, 0x10000};
   const unsigned char first = byte_at(text, 0);
   if (first < 0x80) return 1;
@@ -26,12 +26,10 @@ std::size_t character_length(std::string_view text) {
   return character < kLowest[length] || surrogate || character > 0x10FFFF ? 0 : length;
 }
 
-}  // namespace
-
 std::string whole_utf8(std::string_view text) {
   std::string whole;
   while (!text.empty()) {
-    const std::size_t length = character_length(text);
+    const std::size_t length = utf8_length(text);
     whole += length > 0 ? text.substr(0, length) : "\xEF\xBF\xBD";
     text.remove_prefix(length > 0 ? length : 1);
   }

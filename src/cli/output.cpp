@@ -7,6 +7,7 @@
 #include "base/hex.h"
 #include "base/stop_requests.h"
 #include "base/text.h"
+#include "base/utf8.h"
 #include "cli/terminal.h"
 
 namespace qv5123 {
@@ -14,16 +15,6 @@ namespace {
 
 /// So long the line that the program ends with waits for who reads it.
 constexpr std::chrono::milliseconds kLastWords{1000};
-
-/// Bytes of the UTF-8 character that `text` begins with; of what is none, one.
-std::size_t character_size(std::string_view text) {
-  const auto first = static_cast<unsigned char>(text[0]);
-  const std::size_t size = first < 0xC2 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-  const std::string_view character = text.substr(0, size);
-  const auto others =
-      std::count_if(character.begin(), character.end(), [](char c) { return (c & 0xC0) == 0x80; });
-  return static_cast<std::size_t>(others) + 1 == size ? size : 1;
-}
 
 bool is_control(std::string_view character) {
   const auto code = static_cast<unsigned char>(character.back());
@@ -35,7 +26,8 @@ bool is_control(std::string_view character) {
 std::string without_controls(std::string_view utf8, const char* escape, std::size_t digits) {
   std::string text;
   while (!utf8.empty()) {
-    const std::string_view character = utf8.substr(0, character_size(utf8));
+    // What is no character goes byte by byte.
+    const std::string_view character = utf8.substr(0, std::max<std::size_t>(utf8_length(utf8), 1));
     if (is_control(character) && !utf8.starts_with("\r\n")) {
       text += escape + lower_hex(static_cast<unsigned char>(character.back()), digits);
     } else {
