@@ -63,14 +63,6 @@ void check_end(Chip& chip, const std::string& trouble) {
   if (!trouble.empty()) throw Complaint{ExitCode::negative, trouble};
 }
 
-std::string patches_text(const MeasuredColours& measured) {
-  std::string text;
-  for (const MeasuredColour& colour : measured)
-    text +=
-        std::to_string(colour[0]) + "," + std::to_string(colour[1]) + "," + std::to_string(colour[2]) + "\n";
-  return text;
-}
-
 void show_patches(Output& out, const MatrixDesk& desk) {
   out.result({{"patches", desk.values().measured}}, patches_text(desk.values().measured));
 }

@@ -27,7 +27,8 @@ std::vector<CsvLine> read_colours(const std::filesystem::path& path, std::size_t
   return lines;
 }
 
-std::string joined(const PerColour& colour) {
+template <class Colour>
+std::string joined(const Colour& colour) {
   return std::to_string(colour[0]) + "," + std::to_string(colour[1]) + "," + std::to_string(colour[2]) + "\n";
 }
 
@@ -39,6 +40,12 @@ MeasuredColours read_patches(const std::filesystem::path& path) {
   for (std::size_t i = 0; i < kPatches; ++i)
     for (std::size_t c = 0; c < 3; ++c) measured[i][c] = static_cast<std::uint32_t>(lines[i].values[c]);
   return measured;
+}
+
+std::string patches_text(const MeasuredColours& measured) {
+  std::string text;
+  for (const MeasuredColour& colour : measured) text += joined(colour);
+  return text;
 }
 
 std::vector<LensSample> read_samples(const std::filesystem::path& path, int width) {

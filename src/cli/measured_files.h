@@ -13,6 +13,7 @@ namespace qv5123 {
 
 /// 24 lines R,G,B, 0..65535; 0 is not measured.
 MeasuredColours read_patches(const std::filesystem::path& path);
+std::string patches_text(const MeasuredColours& measured);
 /// Lines x,R,G,B: x below `width`, colours 1..255.
 std::vector<LensSample> read_samples(const std::filesystem::path& path, int width);
 std::string samples_text(const std::vector<LensSample>& samples);
