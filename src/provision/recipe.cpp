@@ -14,7 +14,7 @@ constexpr std::uintmax_t kLargestRecipe = 1u << 20;
 std::optional<RegDescription> read_description(RecipeTable& table) {
   if (!table.has("description")) return std::nullopt;
   const RecipeFile file = table.read("description", RegDescription::kLargest);
-  RegDescription description = RegDescription::load(file.path, path_text(file.path));
+  RegDescription description = RegDescription::parse_file(file.bytes, path_text(file.path));
   if (!description.problem.empty()) table.refuse("description", description.problem);
   return description;
 }

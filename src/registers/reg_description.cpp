@@ -14,7 +14,7 @@ namespace {
 
 // The file's bytes as they are: no conversion, a byte-order mark is the first line's first character, an odd
 // last byte is dropped.
-std::u16string utf16_of(const std::string& bytes) {
+std::u16string utf16_of(std::string_view bytes) {
   std::u16string text(bytes.size() / 2, u'\0');
   for (std::size_t i = 0; i < text.size(); ++i) {
     const auto low = static_cast<unsigned char>(bytes[2 * i]);
@@ -134,11 +134,17 @@ int ParseRegAddress(std::u16string_view text) {
 RegDescription RegDescription::load(const std::filesystem::path& path, const std::string& name) {
   std::string bytes;
   const FileResult result = read_whole_file(path, bytes, kLargest);
-  if (result.ok() && bytes.size() >= 2) return parse(utf16_of(bytes), name);
+  if (result.ok()) return parse_file(bytes, name);
   std::error_code ignored;
-  const bool there = !result.ok() && std::filesystem::is_regular_file(path, ignored);
   RegDescription none;
-  none.problem = there ? result.text : kNotFound;
+  none.problem = std::filesystem::is_regular_file(path, ignored) ? result.text : kNotFound;
+  return none;
+}
+
+RegDescription RegDescription::parse_file(std::string_view bytes, const std::string& name) {
+  if (bytes.size() >= 2) return parse(utf16_of(bytes), name);
+  RegDescription none;
+  none.problem = kNotFound;
   return none;
 }
 

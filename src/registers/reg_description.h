@@ -98,6 +98,8 @@ struct RegDescription {
   /// it.
   static RegDescription load(const std::filesystem::path& path = "regu.xml",
                              const std::string& name = "regu.xml");
+  /// Reads what such a file holds; of less than two bytes it says kNotFound.
+  static RegDescription parse_file(std::string_view bytes, const std::string& name);
   /// Reads a file's text. More categories, registers or bit fields than above, or a register without `write`,
   /// end it with a problem that names the line; the registers before it are kept. A text that is too long is
   /// cut, with a remark.
