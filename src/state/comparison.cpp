@@ -12,10 +12,6 @@ namespace {
 
 constexpr std::array kPlaces{Place::page, Place::chip, Place::file, Place::other};
 
-std::string full_name(const Comparison& comparison, std::size_t value) {
-  return comparison.page_name(value) + "." + comparison.field(value).name;
-}
-
 /// The page's entry in a list that is filled page after page.
 PageValues& of_page(std::vector<PageValues>& pages, std::size_t page) {
   if (pages.empty() || pages.back().page != page) pages.push_back({page, {}});
@@ -24,7 +20,7 @@ PageValues& of_page(std::vector<PageValues>& pages, std::size_t page) {
 
 std::string sent_value_text(const Comparison& comparison, std::size_t value) {
   const std::string chip = comparison.text(value, Place::chip);
-  return full_name(comparison, value) + ": chip " + (chip.empty() ? "?" : chip) + ", page " +
+  return comparison.full_name(value) + ": chip " + (chip.empty() ? "?" : chip) + ", page " +
          comparison.text(value, Place::page);
 }
 
@@ -47,8 +43,8 @@ OtherValues values_in_journal(const ValueStates& states, const KnownValues& know
   OtherValues values{std::move(title), true, {}};
   for (std::size_t page = 0; page < states.pages(); ++page) {
     auto& of_page = values.numbers.emplace_back();
-    for (const FieldInfo& field : states.fields(page)) {
-      const auto found = known.find(states.page_name(page) + "." + field.name);
+    for (std::size_t i = 0; i < states.fields(page).size(); ++i) {
+      const auto found = known.find(states.full_name(page, i));
       of_page.push_back(found == known.end() ? std::nullopt : std::optional(found->second));
     }
   }
@@ -58,10 +54,9 @@ OtherValues values_in_journal(const ValueStates& states, const KnownValues& know
 Comparison::Comparison(const ValueStates& states) : source_(states) {
   for (std::size_t page = 0; page < states.pages(); ++page) {
     for (std::size_t i = 0; i < states.fields(page).size(); ++i) {
-      const FieldInfo& field = states.fields(page)[i];
+      const std::string caption = states.fields(page)[i].caption.caption();
       ids_.push_back({page, i});
-      searched_.push_back(
-          lower_case(states.page_name(page) + "." + field.name + " " + field.caption.caption()));
+      searched_.push_back(lower_case(states.full_name(page, i) + " " + caption));
     }
   }
   look_again();

@@ -67,6 +67,10 @@ class Comparison {
   const FieldInfo& field(std::size_t value) const;
   /// "awb".
   const std::string& page_name(std::size_t value) const;
+  /// "awb.a_slope".
+  std::string full_name(std::size_t value) const {
+    return source_.full_name(ids_[value].page, ids_[value].field);
+  }
   const ValueState& state(std::size_t value) const { return states_[ids_[value].page][ids_[value].field]; }
   /// Nothing where it is not known, or nobody keeps it there.
   std::optional<int> number(std::size_t value, Place place) const;

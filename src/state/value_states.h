@@ -67,6 +67,10 @@ class ValueStates final : public DeskWatcher {
   std::size_t page_named(std::string_view name) const;
   const std::string& page_name(std::size_t page) const { return pages_[page].name; }
   const std::vector<FieldInfo>& fields(std::size_t page) const { return pages_[page].model->fields(); }
+  /// "awb.a_slope": the names of a page and a field of it.
+  std::string full_name(std::size_t page, std::size_t field) const {
+    return page_name(page) + "." + fields(page)[field].name;
+  }
   /// The numbers of values that a model of the page kept.
   std::vector<int> numbers_of(std::size_t page, const std::any& kept) const;
   /// Null while the page was not opened.

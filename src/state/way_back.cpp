@@ -15,10 +15,6 @@ std::string number_text(std::optional<int> number) {
   return number ? std::to_string(*number) : "?";
 }
 
-std::string full_name(const ValueStates& states, std::size_t page, std::size_t field) {
-  return states.page_name(page) + "." + states.fields(page)[field].name;
-}
-
 std::string difference(const std::string& name, const WayBack::Value& value) {
   return name + ": chip " + number_text(value.chip) + ", then " + std::to_string(value.then);
 }
@@ -28,7 +24,7 @@ void add_page(const KnownValues& then, const ValueStates& states, std::size_t pa
   const std::vector<ValueState> now = states.states(page);
   for (std::size_t i = 0; i < now.size(); ++i) {
     const FieldInfo& field = states.fields(page)[i];
-    const std::string name = full_name(states, page, i);
+    const std::string name = states.full_name(page, i);
     const auto known = then.find(name);
     if (known == then.end()) continue;
     const WayBack::Value value{i, known_number(now[i].chip), known->second};
@@ -61,7 +57,7 @@ void add_neighbours(WayBack& way, WayBack::Page& page, const std::vector<WriteNo
   const std::vector<std::size_t> own = page.fields();
   for (const WriteNote::Value& value : sent) {
     if (std::find(own.begin(), own.end(), value.field) != own.end()) continue;
-    const std::string name = full_name(states, page.page, value.field);
+    const std::string name = states.full_name(page.page, value.field);
     const ValueState now = states.state(page.page, value.field);
     const std::optional<int> chip = known_number(now.chip);
     const FieldInfo& field = states.fields(page.page)[value.field];

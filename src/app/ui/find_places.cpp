@@ -118,7 +118,7 @@ void add_values(CQV5123View& view, std::vector<FindItem>& items) {
     for (std::size_t at = 0; at < values.fields(page).size(); ++at) {
       const FieldInfo& field = values.fields(page)[at];
       const QString caption = to_qt(field.caption.caption());
-      QString where = page_title(id) + ", " + to_qt(values.page_name(page) + "." + field.name);
+      QString where = page_title(id) + ", " + to_qt(values.full_name(page, at));
       if (field.address != Field::kNowhere)
         where += ", register 0x" + to_qt(upper_hex(static_cast<unsigned>(field.address)));
       items.push_back(
