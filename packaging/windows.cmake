@@ -1,7 +1,7 @@
 install(FILES ${QV5123_SAMPLES} DESTINATION .)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/resources/help DESTINATION .)
 install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION .)
-install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION . FILES_MATCHING PATTERN *.md PATTERN *.png)
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION . FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.html)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/licences.txt DESTINATION licences)
 
 # The full texts of what is linked in, as Debian has them.
