@@ -10,7 +10,7 @@
 #include <QTimer>
 
 #include "console/ui/qt_prompts.h"
-#include "reliability/ui/matrix_bench.h"
+#include "reliability/ui/real_program.h"
 
 namespace qv5123 {
 namespace {
@@ -93,10 +93,7 @@ TEST(PlainText, IsWhatTheFileChooserAsksBeforeItReplacesAFile) {
   const Flow flow([](QtPrompts& prompts, FileChoice choice) -> Task<> {
     co_await prompts.choose_save(std::move(choice));
   }(prompts, std::move(choice)));
-  QFileDialog* chooser = nullptr;
-  for (QWidget* window : QApplication::topLevelWidgets()) {
-    if (auto* dialog = qobject_cast<QFileDialog*>(window); dialog && dialog->isVisible()) chooser = dialog;
-  }
+  auto* chooser = test::visible<QFileDialog>();
   ASSERT_NE(chooser, nullptr);
   bool asked = false;
   QTimer::singleShot(0, chooser, [&] {

@@ -19,8 +19,7 @@ namespace qv5123::test {
 
 /// The main window with all its pages over a fake wire, in a folder with the sample description.
 struct WindowBench {
-  TemporaryFolder folder;
-  const std::filesystem::path before = std::filesystem::current_path();
+  CurrentFolder folder;
   FakeWire wire;
   FakePrompts user;
   InlineBackground work;
@@ -30,7 +29,6 @@ struct WindowBench {
 
   explicit WindowBench(QSize size = {1280, 770}) {
     std::filesystem::copy_file(source_folder() / "resources" / "regu.xml", folder.path() / "regu.xml");
-    std::filesystem::current_path(folder.path());
     view = new CQV5123View(wire.link, user, work, document, all_pages());
     frame = std::make_unique<CMainFrame>(view);
     frame->show();
@@ -38,10 +36,6 @@ struct WindowBench {
     frame->resize(size);
     QApplication::setActiveWindow(frame.get());
     QCoreApplication::processEvents();
-  }
-  ~WindowBench() {
-    frame.reset();
-    std::filesystem::current_path(before);
   }
 
   QWidget& choose(PageId id) {

@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <QFileDialog>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QSpinBox>
 #include <csignal>
 #include <filesystem>
@@ -16,8 +14,6 @@
 #include "reliability/ui/real_program.h"
 #include "support/program.h"
 #include "support/program_posix.h"
-#include "support/source_folder.h"
-#include "support/temporary_folder.h"
 
 namespace qv5123 {
 namespace {
@@ -41,16 +37,6 @@ CDlgFontMaker& font_of(test::RealProgram& program) {
   return page;
 }
 
-/// Waits for a box with these words in it and answers with Yes.
-void agree_to(const QString& words) {
-  const auto there = [&] {
-    auto* box = test::visible<QMessageBox>();
-    return box && box->text().contains(words) ? box : nullptr;
-  };
-  test::wait_until([&] { return there() != nullptr; });
-  there()->button(QMessageBox::Yes)->click();
-}
-
 /// The process that is killed. It edits two pages and goes on until then.
 TEST(Crash, DISABLED_Victim) {
   const fs::path folder = qEnvironmentVariable(kFolder).toStdString();
@@ -63,9 +49,7 @@ TEST(Crash, DISABLED_Victim) {
 }
 
 TEST(Crash, OfTheKilledProgramTheNextStartOffersWhatWasUnsaved) {
-  const test::CurrentFolder folder;
-  fs::copy(test::source_folder() / "resources/regu.xml", folder / "regu.xml");
-  fs::copy(test::source_folder() / "resources/sample.dat", folder / "board.dat");
+  const test::BoardFolder folder;
   const fs::path kept = Journal::slot_file(folder / "journal", 1);
   qputenv(kFolder, QByteArray::fromStdString((folder / "").string()));
   test::Program victim(QCoreApplication::applicationFilePath().toStdString(),
@@ -95,8 +79,8 @@ TEST(Crash, OfTheKilledProgramTheNextStartOffersWhatWasUnsaved) {
 
   EXPECT_EQ(font_of(next).editor().buffer().rows()[0], 0xFFFF);
   next.program->frame()->close();
-  agree_to("Do you want to save settings to file?");
-  agree_to("Glyph: 0x000 / 0 is drawn but not set.");
+  test::answer_box("Do you want to save settings to file?");
+  test::answer_box("Glyph: 0x000 / 0 is drawn but not set.");
   test::wait_until([&] { return next.ended == 0; });
   EXPECT_FALSE(fs::exists(Journal::slot_file(folder / "journal", 2))) << "saved at its end";
   EXPECT_EQ(read_setting_file(folder / "board.dat").image, next.view().unsaved().image);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QSettings>
 #include <QTimer>
 #include <filesystem>
@@ -14,6 +16,7 @@
 #include "reliability/ui/matrix_bench.h"
 #include "simulator/simulated_board.h"
 #include "support/poll_until.h"
+#include "support/source_folder.h"
 
 namespace qv5123::test {
 
@@ -42,6 +45,38 @@ inline void wait_for_the_end() {
   wait_until([] { return false; }, 2 * kInVain);
 }
 
+/// Waits for a box with these words in it and answers.
+inline void answer_box(const QString& words, QMessageBox::StandardButton button = QMessageBox::Yes) {
+  const auto there = [&] {
+    auto* box = visible<QMessageBox>();
+    return box && box->text().contains(words) ? box : nullptr;
+  };
+  wait_until([&] { return there() != nullptr; });
+  there()->button(button)->click();
+}
+
+/// The current folder, with the sample description and settings.
+struct BoardFolder : CurrentFolder {
+  BoardFolder() {
+    std::filesystem::copy(source_folder() / "resources/regu.xml", path() / "regu.xml");
+    std::filesystem::copy(source_folder() / "resources/sample.dat", path() / "board.dat");
+  }
+};
+
+/// All that the real program has, in a folder of its own. How the process ends is still to be said.
+inline qv5123::Program::Parts real_parts(const std::filesystem::path& folder,
+                                         std::unique_ptr<SerialDevice> device) {
+  qv5123::Program::Parts parts;
+  parts.device = std::move(device);
+  parts.pages = all_pages();
+  parts.fixed_port = PortSettings{};
+  parts.list_ports = [] { return std::vector<PortInfo>{}; };
+  parts.journal_folder = folder / "journal";
+  parts.end_patience = kInVain;
+  parts.report = [](const std::string&) {};
+  return parts;
+}
+
 /// The program on the simulated chip, all its threads included.
 struct RealProgram {
   std::filesystem::path folder;
@@ -53,20 +88,13 @@ struct RealProgram {
   explicit RealProgram(const std::filesystem::path& where, bool with_file) : folder(where) {
     ProgramOptions options;
     if (with_file) options.setting_file = folder / "board.dat";
-    qv5123::Program::Parts parts;
     auto made = std::make_unique<SimulatedBoard>();
     board = made.get();
-    parts.device = std::move(made);
-    parts.pages = all_pages();
-    parts.fixed_port = PortSettings{};
-    parts.list_ports = [] { return std::vector<PortInfo>{}; };
-    parts.journal_folder = folder / "journal";
+    qv5123::Program::Parts parts = real_parts(folder, std::move(made));
     // The real one does not return.
     parts.end_process = [this](int code) {
       if (ended < 0) ended = code;
     };
-    parts.end_patience = kInVain;
-    parts.report = [](const std::string&) {};
     program = std::make_unique<qv5123::Program>(options, AppSettings(store), std::move(parts));
     program->start();
     wait_until([this] { return program->frame() != nullptr; });

@@ -9,8 +9,6 @@
 #include "app/ui/session_end.h"
 #include "console/journal.h"
 #include "reliability/ui/real_program.h"
-#include "support/source_folder.h"
-#include "support/temporary_folder.h"
 
 namespace qv5123 {
 namespace {
@@ -29,9 +27,7 @@ bool chip_keeps(test::RealProgram& real) {
 }
 
 TEST(SessionEnd, ClosesTheSaveAndKeepsWhatIsUnsavedWithoutAQuestion) {
-  const test::CurrentFolder folder;
-  fs::copy(test::source_folder() / "resources/regu.xml", folder / "regu.xml");
-  fs::copy(test::source_folder() / "resources/sample.dat", folder / "board.dat");
+  const test::BoardFolder folder;
   test::RealProgram real(folder / "", true);
   real.wait_for_start();
   QObject owner;

@@ -113,15 +113,10 @@ TEST(Signals, DISABLED_Victim) {
   QSettings store(QString::fromStdString((folder / "settings.ini").string()), QSettings::IniFormat);
   ProgramOptions options;
   options.setting_file = folder / "board.dat";
-  Program::Parts parts;
-  parts.device = make_serial_device();
-  parts.pages = all_pages();
-  parts.fixed_port = PortSettings{};
+  Program::Parts parts = test::real_parts(folder, make_serial_device());
   parts.fixed_port->device = (folder / "chip").string();
-  parts.journal_folder = folder / "journal";
   parts.end_process = [](int code) { std::_Exit(code); };
-  parts.report = [](const std::string&) {};
-  if (!times_count()) parts.end_patience = test::kInVain;
+  if (times_count()) parts.end_patience = Program::Parts().end_patience;
   Program program(options, AppSettings(store), std::move(parts));
   program.start();
   test::wait_until([&] { return program.frame() != nullptr; });
