@@ -2,12 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "support/chip_talk.h"
-#include "support/desk_bench.h"
+#include "support/chip_desk_bench.h"
 #include "tuning/awb_desk.h"
 #include "tuning/gamma_desk.h"
 #include "tuning/lens_desk.h"
-#include "tuning/matrix_desk.h"
 
 namespace qv5123 {
 namespace {
@@ -138,18 +136,11 @@ TEST_F(UndoListTest, LoadsFitsAndPicksAreSteps) {
 }
 
 /// On a simulated chip whose lens and chart are measured.
-class UndoOfMeasurementsTest : public UndoListTest {
+class UndoOfMeasurementsTest : public test::OnAChip<UndoListTest> {
  protected:
   UndoOfMeasurementsTest() {
-    fake_.sender.chip = [this](const std::string& bytes) { fake_.receive(test::ask(chip_, bytes)); };
     matrix_.watch(states_);
     awb_.watch(states_);
-  }
-  void aim(const char* scene) {
-    CameraTruth truth;
-    set_noise(truth, "off");
-    chip_.set_camera(Camera(*scene_named(scene), truth));
-    chip_.look();
   }
   void calibrate(Answer answer) {
     host_.user.answers = {answer};
@@ -161,26 +152,18 @@ class UndoOfMeasurementsTest : public UndoListTest {
   void measure_chart() {
     matrix_.picker().click_switch(true);
     wire(3000);
-    for (const std::size_t patch : kCornerPatches) {
-      const PicturePoint at = patch_middle(*scene_named("chart"), patch);
-      matrix_.choose_patch(patch);
-      matrix_.picker().type_x(at.x);
-      matrix_.picker().type_y(at.y);
-      wire(2000);
-      matrix_.set_corner();
-    }
+    test::set_corners(matrix_, fake_, "chart");
     matrix_.measure_all();
     wire(30'000);
   }
 
-  test::ListeningChip chip_;
   std::shared_ptr<MeasuringBoard> board_ = std::make_shared<MeasuringBoard>();
   MatrixDesk matrix_{host_, image(), board_};
   AwbDesk awb_{host_, image(), board_};
 };
 
 TEST_F(UndoOfMeasurementsTest, ACalibrationTakenBackIsTakenBackOnTheChip) {
-  aim("flat-cos4");
+  aim("flat-cos4", "off");
   type(lens_, 0, 0x111);
   calibrate(Answer::yes);
   EXPECT_EQ(undo_.size(), 2u);
@@ -204,7 +187,7 @@ TEST_F(UndoOfMeasurementsTest, ACalibrationTakenBackIsTakenBackOnTheChip) {
 }
 
 TEST_F(UndoOfMeasurementsTest, ARatioMovedWhileTheParametersLeaveIsAStepOfItsOwn) {
-  aim("flat-cos4");
+  aim("flat-cos4", "off");
   host_.user.answers = {Answer::yes};
   lens_.picker().click_switch(true);
   wire(5000);
@@ -220,7 +203,7 @@ TEST_F(UndoOfMeasurementsTest, ARatioMovedWhileTheParametersLeaveIsAStepOfItsOwn
 }
 
 TEST_F(UndoOfMeasurementsTest, AChartIsOneStepThatTakesItsFitsAlong) {
-  aim("chart");
+  aim("chart", "off");
   measure_chart();
   EXPECT_EQ(matrix_.patches_left(), 1u);
   EXPECT_EQ(undo_.size(), 1u);

@@ -24,6 +24,16 @@ class DeskBench : public testing::Test {
       if (bytes == request) fake_.receive("~" + reply + "^");
     };
   }
+  /// From now on a chip is there whose picker reads 10, 20, 30 everywhere.
+  void answer_picker() {
+    fake_.sender.chip = [this](const std::string& bytes) {
+      if (bytes == "@940a*@9429*") fake_.receive("~05^");
+      if (bytes == "@940a*@9410*") fake_.receive("~03^");
+      if (bytes == "@940c*@943d*" || bytes == "@940c*@9492*") fake_.receive("~0a^");
+      if (bytes == "@940c*@943e*" || bytes == "@940c*@9496*") fake_.receive("~14^");
+      if (bytes == "@940c*@943f*" || bytes == "@940c*@949a*") fake_.receive("~1E^");
+    };
+  }
   /// The chip's answer to the load that was started.
   void answer_load(const std::string& reply) {
     fake_.advance(60);

@@ -81,18 +81,14 @@ TEST_F(AwbDeskTest, SavesTheChipsLinesAsTheyCame) {
 }
 
 TEST_F(AwbDeskTest, AMeasuredColourBecomesThePatchThatWasChosen) {
-  fake_.sender.chip = [this](const std::string& bytes) {
-    if (bytes == "@940c*@9492*") fake_.receive("~a0^");
-    if (bytes == "@940c*@9496*") fake_.receive("~B1^");
-    if (bytes == "@940c*@949a*") fake_.receive("~c2^");
-  };
+  answer_picker();
   desk_.choose_patch(20);
   desk_.get_color();
   desk_.choose_patch(3);
   EXPECT_EQ(wire(), "@940c*@9492*@940c*@9496*@940c*@949a*");
-  EXPECT_EQ(desk_.values().patches[20], (PatchColour{0xA0, 0xB1, 0xC2}));
+  EXPECT_EQ(desk_.values().patches[20], (PatchColour{10, 20, 30}));
   desk_.model().store(host_.doc.user_data);
-  EXPECT_EQ(host_.doc.user_data.word(274), 0xB1C2);
+  EXPECT_EQ(host_.doc.user_data.word(274), 0x141E);
 
   fake_.sender.chip = nullptr;
   desk_.get_color();

@@ -3,20 +3,14 @@
 #include <gmock/gmock.h>
 
 #include "base/hex.h"
-#include "support/chip_talk.h"
-#include "support/desk_bench.h"
-#include "tuning/matrix_desk.h"
+#include "support/chip_desk_bench.h"
 #include "tuning/matrix_diagnosis.h"
 
 namespace qv5123 {
 namespace {
 
+using test::middle_of;
 using testing::HasSubstr;
-
-PickerPosition middle_of(const char* scene, std::size_t patch) {
-  const PicturePoint middle = patch_middle(*scene_named(scene), patch);
-  return {middle.x, middle.y};
-}
 
 TEST(ChartRun, FindsAllPatchesFromTheFourAtTheCorners) {
   for (const char* scene : {"chart", "chart-turned", "chart-angle", "chart-turned-angle-720"}) {
@@ -36,32 +30,17 @@ TEST(ChartRun, FindsAllPatchesFromTheFourAtTheCorners) {
   }
 }
 
-class MatrixDeskOnAChip : public test::DeskBench {
+class MatrixDeskOnAChip : public test::OnAChip<> {
  protected:
-  MatrixDeskOnAChip() {
-    fake_.sender.chip = [this](const std::string& bytes) { fake_.receive(test::ask(chip_, bytes)); };
-  }
-  void aim(const char* scene) {
-    chip_.set_camera(Camera(*scene_named(scene)));
-    chip_.look();
-  }
   void set_corners(const char* scene) {
     desk_.picker().click_switch(true);
     wire(3000);
-    for (const std::size_t patch : kCornerPatches) {
-      desk_.choose_patch(patch);
-      const PickerPosition at = middle_of(scene, patch);
-      desk_.picker().type_x(at.x);
-      desk_.picker().type_y(at.y);
-      wire(2000);
-      desk_.set_corner();
-    }
+    test::set_corners(desk_, fake_, scene);
   }
   std::size_t measured() const {
     return static_cast<std::size_t>(std::ranges::count_if(desk_.values().measured, is_measured));
   }
 
-  test::ListeningChip chip_;
   MatrixDesk desk_{host_, host_.doc.user_data};
 };
 

@@ -4,8 +4,7 @@
 
 #include <cmath>
 
-#include "support/chip_talk.h"
-#include "support/desk_bench.h"
+#include "support/chip_desk_bench.h"
 #include "tuning/lens_desk.h"
 
 namespace qv5123 {
@@ -97,17 +96,9 @@ TEST(LensChecks, AFieldThatSaysNothingIsNotFlat) {
   EXPECT_FALSE(field_tells(field)) << "not the whole picture";
 }
 
-class LensDeskOnAChip : public test::DeskBench {
+class LensDeskOnAChip : public test::OnAChip<> {
  protected:
-  LensDeskOnAChip() {
-    fake_.sender.chip = [this](const std::string& bytes) { fake_.receive(test::ask(chip_, bytes)); };
-    aim("flat-cos4");
-  }
-  void aim(const char* scene) {
-    CameraTruth truth;
-    set_noise(truth, "off");
-    chip_.set_camera(Camera(*scene_named(scene), truth));
-  }
+  LensDeskOnAChip() { aim("flat-cos4", "off"); }
   /// What was sent to the registers of the parameters.
   std::string calibrated() {
     desk_.picker().click_switch(true);
@@ -118,7 +109,6 @@ class LensDeskOnAChip : public test::DeskBench {
     return at == std::string::npos ? std::string() : sent.substr(at, 72);
   }
 
-  test::ListeningChip chip_;
   LensDesk desk_{host_, host_.doc.user_data};
 };
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "support/chart_readings.h"
-#include "support/desk_bench.h"
+#include "support/chip_desk_bench.h"
 #include "support/page_reply.h"
 #include "support/traffic_text.h"
 
@@ -25,23 +25,11 @@ class MatrixDeskTest : public test::DeskBench {
       for (int column = 0; column < 3; ++column) texts.push_back(desk_.code_text(row, column));
     return texts;
   }
-  /// Plays a chip whose picker reads 10, 20, 30.
-  void answer_reads() {
-    fake_.sender.chip = [this](const std::string& bytes) {
-      if (bytes == "@940c*@943d*") fake_.receive("~0a^");
-      if (bytes == "@940c*@943e*") fake_.receive("~14^");
-      if (bytes == "@940c*@943f*") fake_.receive("~1E^");
-      if (bytes == "@940a*@9429*") fake_.receive("~05^");
-    };
-  }
-  void type_patches(std::uint32_t count) {
-    for (std::size_t patch = 0; patch < kPatches; ++patch)
-      for (std::size_t colour = 0; colour < 3; ++colour) desk_.type_patch(patch, colour, count);
-  }
-  void type_patches(const MeasuredColours& counts) {
-    for (std::size_t patch = 0; patch < kPatches; ++patch)
-      for (std::size_t colour = 0; colour < 3; ++colour)
-        desk_.type_patch(patch, colour, counts[patch][colour]);
+  void type_patches(const MeasuredColours& counts) { test::type_patches(desk_, counts); }
+  void type_greys() {
+    MeasuredColours greys;
+    greys.fill({100, 100, 100});
+    type_patches(greys);
   }
   const MeasuredColour& patch(std::size_t i) const { return desk_.values().measured[i]; }
 
@@ -49,7 +37,7 @@ class MatrixDeskTest : public test::DeskBench {
 };
 
 TEST_F(MatrixDeskTest, MeasuresPatchAfterPatch) {
-  answer_reads();
+  answer_picker();
   desk_.choose_manual_input(true);
   EXPECT_EQ(desk_.typing(), MatrixDesk::Typing::all);
   desk_.picker().click_switch(true);
@@ -85,7 +73,7 @@ TEST_F(MatrixDeskTest, MeasuresPatchAfterPatch) {
   desk_.get_color();
   fake_.advance(5000);
   EXPECT_EQ(host_.last_status(), "GET COLOR: the chip did not answer.");
-  answer_reads();
+  answer_picker();
   desk_.get_color();
   fake_.advance(2000);
   EXPECT_EQ(host_.last_status(), "GET COLOR: Purple(R,G,B) is 10, 20, 30") << "the failure is over";
@@ -100,7 +88,7 @@ TEST_F(MatrixDeskTest, CalculatesOnlyWithGrey) {
   ASSERT_EQ(host_.user.messages.size(), 1u);
   EXPECT_EQ(host_.user.messages[0].text, "Please get color of gray!");
 
-  type_patches(100);
+  type_greys();
   desk_.calculate(host_.user);
   EXPECT_EQ(host_.last_status(), "The measured patches do not determine a matrix.");
   EXPECT_THAT(codes(), Each("0x0000"));
@@ -121,7 +109,7 @@ TEST_F(MatrixDeskTest, CalculatesOnlyWithGrey) {
 }
 
 TEST_F(MatrixDeskTest, ARatioOutOfRangeIsRefusedAsAWhole) {
-  type_patches(100);
+  type_greys();
   desk_.type_ratio(0);
   desk_.type_ratio(150);
   desk_.calculate(host_.user);
@@ -227,7 +215,7 @@ TEST_F(MatrixDeskTest, AsksBeforeADoubtfulMatrixIsSentAndRefusesAnEmptyOne) {
 }
 
 TEST_F(MatrixDeskTest, AsksBeforeASaveTakesADoubtfulFitAlong) {
-  answer_reads();
+  answer_picker();
   image().mark_loaded();
   desk_.load_file();
   const auto saved = [this] {
@@ -311,7 +299,7 @@ TEST_F(MatrixDeskTest, LoadsFromTheChip) {
 }
 
 TEST_F(MatrixDeskTest, SavesAllMatricesAndEndsTheCapture) {
-  answer_reads();
+  answer_picker();
   for (int i = 0; i < 54; ++i) image().set_entry(382 + static_cast<std::size_t>(i), i);
   desk_.load_file();
   EXPECT_EQ(host_.last_status(), "Load File ok");
@@ -341,7 +329,7 @@ TEST_F(MatrixDeskTest, SavesAllMatricesAndEndsTheCapture) {
 }
 
 TEST_F(MatrixDeskTest, LeavesAChipWithItsPickerOffAtWhateverMoment) {
-  answer_reads();
+  answer_picker();
   const auto last_words = [this] { return bytes_of(desk_.leave()); };
   const std::string off = "@920a*@9220*@9390*@920a*@9229*@9305*@a001*@a101*";
   EXPECT_EQ(last_words(), "") << "never switched on";
@@ -370,7 +358,7 @@ TEST_F(MatrixDeskTest, LeavesAChipWithItsPickerOffAtWhateverMoment) {
 }
 
 TEST_F(MatrixDeskTest, APickerThatWasOnAsThePortWasLostIsSwitchedOffOnceItIsBack) {
-  answer_reads();
+  answer_picker();
   desk_.picker().click_switch(true);
   wire(3000);
   fake_.link.connection_changed();

@@ -3,11 +3,10 @@
 #include <algorithm>
 
 #include "support/chart_readings.h"
-#include "support/desk_bench.h"
+#include "support/chip_desk_bench.h"
 #include "support/traffic_text.h"
 #include "tuning/awb_desk.h"
 #include "tuning/lens_desk.h"
-#include "tuning/matrix_desk.h"
 
 namespace qv5123 {
 namespace {
@@ -19,27 +18,16 @@ constexpr char kOn[] =
     "@920c*@923a*@9302*@920c*@923b*@931c*@920c*@9238*@9303*@920c*@9239*@93c0*";
 constexpr char kOff[] = "@940a*@9429*@920a*@9220*@9390*@920a*@9229*@9305*@a001*@a101*";
 
+constexpr test::CornerPlaces kCorners{{{100, 100}, {1100, 100}, {1100, 700}, {100, 700}}};
+
 /// The three pages on a chip whose picker reads 10, 20, 30 everywhere.
 class MeasuringBoardTest : public test::DeskBench {
  protected:
-  MeasuringBoardTest() {
-    fake_.sender.chip = [this](const std::string& bytes) {
-      if (bytes == "@940a*@9429*") fake_.receive("~05^");
-      if (bytes == "@940a*@9410*") fake_.receive("~03^");
-      if (bytes == "@940c*@943d*" || bytes == "@940c*@9492*") fake_.receive("~0a^");
-      if (bytes == "@940c*@943e*" || bytes == "@940c*@9496*") fake_.receive("~14^");
-      if (bytes == "@940c*@943f*" || bytes == "@940c*@949a*") fake_.receive("~1E^");
-    };
-  }
+  MeasuringBoardTest() { answer_picker(); }
   /// The signal of the chip's picture: an item of "Video Mode".
   void load_file_with_mode(int mode) {
     image().set_entry(454, mode);
     image().mark_loaded();
-  }
-  void type_chart(const MeasuredColours& counts) {
-    for (std::size_t patch = 0; patch < kPatches; ++patch)
-      for (std::size_t colour = 0; colour < 3; ++colour)
-        matrix_.type_patch(patch, colour, counts[patch][colour]);
   }
 
   std::shared_ptr<MeasuringBoard> board_ = std::make_shared<MeasuringBoard>();
@@ -212,7 +200,7 @@ TEST_F(MeasuringBoardTest, AwbGoesOnFromPatchToPatch) {
   MeasuredColours counts = test::chart_readings("chart");
   counts[4] = {};
   counts[5] = {1, 2, 300};
-  type_chart(counts);
+  test::type_patches(matrix_, counts);
   awb_.take_from_matrix();
   EXPECT_EQ(host_.last_status(), "From LinearMatrix: 17 of 18 colors taken over.");
   EXPECT_EQ(awb_.values().patches[4], PatchColour{}) << "not measured there either";
@@ -244,14 +232,7 @@ TEST_F(MeasuringBoardTest, AwbMeasuresItsColorsFromTheCorners) {
   awb_.measure_all();
   EXPECT_EQ(host_.last_status(),
             "Measure 18: the chart's four corners are set on LinearMatrix, and are not yet.");
-  constexpr PickerPosition kCorners[] = {{100, 100}, {1100, 100}, {1100, 700}, {100, 700}};
-  for (std::size_t corner = 0; corner < 4; ++corner) {
-    matrix_.choose_patch(kCornerPatches[corner]);
-    matrix_.picker().type_x(kCorners[corner].x);
-    matrix_.picker().type_y(kCorners[corner].y);
-    wire(2000);
-    matrix_.set_corner();
-  }
+  test::set_corners(matrix_, fake_, kCorners);
   patch = 0;
   asked.clear();
   awb_.measure_all();
@@ -286,7 +267,6 @@ TEST_F(MeasuringBoardTest, PointingAtTheFourCornersSetsThem) {
   EXPECT_FALSE(matrix_.corners()[0]) << "nothing is measured yet";
   matrix_.picker().click_switch(true);
   wire(3000);
-  constexpr PickerPosition kCorners[] = {{100, 100}, {1100, 100}, {1100, 700}, {100, 700}};
   for (const PickerPosition& corner : kCorners) {
     board_->move_to(corner);
     wire();
@@ -302,7 +282,7 @@ TEST_F(MeasuringBoardTest, PointingAtTheFourCornersSetsThem) {
 
 TEST_F(MeasuringBoardTest, AnotherVideoModeThanTheChipsIsSaid) {
   load_file_with_mode(2);
-  type_chart(test::chart_readings("chart"));
+  test::type_patches(matrix_, test::chart_readings("chart"));
   matrix_.calculate(host_.user);
   const std::string other =
       "The chip's video mode is 2M PAL A_25fps: it uses the matrix of AHD, and this is that of TVI.";
