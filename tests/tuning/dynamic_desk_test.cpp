@@ -60,15 +60,7 @@ TEST_F(DynamicDeskTest, WhatIsSentBesideAValueIsAskedAboutWithoutAFile) {
   test::expect_controls_write_registers(desk_);
 }
 
-TEST_F(DynamicDeskTest, StepRowsAreCorrectedAndTold) {
-  type("tvi.iso.step0", 10);
-  for (const char* step : {"1", "2", "3", "4", "5"}) type((std::string("tvi.iso.step") + step).c_str(), 5);
-  set(DynamicControl::step_row, 0);
-  wire();
-  ASSERT_EQ(host_.user.messages.size(), 1u);
-  EXPECT_EQ(host_.user.messages[0].title, "ISO Control");
-  EXPECT_EQ(host_.user.messages[0].text, "At least must be equal or smaller than next step value.");
-  EXPECT_EQ(host_.user.messages[0].icon, Message::Icon::stop);
+TEST_F(DynamicDeskTest, StepRowsAreThoseOfTheModeOrOfTheIrLed) {
   desk_.choose_video_mode(3);
   EXPECT_EQ(desk_.cell(kRowContrast, 0), test::field_place(desk_, "cvbs.contrast.offset"));
   type("cvbs.contrast.offset", -16);
@@ -145,6 +137,8 @@ TEST_F(DynamicDeskTest, FullSaveTakesWhatIsTypedAndNotSet) {
   EXPECT_NE(sent.find("@4103*@4407*"), std::string::npos);
   ASSERT_EQ(host_.user.messages.size(), 1u);
   EXPECT_EQ(host_.user.messages[0].title, "NR Control");
+  EXPECT_EQ(host_.user.messages[0].text, "At least must be equal or smaller than next step value.");
+  EXPECT_EQ(host_.user.messages[0].icon, Message::Icon::stop);
   EXPECT_EQ(number("tvi.nr.step0"), 0) << "corrected";
   EXPECT_EQ(host_.last_status(), "AE_Tune Data Saving...") << "the chip is storing";
   fake_.advance(10000);

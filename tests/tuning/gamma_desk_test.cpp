@@ -131,23 +131,5 @@ TEST_F(GammaDeskTest, LoadsOnlyFromAnImageThatAFileWasReadInto) {
   EXPECT_EQ(stored.word(45), 500);
 }
 
-TEST_F(GammaDeskTest, SavesEverythingBetweenTheBrackets) {
-  image().mark_loaded();
-  image().set_entry(44, 2);
-  desk_.load_file();
-  desk_.choose_channel(GammaChannel::green);
-  type_point("b[21]", 0x2FE);
-  desk_.start_save(host_.user, desk_.save());
-  EXPECT_EQ(host_.last_status(), "Gamma Data Saving...");
-  fake_.advance(1000);
-  type_point("r[0]", 1);  // too late for this save
-  fake_.advance(10000);
-  ASSERT_EQ(fake_.sender.writes.size(), 2u + 66 + 1 + 2);
-  const std::string sent = wire();
-  EXPECT_EQ(sent.substr(0, 24), "@f901*@fa01*@0300*@0300*");
-  EXPECT_EQ(sent.substr(sent.size() - 30), "@0502*@05fe*@0602*@fa00*@f900*") << "the selection of the file";
-  EXPECT_EQ(host_.last_status(), "Gamma Save Done.");
-}
-
 }  // namespace
 }  // namespace qv5123

@@ -4,29 +4,11 @@
 
 #include <cmath>
 
-#include "support/traffic_text.h"
 #include "tuning/matrix_fit.h"
 #include "tuning/patch_report.h"
 
 namespace qv5123 {
 namespace {
-
-/// Tables whose bytes count up from 0x40 times the mode: high byte, low byte, then light source, then row.
-MatrixValues marked_values() {
-  MatrixValues values;
-  for (int mode = 0; mode < 4; ++mode) {
-    int next = 0x40 * mode;
-    for (auto& row : values.tables[mode]) {
-      for (MatrixCodes& codes : row) {
-        for (int& code : codes) {
-          code = kSigned16.decode(next * 256 + next + 1);
-          next += 2;
-        }
-      }
-    }
-  }
-  return values;
-}
 
 /// The chart through a sensor whose colours leak into one another; `level` counts for white.
 MeasuredColours leaking_chart(double level) {
@@ -42,17 +24,6 @@ MeasuredColours leaking_chart(double level) {
     }
   }
   return chart;
-}
-
-TEST(Matrix, FullSaveGoesThroughModesLightsAndRows) {
-  const std::string save = on_wire(matrix_full_save(marked_values()));
-  EXPECT_EQ(save.substr(0, (2 + 1 + 18 + 3) * 7),
-            "@f901*|@fa01*|@ca00*|@5200*|@5201*|@5202*|@5203*|@5204*|@5205*|@5506*|@"
-            "5507*|@5508*|@5509*|@550a*|"
-            "@550b*|@580c*|@580d*|@580e*|@580f*|@5810*|@5811*|@5312*|@5313*|@5314*|");
-  EXPECT_EQ(save.substr((2 + 55) * 7, 14), "@ca01*|@5240*|");
-  EXPECT_EQ(save.substr(save.size() - 21), "@5af5*|@fa00*|@f900*|");
-  EXPECT_EQ(save.size(), (2u + 4 * 55 + 2) * 7);
 }
 
 TEST(Matrix, CodesAreTwosComplement) {

@@ -33,13 +33,9 @@ TEST_F(AwbPage, SetLimitsALineThatIsMarkedUntilThen) {
   EXPECT_EQ(user_.find<QSpinBox>("F Intercept")->toolTip(), "-32768..32767 (256 is 1.0), register 0x16");
 }
 
-TEST_F(AwbPage, ButtonsDoWhatTheySay) {
-  user_.click("Load <- ISP");
-  answer_load("01020203fffefce0032101050106010704098000");
-  EXPECT_EQ(user_.number("F Intercept"), -32768);
-  user_.click("File/Flash Save");
+TEST_F(AwbPage, KeysSendWhatTheySay) {
   for (const char* key : {"None", "Set", "Check", "UP", "DOWN", "LEFT", "RIGHT"}) user_.click(key);
-  EXPECT_TRUE(wire(2000).starts_with("@3600*@3200*@3300*@3400*@0100*@0101*@0102*@0103*@f901*@fa01*@0d01*"));
+  EXPECT_EQ(wire(), "@3200*@3300*@3400*@0100*@0101*@0102*@0103*");
 }
 
 TEST_F(AwbPage, APatchChosenByAnAssistiveToolIsTheOneThatIsMeasured) {

@@ -50,6 +50,11 @@ TEST_F(FrontPage, ReadsTheChipWhenOpenedAndWhenChosenAgain) {
   EXPECT_EQ(user_.number("B(0~4095)"), 0xFFFF);
   EXPECT_EQ(user_.index("WDR State"), 2);
   EXPECT_EQ(user_.number("Delay"), 77) << "not part of the reply";
+  host_.doc.user_data.set_entry(457, 7);
+  page_.reload_from_user_data();
+  EXPECT_EQ(user_.number("Delay"), 7);
+  page_.save_to_user_data();
+  EXPECT_EQ(host_.doc.user_data.entry(582), 0) << "only the page's own buttons store";
 }
 
 TEST_F(FrontPage, IndexesThatNoListHasAreLeftUnselectedAndKept) {
@@ -103,18 +108,6 @@ TEST_F(FrontPage, ControlsStoreAndSend) {
   EXPECT_EQ(host_.user_data_writes, 0);
 }
 
-TEST_F(FrontPage, TooltipsTellRangeAndRegister) {
-  const std::map<const char*, const char*> tooltips{
-      {"Video Mode", "register 0x6E"},
-      {"Delay", "0..255, register 0x71"},
-      {"LED Dimmer S", "0..88, register 0x8D"},
-      {"Polarity -", "0, register 0xAA"},
-      {"Color Suppress", "0 or 128, register 0xAB"},
-      {"Load Isp", "Read the settings from the chip, register 0xBE"}};
-  for (const auto& [name, tooltip] : tooltips)
-    EXPECT_EQ(user_.find<QWidget>(name)->toolTip(), tooltip) << name;
-}
-
 TEST_F(FrontPage, TogglesSendWhatClicksSend) {
   load();
   constexpr const char* kFlags[] = {"Test Pattern", "Raw Data", "Gamma", "Brightness", "Sharpness",
@@ -142,36 +135,11 @@ TEST_F(FrontPage, TogglesSendWhatClicksSend) {
   }
   user_.click("Bit 1 = 1");
   EXPECT_EQ(wire(), "@9205*@9223*@93a7*");
+  user_.type("Bit editor address", "524");
+  EXPECT_FALSE(user_.checked("Bit 1 = 1") || user_.checked("Bit 1 = 0")) << "its bits are not known";
 }
 
-TEST_F(FrontPage, RadiosAreBlankWhileTheBitsAreUnknown) {
-  load();
-  const auto checked = [this] {
-    std::string bits;
-    for (int bit = 7; bit >= 0; --bit) {
-      const bool clear = user_.checked(QString("Bit %1 = 0").arg(bit));
-      const bool set = user_.checked(QString("Bit %1 = 1").arg(bit));
-      bits += clear == set ? '?' : set ? '1' : '0';
-    }
-    return bits;
-  };
-  EXPECT_EQ(checked(), "????????");
-  user_.click("Bit 7 = 1");
-  EXPECT_EQ(checked(), "????????") << "at address 000 they fall back";
-  answer("@9405*@9423*", "a5");
-  user_.find<QLineEdit>("Bit editor address")->setText("523");
-  user_.click("Get Info");
-  wire();
-  EXPECT_EQ(checked(), "10100101");
-  user_.click("Bit 1 = 1");
-  EXPECT_EQ(checked(), "10100111");
-  user_.find<QLineEdit>("Bit editor address")->setText("524");
-  EXPECT_EQ(checked(), "????????");
-  user_.click("Bit 1 = 0");
-  EXPECT_EQ(checked(), "????????");
-}
-
-TEST_F(FrontPage, RawAccess) {
+TEST_F(FrontPage, ToolsUseTheirFields) {
   load();
   user_.type("1Byte address", "A2c");
   user_.type("1Byte data", "3F");
@@ -186,12 +154,19 @@ TEST_F(FrontPage, RawAccess) {
   user_.type("Sensor data", "01F4");
   user_.click("Sensor Write");
   EXPECT_EQ(wire(), "@920a*@922c*@933f*@9501*@9523*@9645*@9667*@9830*@9812*@9901*@99f4*");
-  answer("@9409*@9422*", "12");
-  user_.type("1Byte address", "922");
+  answer("@940a*@942c*", "12");
   user_.click("Read(1Byte)");
   wire();
   EXPECT_EQ(user_.text("1Byte data"), "12");
-  EXPECT_EQ(user_.number("1Byte data spin"), 0x12);
+
+  reveal_service_area();
+  wire();
+  user_.choose("Userdata Title", 33);
+  user_.type("Userdata Value", "5E");
+  host_.user.answers = {Answer::yes};
+  user_.click("Userdata Set");
+  EXPECT_EQ(wire(), "@fa01*@bc00*@bc5e*@fa00*");
+  EXPECT_TRUE(console().endsWith("Contrast Knee Thr_L : 0x5E\n"));
   user_.type("Address Start", "A10");
   user_.type("Address End", "A11");
   user_.click("Dump");
@@ -235,22 +210,6 @@ TEST_F(FrontPage, MarksWhatWouldBeMisread) {
   EXPECT_TRUE(marked("B(0~4095)")) << "of what the chip reported, too";
 }
 
-TEST_F(FrontPage, ParametersAreSetInTheServiceArea) {
-  load();
-  EXPECT_FALSE(user_.find<QPlainTextEdit>("ISP tune console")->isVisible());
-  host_.doc.user_data.set_entry(553, 0xAB);
-  reveal_service_area();
-  wire();
-  EXPECT_TRUE(user_.find<QPlainTextEdit>("ISP tune console")->isVisible());
-  EXPECT_EQ(console(), "Outdoor In Threshold : 0xAB\n0 ");
-  user_.choose("Userdata Title", 33);
-  user_.type("Userdata Value", "5E");
-  host_.user.answers = {Answer::yes};
-  user_.click("Userdata Set");
-  EXPECT_EQ(wire(), "@fa01*@bc00*@bc5e*@fa00*");
-  EXPECT_TRUE(console().endsWith("Contrast Knee_Thr_L : 0x00\nContrast Knee Thr_L : 0x5E\n"));
-}
-
 TEST_F(FrontPage, ClosingThePageEndsWhatIsUnderWay) {
   user_.click("Get Info");
   user_.click("Read(1Byte)");
@@ -260,20 +219,6 @@ TEST_F(FrontPage, ClosingThePageEndsWhatIsUnderWay) {
   owned_.reset();
   fake_.advance(20000);
   EXPECT_EQ(host_.busy.back(), false);
-}
-
-TEST_F(FrontPage, FollowsALoadedFile) {
-  load();
-  user_.type("Delay", 77);
-  host_.doc.user_data.set_entry(457, 7);
-  page_.reload_from_user_data();
-  EXPECT_EQ(user_.number("Delay"), 7);
-  EXPECT_EQ(user_.number("LED Dimmer"), 200) << "which the chip has reported";
-  UserDataImage image;
-  page_.put_values(image);
-  page_.save_to_user_data();
-  EXPECT_EQ(image, UserDataImage()) << "only the page's own buttons store";
-  EXPECT_EQ(host_.doc.user_data.entry(582), 0);
 }
 
 TEST_F(FrontPage, AnotherPageEndsTheRegisterFileAndHidesTheServiceArea) {

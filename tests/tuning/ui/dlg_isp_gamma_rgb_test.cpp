@@ -44,8 +44,14 @@ TEST_F(GammaPage, ShowsAndSendsWhatIsTypedAndClicked) {
   user_.click("Load <- File");
   EXPECT_TRUE(user_.checked("Channel R"));
   EXPECT_EQ(point(1, "G")->value(), 0);
+  user_.click("Channel G");
   user_.click("File/Flash Save");
-  EXPECT_TRUE(wire(5000).starts_with("@f901*@fa01*"));
+  EXPECT_EQ(host_.last_status(), "Gamma Data Saving...");
+  const std::string saved = wire(12'000);
+  EXPECT_EQ(saved.size(), (2u + 2 * 66 + 1 + 2) * 6);
+  EXPECT_TRUE(saved.starts_with("@f901*@fa01*@0300*@0300*"));
+  EXPECT_TRUE(saved.ends_with("@0500*@0500*@0602*@fa00*@f900*")) << "the selection of the file";
+  EXPECT_EQ(host_.last_status(), "Gamma Save Done.");
 }
 
 TEST_F(GammaPage, FrontControlsHideBehindMoreAndTheRadioFallsBack) {

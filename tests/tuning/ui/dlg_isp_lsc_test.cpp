@@ -197,40 +197,27 @@ TEST_F(LensPage, WhatAChipSaysThatWasAwayIsNoReading) {
   EXPECT_TRUE(host_.user.messages.at(1).text.ends_with(kPickerChipWasAway));
 }
 
-TEST_F(LensPage, LoadsFromTheChip) {
-  user_.click("Load <- ISP");
-  answer_load("ffff02030405060708090aFFff");
-  EXPECT_EQ(wire(), "@6b00*");
-  EXPECT_EQ(host_.last_status(), "Load Isp ok");
-  EXPECT_EQ(parameters(), (std::vector<int>{4095, 0x203, 0x405, 0x607, 0x809, 0xAFF}));
-}
-
 TEST_F(LensPage, FlickerBoxesExcludeEachOther) {
   for (const char* box : {"NTSC", "PAL", "PAL"}) user_.click(box);
   EXPECT_FALSE(user_.checked("NTSC"));
   EXPECT_EQ(wire(), "@bd02*@bd01*@bd00*");
 }
 
-TEST_F(LensPage, SavesToFileAndChipAndComesBack) {
+TEST_F(LensPage, LoadsAndSaves) {
   user_.expect_named_controls();
-  for (int i = 0; i < 6; ++i) user_.type(kParameters[i], 0x101 * (i + 1));
-  user_.click("Parameter-1 S");
+  user_.click("Load <- ISP");
+  answer_load("ffff02030405060708090aFFff");
+  EXPECT_EQ(wire(), "@6b00*");
+  EXPECT_EQ(parameters(), (std::vector<int>{4095, 0x203, 0x405, 0x607, 0x809, 0xAFF}));
   user_.click("Parameter-2 S");
-  EXPECT_EQ(page_.findChild<QLabel*>("unread")->text(), "not read yet");
-  host_.user.answers = {Answer::yes};
   user_.click("File/Flash Save");
   fake_.advance(2000);
   EXPECT_EQ(fake_.sender.writes,
-            (std::vector<std::string>{"@6401*@6401*@6402*@6402*@6403*@6403*",
-                                      "@6504*@6504*@6505*@6505*@6506*@6506*", "@f901*", "@fa01*",
-                                      "@6401*@6401*", "@6402*@6402*", "@6403*@6403*", "@6504*@6504*",
-                                      "@6505*@6505*", "@6506*@6506*", "@fa00*", "@f900*"}));
+            (std::vector<std::string>{"@6b00*", "@6506*@6507*@6508*@6509*@650a*@65ff*", "@f901*", "@fa01*",
+                                      "@640f*@64ff*", "@6402*@6403*", "@6404*@6405*", "@6506*@6507*",
+                                      "@6508*@6509*", "@650a*@65ff*", "@fa00*", "@f900*"}));
   EXPECT_EQ(host_.last_status(), "File save done");
-  EXPECT_EQ(host_.written.word(450), 0x606);
-  user_.type("Parameter-2 BLUE", 1);
-  user_.click("Load <- File");
-  EXPECT_EQ(user_.number("Parameter-2 BLUE"), 0x606);
-  EXPECT_EQ(host_.last_status(), "Load File ok");
+  EXPECT_EQ(host_.written.word(450), 0xAFF);
 }
 
 TEST_F(LensPage, TheFieldIsCopiedAsNumbersAndSpreadFromItsLeastToItsMost) {
