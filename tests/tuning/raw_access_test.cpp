@@ -48,22 +48,19 @@ TEST(RawAccess, AnswersAreShownAsLines) {
 }
 
 TEST(ServiceGesture, OnlyTheWholeSequenceAtItsAddressReveals) {
-  const auto play = [](ServiceGesture& gesture) {
-    gesture.click(7, true);
-    gesture.click(0, true);
-    gesture.click(7, false);
-    gesture.click(3, true);
-    gesture.click(0, false);
-    gesture.click(3, false);
-  };
   ServiceGesture gesture;
+  const auto play = [&gesture] {
+    for (const auto& [bit, set] :
+         {std::pair(7, true), {0, true}, {7, false}, {3, true}, {0, false}, {3, false}})
+      gesture.click(bit, set);
+  };
   gesture.click(7, true);
-  play(gesture);
+  play();
   EXPECT_TRUE(gesture.get_info(0x5C1)) << "its first click may come twice";
   EXPECT_FALSE(gesture.get_info(0x5C1));
-  play(gesture);
+  play();
   EXPECT_FALSE(gesture.get_info(0x5C0));
-  play(gesture);
+  play();
   gesture.click(1, true);
   EXPECT_FALSE(gesture.get_info(0x5C1));
 }
