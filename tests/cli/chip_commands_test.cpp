@@ -161,14 +161,6 @@ TEST_F(CtlTest, RegistersByNameAndTheirChecks) {
             "qv5123ctl: bad.txt, line 2: \"0x5A\" is beyond its bits\n");
 }
 
-TEST_F(CtlTest, AfterTheMatrixSaveThePickerIsOff) {
-  copy_resource("sample.dat");
-  plug_in();
-  EXPECT_EQ(on_board({"page", "save", "matrix", "--from", "sample.dat"}).code, 0);
-  EXPECT_THAT(board->expect("@a101*"),
-              AllOf(HasSubstr("@fa00*\n@f900*\n@940a*\n@9429*\n"), HasSubstr("  ISP 0xFA20 <- 0x90\n")));
-}
-
 TEST_F(CtlTest, Downloads) {
   folder.write("fw.bin", std::string(1000, 'f'));
   copy_resource("sample.dat");

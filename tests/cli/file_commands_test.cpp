@@ -164,8 +164,7 @@ TEST_F(CtlTest, Computations) {
 
 /// Each on a chip of its own, which forgets what was done to it.
 TEST_F(CtlTest, CommandsToASimulatedChip) {
-  for (const char* name : {"sample.dat", "regu.xml"}) copy_resource(name);
-  folder.write("two.txt", "0xFA0A=0x77 //GAIN_MAX_H\r\n0xF123=0x01 //UNKNOWN\r\n");
+  copy_resource("regu.xml");
   folder.write("script.txt", "922,5A");
   folder.write("font.bin", std::string(300, 'f'));
   const struct {
@@ -173,15 +172,8 @@ TEST_F(CtlTest, CommandsToASimulatedChip) {
     const char* field;
     nlohmann::json value;
   } cases[] = {
-      {{"reg", "read", "0xF922"}, "/0/address", 0xF922},
-      {{"reg", "write", "--wide", "0x922", "0x5A5A"}, "/sent", 1},
       {{"reg", "save", "regs.txt", "--category", "Sensor interface"}, "/registers", 14},
-      {{"reg", "load", "two.txt"}, "/registers", 2},
-      {{"info", "awb"}, "/fields/task", "running"},
       {{"info", "awb"}, "/fields/R weight", 0},
-      {{"page", "show", "awb"}, "/values/awb.a_slope", -205},
-      {{"page", "save", "lsc", "--from", "sample.dat", "--verify"}, "/verified", 6},
-      {{"page", "diff", "gamma", "sample.dat"}, "/compared", 88},
       {{"download", "font", "font.bin", "--expect", "checksum ok"}, "/expected", true},
       {{"script", "script.txt"}, "/writes", 1},
   };

@@ -92,17 +92,6 @@ TEST_F(CtlTest, ParamSetSaysWhatTheChipDoesNotReport) {
   EXPECT_EQ(some.err, "1 value not reported by the chip\n2 values read back agree\n");
 }
 
-TEST_F(CtlTest, ParamSetDoesNotBelieveASingleAnswer) {
-  const std::vector<std::string> set{"param", "set", "awb.a_slope=5", "--repair", "5", "--json"};
-  for (const std::string seed : {"1", "2"}) {
-    plug_in({"--fault", "corrupt=0.01", "--seed", seed});
-    const auto on_bad_line = on_board(set);
-    EXPECT_EQ(on_bad_line.code, 0) << seed << on_bad_line.err;
-    EXPECT_EQ(on_bad_line.json()["verified"], 2);
-    board.reset();
-  }
-}
-
 TEST_F(CtlTest, WhatPageShowPrintsGoesIntoASettingFile) {
   copy_resource("sample.dat");
   for (const std::string page : {"front", "awb", "dynamic", "gamma", "matrix", "lsc"}) {

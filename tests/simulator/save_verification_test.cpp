@@ -215,22 +215,6 @@ class EveryPage : public SaveVerification, public testing::WithParamInterface<co
 INSTANTIATE_TEST_SUITE_P(SaveVerification, EveryPage, testing::ValuesIn(kTuningPages),
                          [](const auto& page) { return std::string(page.param); });
 
-TEST_P(EveryPage, IsRepairedOnALineThatLosesWrites) {
-  const auto desk = open(GetParam());
-  type_other_values(*desk);
-  int writes = 0;
-  loses_ = [&](const std::string& bytes) {
-    const bool is_bracket = bytes.starts_with("@f9") || bytes.starts_with("@fa");
-    return !is_bracket && writes++ % 4 == 0;
-  };
-  save_and_verify(*desk);
-  ASSERT_EQ(found_->end, End::differs) << text_;
-  loses_ = {};
-  repair(*desk);
-  EXPECT_EQ(found_->end, End::verified) << text_;
-  expect_saved(*desk, chip_.state().kept_data);
-}
-
 TEST_P(EveryPage, IsVerifiedOnALineThatLosesBytesAndNeverLies) {
   int verified = 0;
   for (std::uint64_t seed = 1; seed <= 4; ++seed) {
