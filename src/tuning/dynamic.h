@@ -52,7 +52,7 @@ struct AwbWeights {
   friend bool operator==(const AwbWeights&, const AwbWeights&) = default;
 };
 
-/// The first of three bytes that "Decision Value" is sent with. No page holds them.
+/// The first of three bytes that "Decision Value", the fourth, is sent with. No page holds them.
 inline constexpr std::size_t kDpcEntry = 475;
 
 inline constexpr int kMirror = 1;
@@ -295,7 +295,7 @@ struct DynamicPage {
                 .as = &kHueByte});
     visit.byte({"dpc_decision"}, values.dpc_decision,
                {.caption = {"Decision Value"},
-                .entry = 478,
+                .entry = static_cast<int>(kDpcEntry) + 3,
                 .reply = reply_byte(226),
                 .range = {1, 255},
                 .address = dynamic_register::kDpc,

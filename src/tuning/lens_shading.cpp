@@ -5,8 +5,8 @@
 namespace qv5123 {
 namespace {
 
-constexpr std::uint8_t kParameter1 = 0x64;
-constexpr std::uint8_t kParameter2 = 0x65;
+using namespace lens_register;
+
 constexpr std::uint8_t kFlickerMode = 0xBD;
 
 Batch row_batch(std::uint8_t address, const PerColour& row) {

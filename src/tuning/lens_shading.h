@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 #include "console/user_data_image.h"
 #include "link/register_write.h"
@@ -10,6 +11,12 @@
 #include "tuning/picker.h"
 
 namespace qv5123 {
+
+namespace lens_register {
+/// Takes a row of words: red, green, blue.
+inline constexpr std::uint8_t kParameter1 = 0x64;
+inline constexpr std::uint8_t kParameter2 = kParameter1 + 1;
+}  // namespace lens_register
 
 inline constexpr int kLensParameterMaximum = 4095;
 /// What the page calls the columns of its parameters.
@@ -73,7 +80,7 @@ struct LensPage {
                   .reply = 12 * place + 4 * c,
                   .range = {0, kLensParameterMaximum},
                   .unit = "(1024 is 1.0)",
-                  .address = 0x64 + place,
+                  .address = lens_register::kParameter1 + place,
                   .sent_by = static_cast<int>(control),
                   .saved = true,
                   .as = &kLensParameter});

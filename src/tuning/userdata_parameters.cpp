@@ -4,9 +4,12 @@
 
 #include "base/hex.h"
 #include "tuning/brackets.h"
+#include "tuning/dynamic.h"
 
 namespace qv5123 {
 namespace {
+
+using dynamic_register::kDpc;
 
 // A pair of ISO steps shares a byte, the first one in bits 7 to 4; _H and _L are the bytes of one word.
 constexpr std::array<UserdataParameter, kUserdataParameterCount> kParameters{{
@@ -29,9 +32,9 @@ constexpr std::array<UserdataParameter, kUserdataParameterCount> kParameters{{
     {"isp_APSA 0~1", "Isp_APSA [7:0], [7:4] = ISO 0, [3:0] = ISO 1 : 0x", 569, 0xB8, 569, 3},
     {"isp_APSA 2~3", "Isp_APSA [7:0], [7:4] = ISO 2, [3:0] = ISO 3 : 0x", 570, 0xB8, 569, 3},
     {"isp_APSA 4~5", "Isp_APSA [7:0], [7:4] = ISO 4, [3:0] = ISO 5 : 0x", 571, 0xB8, 569, 3},
-    {"DPC Alpha Adaptive", "DPC Alpha Adaptive : 0x", 475, 0x8C, 475, 4},
-    {"DPC Double Enable", "DPC Double Enable : 0x", 476, 0x8C, 475, 4},
-    {"DPC Double Weight", "DPC Double Weight : 0x", 477, 0x8C, 475, 4},
+    {"DPC Alpha Adaptive", "DPC Alpha Adaptive : 0x", kDpcEntry, kDpc, kDpcEntry, 4},
+    {"DPC Double Enable", "DPC Double Enable : 0x", kDpcEntry + 1, kDpc, kDpcEntry, 4},
+    {"DPC Double Weight", "DPC Double Weight : 0x", kDpcEntry + 2, kDpc, kDpcEntry, 4},
     {"LSC Dark Adaptive_H", "LSC Dark Adaptive_H : 0x", 452, 0x66, 452, 2},
     {"LSC Dark Adaptive_L", "LSC Dark Adaptive_L : 0x", 453, 0x66, 452, 2},
     {"Contrast Knee Point_H", "Contrast Knee Point_H : 0x", 572, 0xB9, 572, 2},
