@@ -54,6 +54,7 @@ struct AwbWeights {
 
 /// The first of three bytes that "Decision Value", the fourth, is sent with. No page holds them.
 inline constexpr std::size_t kDpcEntry = 475;
+inline constexpr char kDpcCaption[] = "Decision Value";
 
 inline constexpr int kMirror = 1;
 inline constexpr int kFlip = 2;
@@ -294,7 +295,7 @@ struct DynamicPage {
                 .saved = true,
                 .as = &kHueByte});
     visit.byte({"dpc_decision"}, values.dpc_decision,
-               {.caption = {"Decision Value"},
+               {.caption = {kDpcCaption},
                 .entry = static_cast<int>(kDpcEntry) + 3,
                 .reply = reply_byte(226),
                 .range = {1, 255},

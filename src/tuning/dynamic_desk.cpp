@@ -39,7 +39,7 @@ void DynamicDesk::choose_source(std::size_t source) {
 
 void DynamicDesk::move_light_source_bar(int bar) {
   view().take_typed();
-  const Changing change(*this, DeskChange::Kind::typed, "Light source Sum");
+  const Changing change(*this, DeskChange::Kind::typed, name_of(DynamicControl::light_source, source_));
   LightSource& record = values_.light_sources[source_];
   record = light_source_from_bar(bar, record);
   view().show_values();
@@ -72,7 +72,7 @@ void DynamicDesk::show_bank() {
 
 void DynamicDesk::turn(int flags, bool on, PageHost& files) {
   view().take_typed();
-  const Changing change(*this, DeskChange::Kind::typed, "Mirror/Flip");
+  const Changing change(*this, DeskChange::Kind::typed, name_of(DynamicControl::orientation));
   values_.orientation = (on ? values_.orientation | flags : values_.orientation & ~flags) & (kMirror | kFlip);
   view().show_values();
   model().store_field(field(values_.orientation), image());
@@ -83,7 +83,7 @@ Task<> DynamicDesk::send_orientation(PageHost& files) {
   Traffic traffic = orientation_traffic(values_);
   std::vector<WriteNote::Value> values = control_values(control_number(DynamicControl::orientation));
   co_await files.write_user_data_file();
-  send_noted("Mirror/Flip", std::move(traffic), std::move(values));
+  send_noted(name_of(DynamicControl::orientation), std::move(traffic), std::move(values));
 }
 
 void DynamicDesk::set(DynamicControl control, std::size_t index, Prompts& prompts) {
@@ -115,7 +115,7 @@ Task<> DynamicDesk::set_dpc(Prompts& prompts) {
   const bool wanted = co_await agreed(prompts, unread_dpc());
   if (!wanted) co_return;
   view().take_typed();
-  send_control("Decision Value", control_number(DynamicControl::dpc_decision));
+  send_control(kDpcCaption, control_number(DynamicControl::dpc_decision));
 }
 
 Task<> DynamicDesk::set_gain(std::size_t number, Prompts& prompts) {

@@ -72,7 +72,7 @@ class DynamicDesk final : public PageDesk<DynamicPage> {
   Task<> set_dpc(Prompts& prompts);
   std::string unread_dpc() const;
   /// What the button of a control says that it sets.
-  std::string name_of(DynamicControl control, std::size_t index) const;
+  std::string name_of(DynamicControl control, std::size_t index = 0) const;
   void set_step_row(std::size_t bank, std::size_t row, Prompts& prompts);
   Task<> tell(std::vector<StepMessage> messages, Prompts& prompts);
 

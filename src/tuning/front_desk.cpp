@@ -18,8 +18,9 @@ void FrontDesk::note_file() {
 }
 
 std::string FrontDesk::unread_names() const {
-  if (delay_known_) return ir_known_ ? "" : "IR On/Off";
-  return ir_known_ ? "Delay" : "Delay, IR On/Off";
+  const std::string delay = delay_known_ ? "" : name_of(FrontControl::delay);
+  const std::string ir = ir_known_ ? "" : name_of(FrontControl::ir_on_off);
+  return delay + (delay.empty() || ir.empty() ? "" : ", ") + ir;
 }
 
 std::string FrontDesk::unread() const {
@@ -76,7 +77,7 @@ void FrontDesk::set_polarity(int polarity) {
   // Before the values are shown again, which would undo what is being typed elsewhere.
   view().take_typed();
   {
-    const Changing change(*this, DeskChange::Kind::typed, "Polarity");
+    const Changing change(*this, DeskChange::Kind::typed, name_of(FrontControl::polarity));
     values_.polarity = polarity;
   }
   view().show_values();
@@ -98,7 +99,7 @@ Task<> FrontDesk::write_and_send(PageHost& files, Traffic traffic, std::vector<W
 
 void FrontDesk::limit_dimmer() {
   if (values_.led_dimmer <= kLedDimmerLimit) return;
-  const Changing change(*this, DeskChange::Kind::computed, "LED Dimmer");
+  const Changing change(*this, DeskChange::Kind::computed, name_of(FrontControl::led_dimmer));
   values_.led_dimmer = kLedDimmerLimit;
   view().show_values();
 }

@@ -67,7 +67,8 @@ Traffic LensDesk::control_traffic(int control) const {
 
 void LensDesk::send_row(LensControl row) {
   view().take_typed();
-  send_control(row == LensControl::parameter1 ? "Parameter-1" : "Parameter-2", static_cast<int>(row));
+  const PerColour& sent = row == LensControl::parameter1 ? values_.parameter1 : values_.parameter2;
+  send_control(info(sent[0]).caption.words[0], static_cast<int>(row));
 }
 
 void LensDesk::move_ratio(int ratio) {

@@ -84,7 +84,7 @@ std::string parameter_others(std::size_t row, const UserDataImage& image) {
     const auto* known = std::find_if(kParameters.begin(), kParameters.end(),
                                      [entry](const UserdataParameter& p) { return p.entry == entry; });
     // The last of the DPC group has a page of its own.
-    const std::string name = known != kParameters.end() ? known->name : "Decision Value";
+    const std::string name = known != kParameters.end() ? known->name : kDpcCaption;
     lines += name + " = 0x" + upper_hex(image.entry(entry)) + "\n";
   }
   return lines;

@@ -70,8 +70,9 @@ QWidget* CDlgIspFront::make_video_group() {
   QGridLayout* grid = tight_grid(group);
   add_list(grid, 0, values.video_mode);
   add_list(grid, 1, values.colour_order);
-  const QString order = register_text(desk_.info(values.colour_order).address);
-  grid->addWidget(make_set_button("S", "RGB Order", "Keep the order in the user data, " + order,
+  const FieldInfo& order = desk_.info(values.colour_order);
+  grid->addWidget(make_set_button("S", order.caption.words[0],
+                                  "Keep the order in the user data, " + register_text(order.address),
                                   [this] { desk_.keep_colour_order(); }),
                   1, 2);
   add_number(grid, 2, values.led_dimmer);
@@ -87,7 +88,7 @@ QWidget* CDlgIspFront::make_tdn_group() {
   tdn_mode_ = add_list(grid, 0, values.tdn_mode, "Mode");
   add_number(grid, 1, values.delay);
   add_number(grid, 2, values.ir_on_off);
-  grid->addWidget(new QLabel("Polarity"), 3, 0);
+  grid->addWidget(new QLabel(desk_.info(values.polarity).caption.words[0]), 3, 0);
   grid->addLayout(make_polarity_row(), 3, 1);
   return group;
 }

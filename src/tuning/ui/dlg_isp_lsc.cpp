@@ -77,20 +77,21 @@ QWidget* CDlgIspLSC::make_parameter_group() {
   auto* grid = new QGridLayout;
   grid->setHorizontalSpacing(4);
   for (int c = 0; c < 3; ++c) grid->addWidget(new QLabel(kLensColours[c]), 0, c + 1, Qt::AlignCenter);
-  add_parameter_row(grid, 1, "Parameter-1", desk_.values().parameter1, LensControl::parameter1);
-  add_parameter_row(grid, 2, "Parameter-2", desk_.values().parameter2, LensControl::parameter2);
+  add_parameter_row(grid, 1, desk_.values().parameter1, LensControl::parameter1);
+  add_parameter_row(grid, 2, desk_.values().parameter2, LensControl::parameter2);
   column->addLayout(grid);
   return group;
 }
 
-void CDlgIspLSC::add_parameter_row(QGridLayout* grid, int row, const QString& caption,
-                                   const PerColour& parameter, LensControl control) {
+void CDlgIspLSC::add_parameter_row(QGridLayout* grid, int row, const PerColour& parameter,
+                                   LensControl control) {
+  const FieldInfo& red = desk_.info(parameter[0]);
+  const char* caption = red.caption.words[0];
   grid->addWidget(new QLabel(caption), row, 0);
   for (int c = 0; c < 3; ++c) grid->addWidget(edits_.number(desk_.field(parameter[c])), row, c + 1);
-  grid->addWidget(
-      make_set_button("S", caption, "Sends the row, " + register_text(desk_.info(parameter[0]).address),
-                      [this, control] { desk_.send_row(control); }),
-      row, 4);
+  grid->addWidget(make_set_button("S", caption, "Sends the row, " + register_text(red.address),
+                                  [this, control] { desk_.send_row(control); }),
+                  row, 4);
 }
 
 QWidget* CDlgIspLSC::make_ratio_row() {

@@ -28,8 +28,7 @@ class CDlgIspLSC : public TuningDialog, private LensDesk::View {
   PickerBox* make_picker();
   QString parameter_registers() const;
   QWidget* make_parameter_group();
-  void add_parameter_row(QGridLayout* grid, int row, const QString& caption, const PerColour& parameter,
-                         LensControl control);
+  void add_parameter_row(QGridLayout* grid, int row, const PerColour& parameter, LensControl control);
   QWidget* make_ratio_row();
   QWidget* make_flicker_group();
   QWidget* make_log_row();
