@@ -1,3 +1,5 @@
+#include <array>
+
 #include "provision/recipe.h"
 #include "tuning/lens_fit.h"
 #include "tuning/tuning_pages.h"
@@ -12,7 +14,8 @@ constexpr milliseconds kRead{70};    // a request and its answer
 constexpr milliseconds kStart{500};  // a letter, a header, a checksum, an answer
 constexpr int kBytesPerSecond = 1920;
 /// Of a full save and its read-back, by page: front, awb, dynamic, gamma, matrix, lsc.
-constexpr int kSaveSeconds[] = {5, 2, 12, 8, 16, 2};
+constexpr std::array<int, std::size(kTuningPages)> kSaveSeconds{5, 2, 12, 8, 16, 2};
+static_assert(kSaveSeconds.back() > 0, "every page has its time");
 
 milliseconds image_time(std::size_t bytes) {
   return kStart + milliseconds(bytes * 1000 / kBytesPerSecond);

@@ -15,6 +15,7 @@ namespace {
 /// What the menu calls the pages, in the order of kTuningPages.
 constexpr std::array<const char*, std::size(kTuningPages)> kTitles{
     "ISPTune", "AWBTune", "DynamicControl", "Gamma", "LinearMatrix", "LSC"};
+static_assert(kTitles.back() != nullptr, "every page has its title");
 
 const char* known_text(const FieldInfo& field, Known how) {
   switch (how) {

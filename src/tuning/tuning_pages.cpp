@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <iterator>
 #include <stdexcept>
 #include <type_traits>
@@ -39,6 +40,9 @@ constexpr PageMaker maker() {
 constexpr std::array kMakers{maker<FrontPage, FrontDesk>(),     maker<AwbPage, AwbDesk>(),
                              maker<DynamicPage, DynamicDesk>(), maker<GammaPage, GammaDesk>(),
                              maker<MatrixPage, MatrixDesk>(),   maker<LensPage, LensDesk>()};
+
+static_assert(std::ranges::equal(kMakers, kTuningPages, std::equal_to<std::string_view>(), &PageMaker::name),
+              "the names in their order");
 
 const PageMaker& maker_of(std::string_view name) {
   const auto found = std::ranges::find(kMakers, name, &PageMaker::name);
