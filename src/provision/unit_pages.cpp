@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "provision/desk_measurements.h"
 #include "provision/unit.h"
+#include "tuning/brackets.h"
 #include "tuning/tuning_pages.h"
 
 namespace qv5123 {
@@ -10,8 +11,8 @@ namespace qv5123 {
 /// The chip is not left in the middle of a save that was given up.
 Task<> Unit::end_stopped_save() {
   if (!stopped_) co_return;
-  co_await send(Batch(1, RegisterWrite{reg::kKeepBracket, 0}));
-  co_await send(Batch(1, RegisterWrite{reg::kSaveBracket, 0}));
+  const Traffic closing = closing_pair();
+  for (const Batch& flush : closing) co_await send(flush);
   throw StepFailed{"Interrupted: the chip has only a part of the page"};
 }
 

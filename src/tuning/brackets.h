@@ -16,12 +16,18 @@ inline Traffic kept(Traffic block) {
   return traffic;
 }
 
-/// A page's save on the chip: `body` between the opening writes 0xF9 = 1, 0xFA = 1 and the closing writes
-/// 0xFA = 0, 0xF9 = 0, each of the four a flush of its own.
+/// The closing writes of a page's save, 0xFA = 0, 0xF9 = 0, each a flush of its own. A bracket that is closed
+/// twice does no harm.
+inline Traffic closing_pair() {
+  return flushed_singly({{reg::kKeepBracket, 0}, {reg::kSaveBracket, 0}});
+}
+
+/// A page's save on the chip: `body` between the opening writes 0xF9 = 1, 0xFA = 1, each a flush of its own,
+/// and closing_pair().
 inline Traffic saved(Traffic body) {
   Traffic traffic = flushed_singly({{reg::kSaveBracket, 1}, {reg::kKeepBracket, 1}});
   append(traffic, std::move(body));
-  append(traffic, flushed_singly({{reg::kKeepBracket, 0}, {reg::kSaveBracket, 0}}));
+  append(traffic, closing_pair());
   return traffic;
 }
 

@@ -6,6 +6,7 @@
 #include "app/ui/page_area.h"
 #include "app/ui/qv5123_view.h"
 #include "base/ui/qt_text.h"
+#include "tuning/brackets.h"
 
 namespace qv5123 {
 namespace {
@@ -135,8 +136,8 @@ Task<bool> CQV5123View::interrupt_with(Traffic last) {
   Traffic traffic = link_.closing_brackets();
   if (busy_ && link_.jobs_waiting() > 0) {
     link_.cancel_running_job();
-    // Whatever it still opens. A bracket that is closed twice does no harm.
-    traffic = flushed_singly({{reg::kKeepBracket, 0}, {reg::kSaveBracket, 0}});
+    // Whatever it still opens.
+    traffic = closing_pair();
   }
   append(traffic, std::move(last));
   if (traffic.empty()) co_return true;
