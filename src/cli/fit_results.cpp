@@ -1,13 +1,9 @@
 #include "cli/fit_results.h"
 
-#include <array>
-
 #include "cli/numbers.h"
 
 namespace qv5123 {
 namespace {
-
-constexpr std::array<const char*, 3> kColours{"R", "G", "B"};
 
 Json json_of(const DifferenceSummary& summary) {
   return {{"mean", summary.mean}, {"median", summary.median}, {"worst", summary.worst}};
@@ -43,7 +39,7 @@ std::string matrix_text(const MatrixFit& fit, const PatchReport& report) {
   std::string text;
   for (std::size_t r = 0; r < kMatrixRows; ++r) {
     const auto& row = fit.coefficients[r];
-    text += std::string(kColours[r]) + ":";
+    text += std::string(kColourNames[r]) + ":";
     for (const float coefficient : row) text += " " + fixed(coefficient, 6);
     for (const float coefficient : row) text += " " + matrix_code_text(coefficient);
     text += "\n";
@@ -84,7 +80,7 @@ Json lens_json(const LensCentre& centre, const LensFit& fit) {
 std::string lens_text(const LensCentre& centre, const LensFit& fit) {
   std::string text = "centre: " + std::to_string(centre.x) + "\n";
   for (std::size_t c = 0; c < 3; ++c) {
-    text += std::string(kColours[c]) + ": peak " + std::to_string(centre.peak[c]) + " at " +
+    text += std::string(kColourNames[c]) + ": peak " + std::to_string(centre.peak[c]) + " at " +
             std::to_string(centre.peak_x[c]) + ", a " + fixed(fit.a[c], 6) + ", b " + fixed(fit.b[c], 6) +
             ", parameter1 " + std::to_string(fit.parameter1[c]) + ", parameter2 " +
             std::to_string(fit.parameter2[c]) + "\n";

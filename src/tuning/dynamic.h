@@ -172,9 +172,7 @@ struct DynamicPage {
                 .saved = true});
     for (std::size_t bank = 0; bank < kStepBanks; ++bank)
       for (std::size_t row = 0; row < kStepRows; ++row) step_row(bank, row, values.banks[bank][row], visit);
-    light("outdoor", 0, values, visit);
-    light("light1", 1, values, visit);
-    light("light2", 2, values, visit);
+    for (std::size_t source = 0; source < kLightSources; ++source) light(source, values, visit);
     single_values(values, visit);
   }
 
@@ -237,7 +235,8 @@ struct DynamicPage {
   }
 
   template <class V, class Visitor>
-  static constexpr void light(const char* name, std::size_t source, V& values, Visitor& visit) {
+  static constexpr void light(std::size_t source, V& values, Visitor& visit) {
+    const char* name = kLightSourceKeys[source];
     record(name, source, values.light_sources[source], visit);
     visit.byte({name, "saturation"}, values.saturation[source],
                {.caption = {"Saturation"},

@@ -9,6 +9,7 @@
 #include "link/register_write.h"
 #include "tuning/desk_texts.h"
 #include "tuning/field_visitors.h"
+#include "tuning/picker.h"
 
 namespace qv5123 {
 
@@ -113,10 +114,9 @@ struct GammaPage {
  private:
   template <class Curve, class Visitor>
   static constexpr void end_curve(GammaCurveId id, Curve& curve, Visitor& visit) {
-    constexpr std::array<const char*, 3> kNames{"r", "g", "b"};
     const int place = static_cast<int>(id);
     for (int i = 0; i < static_cast<int>(kGammaPoints); ++i)
-      visit.word(Words(kNames[place]).at(i), curve[i],
+      visit.word(Words(kColourKeys[place]).at(i), curve[i],
                  {.caption = caption(id, i),
                   .entry = 45 + 44 * place + 2 * i,
                   .reply = 88 + 88 * place + 4 * i,

@@ -72,9 +72,8 @@ struct LensPage {
   template <class Row, class Visitor>
   static constexpr void row(const char* name, const char* caption, Row& row, int place, LensControl control,
                             Visitor& visit) {
-    constexpr std::array kNames{"r", "g", "b"};
     for (int c = 0; c < 3; ++c)
-      visit.word({name, kNames[c]}, row[c],
+      visit.word({name, kColourKeys[c]}, row[c],
                  {.caption = {caption, kLensColours[c]},
                   .entry = 440 + 6 * place + 2 * c,
                   .reply = 12 * place + 4 * c,

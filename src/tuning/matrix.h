@@ -126,10 +126,7 @@ struct MatrixPage {
     }
   }
   static constexpr Words name(const Place& place) {
-    constexpr std::array<const char*, kVideoModes> kModes{"tvi", "ahd", "cvi", "cvbs"};
-    constexpr std::array<const char*, kLightSources> kLights{"outdoor", "light1", "light2"};
-    constexpr std::array<const char*, kMatrixRows> kRows{"r", "g", "b"};
-    return {kModes[place.mode], kLights[place.light], kRows[place.row]};
+    return {kVideoModeKeys[place.mode], kLightSourceKeys[place.light], kColourKeys[place.row]};
   }
 };
 static_assert(fields_hold<MatrixPage>());

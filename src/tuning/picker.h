@@ -13,6 +13,9 @@ inline constexpr int kPickerMaximumY = 1535;
 
 /// A number for red, green and blue.
 using PerColour = std::array<int, 3>;
+inline constexpr std::array<const char*, 3> kColourNames{"R", "G", "B"};
+/// In the names of values.
+inline constexpr std::array<const char*, 3> kColourKeys{"r", "g", "b"};
 
 /// Counts from which on a reading of the picker is clipped.
 inline constexpr int kClippedCounts = 251;

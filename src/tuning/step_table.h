@@ -8,6 +8,7 @@
 
 #include "link/register_write.h"
 #include "tuning/field.h"
+#include "tuning/video_mode.h"
 
 /// "Image Tune by ISO_step": six image parameters over an offset column and six ISO steps, once per bank.
 namespace qv5123 {
@@ -31,11 +32,12 @@ struct BankPlace {
   /// First of 42 entries of the user data image, row by row.
   int first_entry;
 };
-inline constexpr std::array<BankPlace, kStepBanks> kStepBankPlaces{{{"tvi", "TVI", 0x42, 292},
-                                                                    {"ir_led", "IR-LED", 0x48, 334},
-                                                                    {"cvbs", "CVBS", 0xC3, 592},
-                                                                    {"ahd", "AHD", 0xCE, 707},
-                                                                    {"cvi", "CVI", 0xD4, 803}}};
+inline constexpr std::array<BankPlace, kStepBanks> kStepBankPlaces{
+    {{kVideoModeKeys[kTvi], kVideoModeNames[kTvi], 0x42, 292},
+     {"ir_led", "IR-LED", 0x48, 334},
+     {kVideoModeKeys[kCvbs], kVideoModeNames[kCvbs], 0xC3, 592},
+     {kVideoModeKeys[kAhd], kVideoModeNames[kAhd], 0xCE, 707},
+     {kVideoModeKeys[kCvi], kVideoModeNames[kCvi], 0xD4, 803}}};
 
 /// Rows by their place.
 inline constexpr std::size_t kRowIso = 0, kRowBright = 1, kRowNr = 3, kRowFlatNr = 4, kRowContrast = 5;

@@ -12,9 +12,13 @@ namespace qv5123 {
 inline constexpr int kTvi = 0, kAhd = 1, kCvi = 2, kCvbs = 3;
 inline constexpr int kVideoModes = 4;
 inline constexpr std::array<const char*, kVideoModes> kVideoModeNames{"TVI", "AHD", "CVI", "CVBS"};
+/// In the names of values.
+inline constexpr std::array<const char*, kVideoModes> kVideoModeKeys{"tvi", "ahd", "cvi", "cvbs"};
 
 inline constexpr int kLightSources = 3;
 inline constexpr std::array<const char*, kLightSources> kLightSourceNames{"Outdoor", "Light-1", "Light-2"};
+/// In the names of values.
+inline constexpr std::array<const char*, kLightSources> kLightSourceKeys{"outdoor", "light1", "light2"};
 /// Chooses the light source of what follows, 0..2.
 inline constexpr std::uint8_t kLightSourceRegister = 0x4E;
 

@@ -136,7 +136,7 @@ QWidget* CDlgIspAwb::make_patch_group() {
   grid->setContentsMargins(5, 5, 5, 6);
   grid->setVerticalSpacing(1);
   grid->setHorizontalSpacing(4);
-  for (const char* colour : {"R", "G", "B"}) grid->addWidget(centred(colour), 0, grid->columnCount());
+  for (const char* colour : kColourNames) grid->addWidget(centred(colour), 0, grid->columnCount());
   for (std::size_t row = 0; row < kAwbPatchCount; ++row) add_patch_row(grid, row);
   grid->setRowStretch(static_cast<int>(kAwbPatchCount) + 1, 1);
   return group;

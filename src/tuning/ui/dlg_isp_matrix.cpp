@@ -18,8 +18,6 @@
 namespace qv5123 {
 namespace {
 
-constexpr std::array<const char*, kMatrixRows> kRows{"R", "G", "B"};
-
 /// The registers of a row, one for each light source.
 std::vector<int> row_registers(const MatrixDesk& desk, int row) {
   std::set<int> addresses;
@@ -252,7 +250,7 @@ QWidget* CDlgIspMatrix::make_matrix_group() {
 }
 
 void CDlgIspMatrix::add_matrix_row(QGridLayout* grid, int row) {
-  const QString name = kRows[row];
+  const QString name = kColourNames[row];
   grid->addWidget(new QLabel(name), row, 0);
   for (int column = 0; column < 3; ++column) grid->addWidget(make_code(row, column), row, column + 1);
   grid->addWidget(

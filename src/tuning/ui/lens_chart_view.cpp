@@ -18,7 +18,6 @@ constexpr double kLowestTop = 256;
 /// What the correction may come to and is still drawn.
 constexpr double kHighestTop = 1024;
 constexpr double kSampleRadius = 2.5;
-constexpr std::array<const char*, 3> kNames{"R", "G", "B"};
 
 }  // namespace
 
@@ -96,7 +95,7 @@ QString LensChartView::readout() const {
   const LensSample& sample = samples_[*hovered_];
   QString text = QString("X %1:").arg(sample.x);
   for (std::size_t c = 0; c < 3; ++c) {
-    text += QString("   %1 %2").arg(kNames[c]).arg(sample.rgb[c]);
+    text += QString("   %1 %2").arg(kColourNames[c]).arg(sample.rgb[c]);
     if (fitted()) {
       text += QString(" \u2192 %1").arg(corrected_level(calibration_, values_, sample, c), 0, 'f', 1);
     }
@@ -241,7 +240,7 @@ void LensChartView::paint_centre(QPainter& painter) const {
 void LensChartView::paint_legend(QPainter& painter) {
   std::vector<ChartLegend::Entry> entries(3);
   for (std::size_t c = 0; c < entries.size() && !samples_.empty(); ++c)
-    entries[c] = {kNames[c], colour_of(c)};
+    entries[c] = {kColourNames[c], colour_of(c)};
   const QRectF area(8, 4 + fontMetrics().height(), width() - 16, fontMetrics().height());
   legend_.paint(painter, area, entries);
 }

@@ -98,11 +98,10 @@ void MatrixFitBox::show_report() {
 }
 
 QString MatrixFitBox::codes_text() const {
-  static constexpr const char* kRows[] = {"R", "G", "B"};
   QString text = "Codes:";
   for (std::size_t r = 0; r < kMatrixRows; ++r) {
     const auto& row = desk_.values().coefficients[r];
-    text += QString("   %1").arg(kRows[r]);
+    text += QString("   %1").arg(kColourNames[r]);
     for (const float coefficient : row) text += QString(" %1").arg(matrix_code(coefficient));
     text += QString("\u00A0(noise\u00A0\u00D7%1)").arg(number(noise_gain(row), 2));
   }

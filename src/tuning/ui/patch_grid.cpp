@@ -13,7 +13,6 @@ namespace {
 constexpr int kRows = 12;
 /// Of one patch in the layout: its button, three edits, and the gap to the other half.
 constexpr int kColumns = 5;
-constexpr std::array<const char*, 3> kColours{"R", "G", "B"};
 constexpr std::uint32_t kHighest = std::numeric_limits<int>::max();
 
 int row_of(std::size_t patch) {
@@ -44,7 +43,7 @@ PatchGrid::PatchGrid(MatrixDesk& desk) : desk_(desk), choice_(new QButtonGroup(t
 
 void PatchGrid::add_header(QGridLayout* grid, int column) {
   for (int c = 0; c < 3; ++c) {
-    grid->addWidget(new QLabel(kColours[c]), 0, column + c + 1, Qt::AlignCenter);
+    grid->addWidget(new QLabel(kColourNames[c]), 0, column + c + 1, Qt::AlignCenter);
     grid->setColumnStretch(column + c + 1, 1);
   }
 }
@@ -58,7 +57,7 @@ void PatchGrid::add_patch(QGridLayout* grid, std::size_t patch) {
 }
 
 void PatchGrid::add_edit(QGridLayout* grid, std::size_t patch, std::size_t colour) {
-  auto* edit = make_number(0, kHighest, QString("%1 %2").arg(kPatchCaptions[patch], kColours[colour]),
+  auto* edit = make_number(0, kHighest, QString("%1 %2").arg(kPatchCaptions[patch], kColourNames[colour]),
                            "0..2147483647 counts, 0 when not measured; the picker gives 0..255");
   edit->setButtonSymbols(QAbstractSpinBox::NoButtons);
   edit->setAlignment(Qt::AlignRight);
