@@ -40,7 +40,7 @@ class HeadlessPrompts final : public Prompts {
 /// "FONT ..." of what a transfer says on the console, "\r\n< FONT ... >\r\n".
 std::string bare_words(const std::string& text);
 
-/// Runs a desk that nobody looks at, and keeps what it says.
+/// Runs a desk that nobody looks at, and keeps what failed.
 class UnattendedHost final : public DeskHost {
  public:
   using Progress = std::function<void(std::optional<int> percent)>;
@@ -50,7 +50,7 @@ class UnattendedHost final : public DeskHost {
       : link_(link), progress_(std::move(progress)), console_(std::move(console)) {}
 
   CommandLink& link() override { return link_; }
-  void show_status(const std::string& text) override { last_status_ = text; }
+  void show_status(const std::string&) override {}
   void show_failure(const std::string& text) override { last_failure_ = text; }
   void append_console(const std::string& text) override {
     if (console_) console_(text);
@@ -60,7 +60,6 @@ class UnattendedHost final : public DeskHost {
     if (!busy) progress_(std::nullopt);
   }
 
-  const std::string& last_status() const { return last_status_; }
   /// Empty while all went well.
   const std::string& last_failure() const { return last_failure_; }
   void forget_failure() { last_failure_.clear(); }
@@ -73,7 +72,6 @@ class UnattendedHost final : public DeskHost {
   CommandLink& link_;
   const Progress progress_;
   const Console console_;
-  std::string last_status_;
   std::string last_failure_;
   bool stopped_ = false;
 };

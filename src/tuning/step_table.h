@@ -39,8 +39,8 @@ inline constexpr std::array<BankPlace, kStepBanks> kStepBankPlaces{
      {kVideoModeKeys[kAhd], kVideoModeNames[kAhd], 0xCE, 707},
      {kVideoModeKeys[kCvi], kVideoModeNames[kCvi], 0xD4, 803}}};
 
-/// Rows by their place.
-inline constexpr std::size_t kRowIso = 0, kRowBright = 1, kRowNr = 3, kRowFlatNr = 4, kRowContrast = 5;
+/// The row that stands first.
+inline constexpr std::size_t kRowIso = 0;
 struct StepRowRule {
   const char* name;
   const char* caption;

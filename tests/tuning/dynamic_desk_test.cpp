@@ -7,6 +7,7 @@ namespace qv5123 {
 namespace {
 
 constexpr auto kNumber = DynamicControl::first_number;
+constexpr std::size_t kRowContrast = 5;
 
 class DynamicDeskTest : public test::DeskBench {
  protected:

@@ -8,6 +8,8 @@
 namespace qv5123 {
 namespace {
 
+constexpr std::size_t kRowBright = 1, kRowNr = 3, kRowFlatNr = 4, kRowContrast = 5;
+
 /// Every bank's bytes count up from 0x30 times the bank's number, 8 to a row.
 DynamicValues example() {
   UserDataImage file;

@@ -68,11 +68,6 @@ void CMultilineList::set_column_heading(int column, const QString& heading) {
   model_.setHeaderData(column, Qt::Horizontal, heading);
 }
 
-QString CMultilineList::column_heading(int column) const {
-  const QVariant heading = model_.headerData(column, Qt::Horizontal);
-  return column < 0 || column >= columns() ? kEmpty : heading.toString();
-}
-
 void CMultilineList::set_column_width(int column, int width) {
   if (column < 0 || column >= columns()) return;
   widths_[column] = std::max(width, 1);

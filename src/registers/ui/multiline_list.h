@@ -24,7 +24,6 @@ class CMultilineList final : public QTableView, public KeptText {
   int columns() const { return model_.columnCount(); }
   int rows() const { return model_.rowCount(); }
   void set_column_heading(int column, const QString& heading);
-  QString column_heading(int column) const;
   /// Width in device-independent pixels.
   void set_column_width(int column, int width);
   int column_width(int column) const { return columnWidth(column); }
