@@ -39,8 +39,9 @@ void draw_text(QPainter& painter, ChartPoint at, const QString& text) {
   painter.drawText(QRectF(at.x, at.y, kAwbChartHalf, 2 * kTextSize), Qt::AlignLeft | Qt::AlignTop, text);
 }
 
-QString patch_text(const ChartPatch& patch, const PatchColour& measured) {
-  return QString("%1: R %2, G %3, B %4\nCb/Y = %5, Cr/Y = %6")
+/// `form` has places for name, counts and the two ratios.
+QString patch_text(const char* form, const ChartPatch& patch, const PatchColour& measured) {
+  return QString(form)
       .arg(kAwbPatches[patch.row].caption)
       .arg(measured.r)
       .arg(measured.g)
@@ -119,16 +120,8 @@ QString AwbChartView::numbers() const {
     text += '\n';
   }
   text += "Patch\tR\tG\tB\tCb/Y\tCr/Y\n";
-  for (const ChartPatch& patch : patches_) {
-    const PatchColour& measured = values_.patches[patch.row];
-    text += QString("%1\t%2\t%3\t%4\t%5\t%6\n")
-                .arg(kAwbPatches[patch.row].caption)
-                .arg(measured.r)
-                .arg(measured.g)
-                .arg(measured.b)
-                .arg(patch.centre.x / kAwbChartScale, 0, 'f', 3)
-                .arg(-patch.centre.y / kAwbChartScale, 0, 'f', 3);
-  }
+  for (const ChartPatch& patch : patches_)
+    text += patch_text("%1\t%2\t%3\t%4\t%5\t%6\n", patch, values_.patches[patch.row]);
   return text;
 }
 
@@ -147,7 +140,8 @@ QString AwbChartView::text_at(QPointF point) const {
     least = distance;
     nearest = &patch;
   }
-  return nearest ? patch_text(*nearest, values_.patches[nearest->row]) : QString();
+  constexpr char kForm[] = "%1: R %2, G %3, B %4\nCb/Y = %5, Cr/Y = %6";
+  return nearest ? patch_text(kForm, *nearest, values_.patches[nearest->row]) : QString();
 }
 
 bool AwbChartView::event(QEvent* event) {
