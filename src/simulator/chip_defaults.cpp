@@ -5,6 +5,7 @@
 #include <initializer_list>
 
 #include "link/register_write.h"
+#include "simulator/settings_places.h"
 
 namespace qv5123 {
 namespace {
@@ -88,7 +89,8 @@ void put_matrix(UserDataImage& image, std::size_t first, int off_diagonal) {
 }
 
 void put_matrices(UserDataImage& image) {
-  for (const std::size_t mode : {382u, 635u, 749u, 845u}) {
+  using namespace matrix_entry;
+  for (const std::size_t mode : {kTvi, kCvbs, kAhd, kCvi}) {
     put_matrix(image, mode, 0);
     put_matrix(image, mode + 18, -64);
     put_matrix(image, mode + 36, -128);

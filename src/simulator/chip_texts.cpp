@@ -4,6 +4,7 @@
 
 #include "base/hex.h"
 #include "link/register_write.h"
+#include "simulator/settings_places.h"
 
 namespace qv5123 {
 namespace {
@@ -11,7 +12,6 @@ namespace {
 constexpr char kSerialNumber[] = "QV5120042";
 constexpr std::size_t kVersionEntries = 689;
 constexpr std::size_t kVersionDigits = 6;
-constexpr std::uint8_t kLightSource = 0x4E;
 
 constexpr std::string_view kVideoModes[] = {
     "2M PAL T_25fps", "2M NTSC T_30fps", "2M PAL A_25fps", "2M NTSC A_30fps",
@@ -55,7 +55,7 @@ int awb_weight(const ChipState& chip, std::size_t entry) {
 
 /// First entry of the AWB weights of the light source in force.
 std::size_t awb_weights(const ChipState& chip) {
-  return 201 + 4 * std::size_t{chip.direct[kLightSource] % 3u};
+  return 201 + 4 * std::size_t{chip.direct[kLightSourceChoice] % 3u};
 }
 
 }  // namespace
@@ -98,7 +98,7 @@ std::string ae_info_text(const ChipState& chip) {
 
 std::string awb_info_text(const ChipState& chip) {
   return "\r\nAWB\r\n" + line("task", running(chip, reg::kAwbTask)) +
-         line("light source", name_of(kLightSources, chip.direct[kLightSource])) +
+         line("light source", name_of(kLightSources, chip.direct[kLightSourceChoice])) +
          line("R weight", std::to_string(awb_weight(chip, awb_weights(chip)))) +
          line("B weight", std::to_string(awb_weight(chip, awb_weights(chip) + 2)));
 }
@@ -113,7 +113,7 @@ std::string ae_info_reply(const ChipState& chip) {
 
 std::string awb_info_reply(const ChipState& chip) {
   const std::size_t weights = awb_weights(chip);
-  return lower_hex(chip.direct[reg::kAwbTask] != 0 ? 1 : 0) + lower_hex(chip.direct[kLightSource]) +
+  return lower_hex(chip.direct[reg::kAwbTask] != 0 ? 1 : 0) + lower_hex(chip.direct[kLightSourceChoice]) +
          lower_hex(static_cast<unsigned>(chip.user_data.word(weights)), 4) +
          lower_hex(static_cast<unsigned>(chip.user_data.word(weights + 2)), 4);
 }

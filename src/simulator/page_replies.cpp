@@ -1,6 +1,7 @@
 #include "simulator/page_replies.h"
 
 #include "base/hex.h"
+#include "simulator/settings_places.h"
 
 namespace qv5123 {
 namespace {
@@ -43,9 +44,10 @@ std::string lens_reply(const ChipState& chip) {
 }
 
 std::string matrix_reply(const ChipState& chip) {
+  using namespace matrix_entry;
   std::string text;
-  for (const std::size_t mode : {382u, 635u, 749u, 845u}) {  // TVI, CVBS, AHD, CVI
-    for (std::size_t byte = 0; byte < 18; ++byte) {          // byte within the three rows
+  for (const std::size_t mode : {kTvi, kCvbs, kAhd, kCvi}) {
+    for (std::size_t byte = 0; byte < 18; ++byte) {  // byte within the three rows
       for (std::size_t light = 0; light < 3; ++light) text += entry(chip, mode + 18 * light + byte);
     }
   }

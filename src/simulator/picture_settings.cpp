@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "link/register_write.h"
+#include "simulator/settings_places.h"
 
 namespace qv5123 {
 namespace {
@@ -13,7 +14,6 @@ constexpr double kGainUnit = 256;
 constexpr double kShadingUnit = 1024;
 constexpr double kMatrixUnit = 1024;
 
-constexpr std::uint8_t kLightSource = 0x4E;
 constexpr std::uint8_t kGammaEnable = 0x84;
 constexpr std::size_t kLightSources = 3;
 
@@ -24,9 +24,8 @@ constexpr std::size_t kVideoModeEntry = 454;
 constexpr std::size_t kDayNightEntry = 462;
 constexpr int kNight = 2;
 
-/// First entries of the matrices for TVI, AHD, CVI and CVBS.
-constexpr std::size_t kTvi = 382, kAhd = 749, kCvi = 845, kCvbs = 635;
-/// Which of them each video mode uses.
+using namespace matrix_entry;
+/// Whose matrices each video mode uses.
 constexpr std::size_t kMatrixOfMode[] = {kTvi, kTvi, kAhd, kAhd, kCvi,  kCvi,  kTvi, kTvi,
                                          kAhd, kAhd, kCvi, kCvi, kCvbs, kCvbs, kTvi, kTvi};
 
@@ -45,7 +44,7 @@ int signed_word(const UserDataImage& data, std::size_t entry) {
 }
 
 std::size_t light_source(const ChipState& chip) {
-  return chip.direct[kLightSource] % kLightSources;
+  return chip.direct[kLightSourceChoice] % kLightSources;
 }
 
 ColourMatrix matrix_in_force(const ChipState& chip) {

@@ -2,11 +2,12 @@
 
 #include <optional>
 
+#include "simulator/settings_places.h"
+
 namespace qv5123 {
 namespace {
 
 constexpr std::uint8_t kStepIndex = 0x41;
-constexpr std::uint8_t kLightSource = 0x4E;
 constexpr std::uint8_t kMatrixVideoMode = 0xCA;
 constexpr std::uint8_t kDelay = 0x71;
 constexpr std::uint8_t kFirstLightRecord = 0x4F;
@@ -73,8 +74,9 @@ struct Bank {
 };
 constexpr Bank kBanks[] = {{0x42, 292}, {0x48, 334}, {0xC3, 592}, {0xCE, 707}, {0xD4, 803}};
 
-/// First entry of the colour matrices of each video mode, in the order of register 0xCA.
-constexpr std::size_t kMatrixEntries[] = {382, 749, 845, 635};
+/// First entry of the colour matrices of each signal, in the order of register 0xCA.
+constexpr std::size_t kMatrixEntries[] = {matrix_entry::kTvi, matrix_entry::kAhd, matrix_entry::kCvi,
+                                          matrix_entry::kCvbs};
 
 std::optional<Place> plain_place(std::uint8_t address) {
   for (const Group& group : kGroups) {
@@ -96,7 +98,7 @@ std::optional<Place> step_place(const ChipState& state, std::uint8_t address) {
 }
 
 std::optional<Place> light_place(const ChipState& state, std::uint8_t address) {
-  const std::size_t light = state.direct[kLightSource];
+  const std::size_t light = state.direct[kLightSourceChoice];
   if (light >= kLightSources) return std::nullopt;
   if (address == kSaturation) return Place{436 + light, 1, 1};
   if (address >= kFirstLightRecord && address < kFirstLightRecord + 3) return Place{377 + 2 * light, 1, 1};
@@ -125,8 +127,8 @@ void set_entry(ChipState& state, std::size_t entry, std::uint8_t value) {
 void set_companions(ChipState& state, std::uint8_t address, std::uint8_t value) {
   if (address == kDelay) set_entry(state, 458, value);
   if (address >= kFirstLightRecord && address < kFirstMatrixRow &&
-      state.direct[kLightSource] < kLightSources) {
-    set_entry(state, 376 + 2 * state.direct[kLightSource], address - kFirstLightRecord);
+      state.direct[kLightSourceChoice] < kLightSources) {
+    set_entry(state, 376 + 2 * state.direct[kLightSourceChoice], address - kFirstLightRecord);
   }
 }
 
