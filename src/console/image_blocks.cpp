@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <system_error>
 
-#include "console/setting_files.h"
+#include "console/setting_file.h"
 
 namespace qv5123 {
 namespace {

@@ -20,6 +20,10 @@ namespace qv5123 {
 /// Read, it is 1024 numbers in white space, of which the low 8 bits count. Where a number is missing or is
 /// none, the one before it (0 before the first) stands for it and for all that follow.
 
+/// How choosers name it.
+inline constexpr const char* kSettingFileFilter = "Setting Files (*.dat)|*.dat|All Files (*.*)|*.*||";
+inline constexpr const char* kSettingFileExtension = "dat";
+
 /// The reload of the ISP tune page reads this file of the current directory, never the remembered one.
 inline constexpr const char* kUserDataFile = "QV512xUser.dat";
 

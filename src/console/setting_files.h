@@ -14,12 +14,11 @@
 #include "console/document.h"
 #include "console/page_host.h"
 #include "console/prompts.h"
+#include "console/setting_file.h"
 #include "console/setting_file_keeper.h"
 
 namespace qv5123 {
 
-inline constexpr const char* kSettingFileFilter = "Setting Files (*.dat)|*.dat|All Files (*.*)|*.*||";
-inline constexpr const char* kSettingFileExtension = "dat";
 inline constexpr const char* kFileOpenError = "File open error !!";
 /// The remembered path stands before it.
 inline constexpr const char* kSaveQuestion = "Do you want to save settings to file?\r\n";

@@ -8,7 +8,6 @@
 #include "base/ui/controls.h"
 #include "base/ui/qt_text.h"
 #include "console/setting_file.h"
-#include "console/setting_files.h"
 
 namespace qv5123 {
 namespace {
