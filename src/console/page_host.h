@@ -25,6 +25,16 @@ class DeskHost {
   /// Shows that something did not work. It stays there, beside what else is said, until the user has read it
   /// or the same page has something to show again.
   virtual void show_failure(const std::string& text) { show_status(text); }
+  /// The same about `kind`, which is no page's own: it ends only what stands of that kind, and only that ends
+  /// it.
+  virtual void show_status_of(const std::string& kind, const std::string& text) {
+    (void)kind;
+    show_status(text);
+  }
+  virtual void show_failure_of(const std::string& kind, const std::string& text) {
+    (void)kind;
+    show_failure(text);
+  }
   /// Appends to the main console and scrolls to its end.
   virtual void append_console(const std::string& text) = 0;
   /// Sends flushes that nothing may come between and says what came of it, under the name that the user knows

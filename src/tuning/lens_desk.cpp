@@ -252,10 +252,15 @@ void LensDesk::finish(LensCalibrationResult result) {
   end_sweep(result.end == CalibrationEnd::aborted || values_.picker_on);
   // An abort was a click on the switch, which says so itself.
   if (result.end == CalibrationEnd::aborted) return;
-  if (!result.picker.empty()) return host().show_failure(result.picker);
-  host().show_status(result.end == CalibrationEnd::declined
-                         ? "The parameters were not sent: the old ones are kept."
-                         : kPickerOffStatus);
+  if (!result.picker.empty()) {
+    // It is no longer at it.
+    host().show_status({});
+    return host().show_failure_of(kAboutPicker, result.picker);
+  }
+  if (result.end == CalibrationEnd::declined)
+    host().show_status("The parameters were not sent: the old ones are kept.");
+  else
+    host().show_status_of(kAboutPicker, kPickerOffStatus);
 }
 
 Task<> LensDesk::save(PageHost& files) {

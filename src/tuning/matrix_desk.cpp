@@ -248,10 +248,10 @@ Task<> MatrixDesk::save(PageHost& files) {
   const BusyScope busy(host());
   const bool whole = co_await send_save(std::move(on_chip), std::string());
   if (!whole) co_return;
-  if (picker_trouble_.empty()) host().show_status(kPickerOffStatus);
+  if (picker_trouble_.empty()) host().show_status_of(kAboutPicker, kPickerOffStatus);
   host().show_status("Transfered Linear Matrix parameters to ISP. Enable color correction.");
   if (!written) host().show_status(kSavedOnChipOnly);
-  if (!picker_trouble_.empty()) host().show_failure(picker_trouble_);
+  if (!picker_trouble_.empty()) host().show_failure_of(kAboutPicker, picker_trouble_);
 }
 
 Task<> MatrixDesk::after_save() {
@@ -265,7 +265,7 @@ Task<> MatrixDesk::after_save() {
   picker_trouble_ = co_await picker_.switch_own_way(false);
   if (!picker_trouble_.empty()) {
     values_.picker_on = was_on;
-    host().show_failure(picker_trouble_);
+    host().show_failure_of(kAboutPicker, picker_trouble_);
   }
   matrix_view_->allow_switch(true);
   picker_.allow_switch(true);

@@ -77,6 +77,9 @@ IspBytes picker_position_bytes(PickerPosition position);
 /// Shows or hides the cursor. `enable` is what kEnable held, of which the other bits are kept.
 IspBytes picker_switch_bytes(bool on, int enable);
 
+/// What messages of the picker are about, whichever page it was switched by: a page's own failure stands
+/// beside them.
+inline constexpr char kAboutPicker[] = "color picker";
 /// What the status bar says of a switch.
 inline constexpr char kPickerOnStatus[] =
     "Start color capture. Please click direction button to move cursor on screen.";

@@ -90,7 +90,7 @@ void PickerDesk::set_measuring(bool measuring) {
 
 void PickerDesk::go_to(PickerPosition place) {
   if (measuring_ || sweeping_ || at_work_elsewhere())
-    return host_.show_status("The cursor stays: it is being moved by a measurement.");
+    return host_.show_status_of(kAboutPicker, "The cursor stays: it is being moved by a measurement.");
   picker_.position = clamped(place);
   x_typed_ = y_typed_ = false;
   go();
@@ -168,7 +168,7 @@ Task<bool> PickerDesk::take_over() {
   taking_over_ = true;
   tell_others();
   const std::string trouble = co_await switch_own_way(true);
-  if (!trouble.empty()) host_.show_failure(trouble);
+  if (!trouble.empty()) host_.show_failure_of(kAboutPicker, trouble);
   // What was typed meanwhile is on its way by itself.
   while (typing_.running() || moves_.running()) co_await Delay(host_.scheduler(), CommandLink::kWideWait);
   taking_over_ = false;
@@ -224,9 +224,9 @@ Task<> PickerDesk::send_move(const char* what, IspBytes position) {
   const bool left = co_await move_picker(host_.link(), std::move(position));
   if (!left || whole) place_lost_ = !left;
   if (left)
-    host_.show_status(std::string(what) + ": " + count + " registers sent");
+    host_.show_status_of(kAboutPicker, std::string(what) + ": " + count + " registers sent");
   else
-    host_.show_failure(std::string(what) + ": not all of it reached the chip");
+    host_.show_failure_of(kAboutPicker, std::string(what) + ": not all of it reached the chip");
 }
 
 void PickerDesk::click_switch(bool on) {
@@ -254,9 +254,9 @@ Task<> PickerDesk::run_switch() {
     x_typed_ = y_typed_ = false;
     const std::string trouble = co_await switch_own_way(on);
     if (trouble.empty()) {
-      host_.show_status(on ? kPickerOnStatus : kPickerOffStatus);
+      host_.show_status_of(kAboutPicker, on ? kPickerOnStatus : kPickerOffStatus);
     } else {
-      host_.show_failure(trouble);
+      host_.show_failure_of(kAboutPicker, trouble);
       on = picker_.on = !on;
       switched();
     }
@@ -282,7 +282,7 @@ bool PickerDesk::may_still_measure() const {
 /// A chip that may have measured through the loss of its port is told to stop as soon as it hears again.
 Task<> PickerDesk::watch_port() {
   co_await connection_change();
-  if (may_still_measure()) host_.show_failure(kPickerPortLost);
+  if (may_still_measure()) host_.show_failure_of(kAboutPicker, kPickerPortLost);
   for (bool left = false; !left;) {
     co_await connection_change();
     if (!may_still_measure()) co_return;
@@ -295,7 +295,7 @@ Task<> PickerDesk::watch_port() {
   picker_.off.clear();
   show_off();
   tell_others();
-  host_.show_status(kPickerOffAfterLoss);
+  host_.show_status_of(kAboutPicker, kPickerOffAfterLoss);
 }
 
 void PickerDesk::show_off() {

@@ -28,6 +28,14 @@ void NamedHost::show_failure(const std::string& text) {
   form_.say(StatusRank::failure, name_, text);
 }
 
+void NamedHost::show_status_of(const std::string& kind, const std::string& text) {
+  form_.say(StatusRank::outcome, kind, text);
+}
+
+void NamedHost::show_failure_of(const std::string& kind, const std::string& text) {
+  form_.say(StatusRank::failure, kind, text);
+}
+
 void NamedHost::send_and_tell(const std::string& what, Traffic traffic,
                               std::shared_ptr<const WriteNote> note) {
   form_.send_and_tell_of(name_, what, std::move(traffic), std::move(note));

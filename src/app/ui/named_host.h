@@ -23,6 +23,8 @@ class NamedHost final : public PageHost {
   Background& background() override;
   void show_status(const std::string& text) override;
   void show_failure(const std::string& text) override;
+  void show_status_of(const std::string& kind, const std::string& text) override;
+  void show_failure_of(const std::string& kind, const std::string& text) override;
   void send_and_tell(const std::string& what, Traffic traffic,
                      std::shared_ptr<const WriteNote> note) override;
   void show_progress(std::optional<int> percent) override;
