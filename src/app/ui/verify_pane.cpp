@@ -18,7 +18,6 @@ VerifyPane::VerifyPane(QWidget* parent)
     : QWidget(parent), label_(new QLabel(this)), repair_(new QPushButton("Send these again", this)) {
   label_->setObjectName("verification");
   label_->setTextFormat(Qt::PlainText);
-  // Its text is what assistive tools read out; a name would stand in its place.
   label_->setAccessibleDescription("What came of reading the page back after its save");
   repair_->setAccessibleName("Send these again");
   repair_->setToolTip(
@@ -34,6 +33,8 @@ VerifyPane::VerifyPane(QWidget* parent)
 
 void VerifyPane::show_text(const QString& text, const QStringList& details) {
   label_->setText(label_->fontMetrics().elidedText(text, Qt::ElideRight, kWidest));
+  // What is cut is read out all the same.
+  label_->setAccessibleName(text);
   label_->setToolTip(plain_tool_tip((QStringList(text) + details).join(u'\n')));
   setVisible(!text.isEmpty());
 }
