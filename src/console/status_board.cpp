@@ -9,7 +9,7 @@ namespace qv5123 {
 
 void StatusBoard::show(StatusRank rank, std::string kind, std::string text) {
   StatusMessage message{rank, std::move(kind), std::move(text), clock_()};
-  if (!message.text.empty() && rank != StatusRank::progress) remember(message);
+  if (!message.text.empty() && rank != StatusRank::progress) keep(message);
   const auto same_kind = [&message](const StatusMessage& other) { return other.kind == message.kind; };
   if (rank == StatusRank::failure || (rank == StatusRank::outcome && !message.text.empty())) {
     std::erase_if(failures_, same_kind);
@@ -23,7 +23,11 @@ void StatusBoard::show(StatusRank rank, std::string kind, std::string text) {
   failures_.push_back(std::move(message));
 }
 
-void StatusBoard::remember(const StatusMessage& message) {
+void StatusBoard::remember(StatusRank rank, std::string kind, std::string text) {
+  keep({rank, std::move(kind), std::move(text), clock_()});
+}
+
+void StatusBoard::keep(const StatusMessage& message) {
   if (!history_.empty()) {
     StatusMessage& last = history_.back();
     if (last.rank == message.rank && last.kind == message.kind && last.text == message.text) {

@@ -41,6 +41,8 @@ class StatusBoard {
 
   /// Says something. An empty text only takes the latest message away.
   void show(StatusRank rank, std::string kind, std::string text);
+  /// Puts into the history what is shown in a place of its own.
+  void remember(StatusRank rank, std::string kind, std::string text);
   /// The user has seen the failures.
   void read() { failures_.clear(); }
 
@@ -48,13 +50,13 @@ class StatusBoard {
   const std::string& latest() const { return latest_.text; }
   /// The failures that stand, one of each kind, the last one last.
   const std::vector<StatusMessage>& failures() const { return failures_; }
-  /// Everything that was said, the oldest first.
+  /// Everything that was said or is to be remembered, the oldest first.
   const std::deque<StatusMessage>& history() const { return history_; }
   /// How many messages were said before the oldest of them.
   std::size_t forgotten() const { return forgotten_; }
 
  private:
-  void remember(const StatusMessage& message);
+  void keep(const StatusMessage& message);
 
   Clock clock_;
   StatusMessage latest_;

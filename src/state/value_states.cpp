@@ -147,19 +147,19 @@ ValueStates::Sent ValueStates::sent_since(std::size_t page, std::size_t field, s
   return value.with_save ? Sent::with_save : Sent::alone;
 }
 
-void ValueStates::saves(TuningDesk&) {
-  for (const auto& told : verification_listeners_) told(nullptr, nullptr);
+void ValueStates::saves(TuningDesk& desk) {
+  for (const auto& told : save_listeners_) told(desk);
 }
 
 void ValueStates::verifies(TuningDesk& desk) {
-  for (const auto& told : verification_listeners_) told(&desk, nullptr);
+  for (const auto& told : verification_listeners_) told(desk, nullptr);
 }
 
 void ValueStates::verified(TuningDesk& desk, const std::vector<WriteNote::Value>& sent,
                            const Verification& verification, std::uint64_t asked_at) {
   Page* page = page_of(desk);
   if (page && verification.reported > 0) take_verified(*page, sent, verification, asked_at);
-  for (const auto& told : verification_listeners_) told(&desk, &verification);
+  for (const auto& told : verification_listeners_) told(desk, &verification);
 }
 
 void ValueStates::take_verified(Page& page, const std::vector<WriteNote::Value>& sent,

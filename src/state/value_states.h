@@ -107,10 +107,11 @@ class ValueStates final : public DeskWatcher {
   }
   /// Whether pages are read back after their full saves.
   void verify_saves(bool on) { verifies_saves_ = on; }
-  /// Calls `told` with what came of reading a page back after its save; with null when that begins, and with
-  /// no desk when a save begins and what was found last is past.
-  using VerificationListener = std::function<void(TuningDesk*, const Verification*)>;
+  /// Calls `told` with what came of reading a page back after its save; with null when that begins.
+  using VerificationListener = std::function<void(TuningDesk&, const Verification*)>;
   void on_verification(VerificationListener told) { verification_listeners_.push_back(std::move(told)); }
+  /// Calls `told` when a page's full save begins: what was found of it last is past.
+  void on_save(std::function<void(TuningDesk&)> told) { save_listeners_.push_back(std::move(told)); }
   /// Calls `told` when a page is closed.
   void on_close(std::function<void(TuningDesk&)> told) { close_listeners_.push_back(std::move(told)); }
   /// Whether the value was brought to the chip since so many jobs had left, and whether with a full save.
@@ -175,6 +176,7 @@ class ValueStates final : public DeskWatcher {
   std::vector<ChangeListener> desk_listeners_;
   std::vector<std::function<void(TuningDesk&)>> close_listeners_;
   std::vector<VerificationListener> verification_listeners_;
+  std::vector<std::function<void(TuningDesk&)>> save_listeners_;
   bool verifies_saves_ = false;
 };
 

@@ -25,9 +25,9 @@ class SaveVerification : public testing::Test {
     host_.doc.user_data = chip_.state().user_data;
     host_.doc.user_data.mark_loaded();
     states_.verify_saves(true);
-    states_.on_verification([this](TuningDesk* desk, const Verification* found) {
+    states_.on_verification([this](TuningDesk& desk, const Verification* found) {
       if (found) found_ = *found;
-      if (found) text_ = verification_text(desk->model().fields(), *found);
+      if (found) text_ = verification_text(desk.model().fields(), *found);
     });
   }
   std::unique_ptr<TuningDesk> open(const char* name) {

@@ -35,6 +35,16 @@ constexpr QMargins kUsualFrame{4, 32, 4, 4};
 
 constexpr std::chrono::milliseconds kFrameKnown{300};
 
+/// How the texts of a read-back begin that is under way, and of one that has found everything as it was sent.
+constexpr QLatin1String kVerifying("Verifying...");
+constexpr QLatin1String kVerified("Verified");
+
+/// The page's name as the menu bar has it.
+QString caption_of(const TuningDesk& desk) {
+  const PageId page = tuning_page_id(desk.model().texts().name);
+  return QString(kPageEntries[static_cast<std::size_t>(page)].menu_text).remove(u'&');
+}
+
 }  // namespace
 
 QRect place_on_screen(QSize size, const QRect& available, const QMargins& frame) {
@@ -55,7 +65,8 @@ CMainFrame::CMainFrame(CQV5123View* view) : view_(*view) {
   connect(view, &CQV5123View::messages_read, this, &CMainFrame::show_messages);
   connect(view, &CQV5123View::progress_changed, this, &CMainFrame::show_progress);
   view->values().on_verification(
-      [this](TuningDesk* desk, const Verification* found) { show_verification(desk, found); });
+      [this](TuningDesk& desk, const Verification* found) { show_verification(desk, found); });
+  view->values().on_save([this](TuningDesk& desk) { verification_->forget(caption_of(desk)); });
   connect(view, &CQV5123View::checked, this, &CMainFrame::show_checked);
   fit_to_screen();
 }
@@ -107,28 +118,29 @@ void CMainFrame::fill_status_bar() {
   show_connected(false);
 }
 
-void CMainFrame::show_verification(TuningDesk* desk, const Verification* found) {
-  offer_repair({});
-  if (!desk) return verification_->show_text({});
-  if (!found) return verification_->show_text("Verifying...");
-  const auto& fields = desk->model().fields();
-  QStringList details;
-  for (const std::string& text : difference_texts(fields, *found)) details << to_qt(text);
-  verification_->show_text(to_qt(verification_text(fields, *found)), details);
-  if (!found->to_repair().empty()) offer_repair([desk, again = *found] { desk->start_repair(again); });
+void CMainFrame::show_verification(TuningDesk& desk, const Verification* found) {
+  if (!found) return verification_->show_under_way({caption_of(desk), kVerifying});
+  const auto& fields = desk.model().fields();
+  ReadBackResult read{caption_of(desk), to_qt(verification_text(fields, *found))};
+  for (const std::string& text : difference_texts(fields, *found)) read.details << to_qt(text);
+  read.verified = found->end == Verification::End::verified;
+  if (!found->to_repair().empty()) read.again = [&desk, again = *found] { desk.start_repair(again); };
+  take_read_back(std::move(read));
 }
 
-void CMainFrame::show_checked(const QString& text, const QStringList& differences,
+void CMainFrame::show_checked(const QString& about, const QString& text, const QStringList& differences,
                               const std::function<void()>& again) {
-  verification_->show_text(text, differences);
-  offer_repair(again);
+  if (text.isEmpty()) return verification_->forget(about);
+  if (text.startsWith(kVerifying)) return verification_->show_under_way({about, text});
+  take_read_back({about, text, differences, text.startsWith(kVerified), again});
 }
 
-/// By the pane's button; by none where there is nothing to do.
-void CMainFrame::offer_repair(std::function<void()> repair) {
-  disconnect(verification_, &VerifyPane::repair_wanted, nullptr, nullptr);
-  verification_->offer_repair(repair != nullptr);
-  if (repair) connect(verification_, &VerifyPane::repair_wanted, this, std::move(repair));
+/// The pane shows the last one; all are listed among the messages.
+void CMainFrame::take_read_back(ReadBackResult found) {
+  view_.remember(found.verified ? StatusRank::outcome : StatusRank::failure, from_qt(found.about),
+                 from_qt(found.about + ": " + found.text));
+  verification_->show_result(std::move(found));
+  show_messages();
 }
 
 void CMainFrame::fit_to_screen() {

@@ -15,6 +15,7 @@ class PortState;
 class StatusPane;
 class TuningDesk;
 class VerifyPane;
+struct ReadBackResult;
 struct Verification;
 
 /// The place of a window of this size, in the middle of the screen's `available` part, with room for the
@@ -57,9 +58,10 @@ class CMainFrame final : public QMainWindow {
   void fill_menu_bar();
   void fill_tools();
   void fill_status_bar();
-  void show_verification(TuningDesk* desk, const Verification* found);
-  void show_checked(const QString& text, const QStringList& differences, const std::function<void()>& again);
-  void offer_repair(std::function<void()> repair);
+  void show_verification(TuningDesk& desk, const Verification* found);
+  void show_checked(const QString& about, const QString& text, const QStringList& differences,
+                    const std::function<void()>& again);
+  void take_read_back(ReadBackResult found);
   void fit_to_screen();
   void show_messages();
 

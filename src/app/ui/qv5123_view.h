@@ -98,6 +98,10 @@ class CQV5123View final : public QWidget, public PageHost {
                         std::shared_ptr<const WriteNote> note);
   /// Says something in the status bar. At most 256 characters are shown.
   void say(StatusRank rank, const std::string& kind, const std::string& text);
+  /// Only lists it among the messages: it is shown elsewhere.
+  void remember(StatusRank rank, const std::string& kind, const std::string& text) {
+    board_.remember(rank, kind, text);
+  }
   const StatusBoard& board() const { return board_; }
   /// The user has read the failures.
   void mark_read();
@@ -147,9 +151,11 @@ class CQV5123View final : public QWidget, public PageHost {
   void steps_changed();
   /// The user wants to choose a moment of the journal of writes.
   void moment_wanted();
-  /// What was sent without a tuning page is being read back, or was: the user data as a whole, a register
-  /// file. `again` sends what differs once more; empty where there is nothing to send.
-  void checked(const QString& text, const QStringList& differences, const std::function<void()>& again);
+  /// What was sent without a tuning page is being read back, or was: `about` names the user data as a whole
+  /// or a register file. An empty text: what was told of it is past. `again` sends what differs once more;
+  /// empty where there is nothing to send.
+  void checked(const QString& about, const QString& text, const QStringList& differences,
+               const std::function<void()>& again);
   void progress_changed(std::optional<int> percent);
   /// The user has answered that the program is to end; what was to be saved is whole on the disk.
   void closing_confirmed();
@@ -181,7 +187,7 @@ class CQV5123View final : public QWidget, public PageHost {
   void repair_image();
   void tell_image_checked();
   void check_registers(RegisterDesk& desk);
-  void tell_checked(const std::string& text, const std::vector<std::string>& differences,
+  void tell_checked(const char* about, const std::string& text, const std::vector<std::string>& differences,
                     const std::function<void()>& again);
   Task<> end_waiting();
   /// A command cannot leave while the chip expects the rest of an image: asks what to do. True when it can

@@ -4,6 +4,12 @@
 #include "base/ui/qt_text.h"
 
 namespace qv5123 {
+namespace {
+
+constexpr const char* kWholeImage = "System";
+constexpr const char* kRegisterFile = "Register file";
+
+}  // namespace
 
 void CQV5123View::connect_downloads() {
   using C = ControlColumn;
@@ -41,14 +47,17 @@ Task<> CQV5123View::transfer(TransferKind kind) {
   if (kind == TransferKind::user_data && end == TransferEnd::sent) {
     values_.image_sent(document_.user_data);
     image_check_.sent(document_.user_data);
-    if (values_.verifies_saves()) image_flow_.start(check_image());
+    if (values_.verifies_saves())
+      image_flow_.start(check_image());
+    else
+      tell_checked(kWholeImage, {}, {}, {});
   }
   if (kind == TransferKind::user_data) show_image();
   show_transferring();
 }
 
 Task<> CQV5123View::check_image() {
-  tell_checked("Verifying...", {}, {});
+  tell_checked(kWholeImage, "Verifying...", {}, {});
   co_await image_check_.verify();
   tell_image_checked();
 }
@@ -64,22 +73,25 @@ Task<> CQV5123View::run_repair_image() {
 }
 
 void CQV5123View::tell_image_checked() {
-  tell_checked(image_check_.text(), image_check_.differences(),
+  tell_checked(kWholeImage, image_check_.text(), image_check_.differences(),
                image_check_.can_repair() ? std::function<void()>([this] { repair_image(); }) : nullptr);
 }
 
-void CQV5123View::tell_checked(const std::string& text, const std::vector<std::string>& differences,
+void CQV5123View::tell_checked(const char* about, const std::string& text,
+                               const std::vector<std::string>& differences,
                                const std::function<void()>& again) {
   QStringList details;
   for (const std::string& difference : differences) details << to_qt(difference);
-  emit checked(to_qt(text), details, again);
+  emit checked(about, to_qt(text), details, again);
 }
 
 void CQV5123View::check_registers(RegisterDesk& desk) {
   RegisterCheck::Listener listener;
   listener.wanted = [this] { return values_.verifies_saves(); };
   listener.tell = [this](const std::string& text, const std::vector<std::string>& differences,
-                         const std::function<void()>& again) { tell_checked(text, differences, again); };
+                         const std::function<void()>& again) {
+    tell_checked(kRegisterFile, text, differences, again);
+  };
   desk.check().tell(std::move(listener));
 }
 

@@ -1,4 +1,7 @@
 // What did not work stays in sight beside what is said of something else.
+#include <QLabel>
+#include <QPushButton>
+
 #include "reliability/ui/matrix_bench.h"
 #include "tuning/picker.h"
 
@@ -28,6 +31,36 @@ TEST(StandingFailures, ABrokenSaveStandsBesideWhatThePickerSays) {
   EXPECT_EQ(bench.view->board().latest(), kPickerOffAfterLoss);
   ASSERT_EQ(failures.size(), 1u);
   EXPECT_TRUE(failures[0].text.starts_with("Nothing more reached the chip: "));
+}
+
+TEST(StandingFailures, WhatAReadBackMissesStaysUntilItsPageIsSavedAgainAndIsListed) {
+  MatrixBench bench;
+  const auto& pane = *bench.frame->findChild<QLabel*>("verification");
+  const auto save = [&bench](PageId page, bool verified) {
+    bench.open(page);
+    bench.view->values().verify_saves(verified);
+    bench.click("File/Flash Save");
+    bench.wire.advance(20'000);
+  };
+  bench.open(PageId::lsc);
+  bench.control<QSpinBox>("Parameter-1 RED")->setValue(322);
+  const auto line = bench.wire.sender.chip;
+  bench.wire.sender.chip = [line](const std::string& bytes) {
+    if (bytes != "@6401*@6442*") line(bytes);
+  };
+  save(PageId::lsc, true);
+  const std::string differs = "1 of 6 values differs: Parameter-1 RED";
+  EXPECT_TRUE(pane.text().toStdString().starts_with(differs)) << pane.text().toStdString();
+  const StatusMessage& last = bench.view->board().history().back();
+  EXPECT_TRUE(last.text.starts_with("LSC: " + differs)) << last.text;
+  EXPECT_EQ(last.rank, StatusRank::failure);
+  EXPECT_TRUE(bench.view->board().failures().empty()) << "it is shown in one place";
+
+  save(PageId::awb_tune, false);
+  EXPECT_TRUE(pane.isVisible() && pane.text().toStdString().starts_with(differs));
+  EXPECT_TRUE(test::find<QPushButton>(*bench.frame, "Send these again")->isVisible());
+  save(PageId::lsc, false);
+  EXPECT_FALSE(pane.isVisible());
 }
 
 }  // namespace
