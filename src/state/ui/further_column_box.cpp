@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/atomic_file.h"
+#include "base/text.h"
 #include "base/ui/controls.h"
 #include "base/ui/qt_text.h"
 #include "console/setting_file.h"
@@ -98,8 +99,9 @@ Task<> FurtherColumnBox::open_run(std::filesystem::path file, std::string title)
     return Opened{values_after(opened.journal, opened.journal.size()), std::move(opened.remarks)};
   };
   const Opened opened = co_await surroundings_.host.background().run<Opened>(std::move(work));
-  for (const std::string& remark : opened.remarks)
-    surroundings_.host.show_failure(path_text(file.filename()) + ": " + remark);
+  // In one message: another one would take its place.
+  if (!opened.remarks.empty())
+    surroundings_.host.show_failure(path_text(file.filename()) + ": " + joined(opened.remarks, " "));
   surroundings_.chosen(values_in_journal(surroundings_.states, opened.known, std::move(title)));
 }
 

@@ -20,6 +20,7 @@
 #include <utility>
 
 #include "base/atomic_file.h"
+#include "base/text.h"
 #include "base/ui/controls.h"
 #include "base/ui/qt_text.h"
 #include "state/ui/history_model.h"
@@ -262,8 +263,9 @@ void HistoryDock::show_opened(fs::path file, OpenedJournal opened) {
   model_->show_journal(*journal);
   opened_ = std::move(journal);
   show_source(path_to_qt(file.filename()), path_to_qt(file));
-  for (const std::string& remark : opened.remarks)
-    surroundings_.say(true, path_text(file.filename()) + ": " + remark);
+  // In one message: another one would take its place.
+  if (!opened.remarks.empty())
+    surroundings_.say(true, path_text(file.filename()) + ": " + joined(opened.remarks, " "));
 }
 
 void HistoryDock::show_own() {
