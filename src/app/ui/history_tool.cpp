@@ -40,7 +40,7 @@ HistoryTool::~HistoryTool() {
 
 void HistoryTool::add_dock(CMainFrame& frame) {
   HistoryDock::Surroundings surroundings{
-      surroundings_.prompts, surroundings_.files, surroundings_.say, {}, {}};
+      surroundings_.prompts, surroundings_.files, surroundings_.view.scheduler(), surroundings_.say, {}, {}};
   surroundings.back = [this](KnownValues then, std::size_t unnamed, std::string when) {
     way_back_.start(std::move(then), unnamed, std::move(when));
   };

@@ -4,6 +4,7 @@
 
 #include "base/atomic_file.h"
 #include "base/ui/qt_text.h"
+#include "console/slow_write.h"
 #include "content/ui/dlg_font_maker.h"
 #include "content/ui/font_sheet.h"
 
@@ -61,7 +62,7 @@ Task<> CDlgFontMaker::save_font_file() {
   std::function<FileResult()> work = [path = *path, binary] {
     return write_file_atomically(path, {reinterpret_cast<const char*>(binary.data()), binary.size()});
   };
-  const FileResult written = co_await host_.background().run<FileResult>(std::move(work));
+  const FileResult written = co_await write_in_background(host_, *path, std::move(work));
   if (!written.ok()) co_return host_.show_failure(written.text);
   editor_.mark_in_file(std::move(binary));
   host_.draft_saved();
@@ -95,7 +96,7 @@ Task<> CDlgFontMaker::export_sheet() {
     const QByteArray file = font_sheet_file(library);
     return write_file_atomically(path, {file.constData(), static_cast<std::size_t>(file.size())});
   };
-  const FileResult written = co_await host_.background().run<FileResult>(std::move(work));
+  const FileResult written = co_await write_in_background(host_, *path, std::move(work));
   if (!written.ok()) co_return host_.show_failure(written.text);
   host_.show_status("Sheet written: " + path_text(*path));
 }

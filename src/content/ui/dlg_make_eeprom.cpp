@@ -16,6 +16,7 @@
 #include "base/ui/controls.h"
 #include "base/ui/page_marks.h"
 #include "base/ui/qt_text.h"
+#include "console/slow_write.h"
 #include "content/ui/flash_map_view.h"
 
 namespace qv5123 {
@@ -166,7 +167,7 @@ Task<> CDlgMakeEeprom::save_image(FlashBuild build) {
     std::function<FileResult()> work = [path = *path, image = std::move(build.image)] {
       return write_file_atomically(path, image);
     };
-    const auto written = co_await host_.background().run<FileResult>(std::move(work));
+    const FileResult written = co_await write_in_background(host_, *path, std::move(work));
     const std::string but = build.remarks.empty() ? "" : ", but " + joined(build.remarks, "; ");
     if (!written.ok())
       host_.show_failure(written.text);

@@ -22,6 +22,7 @@
 #include "base/ui/controls.h"
 #include "base/ui/page_marks.h"
 #include "base/ui/qt_text.h"
+#include "console/slow_write.h"
 #include "state/all_pages_read.h"
 #include "state/ui/compare_model.h"
 #include "state/ui/further_column_box.h"
@@ -339,12 +340,12 @@ Task<> ComparePage::save() {
   const std::string text = comparison_as_csv(model_->comparison(), chosen_or_all());
   const auto path = co_await surroundings_.host.prompts().choose_save(csv_choice());
   if (!path) co_return;
-  std::function<std::string()> work = [text, path = *path] { return write_file_atomically(path, text).text; };
-  const std::string failure = co_await surroundings_.host.background().run<std::string>(std::move(work));
-  if (failure.empty())
+  std::function<FileResult()> work = [text, path = *path] { return write_file_atomically(path, text); };
+  const FileResult written = co_await write_in_background(surroundings_.host, *path, std::move(work));
+  if (written.ok())
     surroundings_.host.show_status(path_text(path->filename()) + ": saved");
   else
-    surroundings_.host.show_failure(failure);
+    surroundings_.host.show_failure(written.text);
 }
 
 }  // namespace qv5123

@@ -23,6 +23,7 @@
 #include "base/text.h"
 #include "base/ui/controls.h"
 #include "base/ui/qt_text.h"
+#include "console/slow_write.h"
 #include "state/ui/history_model.h"
 #include "state/way_back.h"
 #include "state/write_export.h"
@@ -349,14 +350,17 @@ Task<> HistoryDock::save(std::size_t format) {
   const std::size_t count = shown.places.size();
   const auto path = co_await surroundings_.prompts.choose_save(file_choice(kFormats[format]));
   if (!path) co_return;
-  std::function<std::string()> work = [shown = std::move(shown), format, path = *path] {
-    const std::string text = export_writes(shown.journal, shown.places, kFormats[format]);
-    return write_file_atomically(path, text).text;
+  std::function<FileResult()> work = [shown = std::move(shown), format, path = *path] {
+    return write_file_atomically(path, export_writes(shown.journal, shown.places, kFormats[format]));
   };
-  const std::string failure = co_await surroundings_.files.run<std::string>(std::move(work));
+  std::function<void(const std::string&)> slow = [this](const std::string& text) {
+    surroundings_.say(true, text);
+  };
+  const FileResult written = co_await write_in_background(surroundings_.files, surroundings_.scheduler,
+                                                          std::move(slow), *path, std::move(work));
   const std::string done = path_text(path->filename()) + ": " + std::to_string(count) +
                            (count == 1 ? " write saved" : " writes saved");
-  surroundings_.say(!failure.empty(), failure.empty() ? done : failure);
+  surroundings_.say(!written.ok(), written.ok() ? done : written.text);
 }
 
 }  // namespace qv5123

@@ -32,6 +32,7 @@ class HistoryDock final : public QDockWidget {
   struct Surroundings {
     Prompts& prompts;
     Background& files;
+    Scheduler& scheduler;
     /// A line for the status bar, and whether it is of a failure.
     std::function<void(bool failure, const std::string& text)> say;
     /// Goes back to a moment that `when` names: to what the chip was told until then. So many writes behind

@@ -53,13 +53,14 @@ struct DockBench {
       scheduler, background, {folder.path(), std::chrono::system_clock::now, [](const std::string&) {}}};
   std::vector<KnownValues> backs;
   std::vector<KnownValues> compared;
-  HistoryDock dock{history,
-                   {user, background, [this](bool, const std::string& text) { said.push_back(text); },
-                    [this](KnownValues then, std::size_t unnamed, const std::string&) {
-                      backs.push_back(std::move(then));
-                      said.push_back(std::to_string(unnamed) + " unnamed");
-                    },
-                    [this](const KnownValues& then, const std::string&) { compared.push_back(then); }}};
+  HistoryDock dock{
+      history,
+      {user, background, scheduler, [this](bool, const std::string& text) { said.push_back(text); },
+       [this](KnownValues then, std::size_t unnamed, const std::string&) {
+         backs.push_back(std::move(then));
+         said.push_back(std::to_string(unnamed) + " unnamed");
+       },
+       [this](const KnownValues& then, const std::string&) { compared.push_back(then); }}};
 
   DockBench() {
     history.keep_in(files);
