@@ -307,7 +307,7 @@ void RegisterDesk::load_file() {
 }
 
 Task<> RegisterDesk::load_file_flow() {
-  FileChoice choice = register_file_choice("Choose the registers to write to the chip");
+  FileChoice choice = register_file_choice("Choose the register file to write to the chip");
   const auto path = co_await host_.prompts().choose_open(std::move(choice));
   if (!path) co_return;
   const LoadedRegisterFile loaded = co_await load_register_file(host_.background(), *path);

@@ -51,7 +51,7 @@ void ScriptPlayer::press() {
 
 Task<> ScriptPlayer::run() {
   FileChoice choice{"Setting Files (*.txt)|*.txt|All Files (*.*)|*.*||", "txt", "",
-                    "Choose the registers to write to the chip", "registers"};
+                    "Choose the file to send line by line", "registers"};
   const auto path = co_await host_.prompts().choose_open(std::move(choice));
   if (!path) co_return;
   const BusyScope busy(host_);

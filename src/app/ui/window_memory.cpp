@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QDockWidget>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QSpinBox>
@@ -52,6 +53,12 @@ void restore_state(QWidget* widget, const QVariant& state) {
   if (auto* splitter = qobject_cast<QSplitter*>(widget)) splitter->restoreState(state.toByteArray());
 }
 
+/// One that floated before it no longer could would have no way back.
+void put_back_docks(const CMainFrame& frame) {
+  for (auto* dock : frame.findChildren<QDockWidget*>())
+    if (!dock->features().testFlag(QDockWidget::DockWidgetFloatable)) dock->setFloating(false);
+}
+
 }  // namespace
 
 WindowMemory::WindowMemory(CMainFrame& frame, CQV5123View& view, WindowLook look)
@@ -62,6 +69,7 @@ WindowMemory::WindowMemory(CMainFrame& frame, CQV5123View& view, WindowLook look
 void WindowMemory::restore() {
   if (!kept_.geometry.isEmpty() && frame_.restoreGeometry(kept_.geometry)) frame_.keep_on_screen();
   if (!kept_.docks.isEmpty()) frame_.restoreState(kept_.docks);
+  put_back_docks(frame_);
   view_.column().restore(kept_.column);
 }
 

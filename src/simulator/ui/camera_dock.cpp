@@ -52,6 +52,8 @@ QImage image_of(const Preview& preview) {
 CameraDock::CameraDock(WithChip with_chip, Scheduler& scheduler, QWidget* parent)
     : QDockWidget("Camera", parent), with_chip_(std::move(with_chip)), background_(scheduler) {
   setObjectName("camera");
+  // Floating it would stand over a page.
+  setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
   auto* content = new QWidget(this);
   scene_ = add_choice(content, "scene", "Scene", "What the simulated camera looks at");
   lamp_ = add_choice(content, "lamp", "Lamp", "Colour temperature of the light on the scene");

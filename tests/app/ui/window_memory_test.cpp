@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDockWidget>
 #include <QScreen>
 #include <QSettings>
 
@@ -66,6 +67,26 @@ TEST(WindowMemory, FallsBackToWhatTheScreenHolds) {
   memory.restore();
   EXPECT_TRUE(bench.frame->screen()->availableGeometry().contains(bench.frame->frameGeometry()));
   EXPECT_EQ(bench.view->column().shape(), ColumnShape::whole);
+}
+
+TEST(WindowMemory, ADockThatMayFloatNoMoreIsPutBack) {
+  const auto add_dock = [](const test::WindowBench& bench) {
+    auto* dock = new QDockWidget("Camera", bench.frame.get());
+    dock->setObjectName("camera");
+    bench.frame->addDockWidget(Qt::RightDockWidgetArea, dock);
+    return dock;
+  };
+  WindowLook look;
+  {
+    test::WindowBench bench;
+    add_dock(bench)->setFloating(true);
+    look = WindowMemory(*bench.frame, *bench.view, {}).look();
+  }
+  test::WindowBench bench;
+  QDockWidget* dock = add_dock(bench);
+  dock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
+  WindowMemory(*bench.frame, *bench.view, look).restore();
+  EXPECT_FALSE(dock->isFloating());
 }
 
 TEST(ColumnDrawer, FoldsByItselfUntilTheUserChooses) {
