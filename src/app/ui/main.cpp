@@ -1,3 +1,4 @@
+#include <QPointer>
 #include <QSettings>
 #include <QStandardPaths>
 #include <algorithm>
@@ -143,6 +144,26 @@ std::shared_ptr<Trace> make_trace(const ProgramOptions& options) {
   return std::make_shared<Trace>(*options.trace, [fault] { report(fault); });
 }
 
+/// The chip that is chosen in the port dialog is made when it is opened first, on the port's thread; its
+/// camera comes into the window then.
+void use_chosen_chip(Program::Parts& parts, const std::shared_ptr<MeasuringBoard>& measuring) {
+  const auto made = std::make_shared<std::function<void(SimulatedBoard&)>>();
+  parts.furnish = [furnish = std::move(parts.furnish), made, measuring](CMainFrame& window,
+                                                                        Scheduler& scheduler) {
+    furnish(window, scheduler);
+    *made = [frame = QPointer<CMainFrame>(&window), &scheduler, measuring](SimulatedBoard& board) {
+      scheduler.post([frame, &scheduler, measuring, &board] {
+        if (frame) let_clicks_measure(add_camera(*frame, scheduler, board, true), *frame, measuring);
+      });
+    };
+  };
+  parts.device = device_beside(std::make_unique<DeferredDevice>([made] {
+    auto board = simulated_board({});
+    if (*made) (*made)(*board);
+    return board;
+  }));
+}
+
 Program::Parts program_parts(const ProgramOptions& options) {
   Program::Parts parts;
   parts.list_ports = ports_to_choose;
@@ -154,12 +175,11 @@ Program::Parts program_parts(const ProgramOptions& options) {
   // At once: nothing is torn down, and what was to be saved is on the disk.
   parts.end_process = [](int code) { std::_Exit(code); };
   parts.report = report;
-  const auto know_video_mode = [measuring](CMainFrame& frame) {
+  parts.furnish = [measuring](CMainFrame& frame, Scheduler&) {
     measuring->known_video_mode = [&values = view_of(frame).values()] { return known_video_mode(values); };
   };
   if (!options.simulate) {
-    parts.furnish = [know_video_mode](CMainFrame& frame, Scheduler&) { know_video_mode(frame); };
-    parts.device = device_beside(std::make_unique<DeferredDevice>([] { return simulated_board({}); }));
+    use_chosen_chip(parts, measuring);
     return parts;
   }
   auto board = simulated_board(options);
@@ -167,9 +187,9 @@ Program::Parts program_parts(const ProgramOptions& options) {
     board->with_chip([scene](SimulatedChip& chip) { chip.set_camera(Camera(*scene_named(scene))); });
   };
   // The board lives as long as the port session, which outlives the window.
-  parts.furnish = [=, board = board.get(), tour = options.tour.has_value()](CMainFrame& frame,
-                                                                            Scheduler& scheduler) {
-    know_video_mode(frame);
+  parts.furnish = [measuring, furnish = std::move(parts.furnish), board = board.get(),
+                   tour = options.tour.has_value()](CMainFrame& frame, Scheduler& scheduler) {
+    furnish(frame, scheduler);
     let_clicks_measure(add_camera(frame, scheduler, *board, !tour), frame, measuring);
   };
   parts.device = device_beside(std::move(board));

@@ -27,6 +27,12 @@ std::unique_ptr<Prompts> make_prompts(bool attended, const std::function<void(co
   return std::make_unique<UnattendedPrompts>(report);
 }
 
+void bring_to_front(QWidget& window) {
+  window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+  window.raise();
+  window.activateWindow();
+}
+
 }  // namespace
 
 Program::Program(ProgramOptions options, AppSettings settings, Parts parts)
@@ -212,6 +218,8 @@ HelpWindow& Program::help() {
     help_ = std::make_unique<HelpWindow>();
     help_->tell_keys([this] { return shortcuts_markdown(*frame_); });
     QObject::connect(help_.get(), &HelpWindow::command_chosen, frame_.get(), [this](const QString& name) {
+      // Also for a page that is shown already, and so is not chosen again.
+      bring_to_front(*frame_);
       if (auto* action = frame_->findChild<QAction*>(name)) action->trigger();
     });
   }

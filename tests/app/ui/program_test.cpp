@@ -7,6 +7,9 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "app/ui/frame.h"
+#include "app/ui/help_window.h"
+#include "app/ui/qv5123_view.h"
 #include "link/in_process_device.h"
 #include "link/ui/serial_port_setting.h"
 #include "reliability/ui/real_program.h"
@@ -157,6 +160,23 @@ TEST(ProgramStart, SavesAreVerifiedUntilThatIsSwitchedOffWhichIsStored) {
     check->setChecked(false);
     test::wait_until([&] { return !AppSettings(bench.store).verify_saves(); });
   }
+}
+
+TEST(ProgramHelp, AStepBringsTheWindowToTheFrontAlsoWhereItsPageIsShown) {
+  ProgramBench bench;
+  AppSettings(bench.store).store_port({9, "COM9", {19200, 7, 0, 0, 0}, "Nine", 0});
+  const auto program = bench.program();
+  auto* frame = wait_for<CMainFrame>();
+  wait_for<QFileDialog>()->reject();
+  QCoreApplication::processEvents();
+  emit frame->topic_wanted("first-steps");
+  auto* help = wait_for<HelpWindow>();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(QApplication::activeWindow(), help);
+  EXPECT_FALSE(frame->findChild<QAction*>("registers")->isEnabled());
+  emit help->command_chosen("registers");
+  QCoreApplication::processEvents();
+  EXPECT_EQ(QApplication::activeWindow(), frame);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <QScreen>
 #include <QSettings>
 
+#include "app/ui/camera_place.h"
 #include "app/ui/column_drawer.h"
 #include "app/ui/window_bench.h"
 #include "registers/ui/multiline_list.h"
@@ -69,24 +70,31 @@ TEST(WindowMemory, FallsBackToWhatTheScreenHolds) {
   EXPECT_EQ(bench.view->column().shape(), ColumnShape::whole);
 }
 
-TEST(WindowMemory, ADockThatMayFloatNoMoreIsPutBack) {
-  const auto add_dock = [](const test::WindowBench& bench) {
+TEST(WindowMemory, TheCameraComesBackAsItWasHoweverLateButFloatsNoMore) {
+  const auto add_camera = [](const test::WindowBench& bench) {
     auto* dock = new QDockWidget("Camera", bench.frame.get());
     dock->setObjectName("camera");
-    bench.frame->addDockWidget(Qt::RightDockWidgetArea, dock);
+    place_camera(*bench.frame, *dock, true);
     return dock;
   };
   WindowLook look;
   {
     test::WindowBench bench;
-    add_dock(bench)->setFloating(true);
+    QDockWidget* dock = add_camera(bench);
+    dock->setFloating(true);
+    dock->show();
     look = WindowMemory(*bench.frame, *bench.view, {}).look();
   }
-  test::WindowBench bench;
-  QDockWidget* dock = add_dock(bench);
-  dock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
-  WindowMemory(*bench.frame, *bench.view, look).restore();
-  EXPECT_FALSE(dock->isFloating());
+  for (const bool late : {false, true}) {
+    test::WindowBench bench;
+    WindowMemory memory(*bench.frame, *bench.view, look);
+    if (late) memory.restore();
+    QDockWidget* dock = add_camera(bench);
+    dock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
+    if (!late) memory.restore();
+    EXPECT_FALSE(dock->isFloating()) << late;
+    EXPECT_FALSE(dock->isHidden()) << "by itself it would not open beside so large a window: " << late;
+  }
 }
 
 TEST(ColumnDrawer, FoldsByItselfUntilTheUserChooses) {
