@@ -30,7 +30,8 @@ std::string file_words(SavedFile file, const std::filesystem::path& setting_file
   const std::string name = setting_file.empty() ? "a setting file that you choose"
                                                 : "the setting file " + path_text(setting_file.filename());
   if (file == SavedFile::own) return "Writes this page's values to " + name + " and sends ";
-  return "Writes the values of all open pages but ISPTune to " + name + " and sends ";
+  return "Writes the values of all open pages but ISPTune to " + name +
+         ", and the font editor's text export where the font has changed, and sends ";
 }
 
 }  // namespace
