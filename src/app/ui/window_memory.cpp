@@ -40,6 +40,12 @@ QVariant state_of(const QWidget* widget) {
   return {};
 }
 
+void restore_header(QHeaderView* header, const QByteArray& state) {
+  header->restoreState(state);
+  // It may be that of a table which had more columns then.
+  if (header->model() && header->count() != header->model()->columnCount()) header->reset();
+}
+
 void restore_state(QWidget* widget, const QVariant& state) {
   if (auto* text = dynamic_cast<KeptText*>(widget)) return text->take_kept(state.toString());
   if (auto* button = qobject_cast<QAbstractButton*>(widget)) return button->setChecked(state.toBool());
@@ -49,7 +55,7 @@ void restore_state(QWidget* widget, const QVariant& state) {
   }
   if (auto* number = qobject_cast<QSpinBox*>(widget)) return number->setValue(state.toInt());
   if (auto* edit = qobject_cast<QLineEdit*>(widget)) return edit->setText(state.toString());
-  if (auto* header = qobject_cast<QHeaderView*>(widget)) header->restoreState(state.toByteArray());
+  if (auto* header = qobject_cast<QHeaderView*>(widget)) restore_header(header, state.toByteArray());
   if (auto* splitter = qobject_cast<QSplitter*>(widget)) splitter->restoreState(state.toByteArray());
 }
 

@@ -104,7 +104,7 @@ CDlgFontMaker::CDlgFontMaker(PageHost& host, QWidget* parent)
 CDlgFontMaker::~CDlgFontMaker() = default;
 
 QBoxLayout* CDlgFontMaker::make_file_row() {
-  page_selector_ = new QComboBox;
+  page_selector_ = keep_choice(new QComboBox);
   for (int page = 0; page < FontLibrary::kPages; ++page) page_selector_->addItem(QString::number(page));
   page_selector_->setAccessibleName("FontPage");
   page_selector_->setToolTip("Page of 256 glyphs to show");

@@ -149,8 +149,9 @@ void ComparePage::make_table() {
   table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
   for (std::size_t column = 0; column < kWidths.size(); ++column)
     table_->setColumnWidth(static_cast<int>(column), kWidths[column]);
-  table_->horizontalHeader()->setSectionResizeMode(static_cast<int>(CompareModel::Column::caption),
-                                                   QHeaderView::Stretch);
+  QHeaderView* header = keep_choice(table_->horizontalHeader());
+  header->setAccessibleName("Columns of the values");
+  header->setSectionResizeMode(static_cast<int>(CompareModel::Column::caption), QHeaderView::Stretch);
   auto* copy = new QAction("Copy", table_);
   copy->setShortcut(QKeySequence::Copy);
   copy->setShortcutContext(Qt::WidgetShortcut);

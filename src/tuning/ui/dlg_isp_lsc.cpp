@@ -6,6 +6,8 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "base/ui/page_marks.h"
+
 namespace qv5123 {
 namespace {
 
@@ -62,7 +64,7 @@ PickerBox* CDlgIspLSC::make_picker() {
       {picker_register::kCorrection, picker_register::kDisplay, picker_register::kEnable});
   auto* size = make_combo({"1080P", "720P"}, "Screen Size", "Length of the line: 1920 or 1280 pixels",
                           [this](int index) { desk_.choose_screen(index); });
-  box->add_setting("Screen Size:", size);
+  box->add_setting("Screen Size:", keep_choice(size));
   connect(box, &PickerBox::switch_changed, this, [this] {
     // The sweep looks at the switch itself, and says what the keys do when it ends.
     if (!desk_.calibrating()) desk_.picker().want_keys(desk_.values().picker_on);

@@ -209,8 +209,8 @@ QWidget* CDlgIspMatrix::make_calculation_group() {
   auto* grid = new QGridLayout(group);
   grid->setContentsMargins(6, 2, 6, 4);
   grid->setVerticalSpacing(2);
-  manual_ = make_check("Input Manually", {}, "Lets every patch be typed",
-                       [this](bool on) { desk_.choose_manual_input(on); });
+  manual_ = keep_choice(make_check("Input Manually", {}, "Lets every patch be typed",
+                                   [this](bool on) { desk_.choose_manual_input(on); }));
   grid->addWidget(new QLabel("Correction Ratio"), 0, 0);
   grid->addLayout(make_ratio_row(), 0, 1);
   grid->addWidget(make_button("Calculate", {}, "Fits the matrix to the measured patches",

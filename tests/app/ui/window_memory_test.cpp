@@ -3,13 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <QDockWidget>
+#include <QHeaderView>
 #include <QScreen>
 #include <QSettings>
+#include <QStandardItemModel>
+#include <QTableView>
 
 #include "app/ui/camera_place.h"
 #include "app/ui/column_drawer.h"
 #include "app/ui/window_bench.h"
 #include "registers/ui/multiline_list.h"
+#include "state/ui/compare_model.h"
 
 namespace qv5123 {
 namespace {
@@ -35,6 +39,9 @@ TEST(WindowMemory, BringsBackPlaceColumnPageAndThePagesOwnChoices) {
     test::find<QLineEdit>(bench.choose(PageId::make_flash), "fw file")->setText("/a/fw.bin");
     test::find<QComboBox>(bench.choose(PageId::linear_matrix), "Move Step")->setCurrentIndex(2);
     test::find<QSpinBox>(bench.choose(PageId::linear_matrix), "Noise limit")->setValue(250);
+    test::find<QCheckBox>(bench.choose(PageId::linear_matrix), "Input Manually")->setChecked(true);
+    test::find<QComboBox>(bench.choose(PageId::lsc), "Screen Size")->setCurrentIndex(1);
+    test::find<QComboBox>(bench.choose(PageId::font_editor), "FontPage")->setCurrentIndex(3);
     test::find<CMultilineList>(bench.choose(PageId::registers), "Bit fields")->set_column_width(1, 222);
     bench.choose(PageId::make_flash);
     bench.view->column().choose_next();
@@ -51,8 +58,25 @@ TEST(WindowMemory, BringsBackPlaceColumnPageAndThePagesOwnChoices) {
   EXPECT_EQ(test::find<CMultilineList>(bench.choose(PageId::registers), "Bit fields")->column_width(1), 222);
   EXPECT_EQ(test::find<QComboBox>(bench.choose(PageId::linear_matrix), "Move Step")->currentIndex(), 2);
   EXPECT_EQ(test::find<QSpinBox>(bench.choose(PageId::linear_matrix), "Noise limit")->value(), 250);
+  EXPECT_TRUE(test::find<QCheckBox>(bench.choose(PageId::linear_matrix), "Input Manually")->isChecked());
+  EXPECT_EQ(test::find<QComboBox>(bench.choose(PageId::lsc), "Screen Size")->currentIndex(), 1);
+  EXPECT_EQ(test::find<QComboBox>(bench.choose(PageId::font_editor), "FontPage")->currentText(), "3");
   EXPECT_EQ(memory.look().choices.value("make-flash/fw file"), "/a/fw.bin") << "a page not opened this time";
   EXPECT_EQ(test::find<QLineEdit>(bench.choose(PageId::make_flash), "fw file")->text(), "/a/fw.bin");
+}
+
+TEST(WindowMemory, KeepsTheWidthsOfATableThatHadAFurtherColumn) {
+  QTableView wider;
+  QStandardItemModel columns(1, CompareModel::kColumns);
+  wider.setModel(&columns);
+  wider.setColumnWidth(0, 222);
+  WindowLook look;
+  look.choices["compare/Columns of the values"] = wider.horizontalHeader()->saveState();
+  test::WindowBench bench;
+  const WindowMemory memory(*bench.frame, *bench.view, look);
+  const auto* header = test::find<QTableView>(bench.choose(PageId::compare), "Values")->horizontalHeader();
+  EXPECT_EQ(header->sectionSize(0), 222);
+  EXPECT_EQ(header->count(), CompareModel::kColumns - 1);
 }
 
 TEST(WindowMemory, FallsBackToWhatTheScreenHolds) {
