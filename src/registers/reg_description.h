@@ -28,7 +28,8 @@ struct RegEntry {
   /// The first value known since the description or a register file was read, which later ones are compared
   /// with; kNone, or kLost where the register was written before anybody had read it.
   int before = kNone;
-  bool sent = false;  ///< by hand, known before or not, and not read since
+  bool sent = false;   ///< by hand, known before or not, and not read since
+  bool older = false;  ///< what is known of it is from before the chip was reset
 
   static constexpr int kNone = -1;
   static constexpr int kLost = -2;
@@ -41,6 +42,7 @@ struct RegEntry {
     value = now;
     written = false;
     sent = false;
+    older = false;
     if (before == kNone && now >= 0) before = now;
   }
   /// It was written by hand.

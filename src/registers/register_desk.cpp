@@ -336,6 +336,11 @@ Task<> RegisterDesk::load_file_flow() {
   if (lost == 0 && !forgotten) check_.start(known);
 }
 
+void RegisterDesk::chip_was_reset() {
+  sheet_.chip_was_reset();
+  view_.show_values();
+}
+
 void RegisterDesk::write_flash() {
   flash_.collect(sheet_.description());
   host_.link().send(flash_.transfer());

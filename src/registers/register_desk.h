@@ -66,6 +66,8 @@ class RegisterDesk {
   /// read back where check()'s listener wants that.
   void load_file();
   RegisterCheck& check() { return check_; }
+  /// Registers that were read show what the chip had before, until they are read again.
+  void chip_was_reset();
   /// Stores the registers 0xF800..0xFFFF in the chip's flash. The page's button for it is disabled.
   void write_flash();
 

@@ -147,6 +147,17 @@ std::size_t RegisterSheet::apply(const RegisterFile& file) {
   return matches;
 }
 
+void RegisterSheet::chip_was_reset() {
+  for (RegEntry& entry : description_.registers) entry.older = entry.value >= 0 || entry.sent;
+}
+
+bool RegisterSheet::older_than_chip() const {
+  const auto [first, last] = range_;
+  for (std::size_t reg = first; reg < last; ++reg)
+    if (description_.registers[reg].older) return true;
+  return false;
+}
+
 std::size_t RegisterSheet::known() const {
   const auto known =
       std::ranges::count_if(description_.registers, [](auto& entry) { return entry.value >= 0; });

@@ -84,6 +84,10 @@ class RegisterSheet {
   /// Takes the values of a register file, forgetting all others. See apply_register_file(). What changes from
   /// now on is compared with them.
   std::size_t apply(const RegisterFile& file);
+  /// The chip was reset: what is shown of a register is what it had before, until it is read again.
+  void chip_was_reset();
+  /// Whether that is so of a register of the category.
+  bool older_than_chip() const;
   /// How many registers have a value.
   std::size_t known() const;
 

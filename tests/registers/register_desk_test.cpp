@@ -23,6 +23,23 @@ TEST_F(RegisterDeskTest, ALateAnswerIsNeitherAnotherAddressesNorOverwritesWhatIs
   EXPECT_EQ(sheet().value_text(), u"0x77");
 }
 
+TEST_F(RegisterDeskTest, WhatWasReadBeforeTheChipWasResetIsOlderUntilItIsReadAgain) {
+  open_and_read();
+  desk_->select_row(1);
+  wire_.advance(300);
+  EXPECT_FALSE(sheet().older_than_chip());
+  desk_->chip_was_reset();
+  desk_->choose_category(1);
+  wire_.advance(300);
+  EXPECT_FALSE(sheet().older_than_chip()) << "nothing of this one had been read";
+  desk_->choose_category(0);
+  wire_.advance(300);
+  EXPECT_TRUE(sheet().older_than_chip()) << "its first register alone was read again";
+  desk_->load_category();
+  wire_.advance(2000);
+  EXPECT_FALSE(sheet().older_than_chip());
+}
+
 TEST_F(RegisterDeskTest, AnAddressWithoutAnAnswerShowsNoValueAndSaysSo) {
   open_and_read();
   chip_.silent = true;

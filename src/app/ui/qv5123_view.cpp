@@ -16,6 +16,7 @@
 #include "console/main_commands.h"
 #include "console/setting_file.h"
 #include "console/version_box.h"
+#include "registers/ui/dlg_isp_register.h"
 
 namespace qv5123 {
 namespace {
@@ -234,6 +235,8 @@ void CQV5123View::reset_chip() {
   tell_sent("Factory Reset", {qv5123::factory_reset()});
   for (std::size_t page = 0; page < values_.pages(); ++page)
     if (TuningDesk* desk = values_.desk(page)) desk->chip_was_reset();
+  if (auto* page = dynamic_cast<CDlgIspRegister*>(pages_->page(PageId::registers)))
+    page->register_desk().chip_was_reset();
 }
 
 std::string CQV5123View::what_would_change() const {

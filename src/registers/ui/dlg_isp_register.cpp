@@ -15,6 +15,7 @@
 #include "base/ui/controls.h"
 #include "base/ui/page_marks.h"
 #include "base/ui/qt_text.h"
+#include "base/ui/reading_note.h"
 #include "link/indirect_access.h"
 #include "registers/hex_edit.h"
 #include "registers/kept_registers.h"
@@ -232,7 +233,9 @@ QBoxLayout* CDlgIspRegister::make_button_rows() {
   auto* lower = new QHBoxLayout;
   for (QPushButton* button : {save_file_, load_file_, flash}) lower->addWidget(button);
   lower->addStretch();
+  age_ = make_reading_note([this] { load_category_->click(); });
   auto* rows = new QVBoxLayout;
+  rows->addWidget(age_);
   rows->addLayout(upper);
   rows->addLayout(lower);
   return rows;
@@ -252,8 +255,8 @@ void CDlgIspRegister::set_tab_order() {
   for (QWidget* next : filter) then(next);
   for (QWidget* next : std::initializer_list<QWidget*>{list_, address_, read_, value_, write_}) then(next);
   for (QWidget* box : bits_->findChildren<QCheckBox*>()) then(box);
-  for (QWidget* next :
-       std::initializer_list<QWidget*>{fields_, load_category_, load_all_, stop_, save_file_, load_file_}) {
+  for (QWidget* next : std::initializer_list<QWidget*>{fields_, age_, load_category_, load_all_, stop_,
+                                                       save_file_, load_file_}) {
     then(next);
   }
 }

@@ -77,6 +77,7 @@ class CDlgIspRegister final : public QWidget,
   void show_count();
   void mark_favourite(bool on);
   void show_favourite();
+  void show_age();
 
   void show_description() override;
   void show_category() override;
@@ -101,6 +102,7 @@ class CDlgIspRegister final : public QWidget,
   QLineEdit* name_;
   BitBoxes* bits_;
   CMultilineList* fields_;
+  QLabel* age_ = nullptr;  ///< says that the chip was reset since
   QPushButton* read_ = nullptr;
   QPushButton* write_ = nullptr;
   QPushButton* load_category_ = nullptr;

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "base/ui/page_marks.h"
+#include "base/ui/reading_note.h"
 #include "registers/ui/dlg_isp_register.h"
 #include "registers/ui/hex_edits.h"
 #include "registers/ui/register_columns.h"
@@ -166,6 +167,7 @@ void CDlgIspRegister::show_category() {
     listed_->take_category();
     list_anew();
   }
+  show_age();
   // Not while another page is shown, whose keys it would take.
   if (isVisible()) list_->setFocus();
 }
@@ -173,11 +175,20 @@ void CDlgIspRegister::show_category() {
 void CDlgIspRegister::show_value_of(std::size_t reg) {
   list_model_->value_changed(reg);
   listed_->look_again();
+  show_age();
 }
 
 void CDlgIspRegister::show_values() {
   list_model_->values_changed();
   listed_->look_again();
+  show_age();
+}
+
+void CDlgIspRegister::show_age() {
+  const bool older = desk_.sheet().older_than_chip();
+  show_reading_note(
+      age_, older ? "older than the chip" : "",
+      older ? "The chip was reset since the category was read; \"Load From ISP\" reads it again" : "");
 }
 
 /// The rows that belong to the address in its edit, in the model's order.

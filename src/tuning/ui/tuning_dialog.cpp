@@ -4,6 +4,7 @@
 
 #include "base/ui/page_marks.h"
 #include "base/ui/qt_text.h"
+#include "base/ui/reading_note.h"
 
 namespace qv5123 {
 namespace {
@@ -47,22 +48,15 @@ void TuningDialog::showEvent(QShowEvent* event) {
 }
 
 QLabel* TuningDialog::make_unread_note() {
-  auto* note = new QLabel;
-  note->setObjectName("unread");
+  QLabel* note = make_reading_note([this] { tuning_desk_.start_load(); });
   QSizePolicy place = note->sizePolicy();
   place.setRetainSizeWhenHidden(true);
   note->setSizePolicy(place);
-  connect(note, &QLabel::linkActivated, this, [this] { tuning_desk_.start_load(); });
   tuning_desk_.tell_unread([note](const std::string& text) {
-    const bool offers = text == kOlderThanChip;
-    note->setText(to_qt(text) + (offers ? ": <a href=\"load\">read it</a>" : ""));
-    note->setToolTip(offers ? "The chip was reset since the page was read; the page shows what it had before"
-                            : "");
-    // A stop for the keyboard only while there is something to press.
-    note->setTextInteractionFlags(offers ? Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard
-                                         : Qt::NoTextInteraction);
-    note->setFocusPolicy(offers ? Qt::StrongFocus : Qt::NoFocus);
-    note->setVisible(!text.empty());
+    const char* why = text == kOlderThanChip
+                          ? "The chip was reset since the page was read; the page shows what it had before"
+                          : "";
+    show_reading_note(note, to_qt(text), why);
   });
   return note;
 }

@@ -202,6 +202,21 @@ TEST_F(KnownValues, APageOlderThanAChipThatWasResetOffersToReadIt) {
   EXPECT_NE(red1()->value(), 321);
 }
 
+TEST_F(KnownValues, RegistersOlderThanAChipThatWasResetOfferToBeReadAsThePagesDo) {
+  bench_.click("Load <- ISP");
+  bench_.wire.advance(2000);
+  const auto* on_page = bench_.widget().findChild<QLabel*>("unread");
+  bench_.open(PageId::registers);
+  bench_.click_in_column("Factory Reset");
+  bench_.wire.advance(2000);
+  auto* note = bench_.widget().findChild<QLabel*>("unread");
+  EXPECT_FALSE(note->isHidden());
+  EXPECT_EQ(note->text(), on_page->text());
+  emit note->linkActivated("load");
+  bench_.wire.advance(2000);
+  EXPECT_TRUE(note->isHidden());
+}
+
 TEST_F(KnownValues, WhatIsNoEditOfOneValueIsMarkedAndUndoneAsWell) {
   auto* ratio = bench_.control<QSpinBox>("Correction Ratio");
   const int before = ratio->value();
