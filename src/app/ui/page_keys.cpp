@@ -60,7 +60,8 @@ class ReturnTip final : public QObject {
 
  private:
   void complete(QWidget* edit) const {
-    if (!edit->toolTip().endsWith(text_)) edit->setToolTip(edit->toolTip() + text_);
+    const QString tip = edit->toolTip().remove(text_) + text_;
+    if (tip != edit->toolTip()) edit->setToolTip(tip);
   }
 
   const QString text_;

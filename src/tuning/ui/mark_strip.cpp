@@ -22,12 +22,14 @@ std::vector<QColor> colours_of(const ValueMark& mark) {
   return colours;
 }
 
+/// Others add to the tooltip as well: the mark's text need not stand at its end.
 void tell(QWidget* edit, const QString& text) {
   const QString added = text.isEmpty() ? QString() : "\n" + text;
   QString tip = edit->toolTip();
   const QString before = edit->property(kAdded).toString();
-  if (before == added && tip.endsWith(before)) return;
-  if (!before.isEmpty() && tip.endsWith(before)) tip.chop(before.size());
+  if (before == added && tip.contains(before)) return;
+  const qsizetype at = before.isEmpty() ? -1 : tip.lastIndexOf(before);
+  if (at >= 0) tip.remove(at, before.size());
   edit->setToolTip(tip + added);
   edit->setProperty(kAdded, added);
   edit->setAccessibleDescription(text);

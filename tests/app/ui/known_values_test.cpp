@@ -42,17 +42,19 @@ class KnownValues : public testing::Test {
 };
 
 TEST_F(KnownValues, MarksDotAndStarFollowAValue) {
+  const std::string range = "0..4095 (1024 is 1.0), register 0x64", return_key = ". Return: \"S\"";
+  const auto tip = [this] { return red1()->toolTip().toStdString(); };
   EXPECT_EQ(item(), "&LSC");
   type(321);
   EXPECT_EQ(mark(), "unsent ");
   EXPECT_EQ(red1()->accessibleDescription(), "Not sent");
-  EXPECT_TRUE(red1()->toolTip().startsWith("0..4095")) << red1()->toolTip().toStdString();
-  EXPECT_TRUE(red1()->toolTip().contains("\nNot sent"));
+  EXPECT_EQ(tip(), range + "\nNot sent" + return_key);
   EXPECT_EQ(item(), "&LSC\u2022");
   bench_.click("Parameter-1 S");
   bench_.wire.advance(1000);
   EXPECT_EQ(mark(), "");
   EXPECT_EQ(red1()->accessibleDescription(), "");
+  EXPECT_EQ(tip(), range + return_key);
   EXPECT_EQ(item(), "&LSC");
 
   bench_.user.paths = {bench_.folder.write("board.dat", setting_text(bench_.document.user_data))};
@@ -67,6 +69,8 @@ TEST_F(KnownValues, MarksDotAndStarFollowAValue) {
   bench_.wire.link.connection_changed();
   bench_.wire.advance(10);
   EXPECT_EQ(mark(), "unsent file");
+  EXPECT_EQ(tip(), range + "\nNot sent. File 0" + return_key) << "and nothing of the marks before";
+  EXPECT_EQ(red1()->accessibleDescription(), "Not sent. File 0");
 }
 
 TEST_F(KnownValues, ASaveIsReadBackWhereThatIsWanted) {
