@@ -101,11 +101,13 @@ void UndoList::go(Step& step, bool back) {
   changed_();
 }
 
-/// What was sent once goes to the chip with every undo and redo: the last job may still be on its way.
+/// What was sent once goes to the chip with every undo and redo: the last job may still be on its way. What
+/// only the full save sends, such as the gamma page's channel, has no way of its own back.
 void UndoList::note_sent(const Step& step, Part& part) const {
   const std::size_t page = states_.page_named(part.desk->model().texts().name);
   const std::vector<std::size_t> fields = fields_that_differ(part.before, part.after, page);
   for (const std::size_t field : fields) {
+    if (states_.fields(page)[field].sent_by == Field::kNowhere) continue;
     const ValueStates::Sent sent = states_.sent_since(page, field, step.jobs);
     if (sent != ValueStates::Sent::no) part.sent.insert(field);
     part.with_save = part.with_save || sent == ValueStates::Sent::with_save;

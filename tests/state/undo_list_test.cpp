@@ -110,6 +110,25 @@ TEST_F(UndoListTest, SendsWhatHadBeenSentInTheSameWay) {
   EXPECT_EQ(wire(), "@f901*@fa01*" + row + "@fa00*@f900*") << "the chip is to keep it";
 }
 
+TEST_F(UndoListTest, WhatOnlyAFullSaveSendsIsTakenBackInThePageAlone) {
+  const auto save = [this] {
+    host_.user.answers = {Answer::yes};
+    gamma_.start_save(host_.user, gamma_.save());
+    EXPECT_THAT(wire(60'000), testing::HasSubstr("@f901*"));
+  };
+  gamma_.choose_channel(GammaChannel::blue);
+  save();
+  undo();
+  EXPECT_EQ(gamma_.values().channel, GammaChannel::rgb);
+  EXPECT_EQ(wire(), "");
+  EXPECT_EQ(host_.last_status(), "Gamma Save Done.") << "nothing was sent for the chip to keep";
+
+  type(gamma_, 1, 33);
+  save();
+  undo();
+  EXPECT_THAT(wire(), testing::HasSubstr("@f901*")) << "a point is sent by its curve";
+}
+
 TEST_F(UndoListTest, LoadsFitsAndPicksAreSteps) {
   image().set_word(440, 77);
   image().set_word(45, 88);
