@@ -11,6 +11,8 @@ namespace {
 
 /// How often a request waits once more for the rest of a block.
 constexpr int kMoreWaits = 3;
+/// What a request waits for may be over before its time.
+constexpr std::chrono::milliseconds kLookAgain{100};
 
 Chunk chunk_of(Batch batch) {
   Chunk chunk;
@@ -49,6 +51,7 @@ Pending<JobResult> CommandLink::send(Traffic traffic, std::function<void(std::si
 Pending<JobResult> CommandLink::send_through_hold(Traffic traffic) {
   Resolver<JobResult> done;
   Pending<JobResult> result = done.pending();
+  ++writes_;
   put(held_ ? held_queue_ : queue_, {noted_job(std::move(traffic), {}), done, nullptr, true});
   return result;
 }
@@ -69,18 +72,18 @@ Pending<JobResult> CommandLink::send_request(Batch request) {
 void CommandLink::send_when_quiet(const Batch& request, std::chrono::milliseconds since,
                                   Resolver<JobResult> done) {
   if (done.dropped()) return;
-  const auto wait = late_.wait(scheduler_.now(), since, request);
+  const auto wait = late_.wait(scheduler_.now(), since, request, writes_);
   if (wait.count() > 0) {
-    scheduler_.call_after(wait, [this, alive = alive_, request, since, done] {
+    scheduler_.call_after(std::min(wait, kLookAgain), [this, alive = alive_, request, since, done] {
       if (*alive) send_when_quiet(request, since, done);
     });
     return;
   }
   Job job;
   job.chunks.push_back(chunk_of(request));
-  job.on_write = [this, alive = alive_, request](std::uint64_t received) {
+  job.on_write = [this, alive = alive_, request, writes = writes_](std::uint64_t received) {
     if (!*alive) return;
-    note_asked(request);
+    note_asked(request, writes);
     // Where this comes late, after bytes that came in since, the reply may be among them already.
     if (received_ <= received) reply_.forget();
   };
@@ -91,8 +94,8 @@ void CommandLink::give_up() {
   if (late_.gave_up(scheduler_.now())) health_.gave_up();
 }
 
-void CommandLink::note_asked(const Batch& request) {
-  health_.asked(late_.asked(scheduler_.now(), request), request);
+void CommandLink::note_asked(const Batch& request, std::uint64_t writes) {
+  health_.asked(late_.asked(scheduler_.now(), request, writes), request);
 }
 
 void CommandLink::connection_changed() {
@@ -119,6 +122,7 @@ Pending<JobResult> CommandLink::send(Job job) {
 Pending<JobResult> CommandLink::enqueue(std::deque<Queued>& queue, Job job) {
   Resolver<JobResult> done;
   Pending<JobResult> result = done.pending();
+  ++writes_;
   put(queue, {std::move(job), done, nullptr, false});
   return result;
 }

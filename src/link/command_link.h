@@ -97,7 +97,8 @@ class CommandLink {
   Pending<JobResult> send(Job job);
   /// Sends a request: whatever reply was received before is dropped as it leaves, so that a late answer to an
   /// earlier one is not taken for its reply. Where such an answer is overdue the request first waits until no
-  /// reply has come in for as long as the chip has ever taken for one, at most LateAnswers::kLongest. Whoever
+  /// reply has come in for as long as the chip has ever taken for one, at most LateAnswers::kLongest; it goes
+  /// at once when it asks for the same and nothing was sent since, except other requests. Whoever
   /// calls it holds the turn. If the result is dropped before the request has its turn it does not leave: its
   /// answer would reach whoever asks next.
   Pending<JobResult> send_request(Batch request);
@@ -179,7 +180,7 @@ class CommandLink {
   void start(Job job, Resolver<JobResult> done);
   void job_over(const JobResult& result);
   void count_sent(const JobResult& result);
-  void note_asked(const Batch& request);
+  void note_asked(const Batch& request, std::uint64_t writes);
   void give_up();
   void note_brackets(const JobResult& result);
   void release_turn();
@@ -193,6 +194,7 @@ class CommandLink {
   LateAnswers late_;
   LinkHealth health_;
   std::uint64_t received_ = 0;  // bytes from the chip
+  std::uint64_t writes_ = 0;    // jobs that were handed over and are no requests
   std::deque<Queued> queue_;
   std::deque<Queued> held_queue_;  // what the holder sends
   std::optional<Resolver<JobResult>> running_;

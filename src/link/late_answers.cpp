@@ -36,6 +36,10 @@ std::optional<std::size_t> digits_in(const Table& table, std::uint8_t address) {
   return found == table.end() ? std::nullopt : std::optional(found->digits);
 }
 
+bool asks_for_page(const Batch& request) {
+  return request.size() == 1 && digits_in(kPageReplies, request[0].address);
+}
+
 }  // namespace
 
 std::optional<std::size_t> answer_digits(const Batch& request) {
@@ -53,17 +57,18 @@ std::size_t surplus_digits(const Batch& request, std::size_t digits) {
   return digits > known ? digits - known : 0;
 }
 
-bool LateAnswers::asked(Time now, const Batch& request) {
+bool LateAnswers::asked(Time now, const Batch& request, std::uint64_t writes) {
   const bool doubtful = owed_ > 0 || failed_;
   quiet_since_ = now;
   failed_ = false;
-  if (doubtful && request == request_) {
+  if (doubtful && request == request_ && writes == writes_) {
     ++owed_;
     return true;
   }
   asked_before_ = doubtful ? asked_ : now;
   asked_ = now;
   request_ = request;
+  writes_ = writes;
   owed_ = 1;
   return false;
 }
@@ -90,9 +95,13 @@ void LateAnswers::took(Time time) {
   longest_ = std::clamp(time, longest_, kLongest);
 }
 
-LateAnswers::Time LateAnswers::wait(Time now, Time since, const Batch& request) const {
-  if ((owed_ == 0 && !failed_) || request == request_) return Time(0);
-  return std::max(Time(0), std::min(quiet_since_ + longest_, since + kLongest) - now);
+LateAnswers::Time LateAnswers::wait(Time now, Time since, const Batch& request, std::uint64_t writes) const {
+  const bool same = request == request_;
+  if (owed_ == 0 && (same || !failed_)) return Time(0);
+  if (same && writes == writes_) return Time(0);
+  // Not even its length tells a page's older answer from its newer one.
+  const Time quiet = same && asks_for_page(request) ? kLongest : longest_;
+  return std::max(Time(0), std::min(quiet_since_ + quiet, since + kLongest) - now);
 }
 
 }  // namespace qv5123

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 
 #include "link/register_write.h"
@@ -40,8 +41,8 @@ class LateAnswers {
     Time took{0};  ///< from the request, for an own one
   };
 
-  /// `request` leaves. True when it asks again for what is still owed.
-  bool asked(Time now, const Batch& request);
+  /// `request` leaves, behind so many jobs that write. True when it asks again for what is still owed.
+  bool asked(Time now, const Batch& request, std::uint64_t writes);
   /// Part of a reply came in; text on the console is none.
   void heard(Time now) { quiet_since_ = now; }
   /// A reply of that many digits is complete.
@@ -56,15 +57,17 @@ class LateAnswers {
   }
 
   /// How long `request` should still wait before it leaves, while nothing more is heard. It has been waiting
-  /// since `since`. The same request need not: a late answer to the one before is one to it, too.
-  Time wait(Time now, Time since, const Batch& request) const;
+  /// since `since`, and leaves behind so many jobs that write. The same request need not wait while there are
+  /// no more of them than there were: a late answer to the one before is one to it, too.
+  Time wait(Time now, Time since, const Batch& request, std::uint64_t writes) const;
 
  private:
   void took(Time time);
 
   Batch request_;
-  Time asked_{0};         ///< for the first time
-  Time asked_before_{0};  ///< the request before, where its answer was overdue
+  std::uint64_t writes_ = 0;  ///< jobs that left before it
+  Time asked_{0};             ///< for the first time
+  Time asked_before_{0};      ///< the request before, where its answer was overdue
   Time quiet_since_{0};
   Time longest_{0};      ///< round trip seen
   int owed_ = 0;         ///< answers to it

@@ -227,6 +227,29 @@ TEST(CommandLink, AfterAQueryThatFailedTheNextLeavesWhenTheLineWasQuietForARound
   EXPECT_EQ(wire.sender.writes.size(), 5u) << "a line that is never quiet holds nobody up for good";
 }
 
+TEST(CommandLink, AnAnswerOlderThanAWriteIsNotTakenForThatOfTheSamePageAfterIt) {
+  FakeWire wire;
+  std::vector<std::string> answers;
+  Flow flow(ask(wire.link, 0x6B, answers));
+  wire.advance(50 + 1800);
+  wire.link.send(Batch{{0x64, 1}});
+  flow.start(ask(wire.link, 0x6B, answers));
+  wire.advance(3000);
+  EXPECT_EQ(wire.sender.wire(), "@6b00*@6401*");
+  wire.receive("~" + std::string(24, '1') + "^");
+  wire.advance(100 + 50);
+  EXPECT_EQ(wire.sender.wire(), "@6b00*@6401*@6b00*") << "it was what was waited for";
+  wire.receive("~" + std::string(24, '2') + "^");
+  wire.advance(300);
+  EXPECT_EQ(answers, (std::vector<std::string>{"none", std::string(24, '2')}));
+
+  flow.start(ask(wire.link, 0x6B, answers));
+  wire.advance(50 + 1800);
+  flow.start(ask(wire.link, 0x6B, answers));
+  wire.advance(50);
+  EXPECT_EQ(wire.sender.writes.size(), 5u) << "what was sent before both questions delays none";
+}
+
 TEST(CommandLink, AChipThatIsAwayOwesNoAnswer) {
   FakeWire wire;
   std::vector<std::string> answers;
