@@ -42,6 +42,10 @@ LinkHealth::Time LinkHealth::line_time(const Batch& request, std::size_t digits)
   return on_the_line(kFrameBytes * request.size() + digits + kBlockEnds);
 }
 
+std::chrono::duration<double> LinkHealth::frame_time() const {
+  return std::chrono::duration<double, std::milli>(byte_time_ * kFrameBytes);
+}
+
 void LinkHealth::left(std::size_t frames, std::size_t bytes) {
   counts_.frames_sent += frames;
   counts_.bytes_sent += bytes;

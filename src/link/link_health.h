@@ -57,6 +57,8 @@ class LinkHealth {
   std::optional<Time> latency() const { return latencies_.median(); }
   /// What a request and an answer of so many digits take on the line.
   Time line_time(const Batch& request, std::size_t digits) const;
+  /// What a register write's frame takes on the line.
+  std::chrono::duration<double> frame_time() const;
   /// The median of what short replies take beyond the time of their bits on the line; nothing while there are
   /// fewer than kFewest.
   std::optional<Time> idle() const;

@@ -5,6 +5,7 @@
 
 #include "base/delay.h"
 #include "base/hex.h"
+#include "base/text.h"
 #include "link/indirect_access.h"
 
 namespace qv5123 {
@@ -17,9 +18,13 @@ std::string hex_byte(int value) {
   return "0x" + upper_hex(static_cast<unsigned>(value));
 }
 
+std::string verified_text(std::size_t of) {
+  return "Verified: " + std::to_string(of) + " of " + counted(of, "value");
+}
+
 std::string differing_text(const std::vector<std::string>& all, std::size_t of) {
-  std::string text = std::to_string(all.size()) + " of " + std::to_string(of) +
-                     (of == 1 ? " value" : " values") + (all.size() == 1 ? " differs: " : " differ: ");
+  std::string text = std::to_string(all.size()) + " of " + counted(of, "value") +
+                     (all.size() == 1 ? " differs: " : " differ: ");
   for (std::size_t i = 0; i < std::min(all.size(), kNamed); ++i) text += (i > 0 ? ", " : "") + all[i];
   if (all.size() > kNamed) text += " and " + std::to_string(all.size() - kNamed) + " more";
   return text;
@@ -89,6 +94,7 @@ Task<> RegisterCheck::repair() {
   for (int times = 0; times < kMostRepairs && !differences().empty(); ++times) {
     for (std::size_t at = 0; at < registers_.size(); ++at) {
       if (!registers_[at].differs()) continue;
+      registers_[at].chip.reset();
       co_await host_.link().send(isp_write(registers_[at].address, registers_[at].sent));
       co_await Delay(host_.scheduler(), RegisterLoader::kWriteWait);
     }
@@ -108,15 +114,14 @@ std::vector<std::string> RegisterCheck::differences() const {
 }
 
 void RegisterCheck::tell_result(Found found) {
-  if (found == Found::silence) return listener_.tell("Not verified: no answer from the chip", {}, {});
-  if (found == Found::damage)
-    return listener_.tell("Not verified: the chip's answers were damaged on the line", {}, {});
   const std::vector<std::string> differing = differences();
-  const std::string count = std::to_string(registers_.size());
+  std::string text;
+  if (found == Found::silence) text = "Not verified: no answer from the chip";
+  if (found == Found::damage) text = "Not verified: the chip's answers were damaged on the line";
   if (differing.empty())
-    return listener_.tell(
-        "Verified: " + count + " of " + count + (registers_.size() == 1 ? " value" : " values"), {}, {});
-  listener_.tell(differing_text(differing, registers_.size()), differing, [this] {
+    return listener_.tell(text.empty() ? verified_text(registers_.size()) : text, {}, {});
+  if (!text.empty()) text += ". ";
+  listener_.tell(text + differing_text(differing, registers_.size()), differing, [this] {
     if (!flow_.running()) flow_.start(repair());
   });
 }

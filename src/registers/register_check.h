@@ -19,8 +19,8 @@ class RegisterCheck {
   struct Listener {
     /// Whether anything is to be read back at all.
     std::function<bool()> wanted;
-    /// What came of it, and what differs, a text each; `again` sends that once more and is empty where there
-    /// is nothing to send. An empty text: what was told before is past.
+    /// What came of it, and what is known to differ, a text each; `again` sends that once more and is empty
+    /// where there is nothing to send. An empty text: what was told before is past.
     std::function<void(const std::string& text, const std::vector<std::string>& differences,
                        std::function<void()> again)>
         tell;

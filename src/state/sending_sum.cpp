@@ -1,7 +1,6 @@
 #include "state/sending_sum.h"
 
 #include <algorithm>
-#include <chrono>
 
 #include "base/text.h"
 #include "link/sender.h"
@@ -12,8 +11,6 @@ namespace {
 using Seconds = std::chrono::duration<double>;
 
 constexpr std::size_t kMostNamed = 15;
-/// What a write's frame of six characters takes at the usual 19200 baud.
-constexpr std::chrono::microseconds kFrame{3125};
 
 }  // namespace
 
@@ -24,7 +21,7 @@ void SendingSum::add(const Traffic& traffic) {
 
 std::string sending_text(const SendingSum& sum) {
   const Seconds time =
-      kNormalPacing * static_cast<double>(sum.flushes) + kFrame * static_cast<double>(sum.writes);
+      kNormalPacing * static_cast<double>(sum.flushes) + sum.frame * static_cast<double>(sum.writes);
   return counted(sum.writes, "register write") + ", in some " + fixed(time.count(), 1) + " s";
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -12,6 +13,8 @@ namespace qv5123 {
 struct SendingSum {
   std::size_t writes = 0;   ///< of registers
   std::size_t flushes = 0;  ///< the port waits before each
+  /// What a write takes on the line; as it stands at the usual 19200 baud.
+  std::chrono::duration<double> frame = std::chrono::microseconds(3125);
 
   void add(const Traffic& traffic);
 };

@@ -125,6 +125,23 @@ TEST_F(RegisterCheckTest, BelievesNoSingleAnswerAndNoSilence) {
   EXPECT_FALSE(again_);
 }
 
+TEST_F(RegisterCheckTest, WhatIsKnownToDifferIsNamedAlsoWhereALaterRegisterIsSilent) {
+  chip_.values.erase(0xA20);
+  int lost = 0;
+  load_file([&lost](const std::string& bytes) {
+    return bytes == "@920a*@9220*@9344*" || (bytes == "@9208*@9200*@9333*" && lost++ == 0);
+  });
+  EXPECT_EQ(texts_.back(),
+            "Not verified: no answer from the chip. 1 of 3 values differs: 0xF800 (sent 0x33, chip 0xA5)");
+  EXPECT_EQ(differences_, std::vector<std::string>{"0xF800 (sent 0x33, chip 0xA5)"});
+  const auto again = again_;
+  ASSERT_TRUE(again);
+  chip_.silent = true;
+  again();
+  wire_.advance(10'000);
+  EXPECT_EQ(texts_.back(), "Not verified: no answer from the chip") << "what was sent again is not known";
+}
+
 TEST_F(RegisterDeskTest, FlashTakesTheMaskAndEightBlocks) {
   open_and_read();
   desk_->write_flash();

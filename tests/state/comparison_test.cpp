@@ -138,6 +138,9 @@ TEST_F(ComparisonTest, SaysWhatPagesTakeAndWhatIsSent) {
   EXPECT_THAT(sending_question(many, {320, 1}), HasSubstr("and 2 more\n"));
   EXPECT_THAT(sending_question(many, {320, 1}), HasSubstr("320 register writes, in some 1.1 s"))
       << "a second for the line, 50 ms before it";
+  LineSettings slow;
+  slow.baud_rate = 2400;
+  EXPECT_THAT(sending_question(many, {320, 4, LinkHealth(slow).frame_time()}), HasSubstr("in some 8.2 s"));
 }
 
 TEST_F(ComparisonTest, IsCopiedAndExported) {

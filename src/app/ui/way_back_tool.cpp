@@ -60,7 +60,7 @@ Task<> WayBackTool::run(KnownValues then, std::size_t unnamed, std::string when)
 
 /// On desks of its own, so that no page changes before the user agrees.
 SendingSum WayBackTool::rehearse(WayBack& way, const KnownValues& then) {
-  SendingSum sum;
+  SendingSum sum{.frame = view_.link().health().frame_time()};
   CQV5123Doc document = view_.document();
   for (WayBack::Page& page : way.pages) {
     Rehearsal host(view_.link());

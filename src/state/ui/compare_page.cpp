@@ -320,7 +320,7 @@ Task<> ComparePage::send() {
                                        : "Page -> Chip: nothing that is chosen can be sent alone");
     co_return;
   }
-  SendingSum sum;
+  SendingSum sum{.frame = surroundings_.host.link().health().frame_time()};
   for (const PageValues& page : values.pages)
     sum.add(surroundings_.states.desk(page.page)->own_traffic(page.fields()));
   Question question = careful_question(sending_question(values, sum), "Page -> Chip");
