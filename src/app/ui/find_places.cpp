@@ -23,12 +23,8 @@
 namespace qv5123 {
 namespace {
 
-QString plain(QString caption) {
-  return caption.remove(u'&').remove(QStringLiteral("\u2022"));
-}
-
 QString page_title(PageId id) {
-  return plain(QString::fromLatin1(kPageEntries[static_cast<std::size_t>(id)].menu_text));
+  return plain_caption(QString::fromLatin1(kPageEntries[static_cast<std::size_t>(id)].menu_text));
 }
 
 /// What can be gone to: what takes the keyboard and has a name. A "S" stands beside what it sets.
@@ -98,15 +94,15 @@ void go_to_value(CQV5123View& view, const Value& value) {
 void add_actions(const QList<QAction*>& actions, const QString& where, std::vector<FindItem>& items) {
   for (QAction* action : actions) {
     if (action->menu()) {
-      add_actions(action->menu()->actions(), plain(action->text()), items);
+      add_actions(action->menu()->actions(), plain_caption(action->text()), items);
       continue;
     }
     if (action->isSeparator() || !action->isEnabled() || action->text().isEmpty()) continue;
     const QString keys = action->shortcut().toString(QKeySequence::NativeText);
-    items.push_back(
-        {plain(action->text()), keys.isEmpty() ? where : where + ", " + keys, [action = QPointer(action)] {
-           if (action) action->trigger();
-         }});
+    items.push_back({plain_caption(action->text()), keys.isEmpty() ? where : where + ", " + keys,
+                     [action = QPointer(action)] {
+                       if (action) action->trigger();
+                     }});
   }
 }
 

@@ -62,6 +62,10 @@ QScrollArea* scrolled(QWidget* page) {
 
 }  // namespace
 
+QString plain_caption(QString caption) {
+  return caption.remove(u'&').remove(QString::fromUtf8(kDot));
+}
+
 PageArea::PageArea(HostOfPage host_of, PageFactories factories, QWidget* parent)
     : QStackedWidget(parent), host_of_(std::move(host_of)), factories_(std::move(factories)) {
   addWidget(new QWidget);  // the area before any page is chosen

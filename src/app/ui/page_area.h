@@ -10,6 +10,9 @@ class QAction;
 
 namespace qv5123 {
 
+/// An action's text as it is read: without its mnemonic and without the dot behind a page's item.
+QString plain_caption(QString caption);
+
 /// The left area, in which exactly one page at a time is shown, and the menu items that choose it. Pages are
 /// made on first use and live until exit.
 class PageArea final : public QStackedWidget {

@@ -3,16 +3,39 @@
 #include <QAction>
 #include <QMenu>
 #include <QPushButton>
+#include <algorithm>
 #include <utility>
 
 #include "app/ui/column_drawer.h"
 #include "app/ui/find_places.h"
 #include "app/ui/frame.h"
 #include "app/ui/page_area.h"
+#include "app/ui/page_commands.h"
 #include "app/ui/qv5123_view.h"
 #include "base/ui/page_marks.h"
 
 namespace qv5123 {
+namespace {
+
+QString text_of(const QList<QKeySequence>& sequences) {
+  QStringList keys;
+  for (const QKeySequence& each : sequences)
+    if (!each.isEmpty()) keys << each.toString(QKeySequence::NativeText);
+  return keys.join(", ");
+}
+
+/// Those are told of whether the part is there or not.
+bool is_of_a_part(const QString& keys, const QString& what) {
+  return std::any_of(kPartKeys.begin(), kPartKeys.end(), [&](const PartKey& key) {
+    return what == QLatin1String(key.text) && keys == text_of({QKeySequence(key.keys)});
+  });
+}
+
+QString row_of(const QString& keys, QString what) {
+  return QStringLiteral("| %1 | %2 |\n").arg(keys, what.replace(u'<', "&lt;").replace(u'|', "\\|"));
+}
+
+}  // namespace
 
 WindowActions::WindowActions(CMainFrame& frame, CQV5123View& view)
     : QObject(&frame), frame_(frame), view_(view), menu_(frame.tools()) {
@@ -80,15 +103,15 @@ bool WindowActions::press(const char* command) {
 }
 
 QString shortcuts_markdown(const QObject& window) {
-  QString text = "| Keys | |\n|---|---|\n";
+  QStringList rows;
   for (const QAction* action : window.findChildren<QAction*>()) {
-    QStringList keys;
-    for (const QKeySequence& each : action->shortcuts()) keys << each.toString(QKeySequence::NativeText);
-    if (keys.isEmpty()) continue;
-    const QString what = QString(action->text()).remove(u'&').replace(u'<', "&lt;").replace(u'|', "\\|");
-    text += QStringLiteral("| %1 | %2 |\n").arg(keys.join(", "), what);
+    const QString keys = text_of(action->shortcuts()), what = plain_caption(action->text());
+    if (!keys.isEmpty() && !is_of_a_part(keys, what)) rows << row_of(keys, what);
   }
-  return text;
+  for (const PartKey& key : kPartKeys)
+    rows << row_of(text_of({QKeySequence(key.keys)}), QStringLiteral("%1 (%2)").arg(key.text, key.where));
+  rows.removeDuplicates();
+  return "| Keys | |\n|---|---|\n" + rows.join(QString());
 }
 
 }  // namespace qv5123

@@ -36,7 +36,8 @@ class WindowActions final : public QObject {
   FindDialog* find_ = nullptr;
 };
 
-/// A table of all keys in the window and what they do, as Markdown, made from the actions that are there.
+/// A table of all keys in the window and what they do, as Markdown, made from the actions that are there and
+/// from what is known of the parts that nobody has opened.
 QString shortcuts_markdown(const QObject& window);
 
 }  // namespace qv5123
