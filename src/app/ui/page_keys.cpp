@@ -34,7 +34,8 @@ void give_mnemonic(QAbstractButton& button, QSet<QChar>& taken) {
     const QChar letter = text[place].toUpper();
     if (letter.unicode() > 0x7F || taken.contains(letter)) continue;
     taken.insert(letter);
-    button.setText(QString(text).insert(place, u'&'));
+    button.setProperty(kLetter, letter);
+    set_caption(&button, text);
     return;
   }
 }

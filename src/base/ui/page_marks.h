@@ -11,6 +11,8 @@ inline constexpr const char* kKeptChoice = "kept-choice";
 inline constexpr const char* kCommand = "command";
 inline constexpr const char* kUnfolds = "unfolds";
 inline constexpr const char* kSetsTheEditsBeside = "sets-the-edits-beside";
+/// The letter that presses a button with Alt.
+inline constexpr const char* kLetter = "letter";
 
 /// The commands that the main window has a key for.
 inline constexpr const char* kLoadCommand = "load";  ///< reads the page from the chip
@@ -40,13 +42,13 @@ inline QPushButton* mark_command(QPushButton* button, const char* command) {
   return button;
 }
 
-/// Shows another caption and keeps the key that was given to the button, where the caption still has that
-/// letter.
-inline void set_caption(QAbstractButton* button, const QString& caption) {
-  const qsizetype mark = button->text().indexOf(u'&');
-  const qsizetype place =
-      mark < 0 ? -1 : caption.indexOf(button->text().mid(mark + 1, 1), 0, Qt::CaseInsensitive);
-  button->setText(place < 0 ? caption : QString(caption).insert(place, u'&'));
+/// Shows a caption, with the key that was given to the button wherever the caption has that letter: one that
+/// has not does not take it away from the next.
+inline void set_caption(QAbstractButton* button, QString caption) {
+  const QChar letter = button->property(kLetter).toChar();
+  const qsizetype place = letter.isNull() ? -1 : caption.indexOf(letter, 0, Qt::CaseInsensitive);
+  if (place >= 0) caption.insert(place, u'&');
+  if (caption != button->text()) button->setText(caption);
 }
 
 /// Marks a "S" or "Set": the return key in an edit beside it, in the same row of its layout, does what it

@@ -168,14 +168,14 @@ void CDlgIspAwb::show_values() {
 
 void CDlgIspAwb::show_measuring() {
   show_choice(choice_, static_cast<int>(desk_.patch()));
-  show_caption(all_, desk_.measuring_all() ? QString("Stop (%1 left)").arg(desk_.patches_left())
-                                           : QString("Measure 18"));
+  set_caption(all_, desk_.measuring_all() ? QString("Stop (%1 left)").arg(desk_.patches_left())
+                                          : QString("Measure 18"));
 }
 
 void CDlgIspAwb::show_keys() {
   show_checked(picker_, desk_.picker().on());
   picker_->setEnabled(desk_.picker().switch_enabled());
-  show_caption(get_color_, desk_.picker().measuring() ? "GET COLOR ..." : "GET COLOR");
+  set_caption(get_color_, desk_.picker().measuring() ? "GET COLOR ..." : "GET COLOR");
 }
 
 }  // namespace qv5123

@@ -130,9 +130,9 @@ QLayout* CDlgIspMatrix::make_chart_row() {
 void CDlgIspMatrix::show_run() {
   const auto set =
       std::ranges::count_if(desk_.corners(), [](const auto& place) { return place.has_value(); });
-  show_caption(corner_, set == 0 ? QString("Set corner") : QString("Set corner (%1 of 4)").arg(set));
-  show_caption(all_, desk_.measuring_all() ? QString("Stop (%1 left)").arg(desk_.patches_left())
-                                           : QString("Measure all 24"));
+  set_caption(corner_, set == 0 ? QString("Set corner") : QString("Set corner (%1 of 4)").arg(set));
+  set_caption(all_, desk_.measuring_all() ? QString("Stop (%1 left)").arg(desk_.patches_left())
+                                          : QString("Measure all 24"));
 }
 
 QWidget* CDlgIspMatrix::make_file_buttons() {

@@ -91,15 +91,6 @@ void show_value(QSpinBox* box, int value) {
   box->setValue(value);
 }
 
-void show_caption(QAbstractButton* button, QString caption) {
-  const QString shown = button->text();
-  const qsizetype mark = shown.indexOf(u'&');
-  const qsizetype place =
-      mark < 0 || mark + 1 >= shown.size() ? -1 : caption.indexOf(shown[mark + 1], 0, Qt::CaseInsensitive);
-  if (place >= 0) caption.insert(place, u'&');
-  if (caption != shown) button->setText(caption);
-}
-
 void show_checked(QAbstractButton* button, bool checked) {
   const QSignalBlocker quiet(button);
   button->setChecked(checked);

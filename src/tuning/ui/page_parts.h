@@ -74,8 +74,6 @@ void keep_wheel_from(QWidget* widget);
 /// Sets a value without the widget telling that it changed.
 void show_value(QSpinBox* box, int value);
 void show_checked(QAbstractButton* button, bool checked);
-/// Another caption, under the same letter where it has it.
-void show_caption(QAbstractButton* button, QString caption);
 /// The same for the button of that number.
 void show_choice(QButtonGroup* group, int id);
 /// Nothing is selected where the list has no such index.

@@ -113,7 +113,7 @@ void PickerBox::show_picker() {
 void PickerBox::show_keys() {
   // A measurement takes no arrows, but further presses of the key between them.
   for (QPushButton* arrow : arrows_) arrow->setEnabled(!desk_.measuring());
-  show_caption(middle_, desk_.measuring() ? caption_ + " ..." : caption_);
+  set_caption(middle_, desk_.measuring() ? caption_ + " ..." : caption_);
   switch_->setEnabled(desk_.switch_enabled());
   const bool enabled = desk_.keys_enabled() || desk_.measuring();
   // Qt would hand the focus of a disabled key on, and the next press of it would do something else.

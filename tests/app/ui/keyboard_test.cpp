@@ -8,6 +8,7 @@
 #include "app/ui/help_window.h"
 #include "app/ui/window_actions.h"
 #include "app/ui/window_bench.h"
+#include "base/ui/page_marks.h"
 #include "console/setting_file.h"
 
 namespace qv5123 {
@@ -82,6 +83,17 @@ TEST(Keyboard, DoesAWholeTuningJob) {
   EXPECT_EQ(typist.user.questions.size(), asked);
   typist.press(Qt::Key_1, Qt::ControlModifier);
   EXPECT_EQ(typist.view->pages().current(), PageId::registers);
+}
+
+TEST(Keyboard, AButtonHasItsLetterAgainAfterACaptionWithoutIt) {
+  Typist typist;
+  auto* button = test::find<QPushButton>(typist.choose(PageId::linear_matrix), "Measure all 24");
+  const QString before = button->text();
+  EXPECT_TRUE(before.contains('&'));
+  set_caption(button, "...");
+  EXPECT_EQ(button->text(), "...");
+  set_caption(button, "Measure all 24");
+  EXPECT_EQ(button->text(), before);
 }
 
 TEST(Keyboard, EveryButtonOfAPageHasALetterOfItsOwn) {
