@@ -5,10 +5,12 @@
 #include <QCheckBox>
 #include <QEvent>
 #include <QGridLayout>
+#include <QKeySequence>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSet>
-#include <algorithm>
+#include <map>
 #include <vector>
 
 #include "base/ui/page_marks.h"
@@ -16,34 +18,79 @@
 namespace qv5123 {
 namespace {
 
-/// The places in `text` in the order in which they serve: beginnings of words, then all others.
-std::vector<qsizetype> letters_of(const QString& text) {
-  std::vector<qsizetype> places;
+/// The letters of `text` in the order in which they serve: beginnings of words, then all others.
+std::vector<QChar> letters_of(const QString& text) {
+  std::vector<QChar> letters;
   for (const bool beginnings : {true, false}) {
     for (qsizetype i = 0; i < text.size(); ++i) {
       const bool begins = i == 0 || !text[i - 1].isLetterOrNumber();
-      if (text[i].isLetterOrNumber() && begins == beginnings) places.push_back(i);
+      const bool serves = text[i].isLetterOrNumber() && text[i].unicode() <= 0x7F;
+      if (serves && begins == beginnings) letters.push_back(text[i].toUpper());
     }
   }
-  return places;
+  return letters;
 }
 
-void give_mnemonic(QAbstractButton& button, QSet<QChar>& taken) {
-  const QString text = button.text();
-  for (const qsizetype place : letters_of(text)) {
-    const QChar letter = text[place].toUpper();
-    if (letter.unicode() > 0x7F || taken.contains(letter)) continue;
-    taken.insert(letter);
-    button.setProperty(kLetter, letter);
-    set_caption(&button, text);
-    return;
+/// Hands out letters, to as many buttons as it can: who has one takes another where that helps the next. None
+/// that has one is left without for a later one.
+class Letters {
+ public:
+  explicit Letters(const QSet<QChar>& reserved) : reserved_(reserved) {}
+
+  void give(QAbstractButton* button) {
+    QSet<QChar> tried = reserved_;
+    find_for(button, tried);
   }
-}
+  void show() const {
+    for (const auto& [letter, button] : owners_) {
+      button->setProperty(kLetter, letter);
+      set_caption(button, button->text());
+    }
+  }
+
+ private:
+  bool find_for(QAbstractButton* button, QSet<QChar>& tried) {
+    const std::vector<QChar> letters = letters_of(button->text());
+    for (const QChar letter : letters)
+      if (!tried.contains(letter) && owners_.try_emplace(letter, button).second) return true;
+    for (const QChar letter : letters) {
+      if (tried.contains(letter)) continue;
+      tried.insert(letter);
+      if (!find_for(owners_[letter], tried)) continue;
+      owners_[letter] = button;
+      return true;
+    }
+    return false;
+  }
+
+  const QSet<QChar> reserved_;
+  std::map<QChar, QAbstractButton*> owners_;
+};
 
 /// "S" and "Set" repeat; the return key presses them.
 bool wants_mnemonic(const QAbstractButton& button) {
   return button.text().size() > 1 && !button.text().contains(u'&') &&
          !button.property(kSetsTheEditsBeside).toBool();
+}
+
+bool is_push(const QAbstractButton* button) {
+  return qobject_cast<const QPushButton*>(button) != nullptr;
+}
+
+/// Of the window, which has one for them on every page.
+bool has_key(const QAbstractButton* button) {
+  const QByteArray command = button->property(kCommand).toByteArray();
+  return command == kLoadCommand || command == kSaveCommand;
+}
+
+/// Those with which labels go to their edits.
+QSet<QChar> letters_of_labels(const QWidget& page) {
+  QSet<QChar> letters;
+  for (const QLabel* label : page.findChildren<QLabel*>()) {
+    const QKeySequence key = QKeySequence::mnemonic(label->text());
+    if (label->buddy() && !key.isEmpty()) letters.insert(key.toString().back());
+  }
+  return letters;
 }
 
 /// Keeps what the return key does at the end of an edit's tool tip, whatever else comes to stand there.
@@ -117,15 +164,18 @@ QList<QWidget*> widgets_beside(QPushButton* button) {
 }  // namespace
 
 void give_mnemonics(QWidget& page, const QString& reserved) {
-  QSet<QChar> taken(reserved.begin(), reserved.end());
+  Letters letters(QSet<QChar>(reserved.begin(), reserved.end()) + letters_of_labels(page));
   const QList<QAbstractButton*> all = page.findChildren<QAbstractButton*>();
   const auto give_to = [&](auto is_kind) {
     for (QAbstractButton* button : all)
-      if (is_kind(button) && wants_mnemonic(*button)) give_mnemonic(*button, taken);
+      if (is_kind(button) && wants_mnemonic(*button)) letters.give(button);
   };
-  // Where letters are short, buttons go before check boxes, which the tab key reaches as well.
-  give_to([](QAbstractButton* button) { return qobject_cast<QPushButton*>(button) != nullptr; });
+  // Where letters are short, buttons that the window has a key for go last, before check boxes, which the tab
+  // key reaches as well.
+  give_to([](QAbstractButton* button) { return is_push(button) && !has_key(button); });
+  give_to([](QAbstractButton* button) { return is_push(button) && has_key(button); });
   give_to([](QAbstractButton* button) { return qobject_cast<QCheckBox*>(button) != nullptr; });
+  letters.show();
 }
 
 void let_return_set(QWidget& page) {

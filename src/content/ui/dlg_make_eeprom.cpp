@@ -51,10 +51,10 @@ CDlgMakeEeprom::CDlgMakeEeprom(PageHost& host, QWidget* parent) : QWidget(parent
   auto* paths = new QGridLayout;
   layout->addLayout(paths);
   firmware_ =
-      add_path_row(paths, "fw file", binary_choice("Choose the firmware for the flash image", "firmware"));
-  font_ = add_path_row(paths, "font file", binary_choice("Choose the font for the flash image", "font"));
+      add_path_row(paths, "f&w file", binary_choice("Choose the firmware for the flash image", "firmware"));
+  font_ = add_path_row(paths, "&font file", binary_choice("Choose the font for the flash image", "font"));
   user_ = add_path_row(
-      paths, "user file",
+      paths, "&user file",
       {"DAT file(*.dat)|*.dat", "dat", ".dat", "Choose the user data for the flash image", "dat"});
 
   auto* make =
@@ -68,14 +68,16 @@ CDlgMakeEeprom::CDlgMakeEeprom(PageHost& host, QWidget* parent) : QWidget(parent
     connect(edit, &QLineEdit::textChanged, this, &CDlgMakeEeprom::look_again);
 }
 
-QLineEdit* CDlgMakeEeprom::add_path_row(QGridLayout* layout, const QString& label, const FileChoice& choice) {
+QLineEdit* CDlgMakeEeprom::add_path_row(QGridLayout* layout, const QString& caption,
+                                        const FileChoice& choice) {
+  const QString label = QString(caption).remove(u'&');
   auto* edit = keep_choice(new QLineEdit);
   edit->setAccessibleName(label);
   edit->setToolTip("Path of the " + label + "; files can be dropped on the page");
   // By itself it would take the file as an address among its text.
   edit->setAcceptDrops(false);
-  auto* caption = new QLabel(label);
-  caption->setBuddy(edit);
+  auto* shown = new QLabel(caption);
+  shown->setBuddy(edit);
   auto* button = new QPushButton("...");
   button->setAccessibleName("Choose " + label);
   button->setToolTip("Choose the " + label);
@@ -83,7 +85,7 @@ QLineEdit* CDlgMakeEeprom::add_path_row(QGridLayout* layout, const QString& labe
           [this, edit, choice] { flows_.spawn(choose_path(edit, choice)); });
 
   const int row = layout->rowCount();
-  layout->addWidget(caption, row, 0);
+  layout->addWidget(shown, row, 0);
   layout->addWidget(edit, row, 1);
   layout->addWidget(button, row, 2);
   return edit;

@@ -27,7 +27,7 @@ class CDlgMakeEeprom : public QWidget, public Page {
   void showEvent(QShowEvent* event) override;
 
  private:
-  QLineEdit* add_path_row(QGridLayout* layout, const QString& label, const FileChoice& choice);
+  QLineEdit* add_path_row(QGridLayout* layout, const QString& caption, const FileChoice& choice);
   Task<> choose_path(QLineEdit* edit, FileChoice choice);
   Task<> make_image();
   Task<> save_image(FlashBuild build);
