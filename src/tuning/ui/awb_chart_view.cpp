@@ -65,6 +65,10 @@ ChartPoint inside_frame(ChartPoint at) {
 
 AwbChartView::AwbChartView(QWidget* parent) : QWidget(parent) {
   setAccessibleName("White detection chart");
+  setToolTip(
+      "Point at a patch for its name and numbers. The wheel enlarges, 0 shows all again, a click on a line's "
+      "letter hides it, Ctrl+C copies.");
+  setFocusPolicy(Qt::StrongFocus);
   add_chart_menu(
       this, [this] { return numbers(); },
       [this] {
@@ -147,7 +151,8 @@ QString AwbChartView::text_at(QPointF point) const {
 bool AwbChartView::event(QEvent* event) {
   if (event->type() != QEvent::ToolTip) return QWidget::event(event);
   const auto* help = static_cast<QHelpEvent*>(event);
-  QToolTip::showText(help->globalPos(), text_at(help->pos()), this);
+  const QString patch = text_at(help->pos());
+  QToolTip::showText(help->globalPos(), patch.isEmpty() ? toolTip() : patch, this);
   return true;
 }
 
@@ -178,6 +183,7 @@ void AwbChartView::paintEvent(QPaintEvent*) {
   paint_letters(painter);
   painter.restore();
   paint_legend(painter);
+  if (hasFocus()) paint_focus(painter, area.adjusted(3, 3, -3, -3), text_colour());
 }
 
 void AwbChartView::paint_frame(QPainter& painter) const {

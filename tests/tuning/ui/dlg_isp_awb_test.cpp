@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
+#include <QHelpEvent>
+#include <QTest>
+#include <QToolTip>
 
 #include "support/chart_driver.h"
 #include "support/page_bench.h"
@@ -84,12 +87,23 @@ TEST_F(AwbChart, EnlargesHidesLinesAndIsCopied) {
   test::enlarge(&chart, at);
   EXPECT_NEAR(chart.to_widget(on_f).x(), at.x(), 1) << "what is under the mouse stays there";
   EXPECT_GT(chart.to_widget({0, 50}).x() - at.x(), 150);
-  chart.actions().last()->trigger();
+  const QImage unframed = chart.grab().toImage();
+  chart.show();
+  QApplication::setActiveWindow(&chart);
+  QTest::mouseClick(&chart, Qt::LeftButton, {}, QPoint(2, 2));
+  EXPECT_TRUE(chart.grab().toImage() != unframed) << "it has the keys";
+  QTest::keyClick(&chart, Qt::Key_0);
   EXPECT_EQ(chart.to_widget(on_f), at) << "all of it is shown again";
   EXPECT_EQ(drawn_at(on_f), QColor(Qt::red));
   test::mouse(&chart, QEvent::MouseButtonPress, chart.legend_place(5).center());
   EXPECT_NE(drawn_at(on_f), QColor(Qt::red));
-  EXPECT_EQ(test::copied(&chart), chart.numbers());
+  QApplication::clipboard()->clear();
+  QTest::keyClick(&chart, Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::clipboard()->text(), chart.numbers());
+
+  QHelpEvent beside(QEvent::ToolTip, {2, 2}, chart.mapToGlobal(QPoint(2, 2)));
+  QApplication::sendEvent(&chart, &beside);
+  EXPECT_EQ(QToolTip::text(), chart.toolTip());
 }
 
 TEST_F(AwbChart, LinesStandOutFromADarkBackground) {
