@@ -14,6 +14,7 @@
 #include "app/ui/column_drawer.h"
 #include "app/ui/frame.h"
 #include "app/ui/page_area.h"
+#include "app/ui/page_commands.h"
 #include "app/ui/qv5123_view.h"
 #include "base/hex.h"
 #include "base/ui/findable.h"
@@ -143,6 +144,25 @@ void add_controls(CQV5123View& view, PageId id, std::vector<FindItem>& items) {
   }
 }
 
+void go_to_command(CQV5123View& view, PageId id, const QString& name) {
+  view.pages().choose(id);
+  QWidget* page = view.pages().page_widget(id);
+  if (!page) return;
+  for (auto* button : page->findChildren<QAbstractButton*>()) {
+    if (button->accessibleName() != name || !is_place(button)) continue;
+    unfold(page, button);
+    return put_keyboard(button);
+  }
+}
+
+/// Those of a page that nobody has opened.
+void add_commands(CQV5123View& view, const PageCommands& page, std::vector<FindItem>& items) {
+  if (!view.pages().available(page.page) || view.pages().page_widget(page.page)) return;
+  for (const QString& name : QString(page.names).split(u'|'))
+    items.push_back(
+        {name, page_title(page.page), [&view, id = page.page, name] { go_to_command(view, id, name); }});
+}
+
 void add_column(CQV5123View& view, std::vector<FindItem>& items) {
   ColumnDrawer& drawer = view.column();
   for (QWidget* widget : drawer.findChildren<QWidget*>()) {
@@ -174,6 +194,7 @@ std::vector<FindItem> places_in(CMainFrame& frame, CQV5123View& view) {
   add_actions(frame.menuBar()->actions(), "Menu", items);
   add_values(view, items);
   for (const PageEntry& entry : kPageEntries) add_controls(view, entry.id, items);
+  for (const PageCommands& page : kPageCommands) add_commands(view, page, items);
   add_column(view, items);
   for (const PageEntry& entry : kPageEntries) add_findable(view, entry.id, items);
   return items;

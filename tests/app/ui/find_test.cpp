@@ -117,6 +117,9 @@ TEST(Find, GoesToRegistersBitFieldsControlsAndCommands) {
   finder.go();
   EXPECT_EQ(finder.focus(), "Factory Reset");
   EXPECT_EQ(finder.wire.sender.wire(), "") << "gone to, not pressed";
+  EXPECT_EQ(finder.first("measure 18"), "Measure 18 | AWBTune") << "nobody has opened it";
+  finder.go();
+  EXPECT_EQ(finder.focus(), "Measure 18");
 }
 
 }  // namespace

@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QCheckBox>
+#include <QSet>
 #include <set>
 
 #include "app/ui/help_window.h"
 #include "app/ui/window_actions.h"
 #include "app/ui/window_bench.h"
+#include "base/ui/page_marks.h"
 
 namespace qv5123 {
 namespace {
@@ -35,6 +38,24 @@ TEST(PartKeys, AreInTheHelpOnceWhetherTheirPartIsOpenOrNot) {
   EXPECT_EQ(rows.filter("| Ctrl+C |").size(), 2) << "the charts' and that of all others";
   EXPECT_TRUE(rows.contains("| Ctrl+4 | LSC |")) << "without its dot";
   EXPECT_TRUE(rows.contains("| Alt+Left | Back (help) |"));
+}
+
+TEST(PageCommands, AreTheButtonsThatAnOpenPageShows) {
+  test::WindowBench bench;
+  for (const auto& [id, names] : kPageCommands) {
+    QWidget& page = bench.choose(id);
+    for (auto* box : page.findChildren<QCheckBox*>())
+      if (box->property(kUnfolds).toBool()) box->setChecked(true);
+    QSet<QString> real;
+    for (const auto* button : page.findChildren<QAbstractButton*>()) {
+      const bool presses = button->isVisibleTo(&page) && !button->isCheckable() &&
+                           !button->property(kSetsTheEditsBeside).toBool();
+      if (presses && button->focusPolicy() & Qt::TabFocus) real.insert(button->accessibleName());
+    }
+    const QStringList listed = QString(names).split('|');
+    EXPECT_TRUE(real == QSet<QString>(listed.begin(), listed.end()))
+        << "not " << names << " but " << QStringList(real.values()).join('|').toStdString();
+  }
 }
 
 }  // namespace
