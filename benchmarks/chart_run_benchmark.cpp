@@ -12,7 +12,7 @@ namespace {
 
 /// The linear matrix page on a board whose line carries so many bits a second, on a hand-moved clock.
 struct PacedBench {
-  explicit PacedBench(unsigned baud) : line(chip, {.line_rate = baud}) {
+  explicit PacedBench(unsigned baud) : line(chip, {.line_rate = baud, .faults = {}}) {
     line.plug_in();
     chip.set_camera(Camera(Scene{}));
     wire.sender.chip = [this](const std::string& bytes) {

@@ -114,8 +114,8 @@ void journal(Bench& bench) {
 void verified_save(Bench& bench, const std::string& name, std::function<void()> save) {
   bench.view.values().verify_saves(true);
   const auto clock = std::make_shared<QElapsedTimer>();
-  bench.view.values().on_verification([&bench, clock, name](TuningDesk* desk, const Verification* found) {
-    if (desk && !found) {
+  bench.view.values().on_verification([&bench, clock, name](TuningDesk&, const Verification* found) {
+    if (!found) {
       clock->start();
       bench.meter.start();
     }

@@ -7,6 +7,7 @@
 #include "support/desk_fields.h"
 #include "tuning/awb_desk.h"
 #include "tuning/front_desk.h"
+#include "tuning/gamma_desk.h"
 #include "tuning/lens_desk.h"
 #include "tuning/matrix_desk.h"
 

@@ -5,6 +5,7 @@
 #include <QScrollBar>
 #include <QTextBlock>
 #include <algorithm>
+#include <utility>
 
 #include "base/ui/qt_text.h"
 
@@ -22,9 +23,14 @@ constexpr int kContinued = 1;
 ConsoleView::ConsoleView(QWidget* parent) : QPlainTextEdit(parent) {
   setReadOnly(true);
   setUndoRedoEnabled(false);
-  setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+}
+
+/// The window stands before the text that came meanwhile, and before its font, which is one more to load.
+void ConsoleView::paintEvent(QPaintEvent* event) {
+  QPlainTextEdit::paintEvent(event);
+  if (!std::exchange(painted_, true)) request_turn();
 }
 
 void ConsoleView::apply(const ConsoleChange& change) {
@@ -53,6 +59,8 @@ void ConsoleView::request_turn() {
 }
 
 void ConsoleView::show_slice() {
+  if (isVisible() && !painted_) return;
+  if (!std::exchange(has_font_, true)) setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   QElapsedTimer slice;
   slice.start();
   while (to_drop_ > 0 && slice.elapsed() < kSliceMs) drop_some();

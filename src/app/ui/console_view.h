@@ -26,6 +26,9 @@ class ConsoleView final : public QPlainTextEdit {
   /// Whether everything queued is shown.
   bool settled() const { return queued_.isEmpty() && to_drop_ == 0; }
 
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
  private:
   void request_turn();
   void show_slice();
@@ -40,6 +43,8 @@ class ConsoleView final : public QPlainTextEdit {
   std::size_t to_drop_ = 0;  // positions still to be taken away in front
   int column_ = 0;           // of the last line
   bool turn_requested_ = false;
+  bool painted_ = false;
+  bool has_font_ = false;
 };
 
 }  // namespace qv5123
