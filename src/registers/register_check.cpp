@@ -51,6 +51,7 @@ void RegisterCheck::start(const std::vector<RegisterFile::Line>& written) {
     else
       same->sent = line.value;
   }
+  connection_ = host_.link().connection();
   if (!registers_.empty()) flow_.start(check());
 }
 
@@ -59,16 +60,25 @@ void RegisterCheck::written(int address, int value) {
     if (known.address == address) known = {address, value, std::nullopt};
 }
 
+bool RegisterCheck::forget_chip_that_was_away() {
+  if (connection_ == host_.link().connection()) return false;
+  connection_ = host_.link().connection();
+  for (Register& known : registers_) known.chip.reset();
+  return true;
+}
+
 Task<bool> RegisterCheck::read_back() {
-  for (std::size_t at = 0; at < registers_.size(); ++at) {
-    if (registers_[at].chip == registers_[at].sent) continue;
-    listener_.tell("Verifying... " + std::to_string(at + 1) + " of " + std::to_string(registers_.size()), {},
-                   {});
-    const Found found = co_await ask(at);
-    if (found != Found::value) {
-      tell_result(found);
-      co_return false;
+  for (std::size_t at = 0; at < registers_.size();) {
+    if (registers_[at].chip != registers_[at].sent) {
+      listener_.tell("Verifying... " + std::to_string(at + 1) + " of " + std::to_string(registers_.size()),
+                     {}, {});
+      const Found found = co_await ask(at);
+      if (found != Found::value) {
+        tell_result(found);
+        co_return false;
+      }
     }
+    at = forget_chip_that_was_away() ? 0 : at + 1;
   }
   tell_result(Found::value);
   co_return true;
@@ -91,6 +101,10 @@ Task<RegisterCheck::Found> RegisterCheck::ask(std::size_t at) {
 }
 
 Task<> RegisterCheck::repair() {
+  if (forget_chip_that_was_away()) {
+    const bool answered = co_await read_back();
+    if (!answered) co_return;
+  }
   for (int times = 0; times < kMostRepairs && !differences().empty(); ++times) {
     for (std::size_t at = 0; at < registers_.size(); ++at) {
       if (!registers_[at].differs()) continue;

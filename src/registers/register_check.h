@@ -50,6 +50,8 @@ class RegisterCheck {
   enum class Found { value, silence, damage };
 
   Task<> check() { co_await read_back(); }
+  /// A chip that was away since the last call may have lost what it had; true where it was.
+  bool forget_chip_that_was_away();
   /// False when not all have answered.
   Task<bool> read_back();
   Task<> repair();
@@ -61,6 +63,7 @@ class RegisterCheck {
   RegisterLoader& loader_;
   Listener listener_;
   std::vector<Register> registers_;
+  unsigned connection_ = 0;  ///< of the link, in which the chip has answered
   Flow flow_;
 };
 

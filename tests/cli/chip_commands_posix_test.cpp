@@ -96,8 +96,8 @@ TEST_F(CtlTest, AnInterruptedRepairIsClosed) {
   copy_resource("sample.dat");
   PtyLine line(folder.path() / "chip");
   line.leave_to_others();
-  const auto repair =
-      start({"page", "save", "lsc", "--from", "sample.dat", "--repair", "3", "--port", "chip"});
+  const auto repair = start({"page", "save", "lsc", "--from", "sample.dat", "--repair", "3", "--timeout",
+                             "30000", "--port", "chip"});
   for (int answers = 0; answers < 2; ++answers) {
     EXPECT_THAT(received_with(line, "@6b00*"), HasSubstr("@6b00*"));
     line.send("~000000000000000000000000^");
@@ -112,7 +112,7 @@ TEST_F(CtlTest, AnInterruptedRepairIsClosed) {
 TEST_F(CtlTest, ADigitThatTheLineHasSpoiltIsNotSentBack) {
   PtyLine line(folder.path() / "chip");
   line.leave_to_others();
-  const auto set = start({"param", "set", "awb.a_slope=5", "--port", "chip"});
+  const auto set = start({"param", "set", "awb.a_slope=5", "--timeout", "30000", "--port", "chip"});
   const std::string others(32, '0');
   for (const std::string intercept : {"ff39", "ff38", "ff38"}) {
     EXPECT_THAT(received_with(line, "@3600*"), HasSubstr("@3600*"));

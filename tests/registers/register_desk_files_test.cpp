@@ -142,6 +142,18 @@ TEST_F(RegisterCheckTest, WhatIsKnownToDifferIsNamedAlsoWhereALaterRegisterIsSil
   EXPECT_EQ(texts_.back(), "Not verified: no answer from the chip") << "what was sent again is not known";
 }
 
+TEST_F(RegisterCheckTest, AChipThatWasAwayIsAskedForAllOfThemAgain) {
+  load_file(
+      [lost = 0](const std::string& bytes) mutable { return bytes == "@9208*@9201*@9322*" && lost++ < 2; });
+  EXPECT_EQ(texts_.back(), "1 of 3 values differs: 0xF801 (sent 0x22, chip 0x3C)");
+  chip_.values[0x800] = 0xA5;
+  wire_.link.connection_changed();
+  again_();
+  wire_.advance(10'000);
+  EXPECT_EQ(texts_.back(), "Verified: 3 of 3 values");
+  EXPECT_EQ(chip_.values[0x800], 0x33);
+}
+
 TEST_F(RegisterDeskTest, FlashTakesTheMaskAndEightBlocks) {
   open_and_read();
   desk_->write_flash();

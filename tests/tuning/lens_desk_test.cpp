@@ -55,6 +55,7 @@ TEST_F(LensDeskTest, SwitchesThePickerAndMovesIt) {
             "@920c*@923a*@9302*@920c*@923b*@931c*@920c*@9238*@9303*@920c*@9239*@93c0*");
   EXPECT_EQ(host_.last_status(),
             "Start color capture. Please click direction button to move cursor on screen.");
+  desk_.picker().want_keys(true);
   desk_.picker().choose_step(7);
   desk_.picker().move(PickerMove::left);
   desk_.picker().type_y(10);

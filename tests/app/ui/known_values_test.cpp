@@ -189,7 +189,8 @@ TEST_F(KnownValues, APageOlderThanAChipThatWasResetOffersToReadIt) {
   QHelpEvent hover(QEvent::ToolTip, QPoint(1, 1), QPoint(1, 1));
   QApplication::sendEvent(save, &hover);
   EXPECT_TRUE(save->toolTip().contains(
-      "setting file board.dat and sends 6 values for the chip to keep, registers 0x64 and 0x65"))
+      "setting file board.dat, and the font editor's text export where the font has changed, and sends 6 "
+      "values for the chip to keep, registers 0x64 and 0x65"))
       << save->toolTip().toStdString();
 
   bench_.click("Load <- ISP");
