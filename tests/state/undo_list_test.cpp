@@ -1,6 +1,6 @@
 #include "state/undo_list.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "support/chip_desk_bench.h"
 #include "tuning/awb_desk.h"
