@@ -31,12 +31,10 @@ TEST_F(GammaPage, ShowsAndSendsWhatIsTypedAndClicked) {
   user_.click("Standard ITU.709 Gamma");
   user_.click("Standard ITU.709 Gamma");
   user_.click("Gamma Value Set");
-  EXPECT_EQ(point(3, "G")->value(), 5);
   EXPECT_TRUE(user_.find<QPlainTextEdit>("Messages")->toPlainText().startsWith("G: 0, 0, 5, 13,"));
   point(1, "G")->setValue(0x123);
   user_.click("Apply");
   EXPECT_TRUE(wire(2000).starts_with("@0401*@0423*"));
-  EXPECT_EQ(point(2, "R")->toolTip(), "The curve's value at 8 of 0..1023: 0..1023, register 0x03");
   EXPECT_TRUE(user_.find<QPushButton>("Apply")->toolTip().endsWith("registers 0x03, 0x04, 0x05"));
 
   host_.doc.user_data.mark_loaded();
@@ -71,6 +69,12 @@ TEST_F(GammaPage, FrontControlsHideBehindMoreAndTheRadioFallsBack) {
 }
 
 TEST_F(GammaPage, DraggingAndKeysMovePoints) {
+  auto* chart = user_.find<GammaChartView>("Gamma curves");
+  for (const int value : {0, 1}) {
+    key(Qt::Key_Up);
+    EXPECT_TRUE(chart->readout().startsWith("Point 1 at 0:")) << "the first, where none was chosen";
+    EXPECT_EQ(point(1, "R")->value(), value);
+  }
   user_.click("Channel G");
   mouse(QEvent::MouseButtonPress, gamma_pixel(256, 0));
   mouse(QEvent::MouseMove, gamma_pixel(300, 400));
@@ -81,7 +85,6 @@ TEST_F(GammaPage, DraggingAndKeysMovePoints) {
   mouse(QEvent::MouseMove, gamma_pixel(256, 100));
   EXPECT_EQ(point(14, "G")->value(), 500) << "let go";
 
-  auto* chart = user_.find<GammaChartView>("Gamma curves");
   EXPECT_EQ(chart->readout(), "Point 14 at 256:  G = 500, slope 0.00") << "between its neighbours, both 0";
   key(Qt::Key_Right);
   key(Qt::Key_Up);
@@ -138,15 +141,6 @@ TEST_F(GammaPage, TheChartAlsoHasTheCurvesOfFileAndChipWhereTheyDiffer) {
       << chart->numbers().toStdString();
   ASSERT_FALSE(chart->legend_place(GammaPlace::file).isEmpty());
   EXPECT_TRUE(chart->legend_place(GammaPlace::chip).right() < chart->width());
-}
-
-TEST_F(GammaPage, AnyArrowChoosesAPointWhereNoneIsChosen) {
-  auto* chart = user_.find<GammaChartView>("Gamma curves");
-  key(Qt::Key_Up);
-  EXPECT_TRUE(chart->readout().startsWith("Point 1 at 0:"));
-  EXPECT_EQ(point(1, "R")->value(), 0);
-  key(Qt::Key_Up);
-  EXPECT_EQ(point(1, "R")->value(), 1);
 }
 
 }  // namespace

@@ -11,14 +11,11 @@
 namespace qv5123 {
 namespace {
 
-/// A page, what it edits, and how the chip reports that.
-template <class Window, class Page>
+/// A page and what it edits.
+template <class Window, class Layout>
 struct KeptPage {
   using Dialog = Window;
-  using Values = typename Page::Values;
-  static std::string reply(const Values& values) { return test::encode_page<Page>(values); }
-  static void load(Values& values, const UserDataImage& image) { load_page<Page>(values, image); }
-  static void store(const Values& values, UserDataImage& image) { store_page<Page>(values, image); }
+  using Edited = Layout;
 };
 
 template <class Case>
@@ -36,10 +33,11 @@ TYPED_TEST(KeptValues, OfFileAndChipAreStoredAsTheyCame) {
     for (std::size_t i = 0; i < UserDataImage::kSize; ++i)
       data.set_entry(i, static_cast<int>(random() & 0xFF));
     data.mark_loaded();
-    typename TypeParam::Values values;
-    TypeParam::load(values, data);
+    using Edited = typename TypeParam::Edited;
+    typename Edited::Values values;
+    load_page<Edited>(values, data);
     UserDataImage expected;
-    TypeParam::store(values, expected);
+    store_page<Edited>(values, expected);
     const auto expect_kept = [&] {
       data = {};
       this->page_.save_to_user_data();
@@ -54,7 +52,7 @@ TYPED_TEST(KeptValues, OfFileAndChipAreStoredAsTheyCame) {
     }
     expect_kept();
     this->user_.click("Load <- ISP");
-    this->answer_load(TypeParam::reply(values));
+    this->answer_load(test::encode_page<Edited>(values));
     expect_kept();
   }
 }
