@@ -1,10 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QComboBox>
-#include <QLineEdit>
-#include <QTableView>
-#include <QTreeWidget>
+#include <QtWidgets>
 
 #include "app/ui/column_drawer.h"
 #include "app/ui/find_dialog.h"

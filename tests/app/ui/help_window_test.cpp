@@ -14,9 +14,8 @@ namespace {
 std::set<QString> links_of(const QTextDocument& document) {
   std::set<QString> links;
   for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
-    for (const QTextLayout::FormatRange& range : block.textFormats()) {
+    for (const QTextLayout::FormatRange& range : block.textFormats())
       if (range.format.isAnchor()) links.insert(range.format.anchorHref());
-    }
   }
   return links;
 }

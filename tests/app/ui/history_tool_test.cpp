@@ -1,9 +1,6 @@
 // The journal of writes in the whole window on a simulated chip: what it hears, and the way back.
 #include "app/ui/history_tool.h"
 
-#include <QAction>
-#include <QPushButton>
-
 #include "reliability/ui/matrix_bench.h"
 
 namespace qv5123 {
@@ -40,7 +37,7 @@ class HistoryToolTest : public testing::Test {
   HistoryTool tool_{*bench_.frame, {*bench_.view, bench_.user, bench_.work, {}, {}}};
 };
 
-TEST_F(HistoryToolTest, BackToHereSendsTheRowAsItWasThen) {
+TEST_F(HistoryToolTest, BackToHereSendsTheRowAsItWasThenAndAnotherConnectionIsNoted) {
   send_row(20);
   send_row(30);
   edit("Parameter-1 GREEN")->setValue(77);
@@ -59,10 +56,7 @@ TEST_F(HistoryToolTest, BackToHereSendsTheRowAsItWasThen) {
   bench_.wire.advance(1000);
   EXPECT_EQ(bench_.wire.sender.wire(), "@6400*@641e*@6400*@644d*@6405*@640a*");
   EXPECT_EQ(edit("Parameter-1 RED")->value(), 30);
-}
 
-TEST_F(HistoryToolTest, HearsThatTheConnectionIsAnother) {
-  send_row(20);
   bench_.wire.link.connection_changed();
   bench_.wire.advance(100);
   const WriteJournal& journal = tool_.history().journal();

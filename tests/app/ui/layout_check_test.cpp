@@ -3,11 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QCheckBox>
-#include <QLabel>
-#include <QPushButton>
-#include <QScrollArea>
-#include <QSpinBox>
+#include <QtWidgets>
 
 #include "app/ui/camera_place.h"
 #include "app/ui/window_bench.h"

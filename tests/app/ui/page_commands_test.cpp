@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QAction>
-#include <QCheckBox>
-#include <QSet>
+#include <QtWidgets>
 #include <set>
 
 #include "app/ui/help_window.h"

@@ -1,14 +1,6 @@
 // What files, ports and the chip say is shown as it stands, wherever it is shown.
 #include <gtest/gtest.h>
 
-#include <QFileDialog>
-#include <QLabel>
-#include <QMenu>
-#include <QMessageBox>
-#include <QTableView>
-#include <QTextDocument>
-#include <QTimer>
-
 #include "console/ui/qt_prompts.h"
 #include "reliability/ui/real_program.h"
 
@@ -39,9 +31,8 @@ int shown_in(const QWidget& window) {
     found += as_shown(tip).contains(markup);
   };
   for (const QWidget* widget : window.findChildren<QWidget*>()) look_at_tip(widget->toolTip());
-  for (const QMenu* menu : window.findChildren<QMenu*>()) {
+  for (const QMenu* menu : window.findChildren<QMenu*>())
     for (const QAction* action : menu->actions()) look_at_tip(action->toolTip());
-  }
   for (const QTableView* list : window.findChildren<QTableView*>()) {
     const QAbstractItemModel* model = list->model();
     for (int cell = 0; cell < model->rowCount() * model->columnCount(); ++cell) {

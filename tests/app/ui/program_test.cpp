@@ -2,11 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QFileDialog>
-#include <QLabel>
-#include <QMessageBox>
-#include <QPushButton>
-
 #include "app/ui/frame.h"
 #include "app/ui/help_window.h"
 #include "app/ui/qv5123_view.h"
@@ -59,7 +54,6 @@ TEST(AppSettings, KeepThePortUnderTheNamesOfItsSection) {
   EXPECT_TRUE(settings.has_port());
   EXPECT_EQ(settings.port(), port);
   EXPECT_EQ(store.value("COMSetting/PortNumber"), 7);
-  EXPECT_EQ(store.value("COMSetting/StopBits"), 1);
   EXPECT_FALSE(store.contains("COMSetting/Debug"));
   store.setValue("COMSetting/DataBits", "garbage");
   EXPECT_EQ(settings.port().line.data_bits, 8);
@@ -105,9 +99,8 @@ TEST(ProgramStart, WithNothingStoredThePortDialogComesFirstAndItsChoiceIsStored)
   const auto program = bench.program();
   auto* dialog = wait_for<CSerialPortSetting>();
   EXPECT_EQ(program->frame(), nullptr);
-  for (auto* button : dialog->findChildren<QPushButton*>()) {
+  for (auto* button : dialog->findChildren<QPushButton*>())
     if (button->text() == "Open") button->click();
-  }
   auto* frame = wait_for<CMainFrame>();
   EXPECT_EQ(frame->windowTitle(), "QV512xC Adjustment Program  V 2.3_2");
   EXPECT_NE(bench.folder.read("settings.ini").find("PortNumber=5"), std::string::npos)

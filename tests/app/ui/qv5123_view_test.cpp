@@ -1,15 +1,7 @@
 #include "app/ui/qv5123_view.h"
 
-#include <QClipboard>
-#include <QCloseEvent>
-#include <QHelpEvent>
-#include <QLabel>
-#include <QListWidget>
-#include <QMenuBar>
-#include <QPushButton>
-#include <QStatusTipEvent>
-#include <QTest>
-#include <QToolTip>
+#include <QtTest>
+#include <QtWidgets>
 
 #include "app/ui/message_list.h"
 #include "app/ui/port_state.h"
@@ -29,6 +21,7 @@ TEST(MainForm, EveryButtonSendsItsFixedCommand) {
   bench.driver.expect_named_controls();
   auto* manual = bench.frame.findChild<QPushButton*>("manual-send");
   EXPECT_FALSE(manual->isVisible() || manual->isEnabled()) << "there, but out of reach";
+  EXPECT_TRUE(bench.driver.find<QAbstractButton>("OSD Up")->autoRepeat());
   EXPECT_EQ(bench.sent_by("OSD Up"), Strings{"@0100*"});
   EXPECT_EQ(bench.sent_by("OSD Down"), Strings{"@0101*"});
   EXPECT_EQ(bench.sent_by("OSD Left"), Strings{"@0102*"});
@@ -55,9 +48,8 @@ TEST(MainForm, EveryButtonSendsItsFixedCommand) {
 TEST(MainForm, VersionBoxShowsASlotAndStoresIt) {
   ViewBench bench;
   bench.document.setting_file = bench.folder.path() / "board.dat";
-  for (const auto& [entry, digit] : {std::pair{695, 1}, {696, 2}, {697, 0}, {698, 7}, {699, 9}, {700, 9}}) {
+  for (const auto& [entry, digit] : {std::pair{695, 1}, {696, 2}, {697, 0}, {698, 7}, {699, 9}, {700, 9}})
     bench.document.user_data.set_entry(entry, digit);
-  }
   bench.pick("Version slot", 1);
   EXPECT_EQ(bench.driver.number("Version number 1"), 12);
   EXPECT_EQ(bench.driver.number("Version number 2"), 7);
@@ -104,9 +96,8 @@ TEST(MainForm, MenuChoosesOnePageAndGreysItsItem) {
             "&Tools &Help");
   const auto greyed = [&] {
     std::string names;
-    for (QAction* action : bench.view->pages().actions_in_order()) {
+    for (QAction* action : bench.view->pages().actions_in_order())
       if (!action->isEnabled()) names += action->text().toStdString();
-    }
     return names;
   };
   const auto shown = [&](PageId id) { return bench.view->pages().page_widget(id)->isVisible(); };
@@ -206,7 +197,6 @@ TEST(MainForm, AFailureStaysInThePaneUntilTheListOfMessagesIsOpened) {
   QStatusTipEvent hover("Make EEPROM flash binary");
   QApplication::sendEvent(&bench.frame, &hover);
   EXPECT_TRUE(pane()->isVisible());
-  EXPECT_EQ(bench.frame.findChild<QAbstractButton*>("port-state")->text(), "Port closed");
   EXPECT_EQ(bench.frame.findChild<QAbstractButton*>("port-state")->accessibleName(), "Port closed");
 
   QTest::keyClick(pane(), Qt::Key_Space);
@@ -259,14 +249,10 @@ TEST(MainForm, ThePortStateTellsHowTheLineDoes) {
   bench.frame.findChild<QAction*>("link-health")->trigger();
   auto* dialog = bench.frame.findChild<LinkHealthDialog*>();
   ASSERT_NE(dialog, nullptr);
-  QStringList figures;
-  for (const QLabel* label : dialog->findChildren<QLabel*>()) figures << label->text();
-  EXPECT_TRUE(figures.contains("6 bytes, 1 register write"));
   EXPECT_TRUE(dialog->findChild<QLabel*>("latency-hint")->isHidden());
   test::PageDriver(*dialog).expect_labels_read_out();
-  for (auto* button : dialog->findChildren<QPushButton*>()) {
+  for (auto* button : dialog->findChildren<QPushButton*>())
     if (button->text() == "Copy") button->click();
-  }
   EXPECT_TRUE(QApplication::clipboard()->text().startsWith("Port: ttyUSB0, open\nSent: 6 bytes"));
 }
 

@@ -2,9 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include <QAbstractTextDocumentLayout>
-#include <QTextBlock>
-#include <QTextDocument>
+#include <QtWidgets>
 
 #include "app/ui/window_bench.h"
 #include "state/ui/report_pdf.h"
@@ -80,9 +78,7 @@ TEST(ReportPdf, NoHeadingStaysAloneAtTheFootOfAPage) {
       if (block.blockFormat().headingLevel() == 0) continue;
       EXPECT_EQ(page_of(block), page_of(block.next())) << block.text().toStdString() << " behind " << lines;
     }
-    if (lines == 0) {
-      EXPECT_EQ(document.pageCount(), 1);
-    }
+    EXPECT_TRUE(lines > 0 || document.pageCount() == 1);
   }
 }
 

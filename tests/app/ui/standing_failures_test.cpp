@@ -1,7 +1,4 @@
 // What did not work stays in sight beside what is said of something else.
-#include <QLabel>
-#include <QPushButton>
-
 #include "reliability/ui/matrix_bench.h"
 #include "tuning/picker.h"
 

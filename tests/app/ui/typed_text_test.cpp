@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <QLineEdit>
-#include <QSpinBox>
 #include <QtTest>
+#include <QtWidgets>
 
 namespace qv5123 {
 namespace {

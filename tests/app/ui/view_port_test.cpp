@@ -13,21 +13,6 @@ namespace {
 using test::ViewBench;
 using Strings = std::vector<std::string>;
 
-TEST(MainForm, EndsWithWhatEveryPageMustSayLast) {
-  ViewBench bench;
-  bench.view->pages().choose(PageId::gamma);
-  bench.last_words = {{{0x43, 0}}};
-  bench.wire.link.send(Traffic{{{reg::kKeepBracket, 1}}, {{0x20, 1}}});
-  bench.wire.advance(50);
-  const auto leave = [&]() -> Task<> {
-    co_await bench.view->leave_chip(std::chrono::seconds(1), CQV5123View::Leave::for_good);
-  };
-  Flow end(leave());
-  bench.wire.advance(1000);
-  EXPECT_FALSE(end.running());
-  EXPECT_EQ(bench.wire.sender.wire(), "@fa01*@2001*@fa00*@4300*");
-}
-
 TEST(MainForm, ThePortIsLeftWithTheLastWordsAlsoWhileTheChipStores) {
   ViewBench bench;
   bench.view->pages().choose(PageId::gamma);

@@ -2,12 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QDockWidget>
-#include <QHeaderView>
-#include <QScreen>
-#include <QSettings>
-#include <QStandardItemModel>
-#include <QTableView>
+#include <QtWidgets>
 
 #include "app/ui/camera_place.h"
 #include "app/ui/column_drawer.h"
@@ -40,8 +35,6 @@ TEST(WindowMemory, BringsBackPlaceColumnPageAndThePagesOwnChoices) {
     test::find<QComboBox>(bench.choose(PageId::linear_matrix), "Move Step")->setCurrentIndex(2);
     test::find<QSpinBox>(bench.choose(PageId::linear_matrix), "Noise limit")->setValue(250);
     test::find<QCheckBox>(bench.choose(PageId::linear_matrix), "Input Manually")->setChecked(true);
-    test::find<QComboBox>(bench.choose(PageId::lsc), "Screen Size")->setCurrentIndex(1);
-    test::find<QComboBox>(bench.choose(PageId::font_editor), "FontPage")->setCurrentIndex(3);
     test::find<CMultilineList>(bench.choose(PageId::registers), "Bit fields")->set_column_width(1, 222);
     bench.choose(PageId::make_flash);
     bench.view->column().choose_next();
@@ -59,8 +52,6 @@ TEST(WindowMemory, BringsBackPlaceColumnPageAndThePagesOwnChoices) {
   EXPECT_EQ(test::find<QComboBox>(bench.choose(PageId::linear_matrix), "Move Step")->currentIndex(), 2);
   EXPECT_EQ(test::find<QSpinBox>(bench.choose(PageId::linear_matrix), "Noise limit")->value(), 250);
   EXPECT_TRUE(test::find<QCheckBox>(bench.choose(PageId::linear_matrix), "Input Manually")->isChecked());
-  EXPECT_EQ(test::find<QComboBox>(bench.choose(PageId::lsc), "Screen Size")->currentIndex(), 1);
-  EXPECT_EQ(test::find<QComboBox>(bench.choose(PageId::font_editor), "FontPage")->currentText(), "3");
   EXPECT_EQ(memory.look().choices.value("make-flash/fw file"), "/a/fw.bin") << "a page not opened this time";
   EXPECT_EQ(test::find<QLineEdit>(bench.choose(PageId::make_flash), "fw file")->text(), "/a/fw.bin");
 }
