@@ -22,11 +22,11 @@ TEST_F(RegisterPageTest, ShowsAndReadsTheFirstRegister) {
   EXPECT_TRUE(find<QCheckBox>("Bit 7")->isChecked());
   EXPECT_FALSE(find<QCheckBox>("Bit 6")->isChecked());
   EXPECT_FALSE(find("Write REG to Flash")->isEnabled());
+  test::PageDriver(*page_).expect_named_controls();
 }
 
 TEST_F(RegisterPageTest, RowsAreReadWhenSelectedAndWhenDoubleClicked) {
-  open();
-  wire_.advance(200);
+  open_and_read();
   click_row(1);
   wire_.advance(300);
   EXPECT_EQ(text("Address"), "0xf801");
@@ -49,8 +49,7 @@ TEST_F(RegisterPageTest, RowsAreReadWhenSelectedAndWhenDoubleClicked) {
 }
 
 TEST_F(RegisterPageTest, TypedAddressesAndValuesAreSent) {
-  open();
-  wire_.advance(200);
+  open_and_read();
   auto* address = find<QLineEdit>("Address");
   address->setFocus(Qt::TabFocusReason);
   QTest::keyClicks(address, "fa20!");
@@ -96,8 +95,7 @@ TEST_F(RegisterPageTest, TextThatComesAsAWholeIsTakenOrRefusedAsAWhole) {
 }
 
 TEST_F(RegisterPageTest, ASortedListReadsAndShowsWhatIsChosenInIt) {
-  open();
-  wire_.advance(200);
+  open_and_read();
   list()->sortByColumn(2, Qt::DescendingOrder);
   EXPECT_EQ(cell(0, 2), "MODE");
   EXPECT_EQ(cell(2, 2), "GAIN");
@@ -115,8 +113,7 @@ TEST_F(RegisterPageTest, ASortedListReadsAndShowsWhatIsChosenInIt) {
 }
 
 TEST_F(RegisterPageTest, ABitFieldIsChangedInItsRow) {
-  open();
-  wire_.advance(200);
+  open_and_read();
   auto* table = find<CMultilineList>("Bit fields");
   const auto edit = [this, table](int row) {
     table->setFocus();
@@ -143,8 +140,7 @@ TEST_F(RegisterPageTest, ABitFieldIsChangedInItsRow) {
 }
 
 TEST_F(RegisterPageTest, ChangesOfTheValueAreTakenBackUntilItIsRead) {
-  open();
-  wire_.advance(200);
+  open_and_read();
   const std::size_t sent = wire_.sender.writes.size();
   find<QCheckBox>("Bit 0")->click();
   auto* table = find<CMultilineList>("Bit fields");
@@ -166,8 +162,7 @@ TEST_F(RegisterPageTest, ChangesOfTheValueAreTakenBackUntilItIsRead) {
 }
 
 TEST_F(RegisterPageTest, AScreenReaderSetsTextsAndTogglesBoxes) {
-  open();
-  wire_.advance(200);
+  open_and_read();
   const auto interface = [this](const char* name) {
     return QAccessible::queryAccessibleInterface(find(name));
   };
@@ -181,24 +176,10 @@ TEST_F(RegisterPageTest, AScreenReaderSetsTextsAndTogglesBoxes) {
   interface("Address")->setText(QAccessible::Value, "gain");
   interface("Address")->editableTextInterface()->insertText(6, "7");
   EXPECT_EQ(text("Address"), "0xFA20");
-  click("Write");
-  wire_.advance(50);
-  EXPECT_EQ(wire_.sender.writes.back(), "@920a*@9220*@935b*");
 }
 
-TEST_F(RegisterPageTest, StopEndsASequence) {
-  open();
-  wire_.advance(200);
-  chip_.silent = true;
-  click("Load From ISP");
-  wire_.advance(5000);
-  click("Stop reading registers");
-  EXPECT_TRUE(find("Load From ISP")->isEnabled());
-}
-
-TEST_F(RegisterPageTest, ARegisterFileThatCannotBeWrittenOrReadIsNamed) {
-  open();
-  wire_.advance(200);
+TEST_F(RegisterPageTest, AFileThatCannotBeUsedIsNamedAndStopEndsASequence) {
+  open_and_read();
   host_.user.paths = {folder_ / "none" / "r.txt", folder_ / "gone.txt"};
   click("Save REG to File...");
   EXPECT_NE(host_.user.messages.at(0).text.find("r.txt"), std::string::npos);
@@ -206,6 +187,11 @@ TEST_F(RegisterPageTest, ARegisterFileThatCannotBeWrittenOrReadIsNamed) {
   EXPECT_EQ(host_.user.saves.back().initial_name, "*.txt");
   click("Load REG from File to ISP...");
   EXPECT_NE(host_.user.messages.at(1).text.find("gone.txt"), std::string::npos);
+  chip_.silent = true;
+  click("Load From ISP");
+  wire_.advance(5000);
+  click("Stop reading registers");
+  EXPECT_TRUE(find("Load From ISP")->isEnabled());
 }
 
 TEST_F(RegisterPageTest, WithoutADescriptionThePageSaysSo) {
@@ -230,13 +216,6 @@ TEST_F(RegisterPageTest, OpensAtOnceAndFillsWhenTheDescriptionIsRead) {
   EXPECT_FALSE(page_->loading());
   EXPECT_EQ(chip_.requests, std::vector<int>{0x800});
   EXPECT_EQ(cell(0, 3), "0xA5");
-}
-
-TEST_F(RegisterPageTest, FitsItsPlaceAndNamesEveryControlOnce) {
-  open();
-  EXPECT_LE(page_->minimumSizeHint().width(), 880);
-  EXPECT_LE(page_->minimumSizeHint().height(), 640);
-  test::PageDriver(*page_).expect_named_controls();
 }
 
 }  // namespace

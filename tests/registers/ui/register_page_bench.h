@@ -36,6 +36,10 @@ class RegisterPageTest : public testing::Test {
     page_->activateWindow();
     QCoreApplication::processEvents();
   }
+  void open_and_read() {
+    open();
+    wire_.advance(200);
+  }
   template <class Widget = QWidget>
   Widget* find(const char* name) {
     return qv5123::test::find<Widget>(*page_, QLatin1String(name));
