@@ -2,31 +2,26 @@
 
 #include <gtest/gtest.h>
 
-#include <QAccessible>
-#include <QClipboard>
-#include <QGuiApplication>
-#include <QTest>
+#include <QtTest>
+#include <QtWidgets>
 
 namespace qv5123 {
 namespace {
 
-template <class Edit>
-QLineEdit* line(Edit& edit) {
-  return edit.template findChild<QLineEdit*>();
+QLineEdit* line(const QAbstractSpinBox& edit) {
+  return edit.findChild<QLineEdit*>();
 }
 
-template <class Edit>
-void type(Edit& edit, const char* text) {
+void type(const QAbstractSpinBox& edit, const char* text) {
   line(edit)->selectAll();
   QTest::keyClicks(line(edit), text);
 }
 
 bool marked(const QAbstractSpinBox& edit) {
-  return edit.findChild<QLineEdit*>()->palette().color(QPalette::Text) == Qt::white;
+  return line(edit)->palette().color(QPalette::Text) == Qt::white;
 }
 
-template <class Edit>
-void paste(Edit& edit, const QString& text) {
+void paste(const QAbstractSpinBox& edit, const QString& text) {
   QGuiApplication::clipboard()->setText(text);
   line(edit)->selectAll();
   line(edit)->paste();
@@ -95,14 +90,6 @@ TEST(NumberEdit, PastedTextIsTakenOrRefusedAsAWhole) {
     EXPECT_EQ(edit.value(), 12) << text;
     EXPECT_EQ(line(edit)->text(), "12") << text;
   }
-}
-
-TEST(NumberEdit, TextSetByAssistiveToolsIsTaken) {
-  NumberEdit edit(0, 50);
-  set_contents(edit, "20");
-  EXPECT_EQ(edit.value(), 20);
-  set_contents(edit, "99");
-  EXPECT_EQ(edit.value(), 50);
 }
 
 TEST(NumberEdit, DigitsStayLatinInEveryLanguage) {
