@@ -29,6 +29,14 @@ Widget* find(const QWidget& page, const QString& name) {
   return found;
 }
 
+template <class Window>
+Window* visible() {
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (auto* window = qobject_cast<Window*>(widget); window && window->isVisible()) return window;
+  }
+  return nullptr;
+}
+
 /// The left button goes down or up, or is held while the mouse moves.
 inline void mouse(QWidget* widget, QEvent::Type type, QPointF at) {
   const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;

@@ -2,24 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QFileDialog>
-#include <QMessageBox>
-#include <QPushButton>
+#include <QtWidgets>
 
 #include "base/ui/qt_text.h"
+#include "support/page_driver.h"
 #include "support/temporary_folder.h"
 
 namespace qv5123 {
 namespace {
-
-template <class Dialog>
-Dialog* open_dialog() {
-  for (QWidget* widget : QApplication::topLevelWidgets()) {
-    if (auto* dialog = qobject_cast<Dialog*>(widget); dialog && dialog->isVisible()) return dialog;
-  }
-  return nullptr;
-}
 
 Task<> ask(Prompts& prompts, Question question, std::vector<Answer>& answers) {
   answers.push_back(co_await prompts.ask(std::move(question)));
@@ -29,20 +19,20 @@ TEST(QtPrompts, QuestionsResumeWithTheAnswer) {
   QtPrompts prompts;
   std::vector<Answer> answers;
   Flow flow(ask(prompts, {"Save?\r\n", "Save setting", Question::Buttons::yes_no_cancel}, answers));
-  auto* box = open_dialog<QMessageBox>();
+  auto* box = test::visible<QMessageBox>();
   ASSERT_NE(box, nullptr);
   EXPECT_EQ(box->text(), "Save?");
   box->button(QMessageBox::No)->click();
   QCoreApplication::processEvents();
   flow.start(ask(prompts, {"?"}, answers));
-  open_dialog<QMessageBox>()->reject();
+  test::visible<QMessageBox>()->reject();
   QCoreApplication::processEvents();
   EXPECT_EQ(answers, (std::vector<Answer>{Answer::no, Answer::cancel}));
 
   Question careful = careful_question("Write over it?");
   careful.yes_text = "Write";
   flow.start(ask(prompts, careful, answers));
-  box = open_dialog<QMessageBox>();
+  box = test::visible<QMessageBox>();
   EXPECT_EQ(box->button(QMessageBox::Yes)->text(), "Write");
   EXPECT_EQ(box->defaultButton(), box->button(QMessageBox::No));
   box->reject();
@@ -51,7 +41,7 @@ TEST(QtPrompts, QuestionsResumeWithTheAnswer) {
 
   flow.start(ask(prompts, {"?"}, answers));
   flow.cancel();
-  EXPECT_EQ(open_dialog<QMessageBox>(), nullptr) << "a dialog goes with who waits for it";
+  EXPECT_EQ(test::visible<QMessageBox>(), nullptr) << "a dialog goes with who waits for it";
 
   auto window = std::make_unique<QWidget>();
   prompts.set_parent(window.get());
@@ -72,7 +62,7 @@ TEST(QtPrompts, ChoosersOfferTheFiltersAndANameThatIsNoPattern) {
   QtPrompts prompts;
   for (const auto& [initial, shown] : {std::pair{"board", "board"}, {"*.dat", ""}}) {
     const Flow flow(save(prompts, {"Setting Files (*.dat)|*.dat||", "dat", initial}));
-    EXPECT_EQ(open_dialog<QFileDialog>()->findChild<QLineEdit*>("fileNameEdit")->text(), shown);
+    EXPECT_EQ(test::visible<QFileDialog>()->findChild<QLineEdit*>("fileNameEdit")->text(), shown);
   }
 }
 
@@ -88,7 +78,7 @@ TEST(QtPrompts, ChoosersSayWhatForAndBeginWhereTheLastOfTheirKindEnded) {
   };
   {
     const Flow flow = open(font);
-    auto* chooser = open_dialog<QFileDialog>();
+    auto* chooser = test::visible<QFileDialog>();
     EXPECT_EQ(chooser->windowTitle(), "Open a font file");
     chooser->selectFile(path_to_qt(folder.path() / "a.bin"));
     static_cast<QDialog*>(chooser)->accept();
@@ -96,12 +86,12 @@ TEST(QtPrompts, ChoosersSayWhatForAndBeginWhereTheLastOfTheirKindEnded) {
   }
   {
     const Flow again = open(font);
-    EXPECT_EQ(open_dialog<QFileDialog>()->directory(), QDir(path_to_qt(folder.path())));
+    EXPECT_EQ(test::visible<QFileDialog>()->directory(), QDir(path_to_qt(folder.path())));
   }
   const QtPrompts::Folders gone = {{"font", "/no/such/folder"}};
   prompts.set_folders(gone);
   const Flow other = open(font);
-  EXPECT_EQ(open_dialog<QFileDialog>()->directory(), QDir::current()) << "a folder that is gone";
+  EXPECT_EQ(test::visible<QFileDialog>()->directory(), QDir::current()) << "a folder that is gone";
 }
 
 }  // namespace

@@ -54,9 +54,8 @@ TEST(Crash, OfTheKilledProgramTheNextStartOffersWhatWasUnsaved) {
   qputenv(kFolder, QByteArray::fromStdString((folder / "").string()));
   test::Program victim(QCoreApplication::applicationFilePath().toStdString(),
                        {"--gtest_filter=Crash.DISABLED_Victim", "--gtest_also_run_disabled_tests"});
-  for (int looks = 0; looks < 3000 && !fs::exists(kept); ++looks) {
+  for (int looks = 0; looks < 3000 && !fs::exists(kept); ++looks)
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
   ASSERT_TRUE(fs::exists(kept)) << "within a minute";
   victim.end(SIGKILL);
 

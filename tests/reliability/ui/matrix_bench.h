@@ -2,13 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
-#include <QComboBox>
-#include <QCoreApplication>
-#include <QLineEdit>
-#include <QSlider>
-#include <QSpinBox>
-#include <QTableView>
+#include <QtWidgets>
 #include <fstream>
 
 #include "app/ui/console_view.h"

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <QApplication>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QSettings>
-#include <QTimer>
+#include <QtWidgets>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -19,14 +15,6 @@
 #include "support/source_folder.h"
 
 namespace qv5123::test {
-
-template <class Window>
-Window* visible() {
-  for (QWidget* widget : QApplication::topLevelWidgets()) {
-    if (auto* window = qobject_cast<Window*>(widget); window && window->isVisible()) return window;
-  }
-  return nullptr;
-}
 
 inline void wait_until(const std::function<bool()>& reached, std::chrono::seconds at_most = kInVain,
                        const std::source_location& from = std::source_location::current()) {

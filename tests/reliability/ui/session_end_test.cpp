@@ -1,10 +1,7 @@
 // The end of the desktop session in the middle of a save, with all the program's threads.
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
-#include <QDialog>
-#include <QSessionManager>
-#include <QSpinBox>
+#include <QtWidgets>
 
 #include "app/ui/session_end.h"
 #include "console/journal.h"

@@ -4,11 +4,8 @@
 #include <malloc.h>
 #include <unistd.h>
 
-#include <QMouseEvent>
-#include <QPixmapCache>
-#include <QThreadPool>
-#include <QToolButton>
 #include <QtTest>
+#include <QtWidgets>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -64,9 +61,8 @@ constexpr bool kMemoryTells = true;
 class RandomUser {
  public:
   RandomUser(MatrixBench& bench, unsigned seed) : bench_(bench), random_(seed) {
-    for (const char* name : {"sample.dat", "firmware.bin", "fontT_16x24_.bin"}) {
+    for (const char* name : {"sample.dat", "firmware.bin", "fontT_16x24_.bin"})
       fs::copy(test::source_folder() / "resources" / name, bench.folder / name);
-    }
     std::ofstream("registers.txt") << "0xF800=0x12 //MODE\r\n";
     std::ofstream("script.txt") << "0x10,0x20\r\n";
     bench.user.on_prompt = [this] { prepare_answer(); };
@@ -144,9 +140,8 @@ class RandomUser {
                                         Key_Down, Key_Left,  Key_Right,     Key_Return, Key_Tab,
                                         Key_Home, Key_End,   Key_PageUp,    Key_Space};
     widget.setFocus();
-    for (unsigned keys = below(6) + 1; keys > 0; --keys) {
+    for (unsigned keys = below(6) + 1; keys > 0; --keys)
       QTest::keyClick(&widget, kKeys[below(std::size(kKeys))]);
-    }
   }
 
   MatrixBench& bench_;
