@@ -128,15 +128,6 @@ TEST(Camera, SeesThroughTheLensAndTheLightOfItsScene) {
   EXPECT_EQ(noise_name(truth), "high");
 }
 
-TEST_F(Picture, IsExposedAsTheSceneSays) {
-  switch_picker(true);
-  aim(*scene_named("chart-bright"));
-  point_at(patch_middle(Scene{}, 18));
-  EXPECT_GT(picked()[1], 250);
-  aim(*scene_named("chart-dark"));
-  EXPECT_LT(picked()[1], 40);
-}
-
 TEST_F(Picture, PickerMeasuresWhileItIsOn) {
   const auto factory = picked();
   point_at(patch_middle(Scene{}, 14));

@@ -129,17 +129,7 @@ TEST_F(UndoListTest, WhatOnlyAFullSaveSendsIsTakenBackInThePageAlone) {
   EXPECT_THAT(wire(), testing::HasSubstr("@f901*")) << "a point is sent by its curve";
 }
 
-TEST_F(UndoListTest, LoadsFitsAndPicksAreSteps) {
-  image().set_word(440, 77);
-  image().set_word(45, 88);
-  image().mark_loaded();
-  lens_.reload();
-  gamma_.reload();
-  EXPECT_EQ(undo_.size(), 1u) << "a setting file changes all pages at once";
-  undo();
-  EXPECT_EQ(red1(), 0);
-  EXPECT_EQ(gamma_.values().curves[0][0], 0);
-
+TEST_F(UndoListTest, AClearIsAStepAndChoosingALightIsNone) {
   MatrixDesk matrix(host_, image());
   matrix.watch(states_);
   matrix.type_patch(2, 0, 200);
@@ -163,14 +153,12 @@ class UndoOfMeasurementsTest : public test::OnAChip<UndoListTest> {
   }
   void calibrate(Answer answer) {
     host_.user.answers = {answer};
-    lens_.picker().click_switch(true);
-    wire(5000);
+    switched(lens_, true, 5000);
     lens_.start_calibration(host_.user);
     wire(60'000);
   }
   void measure_chart() {
-    matrix_.picker().click_switch(true);
-    wire(3000);
+    switched(matrix_, true);
     test::set_corners(matrix_, fake_, "chart");
     matrix_.measure_all();
     wire(30'000);
@@ -208,8 +196,7 @@ TEST_F(UndoOfMeasurementsTest, ACalibrationTakenBackIsTakenBackOnTheChip) {
 TEST_F(UndoOfMeasurementsTest, ARatioMovedWhileTheParametersLeaveIsAStepOfItsOwn) {
   aim("flat-cos4", "off");
   host_.user.answers = {Answer::yes};
-  lens_.picker().click_switch(true);
-  wire(5000);
+  switched(lens_, true, 5000);
   lens_.start_calibration(host_.user);
   for (int i = 0; i < 6000 && red1() == 0; ++i) wire(10);
   const int whole = red1();
@@ -295,7 +282,7 @@ TEST_F(UndoListTest, ALoadedFileIsAStepBetweenOthersAndSendsNothing) {
     gamma_.reload();
     image().set_word(181, 99);
     awb.reload();
-    EXPECT_EQ(undo_.size(), 2u);
+    EXPECT_EQ(undo_.size(), 2u) << "a setting file changes all pages at once";
   }
   EXPECT_EQ(undo_.size(), 2u) << "the other pages' part of the load stays";
   type(lens_, 0, 0x22);

@@ -18,6 +18,12 @@ class DeskBench : public testing::Test {
     const std::string all = fake_.sender.wire();
     return all.substr(std::exchange(seen_, all.size()));
   }
+  /// What was sent once a page's picker is switched on or off.
+  template <class Desk>
+  std::string switched(Desk& desk, bool on, int milliseconds = 3000) {
+    desk.picker().click_switch(on);
+    return wire(milliseconds);
+  }
   /// The chip answers `request`, and nothing else, with this block.
   void answer(const std::string& request, const std::string& reply) {
     fake_.sender.chip = [this, request, reply](const std::string& bytes) {

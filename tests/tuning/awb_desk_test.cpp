@@ -6,22 +6,17 @@
 namespace qv5123 {
 namespace {
 
-constexpr const char* kWords[] = {"a_slope",     "a_intercept", "b_slope",     "b_intercept", "c_slope",
-                                  "c_intercept", "d_slope",     "d_intercept", "e_intercept", "f_intercept"};
+constexpr std::size_t kWords = 10;  // of the six lines, the page's first values
 
 class AwbDeskTest : public test::DeskBench {
  protected:
-  void type(const char* name, int number) {
-    desk_.model().set_number(test::field_place(desk_, name), number);
-  }
-  int number(const char* name) const { return desk_.model().numbers()[test::field_place(desk_, name)]; }
   void load(const std::string& reply) {
     desk_.start_load();
     answer_load(reply);
   }
   std::vector<int> words() const {
-    std::vector<int> numbers;
-    for (const char* word : kWords) numbers.push_back(number(word));
+    std::vector<int> numbers = desk_.model().numbers();
+    numbers.resize(kWords);
     return numbers;
   }
 
@@ -29,7 +24,7 @@ class AwbDeskTest : public test::DeskBench {
 };
 
 TEST_F(AwbDeskTest, LimitsEightWordsOfTenWhenTheyAreSet) {
-  for (const char* word : kWords) type(word, 900);
+  for (std::size_t word = 0; word < kWords; ++word) desk_.model().set_number(word, 900);
   EXPECT_EQ(desk_.unread(), "not read yet");
   host_.user.answers = {Answer::yes};
   desk_.start_save(host_.user, desk_.save());
@@ -63,13 +58,13 @@ TEST_F(AwbDeskTest, LimitsThemAsTheyComeFromAFileAndNotFromTheChip) {
 }
 
 TEST_F(AwbDeskTest, SavesTheChipsLinesAsTheyCame) {
-  type("a_slope", 7);
+  desk_.model().set_number(0, 7);
   load("01020203fffefce0032101050106010704098000");
   EXPECT_EQ(wire(), "@3600*");
   EXPECT_EQ(host_.last_status(), "Load Isp Ok.");
   EXPECT_EQ(desk_.unread(), "") << "so that saving needs no question";
-  EXPECT_EQ(number("a_slope"), 0x102);
-  EXPECT_EQ(number("c_slope"), 0x321 - 65536) << "beyond the limit";
+  EXPECT_EQ(words()[0], 0x102);
+  EXPECT_EQ(words()[4], 0x321 - 65536) << "beyond the limit";
 
   desk_.start_save(host_.user, desk_.save());
   desk_.start_save(host_.user, desk_.save());

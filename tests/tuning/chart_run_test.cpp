@@ -4,7 +4,7 @@
 
 #include "base/hex.h"
 #include "support/chip_desk_bench.h"
-#include "tuning/matrix_diagnosis.h"
+#include "tuning/patch_report.h"
 
 namespace qv5123 {
 namespace {
@@ -33,8 +33,7 @@ TEST(ChartRun, FindsAllPatchesFromTheFourAtTheCorners) {
 class MatrixDeskOnAChip : public test::OnAChip<> {
  protected:
   void set_corners(const char* scene) {
-    desk_.picker().click_switch(true);
-    wire(3000);
+    switched(desk_, true);
     test::set_corners(desk_, fake_, scene);
   }
   std::size_t measured() const {
@@ -48,8 +47,7 @@ TEST_F(MatrixDeskOnAChip, MeasuresTheTurnedChartInTime) {
   aim("chart-turned");
   desk_.measure_all();
   EXPECT_THAT(host_.last_status(), HasSubstr("enable the color picker first"));
-  desk_.picker().click_switch(true);
-  wire(3000);
+  switched(desk_, true);
   desk_.measure_all();
   EXPECT_THAT(host_.last_status(), HasSubstr("press Set corner there"));
   set_corners("chart-turned");
@@ -112,17 +110,14 @@ TEST_F(MatrixDeskOnAChip, StopsAtADoubtfulPatchAndGoesOnOnceItIsMeasuredAnew) {
     desk_.choose_mode(kTvi);
   }));
   EXPECT_TRUE(ended_by([this] {
-    desk_.picker().click_switch(false);
-    wire(3000);
-    desk_.picker().click_switch(true);
-    wire(3000);
+    switched(desk_, false);
+    switched(desk_, true);
   }));
 }
 
 TEST_F(MatrixDeskOnAChip, TwoReadingsAtOnceDoNotMix) {
   aim("chart");
-  desk_.picker().click_switch(true);
-  wire(3000);
+  switched(desk_, true);
   const auto read = [this](const std::vector<std::size_t>& patches) {
     std::vector<PerColour> colours(patches.size());
     const auto into = [](CommandLink& link, PickerPosition place, PerColour& colour) -> Task<> {
@@ -146,8 +141,7 @@ TEST_F(MatrixDeskOnAChip, TwoReadingsAtOnceDoNotMix) {
 
 TEST_F(MatrixDeskOnAChip, QueuesPressesAndMovesWithTheChosenPatch) {
   aim("chart");
-  desk_.picker().click_switch(true);
-  wire(3000);
+  switched(desk_, true);
   desk_.choose_patch_step(240);
   desk_.picker().type_x(360);
   desk_.picker().type_y(180);
@@ -217,23 +211,6 @@ TEST_F(MatrixDeskOnAChip, ASaturatedColorMayReadZeroButNotAWholePatch) {
   desk_.measure_all();
   wire(20'000);
   EXPECT_THAT(host_.last_status(), HasSubstr(" is too dark: it reads "));
-}
-
-TEST_F(MatrixDeskOnAChip, AWallInPlaceOfTheChartDeterminesNoMatrix) {
-  aim("flat");
-  desk_.picker().click_switch(true);
-  wire(3000);
-  for (std::size_t patch = 0; patch < kPatches; ++patch) {
-    desk_.choose_patch(patch);
-    desk_.get_color();
-    wire(1000);
-  }
-  ASSERT_EQ(measured(), kPatches);
-  desk_.calculate(host_.user);
-  std::string warnings;
-  for (const std::string& warning : matrix_warnings(desk_.values())) warnings += warning;
-  EXPECT_THAT(warnings, HasSubstr("The patches are nearly of one color"));
-  EXPECT_GT(patch_report(desk_.values().measured, desk_.values().coefficients)->after.mean, 10);
 }
 
 }  // namespace

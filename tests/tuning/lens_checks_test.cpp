@@ -101,8 +101,7 @@ class LensDeskOnAChip : public test::OnAChip<> {
   LensDeskOnAChip() { aim("flat-cos4", "off"); }
   /// What was sent to the registers of the parameters.
   std::string calibrated() {
-    desk_.picker().click_switch(true);
-    wire(5000);
+    switched(desk_, true, 5000);
     desk_.start_calibration(host_.user);
     const std::string sent = wire(60'000);
     const std::size_t at = sent.find("@64");

@@ -1,15 +1,12 @@
 #include "tuning/lens_desk.h"
 
 #include "support/desk_bench.h"
-#include "support/desk_fields.h"
 #include "support/lens_chip.h"
 #include "support/poll_until.h"
 
 namespace qv5123 {
 namespace {
 
-constexpr const char* kParameters[] = {"parameter1.r", "parameter1.g", "parameter1.b",
-                                       "parameter2.r", "parameter2.g", "parameter2.b"};
 constexpr char kSwitchedOff[] = "@a001*@a101*";
 
 /// The page's log.
@@ -23,26 +20,15 @@ class Log : public LensDesk::View {
 class LensDeskTest : public test::DeskBench {
  protected:
   LensDeskTest() { desk_.attach(log_); }
-  std::string switched(bool on) {
-    desk_.picker().click_switch(on);
-    return wire(3000);
-  }
   void start_calibration(int dark_at = -1) {
     test::answer_lens_reads(fake_, dark_at);
     // The readings are whole counts: Parameter-2 comes out a little below 0, which is asked about.
     host_.user.answers = {Answer::yes};
-    switched(true);
+    switched(desk_, true);
     desk_.start_calibration(host_.user);
   }
-  void type(int parameter, int number) {
-    desk_.model().set_number(test::field_place(desk_, kParameters[parameter]), number);
-  }
-  std::vector<int> parameters() const {
-    std::vector<int> numbers;
-    for (const char* name : kParameters)
-      numbers.push_back(desk_.model().numbers()[test::field_place(desk_, name)]);
-    return numbers;
-  }
+  void type(std::size_t parameter, int number) { desk_.model().set_number(parameter, number); }
+  std::vector<int> parameters() const { return desk_.model().numbers(); }
 
   LensDesk desk_{host_, host_.doc.user_data};
   Log log_;
@@ -50,7 +36,7 @@ class LensDeskTest : public test::DeskBench {
 
 TEST_F(LensDeskTest, SwitchesThePickerAndMovesIt) {
   test::answer_lens_reads(fake_);
-  EXPECT_EQ(switched(true),
+  EXPECT_EQ(switched(desk_, true),
             "@940a*@9429*@940a*@9410*@920a*@9210*@9300*@920a*@9220*@9380*@920a*@9229*@9390*@a000*@a100*"
             "@920c*@923a*@9302*@920c*@923b*@931c*@920c*@9238*@9303*@920c*@9239*@93c0*");
   EXPECT_EQ(host_.last_status(),
@@ -64,7 +50,7 @@ TEST_F(LensDeskTest, SwitchesThePickerAndMovesIt) {
             "@920c*@9238*@9303*@920c*@9239*@9340*@920c*@923a*@9300*@920c*@923b*@930a*"
             "@920c*@923a*@9300*@920c*@923b*@9300*")
       << "what was typed leaves as well";
-  EXPECT_TRUE(switched(false).ends_with("@920a*@9220*@9390*@920a*@9229*@9310*@a001*@a101*"));
+  EXPECT_TRUE(switched(desk_, false).ends_with("@920a*@9220*@9390*@920a*@9229*@9310*@a001*@a101*"));
   EXPECT_EQ(host_.last_status(), "End color capture.");
 }
 
@@ -132,7 +118,7 @@ TEST_F(LensDeskTest, WhatAChipSaysThatWasAwayIsNoReading) {
   fake_.link.connection_changed();
   fake_.advance(2000);
   EXPECT_TRUE(host_.user.messages.at(0).text.starts_with("Calibration stopped: the connection was lost at "));
-  switched(true);
+  switched(desk_, true);
   fake_.link.connection_changed();
   desk_.start_calibration(host_.user);
   EXPECT_EQ(wire(), "");

@@ -41,8 +41,7 @@ TEST_F(MeasuringBoardTest, APickerSwitchedOnOnePageIsOnOnAll) {
   lens_.picker().click_switch(true);
   EXPECT_TRUE(matrix_.picker().on());
   EXPECT_FALSE(matrix_.picker().switch_enabled()) << "one switch at a time";
-  matrix_.picker().click_switch(false);
-  EXPECT_EQ(wire(3000), std::string(kReadBoth) + "@920a*@9210*@9303*" + kOn);
+  EXPECT_EQ(switched(matrix_, false), std::string(kReadBoth) + "@920a*@9210*@9303*" + kOn);
   EXPECT_TRUE(matrix_.picker().keys_enabled());
   EXPECT_EQ(matrix_.typing(), MatrixDesk::Typing::chosen) << "switching on ends manual input, wherever";
   EXPECT_TRUE(awb_.picker().on());
@@ -58,36 +57,30 @@ TEST_F(MeasuringBoardTest, APickerSwitchedOnOnePageIsOnOnAll) {
   matrix_.get_color();
   EXPECT_EQ(wire(), "@940c*@943d*@940c*@943e*@940c*@943f*");
 
-  awb_.picker().click_switch(false);
-  EXPECT_EQ(wire(3000), kOff);
+  EXPECT_EQ(switched(awb_, false), kOff);
   EXPECT_FALSE(matrix_.picker().on());
   EXPECT_FALSE(lens_.values().picker_on);
   EXPECT_EQ(host_.last_status(), kPickerOffStatus);
 }
 
 TEST_F(MeasuringBoardTest, WhatEndsItElsewhereRestoresTheLensCorrection) {
-  lens_.picker().click_switch(true);
-  wire(3000);
-  matrix_.picker().click_switch(false);
-  EXPECT_EQ(wire(3000), std::string(kCorrectionBack) + kOff);
+  switched(lens_, true);
+  EXPECT_EQ(switched(matrix_, false), std::string(kCorrectionBack) + kOff);
 
-  lens_.picker().click_switch(true);
-  wire(3000);
+  switched(lens_, true);
   host_.user.answers = {Answer::yes};
   matrix_.start_save(host_.user, matrix_.save(host_));
   EXPECT_TRUE(wire(60000).ends_with("@fa00*@f900*" + std::string(kCorrectionBack) + kOff));
   EXPECT_FALSE(lens_.picker().on());
 
-  lens_.picker().click_switch(true);
-  wire(3000);
+  switched(lens_, true);
   EXPECT_EQ(matrix_.leave().front(), (Batch{{0x92, 0x0A}, {0x92, 0x10}, {0x93, 0x13}}));
   EXPECT_TRUE(lens_.leave().empty()) << "said once";
   EXPECT_FALSE(awb_.picker().on());
 }
 
 TEST_F(MeasuringBoardTest, OthersKeysRestWhileAPageMovesTheCursor) {
-  lens_.picker().click_switch(true);
-  wire(3000);
+  switched(lens_, true);
   lens_.start_calibration(host_.user);
   wire(500);
   EXPECT_FALSE(matrix_.picker().keys_enabled());
@@ -96,15 +89,13 @@ TEST_F(MeasuringBoardTest, OthersKeysRestWhileAPageMovesTheCursor) {
   EXPECT_EQ(host_.last_status(), "The cursor stays: it is being moved by a measurement.");
   awb_.get_color();
   EXPECT_EQ(host_.last_status(), "GET COLOR: the cursor is being moved by a measurement.");
-  matrix_.picker().click_switch(false);
-  wire(5000);
+  switched(matrix_, false, 5000);
   EXPECT_FALSE(lens_.calibrating());
   EXPECT_FALSE(matrix_.picker().keys_enabled());
   EXPECT_TRUE(board_->move_to({7, 2}));
   EXPECT_EQ(wire(), "") << "switching on brings it there";
   EXPECT_EQ(awb_.picker().position(), (PickerPosition{7, 2}));
-  awb_.picker().click_switch(true);
-  wire(3000);
+  switched(awb_, true);
   board_->move_to({7, 3});
   EXPECT_EQ(wire(), "@920c*@923a*@9300*@920c*@923b*@9303*@920c*@9238*@9300*@920c*@9239*@9307*");
 }
@@ -115,38 +106,32 @@ TEST_F(MeasuringBoardTest, NothingIsMeasuredWhereTheCursorIsNotThere) {
   matrix_.picker().click_switch(true);
   matrix_.get_color();
   EXPECT_EQ(wire(5000), std::string("@940a*@9429*") + kOn + read) << "not before the chip has followed";
-  matrix_.picker().click_switch(false);
-  wire(3000);
+  switched(matrix_, false);
 
-  lens_.picker().click_switch(true);
-  wire(3000);
+  switched(lens_, true);
   matrix_.choose_patch_step(100);
   lens_.start_calibration(host_.user);
   matrix_.choose_patch(7);
   EXPECT_EQ(matrix_.picker().position(), (PickerPosition{960, 540})) << "a sweep has the cursor";
   matrix_.get_color();
   matrix_.get_color();
-  awb_.picker().click_switch(false);
-  EXPECT_TRUE(wire(5000).ends_with(kOff)) << "switched off while it waited";
+  EXPECT_TRUE(switched(awb_, false, 5000).ends_with(kOff)) << "switched off while it waited";
   EXPECT_FALSE(matrix_.measuring());
 
-  lens_.picker().click_switch(true);
-  wire(3000);
+  switched(lens_, true);
   fake_.sender.chip = {};
   matrix_.get_color();
   matrix_.get_color();
   EXPECT_EQ(wire(3000), std::string(kCorrectionBack) + "@940a*@9429*@940a*@9429*");
   EXPECT_EQ(host_.last_status(), "Color picker: no answer from 0xFA29");
-  matrix_.picker().click_switch(false);
-  wire(3000);
+  switched(matrix_, false);
   EXPECT_TRUE(matrix_.picker().on()) << "the chip did not follow";
   EXPECT_EQ(bytes_of(matrix_.leave()),
             std::string(kCorrectionBack) + "@920a*@9220*@9390*@920a*@9229*@9305*@a001*@a101*")
       << "each once";
 
   fake_.sender.chip = chip;
-  matrix_.picker().click_switch(true);
-  wire(3000);
+  switched(matrix_, true);
   fake_.sender.connected = false;
   matrix_.picker().type_x(5);
   wire();
@@ -227,8 +212,7 @@ TEST_F(MeasuringBoardTest, AwbMeasuresItsColorsFromTheCorners) {
   };
   awb_.measure_all();
   EXPECT_EQ(host_.last_status(), "Measure 18: enable the color picker first, and wait for GET COLOR.");
-  awb_.picker().click_switch(true);
-  wire(3000);
+  switched(awb_, true);
   awb_.measure_all();
   EXPECT_EQ(host_.last_status(),
             "Measure 18: the chart's four corners are set on LinearMatrix, and are not yet.");
@@ -243,9 +227,7 @@ TEST_F(MeasuringBoardTest, AwbMeasuresItsColorsFromTheCorners) {
   EXPECT_EQ(awb_.values().patches[17].g, static_cast<int>(counts[17][1]));
   EXPECT_EQ(awb_.picker().position(), (PickerPosition{1100, 500})) << "the third row's end";
 
-  MeasuredColours clipped = counts;
-  clipped[4] = {255, 255, 255};
-  shown = clipped;
+  shown[4] = {255, 255, 255};
   patch = 0;
   asked.clear();
   awb_.measure_all();
@@ -265,8 +247,7 @@ TEST_F(MeasuringBoardTest, AwbMeasuresItsColorsFromTheCorners) {
 TEST_F(MeasuringBoardTest, PointingAtTheFourCornersSetsThem) {
   board_->move_to({1, 1});
   EXPECT_FALSE(matrix_.corners()[0]) << "nothing is measured yet";
-  matrix_.picker().click_switch(true);
-  wire(3000);
+  switched(matrix_, true);
   for (const PickerPosition& corner : kCorners) {
     board_->move_to(corner);
     wire();
@@ -304,8 +285,7 @@ TEST_F(MeasuringBoardTest, AnotherVideoModeThanTheChipsIsSaid) {
   EXPECT_EQ(host_.last_status(), other_size);
   lens_.press_check_field();
   wire(5000);
-  lens_.picker().click_switch(true);
-  wire(3000);
+  switched(lens_, true);
   lens_.start_calibration(host_.user);
   EXPECT_EQ(host_.last_status(), other_size);
 }
