@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <string>
 
+#include "simulator/simulated_board.h"
+#include "support/chip_talk.h"
+
 using namespace qv5123;
 using namespace std::chrono_literals;
 
@@ -26,26 +29,11 @@ struct Board {
     line.put(bytes_of(text), now);
     return take();
   }
-  /// Everything that comes until nothing is left to do; `now` is then when the last of it came.
-  std::string take_all() {
-    std::string all = take();
-    while (const auto next = line.next(now)) {
-      now = *next;
-      all += take();
-    }
-    return all;
-  }
 
   SimulatedChip chip;
   BoardLine line;
   TimePoint now{1h};
 };
-
-FaultRates with_fault(std::string_view fault) {
-  FaultRates rates;
-  EXPECT_EQ(parse_fault(fault, rates), "");
-  return rates;
-}
 
 }  // namespace
 
@@ -63,7 +51,9 @@ TEST(FaultOption, NamesWhatIsWrong) {
 TEST(Faults, DoWhatTheySayAndTheSameForTheSameSeed) {
   const std::string text(10000, 'x');
   const auto through = [&](std::string_view fault, std::uint64_t seed) {
-    FaultInjector injector(with_fault(fault), seed);
+    FaultRates rates;
+    EXPECT_EQ(parse_fault(fault, rates), "");
+    FaultInjector injector(rates, seed);
     injector.put(bytes_of(text), TimePoint{});
     const auto bytes = injector.take(TimePoint{});
     return std::string(bytes.begin(), bytes.end());
@@ -86,6 +76,9 @@ TEST(BoardLine, AnnouncesTheChipToAHostThatListens) {
   EXPECT_EQ(board.ask("@9408*@9404*"), "~12^");
   board.now += 60ms;
   EXPECT_EQ(board.take(), "") << "a host that speaks first must not take the announcement for its answer";
+  board.ask("@9401*");
+  board.now += 31ms;
+  EXPECT_EQ(board.ask("@9408*@9404*"), "~12^") << "half a request is forgotten after silence";
 }
 
 TEST(BoardLine, PassesBytesNoFasterThanTheLine) {
@@ -95,7 +88,12 @@ TEST(BoardLine, PassesBytesNoFasterThanTheLine) {
   const TimePoint start = board.now;
   const std::string request = "@9408*@9404*";
   EXPECT_EQ(board.ask(request), "");
-  EXPECT_EQ(board.take_all(), "~12^");
+  std::string all = board.take();
+  while (const auto next = board.line.next(board.now)) {
+    board.now = *next;
+    all += board.take();
+  }
+  EXPECT_EQ(all, "~12^");
   const std::chrono::duration<double> taken = board.now - start;
   EXPECT_NEAR(taken.count(), 16 * 10 / 19200.0, 1e-6) << "twelve bytes in, four out, ten bits each";
 
@@ -111,9 +109,24 @@ TEST(BoardLine, PassesBytesNoFasterThanTheLine) {
   EXPECT_EQ(board.line.room(), 506u);
 }
 
-TEST(BoardLine, ForgetsHalfARequestAfterSilence) {
-  Board board;
-  board.ask("@9401*");
-  board.now += 31ms;
-  EXPECT_EQ(board.ask("@9408*@9404*"), "~12^");
+TEST(SimulatedBoard, ComesBackAfterAHangupAsAfterAPowerCut) {
+  TimePoint now{1h};
+  LineOptions options;
+  options.faults.hangup = 1;
+  SimulatedBoard board(options, [&] { return now; });
+  board.with_chip([](SimulatedChip& chip) { test::ask(chip, "@3777*@fa01*@3878*@fa00*"); });
+  // The announcement is what breaks the line.
+  ASSERT_TRUE(board.open("", {}).ok());
+  EXPECT_EQ(board.wait(), SerialDevice::Wait::lost);
+  board.close();
+  now += SimulatedBoard::kUnplugged - 1ms;
+  board.advance();
+  EXPECT_EQ(board.open("", {}).error, OpenError::not_found);
+  now += 1ms;
+  board.advance();
+  EXPECT_TRUE(board.open("", {}).ok());
+  board.with_chip([](SimulatedChip& chip) {
+    EXPECT_NE(chip.direct(0x37), 0x77) << "it was not kept";
+    EXPECT_EQ(chip.direct(0x38), 0x78);
+  });
 }

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "simulator/faults.h"
 #include "state/image_check.h"
 #include "state/value_states.h"
@@ -60,16 +62,6 @@ class SaveVerification : public testing::Test {
   void type_other_values(TuningDesk& desk) {
     for (std::size_t i = 0; i < desk.model().fields().size(); ++i)
       if (desk.model().fields()[i].saved) desk.type(i, desk.model().numbers()[i] == 1 ? 2 : 1);
-  }
-  /// What the chip works with, of the values that a save sends and the chip reports.
-  void expect_saved(TuningDesk& desk, const UserDataImage& chip) {
-    UserDataImage saved = chip;
-    desk.model().store(saved);
-    for (const FieldInfo& field : desk.model().fields()) {
-      if (!field.saved || !field.has_reply()) continue;
-      for (const std::size_t entry : field.entries())
-        EXPECT_EQ(chip.entry(entry), saved.entry(entry)) << field.name;
-    }
   }
   void repair(TuningDesk& desk) {
     desk.start_repair(*found_);
@@ -230,7 +222,15 @@ TEST_P(EveryPage, IsVerifiedOnALineThatLosesBytesAndNeverLies) {
       if (!found_->to_repair().empty()) repair(*desk);
     if (found_->end != End::verified) continue;
     ++verified;
-    expect_saved(*desk, chip_.state().user_data);
+    // What the chip works with, of the values that a save sends and the chip reports.
+    const UserDataImage& chip = chip_.state().user_data;
+    UserDataImage saved = chip;
+    desk->model().store(saved);
+    for (const FieldInfo& field : desk->model().fields()) {
+      if (!field.saved || !field.has_reply()) continue;
+      for (const std::size_t entry : field.entries())
+        EXPECT_EQ(chip.entry(entry), saved.entry(entry)) << field.name;
+    }
   }
   EXPECT_GE(verified, 3) << text_;
 }
@@ -256,6 +256,71 @@ TEST_P(EveryPage, IsNotVerifiedWhereWhatDiffersIsWhatIsLost) {
       EXPECT_FALSE(found_->to_repair().empty());
     }
   }
+}
+
+struct PageRange {
+  const char* name;
+  int count;  ///< the page takes 0 .. count - 1 everywhere, or limits it
+};
+constexpr PageRange kRanges[] = {{"front", 8},    {"awb", 801},     {"dynamic", 8},
+                                 {"gamma", 1024}, {"matrix", 4096}, {"lsc", 4096}};
+
+class PageRoundTrip : public testing::TestWithParam<PageRange> {
+ protected:
+  /// The chip must report these numbers, so far as it reports them and they are kept at all.
+  void expect_reported(const std::vector<int>& numbers) {
+    const std::string block = test::ask(chip, frames({{page->texts().trigger, 0}}));
+    ASSERT_TRUE(page->take_reply(block.substr(1, block.size() - 2))) << block;
+    const std::vector<int> reported = page->numbers();
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+      const FieldInfo& field = page->fields()[i];
+      if (field.has_reply() && field.has_entry()) {
+        EXPECT_EQ(reported[i], numbers[i]) << field.name;
+      }
+    }
+  }
+  void store(std::size_t field, int number, UserDataImage& image) const {
+    const auto model = make_model(GetParam().name);
+    model->load_all(image);
+    model->set_number(field, number);
+    model->store_field(field, image);
+  }
+
+  const std::unique_ptr<TuningModel> page = make_model(GetParam().name);
+  test::FakeWire wire;
+  test::FakePageHost host{wire};
+  test::ListeningChip chip;
+};
+
+INSTANTIATE_TEST_SUITE_P(Pages, PageRoundTrip, testing::ValuesIn(kRanges),
+                         [](const auto& range) { return std::string(range.param.name); });
+
+TEST_P(PageRoundTrip, WhatIsSavedIsKeptForGoodAndReadBack) {
+  page->load_all(chip.state().user_data);
+  expect_reported(page->numbers());
+  std::mt19937 random(5);
+  for (int round = 0; round < 5; ++round) {
+    CQV5123Doc document;
+    UserDataImage& image = document.user_data;
+    image = chip.state().user_data;
+    image.mark_loaded();
+    const auto store_all = [&](const auto& number_of) {
+      for (std::size_t i = 0; i < page->fields().size(); ++i)
+        if (page->fields()[i].saved && page->fields()[i].has_entry()) store(i, number_of(i), image);
+    };
+    store_all([&](std::size_t) { return static_cast<int>(random() % GetParam().count); });
+    const auto desk = make_desk(GetParam().name, host, document);
+    desk->model().load_all(image);
+    const FullSave save = desk->full_save();
+    const std::vector<int> sent = desk->model().numbers();
+    store_all([&](std::size_t i) { return sent[i]; });  // some were corrected
+    for (const Batch& batch : save.traffic) EXPECT_EQ(test::ask(chip, frames(batch)), "");
+    for (std::size_t i = 0; i < UserDataImage::kSize; ++i)
+      EXPECT_EQ(chip.state().kept_data.entry(i), image.entry(i)) << i;
+    EXPECT_EQ(chip.state().user_data, image);
+    expect_reported(sent);
+  }
+  EXPECT_FALSE(page->take_reply("00"));
 }
 
 }  // namespace

@@ -31,8 +31,7 @@ class ComparisonTest : public test::DeskBench {
  protected:
   ComparisonTest() {
     lens_.watch(states_);
-    lens_.start_load();
-    answer_load("001400150000000000000000");  // 20 and 21
+    load_desk(lens_, "001400150000000000000000");  // 20 and 21
     wire();
     host_.statuses.clear();
   }

@@ -46,6 +46,12 @@ class DeskBench : public testing::Test {
     fake_.receive("~" + reply + "^");
     fake_.advance(300);
   }
+  /// A page loads from a chip that answers this.
+  template <class Desk>
+  void load_desk(Desk& desk, const std::string& reply) {
+    desk.start_load();
+    answer_load(reply);
+  }
   UserDataImage& image() { return host_.doc.user_data; }
 
   FakeWire fake_;

@@ -2,6 +2,7 @@
 
 #include "support/desk_bench.h"
 #include "support/desk_fields.h"
+#include "tuning/awb_chart.h"
 
 namespace qv5123 {
 namespace {
@@ -10,10 +11,6 @@ constexpr std::size_t kWords = 10;  // of the six lines, the page's first values
 
 class AwbDeskTest : public test::DeskBench {
  protected:
-  void load(const std::string& reply) {
-    desk_.start_load();
-    answer_load(reply);
-  }
   std::vector<int> words() const {
     std::vector<int> numbers = desk_.model().numbers();
     numbers.resize(kWords);
@@ -51,7 +48,7 @@ TEST_F(AwbDeskTest, LimitsThemAsTheyComeFromAFileAndNotFromTheChip) {
 
   std::string reply;
   for (int word = 0; word < 10; ++word) reply += "0384";
-  load(reply);
+  load_desk(desk_, reply);
   const int negative = 900 - 65536;
   EXPECT_EQ(words(), (std::vector<int>{negative, negative, negative, negative, negative, negative, negative,
                                        negative, 900, 900}));
@@ -59,7 +56,7 @@ TEST_F(AwbDeskTest, LimitsThemAsTheyComeFromAFileAndNotFromTheChip) {
 
 TEST_F(AwbDeskTest, SavesTheChipsLinesAsTheyCame) {
   desk_.model().set_number(0, 7);
-  load("01020203fffefce0032101050106010704098000");
+  load_desk(desk_, "01020203fffefce0032101050106010704098000");
   EXPECT_EQ(wire(), "@3600*");
   EXPECT_EQ(host_.last_status(), "Load Isp Ok.");
   EXPECT_EQ(desk_.unread(), "") << "so that saving needs no question";
@@ -94,6 +91,28 @@ TEST_F(AwbDeskTest, AMeasuredColourBecomesThePatchThatWasChosen) {
   desk_.get_color();
   fake_.advance(5000);
   EXPECT_EQ(host_.last_status(), "GET COLOR: Foliage is 7, 7, 7") << "the failure is over";
+}
+
+TEST(AwbChart, LinesLieWhereTheWordsPutThemAndPatchesHaveLuma) {
+  AwbValues values;
+  values.words = {256, 128, 0, 0, -256, 0, 0, 64, 128, -128};
+  const auto lines = awb_chart_lines(values);
+  EXPECT_EQ(lines[0].from.x, -160);
+  EXPECT_NEAR(lines[0].from.y, 60, 1e-9) << "y = -0.8 + 0.5, downwards";
+  EXPECT_EQ(lines[0].letter, (ChartPoint{-164, lines[0].from.y}));
+  EXPECT_EQ(lines[4].from, (ChartPoint{100, -60}));
+  EXPECT_EQ(lines[5].to, (ChartPoint{20, 100}));
+
+  values.patches[0] = {300, 0, 0};
+  values.patches[18] = {128, 128, 128};
+  values.patches[19] = {-5, 0, 0};
+  const auto patches = awb_chart_patches(values);
+  ASSERT_EQ(patches.size(), 2u);
+  EXPECT_NEAR(patches[0].centre.x, 200 * -0.16797 / 0.296875, 1e-9) << "drawn as 255";
+  EXPECT_NEAR(patches[0].centre.y, -200 * 0.5 / 0.296875, 1e-9);
+  EXPECT_EQ(patches[0].side, 4);
+  EXPECT_EQ(patches[1].row, 18u);
+  EXPECT_NEAR(patches[1].centre.x, 0, 1e-2);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "support/chart_readings.h"
 #include "support/patch_fits.h"
 #include "tuning/matrix_diagnosis.h"
@@ -22,6 +24,37 @@ std::string all_warnings(const char* scene) {
   std::string all;
   for (const std::string& warning : matrix_warnings(values)) all += warning + "\n";
   return all;
+}
+
+struct Pair {
+  Lab one;
+  Lab other;
+  double difference;
+};
+
+// Of the test data published with the formula (Sharma, Wu, Dalal 2005), chosen there for the jumps in hue.
+constexpr Pair kPairs[] = {
+    {{50, 2.6772, -79.7751}, {50, 0, -82.7485}, 2.0425},
+    {{50, 0, 0}, {50, -1, 2}, 2.3669},
+    {{50, 2.4900, -0.0010}, {50, -2.4900, 0.0011}, 7.2195},
+    {{50, 2.5, 0}, {73, 25, -18}, 27.1492},
+    {{2.0776, 0.0795, -1.1350}, {0.9033, -0.0636, -0.5514}, 0.9082},
+};
+
+/// The chart through a sensor whose colours leak into one another; `level` counts for white.
+MeasuredColours leaking_chart(double level) {
+  constexpr double kLeak[3][3] = {{0.7038961039, 0.2051948052, 0.0909090909},
+                                  {0.1324675325, 0.7766233766, 0.0909090909},
+                                  {0.0632034632, 0.2398268398, 0.6969696970}};
+  MeasuredColours chart{};
+  for (std::size_t i = 0; i < kPatches; ++i) {
+    for (std::size_t r = 0; r < 3; ++r) {
+      double light = 0;
+      for (std::size_t j = 0; j < 3; ++j) light += kLeak[r][j] * kPatchReferences[i][j];
+      chart[i][r] = static_cast<std::uint32_t>(std::lround(level * light));
+    }
+  }
+  return chart;
 }
 
 }  // namespace
@@ -108,4 +141,61 @@ TEST(MatrixDiagnosis, WarnsOfWhatAmplifiesErrors) {
   EXPECT_EQ(matrix_warnings(values).at(1), "Green makes noise 6.4 times as large.");
   values.measured = test::chart_readings("chart");
   EXPECT_NE(matrix_warnings(values).back().find("The mean color difference grows from "), std::string::npos);
+}
+
+TEST(ColorDifference, MatchesThePublishedPairsBothWaysAndConvertsFromLinearSrgb) {
+  for (const Pair& pair : kPairs) {
+    EXPECT_NEAR(ciede2000(pair.one, pair.other), pair.difference, 5e-5) << pair.other.a;
+    EXPECT_NEAR(ciede2000(pair.other, pair.one), pair.difference, 5e-5) << pair.other.a;
+  }
+  const Lab red = lab_of({1, 0, 0});
+  EXPECT_NEAR(red.l, 53.24, 0.01);
+  EXPECT_NEAR(red.a, 80.09, 0.02);
+  EXPECT_LT(lab_of({-0.04, 0.27, 0.44}).a, 0) << "outside the gamut is still a colour";
+  EXPECT_EQ(display_colour({1, 0.2158605, -3}), 0xFF8000u);
+}
+
+TEST(Matrix, CodesAreTwosComplement) {
+  EXPECT_EQ(matrix_code_text(-0.25f), "0x1F00");
+  EXPECT_EQ(matrix_code_text(1.0f), "0x0400");
+  EXPECT_EQ(matrix_code_text(0.9999f), "0x03FF");
+  EXPECT_EQ(matrix_coefficient_of("0x1F00"), -0.25f);
+  EXPECT_EQ(matrix_coefficient_of("3ff"), 0x3FF / 1024.0f);
+  for (const char* text : {"", "0x", "0x2000", "-1", "0x04 ", "1.0"})
+    EXPECT_FALSE(matrix_coefficient_of(text));
+  EXPECT_EQ(matrix_code(NAN), 0);
+}
+
+TEST(MatrixFit, TakesGreysAloneButNotWithoutThem) {
+  MatrixValues values;
+  values.measured = leaking_chart(200);
+  for (std::size_t i = 0; i < kPatches; ++i) {
+    if (i < kFirstGrey || i > kLastGrey) values.measured[i] = {};
+  }
+  ASSERT_NE(calculate_matrix(values), MatrixResult::no_grey);
+  for (const auto& row : values.coefficients) EXPECT_NEAR(row[0] + row[1] + row[2], 1, 1e-3);
+
+  for (std::size_t i = kFirstGrey; i <= kLastGrey; ++i) values.measured[i] = {4'294'967'295u, 1, 1};
+  EXPECT_EQ(calculate_matrix(values), MatrixResult::unsolvable) << "four times the same";
+
+  for (std::size_t i = kFirstGrey; i <= kLastGrey; ++i) values.measured[i][2] = 0;
+  const auto tables = values.tables;
+  EXPECT_EQ(calculate_matrix(values), MatrixResult::no_grey);
+  EXPECT_EQ(values.tables, tables);
+  EXPECT_FALSE(patch_report(values.measured, values.coefficients));
+}
+
+TEST(MatrixFit, LeavesOutPatchesWithAZeroButBalancesWithThem) {
+  MeasuredColours chart = leaking_chart(1000);
+  MeasuredColours without = chart;
+  chart[0] = {50, 0, 4'000'000'000};
+  without[0] = {};
+  EXPECT_EQ(fit_matrix(chart, 100)->coefficients, fit_matrix(without, 100)->coefficients);
+  EXPECT_FALSE(patch_report(chart, {})->patches[0]);
+
+  MeasuredColours greys{};
+  for (std::size_t i = kFirstGrey; i <= kLastGrey; ++i) greys[i] = {10, 20, 40};
+  greys[kFirstGrey][1] = 0;
+  EXPECT_EQ((*balance_patches(greys))[kFirstGrey], (std::array<double, 3>{15, 0, 15}))
+      << "red by 60 / 40, blue by 60 / 160";
 }

@@ -4,11 +4,13 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "base/hex.h"
 #include "support/source_folder.h"
 #include "tuning/page_model.h"
+#include "tuning/settings_table.h"
 #include "tuning/tuning_pages.h"
 
 namespace qv5123 {
@@ -35,6 +37,24 @@ TEST(Fields, AreNamedStoredAndAddressedAsListed) {
     for (const FieldInfo& field : model->fields()) all += line_of(page, field);
   }
   EXPECT_EQ(all, listed);
+}
+
+using Entries = std::vector<std::size_t>;
+
+TEST(SettingsTable, HoldsEveryEntryOnceAndFindsByNameAndByEntry) {
+  const SettingsTable table;
+  std::set<std::size_t> entries;
+  std::set<std::string> names;
+  for (const Setting& setting : table.settings()) {
+    EXPECT_TRUE(names.insert(setting.name).second) << setting.name;
+    for (const std::size_t entry : setting.entries) EXPECT_TRUE(entries.insert(entry).second) << setting.name;
+  }
+  EXPECT_EQ(entries.size(), UserDataImage::kSize);
+  EXPECT_EQ(table.find("parameter.nr_weight").at(0).entries, Entries{559});
+  EXPECT_EQ(table.find("version.isp[2]").at(0).entries, (Entries{705, 706}));
+  EXPECT_EQ(table.find("gamma.r").size(), 22u);
+  EXPECT_EQ(table.find("1023")[0].entries, Entries{1023});
+  EXPECT_TRUE(table.find("1024").empty());
 }
 
 }  // namespace

@@ -19,8 +19,7 @@ const std::string kReply = std::string("04020301") + "012302340345ffff" + "08001
 class FrontDeskTest : public test::DeskBench {
  protected:
   void load() {
-    desk_.start_load();
-    answer_load(kReply);
+    load_desk(desk_, kReply);
     wire();
   }
   void set(const char* name, int number) { desk_.model().set_number(test::field_place(desk_, name), number); }

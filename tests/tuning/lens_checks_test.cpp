@@ -6,6 +6,8 @@
 
 #include "support/chip_desk_bench.h"
 #include "tuning/lens_desk.h"
+#include "tuning/lens_fit.h"
+#include "tuning/lens_shading.h"
 
 namespace qv5123 {
 namespace {
@@ -99,6 +101,10 @@ TEST(LensChecks, AFieldThatSaysNothingIsNotFlat) {
 class LensDeskOnAChip : public test::OnAChip<> {
  protected:
   LensDeskOnAChip() { aim("flat-cos4", "off"); }
+  void check_field(int milliseconds = 60'000) {
+    desk_.press_check_field();
+    wire(milliseconds);
+  }
   /// What was sent to the registers of the parameters.
   std::string calibrated() {
     switched(desk_, true, 5000);
@@ -148,8 +154,7 @@ TEST_F(LensDeskOnAChip, WhatARatioOf0HidesIsAskedAboutBeforeTheRatioBringsIt) {
 }
 
 TEST_F(LensDeskOnAChip, ChecksTheFieldWithTheCorrectionOfTheChip) {
-  desk_.press_check_field();
-  wire(60'000);
+  check_field();
   ASSERT_EQ(desk_.picture().size(), 45u);
   const double uncorrected = field_ripple(desk_.picture())[1];
   EXPECT_THAT(host_.last_status(), StartsWith("Ripple of the whole picture: red "));
@@ -157,23 +162,56 @@ TEST_F(LensDeskOnAChip, ChecksTheFieldWithTheCorrectionOfTheChip) {
   EXPECT_TRUE(chip_.state().isp[0xA10] & 0x10);
   host_.user.answers = {Answer::no};
   calibrated();
-  desk_.press_check_field();
-  wire(60'000);
+  check_field();
   EXPECT_LT(field_ripple(desk_.picture())[1], uncorrected);
 
-  desk_.press_check_field();
-  wire(5000);
-  desk_.press_check_field();
-  wire(5000);
+  check_field(5000);
+  check_field(5000);
   EXPECT_EQ(host_.last_status(), "Check field: stopped.");
   EXPECT_FALSE(desk_.checking_field());
 
   fake_.sender.chip = [this](const std::string& bytes) {
     if (bytes.starts_with("@94")) fake_.receive(bytes.starts_with("@940a*") ? "~15^" : "~00^");
   };
-  desk_.press_check_field();
-  wire(60'000);
+  check_field();
   EXPECT_THAT(host_.last_status(), StartsWith("Check field says nothing: No reading of red is above 1"));
+}
+
+TEST(Picker, MovesWithinThePicture) {
+  EXPECT_EQ(moved({100, 5}, PickerMove::up, 3), (PickerPosition{100, 0}));
+  EXPECT_EQ(moved({2300, 5}, PickerMove::right, 2), (PickerPosition{2303, 5}));
+  EXPECT_EQ(moved({2300, 1535}, PickerMove::down, 99), (PickerPosition{2300, 1535}));
+  EXPECT_EQ(moved({2147483647, -5}, PickerMove::left, 7), (PickerPosition{2175, 0}));
+}
+
+TEST(LensFit, TakesTheCentreFromBlueAndTruncates) {
+  std::vector<LensSample> samples;
+  for (int x : lens_positions(1280)) {
+    samples.push_back({x, {2000000 - (x - 500) * (x - 500), -x, 1000000 - (x - 799) * (x - 800)}, 0});
+  }
+  const LensCentre centre = fit_lens_centre(samples, 1280);
+  EXPECT_NEAR(centre.peak[0], 2000000, 1);
+  EXPECT_NEAR(centre.x, 799, 1);
+  EXPECT_EQ(lens_sample(16, {100, 200, 50}).luma, 167);  // 21.26 + 143.04 + 3.61
+}
+
+TEST(LensFit, ClampsAndSurvivesWhatCannotBeFitted) {
+  const LensCentre steep{640, {255, 255, 255}, {}, {}};
+  std::vector<LensSample> samples;
+  for (int x : lens_positions(1280))
+    samples.push_back({x, {x < 640 ? 1 : 2, 255 - std::abs(x - 640) / 3, 255}, 0});
+  const LensFit fit = fit_lens(samples, steep, 100);
+  EXPECT_EQ(fit.parameter1[0], 4095);
+  EXPECT_GT(fit.b[1], 0);
+  EXPECT_EQ(fit.parameter2[1], 0) << "a rising fourth power cannot be expressed";
+
+  EXPECT_FALSE(fit_lens({{16, {0, 0, 0}, 0}}, {}, 100).determined);
+  EXPECT_FALSE(fit_lens({}, {}, 100).determined);
+  LensCalibration empty;
+  LensValues values;
+  values.parameter1[1] = 7;
+  EXPECT_EQ(recompute_lens(empty, values), "");
+  EXPECT_EQ(values.parameter1[1], 7);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include "support/desk_bench.h"
 #include "support/lens_chip.h"
-#include "support/poll_until.h"
 
 namespace qv5123 {
 namespace {
@@ -72,10 +71,8 @@ TEST_F(LensDeskTest, CalibratesSendsAndSwitchesOff) {
 
 TEST_F(LensDeskTest, TheRatioCountsUntilThePickerIsOff) {
   start_calibration();
-  test::poll_until([&] {
+  for (int i = 0; i < 7000 && (host_.progress.empty() || host_.progress.back() != 100); ++i)
     fake_.advance(10);
-    return !host_.progress.empty() && host_.progress.back() == 100;
-  });
   fake_.advance(300);  // the parameters have left
   desk_.move_ratio(0);
   const std::string sent = wire(3000);
@@ -126,8 +123,7 @@ TEST_F(LensDeskTest, WhatAChipSaysThatWasAwayIsNoReading) {
 }
 
 TEST_F(LensDeskTest, LoadsFromTheChipAndFlickerModesExcludeEachOther) {
-  desk_.start_load();
-  answer_load("ffff02030405060708090aFFff");
+  load_desk(desk_, "ffff02030405060708090aFFff");
   EXPECT_EQ(wire(), "@6b00*");
   EXPECT_EQ(host_.last_status(), "Load Isp ok");
   EXPECT_EQ(parameters(), (std::vector<int>{4095, 0x203, 0x405, 0x607, 0x809, 0xAFF}));

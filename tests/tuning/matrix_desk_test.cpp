@@ -25,11 +25,6 @@ class MatrixDeskTest : public test::DeskBench {
     return texts;
   }
   void type_patches(const MeasuredColours& counts) { test::type_patches(desk_, counts); }
-  void type_greys() {
-    MeasuredColours greys;
-    greys.fill({100, 100, 100});
-    type_patches(greys);
-  }
   const MeasuredColour& patch(std::size_t i) const { return desk_.values().measured[i]; }
 
   MatrixDesk desk_{host_, host_.doc.user_data};
@@ -87,7 +82,9 @@ TEST_F(MatrixDeskTest, CalculatesOnlyWithGrey) {
   ASSERT_EQ(host_.user.messages.size(), 1u);
   EXPECT_EQ(host_.user.messages[0].text, "Please get color of gray!");
 
-  type_greys();
+  MeasuredColours greys;
+  greys.fill({100, 100, 100});
+  type_patches(greys);
   desk_.calculate(host_.user);
   EXPECT_EQ(host_.last_status(), "The measured patches do not determine a matrix.");
   EXPECT_THAT(codes(), Each("0x0000"));
@@ -269,8 +266,7 @@ TEST_F(MatrixDeskTest, LoadsFromTheChip) {
   reply.replace(216 + 12 + 4, 2, "ff");           // AHD, row R, Light-2: high byte of the second
   reply.replace(108 + 36, 2, "01");               // CVBS, row G, Outdoor: high byte of the first
   desk_.type_code(0, 1, "0x0111");
-  desk_.start_load();
-  answer_load(reply);
+  load_desk(desk_, reply);
   EXPECT_EQ(wire(), "@6a00*");
   EXPECT_EQ(codes()[0], "0x1F80");
   EXPECT_EQ(codes()[1], "0x0000") << "what was typed is gone";
@@ -291,8 +287,7 @@ TEST_F(MatrixDeskTest, SavesAllMatricesAndEndsTheCapture) {
   EXPECT_EQ(host_.last_status(), "CCM Data Saving... Please wait");
   EXPECT_EQ(host_.user_data_writes, 1);
   const std::string sent = wire(15000);
-  EXPECT_THAT(sent, StartsWith("@f901*@fa01*@ca00*@5200*@5201*@5202*@5203*@"
-                               "5204*@5205*@5512*@5513*"));
+  EXPECT_THAT(sent, StartsWith("@f901*@fa01*@ca00*@5200*@5201*@5202*@5203*@5204*@5205*@5512*@5513*"));
   EXPECT_THAT(sent, EndsWith(std::string("@5a00*@fa00*@f900*") + kPickerOff));
   EXPECT_EQ(sent.size(), (2u + 4 * 55 + 2 + 10) * 6);
   EXPECT_FALSE(desk_.picker().on());

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/hex.h"
 #include "support/chart_readings.h"
 #include "support/chip_desk_bench.h"
 #include "support/traffic_text.h"
@@ -24,11 +25,6 @@ constexpr test::CornerPlaces kCorners{{{100, 100}, {1100, 100}, {1100, 700}, {10
 class MeasuringBoardTest : public test::DeskBench {
  protected:
   MeasuringBoardTest() { answer_picker(); }
-  /// The signal of the chip's picture: an item of "Video Mode".
-  void load_file_with_mode(int mode) {
-    image().set_entry(454, mode);
-    image().mark_loaded();
-  }
 
   std::shared_ptr<MeasuringBoard> board_ = std::make_shared<MeasuringBoard>();
   MatrixDesk matrix_{host_, host_.doc.user_data, board_};
@@ -205,9 +201,7 @@ TEST_F(MeasuringBoardTest, AwbMeasuresItsColorsFromTheCorners) {
     for (std::size_t c = 0; c < 3; ++c) {
       if (bytes != kAsked[c]) continue;
       asked = bytes;
-      const char* digits = "0123456789abcdef";
-      const unsigned count = shown[patch][c];
-      fake_.receive(std::string("~") + digits[count / 16] + digits[count % 16] + "^");
+      fake_.receive("~" + lower_hex(shown[patch][c]) + "^");
     }
   };
   awb_.measure_all();
@@ -262,7 +256,8 @@ TEST_F(MeasuringBoardTest, PointingAtTheFourCornersSetsThem) {
 }
 
 TEST_F(MeasuringBoardTest, AnotherVideoModeThanTheChipsIsSaid) {
-  load_file_with_mode(2);
+  image().set_entry(454, 2);  // an item of "Video Mode"
+  image().mark_loaded();
   test::type_patches(matrix_, test::chart_readings("chart"));
   matrix_.calculate(host_.user);
   const std::string other =
