@@ -18,11 +18,10 @@ namespace {
 /// A chip that looks at a chart without noise, spoken to in text.
 class Picture : public testing::Test {
  protected:
-  Picture() { aim(Scene{}); }
-  void aim(const Scene& scene) {
+  Picture() {
     CameraTruth truth;
     truth.read_noise = truth.shot_noise = 0;
-    chip.set_camera(Camera(scene, truth));
+    chip.set_camera(Camera(Scene{}, truth));
   }
   std::string ask(const Batch& batch) { return test::ask(chip, frames(batch)); }
   int read(int address) {

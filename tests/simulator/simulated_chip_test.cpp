@@ -48,14 +48,12 @@ TEST(ChipStart, AnnouncesItselfWithVersionAndSerialNumber) {
       << output;
 }
 
-TEST_F(Chip, WideAccessWrapsAtTheEndOfTheIspSpace) {
+TEST_F(Chip, WideAccessWrapsAndADumpRefusesBackwardRanges) {
   ask("@950f*@95ff*@96aa*@96bb*");
   EXPECT_EQ(chip.isp(0xFFF), 0xAA);
   EXPECT_EQ(chip.isp(0x000), 0xBB);
   EXPECT_EQ(ask("@97ff*@97ff*"), "~aabb^") << "only the low 12 bits of an address count";
-}
 
-TEST_F(Chip, DumpsInLinesAndRefusesBackwardRanges) {
   ask("@9209*@9222*@9312*");
   ask("@9209*@9223*@93ab*");
   EXPECT_EQ(ask("@9b09*@9b22*@9b09*@9b23*"), "\r\n0xF922 = 0x12\r\n0xF923 = 0xAB\r\n");
@@ -83,7 +81,7 @@ TEST_F(Chip, FindsFramesAmongAnything) {
   EXPECT_EQ(chip.direct(0x37), 0x2A) << "a frame may come in pieces and in uppercase";
 }
 
-TEST_F(Chip, LatchesWordsPointByPoint) {
+TEST_F(Chip, LatchesWordsPointByPointAndSelectionsThatDoNotExistSelectNothing) {
   const int before = word(133);
   ask("@0501*");
   EXPECT_EQ(word(133), before) << "half a point changes nothing";
@@ -92,15 +90,13 @@ TEST_F(Chip, LatchesWordsPointByPoint) {
   EXPECT_EQ(word(135), 0x234);
   ask("@0600*" + repeated("@0300*@0307*", 22) + "@0301*@0300*");
   EXPECT_EQ(word(45), 0x100) << "the 23rd point is the first again";
-}
 
-TEST_F(Chip, SelectionsThatDoNotExistSelectNothing) {
   ask("@4e02*@5177*");
   EXPECT_EQ(entry(380), 2) << "the register says the kind of the record";
   ask("@ca03*@4103*");
-  const UserDataImage before = chip.state().user_data;
+  const UserDataImage selected = chip.state().user_data;
   ask("@ca04*@5901*@5901*@4e03*@5b01*@4f01*@4107*@4201*");
-  EXPECT_EQ(chip.state().user_data, before);
+  EXPECT_EQ(chip.state().user_data, selected);
 }
 
 TEST_F(Chip, KeepsOnlyWhatIsBracketedAndFactoryResetBringsBackWhatWasCopied) {

@@ -5,28 +5,18 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "support/program_posix.h"
-
-namespace {
+#include "support/temporary_folder.h"
 
 namespace fs = std::filesystem;
 using namespace qv5123::test;
 
-/// A path of this test's own that does not exist.
-fs::path fresh_path(const char* name) {
-  const fs::path path = fs::temp_directory_path() / (std::string(name) + std::to_string(::getpid()));
-  fs::remove(path);
-  return path;
-}
-
-}  // namespace
-
 TEST(SimulatorProgram, ServesHostsThatComeAndGo) {
-  const fs::path link = fresh_path("qv5123sim-link");
+  const TemporaryFolder folder;
+  const fs::path link = folder / "link";
   Program simulator("qv5123sim", {"--link", link.string(), "--trace"});
   EXPECT_EQ(fs::read_symlink(link), simulator.line());
   for (int host = 0; host < 2; ++host) {
@@ -50,7 +40,8 @@ TEST(SimulatorProgram, ServesHostsThatComeAndGo) {
 }
 
 TEST(SimulatorProgram, ComesBackAfterAHangup) {
-  const fs::path link = fresh_path("qv5123sim-hangup");
+  const TemporaryFolder folder;
+  const fs::path link = folder / "link";
   Program simulator("qv5123sim", {"--link", link.string(), "--fault", "hangup=1"});
   simulator.line();
   const int line = ::open(link.c_str(), O_RDWR | O_NOCTTY);
@@ -83,10 +74,10 @@ TEST(SimulatorProgram, AnswersOnAPortThatItIsGiven) {
 }
 
 TEST(SimulatorProgram, NamesABadOptionInOneLine) {
-  const fs::path file = fresh_path("qv5123sim-file");
-  std::ofstream(file) << "mine";
-  const fs::path link = fresh_path("qv5123sim-users");
-  const fs::path dangling = fresh_path("qv5123sim-dangling");
+  const TemporaryFolder folder;
+  const fs::path file = folder.write("file", "mine");
+  const fs::path link = folder / "users";
+  const fs::path dangling = folder / "dangling";
   fs::create_symlink(file, link);
   fs::create_symlink("nowhere", dangling);
   const struct {
@@ -106,5 +97,4 @@ TEST(SimulatorProgram, NamesABadOptionInOneLine) {
   }
   EXPECT_EQ(fs::file_size(link), 4u);
   EXPECT_EQ(fs::read_symlink(dangling), "nowhere");
-  for (const fs::path& path : {file, link, dangling}) fs::remove(path);
 }

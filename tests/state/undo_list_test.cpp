@@ -157,12 +157,6 @@ class UndoOfMeasurementsTest : public test::OnAChip<UndoListTest> {
     lens_.start_calibration(host_.user);
     wire(60'000);
   }
-  void measure_chart() {
-    switched(matrix_, true);
-    test::set_corners(matrix_, fake_, "chart");
-    matrix_.measure_all();
-    wire(30'000);
-  }
 
   std::shared_ptr<MeasuringBoard> board_ = std::make_shared<MeasuringBoard>();
   MatrixDesk matrix_{host_, image(), board_};
@@ -210,7 +204,10 @@ TEST_F(UndoOfMeasurementsTest, ARatioMovedWhileTheParametersLeaveIsAStepOfItsOwn
 
 TEST_F(UndoOfMeasurementsTest, AChartIsOneStepThatTakesItsFitsAlong) {
   aim("chart", "off");
-  measure_chart();
+  switched(matrix_, true);
+  test::set_corners(matrix_, fake_, "chart");
+  matrix_.measure_all();
+  wire(30'000);
   EXPECT_EQ(matrix_.patches_left(), 1u);
   EXPECT_EQ(undo_.size(), 1u);
   matrix_.calculate(host_.user);

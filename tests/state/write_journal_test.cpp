@@ -103,18 +103,6 @@ TEST(WriteJournal, OpensAsFarAsItGoesAndSaysSo) {
   EXPECT_THAT(open_journal_file(folder.path()).remarks, ElementsAre(HasSubstr("cannot be read.")));
 }
 
-TEST(WriteJournal, DropsItsOlderHalfRatherThanGrowWithoutEnd) {
-  const std::size_t line = journal_line(slope(1, 1)).size() + 1;
-  WriteJournal journal(10 * line);
-  for (int i = 0; i < 10; ++i) journal.add(slope(i, i));
-  EXPECT_EQ(journal.dropped(), 0u);
-  journal.add(slope(0, 5));
-  EXPECT_EQ(journal.dropped(), 5u);
-  EXPECT_EQ(journal.size(), 6u);
-  EXPECT_EQ(journal.at(0), slope(5, 5));
-  EXPECT_EQ(journal.at(5), slope(0, 5));
-}
-
 TEST(WriteJournal, IsFilteredByWordsAndShowsQuestionsOnRequestOnly) {
   const auto matches = [](const std::string& words, const WriteRecord& record, bool questions = false) {
     return WriteMatcher({words, questions}).matches(journal_line(record));
@@ -195,7 +183,7 @@ TEST(WriteJournal, WhatHasNoNamesTakesAwayWhatWasKnown) {
   EXPECT_THAT(values_after(twice.journal, 0), IsEmpty()) << "30 is what came first";
 }
 
-TEST(WriteJournal, ACopyStaysAsItWasWhileTheOtherGrows) {
+TEST(WriteJournal, DropsItsOlderHalfAndACopyStaysAsItWas) {
   const std::size_t line = journal_line(slope(1000, 1000)).size() + 1;
   WriteJournal journal(3000 * line);
   for (int i = 1000; i < 2500; ++i) journal.add(slope(i, i));

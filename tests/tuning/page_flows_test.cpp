@@ -88,7 +88,7 @@ TEST_F(SaveOnChip, ShowsItsProgressAndWaitsWhileTheChipStores) {
   EXPECT_EQ(wire.sender.writes.back(), "@3a08*") << "a page that goes while it waits leaves the wire free";
 }
 
-TEST_F(SaveOnChip, APortThatFailsOrCutsAWriteShortIsNoSuccess) {
+TEST_F(SaveOnChip, APortThatFailsOrCutsAWriteShortOrAChipThatGoesIsNoSuccess) {
   wire.advance(60);
   wire.sender.cuts_short = true;
   wire.advance(50);
@@ -102,6 +102,13 @@ TEST_F(SaveOnChip, APortThatFailsOrCutsAWriteShortIsNoSuccess) {
   wire.advance(200);
   EXPECT_EQ(host.last_status(), "Nothing more reached the chip: the port failed after 50 % of the data.");
   EXPECT_EQ(host.busy.back(), false);
+
+  wire.sender.connected = true;
+  flow.start(save(host));
+  wire.advance(1000);
+  wire.link.connection_changed();
+  wire.advance(11000);
+  EXPECT_EQ(host.last_status(), "The chip was away before it had stored all: save again.");
 }
 
 TEST_F(SaveOnChip, WhatIsStillOnItsWayIsToldToNobodyOnceTheFlowIsOver) {
@@ -111,14 +118,6 @@ TEST_F(SaveOnChip, WhatIsStillOnItsWayIsToldToNobodyOnceTheFlowIsOver) {
   wire.advance(5000);
   EXPECT_GT(wire.sender.writes.size(), 1u);
   EXPECT_EQ(host.progress.size(), told);
-}
-
-TEST_F(SaveOnChip, AChipThatGoesWhileItStoresIsNoSuccess) {
-  wire.advance(1000);
-  wire.link.connection_changed();
-  wire.advance(11000);
-  EXPECT_EQ(host.statuses,
-            std::vector<std::string>{"The chip was away before it had stored all: save again."});
 }
 
 }  // namespace
