@@ -18,10 +18,7 @@ TEST(LockFile, IsHeldOnceAndItsFileGoesWithIt) {
   EXPECT_EQ(folder.size(), 0);
   EXPECT_TRUE(lock_file(folder / "l").held);
   EXPECT_FALSE(lock_file(folder / "no folder" / "l").busy);
-}
-
-TEST(LockFile, ThatWasLeftCountsForNothingAndKeepsWhatOthersWrote) {
-  const test::TemporaryFolder folder;
+  // One that was left counts for nothing and keeps what others wrote.
   for (const char* left : {"", "4711\nQV5123\nother host\n\nanother boot\n"}) {
     folder.write("l", left);
     EXPECT_TRUE(lock_file(folder / "l").held) << left;

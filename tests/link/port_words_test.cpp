@@ -10,16 +10,13 @@ namespace {
 
 using std::chrono::nanoseconds;
 
-TEST(PortName, TakesTheDevicePathFormFromTenHoweverItIsTyped) {
+TEST(PortName, TakesTheDevicePathFormFromTenAndItsNumberFollowsTheFirstCom) {
   EXPECT_EQ(comm_device_name(9), "COM9");
   EXPECT_EQ(comm_device_name(10), R"(\\.\COM10)");
   EXPECT_EQ(openable_name("COM12"), R"(\\.\COM12)");
   EXPECT_EQ(openable_name("com3"), "COM3");
   EXPECT_EQ(openable_name(R"(\\.\Com3)"), "COM3");
   for (const char* same : {"", "COM", "COM12x", "COM0", "/dev/ttyUSB0"}) EXPECT_EQ(openable_name(same), same);
-}
-
-TEST(PortName, ItsNumberFollowsTheFirstCom) {
   EXPECT_EQ(port_number_from_name("COM12"), 12);
   EXPECT_EQ(port_number_from_name(R"(\\.\COM7)"), 7);
   EXPECT_EQ(port_number_from_name("USB Serial Port (COM5)"), 5);

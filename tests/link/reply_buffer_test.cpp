@@ -21,10 +21,7 @@ TEST(ReplyBuffer, TellsBlocksFromConsoleText) {
   EXPECT_EQ(reply.state(), ReplyBuffer::State::idle);
   EXPECT_EQ(decode(reply, "^x"), "x");
   EXPECT_EQ(reply.state(), ReplyBuffer::State::idle);
-}
-
-TEST(ReplyBuffer, ANewBlockReplacesAnUnreadOneAndDollarAbandons) {
-  ReplyBuffer reply;
+  // A new block replaces an unread one, and a dollar sign abandons it.
   decode(reply, "~11^~2~33^");
   EXPECT_EQ(reply.take_block(), "33");
   decode(reply, "~^");

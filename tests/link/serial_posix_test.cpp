@@ -35,7 +35,7 @@ termios2 line_for(const LineSettings& settings) {
   return line;
 }
 
-TEST(SerialLinePosix, IsRawAndKeepsWhatTheSettingsDoNotSpeakOf) {
+TEST(SerialLinePosix, IsRawOfEveryFrameAndFlowAndKeepsWhatTheSettingsDoNotSpeakOf) {
   const termios2 line = line_for({});
   EXPECT_EQ(line.c_iflag, tcflag_t{IUTF8});
   EXPECT_EQ(line.c_lflag, 0u);
@@ -47,9 +47,6 @@ TEST(SerialLinePosix, IsRawAndKeepsWhatTheSettingsDoNotSpeakOf) {
   EXPECT_EQ(line.c_ispeed, 19200u);
   EXPECT_EQ(line.c_cc[VMIN], 1);
   EXPECT_EQ(line.c_cc[VTIME], 0);
-}
-
-TEST(SerialLinePosix, HasEveryFrameAndFlow) {
   EXPECT_EQ(line_for({.data_bits = 5, .stop_bits = 1}).c_cflag & kFrame, tcflag_t{CS5 | CSTOPB});
   EXPECT_EQ(line_for({.parity = 1}).c_cflag & kFrame, tcflag_t{CS8 | PARENB | PARODD});
   EXPECT_EQ(line_for({.parity = 3}).c_cflag & kFrame, tcflag_t(CS8 | PARENB | PARODD | CMSPAR));
@@ -135,19 +132,9 @@ TEST_F(PosixPorts, ErrorsSayWhatIsWrongWithTheDevice) {
   EXPECT_NE(system_error(EACCES, file).text.find(": run \"sudo usermod -aG "), std::string::npos);
 }
 
-TEST_F(PosixPorts, ThePortThisProgramHoldsIsFreeToChoose) {
+TEST_F(PosixPorts, AHolderThatDoesNotLockIsFoundAndNamedAndThisProgramHoldsUpNobody) {
   const std::string link = root_ / "port";
   PtyLine line(link);
-  const auto device = make_serial_device();
-  ASSERT_TRUE(device->open(link, {}).ok());
-  EXPECT_TRUE(probe_port(link).ok());
-  line.hang_up();
-  EXPECT_EQ(probe_port(link).error, OpenError::not_found);
-}
-
-TEST_F(PosixPorts, AHolderThatDoesNotLockIsFoundAndNamed) {
-  const std::string link = root_ / "port";
-  const PtyLine line(link);
   test::Program holder("/bin/sh", {"-c", "exec 3<>\"$0\"; echo $$; read end", link});
   const std::string process = holder.line();
   const OpenResult opened = make_serial_device()->open(link, {});
@@ -156,7 +143,11 @@ TEST_F(PosixPorts, AHolderThatDoesNotLockIsFoundAndNamed) {
   EXPECT_EQ(probe_port(link).text, opened.text);
   holder.type("\n");
   EXPECT_EQ(holder.end(), 0);
-  EXPECT_TRUE(probe_port(link).ok()) << "it has ended";
+  const auto device = make_serial_device();
+  ASSERT_TRUE(device->open(link, {}).ok()) << "it has ended";
+  EXPECT_TRUE(probe_port(link).ok());
+  line.hang_up();
+  EXPECT_EQ(probe_port(link).error, OpenError::not_found);
 }
 
 }  // namespace
