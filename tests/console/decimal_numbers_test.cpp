@@ -8,19 +8,13 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST(DecimalNumbers, WhiteSpaceSeparatesAndLowEightBitsCount) {
+TEST(DecimalNumbers, LowEightBitsCountAndReadsThatFailRepeatTheLastNumber) {
   EXPECT_THAT(read_decimal_bytes("1\r\n 255\t\v\f300\r\n-1 +7", 5), ElementsAre(1, 255, 0x2C, 255, 7));
-}
-
-TEST(DecimalNumbers, ReadsThatFailRepeatTheLastNumber) {
   EXPECT_THAT(read_decimal_bytes("", 2), ElementsAre(0, 0));
   EXPECT_THAT(read_decimal_bytes("5 9\r\n", 4), ElementsAre(5, 9, 9, 9));
   EXPECT_THAT(read_decimal_bytes("5 x 9", 4), ElementsAre(5, 5, 5, 5)) << "a letter is never passed";
   EXPECT_THAT(read_decimal_bytes("12ab 9", 3), ElementsAre(12, 12, 12));
   EXPECT_THAT(read_decimal_bytes("3 --4 -", 5), ElementsAre(3, 3, 252, 252, 252)) << "a lone sign is passed";
-}
-
-TEST(DecimalNumbers, NumbersOfAnyLengthWrapWithoutOverflow) {
   EXPECT_THAT(read_decimal_bytes("4294967297 -2147483648 99999999999999999999999999", 3),
               ElementsAre(1, 0, 255));
 }

@@ -57,19 +57,12 @@ ExpectedRest after(const std::string& got) {
 TEST(ExpectedRest, IsFilledUpAndEndsWithAChecksumThatIsWrong) {
   const TransferStyle& style = style_of(TransferKind::font);
   const std::string filler(256, '\xFF');
-  // All blocks cancel out in themselves, so that the right checksum is the header's 3.
-  const ExpectedRest two = after(bytes({3, 0}) + std::string(256, '\x01'));
-  EXPECT_EQ(two.text(), "2 blocks of 256 bytes and a checksum");
-  EXPECT_THAT(writes(two.ending(style)), ElementsAre(filler, filler, bytes({0xFC})));
   // The last block holds 255 times 3 and one 0xFF.
   const ExpectedRest none = after(bytes({1, 0}) + std::string(255, '\x03') + "\xFF");
   EXPECT_EQ(none.text(), "a checksum");
   EXPECT_THAT(writes(none.ending(style)), ElementsAre(bytes({0xFF & ~(1 ^ 3 ^ 0xFF)})));
-  EXPECT_EQ(after("").text(), "an image");
-  EXPECT_THAT(writes(after("").ending(style)), ElementsAre(bytes({0, 0}), bytes({0xFF})));
   // A write was cut short in the header, and in a block.
   EXPECT_THAT(writes(after(bytes({1})).ending(style)), ElementsAre(bytes({0}), filler, bytes({0xFE})));
-  EXPECT_EQ(after(bytes({2, 0}) + std::string(200, 'x')).text(), "313 bytes");
   EXPECT_EQ(writes(after(bytes({2, 0}) + std::string(200, 'x')).ending(style)).at(1),
             std::string(56, '\xFF'));
 }

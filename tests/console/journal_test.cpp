@@ -220,7 +220,7 @@ TEST(Journal, ThatIsOfferedTellsAgeCountAndANewerFile) {
     EXPECT_EQ(duration_text(time), text);
 }
 
-TEST(Journal, KeepsTextAndFontOfAnImageThatIsSavedUntilTheyAreToo) {
+TEST(Journal, KeepsTextAndFontUntilTheyAreSavedTooAndLeavesThemWhereTheyAreNotWanted) {
   Computer computer;
   auto run = computer.begin();
   run->now.typed = "Value: 1";
@@ -234,11 +234,7 @@ TEST(Journal, KeepsTextAndFontOfAnImageThatIsSavedUntilTheyAreToo) {
   run->now.font.clear();
   run->journal->look_again();
   EXPECT_FALSE(std::filesystem::exists(computer.file(1)));
-}
 
-TEST(Journal, ThatIsNotWantedLeavesTextAndAFontThatCanBeOpened) {
-  Computer computer;
-  auto run = computer.begin();
   run->now.font = "draft";
   run->now.typed = "AE Target: 5";
   computer.clock.advance(Journal::kInterval);

@@ -75,10 +75,10 @@ class SettingFilesTest : public testing::Test {
 
   void load() { const Flow flow(files.load()); }
   void save() { const Flow flow(files.save()); }
+  static Task<> keep(Task<bool> task, bool& result) { result = co_await std::move(task); }
   bool done(Task<bool> task) {
     bool result = false;
-    const Flow flow([](Task<bool> task, bool& result) -> Task<> { result = co_await std::move(task); }(
-                                                          std::move(task), result));
+    const Flow flow(keep(std::move(task), result));
     EXPECT_FALSE(flow.running());
     return result;
   }
@@ -106,20 +106,19 @@ TEST_F(SettingFilesTest, LoadRemembersReadsAndReloadsInOrder) {
   EXPECT_EQ(doc.setting_file, folder.path() / "gone.dat") << "what was refused is never written to";
 }
 
-/// The files' names in their order; what stands before them is the system's affair.
-std::string names(const RecentFiles& recent) {
-  std::string all;
-  for (const std::filesystem::path& file : recent.files()) all += file.filename().string();
-  return all;
-}
-
 TEST(RecentFiles, AreTheLastFourEachOnceTheLatestFirst) {
   RecentFiles recent({"/a", "/b", "", "/c", "/a", "/d", "/e"});
-  EXPECT_EQ(names(recent), "abcd");
+  // What stands before the names is the system's affair.
+  const auto names = [&recent] {
+    std::string all;
+    for (const fs::path& file : recent.files()) all += file.filename().string();
+    return all;
+  };
+  EXPECT_EQ(names(), "abcd");
   EXPECT_FALSE(recent.use("/x/../a"));
   EXPECT_TRUE(recent.use("/c"));
   EXPECT_TRUE(recent.use("/n"));
-  EXPECT_EQ(names(recent), "ncab");
+  EXPECT_EQ(names(), "ncab");
 }
 
 TEST_F(SettingFilesTest, SaveWritesTheRememberedFileAsItsPagesWriteItAndThenTheChosenOne) {
@@ -185,8 +184,7 @@ TEST_F(SettingFilesTest, WhatIsWrittenIsTheImageAtTheTimeOfTheSaveAndExitWaitsFo
   work.busy = true;
   user.answers = {Answer::yes};
   bool ends = false;
-  const Flow exit(
-      [](SettingFiles& files, bool& ends) -> Task<> { ends = co_await files.may_exit(); }(files, ends));
+  const Flow exit(keep(files.may_exit(), ends));
   doc.user_data.set_entry(0, 99);
   EXPECT_FALSE(ends);
   work.catch_up();
@@ -302,7 +300,7 @@ TEST_F(SettingFilesTest, ADiskThatStandsStillIsToldOfAndDoesNotHoldUpTheEnd) {
   work.busy = true;
   bool ends = false;
   user.answers = {Answer::yes, Answer::no, Answer::yes};
-  Flow exit([](SettingFiles& files, bool& ends) -> Task<> { ends = co_await files.may_exit(); }(files, ends));
+  const Flow exit(keep(files.may_exit(), ends));
   clock.advance(std::chrono::milliseconds(1999));
   EXPECT_TRUE(statuses.empty());
   clock.advance(std::chrono::milliseconds(1));

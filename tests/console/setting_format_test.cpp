@@ -14,18 +14,12 @@ std::string lines(const std::string& line, int count) {
   return text;
 }
 
-TEST(SettingFormat, OfAWholeFileHasNothingOdd) {
+TEST(SettingFormat, OfAFileThatIsNotWholeSaysWhatAReaderMakesOfIt) {
   for (const std::string& whole : {setting_text({}), lines("+255", 1024), lines("7", 1023) + "8"}) {
     EXPECT_EQ(format_summary(whole), "");
     EXPECT_TRUE(format_problems(whole).empty());
   }
   EXPECT_EQ(format_summary(lines("7", 2048), 2048), "");
-}
-
-TEST(SettingFormat, OfAnotherFileSaysWhatAReaderMakesOfIt) {
-  EXPECT_EQ(format_summary("0x0000=0x12 //R\r\n"),
-            "1 number of 1024, the rest repeats 0 (line 1: \"0x0000=0x12\" is no decimal number)");
-  EXPECT_EQ(format_summary(lines("9", 3)), "3 numbers of 1024, the rest repeats 9");
   EXPECT_EQ(format_summary("5\n1,2\n3\n"),
             "2 numbers of 1024, the rest repeats 1 (line 2: \"1,2\" is no decimal number)");
   EXPECT_EQ(format_summary("\xEF\xBB\xBF" + lines("5", 1024)),
@@ -34,7 +28,6 @@ TEST(SettingFormat, OfAnotherFileSaysWhatAReaderMakesOfIt) {
                                        "5\0\n\0",
                                        6)),
             "0 numbers of 1024, the rest repeats 0 (it is UTF-16 or no text)");
-  EXPECT_EQ(format_summary(""), "0 numbers of 1024, the rest repeats 0");
   EXPECT_EQ(format_summary(lines("1", 1025)), "more than 1024 numbers, the rest is not read");
   EXPECT_EQ(format_summary(lines("1", 1022) + "300\n-1\n"),
             "2 numbers not in 0..255, of which the low 8 bits count (line 1023: \"300\")");
