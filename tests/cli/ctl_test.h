@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -16,11 +14,6 @@
 #include "support/temporary_folder.h"
 
 namespace qv5123::test {
-
-inline std::string source_file(const std::string& name) {
-  std::ifstream file(source_folder() / name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 /// qv5123ctl as a user starts it, in a folder of its own, and a simulated board for it.
 class CtlTest : public testing::Test {

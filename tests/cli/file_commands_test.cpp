@@ -40,8 +40,6 @@ TEST_F(CtlTest, Settings) {
 }
 
 TEST_F(CtlTest, SettingsChecked) {
-  copy_resource("sample.dat");
-  EXPECT_EQ(ctl({"settings", "check", "sample.dat"}).err, "sample.dat: ok\n");
   UserDataImage image;
   image.set_word(181, 900);
   folder.write("odd.dat", setting_text(image) + "7\r\n300\r\nx\r\n");
@@ -101,12 +99,10 @@ TEST_F(CtlTest, SettingsSetAtTheSameTimeAreAllKept) {
 
 TEST_F(CtlTest, FlashImages) {
   copy_resource("sample.dat");
-  folder.write("fw.bin", std::string(300, '\x01'));
-  folder.write("font.bin", std::string(49152, '\x02'));
-  EXPECT_EQ(
-      ctl({"flash", "make", "--fw", "fw.bin", "--font", "font.bin", "--user", "sample.dat", "-o", "image"})
-          .err,
-      "image: 262144 bytes\n");
+  folder.write("fw", std::string(300, '\x01'));
+  folder.write("font", std::string(49152, '\x02'));
+  EXPECT_EQ(ctl({"flash", "make", "--fw", "fw", "--font", "font", "--user", "sample.dat", "-o", "image"}).err,
+            "image: 262144 bytes\n");
   EXPECT_EQ(ctl({"flash", "inspect", "image", "--json"}).json()["regions"][0]["used"], 300);
   std::string image = folder.read("image");
   folder.write("no-font",
@@ -139,53 +135,26 @@ TEST_F(CtlTest, Computations) {
   EXPECT_EQ(points.get<GammaCurve>(), end_gamma_curve(0.45, true, 16));
   // A camera that sees the references as they are, at 200 counts for white.
   std::string patches = "R,G,B\n";
-  for (const LinearRgb& colour : kPatchReferences) {
-    for (std::size_t c = 0; c < 3; ++c) {
+  for (const LinearRgb& colour : kPatchReferences)
+    for (std::size_t c = 0; c < 3; ++c)
       patches +=
           std::to_string(static_cast<int>(std::max(0.0, colour[c]) * 200 + 1)) + (c < 2 ? "," : "\r\n");
-    }
-  }
   folder.write("patches.csv", patches);
   const auto matrix = ctl({"matrix", "fit", "patches.csv", "--json"}).json();
   EXPECT_NEAR(matrix["coefficients"][1][1], 1, 0.1);
   EXPECT_LT(matrix["after"]["mean"], 1);
-
-  std::string samples;
-  for (int x = 16; x < 1920; x += 32) {
-    const double d2 = (x - 960) / 2048.0 * (x - 960) / 2048.0;
-    const std::string level = std::to_string(static_cast<int>(200 / (1 + 1.2 * d2)));
-    samples += std::to_string(x) + ", " + level + ", " + level + ", " + level + "\n";
-  }
-  folder.write("samples.csv", samples);
-  const auto lens = ctl({"lsc", "fit", "samples.csv", "--json"}).json();
-  EXPECT_NEAR(lens["centre"], 960, 10);
-  EXPECT_NEAR(lens["parameter1"][0], 1.2 * 1024, 200);
 }
 
 /// Each on a chip of its own, which forgets what was done to it.
 TEST_F(CtlTest, CommandsToASimulatedChip) {
-  copy_resource("regu.xml");
   folder.write("script.txt", "922,5A");
   folder.write("font.bin", std::string(300, 'f'));
-  const struct {
-    std::vector<std::string> command;
-    const char* field;
-    nlohmann::json value;
-  } cases[] = {
-      {{"reg", "save", "regs.txt", "--category", "Sensor interface"}, "/registers", 14},
-      {{"info", "awb"}, "/fields/R weight", 0},
-      {{"download", "font", "font.bin", "--expect", "checksum ok"}, "/expected", true},
-      {{"script", "script.txt"}, "/writes", 1},
+  const auto simulated = [this](std::vector<std::string> command) {
+    command.insert(command.end(), {"--simulate", "--json"});
+    return ctl(command).json();
   };
-  for (const auto& [command, field, value] : cases) {
-    std::vector<std::string> all{"--simulate", "--json"};
-    all.insert(all.end(), command.begin(), command.end());
-    const auto result = ctl(all);
-    const nlohmann::json json = result.json();
-    const nlohmann::json::json_pointer pointer(field);
-    EXPECT_TRUE(json.contains(pointer) && json.at(pointer) == value) << field << " of " << result.out;
-    EXPECT_THAT(result.err, testing::Not(HasSubstr("qv5123ctl: ")));
-  }
+  EXPECT_EQ(simulated({"download", "font", "font.bin", "--expect", "checksum ok"})["expected"], true);
+  EXPECT_EQ(simulated({"script", "script.txt"})["writes"], 1);
 }
 
 TEST_F(CtlTest, BadInputIsNamedInOneLine) {
@@ -199,20 +168,11 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
   } cases[] = {
       {{},
        "A command is missing; qv5123ctl has ports, reg, send, osd, factory-reset, copy-to-factory, info, "
-       "page, "
-       "param, settings, download, script, replay, report, monitor, flash, font, gamma, matrix, lsc, awb, "
-       "provision, "
-       "records"},
+       "page, param, settings, download, script, replay, report, monitor, flash, font, gamma, matrix, lsc, "
+       "awb, provision, records"},
       {{"reg", "rede"},
        "No command is named \"rede\"; reg has read, write, save, load, list, check, dump. Did you mean "
        "\"read\"?"},
-      {{"pag", "show", "lsc"},
-       "No command is named \"pag\"; qv5123ctl has ports, reg, send, osd, factory-reset, copy-to-factory, "
-       "info, "
-       "page, param, settings, download, script, replay, report, monitor, flash, font, gamma, matrix, lsc, "
-       "awb, "
-       "provision, records. Did you "
-       "mean \"page\"?"},
       {{"--port", "line", "--parity", "most", "osd", "up"},
        "--parity most is not of: none, odd, even, mark or space (default none)"},
       {{"--simulate", "--baud", "9600", "osd", "up"}, "--baud requires --port"},
@@ -245,17 +205,15 @@ TEST_F(CtlTest, BadInputIsNamedInOneLine) {
   }
 }
 
-TEST_F(CtlTest, HelpOnEveryLevelAndTheVersion) {
+TEST_F(CtlTest, HelpVersionManualPageAndCompletionAreThoseOfTheProgram) {
   EXPECT_EQ(ctl({"-h"}).out, ctl({"--help"}).out);
   EXPECT_THAT(ctl({"--help"}).out, HasSubstr("\nCommands:\n  ports "));
   EXPECT_THAT(ctl({"reg", "read", "--help"}).out, HasSubstr("ADDR ... REQUIRED"));
   EXPECT_EQ(ctl({"ports", "--json"}).json().type(), nlohmann::json::value_t::array);
   EXPECT_EQ(ctl({"--version"}).out, "qv5123ctl " QV5123_VERSION "\n");
-}
-
-TEST_F(CtlTest, ManualPageAndCompletionAreThoseOfTheProgram) {
-  EXPECT_EQ(ctl({"man"}).out, test::source_file("docs/qv5123ctl.1")) << "qv5123ctl man >docs/qv5123ctl.1";
-  EXPECT_EQ(ctl({"bash-completion"}).out, test::source_file("completions/qv5123ctl.bash"))
+  const auto source = test::source_folder();
+  EXPECT_EQ(ctl({"man"}).out, folder.read(source / "docs/qv5123ctl.1")) << "qv5123ctl man >docs/qv5123ctl.1";
+  EXPECT_EQ(ctl({"bash-completion"}).out, folder.read(source / "completions/qv5123ctl.bash"))
       << "qv5123ctl bash-completion >completions/qv5123ctl.bash";
 }
 

@@ -16,8 +16,6 @@ TEST_F(CtlTest, ParamListsNamesWithAllThatIsTrueOfThem) {
             "front.flag.ae_task: AE Task, 0..1, register 0xA0, in no file, not reported\n");
   EXPECT_EQ(ctl({"--simulate", "param", "get", "dynamic.ir_led"}).out, "dynamic.ir_led = 0\n")
       << "not those that begin so";
-  const auto all = ctl({"param", "list", "--json"}).json();
-  EXPECT_GT(all.size(), 500u);
   const auto one = ctl({"param", "list", "front.video_mode", "--json"}).json()[0];
   EXPECT_EQ(one["entries"], nlohmann::json({454}));
   EXPECT_GT(one["items"].size(), 1u);
@@ -47,7 +45,7 @@ TEST_F(CtlTest, ParamGoesBetweenChipAndFile) {
               testing::AllOf(testing::StartsWith("front.delay: a "), testing::EndsWith(", b 9\n")));
 }
 
-TEST_F(CtlTest, ParamSetSendsWhatThePagesOwnControlSends) {
+TEST_F(CtlTest, ParamSetSendsWhatThePagesOwnControlSendsAndSaysWhatIsNotReported) {
   plug_in();
   EXPECT_EQ(on_board({"param", "set", "lsc.parameter1.r=1", "lsc.parameter1.g=2", "lsc.parameter1.b=0x304",
                       "--json"})
@@ -69,20 +67,14 @@ TEST_F(CtlTest, ParamSetSendsWhatThePagesOwnControlSends) {
   EXPECT_THAT(refused({"dynamic.dpc_decision=7"}), HasSubstr("--base FILE says where to take that from"));
   copy_resource("sample.dat");
   EXPECT_EQ(on_board({"param", "set", "dynamic.dpc_decision=7", "--base", "sample.dat"}).code, 0);
-}
 
-TEST_F(CtlTest, ParamSetReachesTheModeAndLightThatAreNamed) {
-  plug_in();
   const auto set = on_board({"param", "set", "matrix.cvbs.light2.r[0]=0x123", "--verify"});
   EXPECT_EQ(set.code, 0) << set.err;
   EXPECT_EQ(set.err, "3 values read back agree\n") << "the row";
   const std::string sent = board->expect("@5801*\n@5823*");
   EXPECT_THAT(sent, HasSubstr("@ca03*\n"));
   EXPECT_THAT(sent, Not(HasSubstr("@52"))) << "the red row of another light";
-}
 
-TEST_F(CtlTest, ParamSetSaysWhatTheChipDoesNotReport) {
-  plug_in();
   const auto none = on_board({"param", "set", "front.flag.ae_task=1", "--verify"});
   EXPECT_EQ(none.code, 2);
   EXPECT_EQ(none.err, "qv5123ctl: --verify: the chip reports none of these values\n");
@@ -112,9 +104,6 @@ TEST_F(CtlTest, ReplaySendsAScriptAsItStands) {
   const auto dry = ctl({"replay", "script.regs", "--dry-run"});
   EXPECT_EQ(dry.out, "9209 9222 93cc\nwait 120\n0100\n");
   EXPECT_EQ(dry.err, "# 4 registers in 2 flushes, at least 220 ms; nothing was sent\n");
-  folder.write("one.regs", "2001\n");
-  EXPECT_EQ(ctl({"replay", "one.regs", "--dry-run"}).err,
-            "# 1 register in 1 flush, at least 50 ms; nothing was sent\n");
   plug_in();
   EXPECT_EQ(on_board({"replay", "script.regs", "--json", "--trace", "trace"}).json()["writes"], 4);
   EXPECT_THAT(folder.read("trace"),

@@ -1,20 +1,16 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
-#include <chrono>
 #include <set>
 #include <sstream>
-#include <thread>
 
 #include "cli/ctl_test.h"
-#include "support/program_posix.h"
 
 namespace qv5123 {
 namespace {
 
 using test::CtlTest;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 
 constexpr char kRecipe[] =
     "[[step]]\ndo = \"registers\"\nset = { 0xF923 = 5 }\n"
@@ -39,11 +35,6 @@ TEST_F(CtlTest, ProvisionsBoardsBesideEachOther) {
   const auto twice = ctl({"provision", "lot.toml", "--port", "board", "--port", "same"});
   EXPECT_EQ(twice.code, 2);
   EXPECT_EQ(twice.err, "qv5123ctl: --port: board and same are one device\n");
-
-  const auto holder = start({"monitor", "--port", "board"});
-  holder->expect("fps\n");
-  EXPECT_THAT(ctl({"provision", "lot.toml", "--port", "board"}).out,
-              MatchesRegex("fail  board  -  [0-9.]+ s  The port board is in use by .*qv5123ctl.*\n"));
 }
 
 TEST_F(CtlTest, WatchesUntilAskedToEnd) {

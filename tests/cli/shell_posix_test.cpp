@@ -1,9 +1,6 @@
 #include <gmock/gmock.h>
-#include <sstream>
 
 #include "cli/ctl_test.h"
-#include "support/program_posix.h"
-#include "support/source_folder.h"
 
 namespace qv5123 {
 namespace {
@@ -28,7 +25,7 @@ TEST_F(CtlTest, BashCompletes) {
 
 /// The block of the guide that stands behind the mark.
 std::string block_of(const std::string& file, const std::string& mark) {
-  std::istringstream guide(test::source_file(file));
+  std::ifstream guide(test::source_folder() / file);
   std::string line, script;
   while (std::getline(guide, line) && line != "<!-- " + mark + " -->") {
   }
