@@ -71,9 +71,7 @@ TEST_F(RecipeTest, WhatIsWrongIsNamedWithLineAndKey) {
             "line 4, step 1, step: the chart would go beyond the picture");
   EXPECT_EQ(problem("do = \"lsc\"\n[[step]]\ndo = \"pages\"\npages = [\"all\"]"),
             "line 4, step 2, do: saves pages, and no settings stand before it");
-}
-
-TEST_F(RecipeTest, AKeyThatNobodyKnowsIsNotHiddenAndWhatSaysNothingIsRefused) {
+  // A key that nobody knows is not hidden by what else is wrong.
   EXPECT_EQ(problem("do = \"firmware\"\nflie = \"fw.bin\""),
             "line 3, step 1, flie: no such key is known here");
   EXPECT_THAT(read("description = \"no.xml\"\nnmae = \"x\"\n[[step]]\ndo = \"lsc\"").problem,
