@@ -2,6 +2,7 @@
 #include <map>
 
 #include "cli/ctl_test.h"
+#include "cli/files.h"
 #include "console/setting_file.h"
 #include "content/flash_image.h"
 #include "tuning/gamma_curve.h"
@@ -211,8 +212,8 @@ TEST_F(CtlTest, HelpVersionManualPageAndCompletionAreThoseOfTheProgram) {
   EXPECT_EQ(ctl({"ports", "--json"}).json().type(), nlohmann::json::value_t::array);
   EXPECT_EQ(ctl({"--version"}).out, "qv5123ctl " QV5123_VERSION "\n");
   const auto source = test::source_folder();
-  EXPECT_EQ(ctl({"man"}).out, folder.read(source / "docs/qv5123ctl.1")) << "qv5123ctl man >docs/qv5123ctl.1";
-  EXPECT_EQ(ctl({"bash-completion"}).out, folder.read(source / "completions/qv5123ctl.bash"))
+  EXPECT_EQ(ctl({"man"}).out, read_file(source / "docs/qv5123ctl.1")) << "qv5123ctl man >docs/qv5123ctl.1";
+  EXPECT_EQ(ctl({"bash-completion"}).out, read_file(source / "completions/qv5123ctl.bash"))
       << "qv5123ctl bash-completion >completions/qv5123ctl.bash";
 }
 
