@@ -33,6 +33,7 @@ TEST(WindowMemory, BringsBackPlaceColumnPageAndThePagesOwnChoices) {
     test::find<QAbstractButton>(bench.choose(PageId::registers), "Favourite")->click();
     test::find<QLineEdit>(bench.choose(PageId::make_flash), "fw file")->setText("/a/fw.bin");
     test::find<QComboBox>(bench.choose(PageId::linear_matrix), "Move Step")->setCurrentIndex(2);
+    test::find<QComboBox>(bench.choose(PageId::lsc), "Screen Size")->setCurrentIndex(1);
     test::find<QSpinBox>(bench.choose(PageId::linear_matrix), "Noise limit")->setValue(250);
     test::find<QCheckBox>(bench.choose(PageId::linear_matrix), "Input Manually")->setChecked(true);
     test::find<CMultilineList>(bench.choose(PageId::registers), "Bit fields")->set_column_width(1, 222);
@@ -50,6 +51,7 @@ TEST(WindowMemory, BringsBackPlaceColumnPageAndThePagesOwnChoices) {
   EXPECT_TRUE(test::find<QAbstractButton>(bench.choose(PageId::registers), "Favourite")->isChecked());
   EXPECT_EQ(test::find<CMultilineList>(bench.choose(PageId::registers), "Bit fields")->column_width(1), 222);
   EXPECT_EQ(test::find<QComboBox>(bench.choose(PageId::linear_matrix), "Move Step")->currentIndex(), 2);
+  EXPECT_EQ(test::find<QComboBox>(bench.choose(PageId::lsc), "Screen Size")->currentIndex(), 1);
   EXPECT_EQ(test::find<QSpinBox>(bench.choose(PageId::linear_matrix), "Noise limit")->value(), 250);
   EXPECT_TRUE(test::find<QCheckBox>(bench.choose(PageId::linear_matrix), "Input Manually")->isChecked());
   EXPECT_EQ(memory.look().choices.value("make-flash/fw file"), "/a/fw.bin") << "a page not opened this time";
