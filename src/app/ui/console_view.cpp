@@ -15,6 +15,8 @@ namespace {
 /// A third of a frame, which leaves the rest for layout and painting.
 constexpr qint64 kSliceMs = 4;
 constexpr qsizetype kStep = 256;
+/// A window that is never painted, for it is minimized from the start, is not waited for with more than that.
+constexpr qsizetype kMostUnpainted = 64 * 1024;
 /// State of a block that goes on with the line of the block before it.
 constexpr int kContinued = 1;
 
@@ -59,7 +61,7 @@ void ConsoleView::request_turn() {
 }
 
 void ConsoleView::show_slice() {
-  if (isVisible() && !painted_) return;
+  if (isVisible() && !painted_ && queued_.size() < kMostUnpainted) return;
   if (!std::exchange(has_font_, true)) setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   QElapsedTimer slice;
   slice.start();

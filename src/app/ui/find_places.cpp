@@ -24,10 +24,6 @@
 namespace qv5123 {
 namespace {
 
-QString page_title(PageId id) {
-  return plain_caption(QString::fromLatin1(kPageEntries[static_cast<std::size_t>(id)].menu_text));
-}
-
 /// What can be gone to: what takes the keyboard and has a name. A "S" stands beside what it sets.
 bool is_place(const QWidget* widget) {
   return !widget->accessibleName().isEmpty() && (widget->focusPolicy() & Qt::TabFocus) != 0 &&

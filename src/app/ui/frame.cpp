@@ -39,10 +39,8 @@ constexpr std::chrono::milliseconds kFrameKnown{300};
 constexpr QLatin1String kVerifying("Verifying...");
 constexpr QLatin1String kVerified("Verified");
 
-/// The page's name as the menu bar has it.
-QString caption_of(const TuningDesk& desk) {
-  const PageId page = tuning_page_id(desk.model().texts().name);
-  return QString(kPageEntries[static_cast<std::size_t>(page)].menu_text).remove(u'&');
+QString title_of(const TuningDesk& desk) {
+  return page_title(tuning_page_id(desk.model().texts().name));
 }
 
 }  // namespace
@@ -66,7 +64,7 @@ CMainFrame::CMainFrame(CQV5123View* view) : view_(*view) {
   connect(view, &CQV5123View::progress_changed, this, &CMainFrame::show_progress);
   view->values().on_verification(
       [this](TuningDesk& desk, const Verification* found) { show_verification(desk, found); });
-  view->values().on_save([this](TuningDesk& desk) { verification_->forget(caption_of(desk)); });
+  view->values().on_save([this](TuningDesk& desk) { verification_->forget(title_of(desk)); });
   connect(view, &CQV5123View::checked, this, &CMainFrame::show_checked);
   fit_to_screen();
 }
@@ -119,9 +117,9 @@ void CMainFrame::fill_status_bar() {
 }
 
 void CMainFrame::show_verification(TuningDesk& desk, const Verification* found) {
-  if (!found) return verification_->show_under_way({caption_of(desk), kVerifying});
+  if (!found) return verification_->show_under_way({title_of(desk), kVerifying});
   const auto& fields = desk.model().fields();
-  ReadBackResult read{caption_of(desk), to_qt(verification_text(fields, *found))};
+  ReadBackResult read{title_of(desk), to_qt(verification_text(fields, *found))};
   for (const std::string& text : difference_texts(fields, *found)) read.details << to_qt(text);
   read.verified = found->end == Verification::End::verified;
   if (!found->to_repair().empty()) read.again = [&desk, again = *found] { desk.start_repair(again); };

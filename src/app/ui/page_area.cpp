@@ -66,6 +66,10 @@ QString plain_caption(QString caption) {
   return caption.remove(u'&').remove(QString::fromUtf8(kDot));
 }
 
+QString page_title(PageId id) {
+  return plain_caption(QString::fromLatin1(entry_of(id).menu_text));
+}
+
 PageArea::PageArea(HostOfPage host_of, PageFactories factories, QWidget* parent)
     : QStackedWidget(parent), host_of_(std::move(host_of)), factories_(std::move(factories)) {
   addWidget(new QWidget);  // the area before any page is chosen

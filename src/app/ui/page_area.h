@@ -12,6 +12,8 @@ namespace qv5123 {
 
 /// An action's text as it is read: without its mnemonic and without the dot behind a page's item.
 QString plain_caption(QString caption);
+/// The page's name as the menu bar has it.
+QString page_title(PageId id);
 
 /// The left area, in which exactly one page at a time is shown, and the menu items that choose it. Pages are
 /// made on first use and live until exit.

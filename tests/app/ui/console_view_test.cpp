@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QFontDatabase>
 
 namespace qv5123 {
 namespace {
@@ -24,6 +25,14 @@ TEST(ConsoleView, FollowsChangesInOrderThroughManySlices) {
   EXPECT_EQ(shown(view), all.substr(10) + "end") << "dropped, shown or queued";
   view.apply({true, 0, "new"});
   EXPECT_EQ(shown(view), "new");
+}
+
+TEST(ConsoleView, ShowsWhatCameBeforeItsFirstPictureBehindThat) {
+  ConsoleView view;
+  view.apply({false, 0, "greeting"});
+  view.show();
+  EXPECT_EQ(shown(view), "greeting");
+  EXPECT_EQ(view.font().family(), QFontDatabase::systemFont(QFontDatabase::FixedFont).family());
 }
 
 TEST(ConsoleView, BreaksALineThatNeverEndsAndStillDropsByTheText) {
