@@ -5,7 +5,9 @@
 #include <sstream>
 #include <thread>
 
+#include "base/hex.h"
 #include "cli/ctl_test.h"
+#include "console/setting_file.h"
 #include "support/pty_line_posix.h"
 
 namespace qv5123 {
@@ -60,6 +62,36 @@ TEST_F(CtlTest, AnInterruptAfterTheSaveIsNotSwallowed) {
   board->expect("@6b00*");
   verify->signal(SIGINT);
   EXPECT_THAT(verify->errors(), testing::EndsWith("qv5123ctl: Interrupted\n"));
+  EXPECT_EQ(verify->end(), 1);
+}
+
+TEST_F(CtlTest, APageIsRepairedUntilTheChipHasIt) {
+  copy_resource("sample.dat");
+  PtyLine line(folder.path() / "chip");
+  line.leave_to_others();
+  const auto repair = start({"page", "save", "lsc", "--from", "sample.dat", "--repair", "3", "--timeout",
+                             "30000", "--port", "chip"});
+  const UserDataImage file = read_setting_file(folder.path() / "sample.dat").image;
+  std::string saved;
+  for (std::size_t entry = 440; entry < 452; ++entry) saved += lower_hex(file.entry(entry), 2);
+  const std::string lost = std::string(saved).replace(16, 4, "0fff");  // of Parameter-2 GREEN
+  for (const std::string& answer : {lost, lost, saved}) {
+    EXPECT_THAT(received_with(line, "@6b00*"), HasSubstr("@6b00*"));
+    line.send("~" + answer + "^");
+  }
+  EXPECT_EQ(repair->errors(),
+            "lsc: saving, 10 flushes\n"
+            "lsc: 1 of 6 values differs: Parameter-2 GREEN (sent 280, chip 4095); sending again\n"
+            "lsc: 6 values read back agree\n");
+  EXPECT_EQ(repair->end(), 0);
+
+  const auto verify = start(
+      {"page", "save", "lsc", "--from", "sample.dat", "--verify", "--timeout", "30000", "--port", "chip"});
+  for (int answers = 0; answers < 2; ++answers) {
+    received_with(line, "@6b00*");
+    line.send("~" + lost + "^");
+  }
+  EXPECT_EQ(verify->output(), "lsc.parameter2.g: chip 4095, file 280\n");
   EXPECT_EQ(verify->end(), 1);
 }
 

@@ -144,6 +144,17 @@ TEST_F(CtlTest, Computations) {
   const auto matrix = ctl({"matrix", "fit", "patches.csv", "--json"}).json();
   EXPECT_NEAR(matrix["coefficients"][1][1], 1, 0.1);
   EXPECT_LT(matrix["after"]["mean"], 1);
+
+  std::string samples;
+  for (int x = 16; x < 1920; x += 32) {
+    const double d2 = (x - 960) / 2048.0 * (x - 960) / 2048.0;
+    const std::string level = std::to_string(static_cast<int>(200 / (1 + 1.2 * d2)));
+    samples += std::to_string(x) + ", " + level + ", " + level + ", " + level + "\n";
+  }
+  folder.write("samples.csv", samples);
+  const auto lens = ctl({"lsc", "fit", "samples.csv", "--json"}).json();
+  EXPECT_NEAR(lens["centre"], 960, 10);
+  EXPECT_NEAR(lens["parameter1"][0], 1.2 * 1024, 200);
 }
 
 /// Each on a chip of its own, which forgets what was done to it.

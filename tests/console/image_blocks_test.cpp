@@ -60,6 +60,8 @@ TEST(ExpectedRest, IsFilledUpAndEndsWithAChecksumThatIsWrong) {
   // The last block holds 255 times 3 and one 0xFF.
   const ExpectedRest none = after(bytes({1, 0}) + std::string(255, '\x03') + "\xFF");
   EXPECT_EQ(none.text(), "a checksum");
+  EXPECT_EQ(after(bytes({3, 0}) + std::string(256, '\x01')).text(), "2 blocks of 256 bytes and a checksum");
+  EXPECT_EQ(after(bytes({2, 0}) + std::string(200, 'x')).text(), "313 bytes");
   EXPECT_THAT(writes(none.ending(style)), ElementsAre(bytes({0xFF & ~(1 ^ 3 ^ 0xFF)})));
   // A write was cut short in the header, and in a block.
   EXPECT_THAT(writes(after(bytes({1})).ending(style)), ElementsAre(bytes({0}), filler, bytes({0xFE})));

@@ -3,6 +3,7 @@
 #include <map>
 #include <sstream>
 
+#include "support/chip_talk.h"
 #include "support/desk_bench.h"
 #include "support/temporary_folder.h"
 #include "support/traffic_text.h"
@@ -177,6 +178,13 @@ TEST(UserdataParameters, LeaveWithTheirGroupInOrder) {
                                                 {23, "@fa01*@66c4*@66c5*@fa00*"},
                                                 {26, "@fa01*@ba3e*@ba3f*@ba40*@ba41*@fa00*"}};
   for (const auto& [row, bytes] : sent) EXPECT_EQ(bytes_of(parameter_traffic(row, image)), bytes) << row;
+  // The chip knows by itself which register keeps which entries.
+  test::ListeningChip chip;
+  for (std::size_t row = 0; row < kUserdataParameterCount; ++row) {
+    const std::size_t entry = userdata_parameters()[row].entry;
+    test::ask(chip, bytes_of(parameter_traffic(row, image)));
+    EXPECT_EQ(chip.state().kept_data.entry(entry), image.entry(entry)) << userdata_parameters()[row].name;
+  }
 }
 
 TEST_F(FrontTools, ARegisterFileWaitsForTheWireAndCanBeStopped) {

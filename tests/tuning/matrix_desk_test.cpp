@@ -287,7 +287,11 @@ TEST_F(MatrixDeskTest, SavesAllMatricesAndEndsTheCapture) {
   EXPECT_EQ(host_.last_status(), "CCM Data Saving... Please wait");
   EXPECT_EQ(host_.user_data_writes, 1);
   const std::string sent = wire(15000);
-  EXPECT_THAT(sent, StartsWith("@f901*@fa01*@ca00*@5200*@5201*@5202*@5203*@5204*@5205*@5512*@5513*"));
+  EXPECT_THAT(sent,
+              StartsWith("@f901*@fa01*@ca00*@5200*@5201*@5202*@5203*@5204*@5205*@5512*@5513*@5514*@5515*"
+                         "@5516*@5517*@5824*@5825*@5826*@5827*@5828*@5829*@5306*"));
+  for (std::size_t mode = 0; mode < 4; ++mode)
+    EXPECT_EQ(sent.substr((2 + 55 * mode) * 6, 6), "@ca0" + std::to_string(mode) + "*");
   EXPECT_THAT(sent, EndsWith(std::string("@5a00*@fa00*@f900*") + kPickerOff));
   EXPECT_EQ(sent.size(), (2u + 4 * 55 + 2 + 10) * 6);
   EXPECT_FALSE(desk_.picker().on());

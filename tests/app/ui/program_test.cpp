@@ -54,6 +54,9 @@ TEST(AppSettings, KeepThePortUnderTheNamesOfItsSection) {
   EXPECT_TRUE(settings.has_port());
   EXPECT_EQ(settings.port(), port);
   EXPECT_EQ(store.value("COMSetting/PortNumber"), 7);
+  EXPECT_EQ(store.value("COMSetting/StopBits"), 1);
+  EXPECT_EQ(store.value("COMSetting/Parity"), 3);
+  EXPECT_EQ(store.value("COMSetting/FlowFlags"), 6);
   EXPECT_FALSE(store.contains("COMSetting/Debug"));
   store.setValue("COMSetting/DataBits", "garbage");
   EXPECT_EQ(settings.port().line.data_bits, 8);
