@@ -83,9 +83,8 @@ Given given_by(Context& context, const ReportOptions& options) {
   if (!options.lens.empty()) report.lens = lens_of(options);
   if (!options.field.empty()) report.field = read_field(options.field);
   if (!options.journal.empty()) {
-    if (!std::filesystem::is_regular_file(options.journal))
-      refuse(path_text(options.journal) + " cannot be read.");
     OpenedJournal opened = open_journal_file(options.journal);
+    if (!opened.opens) refuse(opened.remarks.front());
     for (const std::string& remark : opened.remarks) context.out.warning(remark);
     report.journal = journal_summary(opened.journal);
   }

@@ -83,6 +83,7 @@ KnownValues values_after(const WriteJournal& journal, std::size_t count);
 struct OpenedJournal {
   WriteJournal journal;
   std::vector<std::string> remarks;  ///< what is missing, in words for the user
+  bool opens = true;                 ///< whether the file can be read at all
 };
 
 /// The first line of a journal's file.

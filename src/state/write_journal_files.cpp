@@ -107,6 +107,7 @@ OpenedJournal open_journal_file(const fs::path& path, std::uintmax_t limit) {
   std::error_code error;
   OpenedJournal opened;
   if (!fs::is_regular_file(path, error) || !std::ifstream(path)) {
+    opened.opens = false;
     opened.remarks.push_back(path_text(path) + " cannot be read.");
     return opened;
   }

@@ -41,6 +41,10 @@ TEST_F(ReportCommand, WritesAReportAndEndsWithOneWhereALimitIsMissed) {
   const Result refused = ctl({"--simulate", "report", "x.html", "--limits", "limits.txt"});
   EXPECT_EQ(refused.code, 2);
   EXPECT_THAT(refused.err, testing::HasSubstr("limits.txt: Line 2 is no limit: \"rubbish\""));
+
+  const Result unread = ctl({"--simulate", "report", "x.html", "--journal", "gone.qvj"});
+  EXPECT_EQ(unread.code, 2);
+  EXPECT_THAT(unread.err, testing::HasSubstr("gone.qvj cannot be read."));
 }
 
 }  // namespace
