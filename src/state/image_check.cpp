@@ -47,6 +47,10 @@ Task<> ImageCheck::repair(int times) {
 Task<> ImageCheck::send_again(const PageResult& result) {
   const std::unique_ptr<TuningDesk> desk = make_desk(states_.page_name(result.page), host_, document_);
   desk->model().load_all(document_.user_data);
+  // Also where the page itself would limit what stands in the image: the chip has taken the image's own
+  // bytes.
+  for (const WriteNote::Value& value : values_of(result.page))
+    desk->model().set_number(value.field, value.number);
   co_await desk->send_kept("System, again", result.found.to_repair());
 }
 
