@@ -178,6 +178,13 @@ TEST_F(CommandLinkTest, AnAnswerOfAnotherPageIsPassedOverAndItsOwnTaken) {
   wire.receive("~12^");
   wire.advance(0);
   EXPECT_EQ(answers.back(), "12");
+
+  int value = 0;
+  flow.start(read_wide(wire.link, value));
+  wire.advance(55);
+  wire.receive(digits(40));
+  wire.advance(60);
+  EXPECT_EQ(value, -1);
 }
 
 // AWB's reply is as long as ISP tune's: only the time tells that it is not the answer.

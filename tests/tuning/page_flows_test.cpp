@@ -14,6 +14,7 @@ using test::FakeWire;
 
 Task<> load(PageHost& host, std::string& taken) {
   PageLoad load;
+  load.trigger = 0x6B;
   load.failed = "ISP Load Fail...";
   load.take = [&taken](std::string_view reply) {
     if (reply.size() < 4) return false;
@@ -51,6 +52,17 @@ TEST(LoadFromChip, TakesWholeRepliesOnly) {
     EXPECT_EQ(host.last_status(), "ISP Load Fail...") << block;
     EXPECT_EQ(taken, "1234");
   }
+}
+
+TEST(LoadFromChip, TheConsoleTellsWhatIsLeftOutOfAReplyThatIsTooLong) {
+  FakeWire wire;
+  FakePageHost host(wire);
+  std::string taken;
+  Flow flow(load(host, taken));
+  wire.advance(50);
+  wire.receive("~" + std::string(26, '1') + "^");
+  wire.advance(300);
+  EXPECT_EQ(host.console, "\r\n< Reply of 26 digits: the last 2 are not known and left out >");
 }
 
 Task<> save(PageHost& host) {
