@@ -13,8 +13,10 @@ struct PartKey {
   const char* where;  ///< for the user
 };
 
-inline constexpr std::array<PartKey, 12> kPartKeys = {{
+inline constexpr std::array<PartKey, 14> kPartKeys = {{
     {"Ctrl+C", "Copy picture and numbers", "charts"},
+    {"+", "Enlarge", "charts"},
+    {"-", "Make smaller", "charts"},
     {"0", "Show all of it", "charts"},
     {"Ctrl+C", "Copy", "lists, FontEditor"},
     {"Ctrl+V", "Paste", "FontEditor"},

@@ -1,6 +1,7 @@
 #include "tuning/ui/awb_chart_view.h"
 
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -66,13 +67,14 @@ ChartPoint inside_frame(ChartPoint at) {
 AwbChartView::AwbChartView(QWidget* parent) : QWidget(parent) {
   setAccessibleName("White detection chart");
   setToolTip(
-      "Point at a patch for its name and numbers. The wheel enlarges, 0 shows all again, a click on a line's "
-      "letter hides it, Ctrl+C copies.");
+      "Point at a patch, or go to it with the left and right keys, for its name and numbers. The wheel or + "
+      "enlarges, 0 shows all again, a click on a line's letter or the key of its number hides it, Ctrl+C "
+      "copies.");
   setFocusPolicy(Qt::StrongFocus);
   add_chart_menu(
       this, [this] { return numbers(); },
-      [this] {
-        zoom_.reset();
+      [this](int notches) {
+        zoom_.step(notches);
         update();
       });
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
@@ -144,8 +146,11 @@ QString AwbChartView::text_at(QPointF point) const {
     least = distance;
     nearest = &patch;
   }
-  constexpr char kForm[] = "%1: R %2, G %3, B %4\nCb/Y = %5, Cr/Y = %6";
-  return nearest ? patch_text(kForm, *nearest, values_.patches[nearest->row]) : QString();
+  return nearest ? text_of(*nearest) : QString();
+}
+
+QString AwbChartView::text_of(const ChartPatch& patch) const {
+  return patch_text("%1: R %2, G %3, B %4\nCb/Y = %5, Cr/Y = %6", patch, values_.patches[patch.row]);
 }
 
 bool AwbChartView::event(QEvent* event) {
@@ -154,6 +159,17 @@ bool AwbChartView::event(QEvent* event) {
   const QString patch = text_at(help->pos());
   QToolTip::showText(help->globalPos(), patch.isEmpty() ? toolTip() : patch, this);
   return true;
+}
+
+void AwbChartView::keyPressEvent(QKeyEvent* event) {
+  if (legend_.press(event->key())) return update();
+  const int step = event->key() == Qt::Key_Right ? 1 : event->key() == Qt::Key_Left ? -1 : 0;
+  if (step == 0 || patches_.empty()) return QWidget::keyPressEvent(event);
+  const int last = static_cast<int>(patches_.size()) - 1;
+  told_ = std::clamp(told_ + step, 0, last);
+  const ChartPatch& patch = patches_[static_cast<std::size_t>(told_)];
+  setAccessibleDescription(text_of(patch));
+  QToolTip::showText(mapToGlobal(whole().map(shown_place(patch)).toPoint()), text_of(patch), this);
 }
 
 void AwbChartView::wheelEvent(QWheelEvent* event) {

@@ -13,8 +13,9 @@
 namespace qv5123 {
 
 /// The white-detection chart: the lines A to F and the measured patches in the Cb/Y-Cr/Y plane. It grows with
-/// the page and keeps its proportions. The wheel enlarges a part; a click on a line's name hides it. An arrow
-/// at the edge tells of a patch beyond it.
+/// the page and keeps its proportions. The wheel or + enlarges a part; a click on a line's name or the key
+/// of its number hides it. The left and right keys go from patch to patch. An arrow at the edge tells of one
+/// beyond it.
 class AwbChartView : public QWidget {
   Q_OBJECT
 
@@ -38,6 +39,7 @@ class AwbChartView : public QWidget {
  protected:
   void paintEvent(QPaintEvent* event) override;
   bool event(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
 
@@ -45,6 +47,7 @@ class AwbChartView : public QWidget {
   QTransform transform() const;
   QTransform whole() const;
   QPointF shown_place(const ChartPatch& patch) const;
+  QString text_of(const ChartPatch& patch) const;
   void paint_frame(QPainter& painter) const;
   void paint_scale(QPainter& painter) const;
   void paint_lines(QPainter& painter) const;
@@ -59,6 +62,7 @@ class AwbChartView : public QWidget {
   AwbValues values_;
   std::array<ChartLine, 6> lines_;
   std::vector<ChartPatch> patches_;
+  int told_ = -1;  // the patch that the keys are at, of patches_; before the first one at the start
   ChartZoom zoom_;
   ChartLegend legend_;
 };

@@ -60,10 +60,15 @@ void draw_on(QPainter& painter, const QRectF& room, int flags, const QString& te
 bool ChartZoom::turn(const QWheelEvent& event, const QRectF& plot) {
   const QPointF at((event.position().x() - plot.left()) / plot.width(),
                    (event.position().y() - plot.top()) / plot.height());
-  const double wanted = factor_ * std::pow(kFactorOfANotch, event.angleDelta().y() / kNotch);
+  return turn(event.angleDelta().y() / kNotch, at);
+}
+
+/// `at` in parts of the plot as it is shown.
+bool ChartZoom::turn(double notches, QPointF at) {
+  const double wanted = factor_ * std::pow(kFactorOfANotch, notches);
   const double factor = std::clamp(wanted, 1.0, kLargestFactor);
   if (factor == factor_) return false;
-  // What is under the mouse stays there.
+  // What is there stays there.
   const QPointF held = origin_ + at / factor_;
   factor_ = factor;
   const double last = 1 - 1 / factor_;
@@ -72,9 +77,11 @@ bool ChartZoom::turn(const QWheelEvent& event, const QRectF& plot) {
   return true;
 }
 
-void ChartZoom::reset() {
-  factor_ = 1;
-  origin_ = {};
+void ChartZoom::step(int notches) {
+  if (notches == 0)
+    *this = {};
+  else
+    turn(notches, {0.5, 0.5});
 }
 
 QTransform ChartZoom::transform(const QRectF& plot) const {
@@ -104,13 +111,33 @@ void ChartLegend::paint(QPainter& painter, const QRectF& area, const std::vector
 bool ChartLegend::click(QPointF at) {
   for (std::size_t i = 0; i < places_.size(); ++i) {
     if (!places_[i].adjusted(-kLegendGap / 2, 0, kLegendGap / 2, 0).contains(at)) continue;
-    if (hidden_.erase(i) == 0) hidden_.insert(i);
+    flip(i);
     return true;
   }
   return false;
 }
 
-void add_chart_menu(QWidget* chart, std::function<QString()> numbers, std::function<void()> show_all) {
+bool ChartLegend::press(int key) {
+  int name = key - Qt::Key_1;
+  if (name < 0 || key > Qt::Key_9) return false;
+  for (std::size_t i = 0; i < places_.size(); ++i) {
+    if (places_[i].isEmpty() || name-- > 0) continue;
+    flip(i);
+    return true;
+  }
+  return false;
+}
+
+int ChartLegend::names() const {
+  return static_cast<int>(
+      std::ranges::count_if(places_, [](const QRectF& place) { return !place.isEmpty(); }));
+}
+
+void ChartLegend::flip(std::size_t entry) {
+  if (hidden_.erase(entry) == 0) hidden_.insert(entry);
+}
+
+void add_chart_menu(QWidget* chart, std::function<QString()> numbers, std::function<void(int notches)> zoom) {
   auto* copy = new QAction("Copy picture and numbers", chart);
   copy->setShortcut(QKeySequence::Copy);
   copy->setShortcutContext(Qt::WidgetShortcut);
@@ -122,12 +149,17 @@ void add_chart_menu(QWidget* chart, std::function<QString()> numbers, std::funct
   });
   chart->addAction(copy);
   chart->setContextMenuPolicy(Qt::ActionsContextMenu);
-  if (!show_all) return;
-  auto* whole = new QAction("Show all of it", chart);
-  whole->setShortcut(QKeySequence("0"));
-  whole->setShortcutContext(Qt::WidgetShortcut);
-  QObject::connect(whole, &QAction::triggered, chart, std::move(show_all));
-  chart->addAction(whole);
+  if (!zoom) return;
+  const auto add = [&](const char* text, const char* key, int notches) {
+    auto* action = new QAction(text, chart);
+    action->setShortcut(QKeySequence(key));
+    action->setShortcutContext(Qt::WidgetShortcut);
+    QObject::connect(action, &QAction::triggered, chart, [zoom, notches] { zoom(notches); });
+    chart->addAction(action);
+  };
+  add("Enlarge", "+", 1);
+  add("Make smaller", "-", -1);
+  add("Show all of it", "0", 0);
 }
 
 }  // namespace qv5123

@@ -25,12 +25,12 @@ LensChartView::LensChartView(const LensCalibration& calibration, const LensValue
     : calibration_(calibration), values_(values) {
   setAccessibleName("Lens shading chart");
   setToolTip(
-      "The left and right keys go from sample to sample. The wheel enlarges, 0 shows all again, a click on a "
-      "color's name hides it, Ctrl+C copies.");
+      "The left and right keys go from sample to sample. The wheel or + enlarges, 0 shows all again, a "
+      "click on a color's name or the key of its number hides it, Ctrl+C copies.");
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
   add_chart_menu(
-      this, [this] { return numbers(); }, [this] { show_all(); });
+      this, [this] { return numbers(); }, [this](int notches) { zoom(notches); });
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   refresh();
 }
@@ -85,8 +85,8 @@ QString LensChartView::numbers() const {
   return text + "\n";
 }
 
-void LensChartView::show_all() {
-  zoom_.reset();
+void LensChartView::zoom(int notches) {
+  zoom_.step(notches);
   update();
 }
 
@@ -127,6 +127,7 @@ void LensChartView::leaveEvent(QEvent*) {
 }
 
 void LensChartView::keyPressEvent(QKeyEvent* event) {
+  if (legend_.press(event->key())) return update();
   const int step = event->key() == Qt::Key_Right ? 1 : event->key() == Qt::Key_Left ? -1 : 0;
   if (step == 0 || samples_.empty()) return QWidget::keyPressEvent(event);
   const int last = static_cast<int>(samples_.size()) - 1;

@@ -10,8 +10,8 @@
 namespace qv5123 {
 
 /// What a lens shading calibration measured along the line, the curves fitted to it, the centre, and what
-/// the parameters make of it. The left and right keys go from sample to sample, the wheel enlarges a part, a
-/// click on a colour's name hides it.
+/// the parameters make of it. The left and right keys go from sample to sample, the wheel or + enlarges a
+/// part, a click on a colour's name or the key of its number hides it.
 class LensChartView : public QWidget {
   Q_OBJECT
 
@@ -42,7 +42,7 @@ class LensChartView : public QWidget {
   void wheelEvent(QWheelEvent* event) override;
 
  private:
-  void show_all();
+  void zoom(int notches);
   bool fitted() const;
   QRectF plot() const;
   QColor colour_of(std::size_t colour) const;

@@ -59,6 +59,8 @@ TEST_F(AwbPage, TheChartFollowsTheEditsAndNamesItsPatches) {
   const QPointF at = chart.to_widget({193 * place->x / place->y, -193});
   EXPECT_EQ(chart.text_at(at), "Green: R 300, G 0, B 0\nCb/Y = -0.566, Cr/Y = 1.684");
   EXPECT_EQ(chart.text_at(at + QPointF(40, 0)), "");
+  QTest::keyClick(page_.findChild<AwbChartView*>(), Qt::Key_Right);
+  EXPECT_EQ(chart.accessibleDescription(), "Green: R 300, G 0, B 0\nCb/Y = -0.566, Cr/Y = 1.684");
   EXPECT_TRUE(chart.numbers().contains("Green\t300\t0\t0\t-0.566\t1.684\n"));
 }
 
@@ -83,9 +85,15 @@ TEST(AwbChart, EnlargesHidesLinesAndIsCopied) {
   EXPECT_TRUE(chart.grab().toImage() != unframed) << "it has the keys";
   QTest::keyClick(&chart, Qt::Key_0);
   EXPECT_EQ(chart.to_widget(on_f), at) << "all of it is shown again";
+  QTest::keyClick(&chart, Qt::Key_Plus);
+  EXPECT_NEAR(chart.to_widget(on_f).x() - at.x(), (at.x() - 210) / 4, 1) << "around the middle";
+  QTest::keyClick(&chart, Qt::Key_Minus);
+  EXPECT_EQ(chart.to_widget(on_f), at);
   EXPECT_EQ(drawn(), QColor(Qt::red));
   test::mouse(&chart, QEvent::MouseButtonPress, chart.legend_place(5).center());
   EXPECT_NE(drawn(), QColor(Qt::red));
+  QTest::keyClick(&chart, Qt::Key_6);
+  EXPECT_EQ(drawn(), QColor(Qt::red)) << "the sixth name";
   QApplication::clipboard()->clear();
   QTest::keyClick(&chart, Qt::Key_C, Qt::ControlModifier);
   EXPECT_EQ(QApplication::clipboard()->text(), chart.numbers());
