@@ -70,13 +70,11 @@ void GammaChartView::paintEvent(QPaintEvent*) {
     paint_focus(painter, rect_of(kGammaFrame).adjusted(3, 3, -3, -3), chart_colours(palette()).text);
 }
 
-/// It stays while the points move, and takes longer to paint than they do.
+/// Both layers stay while the points move, and take longer to paint than they do.
 void GammaChartView::paint_background(QPainter& painter) {
-  const QSize pixels = size() * devicePixelRatio();
-  if (background_.size() != pixels) {
-    background_ = QPixmap(pixels);
-    background_.setDevicePixelRatio(devicePixelRatio());
-    background_.fill(Qt::transparent);
+  if (background_.size() != size() * devicePixelRatio()) {
+    drawn_others_.clear();
+    background_ = make_layer();
     QPainter behind(&background_);
     behind.setTransform(transform());
     paint_frame(behind);
@@ -86,6 +84,22 @@ void GammaChartView::paint_background(QPainter& painter) {
     paint_titles(behind);
   }
   painter.drawPixmap(0, 0, background_);
+  std::vector<std::pair<GammaPlace, GammaCurveId>> others = others_to_draw();
+  if (others.empty()) return;
+  if (others != drawn_others_) {
+    drawn_others_ = std::move(others);
+    others_layer_ = make_layer();
+    QPainter layer(&others_layer_);
+    paint_others(layer);
+  }
+  painter.drawPixmap(0, 0, others_layer_);
+}
+
+QPixmap GammaChartView::make_layer() const {
+  QPixmap layer(size() * devicePixelRatio());
+  layer.setDevicePixelRatio(devicePixelRatio());
+  layer.fill(Qt::transparent);
+  return layer;
 }
 
 void GammaChartView::paint_frame(QPainter& painter) const {
@@ -157,39 +171,65 @@ void GammaChartView::paint_curves(QPainter& painter) {
   const std::vector<GammaCurveId> ids = curves();
   // The front curve is behind the others.
   for (auto id = ids.rbegin(); id != ids.rend(); ++id) {
-    if (!shows(*id)) continue;
-    for (const GammaPlace place : {GammaPlace::file, GammaPlace::chip})
-      paint_other_curve(painter, place, *id);
-    paint_curve(painter, *id);
+    if (shows(*id)) paint_curve(painter, *id);
   }
   paint_chosen(painter);
 }
 
+/// Line by line, and the marks as pictures: a path of them all is filled by several threads, whose turns take
+/// more time than the painting while a point is dragged.
 void GammaChartView::paint_curve(QPainter& painter, GammaCurveId id) const {
-  const double point = 1 / zoom_.factor();
-  QPolygonF line;
-  for (ChartPixel pixel : gamma_polyline(values_.curve(id))) line << point_of(pixel);
-  painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(colour_of(id), 2 * point));
-  painter.drawPolyline(line);
-  painter.setPen(QPen(colour_of(id), point));
+  const auto pixels = gamma_polyline(values_.curve(id));
+  QList<QLineF> lines;
+  for (std::size_t i = 1; i < pixels.size(); ++i)
+    lines.append({point_of(pixels[i - 1]), point_of(pixels[i])});
+  painter.setPen(QPen(colour_of(id), 2 / zoom_.factor()));
+  painter.drawLines(lines);
+  const QPixmap mark = mark_of(id);
+  const QPointF middle = QRectF({}, mark.deviceIndependentSize()).center();
+  const QTransform to_window = painter.transform();
+  painter.save();
+  painter.resetTransform();
   // The line starts at the plot's corner, which is no point of the curve.
-  for (qsizetype i = 1; i < line.size(); ++i)
-    painter.drawEllipse(line[i], kGammaMarkRadius * point, kGammaMarkRadius * point);
+  for (const QLineF& line : lines) painter.drawPixmap(to_window.map(line.p2()) - middle, mark);
+  painter.restore();
 }
 
-void GammaChartView::paint_other_curve(QPainter& painter, GammaPlace place, GammaCurveId id) const {
-  const GammaCurve* curve = other_curve(place, id);
-  if (!curve || !others_legend_.shows(static_cast<std::size_t>(place))) return;
-  QPolygonF line;
-  for (ChartPixel pixel : gamma_polyline(*curve)) line << point_of(pixel);
-  painter.save();
+QPixmap GammaChartView::mark_of(GammaCurveId id) const {
+  const double scale = transform().m11();
+  const int half = static_cast<int>(std::ceil((kGammaMarkRadius + 1) * scale));
+  QPixmap mark(QSize(2 * half, 2 * half) * devicePixelRatio());
+  mark.setDevicePixelRatio(devicePixelRatio());
+  mark.fill(Qt::transparent);
+  QPainter painter(&mark);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(colour_of(id), scale));
+  painter.drawEllipse(QPointF(half, half), kGammaMarkRadius * scale, kGammaMarkRadius * scale);
+  return mark;
+}
+
+std::vector<std::pair<GammaPlace, GammaCurveId>> GammaChartView::others_to_draw() const {
+  std::vector<std::pair<GammaPlace, GammaCurveId>> drawn;
+  for (const GammaPlace place : {GammaPlace::file, GammaPlace::chip})
+    for (const GammaCurveId id : curves())
+      if (others_legend_.shows(static_cast<std::size_t>(place)) && other_curve(place, id))
+        drawn.emplace_back(place, id);
+  return drawn;
+}
+
+void GammaChartView::paint_others(QPainter& painter) const {
+  painter.setTransform(transform());
+  painter.setClipRect(plot_rect());
+  painter.setTransform(zoomed() * transform());
+  painter.setRenderHint(QPainter::Antialiasing);
   painter.setOpacity(kOtherOpacity);
-  painter.setBrush(Qt::NoBrush);
-  painter.setPen(
-      QPen(colour_of(id), 2 / zoom_.factor(), place == GammaPlace::file ? Qt::DashLine : Qt::DotLine));
-  painter.drawPolyline(line);
-  painter.restore();
+  for (const auto& [place, id] : drawn_others_) {
+    QPolygonF line;
+    for (ChartPixel pixel : gamma_polyline(*other_curve(place, id))) line << point_of(pixel);
+    const Qt::PenStyle style = place == GammaPlace::file ? Qt::DashLine : Qt::DotLine;
+    painter.setPen(QPen(colour_of(id), 2 / zoom_.factor(), style));
+    painter.drawPolyline(line);
+  }
 }
 
 void GammaChartView::paint_legend(QPainter& painter) {

@@ -22,13 +22,14 @@ GammaChartView::GammaChartView(const GammaValues& values) : values_(values) {
   setAccessibleName("Gamma curves");
   setToolTip(
       "Drag the points, or choose one with the left and right keys and move it with up and down. The wheel "
-      "enlarges, 0 shows all again, a click on a name hides its curve, Ctrl+C copies. Dashed: the file's "
+      "or + enlarges, 0 shows all again, a click on a name or the key of its number hides its curve, Ctrl+C "
+      "copies. Dashed: the file's "
       "curve, dotted: the chip's, where they differ.");
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   add_chart_menu(
-      this, [this] { return numbers(); }, [this] { show_all(); });
+      this, [this] { return numbers(); }, [this](int notches) { zoom(notches); });
 }
 
 bool GammaChartView::event(QEvent* event) {
@@ -68,14 +69,16 @@ std::optional<GammaHit> GammaChartView::hit_at(QPointF point) const {
   return hit->curves.empty() ? std::nullopt : hit;
 }
 
-void GammaChartView::show_all() {
-  zoom_.reset();
+void GammaChartView::zoom(int notches) {
+  zoom_.step(notches);
   background_ = {};
   update();
 }
 
 void GammaChartView::show_others(GammaPlace place, std::map<GammaCurveId, GammaCurve> curves) {
+  if (others_[place] == curves) return;
   others_[place] = std::move(curves);
+  background_ = {};
   update();
 }
 
@@ -221,6 +224,8 @@ void GammaChartView::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_PageDown:
       return nudge(-kPageStep);
     default:
+      if (legend_.press(event->key()) || others_legend_.press(event->key() - legend_.names()))
+        return update();
       QWidget::keyPressEvent(event);
   }
 }

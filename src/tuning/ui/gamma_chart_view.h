@@ -18,8 +18,8 @@ enum class GammaPlace { file, chip };
 
 /// The gamma curves of the current selection over the front curve, the points draggable with the mouse. The
 /// left and right keys choose a point, up and down move it, by 1 or with page up and page down by 16; while
-/// none is chosen any of them chooses the first. The wheel enlarges a part. A click on a curve's name hides
-/// it. The chart grows with the page and keeps its proportions.
+/// none is chosen any of them chooses the first. The wheel or + enlarges a part. A click on a curve's name,
+/// or the key of its number, hides it. The chart grows with the page and keeps its proportions.
 ///
 /// The view shows the page's own values and changes nothing in them: it tells what the user wants moved.
 class GammaChartView : public QWidget {
@@ -74,7 +74,7 @@ class GammaChartView : public QWidget {
   QTransform zoomed() const;
   ChartPixel to_chart(QPointF point) const;
   std::optional<GammaHit> hit_at(QPointF point) const;
-  void show_all();
+  void zoom(int notches);
   std::vector<GammaCurveId> curves() const;
   /// The curve there; null where it is not known, is the same as the page's, or is hidden.
   const GammaCurve* other_curve(GammaPlace place, GammaCurveId id) const;
@@ -89,7 +89,10 @@ class GammaChartView : public QWidget {
   void paint_titles(QPainter& painter) const;
   void paint_curves(QPainter& painter);
   void paint_curve(QPainter& painter, GammaCurveId id) const;
-  void paint_other_curve(QPainter& painter, GammaPlace place, GammaCurveId id) const;
+  QPixmap make_layer() const;
+  QPixmap mark_of(GammaCurveId id) const;
+  std::vector<std::pair<GammaPlace, GammaCurveId>> others_to_draw() const;
+  void paint_others(QPainter& painter) const;
   void paint_legend(QPainter& painter);
   void paint_readout(QPainter& painter) const;
   QColor colour_of(GammaCurveId id) const;
@@ -105,6 +108,9 @@ class GammaChartView : public QWidget {
   ChartLegend others_legend_;
   /// What stands behind the curves, as it was last painted; null where it is to be painted anew.
   QPixmap background_;
+  /// The others' curves, and which of them are on it.
+  QPixmap others_layer_;
+  std::vector<std::pair<GammaPlace, GammaCurveId>> drawn_others_;
 };
 
 }  // namespace qv5123
