@@ -2,13 +2,11 @@
 
 #include <QEvent>
 #include <QPainter>
+#include <utility>
 #include <vector>
 
 namespace qv5123 {
 namespace {
-
-/// What was added to an edit's tooltip, so that it can be taken away again.
-constexpr const char* kAdded = "mark-text";
 
 const QColor kUnsent(0xE0, 0x8A, 0x00);
 const QColor kOtherOnChip(0x8E, 0x44, 0xAD);
@@ -20,19 +18,6 @@ std::vector<QColor> colours_of(const ValueMark& mark) {
   if (mark.differs_from_chip) colours.push_back(kOtherOnChip);
   if (mark.differs_from_file) colours.push_back(kOtherInFile);
   return colours;
-}
-
-/// Others add to the tooltip as well: the mark's text need not stand at its end.
-void tell(QWidget* edit, const QString& text) {
-  const QString added = text.isEmpty() ? QString() : "\n" + text;
-  QString tip = edit->toolTip();
-  const QString before = edit->property(kAdded).toString();
-  if (before == added && tip.contains(before)) return;
-  const qsizetype at = before.isEmpty() ? -1 : tip.lastIndexOf(before);
-  if (at >= 0) tip.remove(at, before.size());
-  edit->setToolTip(tip + added);
-  edit->setProperty(kAdded, added);
-  edit->setAccessibleDescription(text);
 }
 
 }  // namespace
@@ -50,7 +35,7 @@ void MarkStrip::show_mark(QWidget* edit, const ValueMark& mark) {
   if (!strip && mark.any()) strip = new MarkStrip(edit);
   if (!strip) return;
   strip->set_mark(mark);
-  tell(edit, mark_text(mark));
+  strip->tell(mark_text(mark));
 }
 
 MarkStrip::MarkStrip(QWidget* edit) : QWidget(edit) {
@@ -64,6 +49,18 @@ void MarkStrip::set_mark(const ValueMark& mark) {
   mark_ = mark;
   setVisible(mark_.any());
   update();
+}
+
+/// Others add to the tooltip as well: the mark's text need not stand at its end.
+void MarkStrip::tell(const QString& text) {
+  QWidget* edit = parentWidget();
+  const QString before = std::exchange(told_, text.isEmpty() ? QString() : "\n" + text);
+  QString tip = edit->toolTip();
+  if (before == told_ && tip.contains(before)) return;
+  const qsizetype at = before.isEmpty() ? -1 : tip.lastIndexOf(before);
+  if (at >= 0) tip.remove(at, before.size());
+  edit->setToolTip(tip + told_);
+  edit->setAccessibleDescription(text);
 }
 
 void MarkStrip::paintEvent(QPaintEvent*) {

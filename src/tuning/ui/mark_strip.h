@@ -28,8 +28,10 @@ class MarkStrip final : public QWidget {
  private:
   explicit MarkStrip(QWidget* edit);
   void set_mark(const ValueMark& mark);
+  void tell(const QString& text);
 
   ValueMark mark_;
+  QString told_;  // what was added to the edit's tooltip, so that it can be taken away again
 };
 
 /// What is told beside the marks: "Not sent. Chip 12, file 20".
