@@ -8,8 +8,8 @@ namespace qv5123 {
 namespace {
 
 const QEvent::Type kPosted = static_cast<QEvent::Type>(QEvent::registerEventType());
-/// Half a frame: what is posted shares the turn with what it makes the window paint.
-constexpr qint64 kSliceMs = 8;
+/// A third of a frame: what is posted shares the turn with what it makes the window paint.
+constexpr qint64 kSliceMs = 5;
 
 }  // namespace
 
