@@ -4,6 +4,7 @@
 #include <QFontDatabase>
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QTimer>
 #include <algorithm>
 #include <utility>
 
@@ -12,8 +13,8 @@
 namespace qv5123 {
 namespace {
 
-/// A third of a frame, which leaves the rest for layout and painting.
-constexpr qint64 kSliceMs = 4;
+/// A fifth of a frame, which leaves the rest for layout and painting.
+constexpr qint64 kSliceMs = 3;
 constexpr qsizetype kStep = 256;
 /// A window that is never painted, for it is minimized from the start, is not waited for with more than that.
 constexpr qsizetype kMostUnpainted = 64 * 1024;
@@ -32,7 +33,8 @@ ConsoleView::ConsoleView(QWidget* parent) : QPlainTextEdit(parent) {
 /// The window stands before the text that came meanwhile, and before its font, which is one more to load.
 void ConsoleView::paintEvent(QPaintEvent* event) {
   QPlainTextEdit::paintEvent(event);
-  if (!std::exchange(painted_, true)) request_turn();
+  // Behind the whole of the picture: what is posted would come before it has been shown.
+  if (!std::exchange(painted_, true)) QTimer::singleShot(0, this, [this] { request_turn(); });
 }
 
 void ConsoleView::apply(const ConsoleChange& change) {
