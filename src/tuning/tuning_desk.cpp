@@ -168,6 +168,7 @@ Task<bool> TuningDesk::agreed(Prompts& prompts, std::string text) {
 Task<> TuningDesk::run_save(Prompts& prompts, Task<> save) {
   const bool wanted = co_await agreed(prompts, unread_saved());
   if (!wanted) co_return;
+  verify_.cancel();
   if (watcher_) watcher_->saves(*this);
   saved_whole_ = false;
   co_await std::move(save);
@@ -265,7 +266,6 @@ Task<bool> TuningDesk::send_save(FullSave save, std::string done) {
 
 void TuningDesk::start_save(Prompts& prompts, Task<> save) {
   if (save_.running()) return;
-  verify_.cancel();
   save_.start(run_save(prompts, std::move(save)));
 }
 

@@ -47,6 +47,8 @@ Task<> CQV5123View::transfer(TransferKind kind) {
   if (kind == TransferKind::user_data && end == TransferEnd::sent) {
     values_.image_sent(document_.user_data);
     image_check_.sent(document_.user_data);
+    // What is still being read back was sent before.
+    image_flow_.cancel();
     if (values_.verifies_saves())
       image_flow_.start(check_image());
     else
