@@ -72,7 +72,7 @@ class FontEditor {
   void clear();
   void invert();
   void shift(ShiftDirection direction);
-  void paste(const Glyph& glyph);
+  void paste(const Glyph& pasted);
 
   /// A stroke paints the edit buffer from pixel to pixel; however long, it is one step. It starts with the
   /// inverse of the pixel it starts on.

@@ -59,7 +59,7 @@ struct GreyImage {
   /// 0 black .. 255 white, row after row, `width` bytes each.
   std::vector<std::uint8_t> pixels;
 
-  std::uint8_t at(int x, int y) const { return pixels.at(static_cast<std::size_t>(y * width + x)); }
+  std::uint8_t at(int x, int y) const { return pixels.at(static_cast<std::size_t>(y) * width + x); }
 };
 
 /// Draws page 0..3 of the library in the preview's geometry, on `background` outside the white area.
