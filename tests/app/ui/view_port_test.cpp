@@ -128,6 +128,12 @@ TEST(MainFormStart, APortThatFailsLeavesTheWindowUsableAndCanBeChanged) {
   EXPECT_EQ(bench.opened.back(), "COM4");
   EXPECT_EQ(bench.stored, std::vector{*bench.choice});
 
+  for (QAction* action : bench.frame.findChildren<QAction*>())
+    if (action->shortcut() == QKeySequence("Ctrl+Shift+X")) action->trigger();
+  bench.wire.advance(100);
+  EXPECT_TRUE(bench.user.questions.back().text.starts_with("Close the serial port?"));
+  EXPECT_EQ(bench.closed, 0) << "as nobody said yes";
+
   bench.result = {OpenError::not_found, "There is no port COM4."};
   bench.last_words = {{{0x43, 0}}};
   bench.wire.sender.connected = false;

@@ -7,6 +7,7 @@
 #include "content/font_geometry.h"
 #include "content/font_text.h"
 #include "content/ui/font_preview_area.h"
+#include "content/ui/font_text_view.h"
 #include "content/ui/glyph_editor_area.h"
 #include "content/ui/glyph_rasterizer.h"
 #include "support/fake_page_host.h"
@@ -121,6 +122,26 @@ TEST_F(FontMakerPage, WhatIsDrawnStandsWhereThePointerFindsIt) {
   QApplication::sendPostedEvents();
   click(area_, cell(7, 11));
   EXPECT_EQ(buffer(), Glyph()) << "the hit test scales with the window";
+}
+
+TEST_F(FontMakerPage, ATextIsShownInTheGlyphsAsTheyAreDrawn) {
+  open();
+  find<QLineEdit>(*page_, "Preview text")->setText("BA");
+  auto* view = page_->findChild<FontTextView*>();
+  const QImage before = view->grab().toImage();
+  pick('A' % 16, 'A' / 16);
+  click(area_, cell(7, 11));
+  QImage after = view->grab().toImage();
+  const int scale = 2;
+  const int left = (Glyph::kWidth + 7) * scale;
+  int changed = 0;
+  for (int x = 0; x < after.width(); ++x)
+    for (int y = 0; y < after.height(); ++y)
+      if (after.pixel(x, y) != before.pixel(x, y)) {
+        ++changed;
+        EXPECT_TRUE(x >= left && x < left + Glyph::kWidth) << x;
+      }
+  EXPECT_EQ(changed, scale * scale * after.devicePixelRatio() * after.devicePixelRatio());
 }
 
 TEST_F(FontMakerPage, KeysDoWhatTheMouseDoes) {
