@@ -271,7 +271,7 @@ Task<> RegisterDesk::save_file_flow() {
   if (!path) co_return;
   co_await offer_to_read_written();
   const std::string outcome = saved_text(*path, saved_registers(sheet_.description()));
-  const FileResult result = co_await save_register_file(host_.background(), *path, sheet_.description());
+  const FileResult result = co_await save_register_file(host_, *path, sheet_.description());
   if (result.ok()) {
     host_.show_status(outcome);
   } else {

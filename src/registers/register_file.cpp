@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/hex.h"
+#include "console/slow_write.h"
 #include "link/register_write.h"
 
 namespace qv5123 {
@@ -102,12 +103,12 @@ SavedRegisters saved_registers(const RegDescription& description) {
   return registers;
 }
 
-Task<FileResult> save_register_file(Background& background, std::filesystem::path path,
+Task<FileResult> save_register_file(PageHost& host, std::filesystem::path path,
                                     const RegDescription& description) {
-  std::function<FileResult()> work = [path = std::move(path), text = register_file_text(description)] {
+  std::function<FileResult()> work = [path, text = register_file_text(description)] {
     return write_file_atomically(path, text);
   };
-  return background.run<FileResult>(std::move(work));
+  return write_in_background(host, std::move(path), std::move(work));
 }
 
 Task<LoadedRegisterFile> load_register_file(Background& background, std::filesystem::path path) {

@@ -13,6 +13,8 @@
 
 namespace qv5123 {
 
+class PageHost;
+
 /// A register text file: one line for each register,
 ///
 ///     0xF800=0x1A //NAME
@@ -48,7 +50,7 @@ struct SavedRegisters {
 SavedRegisters saved_registers(const RegDescription& description);
 
 /// Writes the registers as they are now.
-Task<FileResult> save_register_file(Background& background, std::filesystem::path path,
+Task<FileResult> save_register_file(PageHost& host, std::filesystem::path path,
                                     const RegDescription& description);
 
 /// A file as read; without lines when the result says why it cannot be.

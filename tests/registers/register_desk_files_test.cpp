@@ -30,6 +30,10 @@ TEST_F(RegisterDeskTest, SavingTellsWhatIsInTheFileAndOffersToReadWhatWasWritten
   host_.user.answers = {Answer::yes};
   EXPECT_EQ(save_as("c.txt"), "c.txt: 1 register saved, 2 never read and left out");
   EXPECT_EQ(folder_.read("c.txt"), "0xF800=0x77 //MODE\r\n");
+  host_.work.busy = true;
+  EXPECT_EQ(save_as("d.txt"), "c.txt: 1 register saved, 2 never read and left out");
+  wire_.advance(1000);
+  EXPECT_TRUE(host_.last_status().starts_with("Still writing ")) << host_.last_status();
 }
 
 TEST_F(RegisterDeskTest, WritesARegisterFileToTheChip) {

@@ -11,6 +11,7 @@
 #include "base/atomic_file.h"
 #include "base/text.h"
 #include "base/ui/qt_text.h"
+#include "console/slow_write.h"
 #include "state/sign_off_values.h"
 #include "state/ui/report_pdf.h"
 
@@ -27,26 +28,26 @@ struct ReportWork {
   std::filesystem::path limits;
   WriteJournal journal;
 
-  std::string operator()() {
+  FileResult operator()() {
     report.journal = journal_summary(journal);
     for (const auto& [role, path] : files) {
       std::string bytes;
       const FileResult read = read_whole_file(path, bytes);
-      if (!read.ok()) return read.text;
+      if (!read.ok()) return read;
       report.files.push_back(sign_off_file(role, path_text(path.filename()), bytes));
     }
-    if (const std::string trouble = judge(); !trouble.empty()) return trouble;
-    return write_file_atomically(out, bytes()).text;
+    if (FileResult judging = judge(); !judging.ok()) return judging;
+    return write_file_atomically(out, bytes());
   }
 
  private:
-  std::string judge() {
+  FileResult judge() {
     if (limits.empty()) return {};
     std::string text;
     const FileResult read = read_whole_file(limits, text);
-    if (!read.ok()) return read.text;
+    if (!read.ok()) return read;
     const Limits found = read_limits(text);
-    if (!found.faults.empty()) return path_text(limits) + ": " + found.faults.front();
+    if (!found.faults.empty()) return {path_text(limits) + ": " + found.faults.front()};
     report.limits = judged(found.limits, figures_of(report));
     return {};
   }
@@ -125,7 +126,7 @@ Task<> ReportTool::save(ReportAnswers answers) {
 }
 
 Task<std::string> ReportTool::write(std::filesystem::path out, ReportAnswers answers) {
-  ReportWork work{known(), std::move(out), {}, to_path(answers.limits), surroundings_.history.journal()};
+  ReportWork work{known(), out, {}, to_path(answers.limits), surroundings_.history.journal()};
   work.report.serial_typed = from_qt(answers.serial_number);
   work.report.notes = from_qt(answers.notes);
   const auto add = [&work](const char* role, const std::filesystem::path& path) {
@@ -134,8 +135,14 @@ Task<std::string> ReportTool::write(std::filesystem::path out, ReportAnswers ans
   add("Setting file", surroundings_.view.document().setting_file);
   add("Firmware", to_path(answers.firmware));
   add("Font", to_path(answers.font));
-  std::function<std::string()> writing = std::move(work);
-  co_return co_await surroundings_.files.run<std::string>(std::move(writing));
+  std::function<FileResult()> writing = std::move(work);
+  std::function<void(const std::string&)> slow = [this](const std::string& text) {
+    surroundings_.view.say(StatusRank::failure, kAboutReport, text);
+  };
+  const FileResult written =
+      co_await write_in_background(surroundings_.files, surroundings_.view.scheduler(), std::move(slow),
+                                   std::move(out), std::move(writing));
+  co_return written.text;
 }
 
 }  // namespace qv5123
