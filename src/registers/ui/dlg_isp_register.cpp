@@ -1,5 +1,6 @@
 #include "registers/ui/dlg_isp_register.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>

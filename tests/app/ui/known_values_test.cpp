@@ -1,5 +1,7 @@
 // What the window shows of what is known of the values: marks, dots and the star, the read-back after a save,
 // and the steps that can be undone.
+#include <QtTest>
+
 #include "reliability/ui/matrix_bench.h"
 #include "tuning/ui/mark_strip.h"
 
