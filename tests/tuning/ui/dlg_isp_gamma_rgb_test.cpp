@@ -141,6 +141,24 @@ TEST_F(GammaPage, TheChartAlsoHasTheCurvesOfFileAndChipWhereTheyDiffer) {
       << chart->numbers().toStdString();
   ASSERT_FALSE(chart->legend_place(GammaPlace::file).isEmpty());
   EXPECT_TRUE(chart->legend_place(GammaPlace::chip).right() < chart->width());
+
+  // Away from the names; the chip's curve is a flat one at the bottom.
+  const auto curves = [chart] {
+    const QImage shot = chart->grab().toImage();
+    return shot.copy(shot.width() / 5, shot.height() / 3, shot.width() / 5, shot.height());
+  };
+  const auto flip_chip = [chart] {
+    test::mouse(chart, QEvent::MouseButtonPress, chart->legend_place(GammaPlace::chip).center());
+  };
+  const QImage both = curves();
+  flip_chip();
+  EXPECT_NE(curves(), both);
+  flip_chip();
+  EXPECT_EQ(curves(), both);
+  test::enlarge(chart, {chart->width() / 2.0, chart->height() / 4.0});
+  const QImage enlarged = curves();
+  flip_chip();
+  EXPECT_EQ(curves(), enlarged) << "it is beyond the edge";
 }
 
 }  // namespace
