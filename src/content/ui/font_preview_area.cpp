@@ -39,9 +39,9 @@ QImage draw_page(const FontEditor& editor, const QColor& background) {
 }
 
 QRectF cell(int index) {
+  const int row = index / preview::kColumns;
   return QRectF(preview::kLeft + index % preview::kColumns * preview::kColumnStep,
-                preview::kTop + index / preview::kColumns * preview::kRowStep, preview::kColumnStep + 1,
-                preview::kRowStep + 1);
+                preview::kTop + row * preview::kRowStep, preview::kColumnStep + 1, preview::kRowStep + 1);
 }
 
 }  // namespace
