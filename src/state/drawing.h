@@ -26,7 +26,7 @@ struct Drawing {
   };
 
   void line(std::vector<Point> points, std::uint32_t color, double width = 1);
-  void box(double x, double y, double width, double height, Paint stroke, Paint fill);
+  void box(double x, double y, double wide, double high, Paint stroke, Paint fill);
   void label(double x, double y, std::string text, std::uint32_t color = 0);
 
   static constexpr double kTextSize = 11;

@@ -48,8 +48,9 @@ Drawing patches_drawing(const PatchReport& report) {
   drawing.width = kPatchesInRow * (kWide + kGap);
   drawing.height = 4 * (kHigh + 14 + kGap);
   for (std::size_t i = 0; i < kPatches; ++i) {
+    const std::size_t row = i / kPatchesInRow;
     const double x = static_cast<double>(i % kPatchesInRow) * (kWide + kGap);
-    const double y = static_cast<double>(i / kPatchesInRow) * (kHigh + 14 + kGap);
+    const double y = static_cast<double>(row) * (kHigh + 14 + kGap);
     drawing.box(x, y, kWide, kHigh / 2, {}, paint(kPatchReferences[i]));
     const auto& match = report.patches[i];
     if (match) {
@@ -98,8 +99,9 @@ Drawing field_drawing(const LensField& field) {
   for (const PerColour& place : field)
     for (std::size_t c = 0; c < 3; ++c) highest[c] = std::max(highest[c], place[c]);
   for (std::size_t i = 0; i < field.size(); ++i) {
+    const std::size_t row = i / kFieldColumns;
     const double x = static_cast<double>(i % kFieldColumns) * kWide + 1;
-    const double y = static_cast<double>(i / kFieldColumns) * kHigh + 1;
+    const double y = static_cast<double>(row) * kHigh + 1;
     const int percent = 100 * field[i][1] / highest[1];
     const auto grey = static_cast<std::uint32_t>(std::clamp(255 - 3 * (100 - percent), 90, 255));
     drawing.box(x, y, kWide, kHigh, kGrey, grey << 16 | grey << 8 | grey);

@@ -76,8 +76,8 @@ class ValueStates final : public DeskWatcher {
   /// Null while the page was not opened.
   TuningDesk* desk(std::size_t page) const { return pages_[page].desk; }
 
-  std::vector<ValueState> states(std::size_t page) const;
-  ValueState state(std::size_t page, std::size_t field) const;
+  std::vector<ValueState> states(std::size_t at) const;
+  ValueState state(std::size_t at, std::size_t field) const;
   ValueMark mark(std::size_t page, std::size_t field) const;
   static ValueMark mark_of(const FieldInfo& field, const ValueState& state);
   /// "chip 12, file 20"; what is not known is left out.
@@ -92,7 +92,7 @@ class ValueStates final : public DeskWatcher {
   void image_sent(const UserDataImage& image);
   /// The chip has answered a page's trigger, for who asked without a desk. False when the reply ends too
   /// early.
-  bool page_reported(std::size_t page, std::string_view reply, std::uint64_t asked_at);
+  bool page_reported(std::size_t at, std::string_view reply, std::uint64_t asked_at);
   /// Calls `told` with everything that left, in order, for as long as this exists.
   void on_write(WriteListener told) { write_listeners_.push_back(std::move(told)); }
   /// Calls `told` when something may have changed, page, chip or file; once for all that happens at a time.

@@ -72,7 +72,7 @@ class WriteJournalFiles {
 
 /// Reads a run's journal from this file on, behind which others may go on; a journal that is longer than
 /// `limit` bytes is cut there. A foreign file is read alone.
-OpenedJournal open_journal_file(const std::filesystem::path& file,
+OpenedJournal open_journal_file(const std::filesystem::path& path,
                                 std::uintmax_t limit = WriteJournalFiles::kMostBytes);
 /// The journals in `folder`, the latest first.
 std::vector<WriteJournalFiles::Run> journal_runs(const std::filesystem::path& folder);

@@ -185,8 +185,8 @@ class FieldCheck : public EachField<FieldCheck> {
       for (; *word != '\0'; ++word) add(static_cast<unsigned char>(*word));
       add('.');
     }
-    add(static_cast<std::uint64_t>(name.number + 1));
-    add(static_cast<std::uint64_t>(name.index + 1));
+    add(static_cast<std::uint64_t>(name.number) + 1);
+    add(static_cast<std::uint64_t>(name.index) + 1);
     for (std::size_t i = 0; i < count_; ++i) holds_ = holds_ && names_[i] != hash;
     if (count_ < kMostFields)
       names_[count_++] = hash;
