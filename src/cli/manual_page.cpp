@@ -82,7 +82,7 @@ std::string commands_of(const CLI::App& app, const std::string& path) {
 }  // namespace
 
 std::string manual_page(const CLI::App& app) {
-  const std::string name = app.get_name();
+  const std::string& name = app.get_name();
   return ".TH QV5123CTL 1 \"\" \"QV5123 " QV5123_VERSION "\" \"User Commands\"\n.SH NAME\n" + roff(name) +
          " \\- adjust and tune a camera image signal processor from a shell\n.SH SYNOPSIS\n" + bold(name) +
          " [" + italic("OPTION") + "]... " + italic("COMMAND") + " ...\n.SH DESCRIPTION\n" +
