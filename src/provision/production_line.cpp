@@ -258,7 +258,7 @@ bool ProductionLine::goes_on() const {
 
 bool ProductionLine::incomplete() const {
   const std::size_t expected = options_.watch ? 1 : places_.size();
-  return static_cast<std::size_t>(passed_ + failed_) < expected;
+  return static_cast<std::size_t>(passed_) + static_cast<std::size_t>(failed_) < expected;
 }
 
 std::vector<PlaceState> ProductionLine::places() const {

@@ -122,6 +122,7 @@ std::vector<std::string> RecipeTable::keys() const {
   for (const auto& [key, node] : table_) keys.emplace_back(key.source().begin, key.str());
   std::ranges::sort(keys, [](const auto& a, const auto& b) { return a.first < b.first; });
   std::vector<std::string> names;
+  names.reserve(keys.size());
   for (auto& [position, name] : keys) names.push_back(std::move(name));
   return names;
 }

@@ -86,8 +86,9 @@ int patch_pitch(const Scene& scene) {
 
 PicturePoint patch_middle(const Scene& scene, std::size_t patch) {
   const int at = static_cast<int>(patch % kChartPatches);
-  const auto [x, y] = ChartPose(scene).pixel(at % kChartColumns - (kChartColumns - 1) / 2.0,
-                                             at / kChartColumns - (kChartRows - 1) / 2.0);
+  const int row = at / kChartColumns;
+  const auto [x, y] =
+      ChartPose(scene).pixel(at % kChartColumns - (kChartColumns - 1) / 2.0, row - (kChartRows - 1) / 2.0);
   return {static_cast<int>(std::lround(x)), static_cast<int>(std::lround(y))};
 }
 

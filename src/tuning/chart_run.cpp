@@ -125,7 +125,8 @@ std::optional<std::array<PickerPosition, kPatches>> patch_places(const ChartCorn
   std::array<PickerPosition, kPatches> places{};
   for (std::size_t i = 0; i < kPatches; ++i) {
     const int at = static_cast<int>(i);
-    const Point middle = perspective.at(at % kPatchesInRow / 5.0, at / kPatchesInRow / 3.0);
+    const int row = at / kPatchesInRow;
+    const Point middle = perspective.at(at % kPatchesInRow / 5.0, row / 3.0);
     places[i] = clamped({static_cast<int>(std::lround(middle.x)), static_cast<int>(std::lround(middle.y))});
   }
   return places;

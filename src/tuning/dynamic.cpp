@@ -134,7 +134,7 @@ Batch smart_ir_write(const DynamicValues& values) {
 }
 
 DynamicFullSave dynamic_full_save(DynamicValues values, const UserDataImage& image) {
-  DynamicFullSave save{std::move(values), {}, {}};
+  DynamicFullSave save{values, {}, {}};
   Traffic block = flushed_singly(number_writes_of_save(save.values));
   append(block, rewrite_grid(save));
   append(block, flushed_singly(bank_writes_of_save(save.values)));

@@ -22,10 +22,12 @@ constexpr int kLead = 2;
 /// By how many digits were lost so far, those too many taken off.
 using Costs = std::array<int, kShifts>;
 int& at(Costs& costs, int shift) {
-  return costs[static_cast<std::size_t>(shift + kMostShift)];
+  const int place = shift + kMostShift;
+  return costs[static_cast<std::size_t>(place)];
 }
 int at(const Costs& costs, int shift) {
-  return std::abs(shift) > kMostShift ? kNever : costs[static_cast<std::size_t>(shift + kMostShift)];
+  const int place = shift + kMostShift;
+  return std::abs(shift) > kMostShift ? kNever : costs[static_cast<std::size_t>(place)];
 }
 
 int other_digit(char expected, char answered) {
