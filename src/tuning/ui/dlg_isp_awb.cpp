@@ -84,6 +84,7 @@ QWidget* CDlgIspAwb::make_navigation_group() {
   grid->addWidget(make_write_button("UP", kAwbUp), 0, 1);
   grid->addWidget(make_write_button("LEFT", kAwbLeft), 1, 0);
   std::vector<int> registers;
+  registers.reserve(std::size(kAwbColourRegisters));
   for (const int address : kAwbColourRegisters) registers.push_back(0xF000 | address);
   get_color_ = make_button(
       "GET COLOR", {},

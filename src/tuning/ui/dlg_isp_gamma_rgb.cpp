@@ -110,6 +110,7 @@ void CDlgIspGammaRgb::add_channel(QLayout* row, GammaChannel channel) {
 
 QString CDlgIspGammaRgb::end_registers() const {
   std::vector<int> addresses;
+  addresses.reserve(std::size(kEndGammaCurves));
   for (const GammaCurveId id : kEndGammaCurves)
     addresses.push_back(desk_.info(desk_.values().curve(id)[0]).address);
   return registers_text(addresses);

@@ -90,9 +90,10 @@ void LensFieldView::paint_colour(QPainter& painter, const QRectF& area, std::siz
   const double cell_height = (area.height() - line) / kFieldRows;
   for (std::size_t i = 0; i < field_.size(); ++i) {
     const int at = static_cast<int>(i);
+    const int row = at / kFieldColumns;
     const double share = most > least ? static_cast<double>(field_[i][colour] - least) / (most - least) : 1;
-    const QRectF cell(area.left() + at % kFieldColumns * cell_width,
-                      area.top() + line + at / kFieldColumns * cell_height, cell_width, cell_height);
+    const QRectF cell(area.left() + at % kFieldColumns * cell_width, area.top() + line + row * cell_height,
+                      cell_width, cell_height);
     painter.fillRect(cell, QColor::fromHsvF(static_cast<float>(kHues[colour] / 360.0), 0.6F,
                                             static_cast<float>(kDarkest + (1 - kDarkest) * share)));
   }
