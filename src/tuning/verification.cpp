@@ -178,15 +178,16 @@ std::string verification_text(const std::vector<FieldInfo>& fields, const Verifi
   return verification_text(verification, difference_texts(fields, verification));
 }
 
-std::string verification_text(const Verification& verification, const std::vector<std::string>& all) {
+std::string verification_text(const Verification& verification, const std::vector<std::string>& differences) {
   if (verification.end == Verification::End::verified) return verified_text(verification);
   if (verification.end == Verification::End::no_answer) return "Not verified: no answer from the chip";
   if (verification.end == Verification::End::unclear)
     return "Not verified: the chip's answers were damaged on the line";
-  std::string text = std::to_string(all.size()) + " of " + counted(verification.reported, "value") +
-                     (all.size() == 1 ? " differs: " : " differ: ");
-  for (std::size_t i = 0; i < all.size() && i < kNamed; ++i) text += (i > 0 ? ", " : "") + all[i];
-  if (all.size() > kNamed) text += " and " + std::to_string(all.size() - kNamed) + " more";
+  std::string text = std::to_string(differences.size()) + " of " + counted(verification.reported, "value") +
+                     (differences.size() == 1 ? " differs: " : " differ: ");
+  for (std::size_t i = 0; i < differences.size() && i < kNamed; ++i)
+    text += (i > 0 ? ", " : "") + differences[i];
+  if (differences.size() > kNamed) text += " and " + std::to_string(differences.size() - kNamed) + " more";
   return text;
 }
 

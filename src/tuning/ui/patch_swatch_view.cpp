@@ -74,8 +74,9 @@ QRectF PatchSwatchView::cell(std::size_t patch) const {
   const double cell_width = area.width() / kPatchesInRow;
   const double cell_height = area.height() / kChartRows;
   const int at = static_cast<int>(patch);
-  return QRectF(area.left() + at % kPatchesInRow * cell_width, area.top() + at / kPatchesInRow * cell_height,
-                cell_width, cell_height)
+  const int row = at / kPatchesInRow;
+  return QRectF(area.left() + at % kPatchesInRow * cell_width, area.top() + row * cell_height, cell_width,
+                cell_height)
       .adjusted(kGap / 2, kGap / 2, -kGap / 2, -kGap / 2);
 }
 
