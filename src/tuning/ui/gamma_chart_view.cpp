@@ -23,8 +23,7 @@ GammaChartView::GammaChartView(const GammaValues& values) : values_(values) {
   setToolTip(
       "Drag the points, or choose one with the left and right keys and move it with up and down. The wheel "
       "or + enlarges, 0 shows all again, a click on a name or the key of its number hides its curve, Ctrl+C "
-      "copies. Dashed: the file's "
-      "curve, dotted: the chip's, where they differ.");
+      "copies. Dashed: the file's curve, dotted: the chip's, where they differ.");
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
